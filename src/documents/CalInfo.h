@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace hylden {
+
+class Shell;
+
+/// What a calibration record's info file (.hyinfo) tells about it.
+struct CalInfoRec {
+  std::string SetupDescription;
+  std::string AmpUsed;
+  std::string DeviceDescription;
+  std::string TestLevel;  ///< flat level in volts and "v" (10v), or the path of the test level file
+  std::string FreqRange;  ///< "0.15 - 80", MHz
+  std::int32_t CouplingMethod = 0;
+};
+
+template <class F>
+void Fields(F& f, CalInfoRec& c) {
+  f.Text(c.SetupDescription);
+  f.Text(c.AmpUsed);
+  f.Text(c.DeviceDescription);
+  f.Text(c.TestLevel);
+  f.Text(c.FreqRange);
+  f.Int32(c.CouplingMethod);
+}
+
+/// The calibration info that the program shows and checks against.
+class CalInfo {
+ public:
+  explicit CalInfo(Shell& shell) : shell_(shell) {}
+
+  /// @return false after a message; the record then keeps what it held before the failing line
+  bool LoadDef(const std::string& path);
+
+  CalInfoRec Record;
+
+ private:
+  Shell& shell_;
+};
+
+}  // namespace hylden

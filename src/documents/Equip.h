@@ -1,0 +1,56 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "documents/EquipRecord.h"
+
+namespace hylden {
+
+class Shell;
+struct Instruments;
+
+/// What the equipment form holds when it is applied: its texts and choices.
+struct EquipmentEntries {
+  std::string SigGenAddress, MeterAddress, PwrMtrAddress;
+  std::string IfiBandSwitch;
+  AmpConfig Configuration = AmpConfig::Single;
+  AmpType Type = AmpType::Generic;
+  bool IfiPower = false, IfiAtten = false;
+  std::string CableLossFile, FwdPortFile, RevPortFile, MaxPowerFile, ProbeFile;
+};
+
+/// An entry that a form has to have corrected: which box, on which tab, and why.
+struct EntryFailure {
+  enum class Kind { NotANumber, OutOfRange, Message };
+  std::string Control;  ///< the control's object name, e.g. "txtSigGenAddr"
+  int Tab = -1;         ///< -1: the tab is not turned
+  Kind Reason = Kind::NotANumber;
+  std::string Text = {};  ///< the message, when Reason is Message
+};
+
+/// The station's equipment configuration, its file, and its hand-over to the drivers.
+class Equip {
+ public:
+  Equip(Shell& shell, Instruments& instruments) : shell_(shell), instruments_(instruments) {}
+
+  /// 1 when all fields were read, 0 after a report; fields read so far then keep their new values.
+  int LoadDef(const std::string& path);
+  int SaveDef(const std::string& path);
+
+  /// Loads the definition files of the three instruments into the drivers (those that are named).
+  /// @return false when one of them failed, after its report
+  bool LoadDefinitions();
+  /// The form's entries as the record has them: what a freshly opened form would show.
+  EquipmentEntries Entries() const;
+  /// Checks the entries in the form's order and takes them into the record and the drivers, up to the first failure.
+  std::optional<EntryFailure> ApplyEquipment(const EquipmentEntries& entries);
+
+  EquipRecord Record;
+
+ private:
+  Shell& shell_;
+  Instruments& instruments_;
+};
+
+}  // namespace hylden

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace hylden {
+
+/// How amplifier power is measured.
+enum class AmpConfig : std::int32_t { Single = 0, DualFwdRev = 1, DualSplit = 2 };
+enum class AmpType : std::int32_t { Generic = 0, Ifi = 1 };
+
+/// The station's equipment configuration (.eqp). Frequencies in MHz; files as full paths, empty when none.
+struct EquipRecord {
+  std::string SigGenFile;
+  std::int16_t SigGenAddress = 0;
+  std::string MeterFile;
+  std::int16_t MeterAddress = 0;
+  std::string PwrMtrFile;
+  std::int16_t PwrMtrAddress = 0;
+  std::int32_t AmpConfiguration = 0;  ///< an AmpConfig code
+  double PmBandSwitch = 0;
+  std::string CableLossFile;
+  std::string FwdPortFile;
+  std::string RevPortFile;
+  std::string MaxPowerFile;
+  std::string ProbeFile;
+  std::int32_t AmplifierType = 0;  ///< an AmpType code
+  bool IfiPower = false;
+  bool IfiAtten = false;
+  double IfiBandSwitch = 0;
+
+  bool HasIfiAmplifier() const { return AmplifierType == static_cast<std::int32_t>(AmpType::Ifi); }
+  bool Is(AmpConfig config) const { return AmpConfiguration == static_cast<std::int32_t>(config); }
+};
+
+template <class F>
+void Fields(F& f, EquipRecord& e) {
+  f.Text(e.SigGenFile);
+  f.Int16(e.SigGenAddress);
+  f.Text(e.MeterFile);
+  f.Int16(e.MeterAddress);
+  f.Text(e.PwrMtrFile);
+  f.Int16(e.PwrMtrAddress);
+  f.Int32(e.AmpConfiguration);
+  f.Double(e.PmBandSwitch);
+  f.Text(e.CableLossFile);
+  f.Text(e.FwdPortFile);
+  f.Text(e.RevPortFile);
+  f.Text(e.MaxPowerFile);
+  f.Text(e.ProbeFile);
+  f.Int32(e.AmplifierType);
+  f.Flag(e.IfiPower);
+  f.Flag(e.IfiAtten);
+  f.Double(e.IfiBandSwitch);
+  f.SpareLines(9);
+}
+
+}  // namespace hylden

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace hylden {
+
+enum class LevelingMethod : std::int32_t { SigGen = 0, ForwardPower = 1, NetPower = 2 };
+
+/// How a conducted immunity test is run (.tst). Frequencies and frequency steps in MHz, dwells in seconds, modulation
+/// frequencies and deviation in kHz, pulse times in ms, levels in dB, the impedance in ohms.
+struct TestDefinition {
+  std::string CalInfoFile;
+  double StartFreq = 0, StopFreq = 0;
+  bool FreqSweep = false;
+  std::int32_t StepType = 0;  ///< a StepType code: 0 linear, 1 logarithmic
+  double LinearStep = 0;
+  double LogStep = 0;  ///< percent
+  double SweepDwell = 0;
+  bool FreqList = false;
+  std::string ListFile;
+  double DiscreteDwell = 0;
+  std::int32_t ModType = 0;  ///< a Modulation code
+  float AmDepth = 0;         ///< percent
+  float AmModFreq = 0;
+  float FmDev = 0, FmModFreq = 0;
+  float PulseWidth = 0, PulsePeriod = 0;
+  bool ConstPeak = false;
+  std::int32_t LevelingMode = 0;  ///< stored and shown only: 1 closed loop, 0 substitution
+  float InitLevOffset = 0;
+  float LevelInc = 0;
+  float InterDwell = 0;
+  std::int32_t LevelingMethod = 0;  ///< a LevelingMethod code
+  bool Extrapolate = false;
+  double ExtrapolateTo = 0;
+  bool MonitorProbe = false;
+  bool LimitCurrent = false;
+  float LimitMargin = 0;
+  float EUTCircuitImpedance = 0;
+  bool ModOffBetweenFreqs = false;
+  bool UseAMdepth = false;
+  std::string Spare1, Spare2, Spare3, Spare4, Spare5;
+};
+
+template <class F>
+void Fields(F& f, TestDefinition& t) {
+  f.Text(t.CalInfoFile);
+  f.Double(t.StartFreq);
+  f.Double(t.StopFreq);
+  f.Flag(t.FreqSweep);
+  f.Int32(t.StepType);
+  f.Double(t.LinearStep);
+  f.Double(t.LogStep);
+  f.Double(t.SweepDwell);
+  f.Flag(t.FreqList);
+  f.Text(t.ListFile);
+  f.Double(t.DiscreteDwell);
+  f.Int32(t.ModType);
+  f.Single(t.AmDepth);
+  f.Single(t.AmModFreq);
+  f.Single(t.FmDev);
+  f.Single(t.FmModFreq);
+  f.Single(t.PulseWidth);
+  f.Single(t.PulsePeriod);
+  f.Flag(t.ConstPeak);
+  f.Int32(t.LevelingMode);
+  f.Single(t.InitLevOffset);
+  f.Single(t.LevelInc);
+  f.Single(t.InterDwell);
+  f.Int32(t.LevelingMethod);
+  f.Flag(t.Extrapolate);
+  f.Double(t.ExtrapolateTo);
+  f.Flag(t.MonitorProbe);
+  f.Flag(t.LimitCurrent);
+  f.Single(t.LimitMargin);
+  f.Single(t.EUTCircuitImpedance);
+  f.FlagOrEmpty(t.ModOffBetweenFreqs);
+  f.FlagOrEmpty(t.UseAMdepth);
+  f.Text(t.Spare1);
+  f.Text(t.Spare2);
+  f.Text(t.Spare3);
+  f.Text(t.Spare4);
+  f.Text(t.Spare5);
+}
+
+}  // namespace hylden

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "documents/CalInfo.h"
+#include "documents/Equip.h"
+#include "documents/TestDefinition.h"
+
+namespace hylden {
+
+class Shell;
+
+/// What the test definition form holds when it is validated: the texts of its boxes, its ticks and choices.
+struct TestDefinitionEntries {
+  std::string CalFile;
+  std::string StartFreq, StopFreq;
+  bool FreqSweep = false;
+  bool LinStep = false, LogStepChosen = false;
+  std::string LinearStep, LogStep, SweepDwell;
+  bool FreqList = false;
+  std::string ListFile, DiscreteDwell;
+  std::int32_t ModType = 0;
+  std::string AmDepth, AmModFreq, FmDev, FmModFreq, PulseWidth, PulsePeriod;
+  bool ConstPeak = false, ModOffBetweenFreqs = false, UseAMdepth = false;
+  bool RealTimeLevel = false;
+  std::string InitLevOffset, LevelInc, InterDwell;
+  bool Extrapolate = false;
+  std::string ExtrapolateTo;
+  std::int32_t LevelingMethod = 0;
+  bool MonitorProbe = false, LimitCurrent = false;
+  std::string LimitMargin, EUTCircuitImpedance;
+};
+
+/// The outcome of a validation: the first failure, if any, and the messages shown on the way (limits taken over from
+/// the calibration record).
+struct TestValidation {
+  std::optional<EntryFailure> Failure;
+  std::vector<std::string> Notices;
+};
+
+/// Checks the entries in the form's order, storing each field as soon as it has been read, up to the first failure.
+/// @param calFreqRange  the calibration info's range text, "0.15 - 80"
+TestValidation ValidateTestDefinition(TestDefinitionEntries& entries, const std::string& calFreqRange,
+                                      TestDefinition& test);
+/// The entries that show a definition.
+TestDefinitionEntries EntriesOf(const TestDefinition& test);
+
+/// A Start check that failed: the message, and the tab of the equipment form where it is mended.
+struct StartFailure {
+  std::string Text;
+  int EquipmentTab = 0;
+};
+/// Whether the station has what the test needs; the first thing missing, in checking order.
+std::optional<StartFailure> CheckStart(const TestDefinition& test, const EquipRecord& equipment);
+
+/// The test definition, its file, and its printed summary.
+class TestSetup {
+ public:
+  TestSetup(Shell& shell, const CalInfo& calInfo) : shell_(shell), calInfo_(calInfo) {}
+
+  /// @return false after a report; fields before the fault keep their new values
+  bool LoadDef(const std::string& path);
+  bool SaveDef(const std::string& path);
+  /// The "Test Run Parameters" summary, lines ended by CR LF; empty after a failure.
+  std::string StringPrintTestSetup();
+  void PrintTestSetup();
+  /// Whether the file last loaded or saved is read-only.
+  bool TestFileReadOnly() const;
+
+  TestDefinition Definition;
+  std::string TestFileName;
+
+ private:
+  Shell& shell_;
+  const CalInfo& calInfo_;
+};
+
+}  // namespace hylden

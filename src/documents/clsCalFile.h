@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace hylden {
+
+class Shell;
+struct CalInfoRec;
+
+/// One calibrated frequency: MHz, dBm, dBuV, dBm, dBm; a power that was not recorded is -999.
+struct CalPoint {
+  double Freq = 0;
+  float SigGenLevel = 0;
+  float TestLevel = 0;
+  float FwdPwr = -999;
+  float RevPwr = -999;
+};
+
+/// The value columns of a calibration point.
+enum class CalColumn : int { SigGenLevel = 0, TestLevel = 1, FwdPwr = 2, RevPwr = 3 };
+
+/// A point from a line of a .cal file; nothing for a bad line.
+std::optional<CalPoint> ParseCalLine(std::string_view line);
+
+/// A calibration record's points, loaded once and looked up at rising frequencies. Frequencies in MHz. Between points
+/// levels and powers are interpolated linearly over frequency (powers in dBm), the test level over log frequency; at a
+/// band-change pair the larger value counts. A getter gives -999 where it has no answer.
+class clsCalFile {
+ public:
+  explicit clsCalFile(Shell& shell) : shell_(shell) {}
+
+  double GetStartFreq() const;
+  double GetStopFreq() const;
+  /// The highest point index: one less than there are points.
+  int GetNumSteps() const;
+  float GetSigGen(double frequency);
+  float GetTestLevel(double frequency);
+  float GetFwdPwr(double frequency);
+  float GetRevPwr(double frequency);
+  /// Forward minus reverse, in watts, as dBm.
+  float GetNetPwr(double frequency);
+  /// Appends the points of the .cal file that lies beside the info file. @return false after a message
+  bool LoadFile(const std::string& infoFileName);
+
+ private:
+  bool LookupValue(double frequency, CalColumn column, float& value);
+
+  Shell& shell_;
+  std::vector<CalPoint> points_;
+  std::size_t cursor_ = 0;
+};
+
+/// Writes a calibration record: the data file, one line per row as the run's grid shows it, and the info file beside
+/// it.
+/// @param rows  the grid's rows without its heading, five cells each; fewer than two: "No data to save"
+/// @return false after a message
+bool SaveCal(Shell& shell, const std::string& dataFileName, const std::vector<std::vector<std::string>>& rows,
+             const CalInfoRec& info);
+
+}  // namespace hylden

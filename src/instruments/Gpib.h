@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "platform/GpibDriver.h"
+
+namespace hylden {
+
+class Shell;
+
+/// Thrown when the program can't go on; main() ends it. The message has been shown.
+class ProgramEnd : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// What an End of String code (0 none, 1 cr, 2 cr/lf) means on the bus; other codes leave the present one unchanged.
+struct Terminator {
+  std::string Text;                      ///< appended to every command
+  int ReadTermination = gpib::kStopEnd;  ///< Receive argument
+  void Derive(std::int32_t endOfString);
+};
+
+/// The only place that talks to the bus driver: board 0, primary addresses, no retries. Commands are UTF-8 in memory
+/// and 8-bit characters on the bus.
+class Gpib {
+ public:
+  explicit Gpib(Shell& shell);
+
+  /// Clears the interface once per program run.
+  bool GpibIfc();
+  /// Finds the device, puts it in remote with lockout, sends the init command (terminator already appended, may be
+  /// empty) and waits 2 s. Failures are reported with the name.
+  bool GpibOpen(int address, const std::string& initCommand, const std::string& name);
+  /// Back to local.
+  bool GpibClose(int address, const std::string& name);
+  /// Sends with EOI on the last byte; false when the status has ERR. Nothing is reported.
+  bool Send(int address, const std::string& command);
+  /// Receives at most `size` characters; false when the status has ERR. Nothing is reported.
+  bool Receive(int address, std::string& answer, int termination, std::size_t size = 64);
+  /// Reads away whatever a device still has to say, with a 30 ms limit.
+  void Drain(int address);
+  /// Shows the message extended by the decoded status of the last driver call, and leaves the extended text in it.
+  void GpibError(std::string& message);
+  /// The same for a constant first line.
+  void Report(std::string message) { GpibError(message); }
+
+  std::string IbstaText() const;
+  std::string IberrText() const;
+  std::string IbcntText() const;
+
+  // Status words of the last driver call.
+  std::int16_t ibsta = 0, iberr = 0, ibcnt = 0;
+  std::int32_t ibcntl = 0;
+
+ private:
+  void RegisterOnce();
+  void Refresh();
+  bool Failed() const { return (ibsta & gpib::kErr) != 0; }
+
+  Shell& shell_;
+  GpibStatusCells cells_;
+  bool registered_ = false;
+  bool interfaceCleared_ = false;
+};
+
+}  // namespace hylden

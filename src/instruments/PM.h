@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "instruments/Gpib.h"
+#include "instruments/PowerMeterDefinition.h"
+
+namespace hylden {
+
+class ResponseParser;
+class Shell;
+
+/// The station's power meter, driven through its definition. Powers in dBm, frequencies in MHz. Failures are reported
+/// here; callers add nothing.
+class PM {
+ public:
+  /// Channel argument that lets the band decide: channel 1 up to the band-switch frequency, channel 2 above.
+  static constexpr int kByBand = 0;
+
+  PM(Shell& shell, Gpib& gpib, ResponseParser& parser) : shell_(shell), gpib_(gpib), parser_(parser) {}
+
+  bool InitPwrMtr();
+  bool PwrMtrSetFreq(double frequencyMHz);
+  bool PwrMtrSelect(int channel);
+  bool PwrMtrTrigger(int channel);
+  /// The power; 999 after a failure.
+  double ReadPower(int channel);
+  bool PwrMtrShutdown();
+
+  bool LoadFile(const std::string& path);
+  bool SaveFile(const std::string& path);
+  void PrintSetup();
+
+  double Bandswitch() const { return definition_.Bandswitch; }
+  void SetBandswitch(double frequencyMHz) { definition_.Bandswitch = frequencyMHz; }
+  double MaximumFreq() const { return definition_.MaximumFreq; }
+  double MinimumFreq() const { return definition_.MinimumFreq; }
+  int Address() const { return definition_.Address; }
+  void SetAddress(int address);
+  const std::string& InstrumentName() const { return definition_.InstrumentName; }
+  const std::string& FileName() const { return fileName_; }
+  const std::string& LastAnswer() const { return lastAnswer_; }
+  const PowerMeterDefinition& Definition() const { return definition_; }
+  void PutDefinition(const PowerMeterDefinition& definition);
+
+ private:
+  Shell& shell_;
+  Gpib& gpib_;
+  ResponseParser& parser_;
+  PowerMeterDefinition definition_;
+  std::string fileName_;
+  std::string lastAnswer_;
+};
+
+}  // namespace hylden

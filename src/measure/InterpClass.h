@@ -1,0 +1,61 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace hylden {
+
+class Shell;
+
+/// A point of a factor table: MHz, and the unit of the file's kind (dB for losses and factors).
+struct FactorPoint {
+  double Freq = 0;
+  float Value = 0;
+};
+
+/// The scale on which a lookup interpolates between frequencies.
+enum class FreqScale : int { Linear = 0, Log = 1 };
+/// Which of two points at one frequency (a band change) counts.
+enum class DuplicateRule : int { Larger = 0, Smaller = 1 };
+
+/// Two-point interpolation at f; on the logarithmic scale a lower frequency below 1e-6 MHz gives -999.
+float Interpolate(double f1, float y1, double f2, float y2, double f, FreqScale scale);
+float PickDuplicate(float a, float b, DuplicateRule rule);
+
+/// Text of a data line of the factor table format; see docs/formats/factor-table.md.
+struct ParsedFactorLine {
+  bool Ok = false;
+  double Freq = 0;
+  float Value = 0;
+};
+ParsedFactorLine ParseFactorLine(std::string_view line);
+/// 1 for a number character, 0 for a separator, -1 otherwise.
+int CharClass(char character);
+
+/// A frequency-indexed factor table loaded from a text file (.los .fac .prb .pwr .lev), sorted by rising frequency
+/// (equal frequencies keep their file order). It is usable from two points on.
+class InterpClass {
+ public:
+  explicit InterpClass(Shell& shell) : shell_(shell) {}
+
+  /// Replaces the table by the file's. @return false after a message, or silently for an empty name
+  bool InitInterp(const std::string& fileName);
+  /// The value at a frequency in MHz; false outside the table (no message) and for an unusable table (message).
+  /// Lookups at rising frequencies take constant time.
+  bool InterpVal(double frequency, float& value, FreqScale scale, DuplicateRule rule = DuplicateRule::Larger);
+  /// -1 when the table is unusable.
+  double MaxFreq() const;
+  double MinFreq() const;
+  /// Copies of the columns with one element more than there are points, which is 0; a single 0 when unusable.
+  void GetTable(std::vector<double>& frequencies, std::vector<float>& values);
+  /// Writes the table in the factor table format; true when written.
+  bool SaveFile(const std::string& fileName);
+
+ private:
+  Shell& shell_;
+  std::vector<FactorPoint> points_;
+  std::size_t cursor_ = 0;
+};
+
+}  // namespace hylden

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace hylden {
+
+class Shell;
+
+enum class StepType : int { Linear = 0, Log = 1, List = 2 };
+
+/// The amplifier's part in a frequency plan.
+struct BandSwitch {
+  bool IfiAmplifier = false;
+  double FrequencyMHz = 0;
+};
+
+/// Frequency lists (.lst) and the frequency plans of calibrations; frequencies in MHz.
+class ReadFreq {
+ public:
+  explicit ReadFreq(Shell& shell) : shell_(shell) {}
+
+  /// Reads a list file. @return how many; 0 for an empty name; below 1 after a message when it can't be read
+  int FileTolist(const std::string& fileName, std::vector<double>& list);
+  /// Whether the line holds a frequency (its first number), and which.
+  static bool ParseFreq(std::string_view line, double& frequency);
+  static void SortFreqList(std::vector<double>& list);
+  /// The plan of a calibration; a step (or, on a logarithmic scale, a start) of 0 or less gives an empty plan.
+  /// @param step  MHz (linear) or percent (logarithmic); not read for a list
+  /// @return the number of plan points
+  int BuildFreqPlan(StepType type, double startMHz, double stopMHz, double step, std::vector<double>& plan,
+                    const std::string& listFile, const BandSwitch& band);
+
+ private:
+  Shell& shell_;
+};
+
+}  // namespace hylden

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+
+#include "platform/Clock.h"
+#include "platform/EventLoop.h"
+
+namespace hylden {
+
+/// A clock that stands still until it is told to move. Starts at the given local time.
+class VirtualClock : public Clock {
+ public:
+  explicit VirtualClock(LocalTime start = {2026, 1, 5, 9, 0, 0});
+  std::int64_t TickMs() const override { return tickMs_; }
+  double SecondsSinceMidnight() const override;
+  LocalTime Now() const override;
+  void Advance(std::int64_t milliseconds) { tickMs_ += milliseconds; }
+
+ private:
+  LocalTime start_;
+  std::int64_t tickMs_ = 1000;
+};
+
+/// Waits without waiting: Yield moves the clock to the caller's deadline, or to the next timer due before it, and runs
+/// that timer. Without a deadline it moves by 1 ms.
+class VirtualEventLoop : public EventLoop {
+ public:
+  explicit VirtualEventLoop(VirtualClock& clock) : clock_(clock) {}
+  void Yield(std::int64_t deadlineMs = kNoDeadline) override;
+  /// Runs the action at the tick, from within some Yield.
+  void At(std::int64_t tickMs, std::function<void()> action);
+  /// Called at every Yield, after timers: tests count waits and press buttons here.
+  std::function<void()> onYield;
+
+ private:
+  VirtualClock& clock_;
+  std::multimap<std::int64_t, std::function<void()>> timers_;
+};
+
+}  // namespace hylden

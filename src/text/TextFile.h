@@ -1,0 +1,50 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace hylden {
+
+/// Bytes of a file or of an instrument as UTF-8: valid UTF-8 stays (without its byte-order mark), anything else is read
+/// as Windows-1252. Every byte value has a character, so nothing is lost.
+std::string DecodeText(std::string_view bytes);
+
+/// UTF-8 as Windows-1252 bytes; a character outside that code page becomes "?".
+std::string EncodeWindows1252(std::string_view utf8);
+
+/// The file's text as UTF-8. The path falls back to a match without regard to case (see ExistingPath).
+/// @throws RuntimeError FileNotFound, PathNotFound, PathFileAccessError (a directory, no permission), OutOfMemory class
+/// failures as PathFileAccessError for files beyond 256 MiB.
+std::string ReadTextFile(const std::string& path);
+
+/// Reads a text line by line; CR LF, LF and CR end a line, a last line may lack its end.
+class LineReader {
+ public:
+  explicit LineReader(std::string text);
+  /// True when no line is left. A text that ends with a line end has no further empty line.
+  bool AtEnd() const;
+  /// @throws RuntimeError InputPastEndOfFile when no line is left.
+  std::string ReadLine();
+
+ private:
+  std::string text_;
+  std::size_t position_ = 0;
+};
+
+/// All lines of a file, in order. @throws RuntimeError as ReadTextFile
+std::vector<std::string> ReadLines(const std::string& path);
+
+/// Replaces the file as a whole: writes beside it, flushes, renames; a failure leaves the old file untouched. A
+/// symbolic link keeps pointing at the replaced file; permissions are kept; a file without write permission is refused.
+/// @throws RuntimeError PathNotFound, PathFileAccessError, DiskFull, PermissionDenied
+void ReplaceFile(const std::string& path, std::string_view content);
+
+/// Lines joined, each ended by CR LF.
+std::string JoinLines(const std::vector<std::string>& lines);
+
+/// The path as it exists on this machine: unchanged when it exists; otherwise, with "\" taken as separator too, a match
+/// without regard to case; unchanged again when there is none.
+std::string ExistingPath(const std::string& path);
+
+}  // namespace hylden
