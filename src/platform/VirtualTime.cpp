@@ -1,0 +1,59 @@
+#include "platform/VirtualTime.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace hylden {
+
+namespace {
+
+constexpr std::int64_t kStartTickMs = 1000;
+constexpr std::int64_t kDayMs = 24 * 60 * 60 * 1000;
+
+std::int64_t MillisecondsOfDay(const LocalTime& time) {
+  return ((time.hour * 60LL + time.minute) * 60LL + time.second) * 1000LL;
+}
+
+}  // namespace
+
+VirtualClock::VirtualClock(LocalTime start) : start_(start), tickMs_(kStartTickMs) {}
+
+double VirtualClock::SecondsSinceMidnight() const {
+  const std::int64_t milliseconds = MillisecondsOfDay(start_) + tickMs_ - kStartTickMs;
+  return static_cast<double>(milliseconds % kDayMs) / 1000.0;
+}
+
+LocalTime VirtualClock::Now() const {
+  using namespace std::chrono;
+  const std::int64_t milliseconds = MillisecondsOfDay(start_) + tickMs_ - kStartTickMs;
+  const sys_days startDay =
+      year{start_.year} / month{static_cast<unsigned>(start_.month)} / day{static_cast<unsigned>(start_.day)};
+  const year_month_day date{startDay + days{milliseconds / kDayMs}};
+  const auto second = static_cast<int>(milliseconds % kDayMs / 1000);
+  return {static_cast<int>(date.year()),
+          static_cast<int>(static_cast<unsigned>(date.month())),
+          static_cast<int>(static_cast<unsigned>(date.day())),
+          second / 3600,
+          second / 60 % 60,
+          second % 60};
+}
+
+void VirtualEventLoop::At(std::int64_t tickMs, std::function<void()> action) {
+  timers_.emplace(tickMs, std::move(action));
+}
+
+void VirtualEventLoop::Yield(std::int64_t deadlineMs) {
+  const std::int64_t now = clock_.TickMs();
+  std::int64_t next = deadlineMs == kNoDeadline ? now + 1 : std::max(now, deadlineMs);
+  if (!timers_.empty()) next = std::clamp(timers_.begin()->first, now, next);
+  clock_.Advance(next - now);
+  // Each timer leaves the list before it runs: it may yield again itself.
+  while (!timers_.empty() && timers_.begin()->first <= next) {
+    auto timer = timers_.extract(timers_.begin());
+    timer.mapped()();
+  }
+  if (onYield) onYield();
+}
+
+}  // namespace hylden
