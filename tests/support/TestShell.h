@@ -1,0 +1,40 @@
+#pragma once
+
+#include "platform/VirtualTime.h"
+#include "shell/Shell.h"
+#include "support/FakeDialogs.h"
+#include "support/FakePrinter.h"
+#include "support/FakeSpeaker.h"
+#include "support/TempDir.h"
+
+namespace hylden {
+
+/// A machine of fakes, with a shell on it whose program directory is temporary. Header only, since folders below shell
+/// link the support library too.
+///   ScriptedBus bus;  TestShell t(bus);                                   // a clock of its own
+///   VirtualClock clock;  SomeBus bus(clock);  TestShell t(bus, clock);    // the clock that the bus runs on
+class TestShell {
+ public:
+  explicit TestShell(GpibDriver& gpib) : TestShell(gpib, nullptr) {}
+  TestShell(GpibDriver& gpib, VirtualClock& sharedClock) : TestShell(gpib, &sharedClock) {}
+
+ private:
+  VirtualClock ownClock_;
+
+ public:
+  TempDir directory;
+  VirtualClock& clock;
+  VirtualEventLoop events;
+  FakeDialogs dialogs;
+  FakeSpeaker speaker;
+  FakePrinter printer;
+  Shell shell;
+
+ private:
+  TestShell(GpibDriver& gpib, VirtualClock* sharedClock)
+      : clock(sharedClock ? *sharedClock : ownClock_),
+        events(clock),
+        shell(Platform{dialogs, clock, events, speaker, printer, gpib}, directory.Path()) {}
+};
+
+}  // namespace hylden
