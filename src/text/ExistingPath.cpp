@@ -1,0 +1,83 @@
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "text/TextFile.h"
+
+namespace hylden {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool Exists(const std::string& path) {
+  std::error_code ignored;
+  return fs::exists(path, ignored);
+}
+
+/// Small letters for ASCII and for the accented letters of Western Europe in UTF-8.
+std::string Folded(std::string_view name) {
+  std::string folded(name);
+  for (std::size_t i = 0; i < folded.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(folded[i]);
+    const bool accented = i > 0 && folded[i - 1] == '\xC3' && byte >= 0x80 && byte <= 0x9E && byte != 0x97;
+    if ((byte >= 'A' && byte <= 'Z') || accented) folded[i] = static_cast<char>(byte + 0x20);
+  }
+  return folded;
+}
+
+std::vector<std::string> Parts(const std::string& path) {
+  std::vector<std::string> parts;
+  for (std::size_t start = 0; start < path.size();) {
+    const std::size_t end = std::min(path.find('/', start), path.size());
+    if (end > start) parts.push_back(path.substr(start, end - start));
+    start = end + 1;
+  }
+  return parts;
+}
+
+std::string Joined(const std::string& folder, const std::string& name) {
+  return folder.empty() || folder.back() == '/' ? folder + name : folder + '/' + name;
+}
+
+/// Names in the folder that differ from the wanted one in case only, in a fixed order.
+std::vector<std::string> OtherSpellings(const std::string& folder, const std::string& name) {
+  std::vector<std::string> spellings;
+  const std::string wanted = Folded(name);
+  std::error_code failed;
+  fs::directory_iterator entry(folder.empty() ? "." : folder, failed);
+  for (; !failed && entry != fs::directory_iterator(); entry.increment(failed)) {
+    std::string found = entry->path().filename().string();
+    if (found != name && Folded(found) == wanted) spellings.push_back(std::move(found));
+  }
+  std::sort(spellings.begin(), spellings.end());
+  return spellings;
+}
+
+/// Follows the parts from `index` on below a folder; empty when they lead nowhere.
+std::string Follow(const std::string& folder, const std::vector<std::string>& parts, std::size_t index) {
+  if (index == parts.size()) return folder;
+  const std::string exact = Joined(folder, parts[index]);
+  if (Exists(exact)) {
+    const std::string found = Follow(exact, parts, index + 1);
+    if (!found.empty()) return found;
+  }
+  for (const std::string& name : OtherSpellings(folder, parts[index])) {
+    const std::string found = Follow(Joined(folder, name), parts, index + 1);
+    if (!found.empty()) return found;
+  }
+  return {};
+}
+
+}  // namespace
+
+std::string ExistingPath(const std::string& path) {
+  if (path.empty() || path.find('\0') != std::string::npos || Exists(path)) return path;
+  std::string slashed = path;
+  std::replace(slashed.begin(), slashed.end(), '\\', '/');
+  const std::string found = Follow(slashed[0] == '/' ? "/" : "", Parts(slashed), 0);
+  return found.empty() || !Exists(found) ? path : found;
+}
+
+}  // namespace hylden

@@ -1,0 +1,221 @@
+#include "text/TextFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+
+#include "text/RuntimeError.h"
+
+namespace hylden {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kLargestFile = 256U << 20;
+
+struct CloseFile {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, CloseFile>;
+
+[[noreturn]] void Fail(ErrorNumber number) {
+  throw RuntimeError(number);
+}
+
+[[noreturn]] void FailWith(int code) {
+  switch (code) {
+    case ENOENT:
+    case ENOTDIR:
+      Fail(ErrorNumber::PathNotFound);
+    case ENOSPC:
+#ifdef EDQUOT
+    case EDQUOT:
+#endif
+    case EFBIG:
+      Fail(ErrorNumber::DiskFull);
+    case EIO:
+      Fail(ErrorNumber::DeviceIoError);
+    case EBUSY:
+    case ETXTBSY:
+      Fail(ErrorNumber::PermissionDenied);
+    case EINVAL:
+    case ENAMETOOLONG:
+      Fail(ErrorNumber::BadFileName);
+    default:
+      Fail(ErrorNumber::PathFileAccessError);
+  }
+}
+
+void CheckName(const std::string& path) {
+  if (path.empty()) Fail(ErrorNumber::PathFileAccessError);
+  if (path.find('\0') != std::string::npos) Fail(ErrorNumber::BadFileName);
+}
+
+std::string FolderOf(const std::string& path) {
+  const fs::path folder = fs::path(path).parent_path();
+  return folder.empty() ? "." : folder.string();
+}
+
+bool IsFolder(const std::string& path) {
+  std::error_code ignored;
+  return fs::is_directory(path, ignored);
+}
+
+File OpenForReading(const std::string& path) {
+  if (IsFolder(path)) Fail(ErrorNumber::PathFileAccessError);
+  File file(std::fopen(path.c_str(), "rb"));
+  if (file) return file;
+  if (errno == ENOENT && IsFolder(FolderOf(path))) Fail(ErrorNumber::FileNotFound);
+  FailWith(errno);
+}
+
+std::string ReadAll(std::FILE* file) {
+  std::string bytes;
+  char block[65536];
+  while (const std::size_t count = std::fread(block, 1, sizeof block, file)) {
+    if (bytes.size() + count > kLargestFile) Fail(ErrorNumber::PathFileAccessError);
+    bytes.append(block, count);
+  }
+  if (std::ferror(file)) Fail(ErrorNumber::DeviceIoError);
+  return bytes;
+}
+
+/// Writes everything and closes the file: a full disk may show only now.
+void WriteAndClose(File file, std::string_view content) {
+  const bool written = std::fwrite(content.data(), 1, content.size(), file.get()) == content.size();
+  if (!written || std::fflush(file.get()) != 0) FailWith(errno);
+  if (std::fclose(file.release()) != 0) FailWith(errno);
+}
+
+/// The path to save under: the name as given, in a folder that may be spelled in another case or with "\".
+std::string SavePath(const std::string& path) {
+  std::error_code ignored;
+  if (fs::exists(path, ignored)) return path;
+  const std::size_t separator = path.find_last_of("/\\");
+  if (separator == std::string::npos || separator == 0) return path;
+  const fs::path folder = ExistingPath(path.substr(0, separator));
+  return (folder / path.substr(separator + 1)).string();
+}
+
+/// The file at the end of a chain of symbolic links, which need not exist yet.
+fs::path LinkTarget(fs::path path) {
+  constexpr int kLongestChain = 40;
+  for (int i = 0; i < kLongestChain; ++i) {
+    std::error_code failed;
+    if (!fs::is_symlink(path, failed)) return path;
+    const fs::path target = fs::read_symlink(path, failed);
+    if (failed) FailWith(failed.value());
+    path = target.is_absolute() ? target : path.parent_path() / target;
+  }
+  Fail(ErrorNumber::PathFileAccessError);
+}
+
+/// A file marked read-only is refused even to a user who may write everything.
+void CheckWritable(const fs::path& path, fs::perms permissions) {
+  constexpr fs::perms kAnyWrite = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+  if ((permissions & kAnyWrite) == fs::perms::none) Fail(ErrorNumber::PermissionDenied);
+  if (const File file{std::fopen(path.c_str(), "r+b")}; file) return;
+  if (errno == EACCES || errno == EPERM) Fail(ErrorNumber::PermissionDenied);
+  FailWith(errno);
+}
+
+/// A new file beside the target; removed again unless it takes the target's place.
+class Replacement {
+ public:
+  explicit Replacement(fs::path target) : target_(std::move(target)) {
+    constexpr int kMostLeftovers = 1000;
+    for (int i = 0; i < kMostLeftovers && !file_; ++i) {
+      path_ = target_.parent_path() / (".hylden-" + std::to_string(i) + ".tmp");
+      file_.reset(std::fopen(path_.c_str(), "wbx"));
+      if (!file_ && errno != EEXIST) FailWith(errno);
+    }
+    if (!file_) Fail(ErrorNumber::PathFileAccessError);
+  }
+  ~Replacement() {
+    std::error_code ignored;
+    if (!placed_) fs::remove(path_, ignored);
+  }
+  Replacement(const Replacement&) = delete;
+  Replacement& operator=(const Replacement&) = delete;
+
+  void KeepPermissions(fs::perms permissions) {
+    std::error_code ignored;  // some file systems have none
+    fs::permissions(path_, permissions, ignored);
+  }
+
+  void Write(std::string_view content) { WriteAndClose(std::move(file_), content); }
+
+  void Place() {
+    std::error_code failed;
+    fs::rename(path_, target_, failed);
+    if (failed) FailWith(failed.value());
+    placed_ = true;
+  }
+
+ private:
+  fs::path target_, path_;
+  File file_;
+  bool placed_ = false;
+};
+
+}  // namespace
+
+std::string ReadTextFile(const std::string& path) {
+  CheckName(path);
+  const File file = OpenForReading(ExistingPath(path));
+  return DecodeText(ReadAll(file.get()));
+}
+
+LineReader::LineReader(std::string text) : text_(std::move(text)) {}
+
+bool LineReader::AtEnd() const {
+  return position_ >= text_.size();
+}
+
+std::string LineReader::ReadLine() {
+  if (AtEnd()) Fail(ErrorNumber::InputPastEndOfFile);
+  const std::size_t end = std::min(text_.find_first_of("\r\n", position_), text_.size());
+  std::string line = text_.substr(position_, end - position_);
+  const bool pair = text_.compare(end, 2, "\r\n") == 0;
+  position_ = end + (pair ? 2 : 1);
+  return line;
+}
+
+std::vector<std::string> ReadLines(const std::string& path) {
+  LineReader reader(ReadTextFile(path));
+  std::vector<std::string> lines;
+  while (!reader.AtEnd()) lines.push_back(reader.ReadLine());
+  return lines;
+}
+
+void ReplaceFile(const std::string& path, std::string_view content) {
+  CheckName(path);
+  const std::string chosen = SavePath(path);
+  std::error_code ignored;
+  const fs::file_status status = fs::status(chosen, ignored);
+  if (fs::is_directory(status)) Fail(ErrorNumber::PathFileAccessError);
+  if (fs::exists(status) && !fs::is_regular_file(status)) {  // a device or a pipe has nothing to keep whole
+    File device(std::fopen(chosen.c_str(), "wb"));
+    if (!device) FailWith(errno);
+    return WriteAndClose(std::move(device), content);
+  }
+  const fs::path target = LinkTarget(chosen);
+  if (fs::exists(status)) CheckWritable(target, status.permissions());
+  Replacement replacement(target);
+  if (fs::exists(status)) replacement.KeepPermissions(status.permissions());
+  replacement.Write(content);
+  replacement.Place();
+}
+
+std::string JoinLines(const std::vector<std::string>& lines) {
+  std::size_t size = 0;
+  for (const std::string& line : lines) size += line.size() + 2;
+  std::string text;
+  text.reserve(size);
+  for (const std::string& line : lines) text.append(line).append("\r\n");
+  return text;
+}
+
+}  // namespace hylden
