@@ -22,8 +22,9 @@ class SettingError : public RuntimeError {
 
 /// A settings file of sections and keys. Names match without regard to case; blanks around a value and one matching
 /// pair of quotes around it drop on reading; lines that begin with ";" are comments. A write changes its own line and
-/// leaves the rest of the file as it was. A value is cut to 127 characters, a list to 2047. A missing file, section or
-/// key is no error: the default comes back. @throws SettingError
+/// leaves the rest of the file as it was. A value read is cut to 127 characters, a list to 2047. A missing file,
+/// section or key is no error: the default comes back; a file that is there but can't be read is one. A value that
+/// can't be written is let go in silence, a key that can't be deleted is not. @throws SettingError
 class clsSetting {
  public:
   static constexpr int kKeepSaveMode = 999;
@@ -31,7 +32,8 @@ class clsSetting {
   /// @param programDirectory  where the file lies, without a trailing separator
   clsSetting(std::string programDirectory, std::string programName);
 
-  /// 1: settings live in the file; 0: in the per-user store, which this program never selects.
+  /// 1: settings live in the file; 0: in a per-user store. The program only ever uses 1, and keeps no other store: the
+  /// file serves for either.
   std::int32_t SaveMode = 0;
 
   void Init(const std::string& applicationName = {}, int saveMode = kKeepSaveMode);
@@ -46,10 +48,13 @@ class clsSetting {
   void DeleteKey(const std::string& section, const std::string& key);
 
  private:
+  /// The settings file; initialises the object when nobody has.
+  std::string Path();
+  bool Write(const std::string& section, const std::string& key, const std::string& value);
+
   std::string programDirectory_;
   std::string programName_;
   std::string applicationName_;
-  std::string path_;
 };
 
 }  // namespace hylden

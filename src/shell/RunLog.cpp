@@ -1,0 +1,42 @@
+#include "shell/RunLog.h"
+
+#include <cstdio>
+#include <fstream>
+#include <iostream>
+#include <string>
+
+#include "platform/Clock.h"
+#include "shell/INISettings.h"
+
+namespace hylden {
+
+namespace {
+
+constexpr const char* kLogFile = "runlog.hyl";
+
+/// "mm/dd/yy hh:mm:ss"
+std::string TimeStamp(const LocalTime& time) {
+  char text[80];
+  std::snprintf(text, sizeof text, "%02d/%02d/%02d %02d:%02d:%02d", time.month, time.day, time.year % 100, time.hour,
+                time.minute, time.second);
+  return text;
+}
+
+}  // namespace
+
+void RunLog::LogFile(std::string_view message) {
+  std::string trouble = "it can't be written";
+  try {
+    if (settings_.GetLogToFile() <= 0) return;
+    std::ofstream file(kLogFile, std::ios::app | std::ios::binary);
+    file << TimeStamp(clock_.Now()) << " - " << message << "\r\n";
+    file.close();
+    if (file) return;
+  } catch (const SettingError& error) {
+    trouble = error.Description();
+  }
+  if (!complained_) std::cerr << "run log " << kLogFile << ": " << trouble << '\n';
+  complained_ = true;
+}
+
+}  // namespace hylden

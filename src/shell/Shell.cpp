@@ -1,0 +1,35 @@
+#include "shell/Shell.h"
+
+#include <exception>
+
+namespace hylden {
+
+namespace {
+
+constexpr int kInternalError = 51;
+
+}  // namespace
+
+Shell::Shell(const Platform& platform, const std::string& programDirectory)
+    : dialogs(platform.dialogs),
+      clock(platform.clock),
+      events(platform.events),
+      speaker(platform.speaker),
+      printer(platform.printer),
+      gpib(platform.gpib),
+      settings(programDirectory),
+      log(settings, clock),
+      delay(dialogs, clock, events) {}
+
+void Shell::ReportError(const RuntimeError& error, std::string_view context, std::string_view path) {
+  std::string text = "Error # " + std::to_string(error.Number()) + "\r" + error.Description() + "\r";
+  text.append(context).append("\r").append(path);
+  dialogs.Show({text, "Error", MessageIcon::Critical});
+}
+
+void Shell::ReportError(const std::exception& error, std::string_view context, std::string_view path) {
+  const auto* numbered = dynamic_cast<const RuntimeError*>(&error);
+  ReportError(numbered ? *numbered : RuntimeError(kInternalError, "Internal error"), context, path);
+}
+
+}  // namespace hylden

@@ -1,0 +1,183 @@
+#include "shell/clsSetting.h"
+
+#include <algorithm>
+#include <charconv>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <optional>
+#include <string_view>
+
+#include "shell/Profile.h"
+#include "text/Numbers.h"
+#include "text/TextFile.h"
+
+namespace hylden {
+
+namespace {
+
+constexpr std::size_t kLongestValue = 127;
+constexpr std::size_t kLongestList = 2047;
+
+constexpr unsigned kErrorBase = 0x80040000u;
+constexpr int kWriteError = static_cast<int>(kErrorBase + 514);
+constexpr int kReadError = static_cast<int>(kErrorBase + 515);
+constexpr int kSectionError = static_cast<int>(kErrorBase + 516);
+constexpr int kDeleteError = static_cast<int>(kErrorBase + 517);
+
+/// Runs an operation of the class; a failure inside becomes a SettingError that names the operation.
+template <class Operation>
+auto Trapped(int number, const char* name, const char* what, Operation operation) {
+  const auto failure = [&](int innerNumber, const std::string& innerDescription) {
+    return SettingError(number, std::string("CSetting.") + name,
+                        std::string(what) + " (" + std::to_string(innerNumber) + ", " + innerDescription + ")");
+  };
+  try {
+    return operation();
+  } catch (const SettingError&) {
+    throw;
+  } catch (const RuntimeError& error) {
+    throw failure(error.Number(), error.Description());
+  } catch (const std::bad_alloc&) {
+    throw failure(7, "Out of memory");
+  }
+}
+
+/// The file's bytes; empty when there is no file. @throws RuntimeError when a file is there but can't be read
+std::string FileBytes(const std::string& path) {
+  std::error_code error;
+  const auto status = std::filesystem::status(path, error);
+  if (status.type() == std::filesystem::file_type::not_found) return {};
+  std::ifstream file(path, std::ios::binary);
+  if (std::filesystem::is_directory(status) || !file) throw RuntimeError(ErrorNumber::PathFileAccessError);
+  std::string bytes(std::istreambuf_iterator<char>(file), {});
+  if (file.bad()) throw RuntimeError(ErrorNumber::DeviceIoError);
+  return bytes;
+}
+
+/// At most so many characters of UTF-8.
+std::string FirstCharacters(std::string_view text, std::size_t most) {
+  std::size_t characters = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool continues = (static_cast<unsigned char>(text[i]) & 0xC0) == 0x80;
+    if (!continues && characters++ == most) return std::string(text.substr(0, i));
+  }
+  return std::string(text);
+}
+
+/// A value as it comes out of the read buffer.
+std::string ThroughBuffer(std::string_view value) {
+  const std::string cut = FirstCharacters(value, kLongestValue);
+  const std::string_view trimmed = Trim(cut);
+  return std::string(trimmed.substr(0, trimmed.find('\0')));
+}
+
+/// A list of names as it comes out of the list buffer: the names that fit, the last one cut where the buffer ends.
+std::vector<std::string> ThroughListBuffer(const std::vector<std::string>& names) {
+  std::vector<std::string> kept;
+  std::size_t room = kLongestList;
+  for (const std::string& name : names) {
+    std::string part = FirstCharacters(name, room);
+    if (part.empty()) break;
+    const auto characters =
+        std::count_if(part.begin(), part.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; });
+    kept.push_back(std::move(part));
+    // The name's terminator takes its place, too.
+    room -= std::min(room, static_cast<std::size_t>(characters) + 1);
+  }
+  return kept;
+}
+
+/// The whole number at the start of a text, held within 16 bits; 0 when there is none.
+std::int16_t LeadingInt16(std::string_view text) {
+  text = Trim(text);
+  if (text.starts_with("+")) text.remove_prefix(1);
+  std::int64_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  using Limits = std::numeric_limits<std::int16_t>;
+  if (error == std::errc::result_out_of_range) return text.starts_with("-") ? Limits::min() : Limits::max();
+  return static_cast<std::int16_t>(std::clamp<std::int64_t>(number, Limits::min(), Limits::max()));
+}
+
+std::string SettingsPath(const std::string& directory, const std::string& application) {
+  const bool separated = directory.ends_with('/') || directory.ends_with('\\');
+  return ExistingPath(directory + (separated ? "" : "/") + application + ".ini");
+}
+
+}  // namespace
+
+clsSetting::clsSetting(std::string programDirectory, std::string programName)
+    : programDirectory_(std::move(programDirectory)), programName_(std::move(programName)) {}
+
+void clsSetting::Init(const std::string& applicationName, int saveMode) {
+  applicationName_ = std::string(Trim(applicationName));
+  if (applicationName_.empty()) applicationName_ = std::filesystem::path(programName_).stem().string();
+  if (saveMode != kKeepSaveMode) SaveMode = saveMode;
+}
+
+std::string clsSetting::Path() {
+  if (applicationName_.empty()) Init();
+  return SettingsPath(programDirectory_, applicationName_);
+}
+
+std::string clsSetting::GetSettingStr(const std::string& section, const std::string& key, const std::string& fallback) {
+  return Trapped(kReadError, "GetSettingStr", "Error reading Setting",
+                 [&] { return ThroughBuffer(profile::Value(FileBytes(Path()), section, key).value_or(fallback)); });
+}
+
+std::int16_t clsSetting::GetSettingInt(const std::string& section, const std::string& key, std::int16_t fallback) {
+  return Trapped(kReadError, "GetSettingInt", "Error reading Setting", [&] {
+    const auto value = profile::Value(FileBytes(Path()), section, key);
+    return value ? LeadingInt16(*value) : fallback;
+  });
+}
+
+std::vector<std::pair<std::string, std::string>> clsSetting::GetSettingAll(const std::string& section) {
+  return Trapped(kSectionError, "GetSettingAll", "Error reading Section", [&] {
+    std::vector<std::pair<std::string, std::string>> rows;
+    for (const std::string& key : ThroughListBuffer(profile::Keys(FileBytes(Path()), section))) {
+      rows.emplace_back(key, GetSettingStr(section, key, ""));
+    }
+    return rows;
+  });
+}
+
+std::vector<std::string> clsSetting::GetSectionNames() {
+  return Trapped(kSectionError, "GetSectionNames", "Error reading Section",
+                 [&] { return ThroughListBuffer(profile::Sections(FileBytes(Path()))); });
+}
+
+void clsSetting::SaveSettingStr(const std::string& section, const std::string& key, const std::string& value) {
+  Trapped(kWriteError, "SaveSettingStr", "Error writing Setting", [&] { Write(section, key, value); });
+}
+
+void clsSetting::SaveSettingInt(const std::string& section, const std::string& key, std::int16_t value) {
+  Trapped(kWriteError, "SaveSettingInt", "Error writing Setting", [&] { Write(section, key, std::to_string(value)); });
+}
+
+bool clsSetting::Write(const std::string& section, const std::string& key, const std::string& value) {
+  try {
+    const std::string path = Path();
+    ReplaceFile(path, profile::WithValue(FileBytes(path), section, key, value));
+    return true;
+  } catch (const RuntimeError&) {
+    // A setting that can't be kept holds nobody up; the file is as it was.
+    return false;
+  }
+}
+
+void clsSetting::DeleteKey(const std::string& section, const std::string& key) {
+  Trapped(kDeleteError, "DeleteKey", "Error Deleting Key", [&] {
+    const std::string path = Path();
+    const auto text = profile::WithoutKey(FileBytes(path), section, key);
+    if (!text) return;
+    try {
+      ReplaceFile(path, *text);
+    } catch (const RuntimeError&) {
+      throw SettingError(kDeleteError, "CSetting.DeleteKey", "Error Deleting Key (check if file is protected)");
+    }
+  });
+}
+
+}  // namespace hylden
