@@ -22,12 +22,14 @@ std::string PrintText(std::int32_t value);
 /// exponent (E or D). A text without a leading number gives 0; a number too large for a double gives infinity.
 double LeadingNumber(std::string_view text);
 
-/// Whether the whole text is a number: surrounding blanks, one sign, digits with a point, an exponent, and grouping
-/// commas in the places where the runtime accepts them. An empty text is none.
+/// Whether the whole text is a number that a double can hold: surrounding blanks, one sign, digits with a point, an
+/// exponent (E or D), and grouping commas between the digits before the point; or "&H1F", "&O17". An empty text is
+/// none.
 bool IsNumeric(std::string_view text);
 
-/// Conversions of a whole text (what IsNumeric accepts, and "True"/"False"). Whole numbers are taken to the nearest,
-/// ties to even. @throws RuntimeError TypeMismatch when it is no number, Overflow when the type cannot hold it.
+/// Conversions of a whole text (what IsNumeric accepts). Whole numbers are taken to the nearest, ties to even; "&HFFFF"
+/// fills the bits of its type. @throws RuntimeError TypeMismatch when it is no number, Overflow when the type cannot
+/// hold it.
 double ToDouble(std::string_view text);
 float ToSingle(std::string_view text);
 std::int16_t ToInt16(std::string_view text);

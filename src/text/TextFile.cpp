@@ -66,7 +66,12 @@ bool IsFolder(const std::string& path) {
 File OpenForReading(const std::string& path) {
   if (IsFolder(path)) Fail(ErrorNumber::PathFileAccessError);
   File file(std::fopen(path.c_str(), "rb"));
-  if (file) return file;
+  if (file) {
+    std::error_code unknown;  // a device has no size
+    if (const auto size = fs::file_size(path, unknown); !unknown && size > kLargestFile)
+      Fail(ErrorNumber::PathFileAccessError);
+    return file;
+  }
   if (errno == ENOENT && IsFolder(FolderOf(path))) Fail(ErrorNumber::FileNotFound);
   FailWith(errno);
 }

@@ -1,0 +1,98 @@
+#include "text/RecordFile.h"
+
+#include <gtest/gtest.h>
+
+#include "text/RuntimeError.h"
+
+namespace hylden {
+namespace {
+
+struct Sample {
+  std::string Name;
+  double Freq = 0;
+  float Level = 0;
+  std::int16_t Address = 0;
+  std::int32_t Code = 0;
+  bool On = false, Late = false;
+  std::string Comment;
+};
+
+template <class F>
+void Fields(F& f, Sample& s) {
+  f.Text(s.Name);
+  f.Double(s.Freq);
+  f.Single(s.Level);
+  f.Int16(s.Address);
+  f.Int32(s.Code);
+  f.Flag(s.On);
+  f.FlagOrEmpty(s.Late);
+  f.OptionalText(s.Comment);
+  f.SpareLines(2);
+}
+
+Sample Read(const std::string& text) {
+  RecordReader reader(text);
+  Sample sample;
+  Fields(reader, sample);
+  return sample;
+}
+
+std::string Written(Sample sample, bool trailingBlank = false) {
+  RecordWriter writer(trailingBlank);
+  Fields(writer, sample);
+  return writer.Content();
+}
+
+const Sample kSample{"C:\\Cal, 10 V", 0.15, -12.5F, 18, 2, true, false, "late"};
+
+TEST(RecordFile, WritesOneLinePerFieldInPrintStyle) {
+  EXPECT_EQ(Written(kSample), "C:\\Cal, 10 V\r\n .15\r\n-12.5\r\n 18\r\n 2\r\nTrue\r\nFalse\r\nlate\r\n\r\n\r\n");
+  EXPECT_EQ(Written(kSample, true),
+            "C:\\Cal, 10 V\r\n .15 \r\n-12.5 \r\n 18 \r\n 2 \r\nTrue\r\nFalse\r\nlate\r\n\r\n\r\n");
+}
+
+TEST(RecordFile, ReadsBackWhatItWrote) {
+  EXPECT_TRUE(SameRecord(Read(Written(kSample, true)), kSample));
+}
+
+TEST(RecordFile, ReadsOlderAndHandEditedFiles) {
+  const Sample sample = Read(" n \n0.15\n1e1\n18.4\n&H2\n-1\n\n");
+  EXPECT_EQ(sample.Name, " n ");
+  EXPECT_EQ(sample.Freq, 0.15);
+  EXPECT_EQ(sample.Level, 10.0F);
+  EXPECT_EQ(sample.Address, 18);
+  EXPECT_EQ(sample.Code, 2);
+  EXPECT_TRUE(sample.On);
+  EXPECT_FALSE(sample.Late);
+  EXPECT_EQ(sample.Comment, "");
+}
+
+TEST(RecordFile, AFaultKeepsTheFieldsBeforeItAndTellsItsNumber) {
+  const struct {
+    const char* text;
+    int error;
+  } cases[] = {{"new\n .5\n", 62}, {"new\n .5\nlow\n", 13}, {"new\n .5\n\n", 13}, {"new\n .5\n1E39\n", 6}};
+  for (const auto& row : cases) {
+    Sample sample = kSample;
+    RecordReader reader(row.text);
+    try {
+      Fields(reader, sample);
+      FAIL() << row.text;
+    } catch (const RuntimeError& error) {
+      EXPECT_EQ(error.Number(), row.error) << row.text;
+    }
+    EXPECT_EQ(sample.Name, "new");
+    EXPECT_EQ(sample.Freq, 0.5);
+    EXPECT_EQ(sample.Level, -12.5F);
+  }
+}
+
+TEST(RecordFile, ALineEndWithinATextDoesNotShiftTheFields) {
+  Sample sample = kSample;
+  sample.Name = "two\r\nlines\nmore";
+  EXPECT_EQ(Read(Written(sample)).Name, "two lines more");
+  EXPECT_EQ(Read(Written(sample)).Address, 18);
+}
+
+}  // namespace
+}  // namespace hylden

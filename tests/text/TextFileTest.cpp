@@ -1,0 +1,214 @@
+#include "text/TextFile.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "text/RuntimeError.h"
+
+namespace hylden {
+namespace {
+
+namespace fs = std::filesystem;
+
+class TextFileTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+    folder_ = fs::path(HYLDEN_BINARY_DIR) / "text_files" / test->name();
+    fs::remove_all(folder_);
+    fs::create_directories(folder_);
+  }
+  void TearDown() override {
+    std::error_code ignored;
+    fs::permissions(folder_, fs::perms::owner_all, ignored);
+    fs::remove_all(folder_, ignored);
+  }
+
+  std::string At(const std::string& name) const { return (folder_ / name).string(); }
+
+  std::string Put(const std::string& name, const std::string& bytes) const {
+    fs::create_directories(fs::path(At(name)).parent_path());
+    std::ofstream(At(name), std::ios::binary) << bytes;
+    return At(name);
+  }
+
+  std::string BytesOf(const std::string& name) const {
+    std::ifstream file(At(name), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  /// Names in the folder besides the given one: a leftover shows here.
+  int OtherFiles(const std::string& name) const {
+    int count = 0;
+    for (const auto& entry : fs::directory_iterator(folder_)) count += entry.path().filename() != name;
+    return count;
+  }
+
+  fs::path folder_;
+};
+
+template <class Call>
+int ErrorOf(Call call) {
+  try {
+    call();
+  } catch (const RuntimeError& error) {
+    return error.Number();
+  }
+  return 0;
+}
+
+TEST_F(TextFileTest, EveryLineEndCountsAndTheLastMayBeMissing) {
+  using Lines = std::vector<std::string>;
+  const struct {
+    const char* bytes;
+    Lines lines;
+  } cases[] = {{"", {}},
+               {"a\r\nb\r\n", {"a", "b"}},
+               {"a\nb", {"a", "b"}},
+               {"a\rb\r", {"a", "b"}},
+               {"a\r\n\r\nb", {"a", "", "b"}},
+               {"\n\r", {"", ""}},
+               {"\xEF\xBB\xBF"
+                "a\n",
+                {"a"}},
+               {"\xEF\xBB\xBF", {}}};
+  for (const auto& row : cases) EXPECT_EQ(ReadLines(Put("lines.txt", row.bytes)), row.lines) << row.bytes;
+}
+
+TEST_F(TextFileTest, ReadingPastTheLastLineIsAnError) {
+  LineReader reader("only");
+  reader.ReadLine();
+  EXPECT_TRUE(reader.AtEnd());
+  EXPECT_EQ(ErrorOf([&] { reader.ReadLine(); }), 62);
+}
+
+TEST_F(TextFileTest, MissingThingsAreToldApart) {
+  EXPECT_EQ(ErrorOf([&] { ReadTextFile(At("none.txt")); }), 53);
+  EXPECT_EQ(ErrorOf([&] { ReadTextFile(At("nowhere/none.txt")); }), 76);
+  EXPECT_EQ(ErrorOf([&] { ReadTextFile(folder_.string()); }), 75);
+  EXPECT_EQ(ErrorOf([&] { ReadTextFile(""); }), 75);
+  EXPECT_EQ(ErrorOf([&] { ReadTextFile(std::string("a\0b", 3)); }), 52);
+  EXPECT_EQ(ErrorOf([&] { ReadTextFile(At(std::string(300, 'x'))); }), 52);
+}
+
+TEST_F(TextFileTest, AFileBeyondTheLimitIsRefusedWithoutBeingTakenIn) {
+  fs::resize_file(Put("huge.txt", ""), (256ULL << 20) + 1);
+  EXPECT_EQ(ErrorOf([&] { ReadTextFile(At("huge.txt")); }), 75);
+}
+
+TEST(DecodeText, BytesThatAreNoUtf8AreReadAsWindows1252) {
+  EXPECT_EQ(DecodeText("\xC2\xB5V \xE2\x82\xAC \xF0\x9F\x93\xA1"), "\xC2\xB5V \xE2\x82\xAC \xF0\x9F\x93\xA1");
+  EXPECT_EQ(DecodeText("\xB5V \x80 \x81"), "\xC2\xB5V \xE2\x82\xAC \xC2\x81");
+  EXPECT_EQ(DecodeText("\xC0\xAF"), "\xC3\x80\xC2\xAF");                  // too long a form of a slash
+  EXPECT_EQ(DecodeText("\xED\xA0\x80"), "\xC3\xAD\xC2\xA0\xE2\x82\xAC");  // half a surrogate pair
+  EXPECT_EQ(DecodeText("\xE2\x82"), "\xC3\xA2\xE2\x80\x9A");              // cut off
+}
+
+TEST(DecodeText, EveryByteFindsItsWayBack) {
+  std::string bytes;
+  for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
+  EXPECT_EQ(EncodeWindows1252(DecodeText(bytes)), bytes);
+  EXPECT_EQ(EncodeWindows1252("\xCE\xA9 5"), "? 5");
+}
+
+TEST_F(TextFileTest, AReplacedFileKeepsItsPermissionsAndLeavesNothingBeside) {
+  Put("a.tst", "old");
+  fs::permissions(At("a.tst"), fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read);
+  ReplaceFile(At("a.tst"), "new\r\n");
+  EXPECT_EQ(BytesOf("a.tst"), "new\r\n");
+  EXPECT_EQ(fs::status(At("a.tst")).permissions(),
+            fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read);
+  EXPECT_EQ(OtherFiles("a.tst"), 0);
+}
+
+TEST_F(TextFileTest, ALeftoverOfAnEarlierCrashIsNoObstacle) {
+  Put(".hylden-0.tmp", "half a fi");
+  ReplaceFile(At("a.tst"), "new");
+  EXPECT_EQ(BytesOf("a.tst"), "new");
+  EXPECT_EQ(BytesOf(".hylden-0.tmp"), "half a fi");
+}
+
+TEST_F(TextFileTest, AReadOnlyFileIsRefusedAndStaysWhole) {
+  Put("a.tst", "old");
+  fs::permissions(At("a.tst"), fs::perms::owner_read);
+  EXPECT_EQ(ErrorOf([&] { ReplaceFile(At("a.tst"), "new"); }), 70);
+  EXPECT_EQ(BytesOf("a.tst"), "old");
+  EXPECT_EQ(OtherFiles("a.tst"), 0);
+}
+
+TEST_F(TextFileTest, AFolderThatTakesNoFileFailsWithoutATrace) {
+  Put("taken/inside.txt", "");
+  EXPECT_EQ(ErrorOf([&] { ReplaceFile(At("taken"), "new"); }), 75);
+  EXPECT_EQ(ErrorOf([&] { ReplaceFile(At("nowhere/a.tst"), "new"); }), 76);
+  EXPECT_EQ(ErrorOf([&] { ReplaceFile(At("taken/inside.txt/a.tst"), "new"); }), 76);
+  EXPECT_EQ(ErrorOf([&] { ReplaceFile("", "new"); }), 75);
+  EXPECT_EQ(ErrorOf([&] { ReplaceFile(At(std::string(300, 'x')), "new"); }), 52);
+  EXPECT_EQ(OtherFiles("taken"), 0);
+}
+
+TEST_F(TextFileTest, AnUnwritableFolderIsRefusedAndTheFileStaysWhole) {
+  Put("a.tst", "old");
+  fs::permissions(folder_, fs::perms::owner_read | fs::perms::owner_exec);
+  if (std::ofstream(At("probe"))) {
+    fs::permissions(folder_, fs::perms::owner_all);
+    GTEST_SKIP() << "this user may write everywhere";
+  }
+  EXPECT_EQ(ErrorOf([&] { ReplaceFile(At("a.tst"), "new"); }), 75);
+  EXPECT_EQ(BytesOf("a.tst"), "old");
+  EXPECT_EQ(OtherFiles("a.tst"), 0);
+}
+
+TEST_F(TextFileTest, AFullDiskIsToldAsSuch) {
+  if (!fs::exists("/dev/full")) GTEST_SKIP() << "no device that is always full";
+  EXPECT_EQ(ErrorOf([] { ReplaceFile("/dev/full", "new"); }), 61);
+}
+
+TEST_F(TextFileTest, ASymbolicLinkStaysALinkToTheReplacedFile) {
+  Put("real/a.tst", "old");
+  fs::create_symlink("real/a.tst", At("link.tst"));
+  fs::create_symlink("link.tst", At("chain.tst"));
+  ReplaceFile(At("chain.tst"), "new");
+  EXPECT_TRUE(fs::is_symlink(At("link.tst")));
+  EXPECT_TRUE(fs::is_symlink(At("chain.tst")));
+  EXPECT_EQ(BytesOf("real/a.tst"), "new");
+}
+
+TEST_F(TextFileTest, ALinkToNothingCreatesItsTargetAndACircleIsRefused) {
+  fs::create_symlink("later.tst", At("link.tst"));
+  ReplaceFile(At("link.tst"), "new");
+  EXPECT_TRUE(fs::is_symlink(At("link.tst")));
+  EXPECT_EQ(BytesOf("later.tst"), "new");
+  fs::create_symlink("round.tst", At("round.tst"));
+  EXPECT_NE(ErrorOf([&] { ReplaceFile(At("round.tst"), "new"); }), 0);
+}
+
+TEST_F(TextFileTest, FilesAreFoundWithoutRegardToCaseAndWithEitherSeparator) {
+  Put("Cal/Sub/Ten V.CAL", "x");
+  Put("cal/other.txt", "y");
+  Put("M\xC3\x84RZ.txt", "z");
+  EXPECT_EQ(ReadTextFile(At("cal/sub/ten v.cal")), "x");  // not in the folder of that very name
+  EXPECT_EQ(ReadTextFile(At("CAL\\SUB\\TEN V.cal")), "x");
+  EXPECT_EQ(ReadTextFile(At("m\xC3\xA4rz.TXT")), "z");
+  EXPECT_EQ(ExistingPath(At("cal/other.txt")), At("cal/other.txt"));
+  EXPECT_EQ(ExistingPath(At("cal\\none.txt")), At("cal\\none.txt"));
+}
+
+TEST_F(TextFileTest, AnExactNameWinsOverOtherSpellings) {
+  Put("A.txt", "upper");
+  Put("a.txt", "lower");
+  EXPECT_EQ(ReadTextFile(At("a.txt")), "lower");
+  EXPECT_EQ(ReadTextFile(At("A.TXT")), "upper");
+}
+
+TEST_F(TextFileTest, SavingKeepsTheNameAsGivenButFindsTheFolder) {
+  Put("Tests/a.tst", "other");
+  ReplaceFile(At("tests\\A.tst"), "new");
+  EXPECT_EQ(BytesOf("Tests/A.tst"), "new");
+  EXPECT_EQ(BytesOf("Tests/a.tst"), "other");
+}
+
+}  // namespace
+}  // namespace hylden
