@@ -23,7 +23,8 @@ enum class DuplicateRule : int { Larger = 0, Smaller = 1 };
 float Interpolate(double f1, float y1, double f2, float y2, double f, FreqScale scale);
 float PickDuplicate(float a, float b, DuplicateRule rule);
 
-/// Text of a data line of the factor table format; see docs/formats/factor-table.md.
+/// A data line of the factor table format (see docs/formats/factor-table.md): its first two numbers. Not Ok for any
+/// other line, and for a number that is too large for its type.
 struct ParsedFactorLine {
   bool Ok = false;
   double Freq = 0;
@@ -53,7 +54,11 @@ class InterpClass {
   bool SaveFile(const std::string& fileName);
 
  private:
+  /// Puts the cursor on the first point that is not below a frequency within the table.
+  void MoveCursor(double frequency);
+
   Shell& shell_;
+  /// Empty, or at least two points in rising order.
   std::vector<FactorPoint> points_;
   std::size_t cursor_ = 0;
 };

@@ -1,0 +1,210 @@
+#include "measure/InterpClass.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "measure/Conversions.h"
+#include "shell/Shell.h"
+#include "text/Numbers.h"
+#include "text/Pattern.h"
+#include "text/TextFile.h"
+
+namespace hylden {
+namespace {
+
+bool HasForeignCharacter(std::string_view line) {
+  return std::any_of(line.begin(), line.end(), [](char c) { return CharClass(c) < 0; });
+}
+
+/// The next run of number characters; the line is left behind it.
+std::string_view NextToken(std::string_view& line) {
+  while (!line.empty() && CharClass(line.front()) == 0) line.remove_prefix(1);
+  std::size_t length = 0;
+  while (length < line.size() && CharClass(line[length]) == 1) ++length;
+  const std::string_view token = line.substr(0, length);
+  line.remove_prefix(length);
+  return token;
+}
+
+bool FitsSingle(double value) {
+  return std::abs(value) <= static_cast<double>(std::numeric_limits<float>::max());
+}
+
+/// Reads the data lines of a factor file, after its header, into points.
+class TableReader {
+ public:
+  TableReader(std::string text, const std::string& fileName) : lines_(std::move(text)), fileName_(fileName) {}
+
+  /// The file's points in file order. Of a run of equal values the points between the first and the last are left out:
+  /// they add nothing to an interpolation. @return the message of what is wrong; empty when all was read
+  std::string Read(std::vector<FactorPoint>& points) {
+    ParsedFactorLine next;
+    do {
+      if (!lines_.AtEnd()) next = ParseFactorLine(lines_.ReadLine());
+      if (lines_.AtEnd()) return "Unexpected end of file in " + fileName_;
+    } while (!next.Ok);
+    points.push_back({next.Freq, next.Value});
+    while (!lines_.AtEnd())
+      if (!ReadRun(points)) return "Bad data in calibration file";
+    if (points.size() < 2) return "Unexpected end of interpolation file";
+    return {};
+  }
+
+ private:
+  bool ReadRun(std::vector<FactorPoint>& points) {
+    FactorPoint previous = points.back(), next;
+    if (!ReadPoint(next)) return false;
+    bool skipped = false;
+    while (next.Value == previous.Value && !lines_.AtEnd()) {
+      previous = next;
+      skipped = true;
+      if (!ReadPoint(next)) return false;
+    }
+    if (skipped) points.push_back(previous);
+    points.push_back(next);
+    return true;
+  }
+
+  bool ReadPoint(FactorPoint& point) {
+    const ParsedFactorLine line = ParseFactorLine(lines_.ReadLine());
+    if (line.Ok) point = {line.Freq, line.Value};
+    return line.Ok;
+  }
+
+  LineReader lines_;
+  const std::string& fileName_;
+};
+
+bool Below(const FactorPoint& a, const FactorPoint& b) {
+  return a.Freq < b.Freq;
+}
+
+/// A frequency without an exponent, which a reader of the format would not take.
+std::string PlainFrequency(double frequency) {
+  const std::string text = ShortestText(frequency);
+  return text.find('E') == std::string::npos ? text : Format(frequency, "0.0####################");
+}
+
+}  // namespace
+
+float Interpolate(double f1, float y1, double f2, float y2, double f, FreqScale scale) {
+  // The base of the logarithms cancels out.
+  if (scale == FreqScale::Log && f1 < 1e-6) return static_cast<float>(kNoValue);
+  const double t = scale == FreqScale::Log ? std::log(f / f1) / std::log(f2 / f1) : (f - f1) / (f2 - f1);
+  const double from = static_cast<double>(y1), to = static_cast<double>(y2);
+  return static_cast<float>(from + t * (to - from));
+}
+
+float PickDuplicate(float a, float b, DuplicateRule rule) {
+  switch (rule) {
+    case DuplicateRule::Larger:
+      return std::max(a, b);
+    case DuplicateRule::Smaller:
+      return std::min(a, b);
+  }
+  return 0;
+}
+
+int CharClass(char character) {
+  if (character >= '0' && character <= '9') return 1;
+  if (character == '+' || character == '-' || character == '.') return 1;
+  if (character == ' ' || character == '\t' || character == ',') return 0;
+  return -1;
+}
+
+ParsedFactorLine ParseFactorLine(std::string_view line) {
+  if (HasForeignCharacter(line)) return {};
+  const std::string_view frequency = NextToken(line);
+  const std::string_view value = NextToken(line);
+  if (frequency.empty() || value.empty()) return {};
+  const double mhz = LeadingNumber(frequency), number = LeadingNumber(value);
+  if (!std::isfinite(mhz) || !FitsSingle(number)) return {};
+  return {true, mhz, static_cast<float>(number)};
+}
+
+bool InterpClass::InitInterp(const std::string& fileName) {
+  points_.clear();
+  if (fileName.empty()) return false;
+  std::vector<FactorPoint> points;
+  try {
+    const std::string fault = TableReader(ReadTextFile(fileName), fileName).Read(points);
+    if (!fault.empty()) {
+      shell_.dialogs.Tell(fault);
+      return false;
+    }
+    if (!std::is_sorted(points.begin(), points.end(), Below)) std::stable_sort(points.begin(), points.end(), Below);
+  } catch (const std::exception& error) {
+    shell_.ReportError(error, "InterpClass.FileToTable", fileName);
+    return false;
+  }
+  points_ = std::move(points);
+  return true;
+}
+
+bool InterpClass::InterpVal(double frequency, float& value, FreqScale scale, DuplicateRule rule) {
+  if (points_.size() < 2) {
+    shell_.dialogs.Tell("No calibration points in interp file");
+    return false;
+  }
+  if (!(frequency >= points_.front().Freq && frequency <= points_.back().Freq)) return false;
+  MoveCursor(frequency);
+  const FactorPoint& found = points_[cursor_];
+  if (frequency < found.Freq) {
+    const FactorPoint& before = points_[cursor_ - 1];
+    value = Interpolate(before.Freq, before.Value, found.Freq, found.Value, frequency, scale);
+    return true;
+  }
+  const bool pair = cursor_ + 1 < points_.size() && points_[cursor_ + 1].Freq == frequency;
+  value = pair ? PickDuplicate(found.Value, points_[cursor_ + 1].Value, rule) : found.Value;
+  return true;
+}
+
+void InterpClass::MoveCursor(double frequency) {
+  constexpr int kNear = 4;
+  if (cursor_ >= points_.size()) cursor_ = 0;
+  if (cursor_ == 0 || frequency > points_[cursor_ - 1].Freq)
+    for (int step = 0; step < kNear; ++step, ++cursor_)
+      if (frequency <= points_[cursor_].Freq) return;
+  const auto first = std::lower_bound(points_.begin(), points_.end(), frequency,
+                                      [](const FactorPoint& point, double f) { return point.Freq < f; });
+  cursor_ = static_cast<std::size_t>(first - points_.begin());
+}
+
+double InterpClass::MaxFreq() const {
+  return points_.empty() ? -1 : points_.back().Freq;
+}
+
+double InterpClass::MinFreq() const {
+  return points_.empty() ? -1 : points_.front().Freq;
+}
+
+void InterpClass::GetTable(std::vector<double>& frequencies, std::vector<float>& values) {
+  const std::vector<FactorPoint> points = points_;  // a turn of the user interface may load another table
+  frequencies.assign(points.size() + 1, 0);
+  values.assign(points.size() + 1, 0);
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    frequencies[i] = points[i].Freq;
+    values[i] = points[i].Value;
+    shell_.events.Yield(shell_.clock.TickMs());
+  }
+}
+
+bool InterpClass::SaveFile(const std::string& fileName) {
+  if (points_.size() < 2) {
+    shell_.dialogs.Tell("No calibration points in interp file");
+    return false;
+  }
+  std::vector<std::string> lines;
+  for (const FactorPoint& point : points_)
+    lines.push_back(PlainFrequency(point.Freq) + ", " + Format(point.Value, "0.0##"));
+  try {
+    ReplaceFile(fileName, JoinLines(lines));
+  } catch (const std::exception& error) {
+    shell_.ReportError(error, "InterpClass.SaveFile", fileName);
+    return false;
+  }
+  return true;
+}
+
+}  // namespace hylden

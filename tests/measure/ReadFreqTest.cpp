@@ -1,0 +1,131 @@
+#include "measure/ReadFreq.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "support/ScriptedBus.h"
+#include "support/TestShell.h"
+
+namespace hylden {
+namespace {
+
+using List = std::vector<double>;
+
+class ReadFreqTest : public testing::Test {
+ protected:
+  List Plan(StepType type, double start, double stop, double step, BandSwitch band = {}) {
+    List plan{-1};
+    const int count = lists.BuildFreqPlan(type, start, stop, step, plan, t.directory.File("f.lst"), band);
+    EXPECT_EQ(static_cast<std::size_t>(count), plan.size());
+    return plan;
+  }
+
+  ScriptedBus bus;
+  TestShell t{bus};
+  ReadFreq lists{t.shell};
+};
+
+TEST_F(ReadFreqTest, AListIsReadWrongly) {
+  List list;
+  EXPECT_EQ(lists.FileTolist(t.directory.Write("a.lst", "10\r\n20\r\n30\r\n"), list), 3);
+  EXPECT_EQ(list, (List{10, 20, 30}));
+  // What follows the first number is ignored, and a blank line is no second visit to a frequency.
+  EXPECT_EQ(lists.FileTolist(t.directory.Write("b.lst", " ,0.15, 7\n\n+80\t.5\n\n"), list), 2);
+  EXPECT_EQ(list, (List{0.15, 80}));
+  EXPECT_TRUE(t.dialogs.messages.empty());
+}
+
+TEST_F(ReadFreqTest, ABadListIsTakenOrCostsTheListThatWasThere) {
+  const std::string path = t.directory.File("f.lst");
+  const std::string atEnd = "Unexpected end of file in " + path, badData = "Bad data in frequency list file";
+  const std::pair<std::string, std::string> rows[] = {
+      {"", atEnd},
+      {"\r\n10\r\n", atEnd},
+      {"Freq\r\n10\r\n", badData},
+      {" ,\r\n10\r\n", badData},
+      {"10\r\n1E1", badData},
+      {"10\r\n \r\n20", badData},
+      {"10\r\n20;\r\n", badData},
+      {"10\r\n" + std::string(400, '9'), badData},
+  };
+  List list{5};
+  for (const auto& [bytes, message] : rows) {
+    t.dialogs.Clear();
+    EXPECT_EQ(lists.FileTolist(t.directory.Write("f.lst", bytes), list), -1) << bytes;
+    EXPECT_EQ(t.dialogs.Texts(), std::vector<std::string>{message}) << bytes;
+  }
+  EXPECT_LT(lists.FileTolist(t.directory.File("missing.lst"), list), 1);
+  EXPECT_EQ(t.dialogs.LastText(),
+            "Error # 53\rFile not found\rReadFreq.FileTolist\r" + t.directory.File("missing.lst"));
+  EXPECT_EQ(lists.FileTolist("", list), 0);
+  EXPECT_EQ(list, List{5});
+}
+
+TEST_F(ReadFreqTest, ALinearPlanHasWrongPoints) {
+  EXPECT_EQ(Plan(StepType::Linear, 1, 10, 1).size(), 10U);
+  EXPECT_EQ(Plan(StepType::Linear, 1, 10, 2), (List{1, 3, 5, 7, 9, 11}));
+  EXPECT_EQ(Plan(StepType::Linear, 1, 2.4, 1), (List{1, 2}));
+  EXPECT_EQ(Plan(StepType::Linear, 5, 5, 1), List{5});
+}
+
+TEST_F(ReadFreqTest, ALogPlanHasWrongPoints) {
+  EXPECT_EQ(Plan(StepType::Log, 1, 2, 50), (List{1, 1.5, 2}));
+  EXPECT_EQ(Plan(StepType::Log, 1, 3, 100), (List{1, 2, 3}));
+  EXPECT_EQ(Plan(StepType::Log, 0.15, 80, 1).size(), 633U);
+  EXPECT_EQ(Plan(StepType::Log, 0.15, 230, 1).size(), 739U);
+}
+
+TEST_F(ReadFreqTest, AListPlanHasWrongPoints) {
+  t.directory.Write("f.lst", "5\r\n10\r\n50\r\n150\r\n20\r\n");
+  EXPECT_EQ(Plan(StepType::List, 10, 100, 0, {true, 80}), (List{10, 50}));
+  t.directory.Write("f.lst", "none");
+  EXPECT_EQ(Plan(StepType::List, 10, 100, 0), List{});
+}
+
+TEST_F(ReadFreqTest, TheBandSwitchPairIsMissingOrMisplaced) {
+  constexpr double kAbove80 = 80 + 0.000001;
+  struct Row {
+    StepType type;
+    double start, stop, step, band;
+    List plan;
+  };
+  const Row rows[] = {
+      {StepType::Linear, 10, 200, 50, 80, {10, 60, 80, kAbove80, 110, 160, 210}},
+      {StepType::Linear, 80, 100, 10, 80, {80, 80, kAbove80, 90, 100}},
+      {StepType::Linear, 90, 110, 10, 80, {90, 100, 110}},
+      {StepType::Linear, 60, 80, 10, 80, {60, 70, 80}},
+      {StepType::Linear, 10, 100, 60, 80, {10, 70, 80, kAbove80}},
+      {StepType::Log, 100, 150, 20, 80, {80, kAbove80, 100, 120, 144, 150}},
+      {StepType::Log, 50, 150, 100, 80, {50, 80, kAbove80, 100, 150}},
+      {StepType::Log, 50, 90, 50, 80, {50, 75, 90}},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(Plan(row.type, row.start, row.stop, row.step, {true, row.band}), row.plan);
+    EXPECT_EQ(Plan(row.type, row.start, row.stop, row.step, {false, row.band}).front(), row.start);
+  }
+}
+
+TEST_F(ReadFreqTest, AnImpossibleStepHangsOrFillsTheMemory) {
+  const double kNan = std::numeric_limits<double>::quiet_NaN(), kInfinity = std::numeric_limits<double>::infinity();
+  for (double step : {0.0, -1.0, 1e-12, 1e-300, kNan}) {
+    EXPECT_EQ(Plan(StepType::Linear, 1, 100, step), List{}) << step;
+    EXPECT_EQ(Plan(StepType::Log, 1, 100, step), List{}) << step;
+  }
+  for (double start : {0.0, -1.0, kNan}) EXPECT_EQ(Plan(StepType::Log, start, 100, 1), List{}) << start;
+  for (double stop : {kInfinity, kNan}) {
+    EXPECT_EQ(Plan(StepType::Linear, 1, stop, 1), List{}) << stop;
+    EXPECT_EQ(Plan(StepType::Log, 1, stop, 1), List{}) << stop;
+  }
+  EXPECT_EQ(Plan(static_cast<StepType>(3), 1, 100, 1), List{});
+}
+
+TEST_F(ReadFreqTest, AListIsSortedWrongly) {
+  List list{30, 1, 20, 1, 0.15};
+  ReadFreq::SortFreqList(list);
+  EXPECT_EQ(list, (List{0.15, 1, 1, 20, 30}));
+}
+
+}  // namespace
+}  // namespace hylden
