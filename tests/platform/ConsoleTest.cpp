@@ -1,0 +1,178 @@
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <sstream>
+
+#include "platform/VirtualTime.h"
+#include "platform/console/ConsoleClock.h"
+#include "platform/console/ConsoleDialogs.h"
+#include "platform/console/ConsoleEventLoop.h"
+#include "platform/console/ConsolePrinter.h"
+#include "platform/console/ConsoleSpeaker.h"
+#include "support/TempDir.h"
+#include "text/RuntimeError.h"
+
+namespace hylden {
+namespace {
+
+class ConsoleTest : public testing::Test {
+ protected:
+  ConsoleTest() { EXPECT_EQ(pipe(input_), 0); }
+  ~ConsoleTest() override {
+    EndInput();
+    close(input_[0]);
+  }
+
+  void Type(const std::string& text) {
+    EXPECT_EQ(write(input_[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
+  }
+  void EndInput() {
+    if (input_[1] >= 0) close(input_[1]);
+    input_[1] = -1;
+  }
+  ConsoleDialogs Make(ConsoleDialogsOptions options) { return {input_[0], out_, events_, std::move(options)}; }
+
+  int input_[2] = {-1, -1};
+  std::ostringstream out_;
+  VirtualClock clock_;
+  int stops_ = 0;
+  ConsoleEventLoop events_{clock_, [this] { ++stops_; }};
+};
+
+struct AnswerCase {
+  const char* typed;
+  MessageButtons buttons;
+  MessageAnswer expected;
+};
+
+class ConsoleAnswerTest : public ConsoleTest, public testing::WithParamInterface<AnswerCase> {};
+
+TEST_P(ConsoleAnswerTest, TakesTheButtonThatWasTyped) {
+  Type(GetParam().typed);
+  EndInput();
+  ConsoleDialogs dialogs = Make({.terminal = true});
+  EXPECT_EQ(dialogs.Show({"Go on?", {}, MessageIcon::Question, GetParam().buttons}), GetParam().expected);
+}
+
+using enum MessageButtons;
+INSTANTIATE_TEST_SUITE_P(Console, ConsoleAnswerTest,
+                         testing::Values(AnswerCase{"\n", OkCancel, MessageAnswer::Ok},
+                                         AnswerCase{"\x1b\n", OkCancel, MessageAnswer::Cancel},
+                                         AnswerCase{"Cancel\r\n", OkCancel, MessageAnswer::Cancel},
+                                         AnswerCase{"\n\nY\n", YesNo, MessageAnswer::Yes},
+                                         AnswerCase{"what\nn\n", YesNoCancel, MessageAnswer::No},
+                                         AnswerCase{"\n", YesNo, MessageAnswer::No},
+                                         AnswerCase{"\n", RetryCancel, MessageAnswer::Cancel},
+                                         AnswerCase{"r\n", RetryCancel, MessageAnswer::Retry},
+                                         AnswerCase{"", Ok, MessageAnswer::Ok},
+                                         AnswerCase{"y", YesNo, MessageAnswer::No}));
+
+TEST_F(ConsoleTest, ConfirmsNothingUnaskedWithoutATerminal) {
+  Type("y\ny\ny\n");
+  ConsoleDialogs dialogs = Make({});
+  EXPECT_EQ(dialogs.Show({"RF on?", "Start", MessageIcon::None, OkCancel}), MessageAnswer::Cancel);
+  EXPECT_EQ(dialogs.Show({"RF on?", "Start", MessageIcon::None, YesNo}), MessageAnswer::No);
+  EXPECT_EQ(dialogs.Show({"again?", "Start", MessageIcon::None, RetryCancel}), MessageAnswer::Cancel);
+  EXPECT_EQ(dialogs.InputBox("How much?", "Level", "10"), std::nullopt);
+  EXPECT_EQ(dialogs.SaveFile({"Save run data", ""}), std::nullopt);
+  EXPECT_EQ(dialogs.Show({"done", {}}), MessageAnswer::Ok);
+}
+
+TEST_F(ConsoleTest, ConfirmsOnlyTheQuestionsThatWereNamed) {
+  ConsoleDialogs dialogs = Make({.confirmedTitles = {"Run Test"}});
+  EXPECT_EQ(dialogs.Show({"RF on?", "Run Test", MessageIcon::None, YesNo}), MessageAnswer::Yes);
+  EXPECT_EQ(dialogs.Show({"RF on?", "Other", MessageIcon::None, YesNo}), MessageAnswer::No);
+  EXPECT_EQ(dialogs.Show({"RF on?", "", MessageIcon::None, YesNo}), MessageAnswer::No);
+}
+
+TEST_F(ConsoleTest, ARequestToStopDeclinesTheOpenQuestion) {
+  ConsoleDialogs dialogs = Make({.terminal = true});
+  raise(SIGINT);
+  EXPECT_EQ(dialogs.Show({"RF on?", "Start", MessageIcon::None, OkCancel}), MessageAnswer::Cancel);
+  EXPECT_EQ(stops_, 1);
+}
+
+TEST_F(ConsoleTest, SavesToTheGivenPathOnce) {
+  ConsoleDialogs dialogs = Make({.savePath = "/data/a.run"});
+  EXPECT_EQ(dialogs.SaveFile({"Save", ""}), "/data/a.run");
+  // A path that could not be written must not be offered for ever.
+  EXPECT_EQ(dialogs.SaveFile({"Save", ""}), std::nullopt);
+}
+
+TEST_F(ConsoleTest, TextIsFreeOfTerminalControlsAndEndsAnOpenProgressLine) {
+  ConsoleDialogs dialogs = Make({.beforeText = [this] { out_ << "|"; }});
+  dialogs.Show({"Meter says \x1b[2J1.5\r\nibsta = &H8100\rend", "Error", MessageIcon::Critical});
+  EXPECT_EQ(out_.str(), "|Error:\nMeter says [2J1.5\nibsta = &H8100\nend\n");
+}
+
+TEST_F(ConsoleTest, AnInputBoxKeepsItsTextOnEnter) {
+  Type("\n12.5\n");
+  EndInput();
+  ConsoleDialogs dialogs = Make({.terminal = true});
+  EXPECT_EQ(dialogs.InputBox("Address", "Meter", "18"), "18");
+  EXPECT_EQ(dialogs.InputBox("Address", "Meter", "18"), "12.5");
+  EXPECT_EQ(dialogs.InputBox("Address", "Meter", "18"), std::nullopt);
+}
+
+class StopSignalTest : public ConsoleTest, public testing::WithParamInterface<int> {};
+
+TEST_P(StopSignalTest, RunsTheCallbackInsteadOfEndingTheProgram) {
+  raise(GetParam());
+  EXPECT_EQ(stops_, 0) << "the callback belongs to the program's own turn";
+  events_.Yield();
+  events_.Yield();
+  EXPECT_EQ(stops_, 1);
+  EXPECT_TRUE(events_.StopRequested());
+}
+
+INSTANTIATE_TEST_SUITE_P(Console, StopSignalTest, testing::Values(SIGINT, SIGTERM, SIGHUP, SIGQUIT));
+
+TEST_F(ConsoleTest, NeitherAClosedReaderNorJobControlEndsOrFreezesTheProgram) {
+  for (const int number : {SIGPIPE, SIGTSTP, SIGTTIN, SIGTTOU}) raise(number);
+  events_.Yield();
+  EXPECT_FALSE(events_.StopRequested());
+}
+
+TEST_F(ConsoleTest, ASecondEventLoopCannotTakeTheSignalsAway) {
+  EXPECT_THROW(ConsoleEventLoop(clock_, {}), RuntimeError);
+  raise(SIGTERM);
+  events_.Yield();
+  EXPECT_EQ(stops_, 1);
+}
+
+TEST(ConsolePrinterFile, KeepsEveryJobOfTheRunAndReplacesAnOlderFile) {
+  TempDir directory;
+  directory.Write("out.txt", "old");
+  ConsolePrinter printer(directory.File("out.txt"));
+  printer.Print({.title = "one", .lines = {{"first"}, {"line"}}});
+  printer.Print({.title = "two", .lines = {{"second"}}});
+  EXPECT_EQ(directory.Read("out.txt"), "first\r\nline\r\n\fsecond\r\n");
+  ConsolePrinter nowhere(directory.File("missing/out.txt"));
+  EXPECT_THROW(nowhere.Print({.title = "lost", .lines = {{"x"}}}), RuntimeError);
+}
+
+TEST(ConsoleSpeakerPipe, StaysSilentWhereNoTerminalIs) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  ConsoleSpeaker(ends[1]).Beep(800, 200);
+  pollfd reader{ends[0], POLLIN, 0};
+  EXPECT_EQ(poll(&reader, 1, 0), 0) << "a bell in a log file";
+  close(ends[0]);
+  close(ends[1]);
+}
+
+TEST(ConsoleClockLocal, TimeOfDayAndDateTellTheSameTime) {
+  const ConsoleClock clock;
+  for (int attempt = 0; attempt < 3; ++attempt) {  // the second may change in between
+    const LocalTime now = clock.Now();
+    const double seconds = clock.SecondsSinceMidnight();
+    const int whole = now.hour * 3600 + now.minute * 60 + now.second;
+    if (static_cast<int>(seconds) == whole) return;
+  }
+  FAIL() << "Now and SecondsSinceMidnight differ";
+}
+
+}  // namespace
+}  // namespace hylden
