@@ -1,0 +1,199 @@
+#include <gtest/gtest.h>
+
+#include "shell/INISettings.h"
+#include "shell/Profile.h"
+#include "support/TempDir.h"
+
+namespace hylden {
+namespace {
+
+struct ValueCase {
+  const char* name;
+  const char* text;
+  std::optional<std::string> expected;
+};
+
+class ProfileValueTest : public testing::TestWithParam<ValueCase> {};
+
+TEST_P(ProfileValueTest, ReadsTheKeyAsWritten) {
+  EXPECT_EQ(profile::Value(GetParam().text, "Equip", "Dir"), GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Profile, ProfileValueTest,
+                         testing::Values(ValueCase{"Plain", "[Equip]\r\nDir=C:\\lab\r\n", "C:\\lab"},
+                                         ValueCase{"AnyCase", "[EQUIP]\ndIR=/lab\n", "/lab"},
+                                         ValueCase{"Blanks", " [ Equip ] \n\t Dir \t=  /my lab \t\n", "/my lab"},
+                                         ValueCase{"Quoted", "[Equip]\nDir=\"/my lab\"\n", "/my lab"},
+                                         ValueCase{"OnePairOnly", "[Equip]\nDir=''/lab''\n", "'/lab'"},
+                                         ValueCase{"UnmatchedQuote", "[Equip]\nDir=\"/lab'\n", "\"/lab'"},
+                                         ValueCase{"Comment", "[Equip]\n;Dir=/old\n", std::nullopt},
+                                         ValueCase{"OtherSection", "[Cables]\nDir=/cables\n[Equipment]\nDir=/x\n",
+                                                   std::nullopt},
+                                         ValueCase{"Empty", "[Equip]\nDir=\nFile=x\n", ""},
+                                         ValueCase{"EqualsInValue", "[Equip]\nDir=/a=b;c\n", "/a=b;c"},
+                                         ValueCase{"NoLineEnd", "[Equip]\rDir=/lab", "/lab"},
+                                         ValueCase{"ByteOrderMark", "\xEF\xBB\xBF[Equip]\nDir=/lab\n", "/lab"},
+                                         ValueCase{"OldCodePage",
+                                                   "[Equip]\nDir=C:\\Pr\xFC"
+                                                   "fung\n",
+                                                   "C:\\Prüfung"}),
+                         [](const auto& testCase) { return std::string(testCase.param.name); });
+
+struct WriteCase {
+  const char* name;
+  const char* before;
+  const char* after;
+};
+
+class ProfileWriteTest : public testing::TestWithParam<WriteCase> {};
+
+TEST_P(ProfileWriteTest, ChangesItsOwnLineOnly) {
+  EXPECT_EQ(profile::WithValue(GetParam().before, "Equip", "Dir", "/ü"), GetParam().after);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Profile, ProfileWriteTest,
+    testing::Values(WriteCase{"NewFile", "", "[Equip]\r\nDir=/ü\r\n"},
+                    WriteCase{"Replaces", "; mine\n\n[equip]\ndir = \"x\" \nOdd line\n[B]\nk=v",
+                              "; mine\n\n[equip]\ndir = /ü\nOdd line\n[B]\nk=v"},
+                    WriteCase{"AddsKeyBeforeTheNextSectionsComment", "[Equip]\r\nFile=a\r\n\r\n; B\r\n[B]\r\nDir=b\r\n",
+                              "[Equip]\r\nFile=a\r\nDir=/ü\r\n\r\n; B\r\n[B]\r\nDir=b\r\n"},
+                    WriteCase{"AddsSectionAfterAnOpenLine", "[B]\nk=v", "[B]\nk=v\n[Equip]\nDir=/ü\n"},
+                    WriteCase{"KeepsTheOldCodePage", "[Equip]\nFile=\xE4\nDir=x\n", "[Equip]\nFile=\xE4\nDir=/\xFC\n"},
+                    WriteCase{"KeepsTheByteOrderMark", "\xEF\xBB\xBF", "\xEF\xBB\xBF[Equip]\r\nDir=/ü\r\n"}),
+    [](const auto& testCase) { return std::string(testCase.param.name); });
+
+TEST(Profile, AValueCannotSmuggleInALine) {
+  const std::string text = profile::WithValue("", "Equip", "Dir", "a\r\n[System]\r\nLogToFile=1");
+  EXPECT_EQ(profile::Value(text, "System", "LogToFile"), std::nullopt);
+}
+
+TEST(Profile, AValueThatTheOldCodePageLacksIsNotLost) {
+  const std::string text = profile::WithValue("[Equip]\nFile=\xE4\n", "Equip", "Dir", "/Ωμ");
+  EXPECT_EQ(profile::Value(text, "Equip", "Dir"), "/Ωμ");
+  EXPECT_EQ(profile::Value(text, "Equip", "File"), "ä");
+}
+
+class SettingsTest : public testing::Test {
+ protected:
+  INISettings Settings() { return INISettings(directory_.Path()); }
+  TempDir directory_;
+};
+
+TEST_F(SettingsTest, AStationWithoutASettingsFileRunsOnItsDefaults) {
+  INISettings settings(directory_.Path() + "/");
+  EXPECT_EQ(settings.GetDataDir(datakind::kFactors), directory_.Path());
+  EXPECT_EQ(settings.GetDefaultEquipFile(), "");
+  EXPECT_EQ(settings.GetLogToFile(), 0);
+  EXPECT_EQ(settings.GetFormPosition(windowkey::kManualForm), "");
+  EXPECT_FALSE(directory_.Exists("Hylden.ini")) << "a getter writes nothing";
+}
+
+TEST_F(SettingsTest, EachSettingHasAPlaceOfItsOwn) {
+  INISettings settings = Settings();
+  settings.SaveDataDir(datakind::kInsertionLoss, "/loss");
+  settings.SaveDataDir(datakind::kEquip, "/equip");
+  settings.SaveDefaultEquipFile("/equip/a.eqp");
+  settings.SaveFormPosition(windowkey::kRunButtons, "1200,900");
+  settings.Store().SaveSettingInt("System", "LogToFile", -3);
+  INISettings later = Settings();
+  EXPECT_EQ(later.GetDataDir(datakind::kInsertionLoss), "/loss");
+  EXPECT_EQ(later.GetDataDir(datakind::kEquip), "/equip");
+  EXPECT_EQ(later.GetDefaultEquipFile(), "/equip/a.eqp");
+  EXPECT_EQ(later.GetFormPosition(windowkey::kRunButtons), "1200,900");
+  EXPECT_EQ(later.GetFormPosition(windowkey::kRunTestForm), "");
+  EXPECT_EQ(later.GetLogToFile(), -3);
+  EXPECT_EQ(later.Store().GetSectionNames(),
+            (std::vector<std::string>{"Insertion_Loss", "Equip", "RunButtons", "System"}));
+}
+
+TEST_F(SettingsTest, LogSwitchIsTheLeadingWholeNumber) {
+  const std::pair<const char*, std::int16_t> cases[] = {
+      {"1", 1},   {"0", 0}, {"-1", -1},        {"2 on", 2}, {"on", 0},
+      {"'1'", 1}, {"", 0},  {"100000", 32767}, {"1.9", 1},  {"9999999999999999999999", 32767}};
+  for (const auto& [text, expected] : cases) {
+    SCOPED_TRACE(text);
+    directory_.Write("Hylden.ini", std::string("[System]\r\nLogToFile=") + text + "\r\n");
+    EXPECT_EQ(Settings().GetLogToFile(), expected);
+  }
+}
+
+TEST_F(SettingsTest, AValueIsCutTo127CharactersWithoutSplittingOne) {
+  std::string path = "/";
+  for (int i = 0; i < 129; ++i) path += "ü";
+  INISettings settings = Settings();
+  settings.SaveDataDir(datakind::kEquip, path);
+  EXPECT_EQ(settings.GetDataDir(datakind::kEquip), path.substr(0, 1 + 126 * 2));
+  EXPECT_NE(directory_.Read("Hylden.ini").find(path), std::string::npos) << "the file keeps all of it";
+}
+
+TEST_F(SettingsTest, AListIsCutAt2047Characters) {
+  std::string text = "[Big]\n";
+  for (int i = 0; i < 30; ++i)
+    text += std::string(99, static_cast<char>('a' + i % 26)) + std::to_string(i % 10) + "=v\n";
+  directory_.Write("Hylden.ini", text);
+  INISettings settings = Settings();
+  const auto rows = settings.Store().GetSettingAll("big");
+  // 20 names of 100 characters and their terminators take 2020, which leaves 27 for the next.
+  ASSERT_EQ(rows.size(), 21u);
+  EXPECT_EQ(rows[19].second, "v");
+  EXPECT_EQ(rows[20].first, std::string(27, 'u'));
+  EXPECT_EQ(rows[20].second, "") << "a cut name is no key";
+  EXPECT_TRUE(settings.Store().GetSettingAll("none").empty());
+}
+
+TEST_F(SettingsTest, DeletingAKeyLeavesItsNeighbours) {
+  directory_.Write("Hylden.ini", "[A]\nx=1\ny=2\n; note\n[B]\ny=3\n");
+  INISettings settings = Settings();
+  settings.Store().DeleteKey("a", "Y");
+  settings.Store().DeleteKey("A", "z");
+  EXPECT_EQ(directory_.Read("Hylden.ini"), "[A]\nx=1\n; note\n[B]\ny=3\n");
+}
+
+TEST_F(SettingsTest, AFileThatCannotBeReadIsReportedAndLeftAlone) {
+  directory_.Write("Hylden.ini/inside", "x");  // a directory of that name
+  INISettings settings = Settings();
+  try {
+    settings.GetDefaultEquipFile();
+    FAIL() << "no error";
+  } catch (const SettingError& error) {
+    EXPECT_EQ(error.Number(), static_cast<int>(0x80040203u));
+    EXPECT_EQ(error.Source(), "CSetting.GetSettingStr");
+    EXPECT_EQ(error.Description(), "Error reading Setting (75, Path/File access error)");
+  }
+  EXPECT_NO_THROW(settings.SaveDefaultEquipFile("/a.eqp"));
+  EXPECT_THROW(settings.Store().DeleteKey("Equip", "File"), SettingError);
+  EXPECT_TRUE(directory_.Exists("Hylden.ini/inside"));
+}
+
+TEST_F(SettingsTest, AProtectedFileIsKeptAndOnlyDeletingComplains) {
+  const std::string path = directory_.Write("Hylden.ini", "[Equip]\nFile=a\n");
+  std::filesystem::permissions(path, std::filesystem::perms::owner_read);
+  INISettings settings = Settings();
+  EXPECT_NO_THROW(settings.SaveDefaultEquipFile("b"));
+  EXPECT_EQ(settings.GetDefaultEquipFile(), "a");
+  try {
+    settings.Store().DeleteKey("Equip", "File");
+    FAIL() << "no error";
+  } catch (const SettingError& error) {
+    EXPECT_EQ(error.Number(), static_cast<int>(0x80040205u));
+    EXPECT_EQ(error.Source(), "CSetting.DeleteKey");
+    EXPECT_EQ(error.Description(), "Error Deleting Key (check if file is protected)");
+  }
+}
+
+TEST(clsSettingNames, TheProgramsOwnNameServesUntilInitNamesAnother) {
+  TempDir directory;
+  clsSetting store(directory.Path(), "hylden.exe");
+  store.SaveSettingStr("A", "k", "v");
+  EXPECT_TRUE(directory.Exists("hylden.ini"));
+  EXPECT_EQ(store.SaveMode, 0);
+  store.Init("  Other ", 1);
+  store.SaveSettingStr("A", "k", "v");
+  EXPECT_TRUE(directory.Exists("Other.ini"));
+  store.Init();
+  EXPECT_EQ(store.SaveMode, 1) << "999 keeps the mode";
+}
+
+}  // namespace
+}  // namespace hylden

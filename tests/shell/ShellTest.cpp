@@ -1,0 +1,100 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <new>
+
+#include "shell/FormPosition.h"
+#include "support/ScriptedBus.h"
+#include "support/TestShell.h"
+
+namespace hylden {
+namespace {
+
+struct PositionCase {
+  const char* text;
+  std::optional<TwipPlace> expected;
+};
+
+TEST(FormPosition, AWindowNeverOpensOffTheScreen) {
+  const TwipSize window{4000, 3001}, screen{15000, 12000};
+  const TwipPlace centred{5500, 4500};  // 4499.5 goes to the even neighbour
+  const PositionCase cases[] = {{"", std::nullopt},
+                                {"1,", std::nullopt},
+                                {"1200,900", TwipPlace{1200, 900}},
+                                {"0,0", TwipPlace{0, 0}},
+                                {"11000,8999", TwipPlace{11000, 8999}},
+                                {"11001,900", centred},
+                                {"1200,9000", centred},
+                                {"-1,900", centred},
+                                {"1200,-15", centred},
+                                {"99999,900", centred},
+                                {"1200.5,899.6", TwipPlace{1200, 900}},
+                                {"-0.4,10", TwipPlace{0, 10}},
+                                {"1200", std::nullopt},
+                                {"left,top", std::nullopt}};
+  for (const PositionCase& c : cases) {
+    SCOPED_TRACE(c.text);
+    EXPECT_EQ(SetFormPosition(c.text, window, screen), c.expected);
+  }
+}
+
+TEST(FormPosition, AWindowComesBackToWhereItsTextWasTaken) {
+  const TwipPlace place{1215, 900};
+  EXPECT_EQ(FormPositionText(place), "1215,900");
+  EXPECT_EQ(SetFormPosition(FormPositionText(place), {100, 100}, {9000, 9000}), place);
+}
+
+class ShellTest : public testing::Test {
+ protected:
+  void Logging(const std::string& value) {
+    t_.directory.Write("Hylden.ini", "[System]\r\nLogToFile=" + value + "\r\n");
+  }
+
+  ScriptedBus bus_;
+  VirtualClock clock_{{2026, 3, 7, 8, 5, 9}};
+  TestShell t_{bus_, clock_};
+  TempDir work_;
+  WorkingDirectory inWork_{work_.Path()};
+};
+
+TEST_F(ShellTest, TheRunLogIsKeptOnlyWhileItIsSwitchedOn) {
+  t_.shell.log.LogFile("unseen");
+  EXPECT_FALSE(work_.Exists("runlog.hyl"));
+  Logging("1");
+  t_.shell.log.LogFile("Test run started\r\nStart Freq: .15");
+  clock_.Advance(57000);
+  t_.shell.log.LogFile("Frequency sweep finished");
+  Logging("0");
+  t_.shell.log.LogFile("unseen");
+  EXPECT_EQ(work_.Read("runlog.hyl"),
+            "03/07/26 08:05:09 - Test run started\r\nStart Freq: .15\r\n"
+            "03/07/26 08:06:06 - Frequency sweep finished\r\n");
+}
+
+TEST_F(ShellTest, ARunLogThatCannotBeWrittenDisturbsNobodyAndComplainsOnce) {
+  Logging("1");
+  work_.Write("runlog.hyl/inside", "");  // a directory of that name
+  testing::internal::CaptureStderr();
+  t_.shell.log.LogFile("one");
+  t_.shell.log.LogFile("two");
+  const std::string complaint = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(std::count(complaint.begin(), complaint.end(), '\n'), 1);
+  EXPECT_NE(complaint.find("runlog.hyl"), std::string::npos);
+  EXPECT_TRUE(t_.dialogs.messages.empty());
+}
+
+TEST_F(ShellTest, ATrappedFailureIsReportedWithNumberContextAndPath) {
+  t_.shell.ReportError(RuntimeError(ErrorNumber::TypeMismatch), "TestSetup.LoadDef", "/a.tst");
+  const std::bad_alloc unnumbered;
+  t_.shell.ReportError(unnumbered, "frmRunTest.RunCDI");
+  const RuntimeError numbered(ErrorNumber::DeviceIoError);
+  t_.shell.ReportError(static_cast<const std::exception&>(numbered), "SigGen.LoadFile");
+  EXPECT_EQ(t_.dialogs.Texts(), (std::vector<std::string>{"Error # 13\rType mismatch\rTestSetup.LoadDef\r/a.tst",
+                                                          "Error # 51\rInternal error\rfrmRunTest.RunCDI\r",
+                                                          "Error # 57\rDevice I/O error\rSigGen.LoadFile\r"}));
+  EXPECT_EQ(t_.dialogs.messages[0].title, "Error");
+  EXPECT_EQ(t_.dialogs.messages[0].icon, MessageIcon::Critical);
+}
+
+}  // namespace
+}  // namespace hylden
