@@ -1,0 +1,92 @@
+#include "bench/Bench.h"
+
+#include <algorithm>
+
+#include "text/RecordFile.h"
+
+namespace hylden {
+
+BenchEquipment LoadBenchEquipment(const std::string& sigGenFile, const std::string& meterFile,
+                                  const std::string& powerMeterFile) {
+  BenchEquipment equipment;
+  if (!sigGenFile.empty()) {
+    LoadRecord(sigGenFile, equipment.SigGen.emplace());
+    equipment.SigGenAddress = equipment.SigGen->Address;
+  }
+  if (!meterFile.empty()) {
+    LoadRecord(meterFile, equipment.Meter.emplace());
+    equipment.MeterAddress = equipment.Meter->Address;
+  }
+  if (!powerMeterFile.empty()) {
+    LoadRecord(powerMeterFile, equipment.PowerMeter.emplace());
+    equipment.PowerMeterAddress = equipment.PowerMeter->Address;
+    equipment.SensorBandSwitchMHz = equipment.PowerMeter->Bandswitch;
+  }
+  return equipment;
+}
+
+Bench::Bench(const Clock& clock, BenchConfig config) : config_(std::move(config)), world_(clock, config_), bus_(clock) {
+  for (const BenchFault& fault : config_.Faults) bus_.Inject(fault);
+  bus_.protectAmplifier = [this] { SetAmplifierProtection(true); };
+  world_.beforeChange = [this] {
+    if (meter_) meter_->FinishCapture();
+    if (powerMeter_) powerMeter_->FinishCaptures();
+  };
+  world_.afterChange = [this](const BenchState& state) { Observe(state); };
+}
+
+void Bench::Equip(const BenchEquipment& equipment) {
+  bus_.Clear();
+  meter_.reset(), powerMeter_.reset(), sigGen_.reset(), ifiLow_.reset(), ifiHigh_.reset();
+  ifiSwitches_ = {};
+  world_.SetGenerator({});
+  Cabling cabling = world_.Cabling();
+  cabling.Amplifier = equipment.IfiAmplifier ? Amplifier::None : Amplifier::Generic;
+  world_.SetCabling(cabling);
+
+  if (equipment.SigGen) {
+    sigGen_ = std::make_unique<VirtualSigGen>(world_, *equipment.SigGen);
+    bus_.Attach(equipment.SigGenAddress, *sigGen_);
+  }
+  if (equipment.Meter) {
+    meter_ = std::make_unique<VirtualMeter>(world_, *equipment.Meter);
+    bus_.Attach(equipment.MeterAddress, *meter_);
+  }
+  if (equipment.PowerMeter) {
+    powerMeter_ = std::make_unique<VirtualPowerMeter>(world_, *equipment.PowerMeter, equipment.Sensors,
+                                                      equipment.SensorBandSwitchMHz);
+    bus_.Attach(equipment.PowerMeterAddress, *powerMeter_);
+  }
+  if (!equipment.IfiAmplifier) return;
+  ifiLow_ = std::make_unique<VirtualIfiLow>(world_, ifiSwitches_);
+  ifiHigh_ = std::make_unique<VirtualIfiHigh>(world_, ifiSwitches_);
+  bus_.Attach(kIfiLowAddress, *ifiLow_);
+  bus_.Attach(kIfiHighAddress, *ifiHigh_);
+}
+
+void Bench::Connect(MeterAt place) {
+  Cabling cabling = world_.Cabling();
+  cabling.Meter = place;
+  world_.SetCabling(cabling);
+}
+
+void Bench::SetAmplifierProtection(bool on) {
+  Cabling cabling = world_.Cabling();
+  cabling.Protection = on;
+  world_.SetCabling(cabling);
+}
+
+void Bench::ResetMaxima() {
+  maxLevelDbuv_ = maxPeakDbuv_ = kNoValue;
+  if (State().Generator.RfOn) Observe(State());
+}
+
+void Bench::Observe(const BenchState& state) {
+  if (state.Generator.RfOn) {
+    maxLevelDbuv_ = std::max(maxLevelDbuv_, state.TestLevelDbuv);
+    maxPeakDbuv_ = std::max(maxPeakDbuv_, state.PeakTestLevelDbuv);
+  }
+  for (const auto& listener : listeners_) listener(state);
+}
+
+}  // namespace hylden

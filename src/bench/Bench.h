@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "bench/BenchConfig.h"
+#include "bench/RfWorld.h"
+#include "bench/VirtualBus.h"
+#include "bench/VirtualIfi.h"
+#include "bench/VirtualMeter.h"
+#include "bench/VirtualPowerMeter.h"
+#include "bench/VirtualSigGen.h"
+
+namespace hylden {
+
+/// The station's instruments as the bench stands in for them; what is not there is not on the bus.
+struct BenchEquipment {
+  std::optional<SigGenDefinition> SigGen;
+  int SigGenAddress = 0;
+  std::optional<MeterDefinition> Meter;
+  int MeterAddress = 0;
+  std::optional<PowerMeterDefinition> PowerMeter;
+  int PowerMeterAddress = 0;
+  PowerSensors Sensors = PowerSensors::ForwardReverse;
+  double SensorBandSwitchMHz = 230;
+  bool IfiAmplifier = false;
+};
+
+/// Loads definition files into the equipment, with the addresses that they hold; an empty path leaves an instrument
+/// out. @throws RuntimeError when a file can't be read
+BenchEquipment LoadBenchEquipment(const std::string& sigGenFile, const std::string& meterFile,
+                                  const std::string& powerMeterFile);
+
+/// The simulated bench: virtual instruments on a virtual bus, and the RF path between them.
+class Bench {
+ public:
+  /// The clock must outlive the bench.
+  explicit Bench(const Clock& clock, BenchConfig config = BenchConfig());
+  Bench(const Bench&) = delete;
+  Bench& operator=(const Bench&) = delete;
+
+  /// The bus that the program talks to.
+  GpibDriver& Driver() { return bus_; }
+  VirtualBus& Bus() { return bus_; }
+
+  /// Puts the instruments on the bus, all as after switching on; with RF off.
+  void Equip(const BenchEquipment& equipment);
+  void Connect(MeterAt place);
+  void SetAmplifierProtection(bool on);
+  void Inject(const BenchFault& fault) { bus_.Inject(fault); }
+
+  const BenchState& State() const { return world_.State(); }
+  /// Called after every change of the generator's output, the amplifier or the cabling; the former ones stay.
+  void OnChange(std::function<void(const BenchState&)> listener) { listeners_.push_back(std::move(listener)); }
+  /// The highest carrier and peak test level, dBuV, since the bench was built or the last reset; kNoValue when RF was
+  /// never on. A level that stood for no time at all counts too.
+  double MaxProductLevelWhileRfOn() const { return maxLevelDbuv_; }
+  double MaxPeakProductLevelWhileRfOn() const { return maxPeakDbuv_; }
+  void ResetMaxima();
+  bool ProductDisturbed() const { return State().ProductDisturbed; }
+  const RfPath& Path() const { return world_.Path(); }
+  const BenchConfig& Config() const { return config_; }
+
+ private:
+  void Observe(const BenchState& state);
+
+  BenchConfig config_;
+  RfWorld world_;
+  VirtualBus bus_;
+  IfiSwitches ifiSwitches_;
+  std::unique_ptr<VirtualSigGen> sigGen_;
+  std::unique_ptr<VirtualMeter> meter_;
+  std::unique_ptr<VirtualPowerMeter> powerMeter_;
+  std::unique_ptr<VirtualIfiLow> ifiLow_;
+  std::unique_ptr<VirtualIfiHigh> ifiHigh_;
+  std::vector<std::function<void(const BenchState&)>> listeners_;
+  double maxLevelDbuv_ = kNoValue, maxPeakDbuv_ = kNoValue;
+};
+
+}  // namespace hylden

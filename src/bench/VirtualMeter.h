@@ -1,0 +1,39 @@
+#pragma once
+
+#include "bench/CommandSet.h"
+#include "bench/RfWorld.h"
+#include "bench/VirtualInstrument.h"
+#include "instruments/MeterDefinition.h"
+
+namespace hylden {
+
+/// An analyser, oscilloscope or RF voltmeter by its definition. An analyser sees only what it is tuned to; a reading
+/// is clipped at the top of the range that the reference level sets, and drowns below its bottom. Without a trigger
+/// command it measures when it is read, without a read command it talks when addressed.
+class VirtualMeter : public VirtualInstrument {
+ public:
+  VirtualMeter(RfWorld& world, const MeterDefinition& definition);
+  /// Takes a capture that is over, before the world changes.
+  void FinishCapture();
+
+ protected:
+  Heard Listen(std::string_view command) override;
+  std::optional<std::string> Speak() override;
+
+ private:
+  double Measure(std::int64_t tickMs);
+  double Detected(const Signal& signal) const;
+  bool TunedTo(double freqMHz) const;
+  double FloorDbuv() const;
+  void SetReference(double value);
+  std::string Answer();
+
+  RfWorld& world_;
+  MeterDefinition definition_;
+  CommandSet commands_;
+  Capture capture_;
+  double tunedMHz_ = 0;
+  double topDbuv_ = 0;  ///< top of the range
+};
+
+}  // namespace hylden
