@@ -38,7 +38,8 @@ class Equip {
   int LoadDef(const std::string& path);
   int SaveDef(const std::string& path);
 
-  /// Loads the definition files of the three instruments into the drivers (those that are named).
+  /// Loads the definition files of the three instruments into the drivers (those that are named); the equipment's
+  /// addresses rule over the definitions', and with an IFI amplifier its band switch over the power meter's.
   /// @return false when one of them failed, after its report
   bool LoadDefinitions();
   /// The form's entries as the record has them: what a freshly opened form would show.
@@ -47,8 +48,13 @@ class Equip {
   std::optional<EntryFailure> ApplyEquipment(const EquipmentEntries& entries);
 
   EquipRecord Record;
+  /// The current equipment file, as forms show it; empty when there is none.
+  std::string EquipFileName;
 
  private:
+  std::optional<EntryFailure> ApplyAddresses(const EquipmentEntries& entries);
+  std::optional<EntryFailure> ApplyBandSwitch(const std::string& text);
+
   Shell& shell_;
   Instruments& instruments_;
 };

@@ -8,6 +8,7 @@
 
 namespace hylden {
 
+class LineReader;
 class Shell;
 struct CalInfoRec;
 
@@ -47,6 +48,12 @@ class clsCalFile {
   bool LoadFile(const std::string& infoFileName);
 
  private:
+  bool ReadPoints(LineReader& lines, const std::string& dataFile);
+  /// Shows the message; false.
+  bool Refuse(const std::string& message);
+  float Value(double frequency, CalColumn column);
+  /// Puts the cursor on the first point at or above a frequency within the record's range.
+  void MoveCursor(double frequency);
   bool LookupValue(double frequency, CalColumn column, float& value);
 
   Shell& shell_;
@@ -56,6 +63,7 @@ class clsCalFile {
 
 /// Writes a calibration record: the data file, one line per row as the run's grid shows it, and the info file beside
 /// it.
+/// @param dataFileName  ends with ".cal"
 /// @param rows  the grid's rows without its heading, five cells each; fewer than two: "No data to save"
 /// @return false after a message
 bool SaveCal(Shell& shell, const std::string& dataFileName, const std::vector<std::vector<std::string>>& rows,

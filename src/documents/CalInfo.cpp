@@ -1,0 +1,22 @@
+#include "documents/CalInfo.h"
+
+#include "shell/Shell.h"
+#include "text/RecordFile.h"
+
+namespace hylden {
+
+bool CalInfo::LoadDef(const std::string& path) {
+  if (path.empty()) {
+    shell_.dialogs.Tell("WARNING: \rNo calibration filename specified\rin test definition file.");
+    return false;
+  }
+  try {
+    LoadRecord(path, Record);
+  } catch (const std::exception& error) {
+    shell_.ReportError(error, "CalInfo.LoadDef", path);
+    return false;
+  }
+  return true;
+}
+
+}  // namespace hylden

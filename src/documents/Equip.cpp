@@ -1,0 +1,128 @@
+#include "documents/Equip.h"
+
+#include "instruments/Instruments.h"
+#include "shell/Shell.h"
+#include "text/RecordFile.h"
+
+namespace hylden {
+namespace {
+
+constexpr int kHighestAddress = 30;
+constexpr double kLowestBandSwitchMHz = 200, kHighestBandSwitchMHz = 230;
+constexpr int kAmplifierTab = 2;
+/// A shorter path counts as none.
+constexpr std::size_t kShortestPath = 2;
+
+/// Takes an instrument's address from its box into the record and the driver.
+template <class Driver>
+std::optional<EntryFailure> ApplyAddress(const char* control, const std::string& file, const std::string& text,
+                                         std::int16_t& address, Driver& driver) {
+  if (file.size() < kShortestPath) return std::nullopt;
+  if (!IsNumeric(text)) return EntryFailure{control, -1, EntryFailure::Kind::NotANumber};
+  const double number = ToDouble(text);
+  if (number < 0 || number > kHighestAddress) return EntryFailure{control, -1, EntryFailure::Kind::OutOfRange};
+  address = ToInt16(text);
+  driver.SetAddress(address);
+  return std::nullopt;
+}
+
+std::string AddressText(const std::string& file, std::int16_t address) {
+  return file.empty() ? "" : std::to_string(address);
+}
+
+}  // namespace
+
+int Equip::LoadDef(const std::string& path) {
+  try {
+    LoadRecord(path, Record);
+  } catch (const std::exception& error) {
+    shell_.ReportError(error, "Equip.LoadDef", path);
+    return 0;
+  }
+  shell_.log.LogFile("Equip file: " + path);
+  return 1;
+}
+
+int Equip::SaveDef(const std::string& path) {
+  try {
+    SaveRecord(path, Record);
+  } catch (const std::exception& error) {
+    shell_.ReportError(error, "Equip.SaveDef", path);
+    return 0;
+  }
+  shell_.log.LogFile("Equip file saved: " + path);
+  return 1;
+}
+
+bool Equip::LoadDefinitions() {
+  bool loaded = true;
+  const auto load = [&loaded](auto& driver, const std::string& file, int address) {
+    if (file.empty()) return;
+    loaded = driver.LoadFile(file) && loaded;
+    driver.SetAddress(address);  // the station's address rules, not the definition's
+  };
+  load(instruments_.sigGen, Record.SigGenFile, Record.SigGenAddress);
+  load(instruments_.meter, Record.MeterFile, Record.MeterAddress);
+  load(instruments_.pm, Record.PwrMtrFile, Record.PwrMtrAddress);
+  if (Record.HasIfiAmplifier()) instruments_.pm.SetBandswitch(Record.IfiBandSwitch);
+  return loaded;
+}
+
+EquipmentEntries Equip::Entries() const {
+  EquipmentEntries entries;
+  entries.SigGenAddress = AddressText(Record.SigGenFile, Record.SigGenAddress);
+  entries.MeterAddress = AddressText(Record.MeterFile, Record.MeterAddress);
+  entries.PwrMtrAddress = AddressText(Record.PwrMtrFile, Record.PwrMtrAddress);
+  entries.IfiBandSwitch = ShortestText(Record.IfiBandSwitch);
+  entries.Configuration = static_cast<AmpConfig>(Record.AmpConfiguration);
+  entries.Type = static_cast<AmpType>(Record.AmplifierType);
+  entries.IfiPower = Record.IfiPower;
+  entries.IfiAtten = Record.IfiAtten;
+  entries.CableLossFile = Record.CableLossFile;
+  entries.FwdPortFile = Record.FwdPortFile;
+  entries.RevPortFile = Record.RevPortFile;
+  entries.MaxPowerFile = Record.MaxPowerFile;
+  entries.ProbeFile = Record.ProbeFile;
+  return entries;
+}
+
+std::optional<EntryFailure> Equip::ApplyEquipment(const EquipmentEntries& entries) {
+  if (auto failure = ApplyAddresses(entries)) return failure;
+  if (entries.Type == AmpType::Ifi)
+    if (auto failure = ApplyBandSwitch(entries.IfiBandSwitch)) return failure;
+  Record.CableLossFile = entries.CableLossFile;
+  Record.FwdPortFile = entries.FwdPortFile;
+  Record.RevPortFile = entries.RevPortFile;
+  Record.MaxPowerFile = entries.MaxPowerFile;
+  Record.ProbeFile = entries.ProbeFile;
+  Record.AmpConfiguration = static_cast<std::int32_t>(entries.Configuration);
+  Record.AmplifierType = static_cast<std::int32_t>(entries.Type);
+  Record.IfiPower = entries.IfiPower;
+  Record.IfiAtten = entries.IfiAtten;
+  return std::nullopt;
+}
+
+std::optional<EntryFailure> Equip::ApplyAddresses(const EquipmentEntries& entries) {
+  if (auto failure = ApplyAddress("txtSigGenAddr", Record.SigGenFile, entries.SigGenAddress, Record.SigGenAddress,
+                                  instruments_.sigGen))
+    return failure;
+  if (auto failure =
+          ApplyAddress("txtMeterAddr", Record.MeterFile, entries.MeterAddress, Record.MeterAddress, instruments_.meter))
+    return failure;
+  return ApplyAddress("txtPwrMtrAddr", Record.PwrMtrFile, entries.PwrMtrAddress, Record.PwrMtrAddress, instruments_.pm);
+}
+
+std::optional<EntryFailure> Equip::ApplyBandSwitch(const std::string& text) {
+  constexpr const char* kControl = "txtIfiBandSwitch";
+  if (!IsNumeric(text)) return EntryFailure{kControl, kAmplifierTab, EntryFailure::Kind::NotANumber};
+  const double bandSwitch = ToDouble(text);
+  // Amplifier and power meter change their band together.
+  Record.IfiBandSwitch = bandSwitch;
+  Record.PmBandSwitch = bandSwitch;
+  instruments_.pm.SetBandswitch(bandSwitch);
+  if (bandSwitch < kLowestBandSwitchMHz || bandSwitch > kHighestBandSwitchMHz)
+    return EntryFailure{kControl, kAmplifierTab, EntryFailure::Kind::OutOfRange};
+  return std::nullopt;
+}
+
+}  // namespace hylden

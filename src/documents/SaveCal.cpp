@@ -1,0 +1,56 @@
+#include <algorithm>
+
+#include "documents/CalInfo.h"
+#include "documents/clsCalFile.h"
+#include "shell/Shell.h"
+#include "text/RecordFile.h"
+
+namespace hylden {
+namespace {
+
+constexpr std::string_view kDataEnding = ".cal";
+constexpr std::size_t kColumns = 5;
+
+bool HasDataEnding(const std::string& name) {
+  if (name.size() < kDataEnding.size()) return false;
+  return std::equal(kDataEnding.begin(), kDataEnding.end(), name.end() - static_cast<int>(kDataEnding.size()),
+                    [](char wanted, char c) { return (c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c) == wanted; });
+}
+
+std::string DataContent(const std::vector<std::vector<std::string>>& rows) {
+  std::vector<std::string> lines;
+  for (const std::vector<std::string>& row : rows) {
+    std::string line;
+    for (std::size_t column = 0; column < kColumns; ++column) line += (column < row.size() ? row[column] : "") + ",";
+    lines.push_back(std::move(line));
+  }
+  return JoinLines(lines);
+}
+
+}  // namespace
+
+bool SaveCal(Shell& shell, const std::string& dataFileName, const std::vector<std::vector<std::string>>& rows,
+             const CalInfoRec& info) {
+  if (rows.size() < 2) {
+    shell.dialogs.Tell("No data to save");
+    return false;
+  }
+  // Under another name the record could be written, but not found again.
+  if (!HasDataEnding(dataFileName)) {
+    shell.dialogs.Tell("Bad filename for calibration file: " + dataFileName);
+    return false;
+  }
+  const std::string infoFileName = dataFileName.substr(0, dataFileName.size() - kDataEnding.size()) + ".hyinfo";
+  const std::string* current = &dataFileName;
+  try {
+    ReplaceFile(dataFileName, DataContent(rows));
+    current = &infoFileName;
+    SaveRecord(infoFileName, info, true);
+  } catch (const std::exception& error) {
+    shell.ReportError(error, "frmRunCal.SaveCal", *current);
+    return false;
+  }
+  return true;
+}
+
+}  // namespace hylden

@@ -1,0 +1,172 @@
+#include "documents/clsCalFile.h"
+
+#include <algorithm>
+
+#include "measure/Conversions.h"
+#include "measure/InterpClass.h"
+#include "shell/Shell.h"
+#include "text/Numbers.h"
+#include "text/TextFile.h"
+
+namespace hylden {
+namespace {
+
+constexpr std::string_view kInfoEnding = ".hyinfo";
+constexpr float kMissing = static_cast<float>(kNoValue);
+
+/// ASCII letters only: another spelling of an accented letter would be another file.
+std::string LowerCase(std::string text) {
+  for (char& c : text)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  return text;
+}
+
+/// The data file beside an info file.
+std::string DataFileOf(std::string_view infoFile) {
+  return std::string(infoFile.substr(0, infoFile.size() - kInfoEnding.size() + 1)) + "cal";
+}
+
+std::vector<std::string_view> SplitAtCommas(std::string_view line) {
+  std::vector<std::string_view> pieces;
+  for (std::size_t comma; (comma = line.find(',')) != std::string_view::npos; line.remove_prefix(comma + 1))
+    pieces.push_back(line.substr(0, comma));
+  pieces.push_back(line);
+  return pieces;
+}
+
+/// A value between two points. A power that one of them lacks is unknown between them, too.
+float Between(const CalPoint& a, float valueA, const CalPoint& b, float valueB, double frequency, CalColumn column) {
+  if (column == CalColumn::TestLevel) return Interpolate(a.Freq, valueA, b.Freq, valueB, frequency, FreqScale::Log);
+  const bool isPower = column == CalColumn::FwdPwr || column == CalColumn::RevPwr;
+  if (isPower && (IsMissing(static_cast<double>(valueA)) || IsMissing(static_cast<double>(valueB)))) return kMissing;
+  return Interpolate(a.Freq, valueA, b.Freq, valueB, frequency, FreqScale::Linear);
+}
+
+float ValueOf(const CalPoint& point, CalColumn column) {
+  switch (column) {
+    case CalColumn::SigGenLevel:
+      return point.SigGenLevel;
+    case CalColumn::TestLevel:
+      return point.TestLevel;
+    case CalColumn::FwdPwr:
+      return point.FwdPwr;
+    case CalColumn::RevPwr:
+      return point.RevPwr;
+  }
+  return kMissing;
+}
+
+}  // namespace
+
+std::optional<CalPoint> ParseCalLine(std::string_view line) {
+  const std::vector<std::string_view> pieces = SplitAtCommas(line);
+  if (pieces.size() < 5) return std::nullopt;
+  if (!std::all_of(pieces.begin(), pieces.begin() + 3, IsNumeric)) return std::nullopt;
+  try {
+    CalPoint point{ToDouble(pieces[0]), ToSingle(pieces[1]), ToSingle(pieces[2]), kMissing, kMissing};
+    if (IsNumeric(pieces[3])) point.FwdPwr = ToSingle(pieces[3]);
+    if (IsNumeric(pieces[4])) point.RevPwr = ToSingle(pieces[4]);
+    return point;
+  } catch (const RuntimeError&) {  // too large a number
+    return std::nullopt;
+  }
+}
+
+double clsCalFile::GetStartFreq() const {
+  return points_.empty() ? kNoValue : points_.front().Freq;
+}
+
+double clsCalFile::GetStopFreq() const {
+  return points_.empty() ? kNoValue : points_.back().Freq;
+}
+
+int clsCalFile::GetNumSteps() const {
+  return points_.empty() ? 0 : static_cast<int>(points_.size()) - 1;
+}
+
+float clsCalFile::GetSigGen(double frequency) {
+  return Value(frequency, CalColumn::SigGenLevel);
+}
+
+float clsCalFile::GetTestLevel(double frequency) {
+  return Value(frequency, CalColumn::TestLevel);
+}
+
+float clsCalFile::GetFwdPwr(double frequency) {
+  return Value(frequency, CalColumn::FwdPwr);
+}
+
+float clsCalFile::GetRevPwr(double frequency) {
+  return Value(frequency, CalColumn::RevPwr);
+}
+
+float clsCalFile::GetNetPwr(double frequency) {
+  const double forwardDbm = static_cast<double>(GetFwdPwr(frequency));
+  const double reverseDbm = static_cast<double>(GetRevPwr(frequency));
+  if (IsMissing(forwardDbm) || IsMissing(reverseDbm)) return kMissing;
+  const double netWatts = Conversions::DbmToWatts(forwardDbm) - Conversions::DbmToWatts(reverseDbm);
+  return static_cast<float>(Conversions::WattsToDbm(netWatts));
+}
+
+bool clsCalFile::LoadFile(const std::string& infoFileName) {
+  if (infoFileName.empty()) return false;
+  const std::string infoFile = LowerCase(infoFileName);
+  if (!infoFile.ends_with(kInfoEnding)) return Refuse("Bad filename for calibration file: " + infoFile);
+  const std::string dataFile = DataFileOf(infoFile);
+  try {
+    // Two records may differ in case only: the data file is looked for in the spelling of its info file first.
+    LineReader lines(ReadTextFile(DataFileOf(infoFileName)));
+    return ReadPoints(lines, dataFile);
+  } catch (const std::exception& error) {
+    shell_.ReportError(error, "clsCalFile.LoadFile", dataFile);
+    return false;
+  }
+}
+
+bool clsCalFile::ReadPoints(LineReader& lines, const std::string& dataFile) {
+  for (bool first = true; first || !lines.AtEnd(); first = false) {
+    const std::string line = lines.AtEnd() ? std::string() : lines.ReadLine();
+    if (first && lines.AtEnd()) return Refuse("Unexpected end of file in " + dataFile);
+    const std::optional<CalPoint> point = ParseCalLine(line);
+    if (!point) return Refuse("Bad data in calibration file: " + dataFile);
+    points_.push_back(*point);
+  }
+  if (points_.size() < 2) return Refuse("Unexpected end of calibration file: " + dataFile);
+  return true;
+}
+
+bool clsCalFile::Refuse(const std::string& message) {
+  shell_.dialogs.Tell(message);
+  return false;
+}
+
+float clsCalFile::Value(double frequency, CalColumn column) {
+  float value = kMissing;
+  return LookupValue(frequency, column, value) ? value : kMissing;
+}
+
+bool clsCalFile::LookupValue(double frequency, CalColumn column, float& value) {
+  if (points_.size() < 2) return Refuse("No calibration points in interp file");
+  if (!(frequency >= points_.front().Freq && frequency <= points_.back().Freq)) return false;
+  MoveCursor(frequency);
+  const CalPoint& found = points_[cursor_];
+  const float here = ValueOf(found, column);
+  if (found.Freq > frequency) {
+    const CalPoint& before = points_[cursor_ - 1];
+    value = Between(before, ValueOf(before, column), found, here, frequency, column);
+    return true;
+  }
+  const bool bandChange = cursor_ + 1 < points_.size() && points_[cursor_ + 1].Freq == frequency;
+  value = bandChange ? PickDuplicate(here, ValueOf(points_[cursor_ + 1], column), DuplicateRule::Larger) : here;
+  return true;
+}
+
+void clsCalFile::MoveCursor(double frequency) {
+  // The points are in the order of the file, which nobody checks: the walk is right for any order.
+  if (cursor_ >= points_.size()) cursor_ = 0;
+  if (cursor_ == 0) cursor_ = 1;
+  while (cursor_ > 0 && points_[cursor_ - 1].Freq >= frequency) --cursor_;
+  while (points_[cursor_].Freq < frequency) ++cursor_;
+}
+
+}  // namespace hylden

@@ -1,0 +1,204 @@
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "documents/CalInfo.h"
+#include "documents/clsCalFile.h"
+#include "support/FieldChanger.h"
+#include "support/ScriptedBus.h"
+#include "support/TestShell.h"
+#include "text/RecordFile.h"
+
+namespace hylden {
+namespace {
+
+using Rows = std::vector<std::vector<std::string>>;
+
+const CalInfoRec kInfo{"BCI, 10 V", "Amp \"A\"", "CDN-M2", "10v", "0.15 - 80", 1};
+
+class CalRecordTest : public testing::Test {
+ protected:
+  bool Load(std::string_view data) {
+    t.directory.Write("x.cal", data);
+    return cal.LoadFile(t.directory.File("x.hyinfo"));
+  }
+
+  ScriptedBus bus;
+  TestShell t{bus};
+  clsCalFile cal{t.shell};
+};
+
+TEST_F(CalRecordTest, ASavedRecordReadsBackDifferently) {
+  const Rows rows{{"0.15", "-12.345", "129.54", "33.10", "na"}, {"80.0", "-10.000", "130.00", "na", "20.00"}};
+  ASSERT_TRUE(SaveCal(t.shell, t.directory.File("Run 1.cal"), rows, kInfo));
+  EXPECT_EQ(t.directory.Read("Run 1.cal"), "0.15,-12.345,129.54,33.10,na,\r\n80.0,-10.000,130.00,na,20.00,\r\n");
+  EXPECT_EQ(t.directory.Read("Run 1.hyinfo"), "BCI, 10 V\r\nAmp \"A\"\r\nCDN-M2\r\n10v\r\n0.15 - 80\r\n 1 \r\n");
+
+  ASSERT_TRUE(cal.LoadFile(t.directory.File("Run 1.hyinfo")));
+  EXPECT_EQ(cal.GetNumSteps(), 1);
+  EXPECT_EQ(cal.GetStartFreq(), 0.15);
+  EXPECT_EQ(cal.GetStopFreq(), 80);
+  EXPECT_EQ(cal.GetSigGen(0.15), -12.345F);
+  EXPECT_EQ(cal.GetTestLevel(0.15), 129.54F);
+  EXPECT_EQ(cal.GetFwdPwr(0.15), 33.10F);
+  EXPECT_EQ(cal.GetRevPwr(0.15), -999);
+  EXPECT_EQ(cal.GetFwdPwr(80), -999);
+  EXPECT_EQ(cal.GetRevPwr(80), 20.0F);
+}
+
+TEST_F(CalRecordTest, AFieldOfTheInfoIsLostOrMoved) {
+  const Rows rows{{"1", "0", "1", "na", "na"}, {"2", "0", "1", "na", "na"}};
+  CalInfo calInfo(t.shell);
+  for (int field = 0; field < FieldCount(kInfo); ++field) {
+    const CalInfoRec changed = WithChangedField(kInfo, field);
+    ASSERT_TRUE(SaveCal(t.shell, t.directory.File("x.cal"), rows, changed));
+    ASSERT_TRUE(calInfo.LoadDef(t.directory.File("X.HYINFO")));
+    EXPECT_TRUE(SameRecord(calInfo.Record, changed)) << field;
+  }
+}
+
+TEST_F(CalRecordTest, AFailedSaveCostsTheRecordThatWasThere) {
+  const Rows one{{"1", "0", "1", "na", "na"}};
+  t.directory.Write("x.cal", "kept");
+  EXPECT_FALSE(SaveCal(t.shell, t.directory.File("x.cal"), one, kInfo));
+  EXPECT_EQ(t.dialogs.LastText(), "No data to save");
+  EXPECT_EQ(t.directory.Read("x.cal"), "kept");
+
+  const Rows two{one[0], one[0]};
+  EXPECT_FALSE(SaveCal(t.shell, t.directory.File("x.dat"), two, kInfo));
+  EXPECT_FALSE(t.directory.Exists("x.dat"));
+  const std::string nowhere = t.directory.File("nowhere/x.cal");
+  EXPECT_FALSE(SaveCal(t.shell, nowhere, two, kInfo));
+  EXPECT_TRUE(t.dialogs.LastText().ends_with("\rfrmRunCal.SaveCal\r" + nowhere));
+}
+
+TEST_F(CalRecordTest, ABadInfoFileIsTaken) {
+  CalInfo calInfo(t.shell);
+  calInfo.Record = kInfo;
+  EXPECT_FALSE(calInfo.LoadDef(""));
+  EXPECT_EQ(t.dialogs.LastText(), "WARNING: \rNo calibration filename specified\rin test definition file.");
+  const std::string path = t.directory.Write("x.hyinfo", "a\r\nb\r\nc\r\nd\r\n1 - 2\r\nmethod\r\n");
+  EXPECT_FALSE(calInfo.LoadDef(path));
+  EXPECT_EQ(t.dialogs.LastText(), "Error # 13\rType mismatch\rCalInfo.LoadDef\r" + path);
+  EXPECT_EQ(calInfo.Record.FreqRange, "1 - 2");
+  EXPECT_EQ(calInfo.Record.CouplingMethod, 1);
+  EXPECT_FALSE(calInfo.LoadDef(t.directory.Write("x.hyinfo", "a\r\n")));
+  EXPECT_FALSE(calInfo.LoadDef(t.directory.File("missing.hyinfo")));
+  EXPECT_EQ(t.dialogs.messages.size(), 4U);
+}
+
+TEST_F(CalRecordTest, ABadDataFileIsTakenOrItsFaultIsMisreported) {
+  const std::string good = "1,2,3,4,5,\r\n";
+  const std::string path = t.directory.File("x.cal");
+  const std::string lowerPath = [&] {
+    std::string text = path;
+    for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return text;
+  }();
+  const std::string atEnd = "Unexpected end of file in " + lowerPath;
+  const std::string badData = "Bad data in calibration file: " + lowerPath;
+  struct Row {
+    const char* name;
+    std::string data, message;
+  };
+  const Row rows[] = {
+      {"empty", "", atEnd},
+      {"one line", good, atEnd},
+      {"four fields", good + "2,2,3,4\r\n", badData},
+      {"empty level", good + "2,,3,4,5,\r\n", badData},
+      {"text for a frequency", good + "two,2,3,4,5,\r\n", badData},
+      {"empty line", good + "\r\n" + good, badData},
+      {"blank last line", good + good + " \r\n", badData},
+      {"too large a level", good + "2,1E39,3,4,5,\r\n", badData},
+      {"binary", std::string("\0\xFF,\r\n\1\2", 7), badData},
+      {"heading", "Freq,SG,Level,Fwd,Rev,\r\n" + good, badData},
+  };
+  for (const Row& row : rows) {
+    t.dialogs.Clear();
+    EXPECT_FALSE(Load(row.data)) << row.name;
+    EXPECT_EQ(t.dialogs.Texts(), std::vector<std::string>{row.message}) << row.name;
+  }
+}
+
+TEST_F(CalRecordTest, ABadNameIsTakenAsARecord) {
+  EXPECT_FALSE(cal.LoadFile(""));
+  EXPECT_TRUE(t.dialogs.messages.empty());
+  EXPECT_FALSE(cal.LoadFile("A.CAL"));
+  EXPECT_EQ(t.dialogs.LastText(), "Bad filename for calibration file: a.cal");
+  EXPECT_FALSE(cal.LoadFile(t.directory.File("missing.hyinfo")));
+  EXPECT_TRUE(t.dialogs.WasShownContaining("Error # 53\rFile not found\rclsCalFile.LoadFile\r"));
+  EXPECT_EQ(cal.GetSigGen(1), -999);
+  EXPECT_EQ(t.dialogs.LastText(), "No calibration points in interp file");
+  EXPECT_EQ(cal.GetNumSteps(), 0);
+}
+
+TEST_F(CalRecordTest, ANameInAnotherCaseLoadsAnotherRecord) {
+  t.directory.Write("Lab/x.cal", "1,-1,3,4,5,\r\n2,-1,3,4,5,\r\n");
+  EXPECT_TRUE(cal.LoadFile(t.directory.File("Lab/X.HYINFO")));
+  EXPECT_EQ(cal.GetSigGen(1), -1);
+
+  // Where both spellings exist, the one beside the chosen info file counts: the other may be levels too high.
+  t.directory.Write("Lab/X.cal", "1,-20,3,4,5,\r\n2,-20,3,4,5,\r\n");
+  clsCalFile upper(t.shell), lower(t.shell);
+  ASSERT_TRUE(upper.LoadFile(t.directory.File("Lab/X.hyinfo")));
+  EXPECT_EQ(upper.GetSigGen(1), -20);
+  ASSERT_TRUE(lower.LoadFile(t.directory.File("Lab/x.hyinfo")));
+  EXPECT_EQ(lower.GetSigGen(1), -1);
+}
+
+TEST_F(CalRecordTest, ALineIsReadWrongly) {
+  const auto point = ParseCalLine(" 1.5 ,-2E1,+3,na,");
+  ASSERT_TRUE(point);
+  EXPECT_EQ(point->Freq, 1.5);
+  EXPECT_EQ(point->SigGenLevel, -20);
+  EXPECT_EQ(point->TestLevel, 3);
+  EXPECT_EQ(point->FwdPwr, -999);
+  EXPECT_EQ(point->RevPwr, -999);
+  EXPECT_TRUE(ParseCalLine("1,2,3,4,5"));
+  EXPECT_FALSE(ParseCalLine("1,2,3,4"));
+}
+
+TEST_F(CalRecordTest, ALookupGivesTheWrongValue) {
+  ASSERT_TRUE(Load("1,-20,100,30,20,\r\n100,-10,120,40,na,\r\n100,-12,130,38,25,\r\n200,-10,120,40,40,\r\n"));
+  EXPECT_FLOAT_EQ(cal.GetTestLevel(10), 110);
+  EXPECT_FLOAT_EQ(cal.GetSigGen(50.5), -15);
+  EXPECT_FLOAT_EQ(cal.GetFwdPwr(50.5), 35) << "linear in dBm";
+  EXPECT_EQ(cal.GetRevPwr(50.5), -999) << "a neighbour has none";
+  EXPECT_EQ(cal.GetRevPwr(1), 20);
+  // A band change has two points; the larger value counts.
+  EXPECT_EQ(cal.GetSigGen(100), -10);
+  EXPECT_EQ(cal.GetTestLevel(100), 130);
+  EXPECT_EQ(cal.GetRevPwr(100), 25);
+  EXPECT_FLOAT_EQ(cal.GetSigGen(150), -11);
+  for (double outside : {0.999, 200.001, std::numeric_limits<double>::quiet_NaN()})
+    EXPECT_EQ(cal.GetSigGen(outside), -999) << outside;
+  EXPECT_TRUE(t.dialogs.messages.empty());
+}
+
+TEST_F(CalRecordTest, NetPowerIsTakenFromNothing) {
+  ASSERT_TRUE(Load("1,0,1,40,30,\r\n2,0,1,40,40,\r\n3,0,1,30,40,\r\n4,0,1,na,10,\r\n5,0,1,10,na,\r\n"));
+  EXPECT_NEAR(cal.GetNetPwr(1), 39.542, 0.001);
+  for (double missing : {2.0, 3.0, 4.0, 5.0, 6.0}) EXPECT_EQ(cal.GetNetPwr(missing), -999) << missing;
+}
+
+TEST_F(CalRecordTest, TheOrderOfLookupsChangesTheirAnswers) {
+  std::string data;
+  for (int i = 0; i < 60; ++i) data += std::to_string(i / 2 * 2 + 1) + "," + std::to_string(i % 7) + ",1,na,na,\r\n";
+  ASSERT_TRUE(Load(data));
+  std::vector<float> rising;
+  for (int i = 2; i <= 118; ++i) rising.push_back(cal.GetSigGen(i * 0.5));
+  for (int i = 118; i >= 2; --i) {
+    EXPECT_EQ(cal.GetSigGen(i * 0.5), rising[static_cast<std::size_t>(i) - 2]) << i;
+    clsCalFile fresh(t.shell);
+    ASSERT_TRUE(fresh.LoadFile(t.directory.File("x.hyinfo")));
+    EXPECT_EQ(fresh.GetSigGen(i * 0.5), rising[static_cast<std::size_t>(i) - 2]) << i;
+  }
+}
+
+TEST_F(CalRecordTest, PointsOutOfOrderReadBesideTheTable) {
+  ASSERT_TRUE(Load("1,10,1,na,na,\r\n9,90,1,na,na,\r\n3,30,1,na,na,\r\n5,50,1,na,na,\r\n"));
+  for (double f : {1.0, 2.0, 3.0, 4.0, 5.0, 4.5, 1.0, 5.0, 3.0}) EXPECT_NEAR(cal.GetSigGen(f), 10 * f, 1e-4) << f;
+}
+
+}  // namespace
+}  // namespace hylden

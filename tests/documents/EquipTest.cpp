@@ -1,0 +1,245 @@
+#include "documents/Equip.h"
+
+#include <gtest/gtest.h>
+
+#include "documents/RoundTrip.h"
+#include "instruments/Instruments.h"
+#include "support/ScriptedBus.h"
+#include "support/TestShell.h"
+
+namespace hylden {
+namespace {
+
+using Kind = EntryFailure::Kind;
+
+EquipRecord Station() {
+  EquipRecord station;
+  station.SigGenFile = "C:\\lab, one\\gen.sg";
+  station.SigGenAddress = 18;
+  station.MeterFile = "/lab/meter.mtr";
+  station.MeterAddress = 13;
+  station.PwrMtrFile = "/lab/power.pm";
+  station.PwrMtrAddress = 5;
+  station.AmpConfiguration = static_cast<int>(AmpConfig::DualSplit);
+  station.PmBandSwitch = 0.5;
+  station.CableLossFile = "cable.los";
+  station.AmplifierType = static_cast<int>(AmpType::Ifi);
+  station.IfiPower = true;
+  station.IfiBandSwitch = 215;
+  return station;
+}
+
+class EquipTest : public testing::Test {
+ protected:
+  std::optional<EntryFailure> Apply(const EquipmentEntries& entries) { return equip.ApplyEquipment(entries); }
+
+  ScriptedBus bus;
+  TestShell t{bus};
+  Instruments instruments{t.shell};
+  Equip equip{t.shell, instruments};
+};
+
+TEST_F(EquipTest, AFieldIsLostOrMovedInTheFile) {
+  equip.Record = Station();
+  ASSERT_EQ(equip.SaveDef(t.directory.File("a.eqp")), 1);
+  EXPECT_EQ(t.directory.Read("a.eqp"),
+            "C:\\lab, one\\gen.sg\r\n 18\r\n/lab/meter.mtr\r\n 13\r\n/lab/power.pm\r\n 5\r\n 2\r\n .5\r\ncable.los\r\n"
+            "\r\n\r\n\r\n\r\n 1\r\nTrue\r\nFalse\r\n 215\r\n"
+            "\r\n\r\n\r\n\r\n\r\n\r\n\r\n\r\n\r\n");
+  Equip other(t.shell, instruments);
+  ExpectEveryFieldSurvives(t.directory, equip, other, &Equip::Record);
+}
+
+TEST_F(EquipTest, AnOlderOrForeignFileDoesNotLoad) {
+  equip.Record = Station();
+  ASSERT_EQ(equip.SaveDef(t.directory.File("a.eqp")), 1);
+  std::string bytes = t.directory.Read("a.eqp");
+  Equip other(t.shell, instruments);
+  EXPECT_EQ(other.LoadDef(t.directory.Write("short.eqp", bytes.substr(0, bytes.size() - 20))), 1);
+  EXPECT_TRUE(SameRecord(other.Record, equip.Record));
+
+  // 17 lines, the last without an end, other line ends, blanks, and a name in Windows-1252.
+  std::string old = "gen\xE9.sg\n18 \nm\n13\np\n 5\n2\n0.5\ncable.los\n\n\n\n\n1\ntrue\n0\n 215 ";
+  EXPECT_EQ(other.LoadDef(t.directory.Write("Old.EQP", old)), 1);
+  EXPECT_EQ(other.Record.SigGenFile, "gen\xC3\xA9.sg");
+  EXPECT_TRUE(other.Record.IfiPower);
+  EXPECT_EQ(other.LoadDef(t.directory.File("old.eqp")), 1);
+}
+
+TEST_F(EquipTest, ABadFileIsTakenAsGood) {
+  struct Row {
+    const char* name;
+    std::string bytes;
+    int error;
+  };
+  const Row rows[] = {
+      {"empty", "", 62},
+      {"truncated", "new.sg\r\n 7\r\nm.mtr\r\n", 62},
+      {"no number", "new.sg\r\n 7\r\nm.mtr\r\nseven\r\n", 13},
+      {"empty number", "new.sg\r\n 7\r\nm.mtr\r\n\r\n", 13},
+      {"too large a number", "new.sg\r\n 7\r\nm.mtr\r\n 40000\r\n", 6},
+      {"binary", std::string("\0\1\2\r\n\xFF\xFE\0\r\n", 9), 13},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    equip.Record = Station();
+    const std::string path = t.directory.Write("bad.eqp", row.bytes);
+    EXPECT_EQ(equip.LoadDef(path), 0);
+    EXPECT_TRUE(t.dialogs.LastText().starts_with("Error # " + std::to_string(row.error) + "\r"))
+        << t.dialogs.LastText();
+    EXPECT_TRUE(t.dialogs.LastText().ends_with("\rEquip.LoadDef\r" + path));
+    EXPECT_EQ(equip.Record.MeterAddress, 13) << "a field behind the fault has changed";
+    EXPECT_EQ(equip.Record.SigGenAddress, row.bytes.starts_with("new") ? 7 : 18);
+  }
+  EXPECT_EQ(equip.LoadDef(t.directory.Path()), 0);
+  EXPECT_EQ(equip.LoadDef(t.directory.File("missing.eqp")), 0);
+  EXPECT_EQ(equip.LoadDef(""), 0);
+  EXPECT_EQ(t.dialogs.messages.size(), std::size(rows) + 3);
+}
+
+TEST_F(EquipTest, AFailedSaveIsTakenAsDone) {
+  EXPECT_EQ(equip.SaveDef(t.directory.File("nowhere/a.eqp")), 0);
+  EXPECT_TRUE(t.dialogs.LastText().ends_with("\rEquip.SaveDef\r" + t.directory.File("nowhere/a.eqp")));
+}
+
+TEST_F(EquipTest, TheRunLogMissesALoad) {
+  WorkingDirectory here(t.directory.Path());
+  t.shell.settings.Store().SaveSettingInt("System", "LogToFile", 1);
+  ASSERT_EQ(equip.SaveDef("a.eqp"), 1);
+  ASSERT_EQ(equip.LoadDef("a.eqp"), 1);
+  equip.LoadDef("missing.eqp");
+  EXPECT_EQ(t.directory.Read("runlog.hyl"),
+            "01/05/26 09:00:00 - Equip file saved: a.eqp\r\n01/05/26 09:00:00 - Equip file: a.eqp\r\n");
+}
+
+TEST_F(EquipTest, ADriverKeepsTheDefinitionsAddress) {
+  SigGenDefinition generator;
+  generator.InstrumentName = "Generator";
+  generator.Address = 7;
+  PowerMeterDefinition powerMeter;
+  powerMeter.Bandswitch = 100;
+  SaveRecord(t.directory.File("gen.sg"), generator);
+  SaveRecord(t.directory.File("power.pm"), powerMeter);
+  equip.Record.SigGenFile = t.directory.File("gen.sg");
+  equip.Record.SigGenAddress = 18;
+  equip.Record.PwrMtrFile = t.directory.File("power.pm");
+  equip.Record.PwrMtrAddress = 5;
+  equip.Record.IfiBandSwitch = 220;
+  EXPECT_TRUE(equip.LoadDefinitions());
+  EXPECT_EQ(instruments.sigGen.InstrumentName(), "Generator");
+  EXPECT_EQ(instruments.sigGen.Address(), 18);
+  EXPECT_EQ(instruments.pm.Address(), 5);
+  EXPECT_EQ(instruments.pm.Bandswitch(), 100);
+
+  equip.Record.AmplifierType = static_cast<int>(AmpType::Ifi);
+  EXPECT_TRUE(equip.LoadDefinitions());
+  EXPECT_EQ(instruments.pm.Bandswitch(), 220) << "an IFI amplifier's band switch rules";
+
+  equip.Record.MeterFile = t.directory.File("missing.mtr");
+  EXPECT_FALSE(equip.LoadDefinitions());
+  EXPECT_EQ(t.dialogs.messages.size(), 1U);
+}
+
+TEST_F(EquipTest, ABadAddressReachesADriver) {
+  struct Row {
+    const char* text;
+    std::optional<Kind> failure;
+  };
+  const Row rows[] = {{"0", {}},
+                      {" 30 ", {}},
+                      {"31", Kind::OutOfRange},
+                      {"-1", Kind::OutOfRange},
+                      {"1E9", Kind::OutOfRange},
+                      {"30.4", Kind::OutOfRange},
+                      {"", Kind::NotANumber},
+                      {"x", Kind::NotANumber}};
+  equip.Record = Station();
+  equip.Record.AmplifierType = 0;
+  struct Box {
+    const char* control;
+    std::string EquipmentEntries::*entry;
+    std::function<int()> address;
+  };
+  const Box boxes[] = {
+      {"txtSigGenAddr", &EquipmentEntries::SigGenAddress, [&] { return instruments.sigGen.Address(); }},
+      {"txtMeterAddr", &EquipmentEntries::MeterAddress, [&] { return instruments.meter.Address(); }},
+      {"txtPwrMtrAddr", &EquipmentEntries::PwrMtrAddress, [&] { return instruments.pm.Address(); }},
+  };
+  for (const Box& box : boxes) {
+    for (const Row& row : rows) {
+      SCOPED_TRACE(std::string(box.control) + " " + row.text);
+      ASSERT_FALSE(Apply(equip.Entries()));
+      const int before = box.address();
+      EquipmentEntries entries = equip.Entries();
+      entries.*box.entry = row.text;
+      const auto failure = Apply(entries);
+      ASSERT_EQ(failure.has_value(), row.failure.has_value());
+      EXPECT_EQ(box.address(), failure ? before : ToInt16(row.text));
+      if (!failure) continue;
+      EXPECT_EQ(failure->Control, box.control);
+      EXPECT_EQ(failure->Reason, *row.failure);
+      EXPECT_EQ(failure->Tab, -1);
+    }
+  }
+}
+
+TEST_F(EquipTest, AnInstrumentWithoutAFileNeedsAnAddress) {
+  EquipmentEntries entries = equip.Entries();
+  EXPECT_EQ(entries.SigGenAddress, "");
+  entries.ProbeFile = "new.prb";
+  EXPECT_FALSE(Apply(entries));
+  EXPECT_EQ(equip.Record.ProbeFile, "new.prb");
+}
+
+TEST_F(EquipTest, TheBandSwitchIsTakenWrongly) {
+  struct Row {
+    const char* text;
+    std::optional<Kind> failure;
+    double stored;
+  };
+  const Row rows[] = {{"215", {}, 215},
+                      {"200", {}, 200},
+                      {"230", {}, 230},
+                      {"199.9", Kind::OutOfRange, 199.9},
+                      {"230.1", Kind::OutOfRange, 230.1},
+                      {"two", Kind::NotANumber, 205}};
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.text);
+    equip.Record = EquipRecord{};
+    equip.Record.IfiBandSwitch = 205;
+    equip.Record.PmBandSwitch = 205;
+    instruments.pm.SetBandswitch(205);
+    EquipmentEntries entries = equip.Entries();
+    entries.Type = AmpType::Ifi;
+    entries.IfiBandSwitch = row.text;
+    entries.Configuration = AmpConfig::DualFwdRev;
+    const auto failure = Apply(entries);
+    ASSERT_EQ(failure.has_value(), row.failure.has_value());
+    for (double stored : {equip.Record.IfiBandSwitch, equip.Record.PmBandSwitch, instruments.pm.Bandswitch()})
+      EXPECT_EQ(stored, row.stored);
+    EXPECT_EQ(equip.Record.Is(AmpConfig::DualFwdRev), !failure) << "what follows a failure is not taken";
+    if (!failure) continue;
+    EXPECT_EQ(failure->Control, "txtIfiBandSwitch");
+    EXPECT_EQ(failure->Tab, 2);
+    EXPECT_EQ(failure->Reason, *row.failure);
+  }
+}
+
+TEST_F(EquipTest, AGenericAmplifierChangesTheBandSwitch) {
+  equip.Record.PmBandSwitch = 100;
+  EquipmentEntries entries = equip.Entries();
+  entries.IfiBandSwitch = "not asked for";
+  EXPECT_FALSE(Apply(entries));
+  EXPECT_EQ(equip.Record.PmBandSwitch, 100);
+}
+
+TEST_F(EquipTest, ApplyingAnUntouchedFormChangesTheRecord) {
+  equip.Record = Station();
+  equip.Record.PmBandSwitch = equip.Record.IfiBandSwitch;
+  const EquipRecord before = equip.Record;
+  EXPECT_FALSE(Apply(equip.Entries()));
+  EXPECT_TRUE(SameRecord(equip.Record, before));
+}
+
+}  // namespace
+}  // namespace hylden
