@@ -39,7 +39,9 @@ class Gpib {
   bool GpibClose(int address, const std::string& name);
   /// Sends with EOI on the last byte; false when the status has ERR. Nothing is reported.
   bool Send(int address, const std::string& command);
-  /// Receives at most `size` characters; false when the status has ERR. Nothing is reported.
+  /// Sends; a failure is reported with its first line.
+  bool SendOrReport(int address, const std::string& command, const std::string& failure);
+  /// Receives at most `size` bytes; false when the status has ERR. Nothing is reported.
   bool Receive(int address, std::string& answer, int termination, std::size_t size = 64);
   /// Reads away whatever a device still has to say, with a 30 ms limit.
   void Drain(int address);

@@ -1,0 +1,232 @@
+#include "instruments/Gpib.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <vector>
+
+#include "shell/Shell.h"
+#include "text/TextFile.h"
+
+namespace hylden {
+
+namespace {
+
+constexpr int kBoard = 0;
+constexpr double kOpenWaitSeconds = 2.0;
+
+using AddressList = std::array<std::int16_t, 3>;
+
+AddressList ListOf(int address) {
+  return {0, static_cast<std::int16_t>(address), gpib::kNoAddr};
+}
+
+std::string Hex(std::int16_t value) {
+  char text[8];
+  std::snprintf(text, sizeof text, "%X", static_cast<unsigned>(static_cast<std::uint16_t>(value)));
+  return text;
+}
+
+struct StatusBit {
+  unsigned mask;
+  const char* mnemonic;
+};
+constexpr StatusBit kStatusBits[] = {
+    {0x8000, " ERR"},  {0x4000, " TIMO"}, {0x2000, " END"},  {0x1000, " SRQI"}, {0x0800, " RQS"},
+    {0x0100, " CMPL"}, {0x0080, " LOK"},  {0x0040, " REM"},  {0x0020, " CIC"},  {0x0010, " ATN"},
+    {0x0008, " TACS"}, {0x0004, " LACS"}, {0x0002, " DTAS"}, {0x0001, " DCAS"},
+};
+
+const char* ErrorLine(int code) {
+  switch (code) {
+    case 0:
+      return "iberr = EDVR <DOS Error>";
+    case 1:
+      return "iberr = ECIC <Not CIC>";
+    case 2:
+      return "iberr = ENOL <No Listener>";
+    case 3:
+      return "iberr = EADR <Address Error>";
+    case 4:
+      return "iberr = EARG <Invalid argument>";
+    case 5:
+      return "iberr = ESAC <Not Sys Ctrlr>";
+    case 6:
+      return "iberr = EABO <Op. aborted>";
+    case 7:
+      return "iberr = ENEB <No GPIB board>";
+    case 10:
+      return "iberr = EOIP <Async I/O in prg>";
+    case 11:
+      return "iberr = ECAP <No capability>";
+    case 12:
+      return "iberr = EFSO <File sys. error>";
+    case 14:
+      return "iberr = EBUS <Command error>";
+    case 15:
+      return "iberr = ESTB <Status byte lost>";
+    case 16:
+      return "iberr = ESRQ <SRQ stuck high>";
+    case 20:
+      return "iberr = ETAB <Table overflow>";
+    default:
+      return nullptr;
+  }
+}
+
+}  // namespace
+
+void Terminator::Derive(std::int32_t endOfString) {
+  switch (endOfString) {
+    case 0:
+      *this = {"", gpib::kStopEnd};
+      break;
+    case 1:
+      *this = {"\r", '\r'};
+      break;
+    case 2:
+      *this = {"\r\n", '\n'};
+      break;
+    default:
+      break;
+  }
+}
+
+Gpib::Gpib(Shell& shell) : shell_(shell) {}
+
+bool Gpib::GpibIfc() {
+  if (interfaceCleared_) return true;
+  RegisterOnce();
+  shell_.gpib.SendIFC(kBoard);
+  Refresh();
+  interfaceCleared_ = !Failed();
+  if (!interfaceCleared_) Report("Error sending IFC.");
+  return interfaceCleared_;
+}
+
+bool Gpib::GpibOpen(int address, const std::string& initCommand, const std::string& name) {
+  const AddressList addresses = ListOf(address);
+  std::array<std::int16_t, 2> listeners{};
+  RegisterOnce();
+  shell_.gpib.FindLstn(kBoard, addresses, listeners);
+  Refresh();
+  if (Failed()) {
+    shell_.dialogs.DefaultPointer();
+    Report("Error finding " + name);
+    return false;
+  }
+  shell_.gpib.SetRWLS(kBoard, addresses);
+  Refresh();
+  if (Failed()) {
+    Report("Error in setting " + name + " to remote mode. ");
+    return false;
+  }
+  if (!initCommand.empty() && !SendOrReport(address, initCommand, "Error initializing " + name)) return false;
+  shell_.delay.Delay(kOpenWaitSeconds, false);
+  return true;
+}
+
+bool Gpib::GpibClose(int address, const std::string& name) {
+  RegisterOnce();
+  shell_.gpib.EnableLocal(kBoard, ListOf(address));
+  Refresh();
+  if (!Failed()) return true;
+  Report("Error closing " + name);
+  return false;
+}
+
+bool Gpib::Send(int address, const std::string& command) {
+  RegisterOnce();
+  shell_.gpib.Send(kBoard, address, EncodeWindows1252(command), gpib::kDabEnd);
+  Refresh();
+  return !Failed();
+}
+
+bool Gpib::SendOrReport(int address, const std::string& command, const std::string& failure) {
+  if (Send(address, command)) return true;
+  Report(failure);
+  return false;
+}
+
+bool Gpib::Receive(int address, std::string& answer, int termination, std::size_t size) {
+  std::vector<char> buffer(size);
+  RegisterOnce();
+  shell_.gpib.Receive(kBoard, address, buffer, termination);
+  Refresh();
+  answer.clear();
+  if (Failed()) return false;
+  const auto received = std::min(static_cast<std::size_t>(std::max<int>(ibcnt, 0)), size);
+  answer = DecodeText({buffer.data(), received});
+  return true;
+}
+
+void Gpib::Drain(int address) {
+  RegisterOnce();
+  shell_.gpib.ibtmo(kBoard, gpib::kT30ms);
+  Refresh();
+  std::string stale;
+  Receive(address, stale, gpib::kStopEnd);
+  shell_.gpib.ibtmo(kBoard, gpib::kT10s);
+  Refresh();
+}
+
+void Gpib::GpibError(std::string& message) {
+  message += IbstaText() + IberrText() + IbcntText();
+  shell_.dialogs.Tell(message, MessageIcon::Exclamation);
+}
+
+std::string Gpib::IbstaText() const {
+  std::string text = "\r\nibsta = &H" + Hex(ibsta) + " <";
+  for (const StatusBit& bit : kStatusBits) {
+    if ((static_cast<std::uint16_t>(ibsta) & bit.mask) != 0) text += bit.mnemonic;
+  }
+  return text + ">";
+}
+
+std::string Gpib::IberrText() const {
+  if (!Failed()) return std::string("\r\nNo error, iberr = ") + (iberr < 0 ? "" : " ") + std::to_string(iberr);
+  const char* line = ErrorLine(iberr);
+  return line ? std::string("\r\n") + line : std::string();
+}
+
+std::string Gpib::IbcntText() const {
+  return "\r\nibcnt = 0x" + Hex(ibcnt);
+}
+
+void Gpib::RegisterOnce() {
+  if (registered_) return;
+  GpibDriver& driver = shell_.gpib;
+  const auto quit = [&](const char* text, bool unregister) {
+    shell_.dialogs.Tell(text, MessageIcon::Critical);
+    if (unregister) driver.UnregisterGpibGlobalsForThread();
+    throw ProgramEnd(text);
+  };
+  switch (driver.RegisterGpibGlobalsForThread(cells_)) {
+    case 0:
+      break;
+    case 1:
+      driver.UnregisterGpibGlobalsForThread();
+      driver.RegisterGpibGlobalsForThread(cells_);
+      break;
+    case 2:
+      quit("Operating System is not multi-threaded. Quitting the Program!", true);
+      break;
+    case 3:
+      quit("Unable to register GPIB thread globals. Quitting the Program!", true);
+      break;
+    default:
+      quit("Unknown Error for Registering GPIB Globals!!! Quitting the Program!", false);
+      break;
+  }
+  registered_ = true;
+}
+
+void Gpib::Refresh() {
+  // Conversions to 16 bits keep the low bits, sign included.
+  ibsta = static_cast<std::int16_t>(cells_.status);
+  iberr = static_cast<std::int16_t>(cells_.error);
+  ibcnt = static_cast<std::int16_t>(cells_.longCount);
+  ibcntl = cells_.longCount;
+}
+
+}  // namespace hylden
