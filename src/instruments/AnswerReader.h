@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "instruments/Gpib.h"
+
+namespace hylden {
+
+class ResponseParser;
+class Shell;
+
+/// How meter and power meter get a number out of an instrument: trigger, settle, ask, receive, parse. A pending trigger
+/// lets the caller trigger early and read later, waiting only for what is left of the settling time.
+/// Nothing is reported here but scripting errors and bad units.
+class AnswerReader {
+ public:
+  AnswerReader(Shell& shell, Gpib& gpib, ResponseParser& parser) : shell_(shell), gpib_(gpib), parser_(parser) {}
+
+  Terminator terminator;
+
+  /// Marks a trigger pending, reads stale output away and sends the command (which may be empty). False when the send
+  /// failed; the mark stays.
+  bool Trigger(int address, const std::string& command, double settlingSeconds);
+  bool TriggerPending() const { return pending_; }
+  void ForgetTrigger() { pending_ = false; }
+  /// Waits for what is left of the pending trigger's settling time, or until a halt.
+  void AwaitPending();
+
+  /// Takes up the pending trigger: sends the read command unless it is empty, receives, evaluates the parse command
+  /// unless it is empty. The leading number of the outcome; nothing when the bus failed, or when the outcome is empty
+  /// or no finite number.
+  std::optional<double> Read(int address, const std::string& readCommand, const std::string& parseCommand);
+  /// The raw answer of the last read.
+  const std::string& LastAnswer() const { return lastAnswer_; }
+
+  using UnitConversion = std::optional<double> (*)(std::int32_t units, double value);
+  /// The converted value; nothing when it has no finite result, or for a bad units code, which is told.
+  std::optional<double> Converted(UnitConversion convert, std::int32_t units, double value);
+
+ private:
+  Shell& shell_;
+  Gpib& gpib_;
+  ResponseParser& parser_;
+  bool pending_ = false;
+  std::int64_t deadlineMs_ = 0;
+  std::string lastAnswer_;
+};
+
+}  // namespace hylden

@@ -1,0 +1,23 @@
+#include "instruments/ResponseParser.h"
+
+#include "shell/Shell.h"
+
+namespace hylden {
+
+ResponseParser::ResponseParser(Shell& shell) : shell_(shell), engine_(shell.clock) {
+  engine_.AddObject(library_);
+}
+
+std::string ResponseParser::ParseAnswer(const std::string& answer, const std::string& expression) {
+  library_.RetString = answer;
+  try {
+    engine_.ExecuteStatement("x= RetString");
+    return engine_.Eval(expression);
+  } catch (const RuntimeError& error) {
+    shell_.dialogs.Tell("Scripting error\r\nError number " + std::to_string(error.Number()) + "\r\n" +
+                        error.Description());
+    return {};
+  }
+}
+
+}  // namespace hylden
