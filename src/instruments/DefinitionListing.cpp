@@ -1,0 +1,140 @@
+#include "instruments/DefinitionListing.h"
+
+#include "instruments/MeterDefinition.h"
+#include "instruments/PowerMeterDefinition.h"
+#include "instruments/SigGenDefinition.h"
+#include "shell/Shell.h"
+#include "text/Numbers.h"
+
+namespace hylden {
+
+namespace {
+
+constexpr int kTopLines = 6;
+constexpr int kInitPieceLength = 60;
+const std::string kNoLabel(17, ' ');
+constexpr const char* kEndOfStringCodes = "  (0 = none, 1 = cr, 2 = cr/lf)";
+
+/// The text in pieces of at most `length` characters (of UTF-8); one empty piece for an empty text.
+std::vector<std::string> Pieces(const std::string& text, int length) {
+  std::vector<std::string> pieces(1);
+  int inPiece = 0;
+  for (const char c : text) {
+    const bool startsCharacter = (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+    if (startsCharacter && inPiece == length) {
+      pieces.emplace_back();
+      inPiece = 0;
+    }
+    if (startsCharacter) ++inPiece;
+    pieces.back() += c;
+  }
+  return pieces;
+}
+
+class Lines {
+ public:
+  Lines& Text(const std::string& label, const std::string& value) {
+    lines_.push_back(label + value);
+    return *this;
+  }
+  Lines& Number(const std::string& label, double value, const std::string& unit = {}) {
+    return Text(label, ShortestText(value) + unit);
+  }
+  Lines& Number(const std::string& label, float value, const std::string& unit = {}) {
+    return Text(label, ShortestText(value) + unit);
+  }
+  Lines& Code(const std::string& label, int value, const std::string& meaning = {}) {
+    return Text(label, std::to_string(value) + meaning);
+  }
+  Lines& Init(const std::string& initString) {
+    std::string label = "    Init String: ";
+    for (const std::string& piece : Pieces(initString, kInitPieceLength)) {
+      Text(label, piece);
+      label = kNoLabel;
+    }
+    return *this;
+  }
+  Lines& Gap() { return Text("", ""); }
+  std::vector<std::string> Take() { return std::move(lines_); }
+
+ private:
+  std::vector<std::string> lines_;
+};
+
+}  // namespace
+
+std::vector<std::string> Listing(const SigGenDefinition& d) {
+  Lines lines;
+  lines.Text("Instrument Name: ", d.InstrumentName).Code("        Address: ", d.Address).Gap();
+  lines.Init(d.InitString).Gap();
+  lines.Text("Freq Set Prefix: ", d.FreqSetPrefix).Text("         Suffix: ", d.FreqSetSuffix).Gap();
+  lines.Text(" Lev Set Prefix: ", d.LevSetPrefix).Text(kNoLabel, d.LevSetSuffix).Gap();
+  lines.Text(" Modulation Off: ", d.ModulationOff).Gap();
+  lines.Text("         RF Off: ", d.RfOff).Text("         Rf On : ", d.RfOn).Gap();
+  lines.Code("     AM Capable: ", d.AmCapable);
+  lines.Text(" AM Freq Prefix: ", d.AmFreqPrefix).Text("         Suffix: ", d.AmFreqSuffix).Gap();
+  lines.Text("AM Depth Prefix: ", d.AmDepthPrefix).Text("         Suffix: ", d.AmDepthSuffix).Gap();
+  lines.Text("      AM Mod On: ", d.AmModOn).Gap();
+  lines.Code("     FM Capable: ", d.FmCapable);
+  lines.Text(" FM Freq Prefix: ", d.FmFreqPrefix).Text("         Suffix: ", d.FmFreqSuffix).Gap();
+  lines.Text("  FM Dev Prefix: ", d.FmDevPrefix).Text("         Suffix: ", d.FmDevSuffix).Gap();
+  lines.Text("      FM Mod On: ", d.FmModOn).Gap();
+  lines.Code("  Pulse Capable: ", d.PulseCapable);
+  lines.Text(" Pulse Freq Pre: ", d.PulseFreqPrefix).Text("            Suf: ", d.PulseFreqSuffix).Gap();
+  lines.Text("Pulse Width Pre: ", d.PulseWidthPrefix).Text("            Suf: ", d.PulseWidthSuffix).Gap();
+  lines.Text("   Pulse Mod On: ", d.PulseModOn).Gap();
+  lines.Number("  Maximum Level: ", d.MaximumLevel).Number("  Minimum Level: ", d.MinimumLevel).Gap();
+  lines.Number("   Maximum Freq: ", d.MaximumFreq).Number("   Minimum Freq: ", d.MinimumFreq).Gap();
+  lines.Code("  End of String: ", d.EndOfString, kEndOfStringCodes);
+  return lines.Take();
+}
+
+std::vector<std::string> Listing(const MeterDefinition& d) {
+  Lines lines;
+  lines.Text("Instrument Name: ", d.InstrumentName).Code("        Address: ", d.Address).Gap();
+  lines.Init(d.InitString).Gap();
+  lines.Text("Freq Set Prefix: ", d.FreqSetPrefix).Text("         Suffix: ", d.FreqSetSuffix).Gap();
+  lines.Text(" Lev Set Prefix: ", d.LevSetPrefix).Text(kNoLabel, d.LevSetSuffix).Gap();
+  lines.Number("  Maximum Level: ", d.MaximumLevel, " dBuV").Number("  Minimum Level: ", d.MinimumLevel, " dBuV").Gap();
+  lines.Number("   Maximum Freq: ", d.MaximumFreq).Number("   Minimum Freq: ", d.MinimumFreq).Gap();
+  lines.Text("        Trigger: ", d.Trigger).Text("           Read: ", d.Read);
+  lines.Text("      Parse cmd: ", d.ParseCmd).Text("       Shutdown: ", d.Shutdown).Gap();
+  lines.Code("          Units: ", d.Units, "  (0 = Volts, 1 = dBuv, 2 = mv, 3 = dbmv, 4 = dbm)");
+  lines.Code("           Type: ", d.Type, "  (0 = SpecAn, 1 = Scope, 2 = RfMeter)");
+  lines.Number("  Settling Time: ", d.SettlingTime);
+  lines.Code("  End of String: ", d.EndOfString, kEndOfStringCodes);
+  return lines.Take();
+}
+
+std::vector<std::string> Listing(const PowerMeterDefinition& d) {
+  Lines lines;
+  lines.Text("Instrument Name: ", d.InstrumentName).Code("        Address: ", d.Address).Gap();
+  lines.Init(d.InitString).Gap();
+  lines.Text("Freq Set Prefix: ", d.FreqSetPrefix).Text("         Suffix: ", d.FreqSetSuffix).Gap();
+  lines.Number("   Maximum Freq: ", d.MaximumFreq).Number("   Minimum Freq: ", d.MinimumFreq);
+  lines.Number("     Bandswitch: ", d.Bandswitch).Gap();
+  lines.Text("     Select Ch1: ", d.SelectCh1).Text("     Select Ch2: ", d.SelectCh2).Gap();
+  lines.Text("    Ch1 Trigger: ", d.Ch1Trigger).Text("    Ch2 Trigger: ", d.Ch2Trigger).Gap();
+  lines.Text("       Ch1 Read: ", d.Ch1Read).Text("       Ch2 Read: ", d.Ch2Read);
+  lines.Text("    Parsing Cmd: ", d.ParsingCmd).Text("       Shutdown: ", d.Shutdown).Gap();
+  lines.Code("          Units: ", d.Units, "  (0=Watts, 1=dBm, 2=dBuv, 3=mv, 4=Volts, 5=dBmv)");
+  lines.Code("           Type: ", d.Type, "  (0 = SpecAn, 1 = PowerMeter)");
+  lines.Number("  Settling Time: ", d.SettlingTime);
+  lines.Code("  End of String: ", d.EndOfString, kEndOfStringCodes);
+  return lines.Take();
+}
+
+void PrintListing(Shell& shell, const std::vector<std::string>& listing, const std::string& title,
+                  std::string_view context, const std::string& path) {
+  PrintJob job;
+  job.title = title;
+  job.lines.resize(kTopLines);
+  for (const std::string& line : listing) job.lines.push_back({line});
+  try {
+    shell.printer.Print(job);
+  } catch (const std::exception& error) {
+    shell.ReportError(error, context, path);
+  }
+}
+
+}  // namespace hylden
