@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
+#include "instruments/AnswerReader.h"
 #include "instruments/Gpib.h"
 #include "instruments/PowerMeterDefinition.h"
 
@@ -18,7 +20,7 @@ class PM {
   /// Channel argument that lets the band decide: channel 1 up to the band-switch frequency, channel 2 above.
   static constexpr int kByBand = 0;
 
-  PM(Shell& shell, Gpib& gpib, ResponseParser& parser) : shell_(shell), gpib_(gpib), parser_(parser) {}
+  PM(Shell& shell, Gpib& gpib, ResponseParser& parser) : shell_(shell), gpib_(gpib), answers_(shell, gpib, parser) {}
 
   bool InitPwrMtr();
   bool PwrMtrSetFreq(double frequencyMHz);
@@ -40,17 +42,26 @@ class PM {
   void SetAddress(int address);
   const std::string& InstrumentName() const { return definition_.InstrumentName; }
   const std::string& FileName() const { return fileName_; }
-  const std::string& LastAnswer() const { return lastAnswer_; }
+  const std::string& LastAnswer() const { return answers_.LastAnswer(); }
   const PowerMeterDefinition& Definition() const { return definition_; }
   void PutDefinition(const PowerMeterDefinition& definition);
 
  private:
+  /// The channel that the argument stands for at the present frequency.
+  int ChannelFor(int channel) const;
+  /// The frequency for one sensor's calibration factor.
+  bool TuneChannel(int channel, const std::string& command);
+  /// One reading in dBm.
+  std::optional<double> ReadDbm(int channel);
+  bool WriteFailed();
+  double ReadFailed();
+
   Shell& shell_;
   Gpib& gpib_;
-  ResponseParser& parser_;
   PowerMeterDefinition definition_;
+  AnswerReader answers_;
   std::string fileName_;
-  std::string lastAnswer_;
+  double currentFreq_ = 0;  ///< last requested, MHz
 };
 
 }  // namespace hylden

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "instruments/Gpib.h"
 #include "instruments/SigGenDefinition.h"
@@ -21,7 +22,9 @@ class SigGen {
   /// Opens the generator with modulation and RF off; a frequency of exactly 0 starts at the generator's minimum.
   bool InitSigGen(double frequencyMHz, float levelDbm);
   bool SetFreqLevel(double frequencyMHz, float levelDbm);
+  /// Applies the held request and switches on. RF counts as on from the attempt, even a failed one.
   bool RfOn();
+  /// Always tries. A generator without the command is taken to its minimum level at the next RfOn instead.
   bool RfOff();
   /// @param useDepth  AM is later switched off and on by its depth
   bool SetAM(float frequencyKHz, float depthPercent, bool useDepth);
@@ -31,7 +34,7 @@ class SigGen {
   bool FmOn();
   bool PulseOn();
   bool ModOff();
-  /// Minimum level and frequency, RF off, local; stops at the first failure.
+  /// Minimum level and frequency, RF off, local; stops at the first failure, which may leave RF on: RfIsOn tells.
   bool ShutdownSigGen();
 
   bool LoadFile(const std::string& path);
@@ -56,11 +59,36 @@ class SigGen {
   bool RfIsOn() const { return rfOn_; }
 
  private:
+  static constexpr float kNoLevel = -999;
+
+  bool HasFreqCommand() const { return !definition_.FreqSetPrefix.empty() || !definition_.FreqSetSuffix.empty(); }
+  bool HasLevelCommand() const { return !definition_.LevSetPrefix.empty() || !definition_.LevSetSuffix.empty(); }
+  /// Sends what differs between the request and what was sent last; nothing is reported.
+  bool SendRequest();
+  bool SendFreq();
+  bool SendLevel();
+  void ForgetSent();
+  /// What stands for RF off on a generator without the command: the next RfOn comes up at the minimum level.
+  void RequestMinimumLevel();
+  bool SendAm(float frequencyKHz, float depthPercent);
+  bool SendModulation(const std::string& prefix, float value, std::string_view pattern, const std::string& suffix);
+  bool SendText(const std::string& text, const std::string& failure);
+  bool Refuse(const std::string& text);
+
   Shell& shell_;
   Gpib& gpib_;
   SigGenDefinition definition_;
+  Terminator terminator_;
   std::string fileName_;
+  double currentFreq_ = 0;         ///< last sent, MHz; 0 when not known
+  float currentLevel_ = kNoLevel;  ///< last sent, dBm
+  double requestedFreq_ = 0;       ///< applied at the next RfOn
+  float requestedLevel_ = 0;
   bool rfOn_ = false;
+  bool modulationOn_ = false;
+  Modulation modulation_ = Modulation::None;  ///< the one set up last
+  bool switchByDepth_ = false;                ///< AM goes off and on by its depth
+  float savedAmFreq_ = 0, savedAmDepth_ = 0;
 };
 
 }  // namespace hylden

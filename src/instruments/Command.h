@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "instruments/Gpib.h"
+#include "text/Pattern.h"
+
+namespace hylden {
+
+/// Digit patterns of the values in commands; the trailing blank stands before the suffix.
+namespace commandpattern {
+inline constexpr std::string_view kFreq = "####0.0##### ", kLevel = "##0.0 ", kModulation = "##0.0## ",
+                                  kDepth = "##0.0 ", kMeterLevel = "####0.0##### ", kMeterFreq = "####0.0######### ";
+}
+
+/// A command that sets a value: prefix, blank, value, suffix, terminator.
+template <class Number>
+std::string SettingCommand(const std::string& prefix, Number value, std::string_view pattern, const std::string& suffix,
+                           const Terminator& terminator) {
+  return prefix + " " + Format(value, pattern) + suffix + terminator.Text;
+}
+
+}  // namespace hylden

@@ -1,0 +1,128 @@
+#include "instruments/IfiAmp.h"
+
+#include <cmath>
+#include <limits>
+#include <optional>
+
+#include "instruments/SigGen.h"
+#include "shell/Shell.h"
+#include "text/Numbers.h"
+
+namespace hylden {
+
+namespace {
+
+constexpr int kLowUnit = 10, kHighUnit = 9;
+constexpr double kBandChangeSeconds = 2.0;
+constexpr std::size_t kPowerAnswerSize = 80;
+
+struct PowerTexts {
+  std::string first, second;
+};
+
+/// "0100 0200": the first figure in columns 6 to 9, the second in columns 1 to 4.
+std::optional<PowerTexts> SplitColumns(const std::string& answer) {
+  if (answer.size() < 6) return std::nullopt;
+  return PowerTexts{answer.substr(5, 4), answer.substr(0, 4)};
+}
+
+/// "50.00 10.01": the first figure before the blank, the second after it.
+std::optional<PowerTexts> SplitAtBlank(const std::string& answer) {
+  const auto blank = answer.find(' ');
+  if (blank == std::string::npos) return std::nullopt;
+  return PowerTexts{answer.substr(0, blank), answer.substr(blank + 1)};
+}
+
+std::optional<float> Figure(const std::string& text) {
+  const double value = LeadingNumber(text);
+  if (!(std::abs(value) <= double{std::numeric_limits<float>::max()})) return std::nullopt;
+  return static_cast<float>(value);
+}
+
+}  // namespace
+
+bool IfiAmp::IfiInit(AmpControl mode, double bandSwitchMHz) {
+  mode_ = mode;
+  bandSwitchMHz_ = bandSwitchMHz;
+  return IfiReset();
+}
+
+bool IfiAmp::IfiReset() {
+  return IfiSetBand(0);
+}
+
+bool IfiAmp::IfiSetBand(double frequencyMHz) {
+  if (mode_ != AmpControl::Ifi) return true;
+  if (frequencyMHz == 0) band_ = Band::None;
+  const Band wanted = frequencyMHz <= bandSwitchMHz_ ? Band::Low : Band::High;
+  if (wanted == band_) return true;
+  // The amplifiers never change over under power. RfOff has reported its own failure.
+  if (!sigGen_.RfOff()) return false;
+  return wanted == Band::Low ? SelectLow(frequencyMHz > 0) : SelectHigh();
+}
+
+bool IfiAmp::SelectLow(bool switchOn) {
+  if (!SendAll({{kLowUnit, "8"},
+                {kHighUnit, "FA"},
+                {kHighUnit, "L3"},
+                {kHighUnit, "M1"},
+                {kHighUnit, "ON"},
+                {kHighUnit, "B1"}})) {
+    return false;
+  }
+  if (switchOn) {
+    if (!SendAll({{kLowUnit, "9"}})) return false;
+    shell_.delay.Delay(kBandChangeSeconds, false);
+    band_ = Band::Low;
+  }
+  return SendAll({{kHighUnit, "ZA"}});
+}
+
+bool IfiAmp::SelectHigh() {
+  if (!SendAll({{kHighUnit, "FA"},
+                {kLowUnit, "8"},
+                {kHighUnit, "L3"},
+                {kHighUnit, "M1"},
+                {kHighUnit, "ON"},
+                {kHighUnit, "B2"}})) {
+    return false;
+  }
+  shell_.delay.Delay(kBandChangeSeconds, false);
+  if (!SendAll({{kHighUnit, "ZA"}})) return false;
+  band_ = Band::High;
+  return true;
+}
+
+bool IfiAmp::IfiReadPower(float& first, float& second) {
+  if (mode_ != AmpControl::Ifi) {
+    first = second = -1;
+    return true;
+  }
+  if (band_ == Band::None) return false;
+  const bool low = band_ == Band::Low;
+  const int unit = low ? kLowUnit : kHighUnit;
+  if (!SendAll({{unit, "RP"}})) return false;
+  std::string answer;
+  if (!gpib_.Receive(unit, answer, gpib::kStopEnd, kPowerAnswerSize)) return ReportFailure();
+  const auto texts = low ? SplitColumns(answer) : SplitAtBlank(answer);
+  if (!texts) return ReportFailure();
+  const auto firstFigure = Figure(texts->first), secondFigure = Figure(texts->second);
+  if (!firstFigure || !secondFigure) return ReportFailure();
+  first = *firstFigure;
+  second = *secondFigure;
+  return true;
+}
+
+bool IfiAmp::SendAll(std::initializer_list<UnitCommand> commands) {
+  for (const UnitCommand& command : commands) {
+    if (!gpib_.Send(command.unit, std::string(command.text) + "\r\n")) return ReportFailure();
+  }
+  return true;
+}
+
+bool IfiAmp::ReportFailure() {
+  gpib_.Report("Error sending command to amps");
+  return false;
+}
+
+}  // namespace hylden

@@ -1,0 +1,156 @@
+#include "instruments/Meter.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "instruments/Command.h"
+#include "instruments/DefinitionFile.h"
+#include "instruments/DefinitionListing.h"
+#include "measure/Conversions.h"
+#include "shell/Shell.h"
+
+namespace hylden {
+
+namespace {
+
+constexpr const char* kName = "Meter";
+// The reference sits above the wanted level; a scope's full scale is a peak value on both sides of zero.
+constexpr double kReferenceOffsetDb = 2.0, kScopeOffsetDb = -6.8;
+constexpr double kHalfPeriodMHz = 5e-7;  // half a period in seconds, times the frequency in MHz
+
+}  // namespace
+
+std::optional<double> NextReferenceLevel(double levelDbuv, double referenceDbuv, double maximumDbuv) {
+  if (levelDbuv >= referenceDbuv) return std::min(levelDbuv + 10, maximumDbuv);
+  if (levelDbuv < referenceDbuv - 6) return std::max(levelDbuv + 3, referenceDbuv - 10);
+  return std::nullopt;
+}
+
+bool Meter::InitMeter() {
+  const std::string init = definition_.InitString.empty() ? "" : definition_.InitString + answers_.terminator.Text;
+  if (!gpib_.GpibOpen(Address(), init, kName)) return false;
+  currentFreq_ = 0;
+  currentReference_ = kNoReference;
+  answers_.ForgetTrigger();
+  return MeterSetLevel(MaximumLevel() - kReferenceOffsetDb);
+}
+
+bool Meter::MeterSetFreq(double frequencyMHz) {
+  const double setting = FreqSetting(frequencyMHz);
+  const bool inRange = frequencyMHz >= MinimumFreq() && frequencyMHz <= MaximumFreq();
+  if (!inRange || !std::isfinite(setting)) {
+    shell_.dialogs.Tell("Frequency requested exceeds meter's capability. ");
+    return false;
+  }
+  if (frequencyMHz == currentFreq_) return true;
+  currentFreq_ = frequencyMHz;
+  if (!HasFreqCommand()) return true;
+  return SendCommand(SettingCommand(definition_.FreqSetPrefix, setting, commandpattern::kMeterFreq,
+                                    definition_.FreqSetSuffix, answers_.terminator));
+}
+
+double Meter::FreqSetting(double frequencyMHz) const {
+  return IsScope() ? kHalfPeriodMHz / frequencyMHz : frequencyMHz;
+}
+
+bool Meter::MeterSetLevel(double levelDbuv) {
+  if (!(levelDbuv >= MinimumLevel() && levelDbuv <= MaximumLevel())) {
+    shell_.dialogs.Tell("Level requested exceeds meter's capability. ");
+    return false;
+  }
+  if (levelDbuv == currentReference_) return true;
+  currentReference_ = levelDbuv;
+  if (!HasLevelCommand()) return true;
+  const double commanded = levelDbuv + (IsScope() ? kScopeOffsetDb : kReferenceOffsetDb);
+  const auto setting = answers_.Converted(Conversions::DbuvToMeterUnits, definition_.Units, commanded);
+  if (!setting) return WriteFailed();
+  return SendCommand(SettingCommand(definition_.LevSetPrefix, *setting, commandpattern::kMeterLevel,
+                                    definition_.LevSetSuffix, answers_.terminator));
+}
+
+bool Meter::MeterTrigger() {
+  if (answers_.Trigger(Address(), definition_.Trigger, SettlingTime())) return true;
+  gpib_.Report("Error in writing command to meter. ");
+  answers_.ForgetTrigger();
+  return false;
+}
+
+double Meter::MeterRead(ReadMode mode, double settlingSeconds) {
+  const double settle = settlingSeconds == kDefinedSettling ? double{SettlingTime()} : settlingSeconds;
+  if (!AwaitCapture(settle)) return ReadFailed();
+  for (;;) {
+    const auto level = ReadLevel();
+    if (!level) return ReadFailed();
+    if (*level > MaximumLevel()) return kOverRange;
+    if (mode == ReadMode::Single || !HasLevelCommand()) return *level;
+    const auto reference = NextReferenceLevel(*level, currentReference_, MaximumLevel());
+    if (!reference) return *level;
+    if (!MeterSetLevel(*reference) || !MeterTrigger()) return ReadFailed();
+    shell_.delay.Delay(settle, false);
+    if (shell_.delay.HaltRequested()) return *level;
+  }
+}
+
+bool Meter::AwaitCapture(double settlingSeconds) {
+  if (answers_.TriggerPending()) {
+    answers_.AwaitPending();
+    return true;
+  }
+  if (!MeterTrigger()) return false;
+  shell_.delay.Delay(settlingSeconds, false);
+  return true;
+}
+
+std::optional<double> Meter::ReadLevel() {
+  const auto value = answers_.Read(Address(), definition_.Read, definition_.ParseCmd);
+  return value ? answers_.Converted(Conversions::MeterReadingToDbuv, definition_.Units, *value) : std::nullopt;
+}
+
+bool Meter::MeterShutdown() {
+  const bool offline = definition_.Shutdown.empty()
+                           ? InitMeter()
+                           : gpib_.Send(Address(), definition_.Shutdown + answers_.terminator.Text);
+  return offline ? gpib_.GpibClose(Address(), kName) : WriteFailed();
+}
+
+bool Meter::LoadFile(const std::string& path) {
+  fileName_ = path;
+  if (!LoadDefinition(shell_, path, definition_, "Meter.LoadFile")) return false;
+  answers_.terminator.Derive(definition_.EndOfString);
+  return true;
+}
+
+bool Meter::SaveFile(const std::string& path) {
+  if (!SaveDefinition(shell_, path, definition_, "meter.SaveFile")) return false;
+  fileName_ = path;
+  return true;
+}
+
+void Meter::PrintSetup() {
+  PrintListing(shell_, Listing(definition_), "Meter Definition", "Meter.PrintSetup", fileName_);
+}
+
+void Meter::SetAddress(int address) {
+  definition_.Address = static_cast<std::int16_t>(address);
+}
+
+void Meter::PutDefinition(const MeterDefinition& definition) {
+  definition_ = definition;
+  answers_.terminator.Derive(definition_.EndOfString);
+}
+
+bool Meter::SendCommand(const std::string& command) {
+  return gpib_.Send(Address(), command) || WriteFailed();
+}
+
+bool Meter::WriteFailed() {
+  gpib_.Report("Error in writing command to meter. ");
+  return false;
+}
+
+double Meter::ReadFailed() {
+  gpib_.Report("Error in reading meter. ");
+  return kNoReading;
+}
+
+}  // namespace hylden

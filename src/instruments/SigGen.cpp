@@ -1,0 +1,143 @@
+#include "instruments/SigGen.h"
+
+#include "instruments/Command.h"
+#include "instruments/DefinitionFile.h"
+#include "instruments/DefinitionListing.h"
+#include "shell/Shell.h"
+
+namespace hylden {
+
+namespace {
+
+constexpr const char* kName = "SigGen";
+
+}  // namespace
+
+bool SigGen::InitSigGen(double frequencyMHz, float levelDbm) {
+  // An empty Init String still sends the terminator: it ends a command left half-typed in the generator.
+  if (!gpib_.GpibOpen(Address(), definition_.InitString + terminator_.Text, kName)) return false;
+  ForgetSent();
+  const bool atMinimum = frequencyMHz == 0;
+  const bool accepted = atMinimum ? SetFreqLevel(MinimumFreq(), MinimumLevel()) : SetFreqLevel(frequencyMHz, levelDbm);
+  if (!accepted) return false;
+  modulation_ = Modulation::None;
+  switchByDepth_ = false;
+  // Whatever state the generator was found in, both switch-off commands have to go out.
+  rfOn_ = true;
+  modulationOn_ = true;
+  const bool modulationIsOff = ModOff();
+  return RfOff() && modulationIsOff;
+}
+
+bool SigGen::SetFreqLevel(double frequencyMHz, float levelDbm) {
+  if (!HasFreqCommand() || !HasLevelCommand()) return false;
+  if (!(levelDbm >= MinimumLevel() && levelDbm <= MaximumLevel())) {
+    RfOff();
+    return Refuse("Level requested outside of range of instrument");
+  }
+  if (!(frequencyMHz >= MinimumFreq() && frequencyMHz <= MaximumFreq())) {
+    RfOff();
+    return Refuse("Frequency requested outside of range of instrument");
+  }
+  requestedFreq_ = frequencyMHz;
+  requestedLevel_ = levelDbm;
+  if (!rfOn_ || SendRequest()) return true;
+  gpib_.Report("Error in writing command to Signal Generator. ");
+  return false;
+}
+
+bool SigGen::SendRequest() {
+  const bool retune = requestedFreq_ != currentFreq_;
+  const bool falling = requestedLevel_ < currentLevel_;
+  const bool rising = requestedLevel_ > currentLevel_;
+  ForgetSent();  // until everything has gone out, nothing is assumed about the instrument
+  // The higher of two levels never stands on the wrong frequency.
+  if (falling && !SendLevel()) return false;
+  if (retune && !SendFreq()) return false;
+  if (rising && !SendLevel()) return false;
+  currentFreq_ = requestedFreq_;
+  currentLevel_ = requestedLevel_;
+  return true;
+}
+
+bool SigGen::SendFreq() {
+  return gpib_.Send(Address(), SettingCommand(definition_.FreqSetPrefix, requestedFreq_, commandpattern::kFreq,
+                                              definition_.FreqSetSuffix, terminator_));
+}
+
+bool SigGen::SendLevel() {
+  return gpib_.Send(Address(), SettingCommand(definition_.LevSetPrefix, requestedLevel_, commandpattern::kLevel,
+                                              definition_.LevSetSuffix, terminator_));
+}
+
+void SigGen::ForgetSent() {
+  currentFreq_ = 0;
+  currentLevel_ = kNoLevel;
+}
+
+bool SigGen::RfOn() {
+  if (!rfOn_) {
+    rfOn_ = true;
+    if (!SetFreqLevel(requestedFreq_, requestedLevel_)) return false;
+  }
+  return SendText(definition_.RfOn, "Error setting SigGen RF on. ");
+}
+
+bool SigGen::RfOff() {
+  if (definition_.RfOff.empty()) {
+    rfOn_ = false;
+    if (HasFreqCommand()) RequestMinimumLevel();
+    return true;
+  }
+  const bool sent = gpib_.Send(Address(), definition_.RfOff + terminator_.Text);
+  rfOn_ = false;  // after the send: had it thrown, the output would still count as on
+  if (!sent) gpib_.Report("Error setting SigGen RF off. ");
+  return sent;
+}
+
+void SigGen::RequestMinimumLevel() {
+  const bool neverTuned = currentFreq_ == 0;
+  requestedFreq_ = neverTuned ? MinimumFreq() : currentFreq_;
+  requestedLevel_ = MinimumLevel();
+}
+
+bool SigGen::ShutdownSigGen() {
+  return SetFreqLevel(MinimumFreq(), MinimumLevel()) && RfOff() && gpib_.GpibClose(Address(), kName);
+}
+
+bool SigGen::LoadFile(const std::string& path) {
+  fileName_ = path;
+  if (!LoadDefinition(shell_, path, definition_, "SigGen.LoadFile")) return false;
+  terminator_.Derive(definition_.EndOfString);
+  return true;
+}
+
+bool SigGen::SaveFile(const std::string& path) {
+  if (!SaveDefinition(shell_, path, definition_, "SigGen.SaveFile")) return false;
+  fileName_ = path;
+  return true;
+}
+
+void SigGen::PrintSetup() {
+  PrintListing(shell_, Listing(definition_), "Signal Generator Definition", "SigGen.PrintSetup", fileName_);
+}
+
+void SigGen::SetAddress(int address) {
+  definition_.Address = static_cast<std::int16_t>(address);
+}
+
+void SigGen::PutDefinition(const SigGenDefinition& definition) {
+  definition_ = definition;
+  terminator_.Derive(definition_.EndOfString);
+}
+
+bool SigGen::SendText(const std::string& text, const std::string& failure) {
+  return gpib_.SendOrReport(Address(), text + terminator_.Text, failure);
+}
+
+bool SigGen::Refuse(const std::string& text) {
+  shell_.dialogs.Tell(text);
+  return false;
+}
+
+}  // namespace hylden
