@@ -41,11 +41,29 @@ struct TestValidation {
 };
 
 /// Checks the entries in the form's order, storing each field as soon as it has been read, up to the first failure.
+/// @param entries       a start or stop frequency outside the calibration record becomes the record's limit
 /// @param calFreqRange  the calibration info's range text, "0.15 - 80"
 TestValidation ValidateTestDefinition(TestDefinitionEntries& entries, const std::string& calFreqRange,
                                       TestDefinition& test);
-/// The entries that show a definition.
+/// The entries that show a definition; a code that no option stands for leaves its options unselected.
 TestDefinitionEntries EntriesOf(const TestDefinition& test);
+
+/// Which controls of the test definition form can be used, given what is chosen.
+struct EnabledControls {
+  bool ModOffBetweenFreqs = false;  ///< chkModOffBetweenFreqs
+  bool AmControls = false;          ///< chkConstPeak, txtAmDepth, txtAmModFreq
+  bool UseAMdepth = false;          ///< chkUseAMdepth
+  bool FmControls = false;          ///< txtFmDev, txtFmModFreq
+  bool PulseControls = false;       ///< txtPulsePeriod, txtPulseWidth
+  bool ProbeControls = false;       ///< chkLimitCurrent, txtEUTCircuitImpedance
+  bool LimitMargin = false;         ///< txtLimitMargin and its labels
+  bool operator==(const EnabledControls&) const = default;
+};
+EnabledControls EnabledControlsFor(const TestDefinitionEntries& entries);
+/// After a click on chkConstPeak: a constant peak needs modulation off between frequencies.
+void ConstPeakClicked(TestDefinitionEntries& entries);
+/// After a click on chkModOffBetweenFreqs: without it there is no constant peak.
+void ModOffBetweenFreqsClicked(TestDefinitionEntries& entries);
 
 /// A Start check that failed: the message, and the tab of the equipment form where it is mended.
 struct StartFailure {
