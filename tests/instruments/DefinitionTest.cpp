@@ -1,0 +1,194 @@
+#include "instruments/DefinitionListing.h"
+#include "instruments/Station.h"
+#include "support/FieldChanger.h"
+#include "text/RecordFile.h"
+
+namespace hylden {
+namespace {
+
+/// What a driver and its definition have in common, for the tests that hold for all three.
+template <class DriverType, class DefinitionType>
+struct Kind {
+  using Driver = DriverType;
+  using Definition = DefinitionType;
+};
+struct SigGenKind : Kind<SigGen, SigGenDefinition> {
+  static SigGen& Of(Station& s) { return s.on.sigGen; }
+  static SigGenDefinition Sample() { return SampleSigGen(); }
+  static constexpr int kLines = 33, kLinesNeeded = 33;
+  static constexpr const char *kLoad = "SigGen.LoadFile", *kSave = "SigGen.SaveFile", *kPrint = "SigGen.PrintSetup";
+};
+struct MeterKind : Kind<Meter, MeterDefinition> {
+  static Meter& Of(Station& s) { return s.on.meter; }
+  static MeterDefinition Sample() { return SampleMeter(); }
+  static constexpr int kLines = 19, kLinesNeeded = 18;
+  static constexpr const char *kLoad = "Meter.LoadFile", *kSave = "meter.SaveFile", *kPrint = "Meter.PrintSetup";
+};
+struct PMKind : Kind<PM, PowerMeterDefinition> {
+  static PM& Of(Station& s) { return s.on.pm; }
+  static PowerMeterDefinition Sample() { return SamplePowerMeter(); }
+  static constexpr int kLines = 20, kLinesNeeded = 19;
+  static constexpr const char *kLoad = "PwrMtr.LoadFile", *kSave = "PwrMtr.SaveFile", *kPrint = "PwrMtr.PrintSetup";
+};
+
+/// The first lines of a file's content.
+std::string Head(const std::string& content, int lines) {
+  std::size_t end = 0;
+  for (int i = 0; i < lines; ++i) end = content.find("\r\n", end) + 2;
+  return content.substr(0, end);
+}
+
+template <class K>
+class DefinitionFileTest : public ::testing::Test {
+ protected:
+  Station s;
+  typename K::Driver& driver = K::Of(s);
+  TempDir& directory = s.t.directory;
+  std::string path = directory.File("one.def");
+};
+using Kinds = ::testing::Types<SigGenKind, MeterKind, PMKind>;
+TYPED_TEST_SUITE(DefinitionFileTest, Kinds);
+
+TYPED_TEST(DefinitionFileTest, KeepsEveryFieldThroughAFile) {
+  const auto sample = TypeParam::Sample();
+  ASSERT_EQ(FieldCount(sample), TypeParam::kLines);
+  for (int field = 0; field < TypeParam::kLines; ++field) {
+    SCOPED_TRACE(field);
+    const auto changed = WithChangedField(sample, field);
+    this->driver.PutDefinition(changed);
+    EXPECT_TRUE(this->driver.SaveFile(this->path));
+    const std::string content = this->directory.Read("one.def");
+    this->driver.PutDefinition(sample);
+    EXPECT_TRUE(this->driver.LoadFile(this->path));
+    EXPECT_TRUE(SameRecord(this->driver.Definition(), changed));
+    EXPECT_FALSE(SameRecord(this->driver.Definition(), sample));
+    EXPECT_TRUE(this->driver.SaveFile(this->path));
+    EXPECT_EQ(this->directory.Read("one.def"), content);
+  }
+}
+
+TYPED_TEST(DefinitionFileTest, AFileThatIsTooShortIsReportedAndItsFirstFieldsStay) {
+  auto other = TypeParam::Sample();
+  other.InstrumentName = "Other";
+  this->driver.PutDefinition(other);
+  ASSERT_TRUE(this->driver.SaveFile(this->path));
+  const std::string content = this->directory.Read("one.def");
+  EXPECT_EQ(Head(content, TypeParam::kLines), content);
+  this->driver.PutDefinition(TypeParam::Sample());
+
+  this->directory.Write("enough.def", Head(content, TypeParam::kLinesNeeded));
+  EXPECT_TRUE(this->driver.LoadFile(this->directory.File("enough.def")));
+  const std::string cut = this->directory.Write("cut.def", Head(content, TypeParam::kLinesNeeded - 1));
+  this->driver.PutDefinition(TypeParam::Sample());
+  EXPECT_FALSE(this->driver.LoadFile(cut));
+  EXPECT_EQ(this->driver.InstrumentName(), "Other");
+  EXPECT_EQ(this->driver.FileName(), cut);
+  const Message& message = this->s.t.dialogs.messages.at(0);
+  EXPECT_EQ(message.text, "Error # 62\rInput past end of file\r" + std::string(TypeParam::kLoad) + "\r" + cut);
+  EXPECT_EQ(message.title, "Error");
+  EXPECT_EQ(message.icon, MessageIcon::Critical);
+}
+
+TYPED_TEST(DefinitionFileTest, AFailedSaveKeepsTheFileName) {
+  ASSERT_TRUE(this->driver.SaveFile(this->path));
+  const std::string nowhere = this->directory.File("missing/two.def");
+  EXPECT_FALSE(this->driver.SaveFile(nowhere));
+  EXPECT_EQ(this->driver.FileName(), this->path);
+  const std::string context = "\r" + std::string(TypeParam::kSave) + "\r" + nowhere;
+  EXPECT_TRUE(this->s.t.dialogs.LastText().ends_with(context));
+}
+
+TYPED_TEST(DefinitionFileTest, AFailingPrinterIsReported) {
+  this->driver.PrintSetup();
+  EXPECT_EQ(this->s.t.printer.jobs.size(), 1U);
+  this->s.t.printer.failure = ErrorNumber::DeviceIoError;
+  this->driver.PrintSetup();
+  EXPECT_TRUE(this->s.ToldOnce("Error # 57\r"));
+  EXPECT_TRUE(this->s.t.dialogs.WasShownContaining("\r" + std::string(TypeParam::kPrint) + "\r"));
+}
+
+TEST(Definition, LoadingDerivesTheTerminator) {
+  Station s;
+  SigGenDefinition d = SampleSigGen();
+  d.EndOfString = 2;
+  const std::string path = s.t.directory.File("cr.sg");
+  SaveRecord(path, d);
+  EXPECT_TRUE(s.on.sigGen.LoadFile(path));
+  s.on.sigGen.SetAddress(5);
+  EXPECT_EQ(s.on.sigGen.Address(), 5);
+  EXPECT_TRUE(s.on.sigGen.RfOff());
+  EXPECT_EQ(s.Took(), (Strings{"> 5 OUTP OFF\\r\\n"}));
+}
+
+TEST(DefinitionListing, PrintsAMeterInGroups) {
+  Station s;
+  MeterDefinition d = SampleMeter();
+  d.InitString = std::string(60, 'a') + std::string(60, 'b') + "c";
+  d.ParseCmd = "X";
+  s.on.meter.PutDefinition(d);
+  s.on.meter.PrintSetup();
+  const Strings expected = {"",
+                            "",
+                            "",
+                            "",
+                            "",
+                            "",
+                            "Instrument Name: Analyser",
+                            "        Address: 13",
+                            "",
+                            "    Init String: " + std::string(60, 'a'),
+                            "                 " + std::string(60, 'b'),
+                            "                 c",
+                            "",
+                            "Freq Set Prefix: CF",
+                            "         Suffix: MZ",
+                            "",
+                            " Lev Set Prefix: RL",
+                            "                 DB",
+                            "",
+                            "  Maximum Level: 120 dBuV",
+                            "  Minimum Level: 20 dBuV",
+                            "",
+                            "   Maximum Freq: 1000",
+                            "   Minimum Freq: 0.1",
+                            "",
+                            "        Trigger: TS",
+                            "           Read: MA?",
+                            "      Parse cmd: X",
+                            "       Shutdown: BYE",
+                            "",
+                            "          Units: 1  (0 = Volts, 1 = dBuv, 2 = mv, 3 = dbmv, 4 = dbm)",
+                            "           Type: 0  (0 = SpecAn, 1 = Scope, 2 = RfMeter)",
+                            "  Settling Time: 0.5",
+                            "  End of String: 0  (0 = none, 1 = cr, 2 = cr/lf)"};
+  EXPECT_EQ(s.t.printer.Lines(), expected);
+}
+
+TEST(DefinitionListing, ShowsEveryFieldUnderALabelOfOneWidth) {
+  const auto check = [](const auto& sample) {
+    const Strings before = Listing(sample);
+    for (const std::string& line : before) {
+      if (!line.empty()) {
+        EXPECT_EQ(line.substr(15, 2), line[15] == ':' ? ": " : "  ") << line;
+      }
+    }
+    for (int field = 0; field < FieldCount(sample); ++field) {
+      const Strings after = Listing(WithChangedField(sample, field));
+      EXPECT_NE(after, before) << "field " << field << " is not printed";
+    }
+  };
+  check(SampleSigGen());
+  check(SampleMeter());
+  check(SamplePowerMeter());
+}
+
+TEST(DefinitionListing, CutsTheInitStringBetweenCharacters) {
+  SigGenDefinition d = SampleSigGen();
+  d.InitString = std::string(59, 'a') + "\xC2\xB5" + "b";
+  const Strings lines = Listing(d);
+  EXPECT_EQ(lines.at(3), "    Init String: " + std::string(59, 'a') + "\xC2\xB5");
+  EXPECT_EQ(lines.at(4), std::string(17, ' ') + "b");
+}
+
+}  // namespace
+}  // namespace hylden

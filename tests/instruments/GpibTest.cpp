@@ -1,0 +1,122 @@
+#include "instruments/Gpib.h"
+
+#include "instruments/Station.h"
+
+namespace hylden {
+namespace {
+
+TEST(Gpib, ClearsTheInterfaceOnceAndTriesAgainAfterAFailure) {
+  Station s;
+  s.bus.FailCall(1, 4);
+  EXPECT_FALSE(s.on.gpib.GpibIfc());
+  EXPECT_TRUE(
+      s.ToldOnce("Error sending IFC.\r\nibsta = &H8120 < ERR CMPL CIC>\r\niberr = EARG <Invalid argument>"
+                 "\r\nibcnt = 0x0"));
+  EXPECT_TRUE(s.on.gpib.GpibIfc());
+  EXPECT_TRUE(s.on.gpib.GpibIfc());
+  EXPECT_EQ(s.Took(), (Strings{"IFC !4", "IFC"}));
+}
+
+TEST(Gpib, OpensWithoutAnInitCommandAndWaitsTwoSecondsDespiteAHalt) {
+  Station s;
+  s.t.shell.delay.RequestHalt();
+  const auto start = s.t.clock.TickMs();
+  EXPECT_TRUE(s.on.gpib.GpibOpen(7, "", "PwrMtr"));
+  EXPECT_EQ(s.Took(), (Strings{"FIND 7", "REMOTE 7"}));
+  EXPECT_EQ(s.t.clock.TickMs() - start, 2000);
+}
+
+TEST(Gpib, OpenAndCloseTellWhichStepFailed) {
+  const Strings texts = {"Error finding Meter\r\n", "Error in setting Meter to remote mode. \r\n",
+                         "Error initializing Meter\r\n"};
+  for (int step = 1; step <= 3; ++step) {
+    SCOPED_TRACE(step);
+    Station s;
+    s.bus.FailCall(step, gpib::kEnol);
+    EXPECT_FALSE(s.on.gpib.GpibOpen(13, "IP\r", "Meter"));
+    EXPECT_TRUE(s.ToldOnce(texts[static_cast<std::size_t>(step - 1)]));
+    EXPECT_EQ(s.bus.Calls(), step);
+    EXPECT_EQ(s.t.dialogs.pointerResets, step == 1 ? 1 : 0);
+  }
+  Station s;
+  s.bus.FailCall(1, gpib::kEnol);
+  EXPECT_FALSE(s.on.gpib.GpibClose(13, "Meter"));
+  EXPECT_TRUE(s.ToldOnce("Error closing Meter\r\n"));
+}
+
+TEST(Gpib, CutsAnAnswerAtItsBytesBeforeDecodingIt) {
+  Station s;
+  std::string answer;
+  s.bus.Answer(13, std::string(63, '1') + "\xB5" + std::string(36, '2'));
+  EXPECT_TRUE(s.on.gpib.Receive(13, answer, gpib::kStopEnd));
+  EXPECT_EQ(answer, std::string(63, '1') + "\xC2\xB5");
+}
+
+TEST(Gpib, SendsEightBitCharacters) {
+  Station s;
+  EXPECT_TRUE(s.on.gpib.Send(13, "UNIT \xC2\xB5V"));
+  EXPECT_EQ(s.Took(), (Strings{"> 13 UNIT \\xB5V"}));
+}
+
+struct StatusCase {
+  int status, error, count;
+  const char* text;
+};
+
+TEST(Gpib, DecodesEveryStatusIntoTheReport) {
+  const StatusCase cases[] = {
+      {0x8100, 0, 0, "Lost\r\nibsta = &H8100 < ERR CMPL>\r\niberr = EDVR <DOS Error>\r\nibcnt = 0x0"},
+      {0xFFFF, 20, 10,
+       "Lost\r\nibsta = &HFFFF < ERR TIMO END SRQI RQS CMPL LOK REM CIC ATN TACS LACS DTAS DCAS>"
+       "\r\niberr = ETAB <Table overflow>\r\nibcnt = 0xA"},
+      {0x8000, 8, 65535, "Lost\r\nibsta = &H8000 < ERR>\r\nibcnt = 0xFFFF"},
+      {0x0600, 6, 0, "Lost\r\nibsta = &H600 <>\r\nNo error, iberr =  6\r\nibcnt = 0x0"},
+      {0x0100, -1, 0, "Lost\r\nibsta = &H100 < CMPL>\r\nNo error, iberr = -1\r\nibcnt = 0x0"},
+  };
+  for (const StatusCase& c : cases) {
+    SCOPED_TRACE(c.text);
+    Station s;
+    s.on.gpib.ibsta = static_cast<std::int16_t>(c.status);
+    s.on.gpib.iberr = static_cast<std::int16_t>(c.error);
+    s.on.gpib.ibcnt = static_cast<std::int16_t>(c.count);
+    std::string message = "Lost";
+    s.on.gpib.GpibError(message);
+    EXPECT_EQ(message, c.text);
+    EXPECT_EQ(s.t.dialogs.LastText(), c.text);
+    EXPECT_EQ(s.t.dialogs.messages.at(0).icon, MessageIcon::Exclamation);
+  }
+}
+
+struct RegistrationCase {
+  int result;
+  Strings calls;
+  std::string message;  // empty: registered
+};
+
+TEST(Gpib, RegistersOnceOrEndsTheProgramWithItsMessage) {
+  const RegistrationCase cases[] = {
+      {0, {"REGISTER"}, ""},
+      {1, {"REGISTER", "UNREGISTER", "REGISTER"}, ""},
+      {2, {"REGISTER", "UNREGISTER"}, "Operating System is not multi-threaded. Quitting the Program!"},
+      {3, {"REGISTER", "UNREGISTER"}, "Unable to register GPIB thread globals. Quitting the Program!"},
+      {7, {"REGISTER"}, "Unknown Error for Registering GPIB Globals!!! Quitting the Program!"},
+  };
+  for (const RegistrationCase& c : cases) {
+    SCOPED_TRACE(c.result);
+    Station s;
+    s.bus.registrationResults = {c.result};
+    if (c.message.empty()) {
+      EXPECT_TRUE(s.on.gpib.Send(1, "A"));
+      EXPECT_TRUE(s.on.gpib.Send(1, "B"));
+    } else {
+      EXPECT_THROW(s.on.gpib.Send(1, "A"), ProgramEnd);
+      EXPECT_EQ(s.t.dialogs.LastText(), c.message);
+      EXPECT_EQ(s.t.dialogs.messages.at(0).icon, MessageIcon::Critical);
+      EXPECT_TRUE(s.Took().empty());
+    }
+    EXPECT_EQ(s.bus.registrations, c.calls);
+  }
+}
+
+}  // namespace
+}  // namespace hylden

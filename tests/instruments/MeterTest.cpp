@@ -1,0 +1,256 @@
+#include "instruments/Meter.h"
+
+#include <functional>
+
+#include "instruments/Station.h"
+
+namespace hylden {
+namespace {
+
+const std::string kNoErrorReport = "Error in reading meter. \r\nibsta = &H2120 < END CMPL CIC>\r\nNo error, iberr =  0";
+
+struct MeterTest : ::testing::Test, Station {
+  Meter& meter = on.meter;
+  MeterTest() { meter.PutDefinition(SampleMeter()); }
+  void Edit(const std::function<void(MeterDefinition&)>& edit) {
+    MeterDefinition d = meter.Definition();
+    edit(d);
+    meter.PutDefinition(d);
+  }
+};
+
+TEST_F(MeterTest, OpensWithTheReferenceAtItsMaximum) {
+  Edit([](MeterDefinition& d) { d.EndOfString = 1; });
+  EXPECT_TRUE(meter.InitMeter());
+  EXPECT_EQ(Took(), (Strings{"FIND 13", "REMOTE 13", "> 13 IP\\r", "> 13 RL 120.0 DB\\r"}));
+  Edit([](MeterDefinition& d) { d.InitString = ""; });
+  EXPECT_TRUE(meter.InitMeter());
+  EXPECT_EQ(Took(), (Strings{"FIND 13", "REMOTE 13", "> 13 RL 120.0 DB\\r"}));
+}
+
+struct LevelCase {
+  std::int32_t units, type;
+  const char* sent;
+};
+
+TEST_F(MeterTest, CommandsTheLevelInTheMetersUnits) {
+  const LevelCase cases[] = {{1, 0, "RL 102.0 DB"},    {1, 2, "RL 102.0 DB"},      {1, 1, "RL 93.2 DB"},
+                             {0, 0, "RL 0.125893 DB"}, {2, 0, "RL 125.892541 DB"}, {3, 0, "RL 42.0 DB"},
+                             {4, 0, "RL -4.9897 DB"}};
+  for (const LevelCase& c : cases) {
+    SCOPED_TRACE(c.sent);
+    Station s;
+    MeterDefinition d = SampleMeter();
+    d.Units = c.units;
+    d.Type = c.type;
+    s.on.meter.PutDefinition(d);
+    EXPECT_TRUE(s.on.meter.MeterSetLevel(100));
+    EXPECT_TRUE(s.on.meter.MeterSetLevel(100));  // unchanged: not sent again
+    EXPECT_EQ(s.bus.transcript.SentTo(13), (Strings{c.sent}));
+  }
+}
+
+TEST_F(MeterTest, RefusesLevelsAndFrequenciesOutsideItsLimits) {
+  EXPECT_TRUE(meter.MeterSetLevel(120));
+  EXPECT_TRUE(meter.MeterSetFreq(1000));
+  EXPECT_FALSE(meter.MeterSetLevel(120.1));
+  EXPECT_FALSE(meter.MeterSetLevel(19.9));
+  EXPECT_FALSE(meter.MeterSetFreq(1000.1));
+  EXPECT_FALSE(meter.MeterSetFreq(0.09));
+  const std::string level = "Level requested exceeds meter's capability. ";
+  const std::string freq = "Frequency requested exceeds meter's capability. ";
+  EXPECT_EQ(t.dialogs.Texts(), (Strings{level, level, freq, freq}));
+  EXPECT_EQ(Took(), (Strings{"> 13 RL 122.0 DB", "> 13 CF 1000.0 MZ"}));
+}
+
+TEST_F(MeterTest, TellsBadUnitsBeforeTheWriteFailure) {
+  Edit([](MeterDefinition& d) { d.Units = 5; });
+  EXPECT_FALSE(meter.MeterSetLevel(100));
+  ASSERT_EQ(t.dialogs.messages.size(), 2U);
+  EXPECT_EQ(t.dialogs.Texts()[0], "Error, bad units value in meter config file");
+  EXPECT_TRUE(t.dialogs.LastText().starts_with("Error in writing command to meter. \r\n"));
+}
+
+TEST_F(MeterTest, SetsAScopesTimeBaseToHalfAPeriod) {
+  Edit([](MeterDefinition& d) {
+    d.Type = 1;
+    d.MinimumFreq = 0;
+  });
+  EXPECT_TRUE(meter.MeterSetFreq(1));
+  EXPECT_TRUE(meter.MeterSetFreq(100));
+  EXPECT_FALSE(meter.MeterSetFreq(0));
+  EXPECT_EQ(Took(), (Strings{"> 13 CF 0.0000005 MZ", "> 13 CF 0.000000005 MZ"}));
+}
+
+TEST_F(MeterTest, TriggersAfterReadingStaleAnswersAway) {
+  bus.StaleAnswer(13, "99.9");
+  bus.Answer(13, "72.5");
+  const auto start = t.clock.TickMs();
+  EXPECT_EQ(meter.MeterRead(ReadMode::Single), 72.5);
+  EXPECT_EQ(t.clock.TickMs() - start, 500);
+  EXPECT_EQ(Took(), (Strings{"TMO 8", "< 13 99.9", "TMO 13", "> 13 TS", "> 13 MA?", "< 13 72.5"}));
+}
+
+TEST_F(MeterTest, APendingTriggerWaitsOnlyForWhatIsLeft) {
+  bus.Answer(13, "72.5");
+  EXPECT_TRUE(meter.MeterTrigger());
+  const auto start = t.clock.TickMs();
+  t.clock.Advance(300);
+  Took();
+  EXPECT_EQ(meter.MeterRead(ReadMode::Single), 72.5);
+  EXPECT_EQ(t.clock.TickMs() - start, 500);
+  EXPECT_EQ(Took(), (Strings{"> 13 MA?", "< 13 72.5"}));
+}
+
+TEST_F(MeterTest, AHaltEndsAPendingWaitAtOnce) {
+  bus.Answer(13, "72.5");
+  meter.MeterTrigger();
+  const auto start = t.clock.TickMs();
+  t.events.At(start + 100, [this] { t.shell.delay.RequestHalt(); });
+  EXPECT_EQ(meter.MeterRead(ReadMode::Single), 72.5);
+  EXPECT_EQ(t.clock.TickMs() - start, 100);
+}
+
+TEST_F(MeterTest, ASettlingTimeOfZeroAsksTheOperator) {
+  bus.Answer(13, "72.5");
+  EXPECT_EQ(meter.MeterRead(ReadMode::Single, 0), 72.5);
+  EXPECT_TRUE(ToldOnce("Press Enter to continue"));
+}
+
+struct AnswerCase {
+  const char* answer;
+  const char* parse;
+  std::int32_t units;
+  double level;
+};
+
+TEST_F(MeterTest, TurnsAnswersIntoLevels) {
+  const AnswerCase cases[] = {
+      {"VALUE 72.669 DBUV", "Mid(x, 7, 6)", 1, 72.669},
+      {"VALUE 72.669 DBUV", "", 1, 0},
+      {"  7.2669E+01\r\n", "", 1, 72.669},
+      {"0.1", "", 0, 100},
+      {"100 MV", "", 2, 100},
+      {"12", "", 3, 72},
+      {"-6.9897", "", 4, 100},
+      {"-1", "", 0, -999},
+  };
+  for (const AnswerCase& c : cases) {
+    SCOPED_TRACE(std::string(c.answer) + " / " + c.parse);
+    Station s;
+    MeterDefinition d = SampleMeter();
+    d.Units = c.units;
+    d.ParseCmd = c.parse;
+    s.on.meter.PutDefinition(d);
+    s.bus.Answer(13, c.answer);
+    EXPECT_NEAR(s.on.meter.MeterRead(ReadMode::Single), c.level, 1e-4);
+    EXPECT_EQ(s.on.meter.LastAnswer(), c.answer);
+    EXPECT_TRUE(s.t.dialogs.messages.empty());
+  }
+}
+
+TEST_F(MeterTest, AnAnswerWithoutAUsableValueIsAFailedReading) {
+  for (const AnswerCase& c :
+       {AnswerCase{"", "", 1, 999}, {"1E999", "", 1, 999}, {"1E308", "", 0, 999}, {"5", "Mid(x, 9, 1)", 1, 999}}) {
+    SCOPED_TRACE(std::string(c.answer) + " / " + c.parse);
+    Station s;
+    MeterDefinition d = SampleMeter();
+    d.Units = c.units;
+    d.ParseCmd = c.parse;
+    s.on.meter.PutDefinition(d);
+    s.bus.fallback = [&](int, const std::string&) { return c.answer; };
+    EXPECT_EQ(s.on.meter.MeterRead(ReadMode::AutoRange), c.level);
+    EXPECT_TRUE(s.ToldOnce(kNoErrorReport));
+  }
+}
+
+TEST_F(MeterTest, EachFailedCallOfAReadingGives999AndLosesTheTrigger) {
+  for (const std::string call : {"> 13 TS", "> 13 MA?", "< 13"}) {
+    SCOPED_TRACE(call);
+    Station s;
+    s.on.meter.PutDefinition(SampleMeter());
+    if (call[0] == '>') {
+      s.bus.FailLine(call, gpib::kEnol);
+    }
+    s.bus.Silence(13);
+    EXPECT_EQ(s.on.meter.MeterRead(ReadMode::Single), 999);
+    EXPECT_TRUE(s.t.dialogs.LastText().starts_with("Error in reading meter. \r\nibsta = &H"));
+    EXPECT_EQ(s.t.dialogs.messages.size(), call == "> 13 TS" ? 2U : 1U);
+    s.Took();
+    s.on.meter.MeterRead(ReadMode::Single);
+    EXPECT_EQ(s.Took().at(3), "> 13 TS");
+  }
+}
+
+struct RangeCase {
+  const char* name;
+  Strings answers;
+  double result;
+  Strings levels;
+};
+
+TEST_F(MeterTest, RangesUntilTheLevelSitsUnderTheReference) {
+  const RangeCase cases[] = {
+      {"in range", {"85"}, 85, {}},
+      {"lower edge is in range", {"84"}, 84, {}},
+      {"up", {"95", "100"}, 100, {"RL 107.0 DB"}},
+      {"up to the maximum", {"115", "116"}, 116, {"RL 122.0 DB"}},
+      {"at the reference", {"90", "95"}, 95, {"RL 102.0 DB"}},
+      {"down in steps", {"60", "60", "60", "60"}, 60, {"RL 82.0 DB", "RL 72.0 DB", "RL 65.0 DB"}},
+      {"above the maximum", {"120.1"}, 1000, {}},
+  };
+  for (const RangeCase& c : cases) {
+    SCOPED_TRACE(c.name);
+    Station s;
+    s.on.meter.PutDefinition(SampleMeter());
+    s.on.meter.MeterSetLevel(90);
+    s.bus.transcript.Clear();
+    s.bus.Answers(13, c.answers);
+    EXPECT_EQ(s.on.meter.MeterRead(ReadMode::AutoRange), c.result);
+    Strings levels;
+    for (const std::string& sent : s.bus.transcript.SentTo(13)) {
+      if (sent.starts_with("RL")) levels.push_back(sent);
+    }
+    EXPECT_EQ(levels, c.levels);
+  }
+}
+
+TEST_F(MeterTest, RangingSetsTheReferenceTriggersAndReadsAgain) {
+  meter.MeterSetLevel(90);
+  bus.Answers(13, {"95", "100"});
+  Took();
+  const auto start = t.clock.TickMs();
+  EXPECT_EQ(meter.MeterRead(ReadMode::AutoRange, 0.25), 100);
+  EXPECT_EQ(t.clock.TickMs() - start, 500);
+  EXPECT_EQ(Took(), (Strings{"TMO 8", "< 13 !6", "TMO 13", "> 13 TS", "> 13 MA?", "< 13 95", "> 13 RL 107.0 DB",
+                             "TMO 8", "< 13 !6", "TMO 13", "> 13 TS", "> 13 MA?", "< 13 100"}));
+}
+
+TEST_F(MeterTest, AReadingAtTheMaximumRepeatsUntilAHalt) {
+  meter.MeterSetLevel(120);
+  bus.fallback = [](int, const std::string&) { return "120"; };
+  t.events.At(t.clock.TickMs() + 5000, [this] { t.shell.delay.RequestHalt(); });
+  EXPECT_EQ(meter.MeterRead(ReadMode::AutoRange), 120);
+  EXPECT_EQ(bus.transcript.SentTo(13).size(), 20U);  // the level, nine readings, a trigger
+}
+
+TEST_F(MeterTest, ReadsOnceWithoutALevelCommand) {
+  Edit([](MeterDefinition& d) { d.LevSetPrefix = d.LevSetSuffix = ""; });
+  bus.Answer(13, "30");
+  EXPECT_EQ(meter.MeterRead(ReadMode::AutoRange), 30);
+}
+
+TEST_F(MeterTest, ShutsDownByItsCommandOrByStartingAnew) {
+  EXPECT_TRUE(meter.MeterShutdown());
+  EXPECT_EQ(Took(), (Strings{"> 13 BYE", "LOCAL 13"}));
+  bus.FailLine("> 13 BYE", gpib::kEnol);
+  EXPECT_FALSE(meter.MeterShutdown());
+  EXPECT_TRUE(ToldOnce("Error in writing command to meter. \r\n"));
+  Edit([](MeterDefinition& d) { d.Shutdown = ""; });
+  Took();
+  EXPECT_TRUE(meter.MeterShutdown());
+  EXPECT_EQ(Took(), (Strings{"FIND 13", "REMOTE 13", "> 13 IP", "> 13 RL 120.0 DB", "LOCAL 13"}));
+}
+
+}  // namespace
+}  // namespace hylden
