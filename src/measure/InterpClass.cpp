@@ -41,7 +41,7 @@ class TableReader {
   std::string Read(std::vector<FactorPoint>& points) {
     ParsedFactorLine next;
     do {
-      if (!lines_.AtEnd()) next = ParseFactorLine(lines_.ReadLine());
+      if (!lines_.AtEnd()) next = ParseFactorLine(lines_.NextLine());
       if (lines_.AtEnd()) return "Unexpected end of file in " + fileName_;
     } while (!next.Ok);
     points.push_back({next.Freq, next.Value});
@@ -67,7 +67,7 @@ class TableReader {
   }
 
   bool ReadPoint(FactorPoint& point) {
-    const ParsedFactorLine line = ParseFactorLine(lines_.ReadLine());
+    const ParsedFactorLine line = ParseFactorLine(lines_.NextLine());
     if (line.Ok) point = {line.Freq, line.Value};
     return line.Ok;
   }

@@ -1,5 +1,6 @@
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -42,8 +43,19 @@ Character NextCharacter(std::string_view text, std::size_t at) {
   return {code, length};
 }
 
+/// The first position from `at` on that holds no ASCII character; most files have none, so eight bytes are taken at
+/// once.
+std::size_t AsciiEnd(std::string_view text, std::size_t at) {
+  for (std::uint64_t block = 0; at + sizeof block <= text.size(); at += sizeof block) {
+    std::memcpy(&block, text.data() + at, sizeof block);
+    if ((block & 0x8080808080808080U) != 0) break;
+  }
+  while (at < text.size() && ByteAt(text, at) < 0x80) ++at;
+  return at;
+}
+
 bool IsUtf8(std::string_view text) {
-  for (std::size_t at = 0; at < text.size();) {
+  for (std::size_t at = AsciiEnd(text, 0); at < text.size(); at = AsciiEnd(text, at)) {
     const std::size_t length = NextCharacter(text, at).length;
     if (length == 0) return false;
     at += length;

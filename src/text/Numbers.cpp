@@ -144,6 +144,26 @@ double ValueOf(const std::string& digits) {
   return digits[0] == '-' ? -size : size;
 }
 
+struct PlainNumber {
+  double value = 0;
+  std::size_t end = 0;
+};
+
+/// The number at the start of a text, when it is of the common kind that needs no second look.
+std::optional<PlainNumber> ReadPlain(std::string_view text) {
+  const bool hasSign = !text.empty() && (text[0] == '+' || text[0] == '-');
+  const std::size_t first = hasSign ? 1 : 0;
+  if (first >= text.size() || (!IsDigit(text[first]) && text[first] != '.')) return std::nullopt;
+  const char* const end = text.data() + text.size();
+  PlainNumber number;
+  const auto read = std::from_chars(text.data() + first, end, number.value);
+  if (read.ec != std::errc() || !std::isfinite(number.value)) return std::nullopt;
+  if (read.ptr != end && (*read.ptr == 'D' || *read.ptr == 'd')) return std::nullopt;
+  if (text[0] == '-') number.value = -number.value;
+  number.end = static_cast<std::size_t>(read.ptr - text.data());
+  return number;
+}
+
 /// "&H1F" and "&O17" (or "&17"), without surrounding blanks. Up to 64 bits.
 std::optional<std::uint64_t> PrefixedWhole(std::string_view text) {
   if (text.size() < 2 || text[0] != '&') return std::nullopt;
@@ -158,6 +178,7 @@ std::optional<std::uint64_t> PrefixedWhole(std::string_view text) {
 
 std::optional<double> WholeTextNumber(std::string_view text) {
   const std::string_view number = Trim(text);
+  if (const auto plain = ReadPlain(number); plain && plain->end == number.size()) return plain->value;
   if (const auto prefixed = PrefixedWhole(number)) return static_cast<double>(*prefixed);
   const Scan scan = ScanNumber(number, true);
   if (!scan.found || scan.end != number.size()) return std::nullopt;
@@ -202,6 +223,7 @@ std::string PrintText(std::int32_t value) {
 double LeadingNumber(std::string_view text) {
   const std::size_t start = text.find_first_not_of(" \t\r\n");
   if (start == std::string_view::npos) return 0;
+  if (const auto plain = ReadPlain(text.substr(start))) return plain->value;
   const Scan scan = ScanNumber(text.substr(start), false);
   return scan.found ? ValueOf(scan.digits) : 0;
 }

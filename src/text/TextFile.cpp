@@ -179,10 +179,11 @@ bool LineReader::AtEnd() const {
   return position_ >= text_.size();
 }
 
-std::string LineReader::ReadLine() {
+std::string_view LineReader::NextLine() {
   if (AtEnd()) Fail(ErrorNumber::InputPastEndOfFile);
-  const std::size_t end = std::min(text_.find_first_of("\r\n", position_), text_.size());
-  std::string line = text_.substr(position_, end - position_);
+  std::size_t end = position_;
+  while (end < text_.size() && text_[end] != '\n' && text_[end] != '\r') ++end;
+  const std::string_view line = std::string_view(text_).substr(position_, end - position_);
   const bool pair = text_.compare(end, 2, "\r\n") == 0;
   position_ = end + (pair ? 2 : 1);
   return line;

@@ -25,7 +25,9 @@ class LineReader {
   /// True when no line is left. A text that ends with a line end has no further empty line.
   bool AtEnd() const;
   /// @throws RuntimeError InputPastEndOfFile when no line is left.
-  std::string ReadLine();
+  std::string ReadLine() { return std::string(NextLine()); }
+  /// The same without a copy; the view holds as long as the reader.
+  std::string_view NextLine();
 
  private:
   std::string text_;

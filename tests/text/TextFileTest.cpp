@@ -107,6 +107,16 @@ TEST(DecodeText, BytesThatAreNoUtf8AreReadAsWindows1252) {
   EXPECT_EQ(DecodeText("\xE2\x82"), "\xC3\xA2\xE2\x80\x9A");              // cut off
 }
 
+TEST(DecodeText, ABadByteIsFoundWhereverItStands) {
+  for (std::size_t at = 0; at < 20; ++at) {
+    std::string bytes(20, 'a'), expected = bytes;
+    bytes[at] = '\xB5';
+    expected.replace(at, 1, "\xC2\xB5");
+    EXPECT_EQ(DecodeText(bytes), expected) << at;
+    EXPECT_EQ(DecodeText(expected), expected) << at;
+  }
+}
+
 TEST(DecodeText, EveryByteFindsItsWayBack) {
   std::string bytes;
   for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
