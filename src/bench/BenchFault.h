@@ -4,7 +4,7 @@
 
 namespace hylden {
 
-/// Who on the bench misbehaves. Bus stands for every call to any instrument.
+/// Who on the bench misbehaves. Bus stands for whoever a call goes to.
 enum class BenchRole : int { Bus, SigGen, Meter, PowerMeter, IfiLow, IfiHigh };
 
 /// How.
@@ -22,8 +22,8 @@ enum class FaultKind : int {
 struct BenchFault {
   FaultKind Kind = FaultKind::Fail;
   BenchRole Who = BenchRole::Bus;
-  /// Which one from now on, 1 being the next: the next answer for Late, Garbage and Silent, the next call (a send or a
-  /// receive) for the others.
+  /// Which one from now on, 1 being the next: the next answer for Late, Garbage and Silent, the next call for the
+  /// others (a send or a receive; for Bus, interface clear, finding and remote control too).
   int Call = 1;
   /// Delay of a late answer.
   std::int64_t LateMs = 0;

@@ -47,7 +47,7 @@ Amplifier IfiSwitches::Amplifier() const {
 }
 
 VirtualIfiLow::VirtualIfiLow(RfWorld& world, IfiSwitches& switches)
-    : VirtualInstrument(BenchRole::IfiLow, kCrLf), world_(world), switches_(switches) {
+    : VirtualInstrument(BenchRole::IfiLow, kCrLf, false), world_(world), switches_(switches) {
   commands_.AddText("8", kStandby);
   commands_.AddText("9", kOperate);
   commands_.AddText("RP", kReadPower);
@@ -65,7 +65,7 @@ Heard VirtualIfiLow::Listen(std::string_view command) {
 }
 
 VirtualIfiHigh::VirtualIfiHigh(RfWorld& world, IfiSwitches& switches)
-    : VirtualInstrument(BenchRole::IfiHigh, kCrLf), world_(world), switches_(switches) {
+    : VirtualInstrument(BenchRole::IfiHigh, kCrLf, false), world_(world), switches_(switches) {
   commands_.AddText("FA", kAttenuate);
   commands_.AddText("ZA", kThrough);
   commands_.AddText("L3", kMode);

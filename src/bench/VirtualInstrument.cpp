@@ -29,11 +29,12 @@ void Replace(std::string& text, std::string_view mark, const std::string& by) {
 
 }  // namespace
 
-VirtualInstrument::VirtualInstrument(BenchRole role, std::int32_t endOfString)
+VirtualInstrument::VirtualInstrument(BenchRole role, std::int32_t endOfString, bool endsAnswers)
     : role_(role),
       terminator_(endOfString == 1   ? "\r"
                   : endOfString == 2 ? "\r\n"
-                                     : "") {}
+                                     : ""),
+      endsAnswers_(endsAnswers) {}
 
 Heard VirtualInstrument::Hear(std::string_view message) {
   if (!message.ends_with(terminator_)) return {};
@@ -49,7 +50,7 @@ std::optional<std::string> VirtualInstrument::Talk() {
 }
 
 std::optional<std::string> VirtualInstrument::Ended(std::optional<std::string> answer) const {
-  if (answer) *answer += terminator_;
+  if (answer && endsAnswers_) *answer += terminator_;
   return answer;
 }
 

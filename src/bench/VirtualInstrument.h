@@ -15,11 +15,12 @@ struct Heard {
   std::optional<std::string> Answer = std::nullopt;
 };
 
-/// An instrument on the virtual bus. It ends its messages as the End of String code of its definition says (0 none,
-/// 1 cr, 2 cr/lf) and takes only such messages.
+/// An instrument on the virtual bus. It takes only messages that end as the End of String code of its definition says
+/// (0 none, 1 cr, 2 cr/lf), and ends its answers likewise.
 class VirtualInstrument {
  public:
-  VirtualInstrument(BenchRole role, std::int32_t endOfString);
+  /// @param endsAnswers  false: only EOI marks the end of an answer
+  VirtualInstrument(BenchRole role, std::int32_t endOfString, bool endsAnswers = true);
   virtual ~VirtualInstrument() = default;
 
   BenchRole Role() const { return role_; }
@@ -38,6 +39,7 @@ class VirtualInstrument {
 
   BenchRole role_;
   std::string terminator_;
+  bool endsAnswers_;
 };
 
 /// An answer: the template with {level} replaced by the level as a plain number (linear units in exponent form),

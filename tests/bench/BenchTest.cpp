@@ -1,0 +1,130 @@
+#include "bench/Bench.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "BenchRig.h"
+
+namespace hylden {
+namespace {
+
+TEST(Bench, TellsOfEveryChangeAndOfNothingElse) {
+  BenchRig rig;
+  std::vector<BenchState> seen;
+  rig.bench.OnChange([&](const BenchState& state) { seen.push_back(state); });
+  for (const char* command : {"FR 10.0 MZ", "AP -12.0 DM", "AP -12.0 DM", "R1", "R1", "bad", "AM 80.0 PC", "R0"})
+    rig.Send(18, command);
+  ASSERT_EQ(seen.size(), 5u);
+  EXPECT_FALSE(seen[1].Generator.RfOn);
+  EXPECT_TRUE(IsMissing(seen[1].TestLevelDbuv));
+  EXPECT_NEAR(seen[2].TestLevelDbuv, rig.bench.Path().CalibrationPort(10, -12).TestLevelDbuv, 1e-9);
+  EXPECT_FALSE(seen[4].Generator.RfOn);
+}
+
+TEST(Bench, RemembersTheHighestLevelAtTheProductWhileRfWasOn) {
+  BenchRig rig;
+  rig.Send(18, "FR 10.0 MZ"), rig.Send(18, "AP 13.0 DM");
+  EXPECT_TRUE(IsMissing(rig.bench.MaxProductLevelWhileRfOn())) << "a level without RF is none";
+  rig.Send(18, "AP -30.0 DM"), rig.Send(18, "R1");
+  rig.Send(18, "AP -20.0 DM"), rig.Send(18, "AP -30.0 DM");
+  const double highest = rig.bench.Path().CalibrationPort(10, -20).TestLevelDbuv;
+  EXPECT_NEAR(rig.bench.MaxProductLevelWhileRfOn(), highest, 1e-9) << "even a level that stood for no time";
+  rig.bench.ResetMaxima();
+  EXPECT_LT(rig.bench.MaxProductLevelWhileRfOn(), highest - 9);
+}
+
+TEST(Bench, TheProductIsDisturbedByThePeakOfTheTestLevel) {
+  BenchConfig config = Noiseless();
+  config.Susceptibility = FrequencyTable{{1, 140}};
+  BenchRig rig(SmallStation(), config);
+  rig.Drive(10, -14);
+  ASSERT_LT(rig.bench.State().TestLevelDbuv, 140);
+  EXPECT_FALSE(rig.bench.ProductDisturbed());
+  rig.Send(18, "AM 80.0 PC"), rig.Send(18, "M1");
+  EXPECT_TRUE(rig.bench.ProductDisturbed());
+  rig.Send(18, "R0");
+  EXPECT_FALSE(rig.bench.ProductDisturbed());
+}
+
+TEST(Bench, EquippingAnewEndsWithRfOff) {
+  BenchRig rig;
+  rig.Drive(10, -12);
+  rig.bench.Equip(SmallStation());
+  EXPECT_FALSE(rig.bench.State().Generator.RfOn);
+}
+
+struct BadLine {
+  const char* text;
+  const char* error;
+};
+class BenchFileError : public testing::TestWithParam<BadLine> {};
+
+TEST_P(BenchFileError, NamesTheLineAndTheFault) {
+  const BenchFile file = ParseBenchFile(GetParam().text);
+  EXPECT_EQ(file.Error, GetParam().error);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , BenchFileError,
+    testing::Values(BadLine{"\n# a comment\nnoise = 1\n", "line 3: unknown key noise"},
+                    BadLine{"noise_db = much\n", "line 1: noise_db must be a number from 0 to 10"},
+                    BadLine{"noise_db = -1\n", "line 1: noise_db must be a number from 0 to 10"},
+                    BadLine{"noise_db = 1\nnoise_db = 2\n", "line 2: noise_db is given twice"},
+                    BadLine{"seed = 1.5\n", "line 1: seed must be a whole number"},
+                    BadLine{"meter_at = wall\n", "line 1: meter_at must be one of port probe generator cable"},
+                    BadLine{"amplifier.protection = on\n", "line 1: amplifier.protection must be yes or no"},
+                    BadLine{"just words\n", "line 1: expected key = value, or [table]"},
+                    BadLine{"[gain]\n1 2\n", "line 1: unknown table gain"},
+                    BadLine{"[amplifier.gain\n", "line 1: a table's name stands between [ and ]"},
+                    BadLine{"amplifier.gain = 4\n",
+                            "line 1: amplifier.gain is a table: write [amplifier.gain] and a line for each point"},
+                    BadLine{"[amplifier.gain]\n1 45\n0.5 45\n", "line 3: the frequencies of amplifier.gain must rise"},
+                    BadLine{"[amplifier.gain]\n1\n", "line 2: a point of amplifier.gain is a frequency and a value"},
+                    BadLine{"[product.ohm]\n1 -5\n",
+                            "line 2: the value of product.ohm must be a number from 0.1 to 1000000"},
+                    BadLine{"[amplifier.gain]\n[product.ohm]\n1 5\n", "line 2: the table amplifier.gain has no points"},
+                    BadLine{"[amplifier.gain]\n", "line 1: the table amplifier.gain has no points"},
+                    BadLine{"fault = late meter 3\n", "line 1: fault needs the delay in ms as its last word"},
+                    BadLine{"fault = break meter 3\n",
+                            "line 1: fault kind must be one of fail late garbage silent absent protection"},
+                    BadLine{"fault = fail meter 0\n", "line 1: fault must be a number from 1 to 1000000000"}));
+
+TEST(BenchFileText, ReadsBackAsTheConfigurationItWasWrittenFrom) {
+  BenchConfig config;
+  config.NoiseDb = 0.25, config.Seed = 42, config.Meter = MeterAt::Cable, config.Protection = true;
+  config.MeterAnswer = "A = {level}";
+  config.Detector = Detector::Average;
+  config.ProductOhm = FrequencyTable{{1, 30}, {2, 40}};
+  config.Faults = {{FaultKind::Late, BenchRole::PowerMeter, 3, 15000}, {FaultKind::Absent, BenchRole::IfiHigh, 7}};
+  const std::string text = BenchFileText(config);
+  const BenchFile file = ParseBenchFile(text);
+  ASSERT_TRUE(file.Ok()) << file.Error;
+  EXPECT_EQ(BenchFileText(file.Config), text);
+  EXPECT_EQ(file.Config.Meter, MeterAt::Cable);
+  EXPECT_EQ(file.Config.Faults[0].LateMs, 15000);
+  EXPECT_EQ(file.Config.ProductOhm.Points().size(), 2u);
+}
+
+TEST(BenchFile, AFileThatIsMissingIsAnErrorWithItsName) {
+  EXPECT_EQ(LoadBenchFile("no-such-bench.txt").Error.rfind("no-such-bench.txt: ", 0), 0u);
+}
+
+TEST(BenchFile, EveryKeyAndTableHasItsPlaceInTheDocumentation) {
+  std::ifstream page(HYLDEN_SOURCE_DIR "/docs/formats/bench.md");
+  const std::string documented((std::istreambuf_iterator<char>(page)), {});
+  std::istringstream lines(BenchFileText(BenchConfig()));
+  for (std::string line; std::getline(lines, line);) {
+    if (line.empty() || line.front() == '#') continue;
+    std::string name;
+    if (line.front() == '[')
+      name = line.substr(1, line.find(']') - 1);
+    else if (const auto equals = line.find(" = "); equals != std::string::npos)
+      name = line.substr(0, equals);
+    EXPECT_TRUE(name.empty() || documented.find("`" + name + "`") != std::string::npos) << name;
+  }
+}
+
+}  // namespace
+}  // namespace hylden
