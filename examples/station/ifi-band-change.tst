@@ -1,0 +1,37 @@
+ifi-10v.hyinfo
+ 180
+ 230
+True
+ 0
+ 5
+ 10
+ .5
+False
+
+ 1
+ 1
+ 80
+ 1
+ 10
+ 1
+ 2.5
+ 5
+False
+ 0
+-10
+ 3
+ .1
+ 0
+False
+ 0
+False
+False
+ 0
+ 150
+True
+False
+
+
+
+
+

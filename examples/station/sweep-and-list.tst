@@ -1,0 +1,37 @@
+cdn-10v.hyinfo
+ .15
+ 230
+True
+ 1
+ 5
+ 20
+ .5
+True
+radio-services.lst
+ 1
+ 0
+ 80
+ 1
+ 10
+ 1
+ 2.5
+ 5
+False
+ 0
+-10
+ 3
+ .1
+ 0
+False
+ 0
+False
+False
+ 0
+ 150
+False
+False
+
+
+
+
+
