@@ -10,9 +10,10 @@ struct PrintedLine {
   std::string text;
   int points = 10;
   bool bold = false;
+  bool newPage = false;  ///< begins a new page
 };
 
-/// Lines in printing order; page breaks as flagged.
+/// Lines in printing order.
 struct PrintJob {
   std::string title;
   /// Each page is scaled to 100 units of height. Printing starts at `top`; before a line that would start below

@@ -9,12 +9,12 @@ namespace hylden {
 
 bool ConsolePrinter::Print(const PrintJob& job) {
   if (out_) {
-    for (const PrintedLine& line : job.lines) *out_ << line.text << '\n';
+    for (const PrintedLine& line : job.lines) *out_ << (line.newPage ? "\f" : "") << line.text << '\n';
     if (!out_->flush()) throw RuntimeError(ErrorNumber::DeviceIoError);
     return true;
   }
   std::vector<std::string> lines;
-  for (const PrintedLine& line : job.lines) lines.push_back(line.text);
+  for (const PrintedLine& line : job.lines) lines.push_back((line.newPage ? "\f" : "") + line.text);
   const std::string all = printed_ + (printed_.empty() ? "" : "\f") + JoinLines(lines);
   ReplaceFile(path_, all);
   printed_ = all;
