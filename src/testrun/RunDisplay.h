@@ -7,7 +7,8 @@
 namespace hylden {
 
 /// Where a test run shows itself: the run window, the console runner, a recording test double. Frequencies in MHz, test
-/// levels in dBuV, induced levels in dBuA, powers in dBm. A display never fails and never blocks.
+/// levels in dBuV, induced levels in dBuA, powers in dBm; a limit of -999 is none. A display never fails and never
+/// blocks.
 class RunDisplay : public CountdownWindow {
  public:
   /// The quantities that turn red when they held the level.
@@ -23,9 +24,11 @@ class RunDisplay : public CountdownWindow {
   virtual void Highlight(Quantity quantity, bool red) = 0;
   virtual void Dwell(double seconds) = 0;
   virtual void Plan(int steps, double estimatedMinutes) = 0;
+  /// The test's start and stop frequency.
+  virtual void Range(double /*startMHz*/, double /*stopMHz*/) {}
   virtual void Elapsed(double minutes) = 0;
   virtual void Remaining(double minutes) = 0;
-  /// The run data was set up afresh (row -1), or this row was added or changed.
+  /// The run data was set up afresh (row -1), or this row was added or changed (counted from the header, row 0).
   virtual void RowChanged(int row) = 0;
 };
 

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+namespace hylden {
+
+struct TestDefinition;
+
+/// A planned step of a test run: MHz, seconds, dBm.
+struct PlanStep {
+  double Freq = 0;
+  double Dwell = 0;
+  float SigGenLevel = -999;  ///< the generator level reached; -999 until the step has been run
+};
+
+/// The longest plan; a definition that asks for more gives an empty one.
+inline constexpr std::size_t kMostSteps = 1'000'000;
+
+/// The swept steps of a test, each with the sweep dwell. Linear: the number of steps is rounded to the nearest (ties to
+/// even), so that the last one may lie half a step above or below the stop frequency. Logarithmic: rising by the step's
+/// percentage, and a last step at exactly the stop frequency. A step of 0 or less, a logarithmic start of 0 or less and
+/// a test without a sweep give an empty plan.
+std::vector<PlanStep> PlanSweep(const TestDefinition& test);
+
+/// Inserts the discrete frequencies that lie within the test's range, each with the discrete dwell, in rising order
+/// among the swept steps (behind a swept step of the same frequency). The list may be in any order.
+void MergeList(std::vector<PlanStep>& steps, std::vector<double> list, const TestDefinition& test);
+
+/// Estimated length of a run in seconds: the ramps and all dwells.
+double EstimateRunSeconds(const std::vector<PlanStep>& steps, const TestDefinition& test);
+
+}  // namespace hylden

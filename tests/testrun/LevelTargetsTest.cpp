@@ -1,0 +1,191 @@
+#include "testrun/LevelTargets.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "calibration/PowerReading.h"
+#include "documents/TestDefinition.h"
+#include "instruments/SensorPrompt.h"
+
+namespace hylden {
+namespace {
+
+TestDefinition Method(int method) {
+  TestDefinition test;
+  test.LevelingMethod = method;
+  return test;
+}
+
+TestDefinition Am(float depth, bool offBetweenFreqs, bool constPeak) {
+  TestDefinition test = Method(1);
+  test.ModType = 1;
+  test.AmDepth = depth;
+  test.ModOffBetweenFreqs = offBetweenFreqs;
+  test.ConstPeak = constPeak;
+  return test;
+}
+
+TEST(LevelTargets, ModulationDuringLevellingRaisesThePowerTargets) {
+  EXPECT_NEAR(PowerCorrection(Am(80, false, false)), 1.2057, 1e-4);
+  EXPECT_EQ(PowerCorrection(Am(80, true, false)), 0);
+  // The longer way of writing the same quantity.
+  const double m = 0.8;
+  EXPECT_NEAR(PowerCorrection(Am(80, false, false)),
+              20 * std::log10(1 + m) + 10 * std::log10((m * m + 2) / (2 * (1 + m) * (1 + m))), 1e-12);
+  TestDefinition pulse = Am(80, false, false);
+  pulse.ModType = 3;
+  EXPECT_EQ(PowerCorrection(pulse), 0);
+}
+
+TEST(LevelTargets, ConstantPeakDropsTheCarrierForAmOnly) {
+  EXPECT_NEAR(ConstPeakOffset(Am(80, true, true)), -5.105F, 1e-3);
+  EXPECT_EQ(ConstPeakOffset(Am(80, true, false)), 0);
+  TestDefinition fm = Am(80, true, true);
+  fm.ModType = 2;
+  EXPECT_EQ(ConstPeakOffset(fm), 0);
+}
+
+TEST(LevelTargets, AnAdjustedTestMovesEveryLevel) {
+  TestDefinition test = Method(2);
+  test.Extrapolate = true;
+  test.ExtrapolateTo = -6;
+  const StepTargets targets = TargetsFor(test, {-10, 120, 40, 39}).Targets;
+  EXPECT_FLOAT_EQ(targets.SigGenCal, -16);
+  EXPECT_FLOAT_EQ(targets.TestLevel, 114);
+  EXPECT_DOUBLE_EQ(targets.ForwardReference, 34);
+  EXPECT_DOUBLE_EQ(targets.PowerTarget, 33);
+  test.Extrapolate = false;
+  EXPECT_FLOAT_EQ(TargetsFor(test, {-10, 120, 40, 39}).Targets.SigGenCal, -10);
+}
+
+TEST(LevelTargets, MissingPowerIsToldAlsoWhenTheCorrectionLiftsTheMarker) {
+  const TestDefinition forward = Am(100, false, false);  // -999 + 1.76 would pass for a power
+  EXPECT_EQ(TargetsFor(forward, {-10, 120, -999, -999}).Text,
+            "Forward power data not in calibration file.\r\nThis calibration file can't be used for \r\n"
+            "power leveled tests.");
+  EXPECT_EQ(TargetsFor(Method(2), {-10, 120, 40, -999}).Text,
+            "Net power data not in calibration file.\r\nThis calibration file can't be used for \r\n"
+            "Net-power leveled tests.");
+  EXPECT_EQ(TargetsFor(Method(0), {-10, 120, -999, -999}).Text, "");
+}
+
+TEST(LevelTargets, TheCurrentLimitFollowsTheImpedance) {
+  TestDefinition test;
+  test.EUTCircuitImpedance = 150;
+  test.LimitMargin = 3;
+  EXPECT_NEAR(*InducedCurrentLimit(test, 120), 120 - 43.5218 + 3, 1e-4);
+  test.EUTCircuitImpedance = 0;  // would be no limit at all
+  EXPECT_EQ(InducedCurrentLimit(test, 120), std::nullopt);
+  test.EUTCircuitImpedance = 150;
+  EXPECT_EQ(InducedCurrentLimit(test, -999), std::nullopt);
+}
+
+TEST(LevelTargets, AGeneratorThatCannotGoLowEnoughIsTold) {
+  EXPECT_EQ(GeneratorFloorText(-10, -10), "");
+  EXPECT_EQ(GeneratorFloorText(-10.5F, -10),
+            "Signal generator can't possibly be set low enough to run this test\r\n"
+            "Calibration sig-gen level = -10.5\r\nThe minimum possible sig-gen level is -10");
+  EXPECT_NE(GeneratorFloorText(std::numeric_limits<float>::quiet_NaN(), -10), "");
+}
+
+struct StartCase {
+  const char* name;
+  int method;
+  float initialOffset;
+  bool limitCurrent;
+  PreviousStep previous;
+  double frequency, expected;
+};
+class StartTest : public testing::TestWithParam<StartCase> {};
+
+TEST_P(StartTest, BeginsThisFarBelow) {
+  const StartCase& c = GetParam();
+  TestDefinition test = Method(c.method);
+  test.InitLevOffset = c.initialOffset;
+  test.LimitCurrent = c.limitCurrent;
+  EXPECT_NEAR(StartingOffset(test, c.previous, c.frequency), c.expected, 1e-4);
+}
+
+INSTANTIATE_TEST_SUITE_P(LevelTargets, StartTest,
+                         testing::Values(StartCase{"first_by_generator", 0, -6, false, {}, 1, 6},
+                                         StartCase{"first_by_power", 1, -6, false, {}, 1, 60},
+                                         StartCase{"first_with_current_limit", 0, -6, true, {}, 1, 60},
+                                         StartCase{"first_from_deeper", 1, -70, false, {}, 1, 70},
+                                         StartCase{"later_by_generator", 0, -6, false, {1, 2}, 10, 8},
+                                         StartCase{
+                                             "later_by_power_drops_with_frequency", 2, -6, false, {1, -1}, 10, 25},
+                                         StartCase{"a_positive_offset_never_starts_above", 0, 6, false, {}, 1, 6}),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(LevelTargets, ARampStepClosesOnTheTargetButNotTooFinely) {
+  EXPECT_DOUBLE_EQ(RampStep(10, 6), 6);
+  EXPECT_DOUBLE_EQ(RampStep(2, 6), 2.1);
+  EXPECT_DOUBLE_EQ(RampStep(0, 6), 0.1);
+  EXPECT_DOUBLE_EQ(RampStep(5, 0.05), 0.2);
+}
+
+TEST(LevelTargets, TheIncrementDefaultsTo6AndIsNeverTooSmallToMove) {
+  TestDefinition test;
+  EXPECT_EQ(MaximumIncrement(test), 6);
+  test.LevelInc = -2;
+  EXPECT_EQ(MaximumIncrement(test), 2);
+  test.LevelInc = 1e-20F;
+  EXPECT_EQ(MaximumIncrement(test), 0.01);
+  test.LevelInc = std::numeric_limits<float>::quiet_NaN();
+  EXPECT_EQ(MaximumIncrement(test), 6);
+}
+
+struct RaiseCase {
+  double offset, increment, step, expectedOffset, expectedIncrement;
+};
+TEST(LevelTargets, TheGeneratorGoesPastItsCalibrationSlowly) {
+  const RaiseCase cases[] = {
+      {6, 6, 6, 0, 6},            // plain
+      {2, 6, 4, -2, 6},           // within 3 dB
+      {2, 10, 6, -1, 1},          // to the calibrated level first, then 1 dB
+      {0, 6, 6, -1, 1},           //
+      {-2.5, 1, 1, -3.5, 1},      // the caller warns
+      {-2.9, 1, 0.3, -3.2, 1},    // never more than was asked for
+      {-2, 0.5, 1.2, -2.5, 0.5},  // a small increment stays
+  };
+  for (const RaiseCase& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.offset << " by " << c.step);
+    const Drive drive = Raise({c.offset, c.increment}, c.step);
+    EXPECT_NEAR(drive.Offset, c.expectedOffset, 1e-12);
+    EXPECT_EQ(drive.MaximumIncrement, c.expectedIncrement);
+  }
+}
+
+TEST(LevelTargets, NoReadingIsNoReadingWhateverItsKind) {
+  for (const double bad :
+       {998.1, 999.0, 1000.0, std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::infinity()})
+    EXPECT_FALSE(IsReading(bad)) << bad;
+  EXPECT_TRUE(IsReading(998));
+  EXPECT_TRUE(IsReading(-999));
+}
+
+TEST(LevelTargets, TheGainDeficitCountsShortfallAndExtraDrive) {
+  EXPECT_DOUBLE_EQ(GainDeficit(40, 38, -1.5), 3.5);
+  EXPECT_DOUBLE_EQ(GainDeficit(40, 42, -2), 0);
+}
+
+struct SensorCase {
+  double previous, frequency;
+  const char* expected;
+};
+TEST(SensorPrompt, MovesTheSensorAtBandChangesOnly) {
+  const SensorCase cases[] = {
+      {0, 215, "Move sensor to low freq coupler"},
+      {0, 215.001, "Move sensor to high freq coupler"},
+      {215, 215.001, "Move sensor(s) to high freq coupler"},
+      {300, 215, "Move sensor(s) to low freq coupler"},
+      {100, 215, ""},
+      {300, 216, ""},
+  };
+  for (const SensorCase& c : cases) EXPECT_EQ(SensorPrompt(c.previous, c.frequency, 215), c.expected);
+}
+
+}  // namespace
+}  // namespace hylden
