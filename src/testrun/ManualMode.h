@@ -1,0 +1,96 @@
+#pragma once
+
+#include <exception>
+#include <functional>
+#include <string>
+
+#include "testrun/RunContext.h"
+
+namespace hylden {
+
+/// Range of the level scroll bar, in tenths of a dB: deep enough for any threshold, and little enough above the
+/// calibrated level that a slipped key does no harm.
+inline constexpr int kLowestOffsetTenths = -600, kHighestOffsetTenths = 100;
+/// Pace at which manual changes are applied, ms.
+inline constexpr int kManualTimerMs = 500;
+
+enum class ArrowKey { Left, Right, Up, Down };
+
+/// The two scroll bars of manual mode.
+struct ManualScroll {
+  int Step = 1;          ///< 1 to the highest step reached
+  int OffsetTenths = 0;  ///< tenths of a dB
+  bool operator==(const ManualScroll&) const = default;
+};
+/// Right and Left move a step up and down, Up and Down the level by 0.1 dB. A key that would leave a range moves
+/// nothing.
+ManualScroll MoveByKey(ManualScroll now, ArrowKey key, int highestStep);
+
+/// Manual mode as the run sees it: what the operator's events do to the instruments and the run data. A failing
+/// instrument ends with RF off; nothing raises the level once a halt was requested. Offsets in dB.
+class ManualMode {
+ public:
+  explicit ManualMode(RunContext& run) : run_(run) {}
+
+  /// @param constantPeakOffset  dB, of the step just run
+  void Enter(int step, int highestStep, float constantPeakOffset);
+  void Leave() { active_ = false; }
+  bool IsActive() const { return active_; }
+  /// An event is being worked on; changes wait for the next tick of the timer.
+  bool IsBusy() const { return busy_; }
+  int ReturnStep() const { return returnStep_; }
+  float LevelOffset() const { return levelOffset_; }
+
+  void manStepNumChange(int step);
+  void manLevOffsetChange(float offsetDb);
+  void manRfOn(bool on);
+  void manModOn(bool on);
+  void manThresholdClick(const std::string& frequencyText, float offsetDb);
+  void manExitClick();
+
+ private:
+  void Handle(const std::function<bool()>& change);
+  void Trap(const std::exception& error);
+  bool GoToStep(int step);
+  bool SetLevel();
+  bool SwitchRf(bool on);
+  bool SwitchModulation(bool on);
+  void SwitchRfOff();
+  PlanStep& StepNow() { return run_.steps[static_cast<std::size_t>(returnStep_ - 1)]; }
+
+  RunContext& run_;
+  bool active_ = false;
+  bool busy_ = false;
+  int returnStep_ = 1;
+  int highestStep_ = 1;
+  float levelOffset_ = 0;
+  float constantPeakOffset_ = 0;
+};
+
+/// Manual mode as the operator's form holds it: the scroll bars and what has changed since the last tick of its timer.
+class ManualPanel {
+ public:
+  explicit ManualPanel(ManualMode& mode) : mode_(mode) {}
+
+  void Open(const ManualStart& start);
+  /// The bar was moved; a value outside its range is not taken. @return whether it moved
+  bool MoveStep(int step);
+  bool MoveOffset(int tenths);
+  bool Key(ArrowKey key);
+  /// The timer: applies what has changed, the step before the level.
+  void Tick();
+
+  const ManualScroll& Scroll() const { return scroll_; }
+  int HighestStep() const { return highestStep_; }
+  float OffsetDb() const { return static_cast<float>(scroll_.OffsetTenths) / 10; }
+  std::string OffsetText() const;
+
+ private:
+  ManualMode& mode_;
+  ManualScroll scroll_;
+  int highestStep_ = 1;
+  bool stepChanged_ = false;
+  bool levelChanged_ = false;
+};
+
+}  // namespace hylden

@@ -1,0 +1,37 @@
+#include "testrun/RunCommands.h"
+
+#include "documents/Documents.h"
+#include "shell/Shell.h"
+#include "testrun/RunControls.h"
+#include "testrun/RunEngine.h"
+
+namespace hylden {
+
+bool RunCommands::Confirm() {
+  const CalInfoRec& calibration = documents_.calInfo.Record;
+  const MessageAnswer answer = shell_.dialogs.Show(
+      {"Make sure proper amp is hooked up,\r\n" + calibration.AmpUsed +
+           "\r\nand proper coupling device and cables are connected,\r\n" + calibration.DeviceDescription,
+       "MAKE SURE!!!", MessageIcon::Exclamation, MessageButtons::OkCancel});
+  return answer == MessageAnswer::Ok;
+}
+
+void RunCommands::Run() {
+  if (engine_.IsRunning() || !Confirm()) return;
+  controls_.SetRunMode();
+  controls_.FileMenuEnabled(false);
+  engine_.RunCdiTest();
+}
+
+void RunCommands::Halt() {
+  shell_.delay.RequestHalt();
+  controls_.SetHalting();
+}
+
+void RunCommands::Manual() {
+  if (!engine_.IsRunning()) return;
+  shell_.delay.StartDelay(double{documents_.testSetup.Definition.InterDwell});
+  engine_.RequestManual();
+}
+
+}  // namespace hylden

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <vector>
+
+#include "testrun/RunControls.h"
+#include "testrun/RunData.h"
+#include "testrun/RunDisplay.h"
+#include "testrun/RunPreparation.h"
+
+namespace hylden {
+
+class Shell;
+struct Documents;
+struct Instruments;
+
+/// What the parts of one run share: the engine, its steps and manual mode.
+struct RunContext {
+  RunContext(Shell& theShell, Instruments& theInstruments, Documents& theDocuments, RunDisplay& theDisplay,
+             RunControls& theControls)
+      : shell(theShell),
+        instruments(theInstruments),
+        documents(theDocuments),
+        display(theDisplay),
+        controls(theControls),
+        preparation(theShell, theInstruments, theDocuments, theDisplay) {}
+
+  Shell& shell;
+  Instruments& instruments;
+  Documents& documents;
+  RunDisplay& display;
+  RunControls& controls;
+  RunPreparation preparation;
+  RunData data;
+  std::vector<PlanStep> steps;  ///< step i of the run is steps[i - 1]
+
+  bool manualRequested = false;     ///< manual mode was asked for, or is going on
+  bool modulationSilenced = false;  ///< manual mode left the modulation off
+};
+
+}  // namespace hylden

@@ -1,0 +1,202 @@
+#include "testrun/RunEngine.h"
+
+#include <algorithm>
+#include <exception>
+#include <stdexcept>
+
+#include "documents/Documents.h"
+#include "instruments/Instruments.h"
+#include "instruments/RfSilence.h"
+#include "shell/Shell.h"
+
+namespace hylden {
+
+RunEngine::RunEngine(Shell& shell, Instruments& instruments, Documents& documents, RunDisplay& display,
+                     RunControls& controls)
+    : run_(shell, instruments, documents, display, controls), stepRunner_(run_), manual_(run_) {}
+
+bool RunEngine::Halted() const {
+  return run_.shell.delay.HaltRequested();
+}
+
+RunReadiness RunEngine::Prepare() {
+  if (running_) return RunReadiness::NotReady;
+  ready_ = false;
+  run_.display.Status("State: Idle");
+  if (run_.preparation.PlanSteps(run_.steps) < 1) {
+    run_.shell.dialogs.Tell("Error, no frequencies to test? Check setup.");
+    return RunReadiness::NoSteps;
+  }
+  const bool loaded = run_.preparation.LoadCalibration();
+  if (loaded) {
+    run_.data.Clear();
+    run_.display.RowChanged(-1);
+    ready_ = run_.preparation.LoadRunFactors();
+  }
+  run_.display.Status("State: Idle");
+  if (!ready_) return RunReadiness::NotReady;
+  run_.controls.SetHaltMode();
+  run_.controls.FileMenuEnabled(true);
+  return RunReadiness::Ready;
+}
+
+void RunEngine::RunCdiTest() {
+  if (running_ || !ready_) return;
+  running_ = true;
+  outcome_ = RunOutcome::EndedEarly;
+  reported_ = false;
+  std::exception_ptr programEnd;
+  try {
+    RunTest();
+  } catch (const ProgramEnd&) {
+    RfOffQuietly();
+    programEnd = std::current_exception();
+  } catch (const std::exception& error) {
+    RfOffQuietly();
+    Report(error);
+  } catch (...) {
+    RfOffQuietly();
+    Report(std::runtime_error("Unknown failure"));
+  }
+  EndRun();
+  running_ = false;
+  if (programEnd) std::rethrow_exception(programEnd);
+}
+
+void RunEngine::Reset() {
+  run_.shell.delay.ClearHalt();
+  run_.data.Clear();
+  run_.display.RowChanged(-1);
+  for (PlanStep& step : run_.steps) step.SigGenLevel = PlanStep{}.SigGenLevel;
+  ended_.assign(run_.steps.size(), {});
+  currentStep_ = highestStep_ = 0;
+  run_.manualRequested = run_.modulationSilenced = false;
+  stepRunner_.StartRun();
+}
+
+void RunEngine::RunTest() {
+  Reset();
+  run_.controls.FileMenuEnabled(false);
+  run_.controls.SetRunMode();
+  if (!run_.preparation.InitInstruments() || Halted()) return;
+  run_.shell.log.LogFile("Test run started\r\n" + run_.documents.testSetup.StringPrintTestSetup());
+  Sweep();
+}
+
+void RunEngine::Sweep() {
+  const int count = static_cast<int>(run_.steps.size());
+  for (currentStep_ = 1; currentStep_ <= count; ++currentStep_) {
+    if (Halted()) return;
+    // The first step is not timed: it starts from far below the level.
+    if (currentStep_ == 2) startMs_ = run_.shell.clock.TickMs();
+    run_.display.Step(currentStep_);
+    if (!RunStep(currentStep_ == 1)) return;
+    highestStep_ = std::max(highestStep_, currentStep_);
+    if (run_.manualRequested && !ManualPhase()) return;
+    if (currentStep_ >= 3) ShowTimes();
+  }
+  currentStep_ = count;
+  outcome_ = RunOutcome::Finished;
+  run_.shell.log.LogFile("Frequency sweep finished");
+}
+
+bool RunEngine::RunStep(bool first) {
+  const auto index = static_cast<std::size_t>(currentStep_ - 1);
+  if (!stepRunner_.Run(run_.steps.at(index), first)) return false;
+  ended_[index] = stepRunner_.Previous();
+  return true;
+}
+
+void RunEngine::ShowTimes() {
+  const auto elapsed = static_cast<double>(run_.shell.clock.TickMs() - startMs_);
+  const double secondsPerStep = elapsed / ((currentStep_ - 1) * 1000.0);
+  run_.display.Elapsed(elapsed / 60000);
+  run_.display.Remaining((static_cast<double>(run_.steps.size()) - (currentStep_ - 1)) * secondsPerStep / 60);
+}
+
+bool RunEngine::ManualPhase() {
+  OpenManual();
+  while (manual_.IsActive() && !Halted()) run_.shell.delay.Yield();
+  const bool halted = Halted();
+  if (!halted) run_.shell.log.LogFile("Manual mode exited, test continued");
+  CloseManual();
+  if (halted) return false;
+  currentStep_ = manual_.ReturnStep();
+  stepRunner_.ResumeFrom(ended_[static_cast<std::size_t>(currentStep_ - 1)]);
+  return true;
+}
+
+void RunEngine::OpenManual() {
+  const TestDefinition& test = run_.documents.testSetup.Definition;
+  manual_.Enter(currentStep_, highestStep_, ConstPeakOffset(test));
+  manualOpen_ = true;
+  run_.controls.OpenManual({.Step = currentStep_,
+                            .HighestStep = highestStep_,
+                            .LevelOffset = 0,
+                            .Freq = run_.steps[static_cast<std::size_t>(currentStep_ - 1)].Freq,
+                            .ModEnabled = test.ModType != 0,
+                            .RfOn = run_.instruments.sigGen.RfIsOn()});
+  run_.display.Status("Manual Mode");
+  run_.controls.ButtonsVisible(false);
+  run_.shell.log.LogFile("Manual mode entered");
+}
+
+void RunEngine::CloseManual() {
+  if (!manualOpen_) return;
+  manualOpen_ = false;
+  run_.manualRequested = false;
+  manual_.Leave();
+  run_.controls.ButtonsVisible(true);
+  run_.controls.CloseManual();
+}
+
+void RunEngine::EndRun() {
+  Attempt([&] { run_.shell.log.LogFile("Instruments taken offline"); });
+  Attempt([&] { run_.preparation.ShutdownInstruments(); });
+  Attempt([&] { CloseManual(); });
+  Attempt([&] { run_.shell.speaker.Beep(1000, 2000); });
+  run_.shell.delay.RequestHalt();
+  Attempt([&] { run_.controls.ButtonsEnabled(false); });
+  Attempt([&] { AskToSave(); });
+  Attempt([&] { run_.controls.ButtonsEnabled(true); });
+  Attempt([&] { run_.controls.FileMenuEnabled(true); });
+  Attempt([&] { run_.controls.SetHaltMode(); });
+}
+
+void RunEngine::AskToSave() {
+  const MessageAnswer answer = run_.shell.dialogs.Show(
+      {"Would you like to save the testrun data?", "Save Run Data", MessageIcon::Question, MessageButtons::YesNo});
+  if (answer == MessageAnswer::Yes) SaveRunData(run_.shell, run_.data);
+}
+
+void RunEngine::Attempt(const std::function<void()>& part) {
+  try {
+    part();
+  } catch (const ProgramEnd&) {
+  } catch (const std::exception& error) {
+    Report(error);
+  } catch (...) {
+    Report(std::runtime_error("Unknown failure"));
+  }
+}
+
+void RunEngine::Report(const std::exception& error) {
+  if (reported_) return;
+  reported_ = true;
+  try {
+    run_.shell.ReportError(error, "frmRunTest.RunCDI");
+  } catch (const std::exception&) {
+    // The operator can't be told; the end of the run goes on.
+  }
+}
+
+void RunEngine::RfOffQuietly() {
+  try {
+    SigGen& sigGen = run_.instruments.sigGen;
+    sigGen.RfIsOn() ? SilenceRf(sigGen) : sigGen.RfOff();
+  } catch (const std::exception&) {
+    // The shutdown at the end of the run tries again.
+  }
+}
+
+}  // namespace hylden

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "testrun/ManualMode.h"
+#include "testrun/RunContext.h"
+#include "testrun/StepRunner.h"
+
+namespace hylden {
+
+/// What Prepare came to.
+enum class RunReadiness {
+  NoSteps,   ///< nothing to test: the run window closes
+  NotReady,  ///< a table or the calibration record is missing: the window stays, Run can't be pressed
+  Ready
+};
+
+/// How the last run ended.
+enum class RunOutcome {
+  NotRun,      ///< none has been started
+  Finished,    ///< every planned step was run
+  EndedEarly,  ///< it failed, was halted, or is still going on
+};
+
+/// Runs a test: walks the planned steps, lets the operator take over between them, and always ends with RF off, the
+/// instruments offline and the question whether to save. One run at a time; levels, messages and their order are those
+/// that an operator of the station knows.
+class RunEngine {
+ public:
+  RunEngine(Shell& shell, Instruments& instruments, Documents& documents, RunDisplay& display, RunControls& controls);
+
+  /// Plans the steps, loads the calibration record and the factor tables, and sets the run data up afresh. What fails
+  /// has been shown.
+  RunReadiness Prepare();
+  /// Runs the whole test; returns when it ended, failed or was halted. Does nothing before Prepare came to Ready.
+  void RunCdiTest();
+  /// Levels and dwells the current step; false ends the run.
+  bool RunStep(bool first);
+  int CurrentStepNumber() const { return currentStep_; }
+
+  bool IsRunning() const { return running_; }
+  RunOutcome Outcome() const { return outcome_; }
+  /// The highest step reached in the last run.
+  int CompletedSteps() const { return highestStep_; }
+  /// Asks for manual mode after the current step.
+  void RequestManual() { run_.manualRequested = true; }
+
+  ManualMode& Manual() { return manual_; }
+  const RunData& Data() const { return run_.data; }
+  const std::vector<PlanStep>& Steps() const { return run_.steps; }
+
+ private:
+  bool Halted() const;
+  void Reset();
+  void RunTest();
+  void Sweep();
+  bool ManualPhase();
+  void OpenManual();
+  void CloseManual();
+  void ShowTimes();
+  void EndRun();
+  void AskToSave();
+  /// Does a part of the end of the run; an exception is reported, the first of a run only, and ends here.
+  void Attempt(const std::function<void()>& part);
+  void Report(const std::exception& error);
+  void RfOffQuietly();
+
+  RunContext run_;
+  StepRunner stepRunner_;
+  ManualMode manual_;
+  std::vector<PreviousStep> ended_;  ///< where each step ended, for a run that goes on from an earlier one
+  bool ready_ = false;
+  bool running_ = false;
+  RunOutcome outcome_ = RunOutcome::NotRun;
+  bool manualOpen_ = false;
+  bool reported_ = false;
+  int currentStep_ = 0;
+  int highestStep_ = 0;
+  std::int64_t startMs_ = 0;
+};
+
+}  // namespace hylden

@@ -1,0 +1,202 @@
+#include "testrun/StepRunner.h"
+
+#include "documents/Documents.h"
+#include "instruments/Instruments.h"
+#include "instruments/RfSilence.h"
+#include "shell/Shell.h"
+
+namespace hylden {
+
+namespace {
+constexpr double kConstantPeakWait = 0.5;
+}  // namespace
+
+const TestDefinition& StepRunner::Test() const {
+  return run_.documents.testSetup.Definition;
+}
+
+bool StepRunner::Halted() const {
+  return run_.shell.delay.HaltRequested();
+}
+
+void StepRunner::StartRun() {
+  previous_ = {};
+  conflictAccepted_ = false;
+}
+
+bool StepRunner::Run(PlanStep& step, bool first) {
+  state_ = {};
+  try {
+    if (Procedure(step, first)) return true;
+  } catch (...) {
+    SwitchRfOff();
+    throw;
+  }
+  SwitchRfOff();
+  run_.display.Status("");
+  return false;
+}
+
+bool StepRunner::Procedure(PlanStep& step, bool first) {
+  Begin(step, first);
+  if (!FindTargets() || !SetUpFeedback() || !ChooseStart(first)) return false;
+  if (!Retune() || !RampToTarget() || !ModulationOn() || !HoldForDwell()) return false;
+  Record(step);
+  return true;
+}
+
+void StepRunner::Begin(const PlanStep& step, bool first) {
+  run_.display.Status("Ramping level...");
+  if (first) previous_ = {};
+  state_.Freq = step.Freq;
+  state_.Dwell = step.Dwell;
+  state_.Row = run_.data.AddStep(step.Freq);
+  run_.display.RowChanged(state_.Row);
+  run_.display.Frequency(step.Freq);
+  for (const auto quantity :
+       {RunDisplay::Quantity::SigGenLevel, RunDisplay::Quantity::InducedLevel, RunDisplay::Quantity::ForwardPower})
+    run_.display.Highlight(quantity, false);
+}
+
+bool StepRunner::FindTargets() {
+  const CalibratedLevels levels = LookUpLevels(run_.preparation.Calibration(), Test(), state_.Freq);
+  const TargetsOrText found = TargetsFor(Test(), levels);
+  if (!found.Text.empty()) return Fail(found.Text);
+  state_.Targets = found.Targets;
+  state_.Result.TestLevel = found.Targets.TestLevel;
+  state_.Probe.LimitDbua = InducedCurrentLimit(Test(), levels.TestLevel).value_or(kNoValue);
+
+  const bool usesPower = Test().LevelingMethod != static_cast<int>(LevelingMethod::SigGen);
+  if (usesPower && !run_.instruments.pm.PwrMtrSetFreq(state_.Freq)) return Fail("Error setting power meter");
+  const std::string floorText = GeneratorFloorText(state_.Targets.SigGenCal, run_.instruments.sigGen.MinimumLevel());
+  return floorText.empty() || Fail(floorText);
+}
+
+bool StepRunner::SetUpFeedback() {
+  if (!Test().MonitorProbe) return true;
+  run_.display.Status("Setting up feedback loop...");
+  float cableLoss = 0, probeFactor = 0;
+  if (!run_.preparation.CableLoss().InterpVal(state_.Freq, cableLoss, FreqScale::Linear))
+    return Fail("Error interpolating cable loss");
+  if (!run_.preparation.ProbeFactor().InterpVal(state_.Freq, probeFactor, FreqScale::Linear))
+    return Fail("Error interpolating probe factor");
+  state_.Probe.Factors = double{cableLoss} + double{probeFactor};
+
+  if (Halted()) return false;
+  if (!run_.instruments.meter.MeterSetFreq(state_.Freq)) return false;
+  if (!Test().LimitCurrent) return true;
+  if (IsMissing(state_.Probe.LimitDbua))
+    return Fail("The induced current can't be limited: check circuit impedance and test level");
+  return run_.instruments.meter.MeterSetLevel(state_.Probe.LimitDbua - state_.Probe.Factors);
+}
+
+bool StepRunner::ChooseStart(bool first) {
+  state_.Now.Offset = StartingOffset(Test(), first ? PreviousStep{} : previous_, state_.Freq);
+  state_.Now.MaximumIncrement = MaximumIncrement(Test());
+  run_.display.Dwell(state_.Dwell);
+  if (!AcceptConflict()) return false;
+  run_.display.SigGenLevel(DriveLevel());
+  run_.display.TestLevel(state_.Targets.TestLevel);
+  return true;
+}
+
+bool StepRunner::AcceptConflict() {
+  const float minimum = run_.instruments.sigGen.MinimumLevel();
+  if (DriveLevel() >= minimum) return true;
+  if (!conflictAccepted_) {
+    const MessageAnswer answer =
+        run_.shell.dialogs.Show({"Calibration sig-gen level is above the minimum possible sig-gen level,\r\n"
+                                 "but the starting offset puts it below the minimum. Proceed anyway?",
+                                 "Sig-Gen level conflict", MessageIcon::Question, MessageButtons::YesNo});
+    if (answer != MessageAnswer::Yes) return false;
+    conflictAccepted_ = true;
+  }
+  state_.Now.Offset = double{state_.Targets.SigGenCal} - double{minimum};
+  return true;
+}
+
+bool StepRunner::Retune() {
+  if (Halted()) return false;
+  const TestDefinition& test = Test();
+  SigGen& sigGen = run_.instruments.sigGen;
+  run_.display.Status("Setting Sig-Gen...");
+  if (run_.documents.equip.Record.HasIfiAmplifier() && !run_.instruments.ifiAmp.IfiSetBand(state_.Freq)) return false;
+  if (test.ModOffBetweenFreqs && !sigGen.ModOff()) return false;
+  if (Halted()) return false;
+  if (!sigGen.SetFreqLevel(state_.Freq, DriveLevel())) return Fail("Error setting SigGen");
+  if (!sigGen.RfOn()) return false;
+  // The level is reached with the modulation that the test has, whatever manual mode left behind.
+  if (run_.modulationSilenced && !test.ModOffBetweenFreqs && !SwitchModulationOn(sigGen, test)) return false;
+  run_.modulationSilenced = false;
+  return Wait(double{test.InterDwell}, "Intermediate dwell...");
+}
+
+bool StepRunner::ModulationOn() {
+  const TestDefinition& test = Test();
+  if (!test.ModOffBetweenFreqs) return true;
+  SigGen& sigGen = run_.instruments.sigGen;
+  if (test.ModType == static_cast<int>(Modulation::Am) && test.ConstPeak) {
+    // The carrier drops before the modulation's peaks come on top of it.
+    const float level = DriveLevel() + state_.Targets.ConstantPeakOffset;
+    if (!sigGen.SetFreqLevel(state_.Freq, level)) return false;
+    if (!run_.shell.delay.Delay(kConstantPeakWait, true)) return false;
+  }
+  if (Halted() || !SwitchModulationOn(sigGen, test)) return false;
+  StartDwell();
+  return true;
+}
+
+bool StepRunner::SwitchModulationOn(SigGen& sigGen, const TestDefinition& test) {
+  switch (static_cast<Modulation>(test.ModType)) {
+    case Modulation::Am:
+      return sigGen.AmOn();
+    case Modulation::Fm:
+      return sigGen.FmOn();
+    case Modulation::Pulse:
+      return sigGen.PulseOn();
+    default:
+      return true;
+  }
+}
+
+bool StepRunner::HoldForDwell() {
+  if (run_.manualRequested) return !Halted();
+  run_.display.Status("Finishing Final Dwell...");
+  return run_.shell.delay.WaitDelay(true, &run_.display) && !Halted();
+}
+
+void StepRunner::Record(PlanStep& step) {
+  step.SigGenLevel = DriveLevel();
+  previous_ = {state_.Freq, state_.KeptOffset};
+  state_.Result.SigGenLevel = step.SigGenLevel;
+  run_.data.FillStep(state_.Row, state_.Result);
+  run_.display.RowChanged(state_.Row);
+}
+
+bool StepRunner::Wait(double seconds, const std::string& status) {
+  run_.display.Status(status);
+  run_.shell.delay.StartDelay(seconds);
+  return run_.shell.delay.WaitDelay(true, &run_.display) && !Halted();
+}
+
+void StepRunner::StartDwell() {
+  run_.shell.delay.StartDelay(state_.Dwell);
+}
+
+void StepRunner::Mark(bool& mark, RunDisplay::Quantity quantity) {
+  mark = true;
+  run_.display.Highlight(quantity, true);
+}
+
+void StepRunner::SwitchRfOff() {
+  if (state_.RfSwitchedOff) return;
+  state_.RfSwitchedOff = SilenceRf(run_.instruments.sigGen);
+}
+
+bool StepRunner::Fail(const std::string& text) {
+  SwitchRfOff();  // a message box may stand for hours
+  run_.shell.dialogs.Tell(text);
+  return false;
+}
+
+}  // namespace hylden

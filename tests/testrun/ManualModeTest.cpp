@@ -1,0 +1,214 @@
+#include "testrun/ManualMode.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "testrun/RunRig.h"
+
+namespace hylden {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+
+TEST(ManualScroll, ArrowKeysStayInRange) {
+  struct Case {
+    ManualScroll now;
+    ArrowKey key;
+    ManualScroll expected;
+  };
+  const Case cases[] = {
+      {{3, 0}, ArrowKey::Up, {3, 1}},     {{3, 0}, ArrowKey::Down, {3, -1}},      {{3, 0}, ArrowKey::Right, {4, 0}},
+      {{3, 0}, ArrowKey::Left, {2, 0}},   {{12, 0}, ArrowKey::Right, {12, 0}},    {{1, 0}, ArrowKey::Left, {1, 0}},
+      {{3, 100}, ArrowKey::Up, {3, 100}}, {{3, -600}, ArrowKey::Down, {3, -600}},
+  };
+  for (const Case& c : cases) EXPECT_EQ(MoveByKey(c.now, c.key, 12), c.expected);
+}
+
+/// A run that goes to manual mode after its second step; `manual` is played there, one action per turn of the user
+/// interface, and manual mode is left after the last.
+struct ManualTest : testing::Test {
+  RunRig rig;
+  ManualPanel panel{rig.engine.Manual()};
+  std::vector<std::function<void()>> manual;
+  std::size_t sentBefore = 0;
+
+  void SetUp() override { rig.test.InitLevOffset = -6; }
+
+  void Run() {
+    rig.t.events.onYield = [this, next = std::size_t{0}, asked = false]() mutable {
+      if (!asked && rig.engine.CurrentStepNumber() == 2) {
+        asked = true;
+        rig.commands.Manual();
+      }
+      if (!rig.engine.Manual().IsActive()) return;
+      if (next == 0) {
+        panel.Open(rig.controls.opened);
+        sentBefore = rig.bus.transcript.SentTo(18).size();
+      }
+      if (next < manual.size())
+        manual[next++]();
+      else
+        rig.engine.Manual().manExitClick();
+    };
+    rig.Run();
+  }
+  /// What the generator was sent in manual mode, up to the next step's frequency.
+  std::vector<std::string> Sent() {
+    auto sent = rig.Generator();
+    sent.erase(sent.begin(), sent.begin() + static_cast<std::ptrdiff_t>(sentBefore));
+    return sent;
+  }
+};
+
+TEST_F(ManualTest, OpensAfterTheStepAndTheRunGoesOn) {
+  manual = {[] {}};
+  Run();
+  EXPECT_EQ(rig.controls.opened.Step, 2);
+  EXPECT_EQ(rig.controls.opened.HighestStep, 2);
+  EXPECT_EQ(rig.controls.opened.Freq, 2);
+  EXPECT_EQ(rig.controls.opened.LevelOffset, 0);
+  EXPECT_TRUE(rig.controls.opened.RfOn);
+  EXPECT_FALSE(rig.controls.opened.ModEnabled);
+  EXPECT_EQ(rig.display.steps, (std::vector<int>{1, 2, 3}));
+  EXPECT_THAT(rig.display.statuses, Contains("Manual Mode"));
+  EXPECT_THAT(std::vector<std::string>(rig.controls.calls.begin() + 4, rig.controls.calls.begin() + 8),
+              ElementsAre("manual opened", "buttons hidden", "buttons shown", "manual closed"));
+  EXPECT_EQ(rig.Rows().size(), 3U);
+}
+
+TEST_F(ManualTest, ChangesWaitForTheTimerAndTheStepComesFirst) {
+  manual = {[&] {
+              EXPECT_TRUE(panel.MoveOffset(15));
+              EXPECT_TRUE(panel.MoveStep(1));
+              EXPECT_EQ(panel.OffsetText(), "1.5");
+              EXPECT_EQ(rig.bus.transcript.SentTo(18).size(), sentBefore);
+            },
+            [&] { panel.Tick(); }, [&] { panel.Tick(); }};
+  Run();
+  const auto sent = Sent();
+  EXPECT_EQ(sent[0], "POW -10.0 DBM");  // the lower level first, then the frequency
+  EXPECT_EQ(sent[1], "FREQ 1.0 MHZ");
+  EXPECT_EQ(sent[2], "POW -8.5 DBM");
+  EXPECT_EQ(rig.controls.manualFreq, 1);
+}
+
+TEST_F(ManualTest, OnlyStepsThatWereRunCanBeReached) {
+  manual = {[&] {
+    EXPECT_FALSE(panel.MoveStep(3));
+    EXPECT_FALSE(panel.MoveStep(0));
+    EXPECT_FALSE(panel.Key(ArrowKey::Right));
+    rig.engine.Manual().manStepNumChange(3);
+    EXPECT_EQ(rig.engine.Manual().ReturnStep(), 2);
+  }};
+  Run();
+}
+
+TEST_F(ManualTest, TheRunGoesOnBehindTheStepThatWasReturnedTo) {
+  manual = {[&] {
+    panel.Key(ArrowKey::Left);
+    panel.Tick();
+  }};
+  Run();
+  EXPECT_EQ(rig.display.steps, (std::vector<int>{1, 2, 2, 3}));
+  EXPECT_EQ(rig.Rows().size(), 4U);
+  EXPECT_LE(rig.highestAt[2], -8);
+}
+
+TEST_F(ManualTest, RfAndModulationFollowTheOperator) {
+  rig.test.ModType = 1;
+  rig.test.AmDepth = 80;
+  rig.test.AmModFreq = 1;
+  rig.test.ModOffBetweenFreqs = rig.test.ConstPeak = true;
+  manual = {[&] { rig.engine.Manual().manModOn(false); }, [&] { rig.engine.Manual().manRfOn(false); },
+            [&] {
+              EXPECT_FALSE(rig.controls.manualRf);
+              rig.engine.Manual().manLevOffsetChange(-3);
+            },
+            [&] { rig.engine.Manual().manRfOn(true); }, [&] { rig.engine.Manual().manModOn(true); }};
+  Run();
+  EXPECT_TRUE(rig.controls.opened.ModEnabled);
+  auto sent = Sent();
+  sent.resize(5);
+  EXPECT_THAT(sent, ElementsAre("MOD OFF", "OUTP OFF", "POW -16.1 DBM", "OUTP ON", "AM ON"));
+}
+
+TEST_F(ManualTest, ModulationSwitchedOffByHandIsBackForTheNextStep) {
+  rig.test.ModType = 1;
+  rig.test.AmDepth = 80;
+  rig.test.AmModFreq = 1;
+  manual = {[&] { rig.engine.Manual().manModOn(false); }};
+  Run();
+  EXPECT_THAT(rig.bus.transcript.SentTo(18), testing::Contains("AM ON\\r\\n").Times(2));
+}
+
+TEST_F(ManualTest, AThresholdIsRecordedBetweenTheStepsWithItsComment) {
+  rig.t.dialogs.AnswerInput("display flickers");
+  manual = {[&] { rig.engine.Manual().manThresholdClick("2.0", -1.5F); }};
+  Run();
+  ASSERT_EQ(rig.Rows().size(), 4U);
+  EXPECT_EQ(rig.Rows()[2], "2.0, Threshold -1.5dB, display flickers");
+  EXPECT_EQ(rig.t.dialogs.inputs[0].title, "Threshold Comment");
+  EXPECT_EQ(rig.t.dialogs.inputs[0].prompt, "Enter comments");
+}
+
+TEST_F(ManualTest, AThresholdWithoutACommentIsKept) {
+  rig.t.dialogs.AnswerInput(std::nullopt);
+  manual = {[&] { rig.engine.Manual().manThresholdClick("2.0", 0); }};
+  Run();
+  EXPECT_EQ(rig.Rows()[2], "2.0, Threshold 0.0dB, ");
+}
+
+TEST_F(ManualTest, ALevelThatTheGeneratorRefusesEndsWithRfOffAndTheOperatorGoesOn) {
+  manual = {[&] { rig.engine.Manual().manLevOffsetChange(50); },
+            [&] {
+              EXPECT_FALSE(rig.rfOn);
+              EXPECT_FALSE(rig.controls.manualRf);
+              EXPECT_TRUE(rig.engine.Manual().IsActive());
+            }};
+  Run();
+  EXPECT_EQ(rig.Rows().size(), 3U);
+}
+
+TEST_F(ManualTest, AHaltEndsTheRunAndRemovesTheForm) {
+  manual = {[&] { rig.commands.Halt(); }, [&] { rig.engine.Manual().manLevOffsetChange(3); }};
+  Run();
+  EXPECT_EQ(rig.Rows().size(), 2U);
+  EXPECT_THAT(rig.controls.calls, Contains("manual closed"));
+  EXPECT_FALSE(rig.rfOn);
+  EXPECT_EQ(rig.highestDbm, -8);
+}
+
+TEST_F(ManualTest, AnAmplifierThatFailsHaltsTheRun) {
+  rig.equipment.AmplifierType = static_cast<int>(AmpType::Ifi);
+  rig.equipment.IfiBandSwitch = 1.5;
+  manual = {[&] {
+    rig.bus.FailLine("> 10 8", gpib::kEabo);
+    rig.engine.Manual().manStepNumChange(1);
+    EXPECT_TRUE(rig.t.shell.delay.HaltRequested());
+  }};
+  Run();
+  EXPECT_EQ(rig.Rows().size(), 2U);
+  EXPECT_FALSE(rig.rfOn);
+}
+
+TEST_F(ManualTest, TheManualButtonCutsALongDwellToOneIntermediateDwell) {
+  rig.test.SweepDwell = 1000;
+  std::int64_t pressedAt = 0;
+  ASSERT_EQ(rig.Prepare(), RunReadiness::Ready);
+  rig.t.events.onYield = [&] {
+    if (rig.display.statuses.back() == "Finishing Final Dwell..." && pressedAt == 0) {
+      rig.commands.Manual();
+      pressedAt = rig.t.clock.TickMs();
+    }
+    if (!rig.engine.Manual().IsActive()) return;
+    EXPECT_LE(rig.t.clock.TickMs() - pressedAt, 502);
+    rig.commands.Halt();
+  };
+  rig.engine.RunCdiTest();
+  EXPECT_EQ(rig.Rows().size(), 1U);
+  EXPECT_EQ(rig.controls.opened.Step, 1);
+}
+
+}  // namespace
+}  // namespace hylden

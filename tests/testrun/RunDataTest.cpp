@@ -1,0 +1,178 @@
+#include "testrun/RunData.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "support/ScriptedBus.h"
+#include "support/TestShell.h"
+#include "testrun/RunReport.h"
+#include "testrun/RunRig.h"
+#include "testrun/RunUnits.h"
+
+namespace hylden {
+namespace {
+
+RunData Example() {
+  RunData data;
+  StepResult first{-10.04F, 120.05F, 76.449, 40.1, {}, {}};
+  first.Marks.SigGenAtCalibration = true;
+  data.FillStep(data.AddStep(0.15), first);
+  data.SetComment(data.AddThreshold("0.15", -1.5), "display, flickers\r\nbadly");
+  StepResult second{-8, 120, {}, 42.0, 31.96, {}};
+  second.Marks.ForwardCapHeld = second.Marks.PowerAboveTarget = true;
+  data.FillStep(data.AddStep(80), second);
+  data.AddStep(81.5);  // failed
+  return data;
+}
+
+const char* const kWhole =
+    "                   Test Run Data\r\n"
+    "Note: Data with asterisks indicates item first meeting leveling criteria.\r\n"
+    "Freq(MHz), SigGen(dBm), TestLev(dBuv), Probe(dBuA), FwdPwr(dBm), RevPwr(dBm)\r\n"
+    "0.15, -10.0 **, 120.1, 76.4, 40.1, \r\n"
+    "0.15, Threshold -1.5dB, display, flickers  badly\r\n"
+    "80.0, -8.0, 120.0, , 42.0 +2, 32.0\r\n"
+    "81.5, , , , , \r\n";
+
+TEST(RunData, TheFileHoldsEveryRowInOrder) {
+  EXPECT_EQ(RunFileText(Example(), false), kWhole);
+}
+
+TEST(RunData, TheThresholdFileHoldsThresholdsOnly) {
+  EXPECT_EQ(RunFileText(Example(), true),
+            "                   Test Run Data\r\nFreq(MHz), Threshold, Comment\r\n"
+            "0.15, Threshold -1.5dB, display, flickers  badly\r\n");
+}
+
+struct SaveTest : testing::Test {
+  ScriptedBus bus;
+  TestShell t{bus};
+};
+
+TEST_F(SaveTest, NothingToSaveOpensNoDialog) {
+  SaveRunData(t.shell, RunData());
+  EXPECT_TRUE(t.dialogs.WasShown("No run data to save"));
+  EXPECT_TRUE(t.dialogs.saveRequests.empty());
+}
+
+TEST_F(SaveTest, TheChosenFileGetsAllRows) {
+  t.shell.settings.SaveDataDir(datakind::kTestResults, t.directory.Path());
+  t.dialogs.AnswerSave(t.directory.File("a.run"));
+  SaveRunData(t.shell, Example());
+  EXPECT_EQ(t.directory.Read("a.run"), kWhole);
+  ASSERT_EQ(t.dialogs.saveRequests.size(), 1U);
+  EXPECT_EQ(t.dialogs.saveRequests[0].title, "Select run file");
+  EXPECT_EQ(t.dialogs.saveRequests[0].filter, "Test Run Files (*.run)|*.run|All Files|*.*");
+  EXPECT_EQ(t.dialogs.saveRequests[0].directory, t.directory.Path());
+}
+
+TEST_F(SaveTest, AFileThatCantBeWrittenIsReportedWithItsPath) {
+  const std::string path = t.directory.File("missing/a.run");
+  EXPECT_FALSE(FileRunData(t.shell, Example(), path, false));
+  EXPECT_TRUE(t.dialogs.LastText().find("FileRunData\r" + path) != std::string::npos) << t.dialogs.LastText();
+}
+
+TEST_F(SaveTest, AHundredThousandRowsAreWrittenInNoTime) {
+  RunData data;
+  const auto start = std::chrono::steady_clock::now();
+  for (int i = 0; i < 100'000; ++i) data.FillStep(data.AddStep(i * 0.001), {-10, 120, 76, 40, 30, {}});
+  EXPECT_TRUE(FileRunData(t.shell, data, t.directory.File("big.run"), false));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+}
+
+TEST(RunReport, PagesFollowTheKind) {
+  RunRig rig;
+  const RunData data = Example();
+  PrintRunReport(rig.t.shell, rig.documents, data, RunReportKind::Brief);
+  PrintRunReport(rig.t.shell, rig.documents, data, RunReportKind::Threshold);
+  PrintRunReport(rig.t.shell, rig.documents, data, RunReportKind::Detailed);
+  ASSERT_EQ(rig.t.printer.jobs.size(), 3U);
+
+  const PrintJob& brief = rig.t.printer.jobs[0];
+  EXPECT_TRUE(brief.askForPrinter);
+  EXPECT_EQ(brief.top, 5);
+  EXPECT_EQ(brief.bottom, 90);
+  EXPECT_EQ(brief.lines[0].points, 16);
+  EXPECT_TRUE(brief.lines[0].bold);
+  const auto lines = rig.t.printer.Lines(0);
+  ASSERT_EQ(lines.size(), 8U);
+  EXPECT_EQ(lines[0], "                   Test Run Data");
+  EXPECT_EQ(lines[1], "");
+  EXPECT_EQ(lines[2], "Note: Data with asterisks indicates item first meeting leveling criteria.");
+  EXPECT_EQ(lines[4], "0.15, -10.0 **, 120.1, 76.4, 40.1, ");
+  EXPECT_FALSE(brief.lines[4].bold);
+  EXPECT_EQ(brief.lines[4].points, 10);
+
+  EXPECT_EQ(rig.t.printer.Lines(1),
+            (std::vector<std::string>{"                   Test Run Data", "", "Freq(MHz), Threshold, Comment",
+                                      "0.15, Threshold -1.5dB, display, flickers  badly"}));
+
+  const auto& detailed = rig.t.printer.jobs[2].lines;
+  EXPECT_EQ(detailed.front().text, "                 Test Run Parameters");
+  EXPECT_TRUE(detailed[detailed.size() - lines.size()].newPage);
+  EXPECT_EQ(detailed[detailed.size() - lines.size()].text, lines[0]);
+}
+
+TEST(RunReport, AFailingPrinterIsReportedAndTheDataStay) {
+  RunRig rig;
+  rig.t.printer.failure = ErrorNumber::DeviceIoError;
+  PrintRunReport(rig.t.shell, rig.documents, Example(), RunReportKind::Brief);
+  EXPECT_TRUE(rig.t.dialogs.WasShownContaining("PrintRunData"));
+}
+
+struct UnitCase {
+  RunUnit unit;
+  const char *caption, *value;
+};
+
+TEST(RunUnits, TheTestLevelIsShownInEveryUnit) {
+  const UnitCase cases[] = {
+      {RunUnit::DbuV, "Test Level\r\n(dBuv)", "120.0"},  {RunUnit::DbuA, "Test Level\r\n(dBuA)", "76.5"},
+      {RunUnit::Dbm, "Test Level\r\n(dBm)", "8.2"},      {RunUnit::Milliwatts, "Test Level\r\n(mW)", "6.7"},
+      {RunUnit::Volts, "Test Level\r\n(Volts)", "1.00"},
+  };
+  for (const UnitCase& c : cases) {
+    const ShownLevel shown = ShowTestLevel(120, c.unit, 150);
+    EXPECT_EQ(shown.Caption, c.caption);
+    EXPECT_EQ(shown.Value, c.value);
+    EXPECT_EQ(shown.ToolTip, "76.5 dBua current in a 150.0 ohm system");
+  }
+  EXPECT_EQ(ShowTestLevel(119.9, RunUnit::Volts, 150).Value, "0.989");
+}
+
+TEST(RunUnits, TheInducedLevelIsShownInEveryUnit) {
+  const UnitCase cases[] = {
+      {RunUnit::DbuV, "Induced Level\r\n(dBuv est)", "120.0"},
+      {RunUnit::DbuA, "Induced Level\r\n(dBuA)", "76.5"},
+      {RunUnit::Dbm, "Induced Level\r\n(dBm est)", "8.2"},
+      {RunUnit::Milliwatts, "Induced Level\r\n(mW est)", "6.7"},
+      {RunUnit::Volts, "Induced Level\r\n(Volts est)", "1.000"},
+      {RunUnit::Relative, "Induced level\r\ndB (relative)", "-3.5"},
+  };
+  for (const UnitCase& c : cases) {
+    const ShownLevel shown = ShowInducedLevel(76.4782, 80, c.unit, 150);
+    EXPECT_EQ(shown.Caption, c.caption);
+    EXPECT_EQ(shown.Value, c.value) << c.caption;
+  }
+  EXPECT_EQ(ShowInducedLevel(80, 80, RunUnit::Relative, 150).Value, "0.0");
+  EXPECT_EQ(ShowInducedLevel(80, 80, RunUnit::Relative, 150).ToolTip, "dB relative to induced current limit");
+  EXPECT_EQ(ShowInducedLevel(80, -999, RunUnit::Relative, 150).Value, "na");
+}
+
+TEST(RunUnits, ALevelWithoutAValueIsShownAsNotAvailable) {
+  EXPECT_EQ(ShowTestLevel(120, RunUnit::DbuA, 0).Value, "na");
+  EXPECT_EQ(ShowTestLevel(120, RunUnit::DbuA, 0).ToolTip, "");
+  EXPECT_EQ(ShowTestLevel(120, RunUnit::Volts, 0).Value, "1.00");
+  EXPECT_EQ(ShowInducedLevel(80, 80, RunUnit::Dbm, 0).Value, "na");
+  EXPECT_EQ(ShowPower(1e6, RunUnit::Watts).Value, "na");
+}
+
+TEST(RunUnits, PowerIsShownInDbmOrWatts) {
+  EXPECT_EQ(ShowPower(40, RunUnit::Dbm).Value, "40.0");
+  EXPECT_EQ(ShowPower(40, RunUnit::Watts).Value, "10.000");
+  EXPECT_EQ(ShowPower(40, RunUnit::Watts).Caption, "Forward Power\r\n(watts)");
+}
+
+}  // namespace
+}  // namespace hylden

@@ -1,0 +1,353 @@
+// However a run ends: RF off, the instruments offline, the rows still there, and one question whether to save.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "testrun/RunRig.h"
+
+namespace hylden {
+namespace {
+
+constexpr const char* kSaveQuestion = "Would you like to save the testrun data?";
+
+/// Everything on: net power, probe, AM, an IFI amplifier.
+void UseEverything(RunRig& rig) {
+  rig.test.LevelingMethod = static_cast<int>(LevelingMethod::NetPower);
+  rig.test.MonitorProbe = rig.test.LimitCurrent = true;
+  rig.test.LimitMargin = 20;
+  rig.test.ModType = 1;
+  rig.test.AmDepth = 80;
+  rig.test.AmModFreq = 1;
+  rig.test.ModOffBetweenFreqs = rig.test.ConstPeak = true;
+  rig.equipment.AmplifierType = static_cast<int>(AmpType::Ifi);
+  rig.equipment.IfiBandSwitch = 2;
+}
+
+void ExpectEnded(const RunRig& rig) {
+  EXPECT_EQ(rig.Shown(kSaveQuestion), 1);
+  EXPECT_EQ(rig.t.speaker.tones.back(), (FakeSpeaker::Tone{1000, 2000}));
+  ASSERT_GE(rig.controls.calls.size(), 4U);
+  EXPECT_EQ(std::vector<std::string>(rig.controls.calls.end() - 4, rig.controls.calls.end()),
+            (std::vector<std::string>{"buttons off", "buttons on", "file menu on", "halt mode"}));
+  EXPECT_TRUE(rig.t.shell.delay.HaltRequested());
+  EXPECT_FALSE(rig.engine.IsRunning());
+}
+
+void ExpectEndedWithRfOff(const RunRig& rig) {
+  EXPECT_FALSE(rig.rfOn);
+  ExpectEnded(rig);
+}
+
+struct RunEndTest : testing::Test {
+  RunRig rig;
+};
+
+TEST_F(RunEndTest, ANormalRunTakesTheInstrumentsDownInOrder) {
+  UseEverything(rig);
+  rig.Run();
+  EXPECT_EQ(rig.Rows().size(), 3U);
+  const auto& lines = rig.bus.Lines();
+  const auto at = [&](const std::string& text) { return std::find(lines.begin(), lines.end(), text) - lines.begin(); };
+  EXPECT_LT(at("LOCAL 17"), at("LOCAL 13"));
+  EXPECT_LT(at("LOCAL 13"), at("LOCAL 18"));
+  EXPECT_EQ(at("LOCAL 18"), static_cast<std::ptrdiff_t>(lines.size()) - 1);
+  ExpectEndedWithRfOff(rig);
+}
+
+TEST_F(RunEndTest, WhicheverBusCallFailsTheRunEndsWithRfOff) {
+  int calls = 0;
+  {
+    RunRig counting;
+    counting.Run();
+    calls = counting.bus.Calls();
+  }
+  for (int n = 1; n <= calls; ++n) {
+    SCOPED_TRACE(n);
+    RunRig failing;
+    failing.bus.FailCall(n, gpib::kEabo);
+    failing.Run();
+    EXPECT_FALSE(failing.rfOn);
+    EXPECT_EQ(failing.Shown(kSaveQuestion), 1);
+    EXPECT_LE(failing.highestDbm, -6);
+  }
+}
+
+TEST_F(RunEndTest, WhicheverBusCallOfAFullTestFailsTheRunEndsWithRfOff) {
+  int calls = 0;
+  {
+    UseEverything(rig);
+    rig.Run();
+    calls = rig.bus.Calls();
+  }
+  for (int n = 1; n <= calls; n += 7) {
+    SCOPED_TRACE(n);
+    RunRig failing;
+    UseEverything(failing);
+    failing.bus.FailCall(n, gpib::kEabo);
+    failing.Run();
+    ExpectEndedWithRfOff(failing);
+  }
+}
+
+TEST_F(RunEndTest, WithTheCablePulledEveryInstrumentIsStillTriedAndTheRowsStay) {
+  UseEverything(rig);
+  rig.AtStatus(
+      "Finishing Final Dwell...", [&] { rig.bus.FailAlways(gpib::kEabo); }, 2);
+  rig.Run();
+  ExpectEnded(rig);
+  EXPECT_EQ(rig.Rows().size(), 3U);
+  for (const char* attempt : {"> 18 OUTP OFF", "> 17 BYE", "> 13 BYE", "> 18 POW"})
+    EXPECT_THAT(rig.bus.Lines(), testing::Contains(testing::StartsWith(attempt))) << attempt;
+}
+
+TEST_F(RunEndTest, AnInstrumentThatCantBeTakenDownDoesNotKeepTheOthersUp) {
+  UseEverything(rig);
+  rig.AtStatus("Finishing Final Dwell...", [&] {
+    rig.bus.FailLine("> 18 OUTP OFF", gpib::kEabo);
+    rig.bus.FailLine("> 17 BYE", gpib::kEabo);
+    rig.commands.Halt();
+  });
+  rig.Run();
+  EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 13"));
+  EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 18"));
+  ExpectEndedWithRfOff(rig);
+}
+
+TEST_F(RunEndTest, AFailureWhileTheLevelIsHeldSwitchesRfOffBeforeAnyMessage) {
+  bool rfOnAtMessage = false;
+  rig.test.LevelingMethod = static_cast<int>(LevelingMethod::NetPower);
+  rig.returnLossDb = 0;
+  rig.t.dialogs.onShow = [&](const Message& message) {
+    if (message.text.starts_with("Error, reverse")) rfOnAtMessage = rig.rfOn;
+  };
+  rig.Run();
+  EXPECT_FALSE(rfOnAtMessage);
+  ExpectEndedWithRfOff(rig);
+}
+
+struct HaltCase {
+  const char* name;
+  const char* status;
+};
+class HaltTest : public RunEndTest, public testing::WithParamInterface<HaltCase> {};
+
+TEST_P(HaltTest, NothingRaisesTheLevelAnyMore) {
+  UseEverything(rig);
+  double atHalt = 0;
+  rig.AtStatus(GetParam().status, [&] {
+    rig.commands.Halt();
+    atHalt = rig.generatorDbm;
+    rig.highestDbm = -200;
+  });
+  const std::int64_t start = rig.t.clock.TickMs();
+  rig.Run();
+  EXPECT_LE(rig.highestDbm, atHalt);
+  EXPECT_LE(rig.Rows().size(), 1U);
+  EXPECT_GT(rig.t.clock.TickMs(), start);
+  EXPECT_THAT(rig.controls.calls, testing::Contains("halting"));
+  ExpectEndedWithRfOff(rig);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    RunEnd, HaltTest,
+    testing::Values(HaltCase{"initializing", "Initializing instruments..."},
+                    HaltCase{"band_switch", "Setting Sig-Gen..."}, HaltCase{"first_dwell", "Intermediate dwell..."},
+                    HaltCase{"ramp_dwell", "Intermediate Dwell..."}, HaltCase{"probe", "Getting feedback..."},
+                    HaltCase{"forward", "Reading forward power..."}, HaltCase{"reverse", "Reading reverse power..."},
+                    HaltCase{"dwell", "Finishing Final Dwell..."}),
+    [](const auto& row) { return row.param.name; });
+
+TEST_F(RunEndTest, AHaltInAnIntermediateDwellEndsTheRunWithinOneTurn) {
+  std::int64_t haltedAt = 0, rfOffAt = 0;
+  rig.AtStatus("Intermediate dwell...", [&] {
+    rig.commands.Halt();
+    haltedAt = rig.t.clock.TickMs();
+  });
+  rig.bus.transcript.onLine = [&, follow = rig.bus.transcript.onLine](const std::string& line) {
+    follow(line);
+    if (haltedAt > 0 && rfOffAt == 0 && line.starts_with("> 18 OUTP OFF")) rfOffAt = rig.t.clock.TickMs();
+  };
+  rig.Run();
+  EXPECT_EQ(rfOffAt, haltedAt);
+  ExpectEndedWithRfOff(rig);
+}
+
+class ThrowTest : public RunEndTest, public testing::WithParamInterface<HaltCase> {};
+
+TEST_P(ThrowTest, AFailingDisplayEndsTheRunInOrder) {
+  bool rfOnAtReport = false;
+  rig.display.throwAtStatus = GetParam().status;
+  rig.t.dialogs.onShow = [&](const Message& message) {
+    if (message.title == "Error") rfOnAtReport = rfOnAtReport || rig.rfOn;
+  };
+  rig.Run();
+  EXPECT_EQ(rig.Shown("Error # 6\rOverflow\rfrmRunTest.RunCDI\r"), 1);
+  EXPECT_FALSE(rfOnAtReport);
+  ExpectEndedWithRfOff(rig);
+}
+
+INSTANTIATE_TEST_SUITE_P(RunEnd, ThrowTest,
+                         testing::Values(HaltCase{"initializing", "Initializing instruments..."},
+                                         HaltCase{"ramp", "Raising sig-gen level..."},
+                                         HaltCase{"dwell", "Finishing Final Dwell..."},
+                                         HaltCase{"shutdown", "Shutting down instruments..."}),
+                         [](const auto& row) { return row.param.name; });
+
+TEST_F(RunEndTest, TheLevelOfAGeneratorWithoutRfOffGoesToItsMinimum) {
+  SigGenDefinition generator = rig.instruments.sigGen.Definition();
+  generator.RfOff = "";
+  rig.instruments.sigGen.PutDefinition(generator);
+  rig.AtStatus("Finishing Final Dwell...", [&] { rig.commands.Halt(); });
+  rig.Run();
+  EXPECT_EQ(rig.generatorDbm, -140);
+}
+
+TEST_F(RunEndTest, SavingAtTheEndWritesTheRows) {
+  ASSERT_EQ(rig.Prepare(), RunReadiness::Ready);
+  rig.t.dialogs.Answer(MessageAnswer::Yes);
+  rig.t.dialogs.AnswerSave(rig.t.directory.File("end.run"));
+  rig.engine.RunCdiTest();
+  EXPECT_EQ(rig.t.directory.Read("end.run"), RunFileText(rig.engine.Data(), false));
+  EXPECT_EQ(rig.t.dialogs.messages[0].title, "Save Run Data");
+}
+
+TEST_F(RunEndTest, ASecondRunStartsAfresh) {
+  rig.Run();
+  rig.engine.RunCdiTest();
+  EXPECT_EQ(rig.Rows().size(), 3U);
+  EXPECT_EQ(rig.Shown(kSaveQuestion), 2);
+}
+
+TEST_F(RunEndTest, TheRunLogTellsTheStory) {
+  const WorkingDirectory here(rig.t.directory.Path());
+  rig.t.shell.settings.Store().SaveSettingStr("System", "LogToFile", "1");
+  rig.Run();
+  const std::string log = rig.t.directory.Read("runlog.hyl");
+  const auto started = log.find("Test run started\r\n                 Test Run Parameters");
+  const auto finished = log.find("Frequency sweep finished");
+  const auto offline = log.find("Instruments taken offline");
+  EXPECT_NE(started, std::string::npos);
+  EXPECT_LT(started, finished);
+  EXPECT_LT(finished, offline);
+  EXPECT_NE(offline, std::string::npos);
+}
+
+TEST_F(RunEndTest, TheRunIsConfirmedFirst) {
+  rig.documents.calInfo.Record.AmpUsed = "75 W broadband";
+  rig.documents.calInfo.Record.DeviceDescription = "CDN M3";
+  ASSERT_EQ(rig.Prepare(), RunReadiness::Ready);
+  EXPECT_THAT(rig.controls.calls, testing::ElementsAre("halt mode", "file menu on"));
+  rig.t.dialogs.Answer(MessageAnswer::Cancel);
+  rig.commands.Run();
+  EXPECT_EQ(rig.bus.Calls(), 0);
+  EXPECT_EQ(rig.controls.calls.size(), 2U);
+  EXPECT_EQ(rig.t.dialogs.messages[0].title, "MAKE SURE!!!");
+  EXPECT_EQ(rig.t.dialogs.messages[0].text,
+            "Make sure proper amp is hooked up,\r\n75 W broadband\r\n"
+            "and proper coupling device and cables are connected,\r\nCDN M3");
+  rig.t.dialogs.Answer(MessageAnswer::Ok);
+  rig.t.dialogs.Answer(MessageAnswer::No);
+  rig.commands.Run();
+  EXPECT_EQ(rig.Rows().size(), 3U);
+}
+
+struct RefusalCase {
+  const char* name;
+  void (*change)(RunRig&);
+  const char* text;
+};
+class PreparationTest : public testing::TestWithParam<RefusalCase> {};
+
+TEST_P(PreparationTest, IsRefused) {
+  RunRig rig;
+  GetParam().change(rig);
+  EXPECT_NE(rig.Prepare(), RunReadiness::Ready);
+  EXPECT_EQ(rig.t.dialogs.LastText(), GetParam().text);
+  rig.engine.RunCdiTest();
+  EXPECT_EQ(rig.bus.Calls(), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    RunEnd, PreparationTest,
+    testing::Values(RefusalCase{"no_frequencies", [](RunRig& rig) { rig.test.FreqSweep = false; },
+                                "Error, no frequencies to test? Check setup."},
+                    RefusalCase{"one_listed_frequency",
+                                [](RunRig& rig) {
+                                  rig.test.FreqSweep = false;
+                                  rig.test.FreqList = true;
+                                  rig.test.ListFile = rig.t.directory.Write("one.lst", "2\r\n");
+                                },
+                                "Error, no frequencies to test? Check setup."},
+                    RefusalCase{"cable_loss_too_short",
+                                [](RunRig& rig) {
+                                  rig.test.MonitorProbe = true;
+                                  rig.equipment.CableLossFile = rig.t.directory.Write("short.los", "1 1\r\n3 2\r\n");
+                                },
+                                "Cable loss file does not cover frequency range"},
+                    RefusalCase{"probe_missing",
+                                [](RunRig& rig) {
+                                  rig.test.MonitorProbe = true;
+                                  rig.equipment.ProbeFile = "";
+                                },
+                                "Error loading probe factor file."},
+                    RefusalCase{"forward_port_missing",
+                                [](RunRig& rig) { rig.equipment.FwdPortFile = rig.t.directory.File("none.fac"); },
+                                "Error loading foward coupling port file"},
+                    RefusalCase{"reverse_port_too_high",
+                                [](RunRig& rig) {
+                                  rig.equipment.RevPortFile = rig.t.directory.Write("high.fac", "2 1\r\n9 2\r\n");
+                                },
+                                "Reverse port file does not cover frequency range"}),
+    [](const auto& row) { return row.param.name; });
+
+struct InitCase {
+  const char* name;
+  void (*change)(RunRig&);
+  const char* text;
+};
+class InitTest : public testing::TestWithParam<InitCase> {};
+
+TEST_P(InitTest, FailsBeforeRfIsOn) {
+  RunRig rig;
+  GetParam().change(rig);
+  rig.Run();
+  EXPECT_EQ(rig.Shown(GetParam().text), 1);
+  EXPECT_EQ(rig.Shown(kSaveQuestion), 1);
+  EXPECT_EQ(rig.highestDbm, -200);
+  EXPECT_TRUE(rig.Rows().empty());
+  for (const Message& message : rig.t.dialogs.messages) {
+    if (message.text == GetParam().text) {
+      EXPECT_EQ(message.icon, MessageIcon::Critical);
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    RunEnd, InitTest,
+    testing::Values(
+        InitCase{"bus", [](RunRig& rig) { rig.bus.FailLine("IFC", gpib::kEdvr); }, "Error initializing GPIB"},
+        InitCase{"generator", [](RunRig& rig) { rig.bus.absent.insert(18); }, "Error initializing signal generator"},
+        InitCase{"pulse", [](RunRig& rig) { rig.test.ModType = 3; }, "Signal generator can't do Pulse Modulation"},
+        InitCase{"fm", [](RunRig& rig) { rig.test.ModType = 2; }, "Signal generator can't do Frequency Modulation"},
+        InitCase{"power_meter",
+                 [](RunRig& rig) {
+                   rig.test.LevelingMethod = 1;
+                   rig.bus.FailLine("FIND 13", gpib::kEnol);
+                 },
+                 "Error initializing Power Meter"},
+        InitCase{"meter",
+                 [](RunRig& rig) {
+                   rig.test.MonitorProbe = true;
+                   rig.bus.FailLine("FIND 17", gpib::kEnol);
+                 },
+                 "Error initializing meter"},
+        InitCase{"amplifier",
+                 [](RunRig& rig) {
+                   rig.equipment.AmplifierType = 1;
+                   rig.bus.FailLine("> 10 8", gpib::kEabo);
+                 },
+                 "Error initializing IFI amp"}),
+    [](const auto& row) { return row.param.name; });
+
+}  // namespace
+}  // namespace hylden

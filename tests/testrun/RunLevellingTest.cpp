@@ -1,0 +1,341 @@
+// Runs from start to end: what each levelling method sends, shows and records, and that the level never overshoots.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "testrun/RunRig.h"
+
+namespace hylden {
+namespace {
+
+using Lines = std::vector<std::string>;
+using testing::ElementsAre;
+
+/// The generator's commands between two of them, both left out.
+Lines Between(const Lines& lines, const std::string& first, const std::string& last) {
+  const auto begin = std::find(lines.begin(), lines.end(), first);
+  const auto end = std::find(begin, lines.end(), last);
+  return begin == lines.end() ? Lines{"never sent " + first} : Lines(begin + 1, end);
+}
+
+struct LevellingTest : testing::Test {
+  RunRig rig;
+
+  void UsePower(LevelingMethod method) { rig.test.LevelingMethod = static_cast<int>(method); }
+  void UseProbe(double limitDbua) {
+    rig.test.MonitorProbe = rig.test.LimitCurrent = true;
+    // 120 dBuV in 150 ohm are 76.478 dBuA
+    rig.test.LimitMargin = static_cast<float>(limitDbua - 76.4782);
+  }
+  void UseAm(bool offBetween, bool constPeak) {
+    rig.test.ModType = 1;
+    rig.test.AmDepth = 80;
+    rig.test.AmModFreq = 1;
+    rig.test.ModOffBetweenFreqs = offBetween;
+    rig.test.ConstPeak = constPeak;
+  }
+  void OneStep() { rig.test.StopFreq = rig.test.StartFreq; }
+};
+
+TEST_F(LevellingTest, ByGeneratorTheLevelRisesFromBelowAtEachFrequency) {
+  rig.test.StopFreq = 2;
+  rig.Run();
+  EXPECT_EQ(rig.Generator(), (Lines{"", "MOD OFF", "OUTP OFF",                                                     //
+                                    "FREQ 1.0 MHZ", "POW -22.0 DBM", "OUTP ON", "POW -16.0 DBM", "POW -10.0 DBM",  //
+                                    "POW -20.0 DBM", "FREQ 2.0 MHZ", "OUTP ON", "POW -14.0 DBM", "POW -8.0 DBM",   //
+                                    "OUTP OFF", "OUTP OFF"}));
+  EXPECT_EQ(rig.Rows(), (Lines{"1.0, -10.0 **, 120.0, , , ", "2.0, -8.0 **, 120.0, , , "}));
+  EXPECT_TRUE(rig.display.highlights[RunDisplay::Quantity::SigGenLevel]);
+  EXPECT_EQ(rig.engine.Steps()[1].SigGenLevel, -8);
+  EXPECT_THAT(rig.t.dialogs.Texts(), ElementsAre("Would you like to save the testrun data?"));
+}
+
+TEST_F(LevellingTest, APhaseIsNamedWhileItLasts) {
+  OneStep();
+  rig.Run();
+  EXPECT_EQ(rig.display.statuses,
+            (Lines{"State: Idle", "Calculating frequencies and dwell times...", "State: Idle",
+                   "Initializing instruments...", "", "Ramping level...", "Setting Sig-Gen...", "Intermediate dwell...",
+                   "Raising sig-gen level...", "Intermediate dwell...", "Raising sig-gen level...",
+                   "Intermediate dwell...", "Finishing Final Dwell...", "Shutting down instruments...", ""}));
+}
+
+TEST_F(LevellingTest, WithoutAnIncrementTheRampGoesBy6Db) {
+  OneStep();
+  rig.test.LevelInc = 0;
+  rig.Run();
+  EXPECT_THAT(Between(rig.Generator(), "OUTP ON", "OUTP OFF"), ElementsAre("POW -16.0 DBM", "POW -10.0 DBM"));
+}
+
+TEST_F(LevellingTest, TheDwellIsHeldAtTheLevelAndElapsedTimeCountsFromTheSecondStep) {
+  rig.Run();
+  // Each step: three intermediate dwells of 0.5 s and 2 s at the level.
+  ASSERT_EQ(rig.display.elapsed.size(), 1U);
+  EXPECT_NEAR(rig.display.elapsed[0], 7.0 / 60, 1e-9);
+  EXPECT_NEAR(rig.display.remaining[0], 1 * 3.5 / 60, 1e-9);
+  EXPECT_EQ(rig.display.planned, 3);
+  EXPECT_NEAR(rig.display.estimatedMinutes, 3 * (1 + 2) / 60.0, 1e-9);
+}
+
+TEST_F(LevellingTest, AProbeThatOnlyMonitorsIsReadAtTheLevel) {
+  OneStep();
+  rig.test.MonitorProbe = true;
+  rig.Run();
+  EXPECT_THAT(rig.Rows(), ElementsAre("1.0, -10.0 **, 120.0, 81.0, , "));  // 80 dBuV and 1 dB of cable
+  EXPECT_NEAR(rig.display.limit, 76.4782, 1e-3);
+  EXPECT_THAT(rig.bus.transcript.SentTo(17), testing::Contains("CF 1.0 \\r\\n"));
+}
+
+TEST_F(LevellingTest, ByGeneratorWithCurrentLimitTheRampStopsAtTheLimit) {
+  OneStep();
+  UseProbe(75);  // reached at -16 dBm
+  rig.Run();
+  ASSERT_THAT(rig.Rows(), testing::SizeIs(1));
+  EXPECT_EQ(rig.Rows()[0], "1.0, -16.0, 120.0, 75.0 **, , ");
+  EXPECT_LE(rig.highestDbm, -16 + 0.1 + 1e-6);
+  EXPECT_TRUE(rig.display.highlights[RunDisplay::Quantity::InducedLevel]);
+  EXPECT_FALSE(rig.display.highlights[RunDisplay::Quantity::SigGenLevel]);
+  // 60 dB below first; the reference level is the reading expected at the limit, and 2 dB.
+  EXPECT_THAT(Between(rig.Generator(), "FREQ 1.0 MHZ", "OUTP ON"), ElementsAre("POW -70.0 DBM"));
+  EXPECT_THAT(rig.bus.transcript.SentTo(17), testing::Contains(testing::StartsWith("RL 75.99")));
+}
+
+TEST_F(LevellingTest, ByGeneratorWithCurrentLimitTheCalibratedLevelIsNotPassed) {
+  OneStep();
+  UseProbe(90);
+  rig.Run();
+  EXPECT_THAT(rig.Rows(), ElementsAre("1.0, -10.0 **, 120.0, 81.0, , "));
+  EXPECT_EQ(rig.highestDbm, -10);
+}
+
+TEST_F(LevellingTest, ByForwardPowerTheRampEndsJustAboveTheTarget) {
+  OneStep();
+  UsePower(LevelingMethod::ForwardPower);
+  rig.Run();
+  EXPECT_THAT(rig.Rows(), ElementsAre("1.0, -9.9, 120.0, , 40.1 **, "));
+  EXPECT_LE(rig.highestDbm, -9.9 + 1e-6);
+  const Lines sent = rig.Generator();
+  EXPECT_THAT(Between(sent, "FREQ 1.0 MHZ", "OUTP ON"), ElementsAre("POW -70.0 DBM"));
+  EXPECT_THAT(
+      Between(sent, "OUTP ON", "OUTP OFF"),
+      ElementsAre("POW -64.0 DBM", "POW -58.0 DBM", "POW -52.0 DBM", "POW -46.0 DBM", "POW -40.0 DBM", "POW -34.0 DBM",
+                  "POW -28.0 DBM", "POW -22.0 DBM", "POW -16.0 DBM", "POW -10.0 DBM", "POW -9.9 DBM"));
+  EXPECT_TRUE(rig.display.highlights[RunDisplay::Quantity::ForwardPower]);
+}
+
+TEST_F(LevellingTest, ByForwardPowerTheNextStepStartsLowerByWhatWasTooMuch) {
+  UsePower(LevelingMethod::ForwardPower);
+  rig.test.StopFreq = 2;
+  rig.Run();
+  // Offset -0.1, plus 0.1 of overshoot, 12 below, and 6.02 dB for the doubled frequency.
+  EXPECT_THAT(rig.Generator(), testing::Contains("POW -26.0 DBM"));
+  EXPECT_EQ(rig.Rows()[1], "2.0, -7.9, 120.0, , 42.1 **, ");
+}
+
+TEST_F(LevellingTest, ModulationDuringLevellingRaisesTheForwardTarget) {
+  OneStep();
+  UsePower(LevelingMethod::ForwardPower);
+  UseAm(false, false);
+  rig.Run();
+  EXPECT_EQ(rig.Rows()[0], "1.0, -8.7, 120.0, , 41.3 **, ");  // 40 + 1.21
+}
+
+TEST_F(LevellingTest, AWeakAmplifierEndsAForwardPowerRunWithAWarning) {
+  OneStep();
+  UsePower(LevelingMethod::ForwardPower);
+  rig.gainDb = 46;
+  rig.Run();
+  EXPECT_EQ(rig.Shown("Warning, amplifier gain is more than 3dB lower\r\nthan it should be.  Check setup.\r\n"
+                      "Cal SigGen = -10.0dBm and Cal FwdPwr = 40.0dBm"),
+            1);
+  EXPECT_LE(rig.highestDbm, -7);
+  EXPECT_EQ(rig.t.speaker.tones[0], (FakeSpeaker::Tone{1000, 500}));
+  EXPECT_FALSE(rig.rfOn);
+}
+
+TEST_F(LevellingTest, ByForwardPowerTheCurrentLimitHoldsTheLevel) {
+  OneStep();
+  UsePower(LevelingMethod::ForwardPower);
+  UseProbe(75);
+  rig.Run();
+  EXPECT_EQ(rig.Rows()[0], "1.0, -16.0, 120.0, 75.0 **, 34.0, ");
+}
+
+TEST_F(LevellingTest, ByNetPowerTheRampEndsAtTheNetTarget) {
+  OneStep();
+  UsePower(LevelingMethod::NetPower);
+  rig.Run();
+  EXPECT_EQ(rig.Rows()[0], "1.0, -10.0, 120.0, , 40.0 **, 30.0");
+}
+
+TEST_F(LevellingTest, ByNetPowerAReflectingProductIsHeldByTheForwardCap) {
+  OneStep();
+  UsePower(LevelingMethod::NetPower);
+  rig.returnLossDb = 1;  // nearly everything comes back
+  rig.Run();
+  EXPECT_EQ(rig.Rows()[0], "1.0, -8.0, 120.0, , 42.0 +2, 41.0");
+  EXPECT_LE(rig.highestDbm, -8);
+}
+
+TEST_F(LevellingTest, ByNetPowerAWeakAmplifierEndsTheRun) {
+  OneStep();
+  UsePower(LevelingMethod::NetPower);
+  rig.gainDb = 46;
+  rig.Run();
+  EXPECT_EQ(rig.Shown("Warning, amplifier gain is more than 3dB lower\r\nthan it should be.  Check setup."), 1);
+  EXPECT_LE(rig.highestDbm, -10 + 3.5);
+  EXPECT_FALSE(rig.rfOn);
+}
+
+TEST_F(LevellingTest, ByNetPowerMoreReverseThanForwardPowerEndsTheRun) {
+  OneStep();
+  UsePower(LevelingMethod::NetPower);
+  rig.returnLossDb = 0;
+  rig.Run();
+  EXPECT_EQ(rig.Shown("Error, reverse power reading greater than forward power,\r\ncheck setup carefully."), 1);
+  EXPECT_EQ(rig.highestDbm, -70);
+}
+
+TEST_F(LevellingTest, ReversePowerNeedsASecondChannel) {
+  OneStep();
+  UsePower(LevelingMethod::NetPower);
+  rig.equipment.AmpConfiguration = static_cast<int>(AmpConfig::Single);
+  rig.Run();
+  EXPECT_EQ(rig.Shown("Power meter not defined as dual-channel, check setup"), 1);
+}
+
+TEST_F(LevellingTest, AnAmplifierThatChangesWithFrequencyNeverOvershoots) {
+  for (const auto method : {LevelingMethod::ForwardPower, LevelingMethod::NetPower}) {
+    for (const double error : {-2.9, -1.0, 2.9}) {
+      SCOPED_TRACE(testing::Message() << static_cast<int>(method) << ": " << error << " dB");
+      RunRig changing;
+      changing.test.LevelingMethod = static_cast<int>(method);
+      changing.gainErrorDb = {{1, -error}, {2, error}, {4, -error}};
+      changing.Run();
+      EXPECT_GT(changing.engine.Steps()[2].SigGenLevel, -999);
+      const std::map<double, double> targets{{1, 40}, {2, 42}, {4, 44}};
+      for (const auto& [frequency, target] : targets)
+        EXPECT_LE(changing.highestAt[frequency] + 50 + changing.gainErrorDb[frequency], target + 0.3) << frequency;
+    }
+  }
+}
+
+TEST_F(LevellingTest, WithConstantPeakTheCarrierDropsBeforeModulationGoesOn) {
+  OneStep();
+  UseAm(true, true);
+  rig.Run();
+  EXPECT_THAT(Between(rig.Generator(), "POW -16.0 DBM", "OUTP OFF"),
+              ElementsAre("POW -10.0 DBM", "POW -15.1 DBM", "AM ON"));
+  EXPECT_EQ(rig.engine.Steps()[0].SigGenLevel, -10);  // what manual mode starts from
+}
+
+TEST_F(LevellingTest, ModulationIsOffWhileTheFrequencyChanges) {
+  rig.test.StopFreq = 2;
+  UseAm(true, false);
+  rig.Run();
+  EXPECT_THAT(Between(rig.Generator(), "POW -10.0 DBM", "FREQ 2.0 MHZ"),
+              ElementsAre("AM ON", "MOD OFF", "POW -20.0 DBM"));
+}
+
+TEST_F(LevellingTest, AnAdjustedTestRunsBelowItsCalibration) {
+  OneStep();
+  rig.test.Extrapolate = true;
+  rig.test.ExtrapolateTo = -6;
+  rig.Run();
+  EXPECT_EQ(rig.Rows()[0], "1.0, -16.0 **, 114.0, , , ");
+  EXPECT_EQ(rig.highestDbm, -16);
+}
+
+TEST_F(LevellingTest, AStartBelowTheGeneratorsMinimumIsAskedForOnce) {
+  SigGenDefinition generator = rig.instruments.sigGen.Definition();
+  generator.MinimumLevel = -20;
+  rig.instruments.sigGen.PutDefinition(generator);
+  rig.test.InitLevOffset = -30;
+  ASSERT_EQ(rig.Prepare(), RunReadiness::Ready);
+  rig.t.dialogs.Answer(MessageAnswer::Yes);
+  rig.t.dialogs.Answer(MessageAnswer::No);
+  rig.engine.RunCdiTest();
+  EXPECT_EQ(rig.Shown("Calibration sig-gen level is above the minimum possible sig-gen level,\r\n"
+                      "but the starting offset puts it below the minimum. Proceed anyway?"),
+            1);
+  EXPECT_EQ(rig.t.dialogs.messages[0].title, "Sig-Gen level conflict");
+  EXPECT_EQ(rig.Rows().size(), 3U);
+  EXPECT_EQ(rig.Rows()[2], "4.0, -6.0 **, 120.0, , , ");
+}
+
+TEST_F(LevellingTest, DecliningTheStartBelowTheMinimumEndsTheRun) {
+  SigGenDefinition generator = rig.instruments.sigGen.Definition();
+  generator.MinimumLevel = -20;
+  rig.instruments.sigGen.PutDefinition(generator);
+  rig.test.InitLevOffset = -30;
+  rig.t.dialogs.Answer(MessageAnswer::No);
+  rig.Run();
+  EXPECT_EQ(rig.Rows().size(), 1U);
+  EXPECT_EQ(rig.highestDbm, -200);
+}
+
+TEST_F(LevellingTest, ACalibrationWithoutPowerEndsAPowerRunBeforeRfIsOn) {
+  UsePower(LevelingMethod::ForwardPower);
+  rig.t.directory.Write("bench.cal", "1,-10,120,na,na,\r\n4,-6,120,na,na,\r\n");
+  rig.Run();
+  EXPECT_TRUE(rig.t.dialogs.WasShownContaining("Forward power data not in calibration file."));
+  EXPECT_EQ(rig.highestDbm, -200);
+}
+
+TEST_F(LevellingTest, AFrequencyBeyondTheCalibrationEndsTheRun) {
+  rig.test.StopFreq = 6;
+  rig.equipment.FwdPortFile = rig.equipment.RevPortFile = "";
+  rig.Run();
+  EXPECT_TRUE(rig.t.dialogs.WasShownContaining("Calibration sig-gen level = -999"));
+  EXPECT_EQ(rig.Rows().size(), 4U);
+  EXPECT_EQ(rig.Rows()[3], "6.0, , , , , ");
+  EXPECT_FALSE(rig.rfOn);
+}
+
+TEST_F(LevellingTest, ACurrentLimitWithoutImpedanceIsRefusedInsteadOfNotLimiting) {
+  UseProbe(75);
+  rig.test.EUTCircuitImpedance = 0;
+  rig.Run();
+  EXPECT_TRUE(rig.t.dialogs.WasShownContaining("can't be limited"));
+  EXPECT_EQ(rig.highestDbm, -200);
+}
+
+TEST_F(LevellingTest, OneSensorOnTwoCouplersIsMovedAtTheBandChange) {
+  UsePower(LevelingMethod::ForwardPower);
+  rig.equipment.AmplifierType = static_cast<int>(AmpType::Ifi);
+  rig.equipment.IfiBandSwitch = 2;
+  rig.Run();
+  EXPECT_EQ(rig.Shown("Move sensor to low freq coupler"), 1);
+  EXPECT_EQ(rig.Shown("Move sensor(s) to high freq coupler"), 1);
+  EXPECT_EQ(rig.Rows().size(), 3U);
+}
+
+TEST_F(LevellingTest, ADwellOfZeroWaitsForTheOperatorAndCancelEndsTheRun) {
+  rig.test.SweepDwell = 0;
+  rig.t.dialogs.Answer(MessageAnswer::Ok);
+  rig.t.dialogs.Answer(MessageAnswer::Cancel);
+  rig.Run();
+  EXPECT_EQ(rig.Shown("Press Enter to continue, Escape to halt"), 2);
+  EXPECT_EQ(rig.Rows()[1], "2.0, , , , , ");
+  EXPECT_FALSE(rig.rfOn);
+}
+
+TEST_F(LevellingTest, AHundredThousandStepsCostLittlePerStep) {
+  rig.t.directory.Write("bench.cal", "1,-10,120,40,30,\r\n4,-10,120,44,34,\r\n");
+  rig.test.StepType = 0;
+  rig.test.LinearStep = 3e-5;
+  rig.test.InitLevOffset = 0;
+  rig.test.InterDwell = 0.001F;
+  rig.test.SweepDwell = 0.001;
+  const auto start = std::chrono::steady_clock::now();
+  rig.Run();
+  const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+  EXPECT_EQ(rig.Rows().size(), 100'001U);
+  EXPECT_LT(took.count(), 60) << "seconds; far off the pace even for a sanitized build";
+  RecordProperty("microsecondsPerStep", std::to_string(took.count() * 10));
+}
+
+}  // namespace
+}  // namespace hylden
