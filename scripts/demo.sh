@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# Builds, and runs every test of the demo station on the simulated bench, on a virtual clock. Leaves build/demo/*.run and
+# a table of what was applied.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+root=$PWD
+scripts/setup.sh
+
+cmake --preset dev -DHYLDEN_TESTS=OFF >/dev/null
+cmake --build --preset dev --target hylden-run
+
+# the station of each test; the others run on station.eqp
+declare -A station=([ifi-band-change]=ifi-station.eqp)
+
+out=$root/build/demo
+mkdir -p "$out"
+rm -f "$out"/*.run "$out"/*.log
+cd examples/station
+row='%-32s %6s %6s %21s %16s %9s\n'
+table=$(printf "$row" 'test' 'steps' 'rows' 'frequency, MHz' 'generator, dBm' 'real, min')
+for test in *.tst; do
+  name=${test%.tst}
+  echo "== $name"
+  "$root/build/dev/bin/hylden-run" --equipment "${station[$name]:-station.eqp}" --test "$test" --output "$out/$name.run" \
+    --bench bench.txt --virtual-time --yes | tee "$out/$name.log" | grep -vE '^step ' || true
+  grep -q '^Finished: ' "$out/$name.log" || { echo "demo: $name did not finish" >&2; exit 1; }
+
+  read -r steps minutes < <(awk '/^Finished: /{print $4, $7}' "$out/$name.log")
+  applied=$(tr -d '\r' <"$out/$name.run" | awk -F', ' 'NR > 3 && $2 !~ /^T/ {
+      n++; level = $2 + 0
+      if (n == 1) { first = $1; low = high = level }
+      last = $1; if (level < low) low = level; if (level > high) high = level
+    } END { printf "%d %s..%s %.1f..%.1f", n, first, last, low, high }')
+  read -r rows range levels <<<"$applied"
+  [ "$rows" = "$steps" ] || { echo "demo: $name has $rows rows for $steps steps" >&2; exit 1; }
+  table+=$'\n'$(printf "$row" "$name" "$steps" "$rows" "$range" "$levels" "$minutes")
+done
+printf '\n%s\n\nRun data: build/demo/*.run\n' "$table"

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "bench/BenchConfig.h"
+
+namespace hylden {
+
+class Bench;
+class Clock;
+class GpibDriver;
+class INISettings;
+struct EquipRecord;
+struct Instruments;
+
+/// Which bus the program drives.
+struct BusChoice {
+  bool UseBench = false;
+  std::string BenchFile;  ///< empty: the bench with its ordinary values
+};
+
+/// The choice of the settings file: section Gpib, keys Driver ("native" or "bench") and Bench.
+BusChoice ChosenBus(INISettings& settings);
+
+/// The bus as chosen: the machine's own, or the simulated bench.
+class Bus {
+ public:
+  /// The machine's own bus.
+  Bus();
+  /// The simulated bench. The clock must outlive it.
+  Bus(const Clock& clock, const BenchConfig& config);
+  ~Bus();
+
+  GpibDriver& Driver();
+  /// The bench; null when the machine's own bus is driven.
+  Bench* SimulatedBench() { return bench_.get(); }
+  /// Puts the station's instruments, as loaded, on the simulated bench; nothing on the machine's own bus.
+  void EquipBench(const EquipRecord& equipment, const Instruments& instruments);
+
+ private:
+  std::unique_ptr<GpibDriver> native_;
+  std::unique_ptr<Bench> bench_;
+};
+
+}  // namespace hylden
