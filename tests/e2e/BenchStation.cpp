@@ -1,0 +1,55 @@
+#include "BenchStation.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace hylden {
+
+BenchStation::BenchStation(const std::string& equipmentFile)
+    : atStation(HYLDEN_SOURCE_DIR "/examples/station"),
+      bench(clock, LoadBenchFile("bench.txt").Config),
+      driver(bench.Driver()),
+      machine(driver, clock),
+      instruments(machine.shell),
+      documents(machine.shell, instruments),
+      engine(machine.shell, instruments, documents, display, controls),
+      calibration_(machine.shell) {
+  EXPECT_EQ(documents.equip.LoadDef(equipmentFile), 1);
+  EXPECT_TRUE(documents.equip.LoadDefinitions());
+  EXPECT_FALSE(documents.equip.ApplyEquipment(documents.equip.Entries()));
+  const EquipRecord& equipment = documents.equip.Record;
+  BenchEquipment onBench = LoadBenchEquipment(equipment.SigGenFile, equipment.MeterFile, equipment.PwrMtrFile);
+  onBench.SigGenAddress = equipment.SigGenAddress;
+  onBench.MeterAddress = equipment.MeterAddress;
+  onBench.PowerMeterAddress = equipment.PwrMtrAddress;
+  onBench.Sensors = static_cast<PowerSensors>(equipment.AmpConfiguration);
+  onBench.IfiAmplifier = equipment.HasIfiAmplifier();
+  if (onBench.IfiAmplifier) onBench.SensorBandSwitchMHz = equipment.IfiBandSwitch;
+  bench.Equip(onBench);
+}
+
+void BenchStation::Load(const std::string& testFile) {
+  ASSERT_TRUE(documents.testSetup.LoadDef(testFile));
+  ASSERT_TRUE(documents.calInfo.LoadDef(Test().CalInfoFile));
+  ASSERT_TRUE(calibration_.LoadFile(Test().CalInfoFile));
+  if (Test().MonitorProbe) bench.Connect(MeterAt::Probe);
+}
+
+void BenchStation::Run() {
+  ASSERT_FALSE(CheckStart(Test(), documents.equip.Record));
+  ASSERT_EQ(engine.Prepare(), RunReadiness::Ready) << machine.dialogs.LastText();
+  engine.RunCdiTest();
+}
+
+double BenchStation::TargetDbuv(double frequencyMHz) {
+  return double{calibration_.GetTestLevel(frequencyMHz)} + (Test().Extrapolate ? Test().ExtrapolateTo : 0);
+}
+
+int BenchStation::SaveQuestions() const {
+  const auto& messages = machine.dialogs.messages;
+  return static_cast<int>(std::count_if(messages.begin(), messages.end(),
+                                        [](const Message& message) { return message.title == "Save Run Data"; }));
+}
+
+}  // namespace hylden

@@ -1,0 +1,92 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "BenchStation.h"
+#include "testrun/LevelTargets.h"
+
+namespace hylden {
+namespace {
+
+/// What may be added to the target at any moment while RF is on.
+constexpr double kMostOvershootDb = 0.6;
+
+struct DemoTest {
+  const char* file;
+  const char* equipment;
+  double below, above;  ///< band around the target in which a levelled step has to end, dB
+  bool limited;         ///< the induced current may hold the level down
+};
+
+void PrintTo(const DemoTest& test, std::ostream* out) {
+  *out << test.file;
+}
+
+/// A generator without an RF-off command rests at its minimum, far below anything that matters.
+bool IsAtRest(const BenchState& state) {
+  constexpr double kRestDbuv = 40;
+  return state.TestLevelDbuv < kRestDbuv;
+}
+
+class ClosedLoop : public testing::TestWithParam<DemoTest> {};
+
+TEST_P(ClosedLoop, ProductSeesTheWantedLevelAndNeverMore) {
+  BenchStation station(GetParam().equipment);
+  station.Load(GetParam().file);
+  const bool constantPeak = station.Test().ConstPeak;
+
+  int moments = 0;
+  station.bench.OnChange([&](const BenchState& state) {
+    if (!state.Generator.RfOn || IsAtRest(state)) return;
+    ++moments;
+    const double level = constantPeak ? state.PeakTestLevelDbuv : state.TestLevelDbuv;
+    EXPECT_LE(level, station.TargetDbuv(state.Generator.FreqMHz) + kMostOvershootDb)
+        << "at " << state.Generator.FreqMHz << " MHz";
+  });
+
+  int levelled = 0;
+  station.display.onRow = [&](int row) {
+    if (station.Rows()[static_cast<std::size_t>(row)][1].empty()) return;  // the step only begins
+    ++levelled;
+    const BenchState& state = station.bench.State();
+    const double level = constantPeak ? state.PeakTestLevelDbuv : state.TestLevelDbuv;
+    const double target = station.TargetDbuv(state.Generator.FreqMHz);
+    const double limit =
+        InducedCurrentLimit(station.Test(), static_cast<float>(target)).value_or(1e9) - 0.3;  // noise of the probe
+    const bool held = GetParam().limited && state.InducedDbua >= limit;
+    EXPECT_TRUE(state.Generator.RfOn);
+    if (!held) {
+      EXPECT_GE(level, target - GetParam().below) << "at " << state.Generator.FreqMHz << " MHz";
+    }
+    EXPECT_LE(level, target + GetParam().above) << "at " << state.Generator.FreqMHz << " MHz";
+  };
+
+  station.Run();
+
+  EXPECT_EQ(station.engine.Outcome(), RunOutcome::Finished) << station.machine.dialogs.LastText();
+  EXPECT_EQ(levelled, static_cast<int>(station.engine.Steps().size()));
+  EXPECT_EQ(station.Rows().size(), station.engine.Steps().size() + 1);
+  EXPECT_GT(moments, levelled);
+  EXPECT_TRUE(!station.bench.State().Generator.RfOn || IsAtRest(station.bench.State()));
+  EXPECT_FALSE(station.instruments.sigGen.RfIsOn());
+  EXPECT_EQ(station.bench.Bus().UnknownCount(), 0) << station.bench.Bus().UnknownCommands().front().Text;
+  for (const int address : {18, 13, 14}) EXPECT_FALSE(station.bench.Bus().IsRemote(address)) << address;
+}
+
+INSTANTIATE_TEST_SUITE_P(DemoStation, ClosedLoop,
+                         testing::Values(DemoTest{"substitution-am.tst", "station.eqp", 0.1, 0.5, false},
+                                         DemoTest{"forward-power-constant-peak.tst", "station.eqp", 0.3, 0.6, false},
+                                         DemoTest{"net-power-fm.tst", "station.eqp", 0.3, 0.6, false},
+                                         DemoTest{"probe-limited-pulse.tst", "station.eqp", 0.3, 0.6, true},
+                                         DemoTest{"sweep-and-list.tst", "station.eqp", 0.1, 0.5, false},
+                                         DemoTest{"substitution-am.tst", "older-generator.eqp", 0.1, 0.5, false},
+                                         DemoTest{"ifi-band-change.tst", "ifi-station.eqp", 0.1, 0.5, false}),
+                         [](const testing::TestParamInfo<DemoTest>& demo) {
+                           std::string name = std::string(demo.param.equipment) + "_" + demo.param.file;
+                           for (char& c : name)
+                             if (c == '-' || c == '.') c = '_';
+                           return name;
+                         });
+
+}  // namespace
+}  // namespace hylden
