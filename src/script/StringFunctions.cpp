@@ -4,6 +4,7 @@
 #include "script/Errors.h"
 #include "script/FunctionTable.h"
 #include "script/Unicode.h"
+#include "text/Characters.h"
 
 namespace hylden::script {
 namespace {

@@ -1,43 +1,11 @@
 #include "script/Unicode.h"
 
 #include <algorithm>
-#include <array>
+
+#include "text/Characters.h"
 
 namespace hylden::script {
 namespace {
-
-// Bytes 0x80 to 0x9F; the five that the code page leaves open stand for the control characters of the same number.
-constexpr std::array<char16_t, 32> kWindows1252High = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
-                                                       0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
-                                                       0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
-                                                       0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
-
-constexpr char32_t kNone = 0xFFFFFFFF;
-
-std::size_t SequenceLength(unsigned char lead) {
-  if (lead < 0x80) return 1;
-  if (lead >= 0xC2 && lead <= 0xDF) return 2;
-  if (lead >= 0xE0 && lead <= 0xEF) return 3;
-  if (lead >= 0xF0 && lead <= 0xF4) return 4;
-  return 0;
-}
-
-/// The character at the start of the bytes, or kNone; length receives its bytes.
-char32_t DecodeOne(std::string_view bytes, std::size_t& length) {
-  const auto lead = static_cast<unsigned char>(bytes[0]);
-  length = SequenceLength(lead);
-  if (length == 1) return lead;
-  if (length == 0 || length > bytes.size()) return kNone;
-  char32_t code = lead & (0x7Fu >> length);
-  for (std::size_t i = 1; i < length; ++i) {
-    const auto next = static_cast<unsigned char>(bytes[i]);
-    if ((next & 0xC0) != 0x80) return kNone;
-    code = (code << 6) | (next & 0x3Fu);
-  }
-  const bool overlong = (length == 3 && code < 0x800) || (length == 4 && code < 0x10000);
-  const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
-  return overlong || surrogate || code > 0x10FFFF ? kNone : code;
-}
 
 void Append(std::u16string& text, char32_t code) {
   if (code < 0x10000) {
@@ -46,23 +14,6 @@ void Append(std::u16string& text, char32_t code) {
   }
   text.push_back(static_cast<char16_t>(0xD800 + ((code - 0x10000) >> 10)));
   text.push_back(static_cast<char16_t>(0xDC00 + ((code - 0x10000) & 0x3FF)));
-}
-
-void Append(std::string& utf8, char32_t code) {
-  const auto byte = [&utf8](char32_t value) { utf8.push_back(static_cast<char>(value)); };
-  if (code < 0x80) return byte(code);
-  if (code < 0x800) {
-    byte(0xC0 | (code >> 6));
-    return byte(0x80 | (code & 0x3F));
-  }
-  if (code < 0x10000) {
-    byte(0xE0 | (code >> 12));
-  } else {
-    byte(0xF0 | (code >> 18));
-    byte(0x80 | ((code >> 12) & 0x3F));
-  }
-  byte(0x80 | ((code >> 6) & 0x3F));
-  byte(0x80 | (code & 0x3F));
 }
 
 bool IsHighSurrogate(char16_t c) {
@@ -90,21 +41,10 @@ std::u16string FromUtf8(std::string_view utf8) {
   std::u16string text;
   text.reserve(utf8.size());
   for (std::size_t i = 0; i < utf8.size();) {
-    const auto lead = static_cast<unsigned char>(utf8[i]);
-    if (lead < 0x80) {
-      text.push_back(lead);
-      ++i;
-      continue;
-    }
-    std::size_t length = 0;
-    const char32_t code = DecodeOne(utf8.substr(i), length);
-    if (code == kNone) {
-      text.push_back(FromWindows1252(lead));
-      ++i;
-    } else {
-      Append(text, code);
-      i += length;
-    }
+    const Utf8Character next = CharacterAt(utf8, i);
+    const bool isCharacter = next.length > 0;
+    Append(text, isCharacter ? next.code : FromWindows1252(static_cast<std::uint8_t>(utf8[i])));
+    i += isCharacter ? next.length : 1;
   }
   return text;
 }
@@ -115,10 +55,10 @@ std::string ToUtf8(std::u16string_view text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char16_t c = text[i];
     if (IsHighSurrogate(c) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
-      Append(utf8, 0x10000 + ((c - 0xD800u) << 10) + (text[i + 1] - 0xDC00u));
+      AppendUtf8(utf8, 0x10000 + ((c - 0xD800u) << 10) + (text[i + 1] - 0xDC00u));
       ++i;
     } else {
-      Append(utf8, IsHighSurrogate(c) || IsLowSurrogate(c) ? char32_t{0xFFFD} : char32_t{c});
+      AppendUtf8(utf8, IsHighSurrogate(c) || IsLowSurrogate(c) ? char32_t{0xFFFD} : char32_t{c});
     }
   }
   return utf8;
@@ -154,17 +94,6 @@ std::u16string Folded(std::u16string_view text) {
   std::u16string folded(text);
   std::transform(folded.begin(), folded.end(), folded.begin(), LowerCase);
   return folded;
-}
-
-char16_t FromWindows1252(std::uint8_t byte) {
-  return byte >= 0x80 && byte <= 0x9F ? kWindows1252High[byte - 0x80u] : char16_t{byte};
-}
-
-std::optional<std::uint8_t> ToWindows1252(char16_t c) {
-  if (c < 0x80 || (c >= 0xA0 && c <= 0xFF)) return static_cast<std::uint8_t>(c);
-  const auto found = std::find(kWindows1252High.begin(), kWindows1252High.end(), c);
-  if (found == kWindows1252High.end()) return std::nullopt;
-  return static_cast<std::uint8_t>(0x80 + (found - kWindows1252High.begin()));
 }
 
 }  // namespace hylden::script

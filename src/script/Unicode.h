@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -19,9 +17,5 @@ char16_t LowerCase(char16_t c);
 char16_t UpperCase(char16_t c);
 /// The text in lower case, for comparisons without regard to case.
 std::u16string Folded(std::u16string_view text);
-
-char16_t FromWindows1252(std::uint8_t byte);
-/// Nothing for a character outside the code page.
-std::optional<std::uint8_t> ToWindows1252(char16_t c);
 
 }  // namespace hylden::script
