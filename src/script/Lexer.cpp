@@ -9,6 +9,7 @@
 #include "script/DateTime.h"
 #include "script/Errors.h"
 #include "script/Unicode.h"
+#include "text/Numbers.h"
 
 namespace hylden::script {
 namespace {
@@ -58,13 +59,8 @@ bool WordLiteral(std::string_view word, Value& literal) {
 
 /// A whole number takes the narrowest of Integer, Long and Double.
 Value NumberLiteral(std::string_view digits) {
-  double number = 0;
-  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-  if (result.ec == std::errc::result_out_of_range) {
-    // from_chars does not say whether the number is too large or too small; the sign of the exponent does.
-    if (digits.find('-') == std::string_view::npos) Raise(Failure::Overflow);
-    return Value::Double(0);
-  }
+  const double number = LeadingNumber(digits);
+  if (!std::isfinite(number)) Raise(Failure::Overflow);
   if (digits.find_first_of(".eE") != std::string_view::npos || number > INT32_MAX) return Value::Double(number);
   if (number > INT16_MAX) return Value::Long(static_cast<std::int32_t>(number));
   return Value::Integer(static_cast<std::int16_t>(number));

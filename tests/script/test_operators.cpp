@@ -171,6 +171,7 @@ TEST_F(Operators, ImpossibleArithmeticIsAnError) {
       {"1E999", "#6 Overflow"},
       {"1E-999", "0"},
   });
+  EXPECT_EQ(Result("0." + std::string(400, '0') + "1"), "0") << "a number too small is nothing, not too large";
 }
 
 }  // namespace
