@@ -12,8 +12,6 @@
 namespace hylden::script {
 namespace {
 
-constexpr std::int64_t kSecondsPerDay = 86400;
-
 enum class Interval { Year, Quarter, Month, DayOfYear, Day, Weekday, Week, Hour, Minute, Second };
 
 Interval IntervalOf(const Call& call) {
@@ -33,11 +31,6 @@ Interval IntervalOf(const Call& call) {
     if (entry.text == wanted) return entry.interval;
   }
   Raise(Failure::InvalidProcedureCall);
-}
-
-std::int64_t FloorDivide(std::int64_t value, std::int64_t divisor) {
-  const std::int64_t quotient = value / divisor;
-  return value % divisor < 0 ? quotient - 1 : quotient;
 }
 
 Value DateResult(double serial) {

@@ -8,17 +8,11 @@
 namespace hylden::script {
 namespace {
 
-constexpr std::int64_t kSecondsPerDay = 86400;
 constexpr std::array<std::string_view, 12> kMonths = {"January",   "February", "March",    "April",
                                                       "May",       "June",     "July",     "August",
                                                       "September", "October",  "November", "December"};
 constexpr std::array<std::string_view, 7> kWeekdays = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                                        "Thursday", "Friday", "Saturday"};
-
-std::int64_t FloorDivide(std::int64_t value, std::int64_t divisor) {
-  const std::int64_t quotient = value / divisor;
-  return value % divisor < 0 ? quotient - 1 : quotient;
-}
 
 bool IsLeapYear(std::int64_t year) {
   return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
@@ -38,6 +32,11 @@ std::string TwoDigits(int value) {
 }
 
 }  // namespace
+
+std::int64_t FloorDivide(std::int64_t value, std::int64_t divisor) {
+  const std::int64_t quotient = value / divisor;
+  return value % divisor < 0 ? quotient - 1 : quotient;
+}
 
 bool IsDateSerial(double serial) {
   return serial >= -657434.0 && serial < 2958466.0;

@@ -7,6 +7,11 @@
 
 namespace hylden::script {
 
+inline constexpr std::int64_t kSecondsPerDay = 86400;
+
+/// The quotient towards minus infinity: days and weeks count on through zero. @pre the divisor is positive
+std::int64_t FloorDivide(std::int64_t value, std::int64_t divisor);
+
 /// Dates are serial numbers: days since 30 December 1899, the time of day as fraction. Before that day the fraction
 /// still counts forward: -1.25 is 29 December 1899, 6:00.
 /// Dates run from 1 January 100 to 31 December 9999.
