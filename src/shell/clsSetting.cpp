@@ -135,9 +135,10 @@ std::int16_t clsSetting::GetSettingInt(const std::string& section, const std::st
 
 std::vector<std::pair<std::string, std::string>> clsSetting::GetSettingAll(const std::string& section) {
   return Trapped(kSectionError, "GetSettingAll", "Error reading Section", [&] {
+    const std::string text = FileBytes(Path());
     std::vector<std::pair<std::string, std::string>> rows;
-    for (const std::string& key : ThroughListBuffer(profile::Keys(FileBytes(Path()), section))) {
-      rows.emplace_back(key, GetSettingStr(section, key, ""));
+    for (const std::string& key : ThroughListBuffer(profile::Keys(text, section))) {
+      rows.emplace_back(key, ThroughBuffer(profile::Value(text, section, key).value_or("")));
     }
     return rows;
   });
