@@ -56,8 +56,8 @@ bool IfiAmp::IfiSetBand(double frequencyMHz) {
   if (frequencyMHz == 0) band_ = Band::None;
   const Band wanted = frequencyMHz <= bandSwitchMHz_ ? Band::Low : Band::High;
   if (wanted == band_) return true;
-  // The amplifiers never change over under power. RfOff has reported its own failure.
-  if (!sigGen_.RfOff()) return false;
+  // The amplifiers never change over under power. A generator that can't be silenced has reported it.
+  if (!sigGen_.SilenceRf()) return false;
   return wanted == Band::Low ? SelectLow(frequencyMHz > 0) : SelectHigh();
 }
 

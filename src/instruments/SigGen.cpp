@@ -26,27 +26,31 @@ bool SigGen::InitSigGen(double frequencyMHz, float levelDbm) {
   rfOn_ = true;
   modulationOn_ = true;
   const bool modulationIsOff = ModOff();
-  return RfOff() && modulationIsOff;
+  return SilenceRf() && modulationIsOff;
 }
 
 bool SigGen::SetFreqLevel(double frequencyMHz, float levelDbm) {
   if (!HasFreqCommand() || !HasLevelCommand()) return false;
   if (!(levelDbm >= MinimumLevel() && levelDbm <= MaximumLevel())) {
-    RfOff();
+    SilenceRf();
     return Refuse("Level requested outside of range of instrument");
   }
   if (!(frequencyMHz >= MinimumFreq() && frequencyMHz <= MaximumFreq())) {
-    RfOff();
+    SilenceRf();
     return Refuse("Frequency requested outside of range of instrument");
   }
   requestedFreq_ = frequencyMHz;
   requestedLevel_ = levelDbm;
-  if (!rfOn_ || SendRequest()) return true;
+  return !rfOn_ || SendRequest();
+}
+
+bool SigGen::SendRequest() {
+  if (SendChanges()) return true;
   gpib_.Report("Error in writing command to Signal Generator. ");
   return false;
 }
 
-bool SigGen::SendRequest() {
+bool SigGen::SendChanges() {
   const bool retune = requestedFreq_ != currentFreq_;
   const bool falling = requestedLevel_ < currentLevel_;
   const bool rising = requestedLevel_ > currentLevel_;
@@ -95,6 +99,17 @@ bool SigGen::RfOff() {
   return sent;
 }
 
+bool SigGen::SilenceRf() {
+  const bool lowered = !definition_.RfOff.empty() || LowerToMinimum();
+  return RfOff() && lowered;
+}
+
+bool SigGen::LowerToMinimum() {
+  if (!HasFreqCommand() || !HasLevelCommand()) return true;  // nothing can have raised it
+  RequestMinimumLevel();
+  return SendRequest();
+}
+
 void SigGen::RequestMinimumLevel() {
   const bool neverTuned = currentFreq_ == 0;
   requestedFreq_ = neverTuned ? MinimumFreq() : currentFreq_;
@@ -102,7 +117,7 @@ void SigGen::RequestMinimumLevel() {
 }
 
 bool SigGen::ShutdownSigGen() {
-  return SetFreqLevel(MinimumFreq(), MinimumLevel()) && RfOff() && gpib_.GpibClose(Address(), kName);
+  return SetFreqLevel(MinimumFreq(), MinimumLevel()) && SilenceRf() && gpib_.GpibClose(Address(), kName);
 }
 
 bool SigGen::LoadFile(const std::string& path) {

@@ -24,8 +24,12 @@ class SigGen {
   bool SetFreqLevel(double frequencyMHz, float levelDbm);
   /// Applies the held request and switches on. RF counts as on from the attempt, even a failed one.
   bool RfOn();
-  /// Always tries. A generator without the command is taken to its minimum level at the next RfOn instead.
+  /// Always tries. Nothing is sent to a generator without the command: it comes up at its minimum level at the next
+  /// RfOn, and until then goes on sending as it did.
   bool RfOff();
+  /// RF off as far as the generator can: one without the command is taken to its minimum level at once. Whatever has to
+  /// have RF off uses this, not the bare command.
+  bool SilenceRf();
   /// @param useDepth  AM is later switched off and on by its depth
   bool SetAM(float frequencyKHz, float depthPercent, bool useDepth);
   bool SetFM(float frequencyKHz, float deviationKHz);
@@ -63,13 +67,16 @@ class SigGen {
 
   bool HasFreqCommand() const { return !definition_.FreqSetPrefix.empty() || !definition_.FreqSetSuffix.empty(); }
   bool HasLevelCommand() const { return !definition_.LevSetPrefix.empty() || !definition_.LevSetSuffix.empty(); }
-  /// Sends what differs between the request and what was sent last; nothing is reported.
+  /// Sends what differs between the request and what was sent last.
   bool SendRequest();
+  /// The same; nothing is reported.
+  bool SendChanges();
   bool SendFreq();
   bool SendLevel();
   void ForgetSent();
   /// What stands for RF off on a generator without the command: the next RfOn comes up at the minimum level.
   void RequestMinimumLevel();
+  bool LowerToMinimum();
   bool SendAm(float frequencyKHz, float depthPercent);
   bool SendModulation(const std::string& prefix, float value, std::string_view pattern, const std::string& suffix);
   bool SendText(const std::string& text, const std::string& failure);

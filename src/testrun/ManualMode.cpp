@@ -4,7 +4,6 @@
 
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
-#include "instruments/RfSilence.h"
 #include "measure/Conversions.h"
 #include "shell/Shell.h"
 #include "testrun/StepRunner.h"
@@ -81,7 +80,7 @@ void ManualMode::Trap(const std::exception& error) {
 /// RF that can't be switched off here is left to the end of the run, which takes the instruments down.
 void ManualMode::SwitchRfOff() {
   try {
-    if (SilenceRf(run_.instruments.sigGen)) return;
+    if (run_.instruments.sigGen.SilenceRf()) return;
   } catch (const std::exception&) {
   }
   run_.shell.delay.RequestHalt();
@@ -130,7 +129,7 @@ void ManualMode::manRfOn(bool on) {
 }
 
 bool ManualMode::SwitchRf(bool on) {
-  if (!on) return SilenceRf(run_.instruments.sigGen);
+  if (!on) return run_.instruments.sigGen.SilenceRf();
   // A generator without an RF-off command fell back to its minimum level: the level is asked for again.
   return SetLevel() && run_.instruments.sigGen.RfOn();
 }

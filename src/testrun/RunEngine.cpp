@@ -6,7 +6,6 @@
 
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
-#include "instruments/RfSilence.h"
 #include "shell/Shell.h"
 
 namespace hylden {
@@ -193,7 +192,7 @@ void RunEngine::Report(const std::exception& error) {
 void RunEngine::RfOffQuietly() {
   try {
     SigGen& sigGen = run_.instruments.sigGen;
-    sigGen.RfIsOn() ? SilenceRf(sigGen) : sigGen.RfOff();
+    sigGen.RfIsOn() ? sigGen.SilenceRf() : sigGen.RfOff();
   } catch (const std::exception&) {
     // The shutdown at the end of the run tries again.
   }

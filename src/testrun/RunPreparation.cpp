@@ -6,7 +6,6 @@
 
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
-#include "instruments/RfSilence.h"
 #include "measure/ReadFreq.h"
 #include "shell/Shell.h"
 #include "testrun/RunDisplay.h"
@@ -176,7 +175,7 @@ void RunPreparation::ShutdownInstruments() {
   const InstrumentsUp up = std::exchange(up_, {});
   RunAll({
       [&] { display_.Status("Shutting down instruments..."); },
-      [&] { up.SigGen ? SilenceRf(instruments_.sigGen) : instruments_.sigGen.RfOff(); },
+      [&] { up.SigGen ? instruments_.sigGen.SilenceRf() : instruments_.sigGen.RfOff(); },
       [&] {
         if (up.Meter) instruments_.meter.MeterShutdown();
       },

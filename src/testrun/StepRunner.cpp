@@ -2,7 +2,6 @@
 
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
-#include "instruments/RfSilence.h"
 #include "shell/Shell.h"
 
 namespace hylden {
@@ -190,7 +189,7 @@ void StepRunner::Mark(bool& mark, RunDisplay::Quantity quantity) {
 
 void StepRunner::SwitchRfOff() {
   if (state_.RfSwitchedOff) return;
-  state_.RfSwitchedOff = SilenceRf(run_.instruments.sigGen);
+  state_.RfSwitchedOff = run_.instruments.sigGen.SilenceRf();
 }
 
 bool StepRunner::Fail(const std::string& text) {

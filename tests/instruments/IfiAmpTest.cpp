@@ -90,6 +90,20 @@ TEST_F(IfiAmpTest, NeverChangesOverWhenRfCanNotBeSwitchedOff) {
   EXPECT_TRUE(ToldOnce("Error setting SigGen RF off. \r\n"));
 }
 
+TEST_F(IfiAmpTest, NeverChangesOverUnderTheLevelOfAGeneratorWithoutRfOff) {
+  SigGenDefinition generator = SampleSigGen();
+  generator.RfOff = "";
+  on.sigGen.PutDefinition(generator);
+  Start(100);
+  on.sigGen.SetFreqLevel(100, -10);
+  on.sigGen.RfOn();
+  Took();
+  EXPECT_TRUE(amp.IfiSetBand(300));
+  Strings expected = kHigh;
+  expected[0] = "> 18 POW -120.0 DBM";
+  EXPECT_EQ(Took(), expected);
+}
+
 TEST_F(IfiAmpTest, ReadsThePowerOfTheSelectedUnit) {
   Start(0);
   EXPECT_FALSE(amp.IfiReadPower(first, second));

@@ -135,6 +135,45 @@ TEST_F(SigGenTest, EmulatesRfOffByTheMinimumLevel) {
   EXPECT_EQ(t.dialogs.messages.size(), 1U);
 }
 
+TEST_F(SigGenTest, AGeneratorWithoutRfOffIsAtItsMinimumWheneverRfHasToBeOff) {
+  Edit([](SigGenDefinition& d) { d.RfOff = ""; });
+  EXPECT_TRUE(gen.InitSigGen(100, -10));
+  EXPECT_EQ(Took(),
+            (Strings{"FIND 18", "REMOTE 18", "> 18 *RST", "> 18 MOD OFF", "> 18 FREQ 0.1 MHZ", "> 18 POW -120.0 DBM"}));
+  t.dialogs.onShow = [this](const Message&) { EXPECT_EQ(bus.Lines().back(), "> 18 POW -120.0 DBM"); };
+  for (const auto& [freqMHz, levelDbm] : {std::pair{2000.0, 0.0F}, std::pair{100.0, 99.0F}}) {
+    gen.SetFreqLevel(200, -10);
+    gen.RfOn();
+    Took();
+    EXPECT_FALSE(gen.SetFreqLevel(freqMHz, levelDbm));
+    EXPECT_EQ(Took(), (Strings{"> 18 POW -120.0 DBM"}));
+  }
+  t.dialogs.onShow = nullptr;
+  gen.SetFreqLevel(200, -10);
+  gen.RfOn();
+  gen.RfOff();  // as the operator's command it sends nothing, and the level stays
+  Took();
+  EXPECT_TRUE(gen.ShutdownSigGen());
+  EXPECT_EQ(Took(), (Strings{"> 18 POW -120.0 DBM", "LOCAL 18"}));
+  EXPECT_TRUE(gen.SilenceRf());
+  EXPECT_TRUE(Took().empty());
+}
+
+TEST_F(SigGenTest, AGeneratorThatCanNotBeLoweredIsReportedAndTriedAgain) {
+  Edit([](SigGenDefinition& d) { d.RfOff = ""; });
+  gen.SetFreqLevel(200, -10);
+  gen.RfOn();
+  bus.FailLine("> 18 POW -120.0", gpib::kEnol);
+  EXPECT_FALSE(gen.SilenceRf());
+  EXPECT_TRUE(ToldOnce("Error in writing command to Signal Generator. \r\n"));
+  Took();
+  EXPECT_TRUE(gen.SilenceRf());
+  EXPECT_EQ(Took().back(), "> 18 POW -120.0 DBM");
+  gen.PutDefinition({});
+  EXPECT_TRUE(gen.SilenceRf());  // without commands there is nothing to lower
+  EXPECT_TRUE(Took().empty());
+}
+
 TEST_F(SigGenTest, SendsABareTerminatorForAnEmptyRfOn) {
   Edit([](SigGenDefinition& d) {
     d.RfOn = "";
@@ -246,6 +285,10 @@ TEST_F(SigGenTest, EachFailedSendStopsTheOperationWithOneReport) {
        [](SigGen& g) { return g.FmOn() && g.ModOff(); },
        {"> 18 MOD OFF"},
        "Error turning modulation off. \r\n"},
+      {"ModOff by depth",
+       [](SigGen& g) { return g.AmOn() && g.SetAM(1, 9, true) && g.ModOff(); },
+       {"> 18 AMD 0.0"},
+       "Error setting AM modulation\r\n"},
       {"AmOn by depth",
        [](SigGen& g) { return g.SetAM(1, 9, true) && g.AmOn() && g.AmOn(); },
        {"> 18 AMF", "> 18 AMD"},
