@@ -1,10 +1,17 @@
 #pragma once
 
+#include <string>
+
 namespace hylden {
 
 class Shell;
 struct EquipRecord;
 struct Instruments;
+
+/// What the operator of a station with one power sensor and two couplers (low and high band) is told before a reading;
+/// empty when the sensor is where it belongs. The low band ends at the band-switch frequency. Frequencies in MHz.
+/// @param previousMHz  frequency of the reading before; 0 before the first
+std::string SensorPrompt(double previousMHz, double frequencyMHz, double bandSwitchMHz);
 
 /// The forward power sensor of the station: which channel it is on, and where the operator has to move it when one
 /// sensor serves both couplers of an IFI amplifier.
