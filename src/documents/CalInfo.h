@@ -32,7 +32,7 @@ class CalInfo {
  public:
   explicit CalInfo(Shell& shell) : shell_(shell) {}
 
-  /// @return false after a message; the record then keeps what it held before the failing line
+  /// @return false after a message; fields before the failing line then have their new values
   bool LoadDef(const std::string& path);
 
   CalInfoRec Record;
