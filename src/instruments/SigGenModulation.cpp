@@ -85,10 +85,7 @@ bool SigGen::PulseOn() {
 
 bool SigGen::ModOff() {
   if (!modulationOn_) return true;
-  if (modulation_ == Modulation::Am && switchByDepth_) {
-    SetAM(savedAmFreq_, 0, switchByDepth_);
-    return true;
-  }
+  if (modulation_ == Modulation::Am && switchByDepth_) return SetAM(savedAmFreq_, 0, switchByDepth_);
   modulationOn_ = false;
   return SendText(definition_.ModulationOff, "Error turning modulation off. ");
 }

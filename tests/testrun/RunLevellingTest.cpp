@@ -239,6 +239,15 @@ TEST_F(LevellingTest, ModulationIsOffWhileTheFrequencyChanges) {
               ElementsAre("AM ON", "MOD OFF", "POW -20.0 DBM"));
 }
 
+TEST_F(LevellingTest, ADepthThatCannotBeTakenBackEndsTheRunBeforeTheLevelRises) {
+  UseAm(true, true);
+  rig.test.UseAMdepth = true;
+  rig.bus.FailLine("> 18 AMD 0.0", gpib::kEabo);
+  rig.Run();
+  EXPECT_TRUE(rig.t.dialogs.WasShownContaining("Error setting AM modulation"));
+  EXPECT_EQ(rig.highestDbm, -200);
+}
+
 TEST_F(LevellingTest, AnAdjustedTestRunsBelowItsCalibration) {
   OneStep();
   rig.test.Extrapolate = true;
