@@ -40,6 +40,12 @@ struct TestDefinition {
   bool ModOffBetweenFreqs = false;
   bool UseAMdepth = false;
   std::string Spare1, Spare2, Spare3, Spare4, Spare5;
+
+  bool LevelsBy(hylden::LevelingMethod method) const { return LevelingMethod == static_cast<std::int32_t>(method); }
+  /// Forward or net power holds the level; an unknown code levels by the generator.
+  bool LevelsByPower() const {
+    return LevelsBy(hylden::LevelingMethod::ForwardPower) || LevelsBy(hylden::LevelingMethod::NetPower);
+  }
 };
 
 template <class F>

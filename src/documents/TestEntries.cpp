@@ -66,8 +66,7 @@ void ModOffBetweenFreqsClicked(TestDefinitionEntries& entries) {
 
 std::optional<StartFailure> CheckStart(const TestDefinition& test, const EquipRecord& equipment) {
   constexpr int kInstrumentTab = 0, kFactorTab = 1;
-  const bool byNetPower = test.LevelingMethod == static_cast<int>(LevelingMethod::NetPower);
-  const bool byPower = byNetPower || test.LevelingMethod == static_cast<int>(LevelingMethod::ForwardPower);
+  const bool byPower = test.LevelsByPower(), byNetPower = test.LevelsBy(LevelingMethod::NetPower);
   // Net power takes both ports of one coupler at once; a meter split by band reads the forward port of each band.
   const bool dualChannel = equipment.Is(AmpConfig::DualFwdRev);
   const struct {

@@ -20,20 +20,11 @@ constexpr double kLeastStep = 0.1;
 constexpr double kSmallStep = 0.2;
 constexpr double kSlowIncrement = 1;
 
-bool UsesPower(const TestDefinition& test) {
-  return test.LevelingMethod != static_cast<int>(LevelingMethod::SigGen);
-}
-
-bool UsesNetPower(const TestDefinition& test) {
-  return test.LevelingMethod == static_cast<int>(LevelingMethod::NetPower);
-}
-
 std::string MissingPowerText(const TestDefinition& test, const CalibratedLevels& levels) {
-  if (!UsesPower(test)) return {};
-  if (!UsesNetPower(test) && IsMissing(levels.FwdPwr))
+  if (test.LevelsBy(LevelingMethod::ForwardPower) && IsMissing(levels.FwdPwr))
     return "Forward power data not in calibration file.\r\nThis calibration file can't be used for \r\n"
            "power leveled tests.";
-  if (UsesNetPower(test) && IsMissing(levels.NetPwr))
+  if (test.LevelsBy(LevelingMethod::NetPower) && IsMissing(levels.NetPwr))
     return "Net power data not in calibration file.\r\nThis calibration file can't be used for \r\n"
            "Net-power leveled tests.";
   return {};
@@ -76,8 +67,8 @@ CalibratedLevels LookUpLevels(clsCalFile& calibration, const TestDefinition& tes
   CalibratedLevels levels;
   levels.SigGenLevel = calibration.GetSigGen(frequencyMHz);
   levels.TestLevel = calibration.GetTestLevel(frequencyMHz);
-  if (UsesPower(test)) levels.FwdPwr = calibration.GetFwdPwr(frequencyMHz);
-  if (UsesNetPower(test)) levels.NetPwr = calibration.GetNetPwr(frequencyMHz);
+  if (test.LevelsByPower()) levels.FwdPwr = calibration.GetFwdPwr(frequencyMHz);
+  if (test.LevelsBy(LevelingMethod::NetPower)) levels.NetPwr = calibration.GetNetPwr(frequencyMHz);
   return levels;
 }
 
@@ -89,7 +80,8 @@ TargetsOrText TargetsFor(const TestDefinition& test, const CalibratedLevels& lev
   targets.SigGenCal = static_cast<float>(double{levels.SigGenLevel} + adjustment);
   targets.TestLevel = static_cast<float>(double{levels.TestLevel} + adjustment);
   targets.ForwardReference = double{levels.FwdPwr} + PowerCorrection(test);
-  targets.PowerTarget = double{UsesNetPower(test) ? levels.NetPwr : levels.FwdPwr} + PowerCorrection(test);
+  targets.PowerTarget =
+      double{test.LevelsBy(LevelingMethod::NetPower) ? levels.NetPwr : levels.FwdPwr} + PowerCorrection(test);
   targets.ConstantPeakOffset = ConstPeakOffset(test);
   return result;
 }
@@ -110,10 +102,10 @@ std::string GeneratorFloorText(float sigGenCalDbm, float generatorMinimumDbm) {
 double StartingOffset(const TestDefinition& test, const PreviousStep& previous, double frequencyMHz) {
   const double drop = InitialDrop(test);
   if (previous.Freq <= 0) {
-    const bool farBelow = test.LimitCurrent || UsesPower(test);
+    const bool farBelow = test.LimitCurrent || test.LevelsByPower();
     return farBelow ? std::max(drop, kFirstDrop) : drop;
   }
-  const double slope = UsesPower(test) ? 20 * std::log10(frequencyMHz / previous.Freq) : 0;
+  const double slope = test.LevelsByPower() ? 20 * std::log10(frequencyMHz / previous.Freq) : 0;
   return previous.Offset + drop + slope;
 }
 

@@ -20,11 +20,6 @@ constexpr double kGenericBandSwitchMHz = 230;
 constexpr double kSharedAddressWait = 5;
 constexpr int kLeastListFrequencies = 2;
 
-bool LevelsByPower(const TestDefinition& test) {
-  return test.LevelingMethod == static_cast<int>(LevelingMethod::ForwardPower) ||
-         test.LevelingMethod == static_cast<int>(LevelingMethod::NetPower);
-}
-
 /// Runs every action, whatever the others do, and throws the first exception on after the last.
 void RunAll(const std::vector<std::function<void()>>& actions) {
   std::exception_ptr first;
@@ -136,7 +131,7 @@ bool RunPreparation::InitModulation() {
 }
 
 bool RunPreparation::InitPowerMeter() {
-  if (!LevelsByPower(Test())) return true;
+  if (!Test().LevelsByPower()) return true;
   if (Test().MonitorProbe && !WaitForSharedAddress()) return false;
   if (!instruments_.pm.InitPwrMtr()) return Refuse("Error initializing Power Meter");
   up_.PwrMtr = true;

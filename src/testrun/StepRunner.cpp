@@ -65,8 +65,8 @@ bool StepRunner::FindTargets() {
   state_.Result.TestLevel = found.Targets.TestLevel;
   state_.Probe.LimitDbua = InducedCurrentLimit(Test(), levels.TestLevel).value_or(kNoValue);
 
-  const bool usesPower = Test().LevelingMethod != static_cast<int>(LevelingMethod::SigGen);
-  if (usesPower && !run_.instruments.pm.PwrMtrSetFreq(state_.Freq)) return Fail("Error setting power meter");
+  if (Test().LevelsByPower() && !run_.instruments.pm.PwrMtrSetFreq(state_.Freq))
+    return Fail("Error setting power meter");
   const std::string floorText = GeneratorFloorText(state_.Targets.SigGenCal, run_.instruments.sigGen.MinimumLevel());
   return floorText.empty() || Fail(floorText);
 }

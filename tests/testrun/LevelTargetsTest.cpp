@@ -110,6 +110,8 @@ TEST_P(StartTest, BeginsThisFarBelow) {
 INSTANTIATE_TEST_SUITE_P(LevelTargets, StartTest,
                          testing::Values(StartCase{"first_by_generator", 0, -6, false, {}, 1, 6},
                                          StartCase{"first_by_power", 1, -6, false, {}, 1, 60},
+                                         StartCase{"first_by_an_unknown_method", 7, -6, false, {}, 1, 6},
+                                         StartCase{"later_by_an_unknown_method", 7, -6, false, {1, 2}, 10, 8},
                                          StartCase{"first_with_current_limit", 0, -6, true, {}, 1, 60},
                                          StartCase{"first_from_deeper", 1, -70, false, {}, 1, 70},
                                          StartCase{"later_by_generator", 0, -6, false, {1, 2}, 10, 8},
