@@ -36,7 +36,7 @@ class Validator {
   TestValidation Run(const std::string& calFreqRange) {
     static_cast<void>(Calibration(calFreqRange) && StartFreq() && StopFreq() && SweepOrList() && Sweep() && List() &&
                       ModulationValues() && ModulationType() && Ramping() && Extrapolation() && InterDwell() &&
-                      Probe());
+                      Leveling() && Probe());
     return std::move(result_);
   }
 
@@ -129,7 +129,6 @@ class Validator {
     test_.ConstPeak = entries_.ConstPeak && entries_.ModOffBetweenFreqs;
     test_.ModOffBetweenFreqs = entries_.ModOffBetweenFreqs;
     test_.UseAMdepth = entries_.UseAMdepth;
-    test_.LevelingMode = entries_.RealTimeLevel ? 1 : 0;
     return true;
   }
 
@@ -151,6 +150,7 @@ class Validator {
   }
 
   bool Ramping() {
+    test_.LevelingMode = entries_.RealTimeLevel ? 1 : 0;
     if (!Read("txtInitLevOffset", kLevel, entries_.InitLevOffset, test_.InitLevOffset)) return false;
     if (test_.InitLevOffset > 0) test_.InitLevOffset = -test_.InitLevOffset;
     if (!Read("txtLevelInc", kLevel, entries_.LevelInc, test_.LevelInc)) return false;
@@ -166,7 +166,10 @@ class Validator {
 
   bool InterDwell() {
     if (!Read("txtInterDwell", kLevel, entries_.InterDwell, test_.InterDwell)) return false;
-    if (!InRange(test_.InterDwell >= 0, "txtInterDwell", kLevel)) return false;
+    return InRange(test_.InterDwell >= 0, "txtInterDwell", kLevel);
+  }
+
+  bool Leveling() {
     const bool isKnown = entries_.LevelingMethod >= static_cast<int>(LevelingMethod::SigGen) &&
                          entries_.LevelingMethod <= static_cast<int>(LevelingMethod::NetPower);
     test_.LevelingMethod = isKnown ? entries_.LevelingMethod : static_cast<int>(LevelingMethod::SigGen);
