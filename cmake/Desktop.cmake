@@ -1,0 +1,14 @@
+# hylden_desktop: the windows, on Qt. Everything in a folder's qt/, the forms frm*, and the main menu.
+find_package(Qt6 6.4 REQUIRED COMPONENTS Widgets PrintSupport)
+
+file(GLOB_RECURSE desktopSources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/*.cpp ${PROJECT_SOURCE_DIR}/src/*.h
+  ${PROJECT_SOURCE_DIR}/src/*.ui)
+list(FILTER desktopSources INCLUDE REGEX "/qt/|/frm[A-Z][^/]*$|/TopMenu[^/]*$")
+add_library(hylden_desktop STATIC ${desktopSources})
+# The list of sources is a dependency of its own: a form that is added later is seen by the next build.
+set_target_properties(hylden_desktop PROPERTIES AUTOMOC ON AUTOUIC ON
+  AUTOGEN_TARGET_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/hylden_desktop_autogen.dir/AutogenInfo.json)
+target_link_libraries(hylden_desktop PUBLIC hylden_core Qt6::Widgets Qt6::PrintSupport)
+
+# The manual stands beside the program.
+configure_file(${PROJECT_SOURCE_DIR}/help/hylden.md ${PROJECT_BINARY_DIR}/bin/hylden.hlp COPYONLY)

@@ -1,0 +1,223 @@
+#include "platform/qt/QtDialogs.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QInputDialog>
+#include <QKeyEvent>
+#include <QMessageBox>
+#include <QPointer>
+#include <QTimer>
+#include <utility>
+
+#include "platform/qt/QtText.h"
+
+namespace hylden {
+
+namespace {
+
+constexpr char kProgramTitle[] = "Hylden";
+constexpr int kEndingMessageMs = 3000;
+
+/// Sees the Escape key on its way to a box.
+class EscapeWatch : public QObject {
+ public:
+  EscapeWatch(QObject* parent, const std::function<void()>& action) : QObject(parent), action_(action) {}
+
+ protected:
+  bool eventFilter(QObject*, QEvent* event) override {
+    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape && action_)
+      action_();
+    return false;
+  }
+
+ private:
+  const std::function<void()>& action_;
+};
+
+QMessageBox::Icon IconOf(MessageIcon icon) {
+  switch (icon) {
+    case MessageIcon::Information:
+      return QMessageBox::Information;
+    case MessageIcon::Exclamation:
+      return QMessageBox::Warning;
+    case MessageIcon::Question:
+      return QMessageBox::Question;
+    case MessageIcon::Critical:
+      return QMessageBox::Critical;
+    case MessageIcon::None:
+      break;
+  }
+  return QMessageBox::NoIcon;
+}
+
+struct ButtonSet {
+  QMessageBox::StandardButtons buttons;
+  QMessageBox::StandardButton onClose;  ///< what closing the box, or Escape, answers
+};
+
+ButtonSet ButtonsOf(MessageButtons buttons) {
+  switch (buttons) {
+    case MessageButtons::OkCancel:
+      return {QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Cancel};
+    case MessageButtons::YesNo:
+      return {QMessageBox::Yes | QMessageBox::No, QMessageBox::No};
+    case MessageButtons::YesNoCancel:
+      return {QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Cancel};
+    case MessageButtons::RetryCancel:
+      return {QMessageBox::Retry | QMessageBox::Cancel, QMessageBox::Cancel};
+    case MessageButtons::Ok:
+      break;
+  }
+  return {QMessageBox::Ok, QMessageBox::Ok};
+}
+
+MessageAnswer AnswerOf(QMessageBox::StandardButton button) {
+  switch (button) {
+    case QMessageBox::Cancel:
+      return MessageAnswer::Cancel;
+    case QMessageBox::Yes:
+      return MessageAnswer::Yes;
+    case QMessageBox::No:
+      return MessageAnswer::No;
+    case QMessageBox::Retry:
+      return MessageAnswer::Retry;
+    default:
+      return MessageAnswer::Ok;
+  }
+}
+
+QString TitleOf(const std::string& title) {
+  return title.empty() ? QString::fromLatin1(kProgramTitle) : ToQt(title);
+}
+
+/// The dialog goes when the scope ends, unless the window above which it stood has taken it along.
+template <class Dialog>
+class Owned {
+ public:
+  Owned() : dialog_(new Dialog(QApplication::activeWindow())) {}
+  ~Owned() { delete dialog_.data(); }
+  Owned(const Owned&) = delete;
+  Owned& operator=(const Owned&) = delete;
+  Dialog* operator->() const { return dialog_.data(); }
+  Dialog& operator*() const { return *dialog_; }
+  bool Alive() const { return !dialog_.isNull(); }
+
+ private:
+  QPointer<Dialog> dialog_;
+};
+
+/// "*.tst;*.txt" as Qt writes it, in both cases: on Linux "A.TST" is another name than "a.tst".
+QString Patterns(const QString& patterns) {
+  QStringList both;
+  for (const QString& pattern : patterns.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
+    const QString one = pattern.trimmed();
+    if (one == QLatin1String("*.*")) {
+      both << QStringLiteral("*");
+      continue;
+    }
+    both << one;
+    if (one.toUpper() != one) both << one.toUpper();
+  }
+  return both.join(QLatin1Char(' '));
+}
+
+}  // namespace
+
+QStringList QtFilters(std::string_view filter) {
+  const QStringList parts = ToQt(filter).split(QLatin1Char('|'));
+  QStringList filters;
+  for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+    const QString name = parts[i].section(QLatin1Char('('), 0, 0).trimmed();
+    filters << QStringLiteral("%1 (%2)").arg(name, Patterns(parts[i + 1]));
+  }
+  return filters;
+}
+
+QString DefaultSuffix(std::string_view filter) {
+  const QString pattern = ToQt(filter).section(QLatin1Char('|'), 1, 1).section(QLatin1Char(';'), 0, 0).trimmed();
+  const QString suffix = pattern.section(QLatin1Char('.'), -1);
+  return pattern.startsWith(QLatin1String("*.")) && suffix != QLatin1String("*") ? suffix : QString();
+}
+
+bool QtDialogs::Run(QDialog& dialog) {
+  dialog.installEventFilter(new EscapeWatch(&dialog, onEscape));
+  return dialog.exec() == QDialog::Accepted;
+}
+
+MessageAnswer QtDialogs::Show(const Message& message) {
+  const ButtonSet set = ButtonsOf(message.buttons);
+  const QString text = ScreenText(message.text);
+  Owned<QMessageBox> box;
+  box->setWindowTitle(TitleOf(message.title));
+  box->setTextFormat(Qt::PlainText);
+  box->setText(text);
+  box->setIcon(IconOf(message.icon));
+  box->setStandardButtons(set.buttons);
+  box->setEscapeButton(set.onClose);
+  box->setAccessibleName(box->windowTitle());
+  box->setAccessibleDescription(text);
+  if (ending_ && message.buttons == MessageButtons::Ok) QTimer::singleShot(kEndingMessageMs, &*box, &QDialog::reject);
+  Run(*box);
+  if (!box.Alive() || !box->clickedButton()) return AnswerOf(set.onClose);
+  return AnswerOf(box->standardButton(box->clickedButton()));
+}
+
+std::optional<std::string> QtDialogs::InputBox(const std::string& prompt, const std::string& title,
+                                               const std::string& text) {
+  Owned<QInputDialog> box;
+  box->setWindowTitle(TitleOf(title));
+  box->setInputMode(QInputDialog::TextInput);
+  box->setLabelText(ScreenText(prompt));
+  box->setTextValue(ToQt(text));
+  box->setAccessibleName(box->windowTitle());
+  box->setAccessibleDescription(ScreenText(prompt));
+  if (!Run(*box) || !box.Alive()) return std::nullopt;
+  return FromQt(box->textValue());
+}
+
+std::optional<std::string> QtDialogs::AskForFile(QFileDialog& dialog, const FileRequest& request) {
+  const QPointer<QFileDialog> alive(&dialog);
+  const QFileInfo offered(ToQt(request.fileName));
+  const QString directory = offered.isAbsolute() ? offered.absolutePath() : ToQt(request.directory);
+  dialog.setWindowTitle(TitleOf(request.title));
+  dialog.setAccessibleName(dialog.windowTitle());
+  dialog.setDirectory(QDir(directory).exists() && !directory.isEmpty() ? directory : QDir::currentPath());
+  dialog.setNameFilters(QtFilters(request.filter));
+  if (!request.fileName.empty()) dialog.selectFile(offered.fileName());
+  if (!Run(dialog) || !alive) return std::nullopt;
+  const QStringList chosen = dialog.selectedFiles();
+  if (chosen.isEmpty()) return std::nullopt;
+  return FromQt(QDir::toNativeSeparators(chosen.first()));
+}
+
+std::optional<std::string> QtDialogs::OpenFile(const FileRequest& request) {
+  Owned<QFileDialog> dialog;
+  dialog->setAcceptMode(QFileDialog::AcceptOpen);
+  dialog->setFileMode(QFileDialog::ExistingFile);
+  return AskForFile(*dialog, request);
+}
+
+std::optional<std::string> QtDialogs::SaveFile(const FileRequest& request) {
+  Owned<QFileDialog> dialog;
+  dialog->setAcceptMode(QFileDialog::AcceptSave);
+  dialog->setFileMode(QFileDialog::AnyFile);
+  dialog->setDefaultSuffix(DefaultSuffix(request.filter));
+  return AskForFile(*dialog, request);
+}
+
+void QtDialogs::DefaultPointer() {
+  while (QApplication::overrideCursor()) QApplication::restoreOverrideCursor();
+}
+
+void QtDialogs::BeginEnding() {
+  ending_ = true;
+  const QWidgetList windows = QApplication::topLevelWidgets();
+  for (QWidget* window : windows) {
+    auto* dialog = qobject_cast<QDialog*>(window);
+    if (dialog && dialog->isVisible() && dialog->isModal()) dialog->reject();
+  }
+}
+
+}  // namespace hylden
