@@ -1,0 +1,44 @@
+#include "shell/TopMenu.h"
+
+#include <QCloseEvent>
+#include <QKeyEvent>
+
+#include "platform/qt/QtText.h"
+#include "ui_TopMenu.h"
+
+namespace hylden {
+
+TopMenu::TopMenu(QWidget* parent) : QMainWindow(parent), ui_(std::make_unique<Ui::TopMenu>()) {
+  ui_->setupUi(this);
+  setWindowIcon(LogoPixmap(64));
+  connect(ui_->cmdConfigSys, &QPushButton::clicked, this, &TopMenu::ConfigureRequested);
+  connect(ui_->cmdCalibration, &QPushButton::clicked, this, &TopMenu::CalibrationRequested);
+  connect(ui_->cmdRunTest, &QPushButton::clicked, this, &TopMenu::RunTestRequested);
+}
+
+TopMenu::~TopMenu() = default;
+
+void TopMenu::SetTitle(const std::string& title) {
+  setWindowTitle(ToQt(title));
+  ui_->Label1->setText(ScreenText(title + "\r\nConducted RF Immunity"));
+}
+
+void TopMenu::SetAvailable(bool configuration, bool calibration, bool test) {
+  ui_->cmdConfigSys->setEnabled(configuration);
+  ui_->cmdCalibration->setEnabled(calibration);
+  ui_->cmdRunTest->setEnabled(test);
+}
+
+void TopMenu::closeEvent(QCloseEvent* event) {
+  event->accept();
+  emit Closed();
+}
+
+void TopMenu::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_F1)
+    emit HelpRequested({});
+  else
+    QMainWindow::keyPressEvent(event);
+}
+
+}  // namespace hylden

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QMainWindow>
+#include <memory>
+#include <string>
+
+namespace hylden {
+
+namespace Ui {
+class TopMenu;
+}
+
+/// The main menu: three buttons ask for the working areas, the fourth ends the program.
+class TopMenu : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  explicit TopMenu(QWidget* parent = nullptr);
+  ~TopMenu() override;
+
+  /// Caption and heading: the version title.
+  void SetTitle(const std::string& title);
+  /// Disables the buttons of areas that this program has no form for.
+  void SetAvailable(bool configuration, bool calibration, bool test);
+
+ signals:
+  void ConfigureRequested();
+  void CalibrationRequested();
+  void RunTestRequested();
+  void HelpRequested(const QString& topic);
+  /// The main menu has closed: the program ends.
+  void Closed();
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  std::unique_ptr<Ui::TopMenu> ui_;
+};
+
+}  // namespace hylden

@@ -1,0 +1,89 @@
+#include "shell/qt/OptionsMenu.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QMenu>
+#include <string_view>
+
+#include "platform/qt/QtText.h"
+#include "shell/Shell.h"
+#include "shell/frmPickDir.h"
+
+namespace hylden {
+
+namespace {
+
+constexpr std::size_t kLongestPath = 127;
+
+struct DirectoryEntry {
+  const char* name;
+  const char* caption;
+  std::string_view kind;
+};
+
+constexpr DirectoryEntry kEquipDirectory{"mnuFileOptEquipDir", "&Equipment Directory", datakind::kEquip};
+
+constexpr DirectoryEntry kDirectories[] = {
+    {"mnuFileOptCalDir", "&Calibration Setups Dir", datakind::kCalibrations},
+    {"mnuFileOptTestDir", "&Test Setups Directory", datakind::kTestSetups},
+    {"mnuFileOptResultDir", "Test &Results", datakind::kTestResults},
+    {"mnuFileOptCableDir", "Ca&ble Directory", datakind::kCables},
+    {"mnuFileOptCouplerDir", "Cou&pler Directory", datakind::kFactors},
+    {"mnuFileOptProbeDir", "Pr&obe Directory", datakind::kProbes},
+    {"mnuFileOptFreqListDir", "Freq &List Dir", datakind::kFreqList},
+    {"mnuFileOptInsLossDir", "&Insertion Loss Output Dir", datakind::kInsertionLoss},
+};
+
+/// The settings file hands back no more of a value than this; a path that would come back cut is refused.
+bool FitsSettings(Shell& shell, const std::string& path) {
+  if (ToQt(path).size() <= static_cast<qsizetype>(kLongestPath)) return true;
+  shell.dialogs.Tell("The path is longer than 127 characters and can't be kept in the settings:\r\n" + path,
+                     MessageIcon::Exclamation);
+  return false;
+}
+
+void ChooseDirectory(Shell& shell, QWidget* owner, std::string_view kind) {
+  try {
+    frmPickDir picker(shell, owner);
+    picker.StartDir(shell.settings.GetDataDir(kind));
+    picker.exec();
+    const std::string picked = picker.PickedDir();
+    if (!picked.empty() && FitsSettings(shell, picked)) shell.settings.SaveDataDir(kind, picked);
+  } catch (const std::exception& error) {
+    shell.ReportError(error, "INISettings.SaveDataDir");
+  }
+}
+
+void ChooseEquipmentFile(Shell& shell) {
+  try {
+    const std::string current = shell.settings.GetDefaultEquipFile();
+    FileRequest request{"Select equipment file", "Equipment Setup Files (*.eqp)|*.eqp|All Files|*.*"};
+    if (current.size() < 2)
+      request.directory = shell.settings.GetDataDir(datakind::kEquip);
+    else
+      request.fileName = current;
+    const auto chosen = shell.dialogs.OpenFile(request);
+    if (chosen && FitsSettings(shell, *chosen)) shell.settings.SaveDefaultEquipFile(*chosen);
+  } catch (const std::exception& error) {
+    shell.ReportError(error, "INISettings.SaveDefaultEquipFile");
+  }
+}
+
+void AddDirectory(QMenu& menu, Shell& shell, const DirectoryEntry& entry) {
+  QAction* const action = menu.addAction(QString::fromLatin1(entry.caption));
+  action->setObjectName(QString::fromLatin1(entry.name));
+  QObject::connect(action, &QAction::triggered, &menu,
+                   [&shell, kind = entry.kind] { ChooseDirectory(shell, QApplication::activeWindow(), kind); });
+}
+
+}  // namespace
+
+void FillOptionsMenu(QMenu& menu, Shell& shell) {
+  AddDirectory(menu, shell, kEquipDirectory);
+  QAction* const file = menu.addAction(QStringLiteral("&Default Equipment File"));
+  file->setObjectName(QStringLiteral("mnuFileOptEquipfile"));
+  QObject::connect(file, &QAction::triggered, &menu, [&shell] { ChooseEquipmentFile(shell); });
+  for (const DirectoryEntry& entry : kDirectories) AddDirectory(menu, shell, entry);
+}
+
+}  // namespace hylden

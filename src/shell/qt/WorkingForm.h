@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QPointer>
+#include <QString>
+
+class QCloseEvent;
+class QKeyEvent;
+class QLabel;
+
+namespace hylden {
+
+/// A window that one opens from another: when it unloads, the form that opened it is shown again.
+/// A form shows and asks; it never opens another form itself, but tells by a signal what is wanted.
+class WorkingForm : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  explicit WorkingForm(QWidget* parent = nullptr);
+
+  /// The form to show again when this one unloads.
+  QPointer<QWidget> CallingForm;
+
+  /// Shows this form in the place of the one that opened it.
+  void OpenFrom(QWidget* caller);
+
+  /// The heading of the help file that F1 opens; empty for its beginning.
+  virtual QString HelpTopic() const { return {}; }
+
+ signals:
+  void HelpRequested(const QString& topic);
+  /// The form has closed and its caller is shown again.
+  void Unloaded();
+
+ protected:
+  /// Whether the form may close now; what has to be done before is done here.
+  virtual bool QueryUnload() { return true; }
+
+  void closeEvent(QCloseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+};
+
+/// A band across the top of a window that tells, unmistakably, that no real instrument is driven.
+void ShowBenchNotice(QMainWindow& window);
+/// The same on a window that has a label for it.
+void ShowBenchNotice(QLabel& notice);
+
+}  // namespace hylden

@@ -1,0 +1,46 @@
+#include "shell/RecentFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "shell/INISettings.h"
+#include "support/TempDir.h"
+
+namespace hylden {
+namespace {
+
+class RecentFilesTest : public testing::Test {
+ protected:
+  TempDir directory;
+  INISettings settings{directory.Path()};
+  RecentFiles recent{settings, "Equip"};
+  std::string Make(int number) { return directory.Write("s" + std::to_string(number) + ".eqp", "x"); }
+  using Files = std::vector<std::string>;
+};
+
+TEST_F(RecentFilesTest, LastUsedStandsFirstOnce) {
+  const std::string a = Make(1), b = Make(2);
+  recent.Add(a);
+  recent.Add(b);
+  recent.Add(a);
+  EXPECT_EQ(recent.List(), (Files{a, b}));
+  EXPECT_EQ(RecentFiles(settings, "Test").List(), Files{});
+}
+
+TEST_F(RecentFilesTest, ListIsBoundedAndForgetsVanishedFiles) {
+  for (int i = 0; i < 10; ++i) recent.Add(Make(i));
+  ASSERT_EQ(recent.List().size(), 8u);
+  std::filesystem::remove(directory.File("s9.eqp"));
+  EXPECT_EQ(recent.List().front(), directory.File("s8.eqp"));
+  recent.Add(Make(11));
+  EXPECT_EQ(recent.List().size(), 8u);
+}
+
+TEST_F(RecentFilesTest, PathTooLongForTheSettingsIsNotKept) {
+  recent.Add(directory.Write(std::string(120, 'd') + "/long.eqp", "x"));
+  EXPECT_EQ(recent.List(), Files{});
+}
+
+}  // namespace
+}  // namespace hylden
