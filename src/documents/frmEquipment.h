@@ -1,0 +1,93 @@
+#pragma once
+
+#include <memory>
+
+#include "documents/EquipRecord.h"
+#include "shell/qt/WorkingForm.h"
+
+class QLineEdit;
+class QToolButton;
+
+namespace hylden {
+
+class Equip;
+class PathLabel;
+class RecentFilesMenu;
+class Shell;
+struct EquipmentEntries;
+struct Instruments;
+namespace Ui {
+class frmEquipment;
+}
+
+enum class InstrumentKind { SigGen, Meter, PwrMtr };
+enum class FactorKind { Factor, Level, Loss };
+
+/// The station's equipment: which definitions, addresses and tables it consists of, and how its amplifier and power
+/// meter are arranged. Changes go into the record when the form closes; the file is written by Save only.
+class frmEquipment : public WorkingForm {
+  Q_OBJECT
+
+ public:
+  frmEquipment(Shell& shell, Instruments& instruments, Equip& equip, QWidget* parent = nullptr);
+  ~frmEquipment() override;
+
+  /// Turns to a page: 0 instruments, 1 factor tables, 2 amplifier.
+  void ShowTab(int tab);
+  /// Enables the menu entries of editors and utilities that the program around has.
+  void Offer(bool instrumentEditors, bool factorEditor, bool insertionLoss);
+  /// Fills the form from the record, loading the three instrument definitions.
+  void ShowEquipment();
+  /// Copies the form into the record and the drivers; false when an entry is invalid, after its prompt.
+  bool ApplyEquipment();
+  /// Makes the file the current one and shows it; a file that does not load leaves the current one what it was.
+  void LoadFile(const QString& path);
+
+  QString HelpTopic() const override;
+
+ signals:
+  void DefineInstrumentRequested(InstrumentKind kind);
+  void EditFactorRequested(FactorKind kind);
+  void InsertionLossRequested();
+
+ protected:
+  bool QueryUnload() override { return ApplyEquipment(); }
+
+ private:
+  struct InstrumentRow;
+  struct TableRow;
+
+  void ConnectFileMenu();
+  void ConnectInstruments();
+  void ConnectTables();
+  void ConnectAmplifier();
+
+  InstrumentRow Row(InstrumentKind kind);
+  template <class Driver>
+  void ShowInstrument(InstrumentKind kind, const Driver& driver);
+  void ShowInstruments();
+  void SelectInstrument(InstrumentKind kind);
+  template <class Driver>
+  void SelectDefinition(Driver& driver, InstrumentKind kind);
+  void ClearInstrument(InstrumentKind kind);
+  void SelectTable(const TableRow& row);
+  void ShowRecord();
+  void ShowFileName();
+  void EnableAmplifierControls();
+  void SetConfiguration(AmpConfig configuration);
+  void SetAmplifierType(AmpType type);
+  EquipmentEntries Entries() const;
+  void AskAndLoad();
+  void Save();
+  void SaveAs();
+  void SaveTo(const std::string& path);
+  void RequestInsertionLoss();
+
+  Shell& shell_;
+  Instruments& instruments_;
+  Equip& equip_;
+  std::unique_ptr<Ui::frmEquipment> ui_;
+  RecentFilesMenu* recentFiles_ = nullptr;
+};
+
+}  // namespace hylden

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <memory>
+
+#include "documents/CalInfo.h"
+#include "shell/qt/WorkingForm.h"
+
+class QLabel;
+
+namespace hylden {
+
+class RecentFilesMenu;
+class Shell;
+struct Documents;
+struct TestDefinitionEntries;
+namespace Ui {
+class frmTestDef;
+}
+
+/// The test definition: which calibration is replayed, over which frequencies, with which modulation and levelling.
+/// What the form holds goes into the record when it is saved or started; leaving the form drops it.
+class frmTestDef : public WorkingForm {
+  Q_OBJECT
+
+ public:
+  frmTestDef(Shell& shell, Documents& documents, QWidget* parent = nullptr);
+  ~frmTestDef() override;
+
+  /// Shows the record.
+  void DefToForm();
+  /// Checks the form and takes it into the record, up to the first invalid entry, which is pointed out; false then.
+  bool FormToDef();
+  /// Shows what the calibration record says about itself.
+  void ShowCalInfo();
+  /// Loads a definition and the calibration info that it names; after a failure the form stays as it was.
+  void LoadFile(const QString& path);
+  /// Makes a file the frequency list and asks for the discrete test; one that does not read as a list is refused.
+  void UseList(const QString& path);
+  /// Enables the button of the list builder when the program around has one.
+  void Offer(bool listBuilder);
+
+  QString HelpTopic() const override;
+
+ signals:
+  /// The list builder is wanted; the list composed there comes back through UseList.
+  void CreateListRequested(const QString& listFile);
+  /// The station lacks something for this test: open the equipment form, modally, on this page.
+  void EditEquipmentRequested(int tab);
+  /// Definition and station are complete: open the test run in the place of this form.
+  void StartRequested();
+  /// Show in the preview what PrintTestSetup would print.
+  void PrintPreviewRequested();
+
+ protected:
+  bool QueryUnload() override;
+
+ private:
+  void ConnectCommands();
+  void ConnectRules();
+  template <class Action>
+  void Guard(const QObject* control, Action action);
+  template <class Sender, class Signal>
+  void On(Sender* sender, Signal signal, void (frmTestDef::*command)());
+
+  TestDefinitionEntries Entries() const;
+  void ShowEntries(TestDefinitionEntries entries);
+  void ShowFile();
+  void EnableControls();
+  void ClickConstPeak();
+  void ClickModOffBetweenFreqs();
+
+  void Load();
+  void Save();
+  void SaveAs();
+  void SaveTo(const std::string& path);
+  void Print();
+  void SelectCalFile();
+  void SelectListFile();
+  void CreateList();
+  void Start();
+
+  Shell& shell_;
+  Documents& documents_;
+  std::unique_ptr<Ui::frmTestDef> ui_;
+  QLabel* readOnlyNotice_;
+  RecentFilesMenu* recentFiles_ = nullptr;
+  /// The info of the calibration that the record names; the one shown may belong to a file chosen since.
+  CalInfoRec calInfoOfRecord_;
+};
+
+}  // namespace hylden
