@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QTimer>
+#include <QWidget>
+#include <memory>
+
+#include "testrun/ManualMode.h"
+#include "testrun/qt/ArrowKeyHook.h"
+
+class QCloseEvent;
+
+namespace hylden {
+
+class Shell;
+struct ManualStart;
+namespace Ui {
+class frmManual;
+}
+
+/// Manual mode: step and level by scroll bars and arrow keys, switches for RF and modulation, thresholds. It stands
+/// above all other windows. Step and level go to the run at the pace of Timer1.
+class frmManual : public QWidget {
+  Q_OBJECT
+
+ public:
+  frmManual(Shell& shell, ManualMode& mode, QWidget* parent = nullptr);
+  ~frmManual() override;
+
+  /// Shows the form without taking the focus, catches the arrow keys and starts the timer.
+  void Open(const ManualStart& start);
+  /// Gives the arrow keys free, stops the timer, keeps the place in the settings, and goes.
+  void Unload();
+
+  /// The frequency in MHz.
+  void SetManualFreq(double frequencyMHz);
+  /// Whether RF is on.
+  void SetRfOn(bool on);
+  /// Shows the notice of the simulated bench.
+  void SetSimulated();
+
+ signals:
+  void manThresholdClick(const QString& frequencyText, float offsetDb);
+  void manExitClick();
+  void manRfOn(bool on);
+  void manModOn(bool on);
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void ShowScroll();
+  void ShowOffset(int tenths);
+
+  Shell& shell_;
+  std::unique_ptr<Ui::frmManual> ui_;
+  ManualPanel panel_;
+  ArrowKeyHook hook_;
+  QTimer timer1_{this};
+};
+
+}  // namespace hylden

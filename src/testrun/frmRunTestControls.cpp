@@ -1,0 +1,193 @@
+// The test run form and the windows around it: loading, the run buttons, manual mode, unloading.
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMenu>
+#include <exception>
+
+#include "instruments/Instruments.h"
+#include "platform/qt/QtText.h"
+#include "shell/Shell.h"
+#include "testrun/frmManual.h"
+#include "testrun/frmRunButtons.h"
+#include "testrun/frmRunTest.h"
+#include "testrun/qt/RunWindowPlace.h"
+#include "ui_frmRunTest.h"
+
+namespace hylden {
+
+void frmRunTest::Load() {
+  Status("State: Idle");
+  ButtonForm = std::make_unique<frmRunButtons>(shell_, this);
+  ButtonForm->setWindowIcon(windowIcon());
+  if (simulated_) ButtonForm->SetSimulated();
+  connect(ButtonForm.get(), &frmRunButtons::RunClick, this, &frmRunTest::buttonform_RunClick);
+  connect(ButtonForm.get(), &frmRunButtons::HaltClick, this, &frmRunTest::buttonform_HaltClick);
+  connect(ButtonForm.get(), &frmRunButtons::ManualClick, this, &frmRunTest::buttonform_ManualClick);
+  connect(ButtonForm.get(), &frmRunButtons::ExitClick, this, &frmRunTest::buttonform_exitclick);
+  ButtonForm->show();
+  try {
+    if (engine_.Prepare() == RunReadiness::NoSteps) close();
+  } catch (const std::exception& error) {
+    shell_.ReportError(error, "frmRunTest.Load");
+  }
+}
+
+void frmRunTest::SetSimulated() {
+  simulated_ = true;
+  ShowBenchNotice(*this);
+  if (ButtonForm) ButtonForm->SetSimulated();
+}
+
+bool frmRunTest::QueryUnload() {
+  if (inRun_) {
+    closePending_ = true;
+    PressHalt();
+    return false;
+  }
+  RememberPlace(shell_, windowkey::kRunTestForm, *this);
+  if (ButtonForm) ButtonForm->Unload();
+  return true;
+}
+
+bool frmRunTest::IsOurs(const QObject* watched) const {
+  const auto* const widget = qobject_cast<const QWidget*>(watched);
+  if (!widget) return false;
+  const QWidget* const window = widget->window();
+  return window == this || window == ButtonForm.get() || window == ManForm.get();
+}
+
+bool frmRunTest::eventFilter(QObject* watched, QEvent* event) {
+  const bool asked = event->type() == QEvent::ShortcutOverride;
+  if ((!asked && event->type() != QEvent::KeyPress) || static_cast<QKeyEvent*>(event)->key() != Qt::Key_Escape)
+    return WorkingForm::eventFilter(watched, event);
+  if (qobject_cast<QMenu*>(watched)) {
+    if (!asked) PressHalt();
+    return false;  // the menu closes, too
+  }
+  if (!IsOurs(watched)) return false;
+  event->accept();
+  if (!asked) PressHalt();
+  return true;
+}
+
+void frmRunTest::PressHalt() {
+  if (ButtonForm) ButtonForm->PressHalt();
+}
+
+void frmRunTest::buttonform_RunClick() {
+  if (inRun_) return;
+  inRun_ = true;
+  qApp->installEventFilter(this);
+  rfWatch_.start();
+  std::exception_ptr programEnd;
+  try {
+    commands_.Run();
+  } catch (...) {
+    programEnd = std::current_exception();
+  }
+  EndRun();
+  // It goes on to the application from its event loop, since nothing may cross the button that was pressed.
+  if (programEnd)
+    QMetaObject::invokeMethod(
+        qApp, [programEnd] { std::rethrow_exception(programEnd); }, Qt::QueuedConnection);
+}
+
+void frmRunTest::EndRun() {
+  rfWatch_.stop();
+  qApp->removeEventFilter(this);
+  inRun_ = false;
+  ShowRf();
+  // Not before the press of Run has returned: the button that was pressed goes with the form.
+  if (closePending_) QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+  closePending_ = false;
+}
+
+void frmRunTest::buttonform_HaltClick() {
+  commands_.Halt();
+}
+
+void frmRunTest::buttonform_ManualClick() {
+  commands_.Manual();
+}
+
+void frmRunTest::buttonform_exitclick() {
+  close();
+}
+
+void frmRunTest::SetRunMode() {
+  if (ButtonForm) ButtonForm->SetRunMode();
+}
+
+void frmRunTest::SetHaltMode() {
+  if (ButtonForm) ButtonForm->SetHaltMode();
+  Status("State: Idle");
+  ClearCountdown();
+  ui_->prgSteps->setValue(engine_.CompletedSteps());
+  FollowRow();
+}
+
+void frmRunTest::SetHalting() {
+  if (ButtonForm) ButtonForm->SetHalting();
+  Status("Halting...");
+}
+
+void frmRunTest::FileMenuEnabled(bool enabled) {
+  ui_->mnuFile->setEnabled(enabled);
+  for (const QMenu* const menu : {ui_->mnuFile, ui_->mnuFilePrint, ui_->mnuFilePreview})
+    for (QAction* const action : menu->actions()) action->setEnabled(enabled);
+}
+
+void frmRunTest::ButtonsEnabled(bool enabled) {
+  askingToSave_ = !enabled;
+  if (ButtonForm) ButtonForm->setEnabled(enabled);
+}
+
+void frmRunTest::ButtonsVisible(bool visible) {
+  if (ButtonForm) ButtonForm->ButtonsVisible(visible);
+}
+
+void frmRunTest::OpenManual(const ManualStart& start) {
+  ClearCountdown();
+  ManForm = std::make_unique<frmManual>(shell_, engine_.Manual(), this);
+  if (simulated_) ManForm->SetSimulated();
+  connect(ManForm.get(), &frmManual::manThresholdClick, this, &frmRunTest::manform_manThresholdClick);
+  connect(ManForm.get(), &frmManual::manExitClick, this, &frmRunTest::manform_manExitClick);
+  connect(ManForm.get(), &frmManual::manRfOn, this, &frmRunTest::manform_manRfOn);
+  connect(ManForm.get(), &frmManual::manModOn, this, &frmRunTest::manform_manModOn);
+  ManForm->Open(start);
+}
+
+void frmRunTest::CloseManual() {
+  if (!ManForm) return;
+  ManForm->Unload();
+  ManForm.reset();
+}
+
+void frmRunTest::ManualFreq(double frequencyMHz) {
+  if (ManForm) ManForm->SetManualFreq(frequencyMHz);
+}
+
+void frmRunTest::ManualRf(bool on) {
+  if (ManForm) ManForm->SetRfOn(on);
+  ShowRf();
+}
+
+void frmRunTest::manform_manThresholdClick(const QString& frequencyText, float offsetDb) {
+  engine_.Manual().manThresholdClick(FromQt(frequencyText), offsetDb);
+}
+
+void frmRunTest::manform_manRfOn(bool on) {
+  engine_.Manual().manRfOn(on);
+  ManualRf(instruments_.sigGen.RfIsOn());  // also where the run took no notice of the switch
+}
+
+void frmRunTest::manform_manModOn(bool on) {
+  engine_.Manual().manModOn(on);
+}
+
+void frmRunTest::manform_manExitClick() {
+  engine_.Manual().manExitClick();
+}
+
+}  // namespace hylden

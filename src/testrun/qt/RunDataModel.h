@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QAbstractTableModel>
+
+namespace hylden {
+
+class RunData;
+
+/// The run data as a table: the header row is the header, the steps and thresholds are the rows. A row that is added
+/// or changed costs the same however many there are.
+class RunDataModel : public QAbstractTableModel {
+  Q_OBJECT
+
+ public:
+  /// The data must outlive the model.
+  explicit RunDataModel(const RunData& data, QObject* parent = nullptr) : QAbstractTableModel(parent), data_(data) {}
+
+  /// The data was set up afresh (-1), or this row of it, counted from the header, was added or changed.
+  void RowChanged(int row);
+  /// Whether the row of the table, counted from 0, is a threshold.
+  bool IsThreshold(int row) const;
+
+  int rowCount(const QModelIndex& parent = {}) const override;
+  int columnCount(const QModelIndex& parent = {}) const override;
+  QVariant data(const QModelIndex& index, int role) const override;
+  QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+ private:
+  QVariant Alignment(const QModelIndex& index) const;
+
+  const RunData& data_;
+  int rows_ = 0;  ///< as the views have been told
+};
+
+}  // namespace hylden
