@@ -1,19 +1,30 @@
 #!/usr/bin/env bash
-# Builds, and runs every test of the demo station on the simulated bench, on a virtual clock. Leaves build/demo/*.run and
-# a table of what was applied.
+# On a screen: builds, and opens the program on the simulated bench, with the demo station and a demo test loaded.
+# Without one (or with --console): runs every test of the demo station on the bench, on a virtual clock, leaves
+# build/demo/*.run and a table of what was applied, and takes pictures of the windows.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$PWD
 scripts/setup.sh
 
-cmake --preset dev -DHYLDEN_TESTS=OFF >/dev/null
+out=$root/build/demo
+mkdir -p "$out"
+cmake --preset dev >/dev/null
+
+if [ "${1:-}" != --console ] && [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+  cmake --build --preset dev --target hylden
+  mkdir -p "$out/home"
+  printf '[Gpib]\r\nDriver=bench\r\nBench=%s\r\n' "$root/examples/station/bench.txt" >"$out/home/Hylden.ini"
+  cp help/hylden.md "$out/home/hylden.hlp"
+  cd examples/station
+  HYLDEN_HOME=$out/home exec "$root/build/dev/bin/hylden" "/e:station.eqp" "/t:forward-power-constant-peak.tst"
+fi
+
 cmake --build --preset dev --target hylden-run
 
 # the station of each test; the others run on station.eqp
 declare -A station=([ifi-band-change]=ifi-station.eqp)
 
-out=$root/build/demo
-mkdir -p "$out"
 rm -f "$out"/*.run "$out"/*.log
 cd examples/station
 row='%-32s %6s %6s %21s %16s %9s\n'
@@ -36,3 +47,5 @@ for test in *.tst; do
   table+=$'\n'$(printf "$row" "$name" "$steps" "$rows" "$range" "$levels" "$minutes")
 done
 printf '\n%s\n\nRun data: build/demo/*.run\n' "$table"
+cd "$root"
+scripts/pictures.sh

@@ -1,0 +1,183 @@
+#include "app/Desktop.h"
+
+#include <QTimer>
+#include <utility>
+
+#include "documents/Documents.h"
+#include "documents/frmEquipment.h"
+#include "documents/frmTestDef.h"
+#include "instruments/Instruments.h"
+#include "platform/qt/QtText.h"
+#include "shell/Shell.h"
+#include "shell/TopMenu.h"
+#include "shell/frmHelp.h"
+#include "shell/qt/FormPrompts.h"
+#include "shell/qt/WorkingForm.h"
+#include "testrun/frmRunTest.h"
+
+namespace hylden {
+
+Desktop::Desktop(Shell& shell, Instruments& instruments, Documents& documents, DesktopOptions options)
+    : shell_(shell),
+      instruments_(instruments),
+      documents_(documents),
+      options_(std::move(options)),
+      menu_(std::make_unique<TopMenu>()) {
+  if (options_.simulated) ShowBenchNotice(*menu_);
+  ShowAvailable();
+  connect(menu_.get(), &TopMenu::ConfigureRequested, this, [this] { OpenEquipment(menu_.get()); });
+  connect(menu_.get(), &TopMenu::CalibrationRequested, this, &Desktop::OpenCalibrationSetup);
+  connect(menu_.get(), &TopMenu::RunTestRequested, this, [this] { OpenTestDefinition(); });
+  connect(menu_.get(), &TopMenu::HelpRequested, this, &Desktop::ShowHelp);
+  connect(menu_.get(), &TopMenu::Closed, this, &Desktop::Ended);
+}
+
+Desktop::~Desktop() {
+  for (const QPointer<WorkingForm>& form : open_) delete form.data();
+}
+
+void Desktop::Provide(WorkingArea area, std::function<WorkingForm*()> make) {
+  makers_[static_cast<std::size_t>(area)] = std::move(make);
+  ShowAvailable();
+}
+
+void Desktop::ShowAvailable() {
+  menu_->SetAvailable(true, static_cast<bool>(makers_[0]), static_cast<bool>(makers_[1]));
+}
+
+bool Desktop::Start(const std::string& commandLine) {
+  if (!StartUp(shell_, *this, commandLine) || closing_) return false;
+  if (open_.isEmpty()) menu_->show();
+  return true;
+}
+
+void Desktop::Open(WorkingForm* form, QWidget* caller) {
+  open_.removeAll(nullptr);
+  open_ << form;
+  form->setWindowIcon(menu_->windowIcon());
+  if (options_.simulated) ShowBenchNotice(*form);
+  connect(form, &WorkingForm::HelpRequested, this, &Desktop::ShowHelp);
+  connect(form, &WorkingForm::Unloaded, this, [this, form] {
+    open_.removeAll(form);
+    form->deleteLater();
+    if (closing_) QTimer::singleShot(0, this, &Desktop::CloseNext);
+  });
+  form->OpenFrom(caller);
+}
+
+void Desktop::OpenArea(WorkingArea area) {
+  const auto& make = makers_[static_cast<std::size_t>(area)];
+  if (make) Open(make(), menu_.get());
+}
+
+frmEquipment* Desktop::OpenEquipment(QWidget* caller, int tab, bool modal) {
+  auto* const form = new frmEquipment(shell_, instruments_, documents_.equip);
+  form->ShowTab(tab);
+  if (modal) form->setWindowModality(Qt::ApplicationModal);
+  connect(form, &WorkingForm::Unloaded, this, [this] {
+    if (options_.onEquipmentApplied) options_.onEquipmentApplied();
+  });
+  Open(form, caller);
+  return form;
+}
+
+WorkingForm* Desktop::MakeTestDefinition() {
+  auto* const form = new frmTestDef(shell_, documents_);
+  connect(form, &frmTestDef::EditEquipmentRequested, this, [this, form](int tab) { OpenEquipment(form, tab, true); });
+  connect(form, &frmTestDef::StartRequested, this, [this, form] { OpenTestRun(form); });
+  connect(form, &frmTestDef::PrintPreviewRequested, this,
+          [this] { Preview([this] { documents_.testSetup.PrintTestSetup(); }); });
+  return form;
+}
+
+void Desktop::OpenTestRun(QWidget* caller) {
+  if (options_.onTestStart) options_.onTestStart();
+  auto* const form = new frmRunTest(shell_, instruments_, documents_);
+  if (options_.simulated) form->SetSimulated();
+  connect(this, &Desktop::EscapePressed, form, &frmRunTest::PressHalt);
+  connect(form, &frmRunTest::PrintPreviewRequested, this,
+          [this, form](RunReportKind kind) { Preview([form, kind] { form->PrintReport(kind); }); });
+  testRun_ = form;
+  Open(form, caller);
+  form->Load();
+}
+
+void Desktop::ShowHelp(const QString& topic) {
+  if (!help_) {
+    auto help = std::make_unique<frmHelp>();
+    if (!help->LoadFile(ToQt(helpFile_))) {
+      shell_.dialogs.Tell("The help file can't be read:\r\n" + helpFile_, MessageIcon::Exclamation);
+      return;
+    }
+    help->setWindowIcon(menu_->windowIcon());
+    help_ = std::move(help);
+  }
+  help_->show();
+  help_->OpenTopic(topic);
+  help_->raise();
+  help_->activateWindow();
+}
+
+void Desktop::Preview(const std::function<void()>& print) {
+  if (options_.preview)
+    options_.preview(print);
+  else
+    print();
+}
+
+void Desktop::CloseAll() {
+  closing_ = true;
+  // A message may stand on the screen with RF on behind it: the halt comes before its answer.
+  shell_.delay.RequestHalt();
+  // The question about the run data waits for its answer: closed, it would lose them.
+  const bool asking = testRun_ && testRun_->AsksToSave();
+  if (options_.onEnding && !asking) options_.onEnding();
+  QTimer::singleShot(0, this, &Desktop::CloseNext);
+}
+
+void Desktop::CloseNext() {
+  open_.removeAll(nullptr);
+  if (!open_.isEmpty()) {
+    open_.last()->close();
+    return;
+  }
+  if (help_) help_->close();
+  menu_->close();
+}
+
+bool Desktop::AnotherInstanceRuns() {
+  return options_.anotherInstanceRuns && options_.anotherInstanceRuns();
+}
+
+void Desktop::SetTitle(const std::string& title) {
+  menu_->SetTitle(title);
+}
+
+bool Desktop::LoadEquipment(const std::string& path) {
+  if (documents_.equip.LoadDef(path) != 1) return false;
+  documents_.equip.EquipFileName = path;
+  return true;
+}
+
+void Desktop::ApplyEquipment() {
+  Equip& equip = documents_.equip;
+  equip.LoadDefinitions();
+  if (const auto failure = equip.ApplyEquipment(equip.Entries()))
+    ShowEntryPrompt(shell_.dialogs,
+                    failure->Reason == EntryFailure::Kind::NotANumber ? kNotANumberText : kOutOfRangeText);
+  if (options_.onEquipmentApplied) options_.onEquipmentApplied();
+}
+
+bool Desktop::LoadTest(const std::string& path) {
+  return documents_.testSetup.LoadDef(path);
+}
+
+std::string Desktop::CalInfoFile() {
+  return documents_.testSetup.Definition.CalInfoFile;
+}
+
+bool Desktop::LoadCalInfo(const std::string& path) {
+  return documents_.calInfo.LoadDef(path);
+}
+
+}  // namespace hylden

@@ -1,0 +1,115 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QVector>
+#include <array>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "shell/StartUp.h"
+
+class QWidget;
+
+namespace hylden {
+
+class Shell;
+class TopMenu;
+class WorkingForm;
+class frmEquipment;
+class frmHelp;
+class frmRunTest;
+struct Documents;
+struct Instruments;
+
+/// What the desktop program brings along from its machine.
+struct DesktopOptions {
+  /// The bench drives the program: every window says so.
+  bool simulated = false;
+  /// Whether another instance runs on this computer; none when empty.
+  std::function<bool()> anotherInstanceRuns = {};
+  /// Called whenever the station's equipment has been handed to the drivers.
+  std::function<void()> onEquipmentApplied = {};
+  /// Called before a test run opens.
+  std::function<void()> onTestStart = {};
+  /// Called when the program has been asked to end: boxes on the screen have to give way.
+  std::function<void()> onEnding = {};
+  /// Runs a print command with the preview window in the printer's place.
+  std::function<void(const std::function<void()>& print)> preview = {};
+};
+
+/// The main menu's areas of which the forms are made elsewhere.
+enum class WorkingArea { Calibration, Test };
+
+/// The windows of the program and who opens what: forms tell by signals what they want, and are connected here.
+class Desktop : public QObject, private StartUpSteps {
+  Q_OBJECT
+
+ public:
+  Desktop(Shell& shell, Instruments& instruments, Documents& documents, DesktopOptions options = {});
+  ~Desktop() override;
+
+  /// Gives the area a form; without one its button stays disabled.
+  void Provide(WorkingArea area, std::function<WorkingForm*()> make);
+
+  /// Start-up from the command line to the main menu.
+  /// @return false when the program has to end at once
+  bool Start(const std::string& commandLine);
+
+  TopMenu& Menu() { return *menu_; }
+  /// Opens the equipment form in the caller's place; modally above it when a check has found something to mend there.
+  frmEquipment* OpenEquipment(QWidget* caller, int tab = 0, bool modal = false);
+  void OpenCalibrationSetup() { OpenArea(WorkingArea::Calibration); }
+  void OpenTestDefinition() override { OpenArea(WorkingArea::Test); }
+  /// The test definition's form; its Start opens the test run.
+  WorkingForm* MakeTestDefinition();
+  /// Opens the test run in the caller's place.
+  void OpenTestRun(QWidget* caller);
+  /// Connects a form to what every form may ask for, and shows it in the caller's place.
+  void Open(WorkingForm* form, QWidget* caller);
+  void ShowHelp(const QString& topic);
+  /// Shows what the command prints in the preview window; prints it where there is no preview.
+  void Preview(const std::function<void()>& print);
+
+  /// Ends the program in order: halts what runs, closes every window as its close box would, the main menu last. A
+  /// window that asks something first is waited for.
+  void CloseAll();
+
+  /// Escape was pressed in some message box.
+  void EscapeInBox() { emit EscapePressed(); }
+
+ signals:
+  /// A run takes it as Halt.
+  void EscapePressed();
+  /// The main menu has closed.
+  void Ended();
+
+ private:
+  bool AnotherInstanceRuns() override;
+  void SetTitle(const std::string& title) override;
+  void SetHelpFile(const std::string& path) override { helpFile_ = path; }
+  bool LoadEquipment(const std::string& path) override;
+  void ApplyEquipment() override;
+  bool LoadTest(const std::string& path) override;
+  std::string CalInfoFile() override;
+  bool LoadCalInfo(const std::string& path) override;
+
+  void OpenArea(WorkingArea area);
+  void ShowAvailable();
+  void CloseNext();
+
+  Shell& shell_;
+  Instruments& instruments_;
+  Documents& documents_;
+  DesktopOptions options_;
+  std::array<std::function<WorkingForm*()>, 2> makers_;
+  std::unique_ptr<TopMenu> menu_;
+  std::unique_ptr<frmHelp> help_;
+  std::string helpFile_;
+  QVector<QPointer<WorkingForm>> open_;
+  QPointer<frmRunTest> testRun_;
+  bool closing_ = false;
+};
+
+}  // namespace hylden

@@ -1,0 +1,96 @@
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/BusChoice.h"
+#include "app/Desktop.h"
+#include "app/DesktopApplication.h"
+#include "app/Station.h"
+#include "bench/Bench.h"
+#include "platform/console/ConsoleClock.h"
+#include "platform/native/ProgramDirectory.h"
+#include "platform/qt/EndSignals.h"
+#include "platform/qt/QtDialogs.h"
+#include "platform/qt/QtEventLoop.h"
+#include "platform/qt/QtPrinter.h"
+#include "platform/qt/QtSpeaker.h"
+#include "platform/qt/SingleInstance.h"
+
+namespace hylden {
+
+namespace {
+
+/// The bench as the settings name it; a relative path starts at the program directory. A file that can't be used is
+/// told, and leaves the bench its ordinary values: never the machine's own bus.
+BenchConfig ConfiguredBench(const std::string& file, const std::string& programDirectory, Dialogs& dialogs) {
+  if (file.empty()) return {};
+  const std::string path = (std::filesystem::path(programDirectory) / file).string();
+  const BenchFile bench = LoadBenchFile(path);
+  if (bench.Ok()) return bench.Config;
+  dialogs.Tell("The bench file can't be used; the bench has its ordinary values.\r\n" + path + "\r\n" + bench.Error,
+               MessageIcon::Exclamation);
+  return {};
+}
+
+std::unique_ptr<Bus> MakeBus(const std::string& programDirectory, const Clock& clock, Dialogs& dialogs) {
+  INISettings settings(programDirectory);
+  const BusChoice choice = ChosenBus(settings);
+  if (!choice.UseBench) return std::make_unique<Bus>();
+  return std::make_unique<Bus>(clock, ConfiguredBench(choice.BenchFile, programDirectory, dialogs));
+}
+
+int RunDesktop(DesktopApplication& application, QtDialogs& dialogs, const std::string& commandLine) {
+  ConsoleClock clock;
+  QtEventLoop events(clock);
+  QtSpeaker speaker;
+  QtPrinter printer;
+  SingleInstance instance;
+  const std::string programDirectory = ProgramDirectory();
+  const std::unique_ptr<Bus> bus = MakeBus(programDirectory, clock, dialogs);
+  Station station(Platform{dialogs, clock, events, speaker, printer, bus->Driver()}, programDirectory);
+
+  DesktopOptions options;
+  options.simulated = bus->SimulatedBench() != nullptr;
+  options.anotherInstanceRuns = [&] { return !instance.Claim(); };
+  options.onEquipmentApplied = [&] { bus->EquipBench(station.documents.equip.Record, station.instruments); };
+  options.onTestStart = [&] {
+    // The simulated meter is cabled as the test needs it.
+    Bench* const bench = bus->SimulatedBench();
+    if (bench && station.documents.testSetup.Definition.MonitorProbe) bench->Connect(MeterAt::Probe);
+  };
+  options.onEnding = [&] { dialogs.BeginEnding(); };
+  options.preview = [&](const std::function<void()>& print) {
+    const QtPrinter::Previewing scope(printer);
+    print();
+  };
+  Desktop desktop(station.shell, station.instruments, station.documents, options);
+  desktop.Provide(WorkingArea::Test, [&] { return desktop.MakeTestDefinition(); });
+
+  dialogs.onEscape = [&] { desktop.EscapeInBox(); };
+  application.onProgramEnd = [&] { desktop.CloseAll(); };
+  application.onException = [&](const std::exception& error) { station.shell.ReportError(error, "Hylden"); };
+  QObject::connect(&desktop, &Desktop::Ended, &application, &QCoreApplication::quit);
+  QObject::connect(&application, &QGuiApplication::commitDataRequest, &desktop, &Desktop::CloseAll);
+  const EndSignals endSignals([&] { desktop.CloseAll(); });
+  return desktop.Start(commandLine) ? QApplication::exec() : 1;
+}
+
+}  // namespace
+
+}  // namespace hylden
+
+int main(int argc, char** argv) {
+  hylden::DesktopApplication application(argc, argv);
+  QApplication::setApplicationName(QStringLiteral("hylden"));
+  // A form hides the one that opened it: the last visible window often closes before the program ends.
+  QApplication::setQuitOnLastWindowClosed(false);
+  hylden::QtDialogs dialogs;
+  try {
+    return hylden::RunDesktop(application, dialogs,
+                              hylden::JoinArguments(std::vector<std::string>(argv + 1, argv + argc)));
+  } catch (const std::exception& error) {
+    dialogs.Show({error.what(), "Error", hylden::MessageIcon::Critical});
+    return 1;
+  }
+}

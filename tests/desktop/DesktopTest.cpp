@@ -1,0 +1,154 @@
+#include "app/Desktop.h"
+
+#include <gtest/gtest.h>
+
+#include <QPushButton>
+#include <QSignalSpy>
+
+#include "app/Station.h"
+#include "desktop/FormDriver.h"
+#include "documents/frmEquipment.h"
+#include "shell/TopMenu.h"
+#include "support/ScriptedBus.h"
+#include "support/TestShell.h"
+#include "text/RecordFile.h"
+
+namespace hylden {
+namespace {
+
+class DesktopTest : public testing::Test {
+ protected:
+  DesktopTest() {
+    SigGenDefinition generator;
+    SaveRecord(t.directory.File("gen.sg"), generator);
+    EquipRecord record;
+    record.SigGenFile = t.directory.File("gen.sg");
+    record.SigGenAddress = 18;
+    SaveRecord(t.directory.File("My station.eqp"), record);
+    MakeDesktop({});
+  }
+
+  void MakeDesktop(DesktopOptions options) {
+    desktop.reset();
+    desktop = std::make_unique<Desktop>(t.shell, instruments, documents, std::move(options));
+    QObject::connect(desktop.get(), &Desktop::Ended, [this] { ended = true; });
+  }
+  /// The open equipment form; null when there is none.
+  static frmEquipment* Form() {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    for (QWidget* window : QApplication::topLevelWidgets())
+      if (auto* const form = qobject_cast<frmEquipment*>(window)) return form;
+    return nullptr;
+  }
+
+  ScriptedBus bus;
+  TestShell t{bus};
+  WorkingDirectory here{t.directory.Path()};
+  Instruments instruments{t.shell};
+  Documents documents{t.shell, instruments};
+  std::unique_ptr<Desktop> desktop;
+  bool ended = false;
+};
+
+TEST_F(DesktopTest, StationOfTheCommandLineReachesTheDriversAndTheForm) {
+  int applied = 0;
+  MakeDesktop({.onEquipmentApplied = [&] { ++applied; }});
+  EXPECT_TRUE(desktop->Start("\"/e:" + t.directory.File("My station.eqp") + "\""));
+  EXPECT_TRUE(t.dialogs.messages.empty()) << t.dialogs.LastText();
+  EXPECT_EQ(instruments.sigGen.Address(), 18);
+  EXPECT_EQ(applied, 1);
+  EXPECT_TRUE(desktop->Menu().isVisible());
+  EXPECT_EQ(desktop->Menu().windowTitle(), "Hylden 1.1");
+  EXPECT_EQ(TextOf(desktop->Menu(), "Label1"), "Hylden 1.1\nConducted RF Immunity");
+  Press(desktop->Menu(), "cmdConfigSys");
+  ASSERT_NE(Form(), nullptr);
+  EXPECT_FALSE(desktop->Menu().isVisible());
+  EXPECT_EQ(Form()->windowTitle().toStdString(), "Equipment File: " + t.directory.File("My station.eqp"));
+  Form()->close();
+  EXPECT_TRUE(desktop->Menu().isVisible());
+  EXPECT_EQ(Form(), nullptr);
+  EXPECT_EQ(applied, 2);
+}
+
+TEST_F(DesktopTest, WrongCommandLineGivesAnIdleMenu) {
+  t.shell.settings.SaveDefaultEquipFile(t.directory.File("My station.eqp"));
+  EXPECT_TRUE(desktop->Start("\"/x:abc\""));
+  EXPECT_EQ(t.dialogs.Texts(), std::vector<std::string>{"Command line error, (\"/x:abc\")"});
+  EXPECT_TRUE(documents.equip.Record.SigGenFile.empty());
+  EXPECT_TRUE(desktop->Menu().isVisible());
+}
+
+TEST_F(DesktopTest, SecondInstanceEndsWithoutAWindow) {
+  MakeDesktop({.anotherInstanceRuns = [] { return true; }});
+  EXPECT_FALSE(desktop->Start(""));
+  EXPECT_FALSE(desktop->Menu().isVisible());
+}
+
+TEST_F(DesktopTest, TestNamedOnTheCommandLineOpensInsteadOfTheMenu) {
+  CalInfoRec info;
+  SaveRecord(t.directory.File("ring.hyinfo"), info);
+  TestDefinition test;
+  test.CalInfoFile = t.directory.File("ring.hyinfo");
+  SaveRecord(t.directory.File("x.tst"), test);
+  desktop->Provide(WorkingArea::Test, [] { return new WorkingForm; });
+  EXPECT_TRUE(desktop->Start("\"/t:" + t.directory.File("x.tst") + "\""));
+  EXPECT_TRUE(t.dialogs.messages.empty()) << t.dialogs.LastText();
+  EXPECT_FALSE(desktop->Menu().isVisible());
+}
+
+TEST_F(DesktopTest, AreaWithoutAFormCanNotBeOpened) {
+  EXPECT_FALSE(Find<QPushButton>(desktop->Menu(), "cmdRunTest").isEnabled());
+  desktop->Provide(WorkingArea::Test, [] { return new WorkingForm; });
+  EXPECT_TRUE(Find<QPushButton>(desktop->Menu(), "cmdRunTest").isEnabled());
+  EXPECT_FALSE(Find<QPushButton>(desktop->Menu(), "cmdCalibration").isEnabled());
+}
+
+TEST_F(DesktopTest, BenchIsAnnouncedOnEveryWindow) {
+  desktop->Start("");
+  EXPECT_EQ(desktop->Menu().findChild<QLabel*>("lblBench"), nullptr);
+  MakeDesktop({.simulated = true});
+  desktop->Start("");
+  EXPECT_TRUE(Find<QLabel>(desktop->Menu(), "lblBench").isVisible());
+  Press(desktop->Menu(), "cmdConfigSys");
+  EXPECT_TRUE(Find<QLabel>(*Form(), "lblBench").isVisible());
+}
+
+TEST_F(DesktopTest, EndSignalHaltsAndClosesEveryWindow) {
+  desktop->Start("");
+  Press(desktop->Menu(), "cmdConfigSys");
+  desktop->CloseAll();
+  EXPECT_TRUE(t.shell.delay.HaltRequested());
+  for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
+  EXPECT_EQ(Form(), nullptr);
+  EXPECT_FALSE(desktop->Menu().isVisible());
+  EXPECT_TRUE(ended);
+}
+
+TEST_F(DesktopTest, EndSignalWaitsForAWindowThatHasSomethingToMend) {
+  desktop->Start("\"/e:" + t.directory.File("My station.eqp") + "\"");
+  Press(desktop->Menu(), "cmdConfigSys");
+  Type(*Form(), "txtSigGenAddr", "99");
+  desktop->CloseAll();
+  for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
+  ASSERT_NE(Form(), nullptr);
+  EXPECT_FALSE(ended);
+  Type(*Form(), "txtSigGenAddr", "9");
+  Form()->close();
+  for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
+  EXPECT_TRUE(ended);
+}
+
+TEST_F(DesktopTest, MissingHelpFileIsTold) {
+  desktop->Start("");
+  QTest::keyClick(&desktop->Menu(), Qt::Key_F1);
+  EXPECT_EQ(t.dialogs.LastText(), "The help file can't be read:\r\n" + t.directory.File("hylden.hlp"));
+}
+
+TEST_F(DesktopTest, ExitButtonEndsTheProgram) {
+  desktop->Start("");
+  Press(desktop->Menu(), "cmdExit");
+  EXPECT_TRUE(ended);
+}
+
+}  // namespace
+}  // namespace hylden

@@ -1,0 +1,217 @@
+#include <gtest/gtest.h>
+
+#include <QListWidget>
+#include <QMenu>
+#include <QPushButton>
+#include <QScreen>
+#include <QTextBlock>
+#include <QTextBrowser>
+#include <QTreeWidget>
+#include <filesystem>
+
+#include "desktop/FormDriver.h"
+#include "shell/frmHelp.h"
+#include "shell/frmPickDir.h"
+#include "shell/qt/FormPrompts.h"
+#include "shell/qt/OptionsMenu.h"
+#include "shell/qt/PathLabel.h"
+#include "shell/qt/WindowPlace.h"
+#include "support/ScriptedBus.h"
+#include "support/TestShell.h"
+
+namespace hylden {
+namespace {
+
+TEST(PathLabel, ShowsAsMuchOfThePathAsFitsAndKeepsAllOfItInTheTag) {
+  const std::string path = "/home/lab/stations/conducted immunity/cable loss 2026.los";
+  PathLabel label;
+  const auto width = [&](const char* text) {
+    return label.fontMetrics().horizontalAdvance(QString::fromUtf8(text)) + 2 * label.margin();
+  };
+  FitPathLabel(path, label);
+  struct {
+    int width;
+    const char* caption;
+  } const rows[] = {{width(path.c_str()) + 1, path.c_str()},
+                    {width(path.c_str()) - 1, "/.../cable loss 2026.los"},
+                    {width("/.../cable loss 2026.los") - 1, "cable loss 2026.los"}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.caption);
+    label.resize(row.width, 20);
+    QCoreApplication::sendPostedEvents();
+    label.show();
+    EXPECT_EQ(label.text().toStdString(), row.caption);
+    EXPECT_EQ(label.Path(), path);
+    EXPECT_EQ(label.toolTip().toStdString(), path);
+  }
+  FitPathLabel("", label);
+  EXPECT_TRUE(label.text().isEmpty());
+  EXPECT_TRUE(label.toolTip().isEmpty());
+}
+
+class FormHelpersTest : public testing::Test {
+ protected:
+  ScriptedBus bus;
+  TestShell t{bus};
+};
+
+TEST_F(FormHelpersTest, PromptSelectsAVisibleBoxAndLeavesAHiddenOneAlone) {
+  QWidget form;
+  QLineEdit shown("12x", &form), hidden("7", &form);
+  hidden.setVisible(false);
+  form.show();
+  QApplication::setActiveWindow(&form);
+  NotANumberPrompt(shown, t.dialogs);
+  EXPECT_EQ(shown.selectedText(), "12x");
+  EXPECT_EQ(QApplication::focusWidget(), &shown);
+  OutOfRangePrompt(hidden, t.dialogs);
+  EXPECT_EQ(QApplication::focusWidget(), &shown);
+  EXPECT_EQ(t.dialogs.Texts(),
+            (std::vector<std::string>{"Value not a number, re-enter", "Number outside valid range, re-enter"}));
+  EXPECT_EQ(t.dialogs.messages[0].buttons, MessageButtons::RetryCancel);
+}
+
+TEST_F(FormHelpersTest, WindowComesBackToItsPlaceOrIsCentred) {
+  QWidget window;
+  window.resize(200, 100);
+  window.move(60, 40);
+  const std::string place = WindowPosition(window);
+  window.move(0, 0);
+  PlaceWindow(window, place);
+  EXPECT_EQ(window.pos(), QPoint(60, 40));
+  PlaceWindow(window, "-15,900");
+  const QSize screen = window.screen()->size();
+  EXPECT_NEAR(window.x(), (screen.width() - 200) / 2, 1);
+  EXPECT_NEAR(window.y(), (screen.height() - 100) / 2, 1);
+}
+
+TEST_F(FormHelpersTest, PickerTakesTheHighlightedDirectory) {
+  std::filesystem::create_directories(t.directory.File("factors/cables"));
+  frmPickDir picker(t.shell);
+  picker.StartDir(t.directory.File("factors"));
+  EXPECT_EQ(Find<PathLabel>(picker, "lblPath").Path(), t.directory.File("factors"));
+  picker.accept();
+  EXPECT_EQ(picker.PickedDir(), t.directory.File("factors"));
+  auto& list = Find<QListWidget>(picker, "lstDir");
+  list.setCurrentRow(list.count() - 1);
+  picker.accept();
+  EXPECT_EQ(picker.PickedDir(), t.directory.File("factors/cables"));
+  picker.reject();
+  EXPECT_EQ(picker.PickedDir(), "");
+}
+
+TEST_F(FormHelpersTest, PickerOpensDirectoriesByKeys) {
+  std::filesystem::create_directories(t.directory.File("factors/cables"));
+  frmPickDir picker(t.shell);
+  picker.StartDir(t.directory.Path());
+  auto& list = Find<QListWidget>(picker, "lstDir");
+  list.setCurrentRow(list.count() - 1);
+  QTest::keyClick(&list, Qt::Key_Right);
+  EXPECT_EQ(Find<PathLabel>(picker, "lblPath").Path(), t.directory.File("factors"));
+  QTest::keyClick(&list, Qt::Key_Left);
+  EXPECT_EQ(Find<PathLabel>(picker, "lblPath").Path(), t.directory.Path());
+}
+
+TEST_F(FormHelpersTest, PickerTellsOfAVanishedDirectoryAndStaysWhereItWas) {
+  frmPickDir picker(t.shell);
+  picker.StartDir(t.directory.Path());
+  picker.StartDir(t.directory.File("gone"));
+  EXPECT_EQ(t.dialogs.LastText(),
+            "Existing entry, " + t.directory.File("gone") + ", does not exist on your system.\r\nChoose another path.");
+  EXPECT_EQ(Find<PathLabel>(picker, "lblPath").Path(), t.directory.Path());
+  picker.StartDir("");
+  EXPECT_EQ(t.dialogs.messages.size(), 1u);
+}
+
+class OptionsMenuTest : public FormHelpersTest {
+ protected:
+  OptionsMenuTest() { FillOptionsMenu(menu, t.shell); }
+  void Trigger(const char* name) { menu.findChild<QAction*>(QString::fromLatin1(name))->trigger(); }
+  QMenu menu;
+};
+
+TEST_F(OptionsMenuTest, PickedDirectoryIsKeptAndCancelKeepsTheOldOne) {
+  std::filesystem::create_directories(t.directory.File("losses"));
+  t.shell.settings.SaveDataDir(datakind::kCables, t.directory.File("losses"));
+  OnModalWindow([](QWidget& picker) { Press(picker, "cmdOK"); });
+  Trigger("mnuFileOptInsLossDir");
+  EXPECT_EQ(t.shell.settings.GetDataDir(datakind::kInsertionLoss), t.directory.Path());
+  OnModalWindow([](QWidget& picker) {
+    auto& list = Find<QListWidget>(picker, "lstDir");
+    list.setCurrentRow(0);
+    Press(picker, "cmdCancel");
+  });
+  Trigger("mnuFileOptCableDir");
+  EXPECT_EQ(t.shell.settings.GetDataDir(datakind::kCables), t.directory.File("losses"));
+}
+
+TEST_F(OptionsMenuTest, DefaultEquipmentDialogOpensWhereTheFileIs) {
+  t.dialogs.AnswerOpen("/lab/ring.eqp");
+  Trigger("mnuFileOptEquipfile");
+  EXPECT_EQ(t.dialogs.openRequests[0].directory, t.directory.Path());
+  EXPECT_EQ(t.shell.settings.GetDefaultEquipFile(), "/lab/ring.eqp");
+  Trigger("mnuFileOptEquipfile");
+  EXPECT_EQ(t.dialogs.openRequests[1].fileName, "/lab/ring.eqp");
+  EXPECT_EQ(t.shell.settings.GetDefaultEquipFile(), "/lab/ring.eqp") << "a cancel clears nothing";
+}
+
+TEST_F(OptionsMenuTest, PathThatTheSettingsWouldCutIsRefused) {
+  t.shell.settings.SaveDefaultEquipFile("/lab/ring.eqp");
+  t.dialogs.AnswerOpen("/" + std::string(127, 'd'));
+  Trigger("mnuFileOptEquipfile");
+  EXPECT_EQ(t.dialogs.messages.size(), 1u);
+  EXPECT_EQ(t.shell.settings.GetDefaultEquipFile(), "/lab/ring.eqp");
+}
+
+class HelpTest : public FormHelpersTest {
+ protected:
+  HelpTest() {
+    std::string text = "# Manual\n\nSee [the level](#test-level-test-definition).\n\n";
+    for (const char* heading : {"Frequencies", "Modulation", "Test level: test definition"}) {
+      text += std::string("## ") + heading + "\n\n";
+      for (int i = 0; i < 40; ++i) text += "A paragraph about it.\n\n";
+    }
+    help.LoadFile(QString::fromStdString(t.directory.Write("hylden.hlp", text)));
+    help.show();
+  }
+  std::string TopLine() {
+    auto& page = Find<QTextBrowser>(help, "txtHelp");
+    return page.textCursor().block().text().toStdString();
+  }
+  frmHelp help;
+};
+
+TEST_F(HelpTest, OpensByKeywordAndGoesBack) {
+  help.OpenTopic("frequencies");
+  EXPECT_EQ(TopLine(), "Frequencies");
+  help.OpenTopic("test level:test definition");
+  EXPECT_EQ(TopLine(), "Test level: test definition");
+  Press(help, "cmdBack");
+  EXPECT_EQ(TopLine(), "Frequencies");
+  Press(help, "cmdForward");
+  EXPECT_EQ(TopLine(), "Test level: test definition");
+  EXPECT_FALSE(Find<QPushButton>(help, "cmdForward").isEnabled());
+  help.OpenTopic("no such topic");
+  EXPECT_EQ(TopLine(), "Manual");
+}
+
+TEST_F(HelpTest, ContentsAreTheHeadings) {
+  auto& contents = Find<QTreeWidget>(help, "trvContents");
+  ASSERT_EQ(contents.topLevelItemCount(), 1);
+  ASSERT_EQ(contents.topLevelItem(0)->childCount(), 3);
+  emit contents.itemClicked(contents.topLevelItem(0)->child(1), 0);
+  EXPECT_EQ(TopLine(), "Modulation");
+}
+
+TEST_F(HelpTest, SearchGoesRoundAndLinksLeadToHeadings) {
+  Type(help, "txtSearch", "manual");
+  EXPECT_EQ(TextOf(help, "lblFound"), "Found: 1");
+  Press(help, "cmdFind");
+  Press(help, "cmdFind");
+  EXPECT_EQ(Find<QTextBrowser>(help, "txtHelp").textCursor().selectedText(), "Manual");
+  emit Find<QTextBrowser>(help, "txtHelp").anchorClicked(QUrl("#test-level-test-definition"));
+  EXPECT_EQ(TopLine(), "Test level: test definition");
+}
+
+}  // namespace
+}  // namespace hylden

@@ -1,0 +1,210 @@
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <QDropEvent>
+#include <QElapsedTimer>
+#include <QMimeData>
+#include <QPalette>
+#include <QPrinter>
+#include <QUrl>
+#include <QWidget>
+#include <csignal>
+#include <string_view>
+
+#include "desktop/FormDriver.h"
+#include "platform/console/ConsoleClock.h"
+#include "platform/qt/EndSignals.h"
+#include "platform/qt/FileDrop.h"
+#include "platform/qt/QtEventLoop.h"
+#include "platform/qt/QtPrinter.h"
+#include "platform/qt/QtSpeaker.h"
+#include "platform/qt/SingleInstance.h"
+#include "platform/qt/ThemeColors.h"
+#include "support/TempDir.h"
+#include "text/RuntimeError.h"
+
+namespace hylden {
+namespace {
+
+TEST(QtEventLoop, RunsWhatIsPendingWithoutWaiting) {
+  ConsoleClock clock;
+  QtEventLoop events(clock);
+  bool ran = false;
+  QTimer::singleShot(0, [&] { ran = true; });
+  events.Yield();
+  EXPECT_TRUE(ran);
+}
+
+TEST(QtEventLoop, WaitIsShortAndNoneIsLeftAfterTheDeadline) {
+  ConsoleClock clock;
+  QtEventLoop events(clock);
+  QElapsedTimer timer;
+  timer.start();
+  for (int i = 0; i < 20; ++i) events.Yield();
+  // 20 waits of 1 ms; the bound leaves room for a busy machine, and would be missed by waits without a wake-up.
+  EXPECT_LT(timer.elapsed(), 2000);
+  EXPECT_GT(timer.nsecsElapsed(), 5'000'000);
+  timer.start();
+  for (int i = 0; i < 1000; ++i) events.Yield(clock.TickMs());
+  EXPECT_LT(timer.elapsed(), 700);
+}
+
+TEST(QtVirtualEventLoop, WindowsGetTheirTurnOnTheVirtualClock) {
+  VirtualClock clock;
+  QtVirtualEventLoop events(clock);
+  bool ran = false;
+  QTimer::singleShot(0, [&] { ran = true; });
+  const std::int64_t start = clock.TickMs();
+  events.Yield(start + 60000);
+  EXPECT_TRUE(ran);
+  EXPECT_EQ(clock.TickMs(), start + 60000);
+}
+
+int Pages(const std::string& pdf) {
+  constexpr std::string_view kPage = "/Type /Page\n";
+  int pages = 0;
+  for (std::size_t at = pdf.find(kPage); at != std::string::npos; at = pdf.find(kPage, at + 1)) ++pages;
+  return pages;
+}
+
+PrintJob Report(int lines) {
+  PrintJob job;
+  job.title = "Report";
+  job.top = 5;
+  job.bottom = 90;
+  job.lines.assign(static_cast<std::size_t>(lines), PrintedLine{"  0.15,  117.0"});
+  return job;
+}
+
+TEST(QtPrinter, LongReportGoesOnOnTheNextPage) {
+  const TempDir directory;
+  QtPrinter printer;
+  printer.SetOutputFile(QString::fromStdString(directory.File("report.pdf")));
+  EXPECT_TRUE(printer.Print(Report(20)));
+  EXPECT_EQ(Pages(directory.Read("report.pdf")), 1);
+  EXPECT_TRUE(printer.Print(Report(130)));
+  EXPECT_EQ(Pages(directory.Read("report.pdf")), 3);
+}
+
+TEST(QtPrinter, LineWiderThanThePageIsNotCut) {
+  const TempDir directory;
+  QtPrinter printer;
+  printer.SetOutputFile(QString::fromStdString(directory.File("report.pdf")));
+  PrintJob job = Report(30);
+  for (PrintedLine& line : job.lines) line.text.assign(400, 'x');
+  EXPECT_TRUE(printer.Print(job));
+  EXPECT_GT(Pages(directory.Read("report.pdf")), 1);
+}
+
+TEST(QtPrinter, FileThatCanNotBeWrittenIsAFailure) {
+  const TempDir directory;
+  QtPrinter printer;
+  printer.SetOutputFile(QString::fromStdString(directory.File("missing/report.pdf")));
+  EXPECT_THROW(printer.Print(Report(1)), RuntimeError);
+}
+
+TEST(Tone, WaveHasTheLengthAskedFor) {
+  const QByteArray wave = ToneWave(1000, 200);
+  EXPECT_TRUE(wave.startsWith("RIFF"));
+  EXPECT_EQ(wave.size(), 44 + 2 * 22050 / 5);
+  EXPECT_EQ(ToneWave(1000, -1).size(), 44);
+  EXPECT_EQ(ToneWave(1000, 1 << 30).size(), 44 + 2 * 22050 * 5);
+}
+
+TEST(SingleInstance, SecondOneIsRefusedUntilTheFirstHasGone) {
+  const TempDir directory;
+  const QString place = QString::fromStdString(directory.Path());
+  auto first = std::make_unique<SingleInstance>(place);
+  SingleInstance second(place);
+  EXPECT_TRUE(first->Claim());
+  EXPECT_FALSE(second.Claim());
+  first.reset();
+  EXPECT_TRUE(second.Claim());
+}
+
+TEST(SingleInstance, CrashedHolderHoldsNothing) {
+  const TempDir directory;
+  const pid_t gone = fork();
+  if (gone == 0) _exit(0);
+  int status = 0;
+  waitpid(gone, &status, 0);
+  char host[256] = {};
+  gethostname(host, sizeof host - 1);
+  directory.Write("hylden.lock", std::to_string(gone) + "\nhylden\n" + host + "\n");
+  EXPECT_TRUE(SingleInstance(QString::fromStdString(directory.Path())).Claim());
+}
+
+TEST(EndSignals, TermArrivesThroughTheEventLoop) {
+  int ends = 0;
+  {
+    const EndSignals watch([&] { ++ends; });
+    raise(SIGTERM);
+    EXPECT_EQ(ends, 0);
+    QTest::qWait(1);
+    QCoreApplication::processEvents();
+  }
+  EXPECT_EQ(ends, 1);
+}
+
+TEST(FileDrop, TakesOneFileOfItsKind) {
+  struct {
+    QList<QUrl> urls;
+    QString taken;
+  } const rows[] = {
+      {{QUrl::fromLocalFile("/s/a.eqp")}, "/s/a.eqp"},
+      {{QUrl::fromLocalFile("/s/A.EQP")}, "/s/A.EQP"},
+      {{QUrl::fromLocalFile("/s/a.tst")}, ""},
+      {{QUrl::fromLocalFile("/s/a.eqp"), QUrl::fromLocalFile("/s/b.eqp")}, ""},
+      {{QUrl("http://host/a.eqp")}, ""},
+  };
+  for (const auto& row : rows) {
+    QWidget window;
+    QString taken;
+    new FileDrop(&window, "eqp", [&](const QString& path) { taken = path; });
+    QMimeData data;
+    data.setUrls(row.urls);
+    QDragEnterEvent enter({}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&window, &enter);
+    EXPECT_EQ(enter.isAccepted(), !row.taken.isEmpty());
+    QDropEvent drop({}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&window, &drop);
+    EXPECT_EQ(taken, "") << "the drop itself must not open dialogs";
+    QCoreApplication::processEvents();
+    EXPECT_EQ(taken, row.taken) << row.urls.first().toString().toStdString();
+  }
+}
+
+TEST(FileDrop, WaitsForNobodyBehindABox) {
+  QWidget window;
+  int taken = 0;
+  new FileDrop(&window, "eqp", [&](const QString&) { ++taken; });
+  QMessageBox box(&window);
+  box.open();
+  QMimeData data;
+  data.setUrls({QUrl::fromLocalFile("/s/a.eqp")});
+  QDropEvent drop({}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QCoreApplication::sendEvent(&window, &drop);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(taken, 0) << "a command was interrupted while it asked";
+}
+
+double Luminance(const QColor& color) {
+  const auto linear = [](double c) { return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
+  return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+TEST(HighlightRed, IsReadableInLightAndDarkThemes) {
+  for (const QColor& ground :
+       {QColor(Qt::white), QColor(0xef, 0xef, 0xef), QColor(0x2b, 0x2b, 0x2b), QColor(Qt::black)}) {
+    QPalette palette;
+    const bool dark = ground.lightness() < 128;
+    palette.setColor(QPalette::Window, ground);
+    palette.setColor(QPalette::WindowText, dark ? Qt::white : Qt::black);
+    const double a = Luminance(ground), b = Luminance(HighlightRed(palette));
+    EXPECT_GE((std::max(a, b) + 0.05) / (std::min(a, b) + 0.05), 4.5) << ground.name().toStdString();
+  }
+}
+
+}  // namespace
+}  // namespace hylden

@@ -1,0 +1,202 @@
+#include <gmock/gmock.h>
+
+#include <QCheckBox>
+#include <QPushButton>
+#include <QScrollBar>
+
+#include "desktop/RunForms.h"
+#include "testrun/qt/ArrowKeyHook.h"
+
+namespace hylden {
+namespace {
+
+/// Manual mode after 12 steps of the demo test; its timer ticks at every turn of the event loop.
+class ManualForm : public RunForms {
+ protected:
+  void SetUp() override {
+    RunForms::SetUp();
+    Open("substitution-am.tst");
+    m.When(AtStep(12), [this] { Press(*form, "cmdManual"); });
+    m.When([this] { return Manual() != nullptr; },
+           [this] {
+             auto& timer = *Manual()->findChild<QTimer*>("Timer1");
+             EXPECT_TRUE(timer.isActive());
+             EXPECT_EQ(timer.interval(), 500);
+             timer.setInterval(0);
+           });
+  }
+  /// Lets a few ticks of the timer pass, and does it.
+  void Then(std::function<void()> action) {
+    for (int i = 0; i < 3; ++i) m.When([] { return true; }, [] {});
+    m.When([] { return true; }, std::move(action));
+  }
+  void Run() {
+    Press(*form, "cmdRun");
+    EXPECT_EQ(m.ActionsLeft(), 0u);
+    EXPECT_FALSE(m.bench.State().Generator.RfOn);
+    EXPECT_EQ(Manual(), nullptr);
+  }
+  QScrollBar& Bar(const char* name) { return Find<QScrollBar>(*Manual(), name); }
+  const GeneratorState& Generator() { return m.bench.State().Generator; }
+  float LevelOf(int step) { return form->Engine().Steps()[static_cast<std::size_t>(step - 1)].SigGenLevel; }
+};
+
+TEST_F(ManualForm, OperatorFindsAThresholdAndTheTestGoesOn) {
+  dialogs.AnswerInput("display flickers");
+  dialogs.AnswerSave(m.directory.File("manual.run"));
+  Then([&] {
+    EXPECT_EQ(Bar("scrFreqStep").minimum(), 1);
+    EXPECT_EQ(Bar("scrFreqStep").maximum(), 12);
+    EXPECT_EQ(Bar("scrFreqStep").value(), 12);
+    EXPECT_TRUE(Find<QCheckBox>(*Manual(), "chkRfOn").isChecked());
+    EXPECT_TRUE(Find<QCheckBox>(*Manual(), "chkModOn").isEnabled());
+    EXPECT_FALSE(Buttons().isVisible());
+    EXPECT_EQ(Text("pnlStatus"), "Manual Mode");
+    Bar("scrFreqStep").setValue(11);
+  });
+  Then([&] {
+    EXPECT_NEAR(Generator().FreqMHz, form->Engine().Steps()[10].Freq, 1e-6);
+    EXPECT_EQ(TextOf(*Manual(), "lblFreq"), Rows()[11][0]);
+    EXPECT_EQ(Text("lblFreq"), Rows()[11][0]);
+    Bar("scrDbOffset").setValue(15);
+    EXPECT_EQ(TextOf(*Manual(), "lblOffset"), "1.5");
+  });
+  Then([&] {
+    EXPECT_NEAR(Generator().LevelDbm, double{LevelOf(11)} + 1.5, 0.051);
+    Press(*Manual(), "chkRfOn");
+    EXPECT_FALSE(Generator().RfOn);
+    EXPECT_EQ(Text("lblRf"), "RF off");
+    Press(*Manual(), "chkRfOn");
+    EXPECT_TRUE(Generator().RfOn);
+    Press(*Manual(), "chkModOn");
+    EXPECT_EQ(Generator().Modulation, BenchModulation::None);
+    Press(*Manual(), "chkModOn");
+    EXPECT_EQ(Generator().Modulation, BenchModulation::Am);
+  });
+  Then([&] { Press(*Manual(), "cmdThreshold"); });
+  Then([&] { Press(*Manual(), "cmdReturn"); });
+  std::size_t rowsAtReturn = 0;
+  m.When([&] { return Manual() == nullptr; },
+         [&] {
+           rowsAtReturn = Rows().size();
+           EXPECT_TRUE(Buttons().isVisible());
+           EXPECT_EQ(Text("lblStep"), "Step# 12") << "the step after the one returned to";
+         });
+  Run();
+  EXPECT_EQ(form->Engine().Outcome(), RunOutcome::Finished);
+  ASSERT_EQ(dialogs.inputs.size(), 1u);
+  EXPECT_EQ(dialogs.inputs[0].title, "Threshold Comment");
+  EXPECT_EQ(dialogs.inputs[0].prompt, "Enter comments");
+  const RunRow& threshold = Rows()[13];
+  EXPECT_EQ(threshold[0], Rows()[11][0]);
+  EXPECT_EQ(threshold[1], "Threshold 1.5dB");
+  EXPECT_EQ(threshold[2], "display flickers");
+  EXPECT_THAT(m.directory.Read("manual.run"),
+              testing::HasSubstr(threshold[0] + ", Threshold 1.5dB, display flickers\r\n"));
+  Choose(*form, "mnuFilePrintThreshold");
+  EXPECT_EQ(m.printer.Lines().back(), threshold[0] + ", Threshold 1.5dB, display flickers");
+}
+
+TEST_F(ManualForm, ArrowKeysBelongToManualModeWhereverTheFocusIs) {
+  QLineEdit elsewhere;
+  elsewhere.setText("abc");
+  elsewhere.show();
+  Then([&] {
+    QTest::keyClick(&elsewhere, Qt::Key_Left);
+    QTest::keyClick(&elsewhere, Qt::Key_Right);
+    QTest::keyClick(&elsewhere, Qt::Key_Left);
+    QTest::keyClick(&elsewhere, Qt::Key_Left);
+    for (int i = 0; i < 4; ++i) QTest::keyClick(form.get(), Qt::Key_Up);
+    QTest::keyClick(&Bar("scrDbOffset"), Qt::Key_Down);
+    EXPECT_EQ(elsewhere.cursorPosition(), 3) << "the press was passed on";
+    QTest::keyClick(&elsewhere, Qt::Key_Home);
+    EXPECT_EQ(elsewhere.cursorPosition(), 0) << "another key was swallowed";
+    EXPECT_EQ(Bar("scrFreqStep").value(), 10);
+    EXPECT_EQ(Bar("scrDbOffset").value(), 3);
+    EXPECT_EQ(TextOf(*Manual(), "lblOffset"), "0.3");
+  });
+  Then([&] {
+    EXPECT_NEAR(Generator().LevelDbm, double{LevelOf(10)} + 0.3, 0.051);
+    form->PressHalt();
+  });
+  Run();
+  QTest::keyClick(&elsewhere, Qt::Key_Right);
+  EXPECT_EQ(elsewhere.cursorPosition(), 1) << "still caught after manual mode";
+}
+
+TEST_F(ManualForm, KeysStopAtTheHighestStepReached) {
+  Then([&] {
+    QTest::keyClick(form.get(), Qt::Key_Right);
+    EXPECT_EQ(Bar("scrFreqStep").value(), 12);
+    form->close();
+  });
+  Run();
+}
+
+TEST_F(ManualForm, DraggedLevelIsAppliedWhenItIsReleased) {
+  Then([&] {
+    Bar("scrDbOffset").setSliderDown(true);
+    Bar("scrDbOffset").setSliderPosition(-30);
+    EXPECT_EQ(TextOf(*Manual(), "lblOffset"), "-3.0");
+  });
+  Then([&] {
+    EXPECT_NEAR(Generator().LevelDbm, double{LevelOf(12)}, 0.051) << "still being dragged";
+    Bar("scrDbOffset").setSliderDown(false);
+  });
+  Then([&] {
+    EXPECT_NEAR(Generator().LevelDbm, double{LevelOf(12)} - 3, 0.051);
+    form->PressHalt();
+  });
+  Run();
+}
+
+TEST_F(ManualForm, CloseBoxReturnsToTheTest) {
+  Then([&] { EXPECT_FALSE(Manual()->close()); });
+  m.When(AtStep(13), [&] { Press(*form, "cmdHalt"); });
+  Run();
+}
+
+TEST_F(ManualForm, EscapeOnItHaltsAndTakesItAway) {
+  Then([&] { QTest::keyClick(&Bar("scrDbOffset"), Qt::Key_Escape); });
+  Run();
+  EXPECT_EQ(form->Engine().CompletedSteps(), 12);
+  EXPECT_TRUE(Buttons().isVisible());
+}
+
+TEST_F(ManualForm, OpensWithoutTakingTheFocus) {
+  Then([&] {
+    EXPECT_TRUE(Manual()->testAttribute(Qt::WA_ShowWithoutActivating));
+    EXPECT_TRUE(Manual()->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    form->PressHalt();
+  });
+  Run();
+}
+
+TEST_F(ManualForm, SecondHookIsRefused) {
+  Then([&] {
+    ArrowKeyHook second([](ArrowKey) { ADD_FAILURE() << "two hooks"; });
+    EXPECT_FALSE(second.Install(dialogs));
+    EXPECT_EQ(dialogs.LastText(), "Don't hook WH_KEYBOARD twice or you will be unable to unhook it.");
+    QTest::keyClick(form.get(), Qt::Key_Up);
+    EXPECT_EQ(Bar("scrDbOffset").value(), 1) << "the first one is gone";
+    form->PressHalt();
+  });
+  Run();
+}
+
+TEST_F(ManualForm, RefusingGeneratorIsShownWithRfOff) {
+  Then([&] {
+    m.driver.FailLine("> 18 POW", gpib::kEnol);
+    Bar("scrDbOffset").setValue(-10);
+  });
+  Then([&] {
+    EXPECT_FALSE(Generator().RfOn);
+    EXPECT_FALSE(Find<QCheckBox>(*Manual(), "chkRfOn").isChecked());
+    EXPECT_FALSE(dialogs.messages.empty());
+    form->PressHalt();
+  });
+  Run();
+}
+
+}  // namespace
+}  // namespace hylden

@@ -1,0 +1,240 @@
+// Drives the real windows through a day's work on the simulated bench and leaves a picture of each: for the README and
+// the manual, and for whoever changes a window and wants to look at it.
+//   hylden-pictures STATION-DIRECTORY OUTPUT-DIRECTORY
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDialog>
+#include <QDir>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPointer>
+#include <QScrollBar>
+#include <QTabWidget>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <filesystem>
+#include <functional>
+#include <iostream>
+#include <map>
+#include <stdexcept>
+
+#include "app/BusChoice.h"
+#include "app/Desktop.h"
+#include "app/Station.h"
+#include "bench/BenchConfig.h"
+#include "documents/frmTestDef.h"
+#include "platform/VirtualTime.h"
+#include "platform/qt/QtDialogs.h"
+#include "platform/qt/QtEventLoop.h"
+#include "platform/qt/QtPrinter.h"
+#include "shell/TopMenu.h"
+#include "testrun/frmRunTest.h"
+
+namespace hylden {
+namespace {
+
+class SilentSpeaker : public Speaker {
+ public:
+  void Beep(int, int) override {}
+};
+
+/// The visible window of a kind, by the name of its class; a missing one ends the tour.
+QWidget& Window(const char* name) {
+  for (QWidget* const window : QApplication::topLevelWidgets())
+    if (window->isVisible() && window->objectName() == QLatin1String(name)) return *window;
+  throw std::runtime_error(std::string("no window ") + name);
+}
+
+template <class Control>
+Control& Find(QWidget& window, const char* name) {
+  auto* const control = window.findChild<Control*>(QLatin1String(name));
+  if (!control) throw std::runtime_error(std::string("no control ") + name);
+  return *control;
+}
+
+void Settle() {
+  for (int i = 0; i < 5; ++i) QApplication::processEvents();
+}
+
+class Tour {
+ public:
+  Tour(const QString& output) : output_(output) {
+    answer_.setInterval(10);
+    QObject::connect(&answer_, &QTimer::timeout, [this] { AnswerBox(); });
+    answer_.start();
+  }
+
+  void Grab(QWidget& window, const char* name) {
+    Settle();
+    const QString path = output_.filePath(QLatin1String(name) + QLatin1String(".png"));
+    if (!window.grab().save(path)) throw std::runtime_error("can't write " + path.toStdString());
+    std::cout << path.toStdString() << std::endl;
+  }
+  void GrabTabs(QWidget& window, const char* name) {
+    auto& tabs = Find<QTabWidget>(window, "tabSetup");
+    for (int i = 0; i < tabs.count(); ++i) {
+      tabs.setCurrentIndex(i);
+      Grab(window, (std::string(name) + "-" + std::to_string(i + 1)).c_str());
+    }
+    tabs.setCurrentIndex(0);
+  }
+  static void Press(QWidget& window, const char* button) {
+    Find<QAbstractButton>(window, button).click();
+    Settle();
+  }
+  /// A box with this title is pictured and answered when it opens.
+  void OnBox(const char* title, const char* name, std::function<void(QWidget&)> answer) {
+    boxes_[QLatin1String(title)] = {name, std::move(answer)};
+  }
+  void OnBox(const char* title, const char* name, QMessageBox::StandardButton button) {
+    OnBox(title, name, [button](QWidget& box) { dynamic_cast<QMessageBox&>(box).button(button)->click(); });
+  }
+
+ private:
+  struct Box {
+    const char* name;
+    std::function<void(QWidget&)> answer;
+  };
+
+  void AnswerBox() {
+    QWidget* const box = QApplication::activeModalWidget();
+    const auto known = box ? boxes_.find(box->windowTitle()) : boxes_.end();
+    if (known == boxes_.end() || busy_) return;
+    busy_ = true;
+    Grab(*box, known->second.name);
+    busy_ = false;
+    known->second.answer(*box);
+  }
+
+  QDir output_;
+  QTimer answer_;
+  std::map<QString, Box> boxes_;
+  bool busy_ = false;
+};
+
+/// What happens during the run: a picture in the middle, then manual mode with a threshold.
+class DuringTheRun {
+ public:
+  DuringTheRun(Tour& tour, frmRunTest& run) : tour_(tour), run_(run) {}
+
+  void Look() {
+    if (looking_) return;
+    looking_ = true;
+    if (stage_ == 0 && run_.Engine().CurrentStepNumber() == 20) {
+      tour_.Grab(run_, "test-run");
+      tour_.Grab(Window("frmRunButtons"), "run-controls");
+      Tour::Press(Window("frmRunButtons"), "cmdManual");
+      stage_ = 1;
+    } else if (stage_ == 1 && IsManual()) {
+      QWidget& manual = Window("frmManual");
+      Find<QScrollBar>(manual, "scrFreqStep").setValue(18);
+      Find<QScrollBar>(manual, "scrDbOffset").setValue(-25);
+      stage_ = 2;
+      QTimer::singleShot(1200, [this] { MarkThreshold(); });
+    }
+    looking_ = false;
+  }
+
+ private:
+  static bool IsManual() {
+    for (QWidget* const window : QApplication::topLevelWidgets())
+      if (window->isVisible() && window->objectName() == QLatin1String("frmManual")) return true;
+    return false;
+  }
+  void MarkThreshold() {
+    tour_.Grab(Window("frmManual"), "manual-mode");
+    tour_.OnBox("Threshold Comment", "threshold-comment", [](QWidget& box) {
+      box.findChild<QLineEdit*>()->setText(QStringLiteral("display flickers"));
+      dynamic_cast<QDialog&>(box).accept();
+    });
+    Tour::Press(Window("frmManual"), "cmdThreshold");
+    tour_.Grab(run_, "test-run-threshold");
+    Tour::Press(Window("frmManual"), "cmdReturn");
+  }
+
+  Tour& tour_;
+  frmRunTest& run_;
+  int stage_ = 0;
+  bool looking_ = false;
+};
+
+void PrintReports(frmRunTest& run, QtPrinter& printer, const QDir& output) {
+  const std::pair<RunReportKind, const char*> reports[] = {{RunReportKind::Brief, "report-brief.pdf"},
+                                                           {RunReportKind::Detailed, "report-detailed.pdf"},
+                                                           {RunReportKind::Threshold, "report-threshold.pdf"}};
+  for (const auto& [kind, name] : reports) {
+    printer.SetOutputFile(output.filePath(QLatin1String(name)));
+    run.PrintReport(kind);
+  }
+}
+
+int TakePictures(const QString& output) {
+  const QTemporaryDir home;
+  std::filesystem::copy_file(std::filesystem::path(QApplication::applicationDirPath().toStdString()) / "hylden.hlp",
+                             std::filesystem::path(home.path().toStdString()) / "hylden.hlp");
+  VirtualClock clock;
+  QtVirtualEventLoop events(clock);
+  QtDialogs dialogs;
+  SilentSpeaker speaker;
+  QtPrinter printer;
+  Bus bus(clock, LoadBenchFile("bench.txt").Config);
+  Station station(Platform{dialogs, clock, events, speaker, printer, bus.Driver()}, home.path().toStdString());
+  DesktopOptions options;
+  options.simulated = true;
+  options.onEquipmentApplied = [&] { bus.EquipBench(station.documents.equip.Record, station.instruments); };
+  Desktop desktop(station.shell, station.instruments, station.documents, options);
+  Tour tour(output);
+
+  desktop.Provide(WorkingArea::Test, [&] { return desktop.MakeTestDefinition(); });
+  desktop.Start("\"/e:station.eqp\"");
+  tour.Grab(desktop.Menu(), "main-menu");
+  Tour::Press(desktop.Menu(), "cmdConfigSys");
+  tour.GrabTabs(Window("frmEquipment"), "station");
+  Window("frmEquipment").close();
+  Settle();
+
+  Tour::Press(desktop.Menu(), "cmdRunTest");
+  auto& definition = dynamic_cast<frmTestDef&>(Window("frmTestDef"));
+  definition.LoadFile(QStringLiteral("forward-power-constant-peak.tst"));
+  tour.GrabTabs(definition, "test-definition");
+  Tour::Press(definition, "cmdStart");
+  auto& run = dynamic_cast<frmRunTest&>(Window("frmRunTest"));
+  tour.Grab(run, "test-run-ready");
+
+  DuringTheRun during(tour, run);
+  events.onYield = [&] { during.Look(); };
+  tour.OnBox("MAKE SURE!!!", "run-confirmation", QMessageBox::Ok);
+  tour.OnBox("Save Run Data", "save-question", QMessageBox::No);
+  Tour::Press(Window("frmRunButtons"), "cmdRun");  // returns when the run has ended
+  events.onYield = nullptr;
+  tour.Grab(run, "test-run-finished");
+  PrintReports(run, printer, QDir(output));
+
+  desktop.ShowHelp(QStringLiteral("Finding a threshold"));
+  tour.Grab(Window("frmHelp"), "help");
+  run.close();
+  Settle();
+  return 0;
+}
+
+}  // namespace
+}  // namespace hylden
+
+int main(int argc, char** argv) {
+  QApplication application(argc, argv);
+  QApplication::setQuitOnLastWindowClosed(false);
+  if (argc != 3) {
+    std::cerr << "hylden-pictures STATION-DIRECTORY OUTPUT-DIRECTORY\n";
+    return 2;
+  }
+  const QString output = QDir(QString::fromLocal8Bit(argv[2])).absolutePath();
+  QDir().mkpath(output);
+  try {
+    std::filesystem::current_path(argv[1]);
+    return hylden::TakePictures(output);
+  } catch (const std::exception& error) {
+    std::cerr << "hylden-pictures: " << error.what() << std::endl;
+    return 1;
+  }
+}
