@@ -4,6 +4,7 @@
 
 #include <QDropEvent>
 #include <QElapsedTimer>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QPalette>
 #include <QPrinter>

@@ -1,7 +1,9 @@
 #include "platform/qt/FileDrop.h"
 
+#include <QApplication>
 #include <QDropEvent>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QMimeData>
 #include <QTimer>
 #include <QUrl>
@@ -26,13 +28,17 @@ FileDrop::FileDrop(QWidget* window, const QString& suffix, std::function<void(co
     : QObject(window), suffix_(suffix), onDropped_(std::move(onDropped)) {
   window->setAcceptDrops(true);
   window->installEventFilter(this);
+  // A box would take a dropped file for text.
+  for (QLineEdit* const box : window->findChildren<QLineEdit*>()) box->setAcceptDrops(false);
 }
 
 bool FileDrop::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() != QEvent::DragEnter && event->type() != QEvent::Drop) return QObject::eventFilter(watched, event);
   auto* const drop = static_cast<QDropEvent*>(event);
   const QString path = DraggedFile(drop->mimeData(), suffix_);
-  if (path.isEmpty()) return true;
+  const QWidget* const modal = QApplication::activeModalWidget();
+  const bool blocked = modal && modal != watched;  // a command of the window waits for an answer
+  if (path.isEmpty() || blocked) return true;
   drop->acceptProposedAction();
   if (event->type() == QEvent::Drop) QTimer::singleShot(0, this, [this, path] { onDropped_(path); });
   return true;

@@ -8,7 +8,7 @@ class QWidget;
 
 namespace hylden {
 
-/// Takes one file of a kind that is dropped on a window.
+/// Takes one file of a kind that is dropped on a window or any of its boxes, unless a modal box stands above it.
 class FileDrop : public QObject {
  public:
   /// @param suffix    of the files taken, without its point, in any case

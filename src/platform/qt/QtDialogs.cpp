@@ -1,5 +1,6 @@
 #include "platform/qt/QtDialogs.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
@@ -20,20 +21,27 @@ namespace {
 constexpr char kProgramTitle[] = "Hylden";
 constexpr int kEndingMessageMs = 3000;
 
-/// Sees the Escape key on its way to a box.
-class EscapeWatch : public QObject {
+/// Sees the keys on their way to a box.
+class KeyWatch : public QObject {
  public:
-  EscapeWatch(QObject* parent, const std::function<void()>& action) : QObject(parent), action_(action) {}
+  KeyWatch(QDialog& box, const std::function<void()>& onEscape) : QObject(&box), onEscape_(onEscape) {
+    box.installEventFilter(this);
+    for (QAbstractButton* const button : box.findChildren<QAbstractButton*>()) button->installEventFilter(this);
+  }
 
  protected:
-  bool eventFilter(QObject*, QEvent* event) override {
-    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape && action_)
-      action_();
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() != QEvent::KeyPress) return false;
+    const auto& press = static_cast<const QKeyEvent&>(*event);
+    const bool enter = press.key() == Qt::Key_Return || press.key() == Qt::Key_Enter;
+    // Enter still held down from before the box opened would answer it unread, and may switch RF on.
+    if (enter && press.isAutoRepeat()) return true;
+    if (watched == parent() && press.key() == Qt::Key_Escape && onEscape_) onEscape_();
     return false;
   }
 
  private:
-  const std::function<void()>& action_;
+  const std::function<void()>& onEscape_;
 };
 
 QMessageBox::Icon IconOf(MessageIcon icon) {
@@ -142,7 +150,7 @@ QString DefaultSuffix(std::string_view filter) {
 }
 
 bool QtDialogs::Run(QDialog& dialog) {
-  dialog.installEventFilter(new EscapeWatch(&dialog, onEscape));
+  new KeyWatch(dialog, onEscape);
   return dialog.exec() == QDialog::Accepted;
 }
 
