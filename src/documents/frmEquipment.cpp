@@ -328,12 +328,15 @@ void frmEquipment::AskAndLoad() {
 
 void frmEquipment::LoadFile(const QString& path) {
   const std::string file = FromQt(path);
-  if (equip_.LoadDef(file) == 1) {
-    equip_.EquipFileName = file;
-    recentFiles_->Add(file);
-    ShowFileName();
+  const EquipRecord previous = equip_.Record;
+  if (equip_.LoadDef(file) != 1) {
+    equip_.Record = previous;
+    return;
   }
+  equip_.EquipFileName = file;
+  ShowFileName();
   ShowEquipment();
+  recentFiles_->Add(file);
 }
 
 void frmEquipment::Save() {

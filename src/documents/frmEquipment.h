@@ -40,7 +40,7 @@ class frmEquipment : public WorkingForm {
   void ShowEquipment();
   /// Copies the form into the record and the drivers; false when an entry is invalid, after its prompt.
   bool ApplyEquipment();
-  /// Makes the file the current one and shows it; a file that does not load leaves the current one what it was.
+  /// Makes the file the current one and shows it; after a failure record and form stay as they were.
   void LoadFile(const QString& path);
 
   QString HelpTopic() const override;
