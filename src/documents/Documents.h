@@ -1,6 +1,7 @@
 #pragma once
 
 #include "documents/CalInfo.h"
+#include "documents/CalSetup.h"
 #include "documents/Equip.h"
 #include "documents/TestSetup.h"
 
@@ -9,9 +10,10 @@ namespace hylden {
 /// The documents of one station; one record of each kind.
 struct Documents {
   Documents(Shell& shell, Instruments& instruments)
-      : equip(shell, instruments), calInfo(shell), testSetup(shell, calInfo) {}
+      : equip(shell, instruments), calSetup(shell), calInfo(shell), testSetup(shell, calInfo) {}
 
   Equip equip;
+  CalSetup calSetup;
   CalInfo calInfo;
   TestSetup testSetup;
 };

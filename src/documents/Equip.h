@@ -29,6 +29,12 @@ struct EntryFailure {
   std::string Text = {};  ///< the message, when Reason is Message
 };
 
+/// A check before a run that failed: the message, and the tab of the equipment form where it is mended.
+struct StartFailure {
+  std::string Text;
+  int EquipmentTab = 0;
+};
+
 /// The station's equipment configuration, its file, and its hand-over to the drivers.
 class Equip {
  public:

@@ -65,11 +65,6 @@ void ConstPeakClicked(TestDefinitionEntries& entries);
 /// After a click on chkModOffBetweenFreqs: without it there is no constant peak.
 void ModOffBetweenFreqsClicked(TestDefinitionEntries& entries);
 
-/// A Start check that failed: the message, and the tab of the equipment form where it is mended.
-struct StartFailure {
-  std::string Text;
-  int EquipmentTab = 0;
-};
 /// Whether the station has what the test needs; the first thing missing, in checking order.
 std::optional<StartFailure> CheckStart(const TestDefinition& test, const EquipRecord& equipment);
 

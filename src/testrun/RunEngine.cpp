@@ -1,8 +1,6 @@
 #include "testrun/RunEngine.h"
 
 #include <algorithm>
-#include <exception>
-#include <stdexcept>
 
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
@@ -12,7 +10,11 @@ namespace hylden {
 
 RunEngine::RunEngine(Shell& shell, Instruments& instruments, Documents& documents, RunDisplay& display,
                      RunControls& controls)
-    : run_(shell, instruments, documents, display, controls), stepRunner_(run_), manual_(run_) {}
+    : run_(shell, instruments, documents, display, controls),
+      guard_(shell, instruments.sigGen),
+      stepRunner_(run_),
+      manual_(run_),
+      elapsed_(shell.clock) {}
 
 bool RunEngine::Halted() const {
   return run_.shell.delay.HaltRequested();
@@ -43,23 +45,10 @@ void RunEngine::RunCdiTest() {
   if (running_ || !ready_) return;
   running_ = true;
   outcome_ = RunOutcome::EndedEarly;
-  reported_ = false;
-  std::exception_ptr programEnd;
-  try {
-    RunTest();
-  } catch (const ProgramEnd&) {
-    RfOffQuietly();
-    programEnd = std::current_exception();
-  } catch (const std::exception& error) {
-    RfOffQuietly();
-    Report(error);
-  } catch (...) {
-    RfOffQuietly();
-    Report(std::runtime_error("Unknown failure"));
-  }
+  guard_.Run("frmRunTest.RunCDI", [this] { RunTest(); });
   EndRun();
   running_ = false;
-  if (programEnd) std::rethrow_exception(programEnd);
+  guard_.PassProgramEnd();
 }
 
 void RunEngine::Reset() {
@@ -87,7 +76,7 @@ void RunEngine::Sweep() {
   for (currentStep_ = 1; currentStep_ <= count; ++currentStep_) {
     if (Halted()) return;
     // The first step is not timed: it starts from far below the level.
-    if (currentStep_ == 2) startMs_ = run_.shell.clock.TickMs();
+    if (currentStep_ == 2) elapsed_.Start();
     run_.display.Step(currentStep_);
     if (!RunStep(currentStep_ == 1)) return;
     highestStep_ = std::max(highestStep_, currentStep_);
@@ -107,10 +96,10 @@ bool RunEngine::RunStep(bool first) {
 }
 
 void RunEngine::ShowTimes() {
-  const auto elapsed = static_cast<double>(run_.shell.clock.TickMs() - startMs_);
-  const double secondsPerStep = elapsed / ((currentStep_ - 1) * 1000.0);
-  run_.display.Elapsed(elapsed / 60000);
-  run_.display.Remaining((static_cast<double>(run_.steps.size()) - (currentStep_ - 1)) * secondsPerStep / 60);
+  const double minutes = elapsed_.Minutes();
+  const int timed = currentStep_ - 1;
+  run_.display.Elapsed(minutes);
+  run_.display.Remaining((static_cast<double>(run_.steps.size()) - timed) * minutes / timed);
 }
 
 bool RunEngine::ManualPhase() {
@@ -150,52 +139,22 @@ void RunEngine::CloseManual() {
 }
 
 void RunEngine::EndRun() {
-  Attempt([&] { run_.shell.log.LogFile("Instruments taken offline"); });
-  Attempt([&] { run_.preparation.ShutdownInstruments(); });
-  Attempt([&] { CloseManual(); });
-  Attempt([&] { run_.shell.speaker.Beep(1000, 2000); });
+  guard_.Attempt([&] { run_.shell.log.LogFile("Instruments taken offline"); });
+  guard_.Attempt([&] { run_.preparation.ShutdownInstruments(); });
+  guard_.Attempt([&] { CloseManual(); });
+  guard_.Attempt([&] { run_.shell.speaker.Beep(1000, 2000); });
   run_.shell.delay.RequestHalt();
-  Attempt([&] { run_.controls.ButtonsEnabled(false); });
-  Attempt([&] { AskToSave(); });
-  Attempt([&] { run_.controls.ButtonsEnabled(true); });
-  Attempt([&] { run_.controls.FileMenuEnabled(true); });
-  Attempt([&] { run_.controls.SetHaltMode(); });
+  guard_.Attempt([&] { run_.controls.ButtonsEnabled(false); });
+  guard_.Attempt([&] { AskToSave(); });
+  guard_.Attempt([&] { run_.controls.ButtonsEnabled(true); });
+  guard_.Attempt([&] { run_.controls.FileMenuEnabled(true); });
+  guard_.Attempt([&] { run_.controls.SetHaltMode(); });
 }
 
 void RunEngine::AskToSave() {
   const MessageAnswer answer = run_.shell.dialogs.Show(
       {"Would you like to save the testrun data?", "Save Run Data", MessageIcon::Question, MessageButtons::YesNo});
   if (answer == MessageAnswer::Yes) SaveRunData(run_.shell, run_.data);
-}
-
-void RunEngine::Attempt(const std::function<void()>& part) {
-  try {
-    part();
-  } catch (const ProgramEnd&) {
-  } catch (const std::exception& error) {
-    Report(error);
-  } catch (...) {
-    Report(std::runtime_error("Unknown failure"));
-  }
-}
-
-void RunEngine::Report(const std::exception& error) {
-  if (reported_) return;
-  reported_ = true;
-  try {
-    run_.shell.ReportError(error, "frmRunTest.RunCDI");
-  } catch (const std::exception&) {
-    // The operator can't be told; the end of the run goes on.
-  }
-}
-
-void RunEngine::RfOffQuietly() {
-  try {
-    SigGen& sigGen = run_.instruments.sigGen;
-    sigGen.RfIsOn() ? sigGen.SilenceRf() : sigGen.RfOff();
-  } catch (const std::exception&) {
-    // The shutdown at the end of the run tries again.
-  }
 }
 
 }  // namespace hylden

@@ -1,8 +1,10 @@
 #pragma once
 
-#include <cstdint>
-#include <functional>
+#include <vector>
 
+#include "calibration/ElapsedTime.h"
+#include "calibration/RunGuard.h"
+#include "calibration/RunOutcome.h"
 #include "testrun/ManualMode.h"
 #include "testrun/RunContext.h"
 #include "testrun/StepRunner.h"
@@ -14,13 +16,6 @@ enum class RunReadiness {
   NoSteps,   ///< nothing to test: the run window closes
   NotReady,  ///< a table or the calibration record is missing: the window stays, Run can't be pressed
   Ready
-};
-
-/// How the last run ended.
-enum class RunOutcome {
-  NotRun,      ///< none has been started
-  Finished,    ///< every planned step was run
-  EndedEarly,  ///< it failed, was halted, or is still going on
 };
 
 /// Runs a test: walks the planned steps, lets the operator take over between them, and always ends with RF off, the
@@ -61,12 +56,9 @@ class RunEngine {
   void ShowTimes();
   void EndRun();
   void AskToSave();
-  /// Does a part of the end of the run; an exception is reported, the first of a run only, and ends here.
-  void Attempt(const std::function<void()>& part);
-  void Report(const std::exception& error);
-  void RfOffQuietly();
 
   RunContext run_;
+  RunGuard guard_;
   StepRunner stepRunner_;
   ManualMode manual_;
   std::vector<PreviousStep> ended_;  ///< where each step ended, for a run that goes on from an earlier one
@@ -74,10 +66,9 @@ class RunEngine {
   bool running_ = false;
   RunOutcome outcome_ = RunOutcome::NotRun;
   bool manualOpen_ = false;
-  bool reported_ = false;
   int currentStep_ = 0;
   int highestStep_ = 0;
-  std::int64_t startMs_ = 0;
+  ElapsedTime elapsed_;
 };
 
 }  // namespace hylden

@@ -1,9 +1,8 @@
 #include "testrun/RunPreparation.h"
 
-#include <exception>
-#include <functional>
 #include <utility>
 
+#include "calibration/FactorLoading.h"
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
 #include "measure/ReadFreq.h"
@@ -14,24 +13,9 @@ namespace hylden {
 
 namespace {
 
-constexpr float kStartLevelDbm = -60;
-constexpr double kGenericBandSwitchMHz = 230;
 // A meter that is also the power meter needs a rest between two initialisations.
 constexpr double kSharedAddressWait = 5;
 constexpr int kLeastListFrequencies = 2;
-
-/// Runs every action, whatever the others do, and throws the first exception on after the last.
-void RunAll(const std::vector<std::function<void()>>& actions) {
-  std::exception_ptr first;
-  for (const auto& action : actions) {
-    try {
-      action();
-    } catch (...) {
-      if (!first) first = std::current_exception();
-    }
-  }
-  if (first) std::rethrow_exception(first);
-}
 
 }  // namespace
 
@@ -45,7 +29,8 @@ RunPreparation::RunPreparation(Shell& shell, Instruments& instruments, Documents
       probeFactor_(shell),
       forwardPort_(shell),
       reversePort_(shell),
-      sensor_(shell, instruments, documents.equip.Record) {}
+      sensor_(shell, instruments, documents.equip.Record),
+      up_(shell, instruments) {}
 
 const TestDefinition& RunPreparation::Test() const {
   return documents_.testSetup.Definition;
@@ -72,10 +57,7 @@ bool RunPreparation::LoadCalibration() {
 
 bool RunPreparation::LoadTable(InterpClass& table, const std::string& path, const char* loadText,
                                const char* coverText) {
-  const bool loaded = table.InitInterp(path);
-  if (loaded && table.MinFreq() <= Test().StartFreq && table.MaxFreq() >= Test().StopFreq) return true;
-  shell_.dialogs.Tell(loaded ? coverText : loadText);
-  return false;
+  return LoadCoveringTable(shell_, table, path, {Test().StartFreq, Test().StopFreq}, loadText, coverText);
 }
 
 bool RunPreparation::LoadRunFactors() {
@@ -98,7 +80,6 @@ bool RunPreparation::LoadRunFactors() {
 }
 
 bool RunPreparation::InitInstruments() {
-  up_ = {};
   display_.Status("Initializing instruments...");
   if (!BringUp()) return false;
   display_.Status("");
@@ -106,10 +87,8 @@ bool RunPreparation::InitInstruments() {
 }
 
 bool RunPreparation::BringUp() {
-  if (!instruments_.gpib.GpibIfc()) return Refuse("Error initializing GPIB");
-  if (!instruments_.sigGen.InitSigGen(0, kStartLevelDbm)) return Refuse("Error initializing signal generator");
-  up_.SigGen = true;
-  return InitModulation() && InitPowerMeter() && InitMeter() && InitAmplifier();
+  return up_.BringUpSigGen() && InitModulation() && InitPowerMeter() && InitMeter() &&
+         up_.BringUpAmplifier(documents_.equip.Record);
 }
 
 bool RunPreparation::InitModulation() {
@@ -133,27 +112,14 @@ bool RunPreparation::InitModulation() {
 bool RunPreparation::InitPowerMeter() {
   if (!Test().LevelsByPower()) return true;
   if (Test().MonitorProbe && !WaitForSharedAddress()) return false;
-  if (!instruments_.pm.InitPwrMtr()) return Refuse("Error initializing Power Meter");
-  up_.PwrMtr = true;
+  if (!up_.BringUpPowerMeter()) return false;
   sensor_.Reset();
   return true;
 }
 
 bool RunPreparation::InitMeter() {
   if (!Test().MonitorProbe) return true;
-  if (!WaitForSharedAddress()) return false;
-  if (!instruments_.meter.InitMeter()) return Refuse("Error initializing meter");
-  up_.Meter = true;
-  return true;
-}
-
-bool RunPreparation::InitAmplifier() {
-  const EquipRecord& equipment = documents_.equip.Record;
-  if (!equipment.HasIfiAmplifier()) return instruments_.ifiAmp.IfiInit(AmpControl::Generic, kGenericBandSwitchMHz);
-  if (!instruments_.ifiAmp.IfiInit(AmpControl::Ifi, equipment.IfiBandSwitch))
-    return Refuse("Error initializing IFI amp");
-  up_.IfiAmp = true;
-  return true;
+  return WaitForSharedAddress() && up_.BringUpMeter();
 }
 
 bool RunPreparation::WaitForSharedAddress() {
@@ -167,22 +133,9 @@ bool RunPreparation::Refuse(const char* text) {
 }
 
 void RunPreparation::ShutdownInstruments() {
-  const InstrumentsUp up = std::exchange(up_, {});
   RunAll({
       [&] { display_.Status("Shutting down instruments..."); },
-      [&] { up.SigGen ? instruments_.sigGen.SilenceRf() : instruments_.sigGen.RfOff(); },
-      [&] {
-        if (up.Meter) instruments_.meter.MeterShutdown();
-      },
-      [&] {
-        if (up.IfiAmp) instruments_.ifiAmp.IfiReset();
-      },
-      [&] {
-        if (up.PwrMtr) instruments_.pm.PwrMtrShutdown();
-      },
-      [&] {
-        if (up.SigGen) instruments_.sigGen.ShutdownSigGen();
-      },
+      [&] { up_.TakeDown(); },
       [&] { display_.Status(""); },
   });
 }

@@ -3,6 +3,7 @@
 #include <memory>
 #include <vector>
 
+#include "calibration/InstrumentsUp.h"
 #include "calibration/PowerReading.h"
 #include "documents/clsCalFile.h"
 #include "measure/InterpClass.h"
@@ -44,17 +45,12 @@ class RunPreparation {
   ForwardSensor& Sensor() { return sensor_; }
 
  private:
-  struct InstrumentsUp {
-    bool SigGen = false, PwrMtr = false, Meter = false, IfiAmp = false;
-  };
-
   const TestDefinition& Test() const;
   bool LoadTable(InterpClass& table, const std::string& path, const char* loadText, const char* coverText);
   bool BringUp();
   bool InitModulation();
   bool InitPowerMeter();
   bool InitMeter();
-  bool InitAmplifier();
   bool WaitForSharedAddress();
   bool Refuse(const char* text);
 

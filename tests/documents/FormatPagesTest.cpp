@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "documents/CalInfo.h"
+#include "documents/CalSetupRecord.h"
 #include "documents/EquipRecord.h"
 #include "documents/TestDefinition.h"
 #include "documents/clsCalFile.h"
@@ -55,6 +56,7 @@ TEST(FormatPages, ExamplesOfRecordsAreWhatTheProgramWrites) {
   ExpectWholeRecord<MeterDefinition>("meter.md");
   ExpectWholeRecord<PowerMeterDefinition>("power-meter.md");
   ExpectWholeRecord<EquipRecord>("equipment.md");
+  ExpectWholeRecord<CalSetupRecord>("calibration-setup.md", true);
   ExpectWholeRecord<TestDefinition>("test-definition.md");
   ExpectWholeRecord<CalInfoRec>("calibration-record.md", true);
 }

@@ -6,9 +6,19 @@
 
 namespace hylden {
 
-BenchStation::BenchStation(const std::string& equipmentFile)
+namespace {
+
+BenchConfig ConfigOf(const std::function<void(BenchConfig&)>& adjust) {
+  BenchConfig config = LoadBenchFile("bench.txt").Config;
+  if (adjust) adjust(config);
+  return config;
+}
+
+}  // namespace
+
+BenchStation::BenchStation(const std::string& equipmentFile, const std::function<void(BenchConfig&)>& adjust)
     : atStation(HYLDEN_SOURCE_DIR "/examples/station"),
-      bench(clock, LoadBenchFile("bench.txt").Config),
+      bench(clock, ConfigOf(adjust)),
       driver(bench.Driver()),
       machine(driver, clock),
       instruments(machine.shell),

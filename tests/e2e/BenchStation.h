@@ -43,7 +43,9 @@ class WatchedDisplay : public RunDisplay {
 /// The demo station on the simulated bench, in virtual time, with everything needed to run one of its tests.
 class BenchStation {
  public:
-  explicit BenchStation(const std::string& equipmentFile = "station.eqp");
+  /// @param adjust  changes the bench before it is built
+  explicit BenchStation(const std::string& equipmentFile = "station.eqp",
+                        const std::function<void(BenchConfig&)>& adjust = {});
 
   /// Loads a test of the demo station with its calibration info, and cables the meter as it needs.
   void Load(const std::string& testFile);

@@ -1,0 +1,174 @@
+#include "calibration/CableCalibration.h"
+
+#include <algorithm>
+
+#include "calibration/CalibrationDisplay.h"
+#include "calibration/FrequencyPlan.h"
+#include "calibration/WarbleAlarm.h"
+#include "instruments/Instruments.h"
+#include "shell/Shell.h"
+#include "text/TextFile.h"
+
+namespace hylden {
+
+RunCablCal::RunCablCal(Shell& shell, Instruments& instruments)
+    : shell_(shell),
+      instruments_(instruments),
+      guard_(shell, instruments.sigGen),
+      up_(shell, instruments),
+      elapsed_(shell.clock) {}
+
+bool RunCablCal::Halted() const {
+  return shell_.delay.HaltRequested();
+}
+
+bool RunCablCal::BuildPlan() {
+  if (running_) return false;
+  const auto type = static_cast<StepType>(Setup.StepType);
+  FrequencyRequest request{type, Setup.StartFreq, Setup.StopFreq,
+                           type == StepType::Log ? Setup.LogStep : Setup.LinearStep, Setup.ListFile};
+  const std::vector<double> plan = PlanFrequencies(shell_, request);
+  if (plan.empty()) {
+    shell_.dialogs.Tell("Error, no frequencies to calibrate? Check setup.");
+    return false;
+  }
+  points_.clear();
+  for (const double frequency : plan) points_.push_back({frequency, Setup.Level});
+  return true;
+}
+
+void RunCablCal::DirectPass(CalibrationDisplay& display) {
+  if (running_ || points_.empty()) return;
+  RunPass({display, false}, "RunCblCal.DirectPass");
+}
+
+void RunCablCal::InsertPass(CalibrationDisplay& display) {
+  if (running_) return;
+  if (points_.empty() || !std::all_of(points_.begin(), points_.end(), [](const auto& p) { return p.HasDirect(); })) {
+    shell_.dialogs.Tell("You must take direct readings first");
+    return;
+  }
+  RunPass({display, true}, "RunCblCal.InsertPass");
+}
+
+void RunCablCal::RunPass(const Pass& pass, const char* context) {
+  running_ = true;
+  outcome_ = RunOutcome::EndedEarly;
+  current_ = 0;
+  guard_.Run(context, [&] {
+    shell_.delay.ClearHalt();
+    pass.Display.Running(true);
+    if (!BringUp(pass)) return;
+    ShowPlan(pass);
+    Sweep(pass);
+  });
+  EndPass(pass);
+  running_ = false;
+  guard_.PassProgramEnd();
+}
+
+bool RunCablCal::BringUp(const Pass& pass) {
+  const BusyDisplay busy(pass.Display);
+  pass.Display.Status("Initializing instruments...");
+  return up_.BringUpSigGen() && up_.BringUpMeter();
+}
+
+void RunCablCal::ShowPlan(const Pass& pass) {
+  const double settling = static_cast<double>(instruments_.meter.SettlingTime());
+  pass.Display.Plan({static_cast<int>(points_.size()), points_.front().Freq, points_.back().Freq, Setup.Dwell,
+                     (Setup.Dwell + settling) * static_cast<double>(points_.size()) / 60});
+  pass.Display.TableCut(0);
+}
+
+void RunCablCal::Sweep(const Pass& pass) {
+  elapsed_.Start();
+  for (std::size_t i = 0; i < points_.size(); ++i) {
+    current_ = i + 1;
+    if (!MeasurePoint(pass, i)) return;
+  }
+  outcome_ = RunOutcome::Finished;
+  WarbleAlarm(shell_.speaker);
+}
+
+bool RunCablCal::MeasurePoint(const Pass& pass, std::size_t index) {
+  CablePoint& point = points_[index];
+  const float levelDbm = pass.Inserted ? point.SigGenLevel : Setup.Level;
+  const int row = static_cast<int>(index) + 1;
+  pass.Display.Frequency(point.Freq);
+  pass.Display.SigGenLevel(levelDbm);
+  pass.Display.RowChanged(row);
+  if (Halted() || !Tune(point.Freq, levelDbm)) return false;
+  pass.Display.Status("Dwelling...");
+  shell_.delay.StartDelay(Setup.Dwell);
+  if (!shell_.delay.WaitDelay(true, &pass.Display)) return false;
+  pass.Display.Status("Reading...");
+  const double reading = instruments_.meter.MeterRead(ReadMode::AutoRange);
+  if (IsNoReading(reading)) {
+    up_.CloseSigGen();
+    shell_.dialogs.Tell("Run halted due to errors");
+    return false;
+  }
+  // Halted while it ranged itself, the meter gives what it had.
+  if (Halted()) return false;
+  Store(pass, point, levelDbm, reading);
+  pass.Display.MeterLevel(reading);
+  pass.Display.RowChanged(row);
+  pass.Display.Step(row);
+  const double minutes = elapsed_.Minutes();
+  pass.Display.Elapsed(minutes);
+  pass.Display.Remaining(minutes / row * static_cast<double>(points_.size() - current_));
+  if (pass.Inserted) shell_.delay.Yield();
+  return !Halted();
+}
+
+bool RunCablCal::Tune(double frequencyMHz, float levelDbm) {
+  return instruments_.sigGen.SetFreqLevel(frequencyMHz, levelDbm) && instruments_.sigGen.RfOn() &&
+         instruments_.meter.MeterSetFreq(frequencyMHz) && instruments_.meter.MeterTrigger();
+}
+
+void RunCablCal::Store(const Pass& pass, CablePoint& point, float levelDbm, double reading) {
+  if (pass.Inserted) {
+    point.Insert = reading;
+    point.Loss = point.Direct - point.Insert;
+    return;
+  }
+  // Level and reading change together: an insert pass drives what the direct reading was taken with.
+  point = {point.Freq, levelDbm, reading};
+}
+
+void RunCablCal::EndPass(const Pass& pass) {
+  guard_.Attempt([&] { pass.Display.Status("Shutting down instruments..."); });
+  guard_.Attempt([&] {
+    const BusyDisplay busy(pass.Display);
+    RunAll({[&] { up_.CloseSigGen(); }, [&] { up_.TakeDown(); }});
+  });
+  guard_.Attempt([&] { pass.Display.Status(""); });
+  guard_.Attempt([&] { CutPlan(pass.Display); });
+  guard_.Attempt([&] { pass.Display.Running(false); });
+}
+
+void RunCablCal::CutPlan(CalibrationDisplay& display) {
+  if (outcome_ == RunOutcome::Finished || current_ < 2) return;
+  points_.resize(current_ - 1);
+  display.TableCut(static_cast<int>(points_.size()));
+}
+
+bool RunCablCal::SaveFile() {
+  if (points_.empty() || !std::all_of(points_.begin(), points_.end(), [](const auto& p) { return p.HasBoth(); })) {
+    shell_.dialogs.Tell("Need to run Direct and Insert before file can be saved");
+    return false;
+  }
+  const auto path =
+      shell_.dialogs.SaveFile({"Select Filname", "InsLoss (*.los)|*.los|Text File (*.txt)|*.txt|All Files (*.*)|*.*",
+                               shell_.settings.GetDataDir(datakind::kInsertionLoss), "*.los"});
+  if (!path) return false;
+  try {
+    ReplaceFile(*path, InsertionLossText(points_, *path));
+  } catch (const std::exception& error) {
+    shell_.ReportError(error, "RunCblCal.SaveFile", *path);
+    return false;
+  }
+  return true;
+}
+
+}  // namespace hylden

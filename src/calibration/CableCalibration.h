@@ -1,0 +1,88 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "calibration/CableSetup.h"
+#include "calibration/ElapsedTime.h"
+#include "calibration/InstrumentsUp.h"
+#include "calibration/RunGuard.h"
+#include "calibration/RunOutcome.h"
+#include "measure/Conversions.h"
+
+namespace hylden {
+
+class CalibrationDisplay;
+class Shell;
+struct Instruments;
+
+/// One frequency of an insertion-loss calibration: MHz, dBm; readings in dBuV, -999 until measured; the loss in dB.
+struct CablePoint {
+  double Freq = 0;
+  float SigGenLevel = 0;
+  double Direct = kNoValue;
+  double Insert = kNoValue;
+  double Loss = 0;
+
+  bool HasDirect() const { return !IsMissing(Direct); }
+  bool HasBoth() const { return HasDirect() && !IsMissing(Insert); }
+};
+
+/// The text of an insertion-loss file (.los): a form to fill in by hand, then one line for each point. It serves as a
+/// factor table.
+/// @param fileName  the full path, which the first line shows
+std::string InsertionLossText(const std::vector<CablePoint>& points, const std::string& fileName);
+
+/// Measures what a cable loses over frequency: a direct pass with the generator straight at the meter, then an insert
+/// pass through the cable. Setup and points live as long as the program, until the next plan. However a pass ends, RF
+/// is off and the instruments are offline; a pass that ends early at a point behind the first cuts the plan before it.
+class RunCablCal {
+ public:
+  RunCablCal(Shell& shell, Instruments& instruments);
+
+  CableSetup Setup;
+
+  /// Plans the points of the setup anew. @return false after a message; the points before are then kept
+  bool BuildPlan();
+  const std::vector<CablePoint>& Points() const { return points_; }
+
+  /// Both return when the pass ended, failed or was halted.
+  void DirectPass(CalibrationDisplay& display);
+  void InsertPass(CalibrationDisplay& display);
+
+  /// Asks for a file and writes the points to it. @return false after a message, or when cancelled
+  bool SaveFile();
+
+  bool IsRunning() const { return running_; }
+  RunOutcome Outcome() const { return outcome_; }
+
+ private:
+  /// One of the two passes.
+  struct Pass {
+    CalibrationDisplay& Display;
+    bool Inserted;
+  };
+
+  bool Halted() const;
+  void RunPass(const Pass& pass, const char* context);
+  bool BringUp(const Pass& pass);
+  void ShowPlan(const Pass& pass);
+  void Sweep(const Pass& pass);
+  bool MeasurePoint(const Pass& pass, std::size_t index);
+  bool Tune(double frequencyMHz, float levelDbm);
+  void Store(const Pass& pass, CablePoint& point, float levelDbm, double reading);
+  void EndPass(const Pass& pass);
+  void CutPlan(CalibrationDisplay& display);
+
+  Shell& shell_;
+  Instruments& instruments_;
+  RunGuard guard_;
+  InstrumentsUp up_;
+  ElapsedTime elapsed_;
+  std::vector<CablePoint> points_;
+  std::size_t current_ = 0;  ///< the point at work, counted from 1
+  bool running_ = false;
+  RunOutcome outcome_ = RunOutcome::NotRun;
+};
+
+}  // namespace hylden

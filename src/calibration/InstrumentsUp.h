@@ -1,0 +1,49 @@
+#pragma once
+
+#include <functional>
+#include <vector>
+
+namespace hylden {
+
+class Shell;
+struct EquipRecord;
+struct Instruments;
+
+/// Runs every action, whatever the others do, and throws the first exception on after the last.
+void RunAll(const std::vector<std::function<void()>>& actions);
+
+/// Brings a run's instruments up one by one and knows which ones have to be taken down again. Bringing up is false
+/// after the message of its failure.
+class InstrumentsUp {
+ public:
+  InstrumentsUp(Shell& shell, Instruments& instruments) : shell_(shell), instruments_(instruments) {}
+
+  /// Clears the interface and opens the generator at its minimum, with modulation and RF off.
+  bool BringUpSigGen();
+  bool BringUpPowerMeter();
+  bool BringUpMeter();
+  /// Under control of the bus, or as a generic one that needs none.
+  bool BringUpAmplifier(const EquipRecord& equipment);
+
+  /// Takes the generator alone down: RF off, offline. What fails stays up for TakeDown to try again.
+  void CloseSigGen();
+  /// Takes down what was brought up, RF first. Each instrument is taken down even when the one before fails; an
+  /// exception from one of them is thrown on after the last.
+  void TakeDown();
+
+ private:
+  enum class Generator { Unknown, Up, Closed };
+  struct State {
+    Generator SigGen = Generator::Unknown;
+    bool PwrMtr = false, Meter = false, IfiAmp = false;
+  };
+
+  bool Refuse(const char* text);
+  void SwitchRfOff(Generator state);
+
+  Shell& shell_;
+  Instruments& instruments_;
+  State up_;
+};
+
+}  // namespace hylden

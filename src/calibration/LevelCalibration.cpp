@@ -1,0 +1,165 @@
+#include "calibration/LevelCalibration.h"
+
+#include "calibration/CalibrationDisplay.h"
+#include "calibration/FactorLoading.h"
+#include "calibration/FrequencyPlan.h"
+#include "calibration/WarbleAlarm.h"
+#include "documents/Documents.h"
+#include "documents/clsCalFile.h"
+#include "instruments/Instruments.h"
+#include "shell/Shell.h"
+
+namespace hylden {
+
+LevelCalibration::LevelCalibration(Shell& shell, Instruments& instruments, Documents& documents,
+                                   CalibrationDisplay& display)
+    : shell_(shell),
+      instruments_(instruments),
+      documents_(documents),
+      display_(display),
+      guard_(shell, instruments.sigGen),
+      up_(shell, instruments),
+      sensor_(shell, instruments, documents.equip.Record),
+      elapsed_(shell.clock),
+      cableLoss_(shell),
+      testLevels_(shell),
+      forwardPort_(shell),
+      reversePort_(shell) {}
+
+bool LevelCalibration::Halted() const {
+  return shell_.delay.HaltRequested();
+}
+
+bool LevelCalibration::Prepare() {
+  if (running_) return false;
+  setup_ = documents_.calSetup.Record;
+  couplingFactor_ = documents_.calSetup.CouplingFactor();
+  rows_.clear();
+  display_.TableCut(0);
+  ready_ = PlanRun() && LoadTables();
+  return ready_;
+}
+
+bool LevelCalibration::PlanRun() {
+  const EquipRecord& equipment = documents_.equip.Record;
+  const auto type = static_cast<StepType>(setup_.StepType);
+  FrequencyRequest request{type,
+                           setup_.StartFreq,
+                           setup_.StopFreq,
+                           type == StepType::Log ? setup_.LogStep : setup_.LinearStep,
+                           setup_.ListFile,
+                           {equipment.HasIfiAmplifier(), equipment.IfiBandSwitch}};
+  plan_ = PlanFrequencies(shell_, request);
+  setup_.StartFreq = request.StartMHz;
+  setup_.StopFreq = request.StopMHz;
+  if (plan_.empty()) {
+    shell_.dialogs.Tell("Error, no frequencies to calibrate? Check setup.");
+    return false;
+  }
+  display_.Plan({static_cast<int>(plan_.size()), setup_.StartFreq, setup_.StopFreq, setup_.Dwell});
+  return true;
+}
+
+bool LevelCalibration::LoadTables() {
+  const EquipRecord& equipment = documents_.equip.Record;
+  const struct {
+    bool wanted;
+    InterpClass& table;
+    const std::string& file;
+    const char* loadText;
+    const char* coverText;
+  } tables[] = {
+      {true, cableLoss_, equipment.CableLossFile, "Error loading cable loss file",
+       "Cable loss file does not cover frequency range"},
+      {setup_.HasLevelFile(), testLevels_, setup_.LimitFile, "Error loading test level file",
+       "Test Level file does not cover frequency range"},
+      {setup_.RecordsForward(), forwardPort_, equipment.FwdPortFile, "Error loading foward coupling port file",
+       "Forward port file does not cover frequency range"},
+      {setup_.RecordsReverse(), reversePort_, equipment.RevPortFile, "Error loading reverse coupling port file",
+       "Reverse port file does not cover frequency range"},
+  };
+  const FrequencyRange range{setup_.StartFreq, setup_.StopFreq};
+  for (const auto& t : tables)
+    if (t.wanted && !LoadCoveringTable(shell_, t.table, t.file, range, t.loadText, t.coverText)) return false;
+  return true;
+}
+
+void LevelCalibration::Run() {
+  if (running_ || !ready_) return;
+  running_ = true;
+  started_ = false;
+  outcome_ = RunOutcome::EndedEarly;
+  guard_.Run("frmRunCal.RunCal", [this] { RunPlan(); });
+  End();
+  running_ = false;
+  guard_.PassProgramEnd();
+}
+
+void LevelCalibration::RunPlan() {
+  display_.Running(true);
+  shell_.delay.ClearHalt();
+  if (!BringUp()) return;
+  // Up to here the points of an earlier run are kept: a run that could not start costs nothing.
+  started_ = true;
+  rows_.clear();
+  display_.TableCut(0);
+  Sweep();
+}
+
+bool LevelCalibration::BringUp() {
+  const BusyDisplay busy(display_);
+  display_.Status("Initializing instruments...");
+  if (!up_.BringUpSigGen()) return false;
+  if (setup_.RecordsForward()) {
+    if (!up_.BringUpPowerMeter()) return false;
+    sensor_.Reset();
+  }
+  return up_.BringUpMeter() && up_.BringUpAmplifier(documents_.equip.Record);
+}
+
+void LevelCalibration::Sweep() {
+  sigGenLevel_ = setup_.InitLevel;
+  elapsed_.Start();
+  for (std::size_t i = 0; i < plan_.size(); ++i) {
+    if (!CalibratePoint(plan_[i])) return;
+    ShowTimes(i + 1);
+  }
+  outcome_ = RunOutcome::Finished;
+}
+
+void LevelCalibration::ShowTimes(std::size_t done) {
+  const double minutes = elapsed_.Minutes();
+  display_.Step(static_cast<int>(done));
+  display_.Elapsed(minutes);
+  display_.Remaining(minutes / static_cast<double>(done) * static_cast<double>(plan_.size() - done));
+}
+
+void LevelCalibration::End() {
+  guard_.Attempt([&] { display_.Status("Shutting down instruments..."); });
+  guard_.Attempt([&] {
+    const BusyDisplay busy(display_);
+    up_.TakeDown();
+  });
+  guard_.Attempt([&] { display_.Status(""); });
+  if (started_) {
+    guard_.Attempt([&] { WarbleAlarm(shell_.speaker); });
+    asking_ = true;
+    guard_.Attempt([&] { AskToSave(); });
+    asking_ = false;
+  }
+  guard_.Attempt([&] { display_.Running(false); });
+}
+
+void LevelCalibration::AskToSave() {
+  const MessageAnswer answer = shell_.dialogs.Show({"Would you like to save the calibration data?", "Save Calibration",
+                                                    MessageIcon::Question, MessageButtons::YesNo});
+  if (answer == MessageAnswer::Yes) Save();
+}
+
+bool LevelCalibration::Save() {
+  const auto path = shell_.dialogs.SaveFile({"Enter Calibration Filename", "Calibration File (*.cal)|*.cal",
+                                             shell_.settings.GetDataDir(datakind::kCalibrations)});
+  return path && SaveCal(shell_, *path, CompleteRows(rows_), CalInfoOf(setup_));
+}
+
+}  // namespace hylden

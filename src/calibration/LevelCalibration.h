@@ -1,0 +1,112 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "calibration/ElapsedTime.h"
+#include "calibration/InstrumentsUp.h"
+#include "calibration/LevelRules.h"
+#include "calibration/PowerReading.h"
+#include "calibration/RunGuard.h"
+#include "calibration/RunOutcome.h"
+#include "documents/CalSetupRecord.h"
+#include "measure/InterpClass.h"
+
+namespace hylden {
+
+class CalibrationDisplay;
+class Shell;
+struct Documents;
+struct Instruments;
+
+/// Finds, frequency by frequency, the generator level that gives the wanted level at the coupling device's calibration
+/// port, and keeps it with the powers seen then. However a run ends, RF is off, the instruments are offline, the points
+/// recorded so far are there, and the operator has been asked once whether to save them.
+class LevelCalibration {
+ public:
+  LevelCalibration(Shell& shell, Instruments& instruments, Documents& documents, CalibrationDisplay& display);
+
+  /// Plans the frequencies and loads the factor tables for the calibration setup as it is now.
+  /// @return false after a message: no run can be started
+  bool Prepare();
+  /// Runs the calibration; returns when it ended, failed or was halted. Does nothing before Prepare came to true.
+  void Run();
+  /// Asks for a file and saves the complete rows as a calibration record. @return false when cancelled or failed
+  bool Save();
+
+  bool IsRunning() const { return running_; }
+  /// The run is over, and the question whether to save its points waits for an answer.
+  bool AsksToSave() const { return asking_; }
+  RunOutcome Outcome() const { return outcome_; }
+  /// The window's title.
+  std::string Title() const { return "CDI Calibration: " + setup_.SetupDescription; }
+  const CalSetupRecord& Setup() const { return setup_; }
+  const std::vector<double>& Frequencies() const { return plan_; }
+  /// One row for each frequency recorded, in order.
+  const std::vector<CalRow>& Rows() const { return rows_; }
+
+ private:
+  /// What is known at one frequency.
+  struct Point {
+    double Freq = 0;
+    double Target = 0;         ///< dBuV
+    double CableLoss = 0;      ///< dB
+    double ForwardFactor = 0;  ///< dB, so the next
+    double ReverseFactor = 0;
+    std::optional<double> ForwardDbm = {};
+    double ForwardWatts = 0;
+    double Level = 0;  ///< at the coupling device, dBuV
+  };
+
+  bool Halted() const;
+  bool PlanRun();
+  bool LoadTables();
+  void RunPlan();
+  bool BringUp();
+  void Sweep();
+  void ShowTimes(std::size_t done);
+  void End();
+  void AskToSave();
+
+  // One frequency (LevelPoint.cpp); each part is false when the run is to end.
+  bool CalibratePoint(double frequencyMHz);
+  bool FindTarget();
+  bool TuneMeter();
+  bool TuneGenerator();
+  bool TunePowerMeter();
+  bool FindLevel();
+  bool SetLevelAndDwell();
+  bool ReadLevel();
+  bool ReadForwardPower();
+  bool ReadMeter();
+  bool ChangeLevel(double stepDb);
+  bool Record();
+  bool ReadReversePower(double excessDb, std::string& cell);
+  /// RF off, then the message; false.
+  bool Fail(const std::string& text);
+
+  Shell& shell_;
+  Instruments& instruments_;
+  Documents& documents_;
+  CalibrationDisplay& display_;
+  RunGuard guard_;
+  InstrumentsUp up_;
+  ForwardSensor sensor_;
+  ElapsedTime elapsed_;
+  InterpClass cableLoss_, testLevels_, forwardPort_, reversePort_;
+
+  CalSetupRecord setup_;  ///< as it was when the run was prepared, with the range planned
+  double couplingFactor_ = 0;
+  std::vector<double> plan_;
+  std::vector<CalRow> rows_;
+  Point point_;
+  float sigGenLevel_ = 0;  ///< dBm
+  bool ready_ = false;
+  bool running_ = false;
+  bool started_ = false;  ///< the instruments came up
+  bool asking_ = false;
+  RunOutcome outcome_ = RunOutcome::NotRun;
+};
+
+}  // namespace hylden

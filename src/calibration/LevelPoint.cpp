@@ -1,0 +1,178 @@
+// One frequency of a level calibration: tune, find the level, record it.
+
+#include <algorithm>
+
+#include "calibration/CalibrationDisplay.h"
+#include "calibration/LevelCalibration.h"
+#include "documents/Documents.h"
+#include "instruments/Instruments.h"
+#include "measure/Conversions.h"
+#include "shell/Shell.h"
+#include "text/Pattern.h"
+
+namespace hylden {
+
+namespace {
+
+constexpr const char* kNotRecorded = "na";
+
+std::string& Cell(CalRow& row, CalGridColumn column) {
+  return row[static_cast<std::size_t>(column)];
+}
+
+std::string PowerText(double powerDbm) {
+  return Format(powerDbm, "##0.00");
+}
+
+}  // namespace
+
+bool LevelCalibration::CalibratePoint(double frequencyMHz) {
+  point_ = {};
+  point_.Freq = frequencyMHz;
+  display_.Frequency(frequencyMHz);
+  if (documents_.equip.Record.HasIfiAmplifier() && !instruments_.ifiAmp.IfiSetBand(frequencyMHz)) return false;
+  if (!FindTarget() || !TuneMeter() || !TuneGenerator() || !TunePowerMeter() || !FindLevel()) return false;
+  if (Halted()) {
+    shell_.delay.ClearHalt();
+    return false;
+  }
+  return Record();
+}
+
+bool LevelCalibration::FindTarget() {
+  const std::optional<double> target = TargetDbuv(setup_, testLevels_, point_.Freq);
+  if (!target) return Fail("Error interpolating limit");
+  float loss = 0;
+  if (!cableLoss_.InterpVal(point_.Freq, loss, FreqScale::Linear)) return Fail("error interpolating cable loss");
+  point_.Target = *target;
+  point_.CableLoss = double{loss};
+  display_.CableLoss(point_.CableLoss);
+  return true;
+}
+
+bool LevelCalibration::TuneMeter() {
+  Meter& meter = instruments_.meter;
+  return meter.MeterSetFreq(point_.Freq) && meter.MeterSetLevel(point_.Target - point_.CableLoss - couplingFactor_);
+}
+
+bool LevelCalibration::TuneGenerator() {
+  if (Halted()) return false;
+  return instruments_.sigGen.SetFreqLevel(point_.Freq, sigGenLevel_) && instruments_.sigGen.RfOn();
+}
+
+bool LevelCalibration::TunePowerMeter() {
+  if (!setup_.RecordsForward()) return true;
+  if (!instruments_.pm.PwrMtrSetFreq(point_.Freq)) return false;
+  float factor = 0;
+  if (!forwardPort_.InterpVal(point_.Freq, factor, FreqScale::Linear))
+    return Fail("Error interpolating forward coupler factor");
+  point_.ForwardFactor = double{factor};
+  if (!setup_.RecordsReverse()) return true;
+  if (!reversePort_.InterpVal(point_.Freq, factor, FreqScale::Linear))
+    return Fail("Error interpolating reverse coupler factor");
+  point_.ReverseFactor = double{factor};
+  return true;
+}
+
+bool LevelCalibration::FindLevel() {
+  Convergence convergence;
+  for (;;) {
+    if (!SetLevelAndDwell() || !ReadLevel()) return false;
+    if (InTolerance(point_.Level, point_.Target, kToleranceDb)) return true;
+    if (Halted()) return false;
+    const double step = std::min(NextLevelStep(point_.Level, point_.Target, kToleranceDb), double{setup_.MaxStep});
+    if (!convergence.GoesOn(step)) return Fail("The level does not settle within the tolerance band, check setup");
+    if (!ChangeLevel(step)) return false;
+  }
+}
+
+bool LevelCalibration::SetLevelAndDwell() {
+  display_.Status("Setting level...");
+  const bool set = instruments_.sigGen.SetFreqLevel(point_.Freq, sigGenLevel_);
+  display_.SigGenLevel(sigGenLevel_);
+  if (!set) return false;
+  display_.Status("Dwelling...");
+  shell_.delay.StartDelay(setup_.Dwell);
+  return shell_.delay.WaitDelay(true, &display_);
+}
+
+bool LevelCalibration::ReadLevel() {
+  display_.Status("Reading...");
+  // On a shared address the trigger would disturb the power reading.
+  const bool shared = instruments_.meter.Address() == instruments_.pm.Address();
+  if (!shared && !instruments_.meter.MeterTrigger()) return false;
+  const EquipRecord& equipment = documents_.equip.Record;
+  if (equipment.HasIfiAmplifier() && equipment.IfiPower) {
+    float first = 0, second = 0;
+    if (!instruments_.ifiAmp.IfiReadPower(first, second)) return false;
+  }
+  return (!setup_.RecordsForward() || ReadForwardPower()) && ReadMeter();
+}
+
+bool LevelCalibration::ReadForwardPower() {
+  const double reading = sensor_.Read(point_.Freq);
+  if (IsNoReading(reading)) return false;
+  const double powerDbm = reading + point_.ForwardFactor;
+  point_.ForwardDbm = IsMissing(reading) ? std::nullopt : std::optional(powerDbm);
+  point_.ForwardWatts = Conversions::DbmToWatts(powerDbm);
+  display_.ForwardPower(point_.ForwardWatts);
+  if (!setup_.LimitsForward() || point_.ForwardWatts <= double{setup_.FwdPwrLimit}) return true;
+  return Fail("Forward power limit exceeded");
+}
+
+bool LevelCalibration::ReadMeter() {
+  const double reading = instruments_.meter.MeterRead(ReadMode::Single);
+  // A meter that over-ranges has reported nothing.
+  if (reading >= kOverRange) return Fail("The level is above the meter's maximum level, check setup");
+  if (IsNoReading(reading)) return false;
+  display_.MeterLevel(reading);
+  point_.Level = reading + couplingFactor_ + point_.CableLoss;
+  display_.TestLevel(Conversions::DbuvToVolts(point_.Level));
+  return true;
+}
+
+bool LevelCalibration::ChangeLevel(double stepDb) {
+  if (setup_.LimitsForward() && ForwardHeadroom(double{setup_.FwdPwrLimit}, point_.ForwardWatts) < stepDb)
+    return Fail("Not able to increase power the necessary amount, check setup");
+  sigGenLevel_ = static_cast<float>(double{sigGenLevel_} + stepDb);
+  return sigGenLevel_ <= setup_.MaxLevel || Fail("Level requested is higher than defined in the calibrations setup");
+}
+
+bool LevelCalibration::Record() {
+  // The record holds what gives the middle of the tolerance band.
+  const double excessDb = point_.Level - point_.Target - kToleranceDb / 2;
+  const double levelDbm = double{sigGenLevel_} - excessDb;
+  CalRow& row = rows_.emplace_back();
+  const int number = static_cast<int>(rows_.size());
+  Cell(row, CalGridColumn::Freq) = Format(point_.Freq, "0.0#####");
+  Cell(row, CalGridColumn::SigGen) = Format(levelDbm, "###0.000");
+  Cell(row, CalGridColumn::TestLevel) = Format(point_.Target, "##0.00");
+  Cell(row, CalGridColumn::FwdPwr) = point_.ForwardDbm ? PowerText(*point_.ForwardDbm - excessDb) : kNotRecorded;
+  display_.RowChanged(number);
+  if (!ReadReversePower(excessDb, Cell(row, CalGridColumn::RevPwr))) return false;
+  display_.RowChanged(number);
+  // The correction never takes the next frequency above the highest level allowed.
+  sigGenLevel_ = std::min(static_cast<float>(levelDbm), setup_.MaxLevel);
+  return true;
+}
+
+bool LevelCalibration::ReadReversePower(double excessDb, std::string& cell) {
+  if (!setup_.RecordsReverse()) {
+    cell = kNotRecorded;
+    return true;
+  }
+  if (!documents_.equip.Record.Is(AmpConfig::DualFwdRev))
+    return Fail("Equipment file says power meter not configured for reverse power readings.");
+  const double reading = instruments_.pm.ReadPower(2);
+  if (IsNoReading(reading)) return false;
+  cell = IsMissing(reading) ? kNotRecorded : PowerText(reading + point_.ReverseFactor - excessDb);
+  return true;
+}
+
+bool LevelCalibration::Fail(const std::string& text) {
+  instruments_.sigGen.SilenceRf();  // a message box may stand for hours
+  shell_.dialogs.Tell(text);
+  return false;
+}
+
+}  // namespace hylden

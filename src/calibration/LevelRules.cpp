@@ -1,0 +1,50 @@
+#include "calibration/LevelRules.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "documents/CalSetupRecord.h"
+#include "measure/Conversions.h"
+#include "measure/InterpClass.h"
+
+namespace hylden {
+
+bool InTolerance(double levelDbuv, double targetDbuv, double toleranceDb) {
+  return levelDbuv > targetDbuv && levelDbuv < targetDbuv + toleranceDb;
+}
+
+double NextLevelStep(double levelDbuv, double targetDbuv, double toleranceDb) {
+  constexpr double kShare = 1.5, kSmallDb = 0.2, kLeastDb = 0.1, kMostDb = 10;
+  if (levelDbuv >= targetDbuv) return toleranceDb / 2 + targetDbuv - levelDbuv;
+  const double step = (targetDbuv + toleranceDb - levelDbuv) / kShare;
+  if (step < kSmallDb) return kLeastDb;
+  return step > kMostDb ? kMostDb : step;
+}
+
+double ForwardHeadroom(double limitWatts, double forwardWatts) {
+  return Conversions::RatioToDb(limitWatts, forwardWatts, 10);
+}
+
+std::optional<double> TargetDbuv(const CalSetupRecord& setup, InterpClass& testLevels, double frequencyMHz) {
+  float volts = setup.CalLevel;
+  if (setup.HasLevelFile() && !testLevels.InterpVal(frequencyMHz, volts, FreqScale::Log)) return std::nullopt;
+  return Conversions::VoltsToDbuv(double{volts});
+}
+
+bool Convergence::GoesOn(double stepDb) {
+  if (!std::isfinite(stepDb)) return false;
+  if (stepDb * lastStepDb_ < 0) ++turns_;
+  lastStepDb_ = stepDb;
+  return ++tries_ < kMostTries && turns_ < kMostTurns;
+}
+
+std::vector<std::vector<std::string>> CompleteRows(const std::vector<CalRow>& rows) {
+  std::vector<std::vector<std::string>> complete;
+  for (const CalRow& row : rows) {
+    const bool isComplete = std::none_of(row.begin(), row.end(), [](const std::string& cell) { return cell.empty(); });
+    if (isComplete) complete.emplace_back(row.begin(), row.end());
+  }
+  return complete;
+}
+
+}  // namespace hylden

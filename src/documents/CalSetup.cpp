@@ -1,0 +1,175 @@
+#include "documents/CalSetup.h"
+
+#include "measure/ReadFreq.h"
+#include "shell/Shell.h"
+#include "text/Numbers.h"
+#include "text/Pattern.h"
+#include "text/RecordFile.h"
+
+namespace hylden {
+namespace {
+
+constexpr double kOpeningStartMHz = 0.15, kOpeningStopMHz = 80;
+
+/// Takes a code over where an option stands for it; otherwise the choice stays, with a message.
+void ShowChoice(std::int32_t code, std::int32_t highest, std::int32_t& choice, const char* what,
+                std::vector<std::string>& messages) {
+  if (code >= 0 && code <= highest)
+    choice = code;
+  else
+    messages.push_back(std::string("Error in Calsetup file, \r\nBad value for ") + what);
+}
+
+}  // namespace
+
+CalSetupShown EntriesOf(const CalSetupRecord& setup, const CalSetupEntries& shown) {
+  CalSetupShown result{shown, {}};
+  CalSetupEntries& entries = result.Entries;
+  entries.StartFreq = ShortestText(setup.StartFreq);
+  entries.StopFreq = ShortestText(setup.StopFreq);
+  entries.LinearStep = ShortestText(setup.LinearStep);
+  entries.LogStep = ShortestText(setup.LogStep);
+  entries.ListFile = setup.ListFile;
+  entries.CalLevel = ShortestText(setup.CalLevel);
+  entries.LimitFile = setup.LimitFile;
+  entries.MaxLevel = ShortestText(setup.MaxLevel);
+  entries.MaxStep = ShortestText(setup.MaxStep);
+  entries.InitLevel = ShortestText(setup.InitLevel);
+  entries.RecordFwdPwr = setup.RecordsForward();
+  entries.RecordRevPwr = setup.RecordsReverse();
+  entries.LimitFwdPwr = setup.LimitsForward();
+  entries.FwdPwrLimit = ShortestText(setup.FwdPwrLimit);
+  entries.FinalDwell = Format(setup.Dwell, "#0.0##");
+  entries.DeviceDescription = setup.DeviceDescription;
+  entries.AmpUsed = setup.AmpUsed;
+  entries.SetupDescription = setup.SetupDescription;
+  ShowChoice(setup.StepType, static_cast<int>(StepType::List), entries.StepType, "frequency step type",
+             result.Messages);
+  ShowChoice(setup.LimitType, static_cast<int>(LimitType::File), entries.LimitType, "limit type", result.Messages);
+  ShowChoice(setup.CouplingMethod, static_cast<int>(CouplingMethod::UserDefined), entries.CouplingMethod,
+             "coupling method", result.Messages);
+  return result;
+}
+
+EnabledCalControls EnabledControlsFor(const CalSetupEntries& entries) {
+  EnabledCalControls enabled;
+  enabled.LinearStep = entries.StepType == static_cast<int>(StepType::Linear);
+  enabled.LogStep = entries.StepType == static_cast<int>(StepType::Log);
+  enabled.ListFile = entries.StepType == static_cast<int>(StepType::List);
+  enabled.CalLevel = entries.LimitType == static_cast<int>(LimitType::Flat);
+  enabled.LimitFile = entries.LimitType == static_cast<int>(LimitType::File);
+  enabled.FwdPwrLimit = entries.LimitFwdPwr;
+  return enabled;
+}
+
+void LimitFwdPwrClicked(CalSetupEntries& entries) {
+  if (entries.LimitFwdPwr) entries.RecordFwdPwr = true;
+}
+
+void RecordFwdPwrClicked(CalSetupEntries& entries) {
+  if (!entries.RecordFwdPwr) entries.RecordRevPwr = entries.LimitFwdPwr = false;
+}
+
+void RecordRevPwrClicked(CalSetupEntries& entries) {
+  if (entries.RecordRevPwr) entries.RecordFwdPwr = true;
+}
+
+void ListFileChanged(CalSetupEntries& entries) {
+  entries.StepType = static_cast<int>(StepType::List);
+}
+
+std::optional<StartFailure> CheckStation(const CalSetupRecord& setup, const EquipRecord& equipment) {
+  constexpr int kInstrumentTab = 0, kFactorTab = 1;
+  const bool forward = setup.RecordsForward(), reverse = setup.RecordsReverse();
+  const struct {
+    bool missing;
+    const char* text;
+    int tab;
+  } checks[] = {
+      {equipment.SigGenFile.empty() || equipment.MeterFile.empty(),
+       "The signal generator and meter must both be selected", kInstrumentTab},
+      {forward && equipment.PwrMtrFile.empty(), "The power meter must be selected for this calibration",
+       kInstrumentTab},
+      {forward && equipment.FwdPortFile.empty(), "No forward coupler port file has been selected", kFactorTab},
+      {reverse && !equipment.Is(AmpConfig::DualFwdRev), "Power Meter must be dual channel for this calibration",
+       kInstrumentTab},
+      {reverse && equipment.RevPortFile.empty(), "No reverse coupler port file has been selected", kFactorTab},
+      {equipment.CableLossFile.empty(), "No cable loss file has been selected", kFactorTab},
+  };
+  for (const auto& check : checks)
+    if (check.missing) return StartFailure{check.text, check.tab};
+  return std::nullopt;
+}
+
+double CouplingFactorDb(std::int32_t couplingMethod, double userDefinedDb) {
+  switch (static_cast<CouplingMethod>(couplingMethod)) {
+    case CouplingMethod::Clamp150Ohm:
+      return 15.5;
+    case CouplingMethod::CurrentClamp50Ohm:
+      return 6;
+    case CouplingMethod::CurrentClampDirect:
+      return 0;
+    case CouplingMethod::UserDefined:
+      return userDefinedDb;
+  }
+  return 0;
+}
+
+CalInfoRec CalInfoOf(const CalSetupRecord& setup) {
+  CalInfoRec info;
+  info.SetupDescription = setup.SetupDescription;
+  info.AmpUsed = setup.AmpUsed;
+  info.DeviceDescription = setup.DeviceDescription;
+  info.TestLevel = setup.HasLevelFile() ? setup.LimitFile : ShortestText(setup.CalLevel) + "v";
+  info.FreqRange = ShortestText(setup.StartFreq) + " - " + ShortestText(setup.StopFreq);
+  info.CouplingMethod = setup.CouplingMethod;
+  return info;
+}
+
+bool CalSetup::LoadDef(const std::string& path) {
+  try {
+    LoadRecord(path, Record);
+  } catch (const std::exception& error) {
+    shell_.ReportError(error, "CalSetup.LoadDef", path);
+    return false;
+  }
+  return true;
+}
+
+bool CalSetup::SaveDef(const std::string& path) {
+  try {
+    SaveRecord(path, Record, true);
+  } catch (const std::exception& error) {
+    shell_.ReportError(error, "CalSetup.SaveDef", path);
+    return false;
+  }
+  return true;
+}
+
+bool CalSetup::LoadFreqList(const std::string& path) {
+  std::vector<double> list;
+  if (ReadFreq(shell_).FileTolist(path, list) < 1) return false;
+  Record.StartFreq = list.front();
+  Record.StopFreq = list.back();
+  return true;
+}
+
+void CalSetup::SetOpeningDefaults(const std::string& initialLevel, double meterSettling) {
+  if (Record.InitLevel == 0) Record.InitLevel = static_cast<float>(LeadingNumber(initialLevel));
+  if (Record.Dwell == 0) Record.Dwell = meterSettling;
+  if (Record.StartFreq == 0) Record.StartFreq = kOpeningStartMHz;
+  if (Record.StopFreq == 0) Record.StopFreq = kOpeningStopMHz;
+}
+
+std::vector<std::string> CalSetup::SetupToForm(CalSetupEntries& entries) const {
+  CalSetupShown shown = EntriesOf(Record, entries);
+  entries = std::move(shown.Entries);
+  entries.UserDefCF = ShortestText(UserDefinedFactor);
+  return std::move(shown.Messages);
+}
+
+std::optional<EntryFailure> CalSetup::FormToSetup(const CalSetupEntries& entries, bool validate) {
+  return ValidateCalSetup(entries, validate, Record, UserDefinedFactor);
+}
+
+}  // namespace hylden

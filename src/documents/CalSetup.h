@@ -1,0 +1,110 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "documents/CalInfo.h"
+#include "documents/CalSetupRecord.h"
+#include "documents/Equip.h"
+
+namespace hylden {
+
+class Shell;
+
+/// What the calibration setup form holds: the texts of its boxes, its ticks and choices.
+struct CalSetupEntries {
+  static constexpr std::int32_t kNoChoice = -1;
+
+  std::string StartFreq, StopFreq;
+  std::int32_t StepType = 0;  ///< code of the chosen option, or kNoChoice; so for the other two
+  std::string LinearStep, LogStep;
+  std::string ListFile;  ///< full path
+  std::int32_t LimitType = 0;
+  std::string CalLevel;
+  std::string LimitFile;  ///< full path
+  std::string MaxLevel, MaxStep;
+  std::string InitLevel = "-60";
+  bool RecordFwdPwr = false, RecordRevPwr = false, LimitFwdPwr = false;
+  std::string FwdPwrLimit = "25";
+  std::string FinalDwell;
+  std::string DeviceDescription, AmpUsed;
+  std::string SetupDescription = "default settings for 3v 150ohm CDN calibration";
+  std::int32_t CouplingMethod = 0;
+  std::string UserDefCF = "0";
+};
+
+/// The entries that show a setup, and a message for every code in it that no option stands for.
+/// @param shown  what is shown so far: its choice stays where the setup's code is none
+struct CalSetupShown {
+  CalSetupEntries Entries;
+  std::vector<std::string> Messages;
+};
+CalSetupShown EntriesOf(const CalSetupRecord& setup, const CalSetupEntries& shown = {});
+
+/// Takes the entries into the setup in the form's order, each field as soon as it has passed.
+/// @param validate  stop at the first failure; otherwise nothing is checked, and what is no number is left out
+/// @param userDefinedFactor  receives the box of the user-defined method, dB
+/// @return the failure; lblListFile and lblLimitFile stand for a file that has to be picked
+std::optional<EntryFailure> ValidateCalSetup(const CalSetupEntries& entries, bool validate, CalSetupRecord& setup,
+                                             double& userDefinedFactor);
+
+/// Which controls of the calibration setup form can be used, given what is chosen.
+struct EnabledCalControls {
+  bool LinearStep = false, LogStep = false, ListFile = false;  ///< txtLinearStep, txtLogStep, lblListFile
+  bool CalLevel = false, LimitFile = false;                    ///< txtCalLevel, lblLimitFile
+  bool FwdPwrLimit = false;                                    ///< txtFwdPwrLimit
+  bool operator==(const EnabledCalControls&) const = default;
+};
+EnabledCalControls EnabledControlsFor(const CalSetupEntries& entries);
+/// After a click on chkLimitFwdPwr: a limit needs the forward power.
+void LimitFwdPwrClicked(CalSetupEntries& entries);
+/// After a click on chkRecordFP: without forward power there is neither reverse power nor a limit.
+void RecordFwdPwrClicked(CalSetupEntries& entries);
+/// After a click on chkRecordRP: reverse power needs the forward power.
+void RecordRevPwrClicked(CalSetupEntries& entries);
+/// After another list file: the list is what is stepped through.
+void ListFileChanged(CalSetupEntries& entries);
+
+/// Whether the station has what the calibration needs; the first thing missing, in checking order.
+std::optional<StartFailure> CheckStation(const CalSetupRecord& setup, const EquipRecord& equipment);
+
+/// What the meter's reading at the calibration port lies below the test level, dB.
+/// @param couplingMethod  a CouplingMethod code
+double CouplingFactorDb(std::int32_t couplingMethod, double userDefinedDb);
+
+/// What a calibration record tells about a calibration run with this setup.
+CalInfoRec CalInfoOf(const CalSetupRecord& setup);
+
+/// The calibration setup and its file.
+class CalSetup {
+ public:
+  explicit CalSetup(Shell& shell) : shell_(shell) {}
+
+  /// @return false after a report; fields before the fault keep their new values
+  bool LoadDef(const std::string& path);
+  bool SaveDef(const std::string& path);
+  /// Reads a frequency list; its first and last frequency become the setup's range. @return false after a message
+  bool LoadFreqList(const std::string& path);
+
+  /// Fills what nobody has set when the form opens.
+  /// @param initialLevel  the text of txtInitLev
+  /// @param meterSettling  the meter's settling time, seconds
+  void SetOpeningDefaults(const std::string& initialLevel, double meterSettling);
+  /// Shows the setup in the entries. @return messages to show
+  std::vector<std::string> SetupToForm(CalSetupEntries& entries) const;
+  /// Takes the entries; see ValidateCalSetup.
+  std::optional<EntryFailure> FormToSetup(const CalSetupEntries& entries, bool validate);
+
+  /// Of the setup's coupling method, dB.
+  double CouplingFactor() const { return CouplingFactorDb(Record.CouplingMethod, UserDefinedFactor); }
+
+  CalSetupRecord Record;
+  /// The factor of the user-defined method, dB: of this session, kept in no file.
+  double UserDefinedFactor = 0;
+
+ private:
+  Shell& shell_;
+};
+
+}  // namespace hylden

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace hylden {
+
+enum class LimitType : std::int32_t { Flat = 0, File = 1 };
+enum class CouplingMethod : std::int32_t {
+  Clamp150Ohm = 0,         ///< 150-ohm EM clamp or coupling device
+  CurrentClamp50Ohm = 1,   ///< bulk current injection clamp
+  CurrentClampDirect = 2,  ///< the same, read without a factor
+  UserDefined = 3
+};
+
+/// How a level calibration is run (.csu). Frequencies and the linear step in MHz, levels in dBm and dB, the test level
+/// in volts, the dwell in seconds, the power limit in watts.
+struct CalSetupRecord {
+  double StartFreq = 0, StopFreq = 0;
+  std::int32_t StepType = 0;  ///< a StepType code: 0 linear, 1 logarithmic, 2 list
+  double LinearStep = 0;
+  double LogStep = 0;  ///< percent
+  std::string ListFile;
+  std::int32_t LimitType = 0;  ///< a LimitType code
+  float CalLevel = 0;
+  std::string LimitFile;
+  float MaxLevel = 0;   ///< the highest generator level that the run may set
+  float MaxStep = 0;    ///< the largest change of the generator level upward
+  float InitLevel = 0;  ///< generator level at the first frequency
+  std::int32_t RecordFwdPwr = 0, RecordRevPwr = 0, LimitFwdPwr = 0;  ///< ticks: 0 is off
+  float FwdPwrLimit = 0;
+  double Reserved1 = 0;
+  double Dwell = 0;  ///< settling time at each generator level
+  std::string DeviceDescription;
+  std::string AmpUsed;
+  std::int32_t CouplingMethod = 0;  ///< a CouplingMethod code
+  std::string SetupDescription;
+  float Reserved2 = 0;
+
+  bool HasLevelFile() const { return LimitType == static_cast<std::int32_t>(hylden::LimitType::File); }
+  /// A limit and the reverse power need the forward power, ticked or not.
+  bool RecordsForward() const { return RecordFwdPwr != 0 || RecordRevPwr != 0 || LimitFwdPwr != 0; }
+  bool RecordsReverse() const { return RecordRevPwr != 0; }
+  bool LimitsForward() const { return LimitFwdPwr != 0; }
+};
+
+template <class F>
+void Fields(F& f, CalSetupRecord& c) {
+  f.Double(c.StartFreq);
+  f.Double(c.StopFreq);
+  f.Int32(c.StepType);
+  f.Double(c.LinearStep);
+  f.Double(c.LogStep);
+  f.Text(c.ListFile);
+  f.Int32(c.LimitType);
+  f.Single(c.CalLevel);
+  f.Text(c.LimitFile);
+  f.Single(c.MaxLevel);
+  f.Single(c.MaxStep);
+  f.Single(c.InitLevel);
+  f.Int32(c.RecordFwdPwr);
+  f.Int32(c.RecordRevPwr);
+  f.Int32(c.LimitFwdPwr);
+  f.Single(c.FwdPwrLimit);
+  f.Double(c.Reserved1);
+  f.Double(c.Dwell);
+  f.Text(c.DeviceDescription);
+  f.Text(c.AmpUsed);
+  f.Int32(c.CouplingMethod);
+  f.Text(c.SetupDescription);
+  f.Single(c.Reserved2);
+  f.SpareLines(9);
+}
+
+}  // namespace hylden

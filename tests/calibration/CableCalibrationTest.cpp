@@ -1,0 +1,286 @@
+#include "calibration/CableCalibration.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "calibration/CalibrationRig.h"
+#include "measure/InterpClass.h"
+#include "text/TextFile.h"
+
+namespace hylden {
+namespace {
+
+using testing::ElementsAre;
+using Kind = EntryFailure::Kind;
+
+CableSetupEntries OneToTen() {
+  CableSetupEntries entries;
+  entries.StartFreq = "1";
+  entries.StopFreq = "10";
+  entries.StepType = 0;
+  entries.LinearStep = "1";
+  return entries;
+}
+
+TEST(CableSetupTest, ABadEntryIsTakenOrTheWrongBoxIsShown) {
+  const struct {
+    std::function<void(CableSetupEntries&)> change;
+    const char* control;
+    Kind reason;
+  } cases[] = {
+      {[](auto& e) { e = {}; }, "txtStartFreq", Kind::NotANumber},
+      {[](auto& e) { e.StopFreq = e.Level = "x"; }, "txtStopFreq", Kind::NotANumber},
+      {[](auto& e) { e.LinearStep = ""; }, "txtLinearStep", Kind::NotANumber},
+      {[](auto& e) { e.StepType = 1, e.LogStep = "1%"; }, "txtLogStep", Kind::NotANumber},
+      {[](auto& e) { e.Dwell = "x", e.StartFreq = "0"; }, "txtDwell", Kind::NotANumber},
+      {[](auto& e) { e.Level = "x"; }, "txtLev", Kind::NotANumber},
+      {[](auto& e) { e.StartFreq = "0"; }, "txtStartFreq", Kind::OutOfRange},
+      {[](auto& e) { e.StopFreq = "1"; }, "txtStopFreq", Kind::OutOfRange},
+      {[](auto& e) { e.StepType = 1, e.LogStep = "0"; }, "txtLogStep", Kind::OutOfRange},
+      {[](auto& e) { e.LinearStep = "0"; }, "txtLinearStep", Kind::OutOfRange},
+      {[](auto& e) { e.Dwell = "-1"; }, "txtDwell", Kind::OutOfRange},
+      {[](auto& e) { e.Level = "-1e39"; }, "txtLev", Kind::OutOfRange},
+  };
+  for (const auto& c : cases) {
+    CableSetupEntries entries = OneToTen();
+    c.change(entries);
+    CableSetup setup;
+    const auto failure = ValidateCableSetup(entries, setup);
+    ASSERT_TRUE(failure) << c.control;
+    EXPECT_EQ(failure->Control, c.control);
+    EXPECT_EQ(failure->Reason, c.reason) << c.control;
+    EXPECT_EQ(setup.StopFreq, 0) << c.control;
+  }
+}
+
+TEST(CableSetupTest, AGoodSetupIsRefusedOrShownDifferently) {
+  CableSetupEntries entries = OneToTen();
+  entries.LogStep = "x";
+  entries.Dwell = "0";
+  CableSetup setup;
+  EXPECT_FALSE(ValidateCableSetup(entries, setup));
+  EXPECT_EQ(setup.LogStep, 1);
+  const CableSetupEntries again = EntriesOf(setup);
+  EXPECT_EQ(again.StartFreq + " " + again.StopFreq + " " + again.LinearStep + " " + again.Dwell + " " + again.Level,
+            "1 10 1 0.0 -60");
+  EXPECT_EQ(EnabledControlsFor(again), (EnabledCableControls{.LinearStep = true}));
+  EXPECT_EQ(EntriesOf(CableSetup()).StartFreq, "Lowest Frequency");
+}
+
+TEST(CableSetupTest, TheStationIsNotChecked) {
+  EquipRecord equipment;
+  equipment.SigGenFile = "x";
+  ASSERT_TRUE(CheckCableStation(equipment));
+  EXPECT_EQ(CheckCableStation(equipment)->Text, "The signal generator and meter must both be selected");
+  equipment.MeterFile = "y";
+  EXPECT_FALSE(CheckCableStation(equipment));
+}
+
+class CableTest : public testing::Test {
+ protected:
+  CableTest() {
+    EXPECT_FALSE(ValidateCableSetup(OneToTen(), cable.Setup));
+    cable.Setup.Level = -20;
+    EXPECT_TRUE(cable.BuildPlan());
+  }
+
+  /// Requests a halt while the meter is read at this frequency.
+  void HaltAt(double frequencyMHz) {
+    rig.onMeterRead = [this, frequencyMHz](double) {
+      if (rig.frequencyMHz == frequencyMHz) rig.t.shell.delay.RequestHalt();
+    };
+  }
+  /// Both passes, through a cable of 2.75 dB.
+  void MeasureBoth() {
+    rig.portDb = 30;
+    cable.DirectPass(rig.display);
+    rig.portDb = 27.25;
+    cable.InsertPass(rig.display);
+  }
+  std::vector<double> Frequencies() const {
+    std::vector<double> frequencies;
+    for (const CablePoint& point : cable.Points()) frequencies.push_back(point.Freq);
+    return frequencies;
+  }
+
+  CalibrationRig rig;
+  RunCablCal& cable = rig.cable;
+};
+
+TEST_F(CableTest, ThePlanIsAnother) {
+  EXPECT_THAT(Frequencies(), ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9, 10));
+  cable.Setup.StepType = 1;
+  cable.Setup.LogStep = 50;
+  cable.Setup.StopFreq = 2;
+  EXPECT_TRUE(cable.BuildPlan());
+  EXPECT_THAT(Frequencies(), ElementsAre(1, 1.5, 2));
+  cable.Setup.StepType = 2;
+  cable.Setup.StopFreq = 6;
+  cable.Setup.ListFile = rig.t.directory.Write("a.lst", "0.5\r\n1\r\n6\r\n3\r\n7\r\n4\r\n");
+  EXPECT_TRUE(cable.BuildPlan());
+  EXPECT_THAT(Frequencies(), ElementsAre(1, 6, 3));
+  cable.Setup.ListFile = rig.t.directory.File("none.lst");
+  EXPECT_FALSE(cable.BuildPlan());
+  EXPECT_EQ(cable.Points().size(), 3U);
+}
+
+TEST_F(CableTest, TheLossIsNotTheDifferenceOfTheReadings) {
+  MeasureBoth();
+  EXPECT_EQ(cable.Outcome(), RunOutcome::Finished);
+  ASSERT_EQ(cable.Points().size(), 10U);
+  for (const CablePoint& point : cable.Points()) {
+    EXPECT_EQ(point.SigGenLevel, -20);
+    EXPECT_EQ(point.Direct, 10);
+    EXPECT_EQ(point.Insert, 7.25);
+    EXPECT_EQ(point.Loss, 2.75);
+  }
+  EXPECT_NEAR(rig.display.plan.EstimatedMinutes, (1 + 0.1) * 10 / 60, 1e-6);
+  EXPECT_EQ(rig.t.speaker.tones.size(), 80U);
+  EXPECT_TRUE(rig.t.dialogs.messages.empty());
+  EXPECT_EQ(rig.display.states, (std::vector<bool>{true, false, true, false}));
+  EXPECT_FALSE(rig.rfOn);
+  EXPECT_EQ(rig.bus.Lines().back(), "LOCAL 17");
+  EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 18"));
+}
+
+TEST_F(CableTest, TheFileIsNotToTheColumn) {
+  cable.Setup.StopFreq = 2;
+  cable.Setup.LinearStep = 0.5;
+  ASSERT_TRUE(cable.BuildPlan());
+  MeasureBoth();
+  const std::string path = rig.t.directory.File("cable.los");
+  rig.t.dialogs.AnswerSave(path);
+  ASSERT_TRUE(cable.SaveFile());
+  EXPECT_EQ(rig.t.directory.Read("cable.los"), std::string(34, ' ') + path +
+                                                   "\r\n\r\n"
+                                                   "Date:__________________________________________________\r\n\r\n"
+                                                   "Performed by:__________________________________________\r\n\r\n"
+                                                   "Device:________________________________________________\r\n\r\n"
+                                                   "Equipment Used:________________________________________\r\n\r\n\r\n"
+                                                   "Frequency,    InsLoss,  Direct,   Insert\r\n"
+                                                   "1.000,        2.75,     10.0,     7.25\r\n"
+                                                   "1.500,        2.75,     10.0,     7.25\r\n"
+                                                   "2.000,        2.75,     10.0,     7.25\r\n");
+  const FileRequest& request = rig.t.dialogs.saveRequests.front();
+  EXPECT_EQ(request.title, "Select Filname");
+  EXPECT_EQ(request.filter, "InsLoss (*.los)|*.los|Text File (*.txt)|*.txt|All Files (*.*)|*.*");
+  EXPECT_EQ(request.fileName, "*.los");
+
+  InterpClass table(rig.t.shell);
+  ASSERT_TRUE(table.InitInterp(path));
+  float loss = 0;
+  EXPECT_TRUE(table.InterpVal(1.2, loss, FreqScale::Linear));
+  EXPECT_EQ(loss, 2.75F);
+}
+
+TEST(InsertionLossTextTest, TheDocumentedExampleIsNotWhatIsWritten) {
+  const std::string text =
+      InsertionLossText({{0.15, -10, 96.98, 96.93, 0.05}, {1, -10, 96.99, 96.89, 0.1}, {230, -10, 96.97, 95.57, 1.4}},
+                        "/lab/cables/w17.los");
+  std::string page = ReadTextFile(HYLDEN_SOURCE_DIR "/docs/formats/insertion-loss.md");
+  for (std::size_t at = 0; (at = page.find('\n', at)) != std::string::npos; at += 2) page.insert(at, 1, '\r');
+  EXPECT_NE(page.find("```text\r\n" + text + "```"), std::string::npos) << text;
+}
+
+TEST(InsertionLossTextTest, WideNumbersRunTogether) {
+  const std::string text = InsertionLossText({{12345.000001, -60, -120.25, -90.5, -29.75}}, "x.los");
+  EXPECT_TRUE(text.ends_with("\r\n12345.000001, -29.75,   -120.25,  -90.5\r\n")) << text;
+}
+
+TEST_F(CableTest, AHaltedPassKeepsTooMuchOrTooLittle) {
+  HaltAt(5);
+  cable.DirectPass(rig.display);
+  EXPECT_THAT(Frequencies(), ElementsAre(1, 2, 3, 4));
+  EXPECT_EQ(rig.display.rows, 4);
+  EXPECT_TRUE(rig.t.speaker.tones.empty());
+  EXPECT_FALSE(rig.rfOn);
+  rig.onMeterRead = nullptr;
+  EXPECT_FALSE(cable.SaveFile());
+  EXPECT_EQ(rig.t.dialogs.LastText(), "Need to run Direct and Insert before file can be saved");
+  HaltAt(3);
+  cable.InsertPass(rig.display);
+  EXPECT_THAT(Frequencies(), ElementsAre(1, 2));
+  rig.t.dialogs.AnswerSave(rig.t.directory.File("a.los"));
+  EXPECT_TRUE(cable.SaveFile());
+}
+
+TEST_F(CableTest, APassThatEndsAtItsFirstPointCutsThePlanOrMixesPasses) {
+  MeasureBoth();
+  cable.Setup.Level = -30;
+  rig.bus.FailLine("> 18 OUTP ON", gpib::kEnol);
+  cable.DirectPass(rig.display);
+  EXPECT_EQ(cable.Outcome(), RunOutcome::EndedEarly);
+  ASSERT_EQ(cable.Points().size(), 10U);
+  EXPECT_EQ(cable.Points().front().SigGenLevel, -20);
+  EXPECT_EQ(cable.Points().front().Loss, 2.75);
+
+  // A reading during which the halt came may be none of the settled level.
+  HaltAt(1);
+  cable.DirectPass(rig.display);
+  EXPECT_EQ(cable.Points().front().SigGenLevel, -20);
+  rig.t.dialogs.AnswerSave(rig.t.directory.File("a.los"));
+  EXPECT_TRUE(cable.SaveFile());
+}
+
+TEST_F(CableTest, AnInsertPassRunsWithoutDirectReadings) {
+  cable.InsertPass(rig.display);
+  EXPECT_EQ(rig.t.dialogs.LastText(), "You must take direct readings first");
+  EXPECT_FALSE(cable.SaveFile());
+  EXPECT_TRUE(rig.bus.Lines().empty());
+  HaltAt(1);
+  cable.DirectPass(rig.display);
+  rig.bus.transcript.Clear();
+  cable.InsertPass(rig.display);
+  EXPECT_TRUE(rig.bus.Lines().empty());
+}
+
+TEST_F(CableTest, ABadReadingLeavesRfOnBehindItsMessage) {
+  rig.portDb = 30;
+  rig.onMeterRead = [this](double) {
+    if (rig.frequencyMHz == 3) rig.portDb = 200;
+  };
+  cable.DirectPass(rig.display);
+  EXPECT_EQ(rig.t.dialogs.Texts(), (std::vector<std::string>{"Run halted due to errors"}));
+  EXPECT_FALSE(rig.rfOnAtMessage);
+  EXPECT_EQ(cable.Points().size(), 3U);
+  EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 17"));
+}
+
+TEST_F(CableTest, AnInstrumentThatIsNotThereCostsThePoints) {
+  MeasureBoth();
+  const char* const failures[][2] = {{"FIND 18", "Error initializing signal generator"},
+                                     {"FIND 17", "Error initializing meter"}};
+  for (const auto& failure : failures) {
+    rig.bus.FailLine(failure[0], gpib::kEnol);
+    cable.DirectPass(rig.display);
+    EXPECT_EQ(rig.t.dialogs.LastText(), failure[1]);
+    EXPECT_EQ(rig.t.dialogs.messages.back().icon, MessageIcon::Critical);
+    EXPECT_EQ(rig.display.states.back(), false);
+  }
+  EXPECT_EQ(cable.Points().size(), 10U);
+  EXPECT_TRUE(cable.Points().back().HasBoth());
+  rig.t.dialogs.AnswerSave(rig.t.directory.File("no/such/a.los"));
+  EXPECT_FALSE(cable.SaveFile());
+  EXPECT_TRUE(rig.t.dialogs.WasShownContaining("RunCblCal.SaveFile"));
+}
+
+TEST_F(CableTest, ADwellOfZeroGoesOnAfterEscape) {
+  cable.Setup.Dwell = 0;
+  rig.t.dialogs.Answer(MessageAnswer::Ok);
+  rig.t.dialogs.Answer(MessageAnswer::Ok);
+  rig.t.dialogs.Answer(MessageAnswer::Cancel);
+  cable.DirectPass(rig.display);
+  EXPECT_EQ(cable.Points().size(), 2U);
+}
+
+TEST_F(CableTest, AnExceptionLeavesRfOn) {
+  rig.display.throwAtStatus = "Reading...";
+  cable.DirectPass(rig.display);
+  EXPECT_EQ(rig.t.dialogs.Texts(), (std::vector<std::string>{"Error # 6\rOverflow\rRunCblCal.DirectPass\r"}));
+  EXPECT_FALSE(rig.rfOn);
+  EXPECT_FALSE(rig.rfOnAtMessage);
+  EXPECT_FALSE(cable.IsRunning());
+}
+
+}  // namespace
+}  // namespace hylden

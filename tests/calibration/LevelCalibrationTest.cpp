@@ -1,0 +1,255 @@
+// How a level calibration finds and records its levels.
+
+#include "calibration/LevelCalibration.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "calibration/CalibrationRig.h"
+
+namespace hylden {
+namespace {
+
+using testing::ElementsAre;
+
+class LevelCalibrationTest : public testing::Test {
+ protected:
+  CalibrationRig rig;
+};
+
+TEST_F(LevelCalibrationTest, APointIsRecordedAsItWasMeasuredInsteadOfAtTheMiddleOfTheBand) {
+  rig.setup.RecordFwdPwr = rig.setup.RecordRevPwr = 1;
+  rig.RunWithLevels({120.1, 120.25, 120.4});
+  EXPECT_EQ(rig.level.Outcome(), RunOutcome::Finished);
+  // -10 dBm, -9.85, -9.85: sent in tenths, which the sensors see.
+  EXPECT_THAT(rig.Rows(), ElementsAre("1.0,-9.850,120.00,40.15,30.15,", "2.0,-9.850,120.00,40.10,30.10,",
+                                      "4.0,-10.000,120.00,39.95,29.95,"));
+  EXPECT_THAT(rig.display.steps, ElementsAre(1, 2, 3));
+  EXPECT_EQ(rig.display.rows, 3);
+  EXPECT_EQ(rig.display.plan.Points, 3);
+  EXPECT_EQ(rig.display.cableLoss, 1);
+  EXPECT_NEAR(rig.display.forwardWatts, 10.2329, 1e-3);  // 40.1 dBm
+  EXPECT_NEAR(rig.display.testLevel, 1.0471, 1e-3);      // 120.4 dBuV
+  EXPECT_GT(rig.display.elapsed, 3 * 0.5 / 60);
+  EXPECT_EQ(rig.display.remaining, 0);
+  EXPECT_EQ(rig.display.states, (std::vector<bool>{true, false}));
+  EXPECT_EQ(rig.level.Title(), "CDI Calibration: 1 V");
+}
+
+TEST_F(LevelCalibrationTest, ALevelOutsideTheBandIsTakenOrChangedWrongly) {
+  rig.setup.StopFreq = 1.5;
+  rig.setup.LogStep = 200;
+  rig.RunWithLevels({119.9, 120.6, 117, 100, 120.25, 120.25});
+  // +0.4, -0.35, +2.333, +10
+  const std::vector<double> expected = {-10, -9.6, -9.95, -7.61667, 2.38333, 2.38333};
+  EXPECT_THAT(rig.display.levels, testing::Pointwise(testing::FloatNear(1e-4F), expected));
+  EXPECT_THAT(rig.Rows(), ElementsAre("1.0,2.383,120.00,na,na,", "1.5,2.383,120.00,na,na,"));
+}
+
+TEST_F(LevelCalibrationTest, TheLargestStepIsExceededOrHoldsBackFallingSteps) {
+  rig.setup.MaxStep = 1;
+  rig.RunWithLevels({117, 125, 120.25, 120.25, 120.25});
+  EXPECT_THAT(std::vector<float>(rig.display.levels.begin(), rig.display.levels.begin() + 3),
+              ElementsAre(-10.F, -9.F, -13.75F));
+}
+
+TEST_F(LevelCalibrationTest, ThePhysicsIsNotFollowed) {
+  rig.portDb = 131.9;
+  rig.setup.InitLevel = -40;
+  rig.setup.CouplingMethod = 3;
+  rig.documents.calSetup.UserDefinedFactor = 3.1;
+  rig.Run();
+  EXPECT_EQ(rig.level.Outcome(), RunOutcome::Finished);
+  // 120.25 = level + 131.9 + 1 + 3.1
+  for (const CalRow& row : rig.level.Rows()) EXPECT_NEAR(std::stod(row[1]), -15.75, 0.051) << row[0];
+  // The reference level is the reading expected: 120 - 1 - 3.1, and 2 dB of margin.
+  EXPECT_THAT(rig.Sent(17), testing::Contains("RL 117.9 "));
+}
+
+TEST_F(LevelCalibrationTest, TheLevelCurveIsNotFollowed) {
+  rig.setup.LimitType = 1;
+  rig.setup.LimitFile = rig.t.directory.Write("curve.lev", "1 1\r\n4 3\r\n");
+  rig.Run();
+  std::vector<std::string> targets;
+  for (const CalRow& row : rig.level.Rows()) targets.push_back(row[2]);
+  EXPECT_THAT(targets, ElementsAre("120.00", "126.02", "129.54"));
+}
+
+struct LimitCase {
+  const char* name;
+  std::function<void(CalibrationRig&)> arrange;
+  const char* text;
+  std::size_t rows;
+};
+
+class RunEndsTest : public testing::TestWithParam<LimitCase> {};
+
+TEST_P(RunEndsTest, WithAnotherMessageOrRfOnOrPointsLost) {
+  CalibrationRig rig;
+  GetParam().arrange(rig);
+  rig.Run();
+  EXPECT_EQ(rig.level.Outcome(), RunOutcome::EndedEarly);
+  EXPECT_EQ(rig.Shown(GetParam().text), 1) << rig.t.dialogs.Texts().front();
+  EXPECT_EQ(rig.t.dialogs.messages.size(), 2U);
+  EXPECT_EQ(rig.t.dialogs.LastText(), "Would you like to save the calibration data?");
+  EXPECT_FALSE(rig.rfOnAtMessage);
+  EXPECT_EQ(rig.Rows().size(), GetParam().rows);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Level, RunEndsTest,
+    testing::Values(LimitCase{"LimitExceeded",
+                              [](CalibrationRig& rig) {
+                                rig.setup.LimitFwdPwr = 1;
+                                rig.setup.FwdPwrLimit = 9.9F;  // 40 dBm are 10 W
+                              },
+                              "Forward power limit exceeded", 0},
+                    LimitCase{"NoHeadroom",
+                              [](CalibrationRig& rig) {
+                                rig.setup.LimitFwdPwr = 1;
+                                rig.setup.FwdPwrLimit = 12.5F;  // 0.969 dB above 10 W
+                                rig.levels = {120.25, 120 + 0.5 - 0.98 * 1.5};
+                              },
+                              "Not able to increase power the necessary amount, check setup", 1},
+                    LimitCase{"HighestLevel",
+                              [](CalibrationRig& rig) {
+                                rig.levels = {120.25, 120.25};
+                                rig.portDb = 100;
+                              },
+                              "Level requested is higher than defined in the calibrations setup", 2},
+                    LimitCase{"OverRange",
+                              [](CalibrationRig& rig) {
+                                rig.levels = {120.25, 142};
+                              },
+                              "The level is above the meter's maximum level, check setup", 1},
+                    LimitCase{"CoarseGenerator",
+                              [](CalibrationRig& rig) {
+                                rig.stepDbm = 2;
+                                rig.portDb = 125.7;  // 118.7 or 120.7 dBuV
+                              },
+                              "The level does not settle within the tolerance band, check setup", 0},
+                    LimitCase{"LinearStepBeyondTheTables",
+                              [](CalibrationRig& rig) {
+                                rig.equipment.CableLossFile = rig.t.directory.Write("short.los", "1 1\r\n4.5 2\r\n");
+                                rig.setup.StopFreq = 4.5;
+                                rig.setup.StepType = 0;
+                                rig.setup.LinearStep = 2;  // 1, 3, 5
+                              },
+                              "error interpolating cable loss", 2},
+                    LimitCase{"SingleChannel",
+                              [](CalibrationRig& rig) {
+                                rig.setup.RecordRevPwr = 1;
+                                rig.equipment.AmpConfiguration = 0;
+                              },
+                              "Equipment file says power meter not configured for reverse power readings.", 1}),
+    [](const auto& row) { return row.param.name; });
+
+TEST_F(LevelCalibrationTest, AStepWithinTheHeadroomIsRefused) {
+  rig.setup.LimitFwdPwr = 1;
+  rig.setup.FwdPwrLimit = 12.5F;
+  rig.RunWithLevels({120 + 0.5 - 0.9 * 1.5, 120.25, 120.25, 120.25});
+  EXPECT_THAT(rig.LevelsSent(), testing::Contains("POW -9.1 "));
+  EXPECT_EQ(rig.level.Outcome(), RunOutcome::Finished);
+}
+
+TEST_F(LevelCalibrationTest, ALimitIsIgnoredWhereTheForwardPowerIsNotTicked) {
+  rig.setup.LimitFwdPwr = 1;
+  rig.setup.RecordFwdPwr = 0;
+  rig.setup.FwdPwrLimit = 1;
+  rig.Run();
+  EXPECT_EQ(rig.Shown("Forward power limit exceeded"), 1);
+}
+
+TEST_F(LevelCalibrationTest, ADwellOfZeroDoesNotAskOrGoesOnAfterEscape) {
+  rig.setup.Dwell = 0;
+  rig.levels = {118, 120.25};
+  rig.t.dialogs.Answer(MessageAnswer::Ok);
+  rig.t.dialogs.Answer(MessageAnswer::Ok);
+  rig.t.dialogs.Answer(MessageAnswer::Cancel);
+  rig.t.dialogs.Answer(MessageAnswer::No);
+  rig.Run();
+  EXPECT_EQ(rig.Shown("Press Enter to continue, Escape to halt"), 3);
+  EXPECT_EQ(rig.Rows().size(), 1U);
+  EXPECT_FALSE(rig.rfOn);
+}
+
+TEST_F(LevelCalibrationTest, AHaltIsOverheardOrRaisesTheLevel) {
+  rig.levels = {120.25, 110};
+  int reads = 0;
+  rig.onMeterRead = [&](double) {
+    if (++reads == 2) rig.t.shell.delay.RequestHalt();
+  };
+  rig.Run();
+  EXPECT_EQ(rig.Rows().size(), 1U);
+  EXPECT_EQ(rig.display.levels.size(), 2U);
+
+  // Within the tolerance band: the point is not recorded, and the request is spent.
+  rig.levels = {120.25, 120.25};
+  reads = 0;
+  rig.Run();
+  EXPECT_EQ(rig.Rows().size(), 1U);
+  EXPECT_FALSE(rig.t.shell.delay.HaltRequested());
+}
+
+TEST_F(LevelCalibrationTest, TheMiddleOfTheBandTakesTheNextFrequencyAboveTheHighestLevel) {
+  rig.setup.MaxLevel = -9.9F;
+  rig.RunWithLevels({120.05});  // the middle is at -9.8 dBm
+  EXPECT_EQ(rig.level.Rows().front()[1], "-9.800");
+  for (const float levelDbm : rig.display.levels) EXPECT_LE(levelDbm, -9.9F);
+}
+
+TEST_F(LevelCalibrationTest, AMeterThatIsAlsoThePowerMeterIsTriggeredTooEarly) {
+  rig.setup.StopFreq = 1.5;
+  rig.setup.RecordFwdPwr = 1;
+  rig.Run();
+  const auto& own = rig.bus.Lines();
+  const auto trigger = std::find(own.begin(), own.end(), "> 17 TS\\r\\n");
+  EXPECT_LT(trigger, std::find(own.begin(), own.end(), "> 13 RD1\\r\\n"));
+
+  CalibrationRig shared;
+  shared.instruments.pm.SetAddress(17);
+  shared.setup.RecordFwdPwr = 1;
+  shared.levels = {120.25};
+  ASSERT_TRUE(shared.level.Prepare());
+  shared.level.Run();
+  const auto& lines = shared.bus.Lines();
+  EXPECT_LT(std::find(lines.begin(), lines.end(), "> 17 RD1\\r\\n"),
+            std::find(lines.begin(), lines.end(), "> 17 TS\\r\\n"));
+}
+
+TEST_F(LevelCalibrationTest, AnIfiPairIsSwitchedOrSensedWrongly) {
+  rig.UseIfi();
+  rig.equipment.IfiPower = true;
+  rig.setup.RecordFwdPwr = 1;
+  rig.setup.StartFreq = 1.5;
+  rig.setup.StopFreq = 3;
+  rig.setup.StepType = 0;
+  rig.setup.LinearStep = 1.5;
+  rig.portDb = 129.25;  // at the level at once
+  rig.Run();
+  EXPECT_THAT(rig.level.Frequencies(), ElementsAre(1.5, 2, 2.000001, 3));
+  EXPECT_EQ(rig.level.Outcome(), RunOutcome::Finished) << rig.t.dialogs.LastText();
+  EXPECT_THAT(rig.t.dialogs.Texts(),
+              ElementsAre("Move sensor to low freq coupler", "Move sensor(s) to high freq coupler",
+                          "Would you like to save the calibration data?"));
+  // Reset, low band, high band, reset; the own power is read at every try.
+  EXPECT_THAT(rig.Sent(10), ElementsAre("8", "8", "9", "RP", "RP", "8", "8"));
+  EXPECT_THAT(rig.Sent(9), ElementsAre("FA", "L3", "M1", "ON", "B1", "ZA", "FA", "L3", "M1", "ON", "B1", "ZA", "FA",
+                                       "L3", "M1", "ON", "B2", "ZA", "RP", "RP", "FA", "L3", "M1", "ON", "B1", "ZA"));
+}
+
+TEST_F(LevelCalibrationTest, SensorsSplitByBandAreReadOnTheWrongChannelOrMoved) {
+  rig.UseIfi();
+  rig.equipment.AmpConfiguration = static_cast<int>(AmpConfig::DualSplit);
+  rig.setup.RecordFwdPwr = 1;
+  rig.setup.StartFreq = 1.5;
+  rig.setup.StopFreq = 3;
+  rig.setup.StepType = 0;
+  rig.setup.LinearStep = 1.5;
+  rig.Run();
+  EXPECT_EQ(rig.t.dialogs.messages.size(), 1U);
+  EXPECT_EQ(rig.Rows().size(), 4U);
+}
+
+}  // namespace
+}  // namespace hylden

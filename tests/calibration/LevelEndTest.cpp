@@ -1,0 +1,220 @@
+// However a level calibration ends or fails to start: RF off, the instruments offline, the points still there, and one
+// question whether to save them.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "calibration/CalibrationRig.h"
+
+namespace hylden {
+namespace {
+
+using testing::ElementsAre;
+
+constexpr const char* kSaveQuestion = "Would you like to save the calibration data?";
+
+class LevelEndTest : public testing::Test {
+ protected:
+  CalibrationRig rig;
+};
+
+struct NotReadyCase {
+  const char* name;
+  std::function<void(CalibrationRig&)> arrange;
+  std::vector<std::string> texts;
+};
+
+class NotReadyTest : public testing::TestWithParam<NotReadyCase> {};
+
+TEST_P(NotReadyTest, ARunStartsWithoutPlanOrTables) {
+  CalibrationRig rig;
+  rig.setup.RecordFwdPwr = rig.setup.RecordRevPwr = 1;
+  rig.setup.LimitType = 1;
+  rig.setup.LimitFile = rig.t.directory.Write("curve.lev", "1 1\r\n4 3\r\n");
+  GetParam().arrange(rig);
+  EXPECT_FALSE(rig.level.Prepare());
+  EXPECT_EQ(rig.t.dialogs.Texts(), GetParam().texts);
+  rig.level.Run();
+  EXPECT_EQ(rig.level.Outcome(), RunOutcome::NotRun);
+  EXPECT_TRUE(rig.bus.Lines().empty());
+}
+
+/// A table from 2 to 3 MHz.
+std::string Short(CalibrationRig& rig) {
+  return rig.t.directory.Write("short", "2 1\r\n3 2\r\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Prepare, NotReadyTest,
+    testing::Values(
+        NotReadyCase{"NoFrequency",
+                     [](CalibrationRig& rig) { rig.setup.LogStep = 0; },
+                     {"Error, no frequencies to calibrate? Check setup."}},
+        NotReadyCase{"NoCableLoss",
+                     [](CalibrationRig& rig) { rig.equipment.CableLossFile = ""; },
+                     {"Error loading cable loss file"}},
+        NotReadyCase{"StartAboveTheTable",
+                     [](CalibrationRig& rig) {
+                       rig.setup.StartFreq = 2000;
+                       rig.setup.StopFreq = 3000;
+                     },
+                     {"Cable loss file does not cover frequency range"}},
+        NotReadyCase{
+            "NoCurve", [](CalibrationRig& rig) { rig.setup.LimitFile = ""; }, {"Error loading test level file"}},
+        NotReadyCase{"ShortCurve",
+                     [](CalibrationRig& rig) { rig.setup.LimitFile = Short(rig); },
+                     {"Test Level file does not cover frequency range"}},
+        NotReadyCase{"NoForward",
+                     [](CalibrationRig& rig) { rig.equipment.FwdPortFile = ""; },
+                     {"Error loading foward coupling port file"}},
+        NotReadyCase{"ShortForward",
+                     [](CalibrationRig& rig) { rig.equipment.FwdPortFile = Short(rig); },
+                     {"Forward port file does not cover frequency range"}},
+        NotReadyCase{"NoReverse",
+                     [](CalibrationRig& rig) { rig.equipment.RevPortFile = ""; },
+                     {"Error loading reverse coupling port file"}},
+        NotReadyCase{"ShortReverse",
+                     [](CalibrationRig& rig) { rig.equipment.RevPortFile = Short(rig); },
+                     {"Reverse port file does not cover frequency range"}},
+        NotReadyCase{"BadList",
+                     [](CalibrationRig& rig) {
+                       rig.setup.StepType = 2;
+                       rig.setup.ListFile = rig.t.directory.Write("x.lst", "Freq\r\n");
+                     },
+                     {"Bad data in frequency list file", "Error, no frequencies to calibrate? Check setup."}}),
+    [](const auto& row) { return row.param.name; });
+
+TEST_F(LevelEndTest, InstrumentsAreTakenDownInAnotherOrder) {
+  rig.UseIfi();
+  rig.setup.RecordFwdPwr = 1;
+  rig.Run();
+  const auto& lines = rig.bus.Lines();
+  const auto last = [&](const std::string& text) {
+    return std::find(lines.rbegin(), lines.rend(), text) - lines.rbegin();
+  };
+  EXPECT_GT(last("LOCAL 17"), last("> 9 ZA\\r\\n"));
+  EXPECT_GT(last("> 9 ZA\\r\\n"), last("LOCAL 13"));
+  EXPECT_GT(last("LOCAL 13"), last("LOCAL 18"));
+  EXPECT_EQ(last("LOCAL 18"), 0);
+  EXPECT_EQ(rig.t.speaker.tones.size(), 40U);
+  EXPECT_EQ(rig.display.busy, 0);
+}
+
+TEST_F(LevelEndTest, ARunThatCannotStartCostsThePointsOfTheOneBefore) {
+  rig.setup.RecordFwdPwr = 1;
+  rig.Run();
+  const auto rows = rig.Rows();
+  ASSERT_EQ(rows.size(), 3U);
+  const struct {
+    const char* line;
+    const char* text;
+  } failures[] = {{"FIND 18", "Error initializing signal generator"},
+                  {"FIND 13", "Error initializing Power Meter"},
+                  {"FIND 17", "Error initializing meter"},
+                  {"> 10 8", "Error initializing IFI amp"}};
+  for (const auto& failure : failures) {
+    SCOPED_TRACE(failure.text);
+    if (failure.line[0] == '>') rig.UseIfi();
+    rig.t.dialogs.Clear();
+    rig.bus.transcript.Clear();
+    rig.bus.FailLine(failure.line, gpib::kEnol);
+    rig.level.Run();
+    EXPECT_EQ(rig.t.dialogs.LastText(), failure.text);
+    EXPECT_EQ(rig.t.dialogs.messages.back().icon, MessageIcon::Critical);
+    EXPECT_EQ(rig.Shown(kSaveQuestion), 0);
+    EXPECT_EQ(rig.Rows(), rows);
+    EXPECT_FALSE(rig.rfOn);
+    EXPECT_EQ(rig.display.states.back(), false);
+    if (failure.line != std::string("FIND 18")) {
+      EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 18"));
+    }
+  }
+  rig.level.Run();
+  EXPECT_EQ(rig.Rows(), rows);
+}
+
+TEST_F(LevelEndTest, NoInterfaceStartsARun) {
+  rig.bus.FailLine("IFC", gpib::kEnol);
+  rig.Run();
+  EXPECT_EQ(rig.t.dialogs.LastText(), "Error initializing GPIB");
+  EXPECT_TRUE(rig.Rows().empty());
+}
+
+TEST_F(LevelEndTest, AnExceptionLeavesRfOnOrPointsLost) {
+  rig.levels = {120.25};
+  rig.onMeterRead = [&, reads = 0](double) mutable {
+    if (++reads == 2) rig.display.throwAtStatus = "Dwelling...";
+  };
+  rig.Run();
+  EXPECT_EQ(rig.Rows().size(), 1U);
+  EXPECT_FALSE(rig.rfOn);
+  EXPECT_FALSE(rig.rfOnAtMessage);
+  EXPECT_EQ(rig.t.dialogs.Texts(),
+            (std::vector<std::string>{"Error # 6\rOverflow\rfrmRunCal.RunCal\r", kSaveQuestion}));
+  EXPECT_FALSE(rig.level.IsRunning());
+}
+
+TEST_F(LevelEndTest, AnExceptionInTheEndKeepsInstrumentsUp) {
+  rig.display.throwAtStatus = "Shutting down instruments...";
+  rig.Run();
+  EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 18"));
+  EXPECT_EQ(rig.Shown(kSaveQuestion), 1);
+  EXPECT_EQ(rig.display.states.back(), false);
+}
+
+TEST_F(LevelEndTest, TheEndOfTheProgramIsSwallowedOrCostsPoints) {
+  rig.levels = {120.25, 120.25};
+  rig.onMeterRead = [reads = 0](double) mutable {
+    if (++reads == 2) throw ProgramEnd("the bus is gone");
+  };
+  ASSERT_TRUE(rig.level.Prepare());
+  EXPECT_THROW(rig.level.Run(), ProgramEnd);
+  EXPECT_EQ(rig.Rows().size(), 1U);
+  EXPECT_FALSE(rig.rfOn);
+  EXPECT_THAT(rig.t.dialogs.Texts(), ElementsAre(kSaveQuestion));
+}
+
+TEST_F(LevelEndTest, ARowThatIsIncompleteSpoilsTheRecord) {
+  rig.setup.RecordRevPwr = 1;
+  rig.levels = {120.25, 120.25, 120.25};
+  rig.onMeterRead = [&, reads = 0](double) mutable {
+    if (++reads == 3) rig.equipment.AmpConfiguration = 0;
+  };
+  rig.t.dialogs.AnswerSave(rig.t.directory.File("a.cal"));
+  rig.Run();
+  EXPECT_EQ(rig.Rows().size(), 3U);
+  EXPECT_EQ(rig.t.directory.Read("a.cal"), "1.0,-10.000,120.00,40.00,30.00,\r\n2.0,-10.000,120.00,40.00,30.00,\r\n");
+  EXPECT_EQ(rig.t.directory.Read("a.hyinfo"), "1 V\r\n\r\n\r\n1v\r\n1 - 4\r\n 2 \r\n");
+  const FileRequest& request = rig.t.dialogs.saveRequests.front();
+  EXPECT_EQ(request.title, "Enter Calibration Filename");
+  EXPECT_EQ(request.filter, "Calibration File (*.cal)|*.cal");
+}
+
+TEST_F(LevelEndTest, AFailedSaveLosesThePoints) {
+  namespace fs = std::filesystem;
+  const std::string kept = rig.t.directory.Write("a.cal", "old");
+  fs::permissions(kept, fs::perms::owner_read);
+  rig.t.dialogs.AnswerSave(kept);
+  rig.Run();
+  EXPECT_TRUE(rig.t.dialogs.WasShownContaining("frmRunCal.SaveCal\r" + kept));
+  EXPECT_EQ(rig.t.directory.Read("a.cal"), "old");
+  EXPECT_EQ(rig.Rows().size(), 3U);
+  rig.t.dialogs.AnswerSave(rig.t.directory.File("b.cal"));
+  EXPECT_TRUE(rig.level.Save());
+  EXPECT_FALSE(rig.level.Save());  // cancelled
+}
+
+TEST_F(LevelEndTest, OnePointMakesARecord) {
+  rig.setup.StepType = 0;
+  rig.setup.LinearStep = 10;
+  rig.t.dialogs.AnswerSave(rig.t.directory.File("a.cal"));
+  rig.Run();
+  EXPECT_EQ(rig.Rows().size(), 1U);
+  EXPECT_EQ(rig.t.dialogs.LastText(), "No data to save");
+  EXPECT_FALSE(rig.t.directory.Exists("a.cal"));
+}
+
+}  // namespace
+}  // namespace hylden

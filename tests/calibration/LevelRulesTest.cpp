@@ -1,0 +1,107 @@
+#include "calibration/LevelRules.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "calibration/FrequencyPlan.h"
+#include "calibration/WarbleAlarm.h"
+#include "documents/CalSetupRecord.h"
+#include "measure/InterpClass.h"
+#include "support/ScriptedBus.h"
+#include "support/TestShell.h"
+
+namespace hylden {
+namespace {
+
+struct StepCase {
+  const char* name;
+  double level, target, tolerance, expected;
+};
+
+class NextLevelStepTest : public testing::TestWithParam<StepCase> {};
+
+TEST_P(NextLevelStepTest, TheNextTryIsAtAnotherLevel) {
+  EXPECT_NEAR(NextLevelStep(GetParam().level, GetParam().target, GetParam().tolerance), GetParam().expected, 1e-9);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Steps, NextLevelStepTest,
+    testing::Values(StepCase{"ThreeLow", 117, 120, 0.5, 3.5 / 1.5}, StepCase{"TwentyLow", 100, 120, 0.5, 10},
+                    StepCase{"JustTen", 105.5, 120, 0.5, 10}, StepCase{"LittleLow", 119.9, 120, 0.5, 0.4},
+                    StepCase{"NarrowBand", 119.95, 120, 0.2, 0.1}, StepCase{"AtTarget", 120, 120, 0.5, 0.25},
+                    StepCase{"UpperEdge", 120.5, 120, 0.5, -0.25}, StepCase{"FarAbove", 140, 120, 0.5, -19.75}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(Tolerance, AnEdgeOfTheBandCounts) {
+  EXPECT_FALSE(InTolerance(120, 120, kToleranceDb));
+  EXPECT_TRUE(InTolerance(120.01, 120, kToleranceDb));
+  EXPECT_TRUE(InTolerance(120.49, 120, kToleranceDb));
+  EXPECT_FALSE(InTolerance(120.5, 120, kToleranceDb));
+  EXPECT_FALSE(InTolerance(std::nan(""), 120, kToleranceDb));
+}
+
+TEST(Headroom, AStepGoesBeyondThePowerLimit) {
+  EXPECT_NEAR(ForwardHeadroom(25, 20), 0.9691, 1e-4);
+  EXPECT_LT(ForwardHeadroom(25, 30), 0);
+  EXPECT_EQ(ForwardHeadroom(0, 20), -999);
+  EXPECT_EQ(ForwardHeadroom(25, 0), -999);
+}
+
+TEST(ConvergenceTest, AnEndlessSearchIsNotEnded) {
+  Convergence swinging, creeping, noNumber;
+  int tries = 0;
+  while (tries < 1000 && swinging.GoesOn(tries % 2 ? -0.25 : 0.25)) ++tries;
+  EXPECT_EQ(tries, Convergence::kMostTurns);
+  for (tries = 0; tries < 2 * Convergence::kMostTries && creeping.GoesOn(1e-9);) ++tries;
+  EXPECT_LT(tries, Convergence::kMostTries);
+  EXPECT_FALSE(noNumber.GoesOn(std::numeric_limits<double>::quiet_NaN()));
+}
+
+TEST(CompleteRowsTest, ARowWithAnEmptyCellReachesTheRecord) {
+  const auto rows = CompleteRows({{"1", "2", "3", "4", "5"}, {"1", "2", "3", "4", ""}, {"2", "2", "3", "na", "na"}});
+  ASSERT_EQ(rows.size(), 2U);
+  EXPECT_EQ(rows[1], (std::vector<std::string>{"2", "2", "3", "na", "na"}));
+}
+
+TEST(WarbleAlarmTest, TheAlarmIsAnotherOne) {
+  FakeSpeaker speaker;
+  WarbleAlarm(speaker);
+  ASSERT_EQ(speaker.tones.size(), 40U);
+  for (std::size_t i = 0; i < 40; i += 4)
+    EXPECT_EQ(std::vector<FakeSpeaker::Tone>(&speaker.tones[i], &speaker.tones[i] + 4),
+              (std::vector<FakeSpeaker::Tone>{{1000, 50}, {1176, 50}, {1000, 50}, {870, 50}}));
+  speaker.tones.clear();
+  WarbleAlarm(speaker, 20, 50);
+  EXPECT_EQ(speaker.tones, (std::vector<FakeSpeaker::Tone>{{100, 50}}));
+}
+
+TEST(TargetTest, TheWantedLevelIsAnother) {
+  ScriptedBus bus;
+  TestShell t(bus);
+  InterpClass curve(t.shell);
+  CalSetupRecord setup;
+  setup.CalLevel = 10;
+  EXPECT_NEAR(TargetDbuv(setup, curve, 5).value(), 140, 1e-6);
+  setup.LimitType = 1;
+  ASSERT_TRUE(curve.InitInterp(t.directory.Write("curve.lev", "1 1\r\n100 3\r\n")));
+  EXPECT_NEAR(TargetDbuv(setup, curve, 10).value(), 126.0206, 1e-4);  // midway on a log scale
+  EXPECT_FALSE(TargetDbuv(setup, curve, 101));
+}
+
+TEST(FrequencyPlanTest, AListsOwnRangeIsNotTaken) {
+  ScriptedBus bus;
+  TestShell t(bus);
+  FrequencyRequest request{StepType::List, 0, 0, 0, t.directory.Write("a.lst", "5\r\n10\r\n50\r\n")};
+  EXPECT_EQ(PlanFrequencies(t.shell, request), (std::vector<double>{5, 10, 50}));
+  EXPECT_EQ(request.StartMHz, 5);
+  EXPECT_EQ(request.StopMHz, 50);
+  request = {StepType::List, 0, 0, 0, t.directory.File("none.lst")};
+  EXPECT_TRUE(PlanFrequencies(t.shell, request).empty());
+  EXPECT_EQ(t.dialogs.messages.size(), 1U);
+}
+
+}  // namespace
+}  // namespace hylden

@@ -1,0 +1,367 @@
+#include "documents/CalSetup.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "documents/RoundTrip.h"
+#include "support/ScriptedBus.h"
+#include "support/TestShell.h"
+#include "text/TextFile.h"
+
+namespace hylden {
+namespace {
+
+using Kind = EntryFailure::Kind;
+using Entries = CalSetupEntries;
+
+CalSetupRecord TenVolts() {
+  CalSetupRecord setup;
+  setup.StartFreq = 0.15;
+  setup.StopFreq = 80;
+  setup.StepType = 1;
+  setup.LinearStep = 0.5;
+  setup.LogStep = 1;
+  setup.ListFile = "/lists/x.lst";
+  setup.CalLevel = 10;
+  setup.LimitFile = "/levels/y.lev";
+  setup.MaxLevel = 7;
+  setup.MaxStep = 3.25F;
+  setup.InitLevel = -30;
+  setup.RecordFwdPwr = 1;
+  setup.FwdPwrLimit = 25;
+  setup.Dwell = 0.3;
+  setup.DeviceDescription = "CDN M2, no. 4711";
+  setup.AmpUsed = "25 W";
+  setup.SetupDescription = "10 V";
+  setup.Reserved2 = 0.1F;
+  return setup;
+}
+
+class CalSetupTest : public testing::Test {
+ protected:
+  ScriptedBus bus;
+  TestShell t{bus};
+  CalSetup setup{t.shell};
+};
+
+TEST_F(CalSetupTest, AFieldIsLostOrMovedInTheFile) {
+  setup.Record = TenVolts();
+  ASSERT_TRUE(setup.SaveDef(t.directory.File("a.csu")));
+  EXPECT_EQ(t.directory.Read("a.csu"),
+            " .15 \r\n 80 \r\n 1 \r\n .5 \r\n 1 \r\n/lists/x.lst\r\n 0 \r\n 10 \r\n/levels/y.lev\r\n 7 \r\n 3.25 \r\n"
+            "-30 \r\n 1 \r\n 0 \r\n 0 \r\n 25 \r\n 0 \r\n .3 \r\nCDN M2, no. 4711\r\n25 W\r\n 0 \r\n10 V\r\n .1 \r\n"
+            "\r\n\r\n\r\n\r\n\r\n\r\n\r\n\r\n\r\n");
+  CalSetup other(t.shell);
+  ExpectEveryFieldSurvives(t.directory, setup, other, &CalSetup::Record);
+}
+
+TEST_F(CalSetupTest, TheDemoSetupComesBackChanged) {
+  ASSERT_TRUE(setup.LoadDef(HYLDEN_SOURCE_DIR "/examples/station/cdn-10v.csu"));
+  ASSERT_TRUE(setup.SaveDef(t.directory.File("again.csu")));
+  EXPECT_EQ(t.directory.Read("again.csu"), ReadTextFile(HYLDEN_SOURCE_DIR "/examples/station/cdn-10v.csu"));
+}
+
+TEST_F(CalSetupTest, AShortFileOrABadLineCostsFieldsBehindIt) {
+  setup.Record = TenVolts();
+  ASSERT_TRUE(setup.SaveDef(t.directory.File("a.csu")));
+  std::vector<std::string> lines = ReadLines(t.directory.File("a.csu"));
+  lines.resize(23);
+  CalSetup other(t.shell);
+  EXPECT_TRUE(other.LoadDef(t.directory.Write("23.csu", JoinLines(lines))));
+
+  lines.resize(22);
+  lines[0] = "1";
+  other.Record.Reserved2 = 5;
+  const std::string path = t.directory.Write("22.csu", JoinLines(lines));
+  EXPECT_FALSE(other.LoadDef(path));
+  EXPECT_EQ(t.dialogs.LastText(), "Error # 62\rInput past end of file\rCalSetup.LoadDef\r" + path);
+  EXPECT_EQ(other.Record.StartFreq, 1);
+  EXPECT_EQ(other.Record.Reserved2, 5);
+
+  lines[7] = "ten";
+  EXPECT_FALSE(other.LoadDef(t.directory.Write("bad.csu", JoinLines(lines))));
+  EXPECT_FALSE(other.SaveDef(t.directory.File("no/such.csu")));
+  EXPECT_TRUE(t.dialogs.WasShownContaining("CalSetup.SaveDef"));
+}
+
+TEST_F(CalSetupTest, TheFormOpensWithOtherThanItsDefaults) {
+  setup.SetOpeningDefaults(Entries().InitLevel, 0.2);
+  EXPECT_EQ(setup.Record.StartFreq, 0.15);
+  EXPECT_EQ(setup.Record.StopFreq, 80);
+  EXPECT_EQ(setup.Record.InitLevel, -60);
+  EXPECT_EQ(setup.Record.Dwell, 0.2);
+  setup.Record = TenVolts();
+  setup.SetOpeningDefaults("-60", 0.2);
+  EXPECT_TRUE(SameRecord(setup.Record, TenVolts()));
+}
+
+TEST_F(CalSetupTest, ShowingAndTakingASetupChangesIt) {
+  setup.Record = TenVolts();
+  setup.Record.CouplingMethod = 3;
+  setup.UserDefinedFactor = 9.5;
+  Entries entries;
+  EXPECT_TRUE(setup.SetupToForm(entries).empty());
+  EXPECT_EQ(entries.FinalDwell, "0.3");
+  EXPECT_EQ(entries.UserDefCF, "9.5");
+  CalSetup other(t.shell);
+  other.Record = setup.Record;
+  EXPECT_FALSE(other.FormToSetup(entries, true));
+  EXPECT_TRUE(SameRecord(other.Record, setup.Record));
+  EXPECT_EQ(other.CouplingFactor(), 9.5);
+}
+
+TEST_F(CalSetupTest, ACodeWithoutAnOptionChangesTheOptions) {
+  setup.Record = TenVolts();
+  setup.Record.StepType = 3;
+  setup.Record.LimitType = -1;
+  setup.Record.CouplingMethod = 4;
+  Entries entries;
+  entries.StepType = 2;
+  entries.LimitType = 1;
+  entries.CouplingMethod = 3;
+  EXPECT_EQ(setup.SetupToForm(entries),
+            (std::vector<std::string>{"Error in Calsetup file, \r\nBad value for frequency step type",
+                                      "Error in Calsetup file, \r\nBad value for limit type",
+                                      "Error in Calsetup file, \r\nBad value for coupling method"}));
+  EXPECT_EQ(entries.StepType, 2);
+  EXPECT_EQ(entries.LimitType, 1);
+  EXPECT_EQ(entries.CouplingMethod, 3);
+}
+
+TEST_F(CalSetupTest, AListDoesNotSetTheRange) {
+  EXPECT_TRUE(setup.LoadFreqList(t.directory.Write("x.lst", "10\r\n20\r\n45.5\r\n")));
+  EXPECT_EQ(setup.Record.StartFreq, 10);
+  EXPECT_EQ(setup.Record.StopFreq, 45.5);
+  EXPECT_FALSE(setup.LoadFreqList(t.directory.Write("y.lst", "Freq\r\n")));
+  EXPECT_EQ(t.dialogs.LastText(), "Bad data in frequency list file");
+  EXPECT_EQ(setup.Record.StopFreq, 45.5);
+}
+
+struct FailureCase {
+  const char* name;
+  std::function<void(Entries&)> change;
+  const char* control;
+  int tab;
+  Kind reason;
+};
+
+class CalRefusalTest : public testing::TestWithParam<FailureCase> {};
+
+TEST_P(CalRefusalTest, ABadEntryIsTakenOrTheWrongBoxIsShown) {
+  Entries entries = EntriesOf(TenVolts()).Entries;
+  GetParam().change(entries);
+  CalSetupRecord setup;
+  double factor = 0;
+  const auto failure = ValidateCalSetup(entries, true, setup, factor);
+  ASSERT_TRUE(failure);
+  EXPECT_EQ(failure->Control, GetParam().control);
+  EXPECT_EQ(failure->Tab, GetParam().tab);
+  EXPECT_EQ(failure->Reason, GetParam().reason);
+  EXPECT_FALSE(ValidateCalSetup(entries, false, setup, factor));
+}
+
+constexpr auto kNumber = Kind::NotANumber;
+constexpr auto kOutside = Kind::OutOfRange;
+constexpr auto kMessage = Kind::Message;
+
+void Linear(Entries& e, const char* step) {
+  e.StepType = 0;
+  e.LinearStep = step;
+}
+void Limit(Entries& e, const char* watts) {
+  e.RecordFwdPwr = e.LimitFwdPwr = true;
+  e.FwdPwrLimit = watts;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Entries, CalRefusalTest,
+    testing::Values(FailureCase{"Start", [](Entries& e) { e.StartFreq = "x"; }, "txtStartFreq", 0, kNumber},
+                    FailureCase{"Stop", [](Entries& e) { e.StopFreq = ""; }, "txtStopFreq", 0, kNumber},
+                    FailureCase{"LinearStep", [](Entries& e) { Linear(e, "x"); }, "txtLinearStep", 0, kNumber},
+                    FailureCase{"LogStep", [](Entries& e) { e.LogStep = "1%"; }, "txtLogStep", 0, kNumber},
+                    FailureCase{"Level", [](Entries& e) { e.CalLevel = "10v"; }, "txtCalLevel", 1, kNumber},
+                    FailureCase{"MaxLevel", [](Entries& e) { e.MaxLevel = "x"; }, "txtMaxLev", 1, kNumber},
+                    FailureCase{"MaxStep", [](Entries& e) { e.MaxStep = "x"; }, "txtMaxStep", 1, kNumber},
+                    FailureCase{"InitLevel", [](Entries& e) { e.InitLevel = "x"; }, "txtInitLev", 1, kNumber},
+                    FailureCase{"Limit", [](Entries& e) { Limit(e, ""); }, "txtFwdPwrLimit", 1, kNumber},
+                    FailureCase{"Dwell", [](Entries& e) { e.FinalDwell = "x"; }, "txtFinalDwell", 1, kNumber},
+                    FailureCase{"Factor",
+                                [](Entries& e) {
+                                  e.CouplingMethod = 3;
+                                  e.UserDefCF = "x";
+                                },
+                                "txtUserDefCF", 2, kNumber},
+                    FailureCase{"NumbersBeforeRanges",
+                                [](Entries& e) {
+                                  e.StartFreq = "0";
+                                  e.FinalDwell = "x";
+                                },
+                                "txtFinalDwell", 1, kNumber},
+                    FailureCase{"StartZero", [](Entries& e) { e.StartFreq = "0"; }, "txtStartFreq", 0, kOutside},
+                    FailureCase{"StopEqualsStart", [](Entries& e) { e.StopFreq = "0.15"; }, "txtStopFreq", 0, kOutside},
+                    FailureCase{"LogStepZero", [](Entries& e) { e.LogStep = "0"; }, "txtLogStep", 0, kOutside},
+                    FailureCase{"LinearStepZero", [](Entries& e) { Linear(e, "-1"); }, "txtLinearStep", 0, kOutside},
+                    FailureCase{"NoList",
+                                [](Entries& e) {
+                                  e.StepType = 2;
+                                  e.ListFile = "";
+                                },
+                                "lblListFile", 0, kMessage},
+                    FailureCase{"NoLevelFile",
+                                [](Entries& e) {
+                                  e.LimitType = 1;
+                                  e.LimitFile = "";
+                                },
+                                "lblLimitFile", 1, kMessage},
+                    FailureCase{"LevelZero", [](Entries& e) { e.CalLevel = "0"; }, "txtCalLevel", 1, kOutside},
+                    FailureCase{"InitIsMax", [](Entries& e) { e.InitLevel = "7"; }, "txtInitLev", 1, kOutside},
+                    FailureCase{"HugeMax", [](Entries& e) { e.MaxLevel = "1e39"; }, "txtMaxLev", 1, kOutside},
+                    FailureCase{"MaxStepZero", [](Entries& e) { e.MaxStep = "0"; }, "txtMaxStep", 1, kOutside},
+                    FailureCase{"LimitZero", [](Entries& e) { Limit(e, "0"); }, "txtFwdPwrLimit", 1, kOutside},
+                    FailureCase{"DwellNegative", [](Entries& e) { e.FinalDwell = "-1"; }, "txtFinalDwell", 1,
+                                kOutside}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(CalSetupValidation, AHiddenBoxIsCheckedOrAGoodEntryRefused) {
+  Entries entries = EntriesOf(TenVolts()).Entries;
+  entries.LinearStep = entries.FwdPwrLimit = entries.UserDefCF = "x";
+  entries.FinalDwell = "0";
+  CalSetupRecord setup;
+  double factor = 4;
+  EXPECT_FALSE(ValidateCalSetup(entries, true, setup, factor));
+  EXPECT_EQ(setup.Dwell, 0);
+  EXPECT_EQ(factor, 4);
+
+  entries.StepType = 2;
+  entries.LimitType = 1;
+  entries.LogStep = entries.CalLevel = "x";
+  EXPECT_FALSE(ValidateCalSetup(entries, true, setup, factor));
+  EXPECT_EQ(setup.ListFile, "/lists/x.lst");
+  EXPECT_EQ(setup.LimitFile, "/levels/y.lev");
+  EXPECT_TRUE(setup.HasLevelFile());
+}
+
+TEST(CalSetupValidation, AFailureStoresWhatComesBehindIt) {
+  Entries entries = EntriesOf(TenVolts()).Entries;
+  entries.CalLevel = "0";
+  entries.MaxLevel = "1";
+  CalSetupRecord setup;
+  double factor = 0;
+  EXPECT_TRUE(ValidateCalSetup(entries, true, setup, factor));
+  EXPECT_EQ(setup.StopFreq, 80);
+  EXPECT_EQ(setup.CalLevel, 0);
+  EXPECT_EQ(setup.MaxLevel, 0);
+}
+
+TEST(CalSetupValidation, ClosingTheFormLosesWhatWasTyped) {
+  Entries entries = EntriesOf(TenVolts()).Entries;
+  entries.StartFreq = "-5";
+  entries.StopFreq = "no number";
+  entries.MaxLevel = "1e39";
+  entries.StepType = Entries::kNoChoice;
+  entries.CouplingMethod = 3;
+  entries.UserDefCF = "11";
+  entries.AmpUsed = "another";
+  CalSetupRecord setup = TenVolts();
+  double factor = 0;
+  EXPECT_FALSE(ValidateCalSetup(entries, false, setup, factor));
+  EXPECT_EQ(setup.StartFreq, -5);
+  EXPECT_EQ(setup.StopFreq, 80);
+  EXPECT_EQ(setup.MaxLevel, 7);
+  EXPECT_EQ(setup.StepType, 1);
+  EXPECT_EQ(setup.AmpUsed, "another");
+  EXPECT_EQ(factor, 11);
+}
+
+TEST(CalSetupControls, ATickLeavesAnImpossibleCombination) {
+  Entries entries;
+  entries.LimitFwdPwr = true;
+  LimitFwdPwrClicked(entries);
+  EXPECT_TRUE(entries.RecordFwdPwr);
+  entries.RecordFwdPwr = false;
+  entries.RecordRevPwr = true;
+  RecordFwdPwrClicked(entries);
+  EXPECT_FALSE(entries.RecordRevPwr || entries.LimitFwdPwr);
+  entries.RecordRevPwr = true;
+  RecordRevPwrClicked(entries);
+  EXPECT_TRUE(entries.RecordFwdPwr);
+  RecordFwdPwrClicked(entries);
+  EXPECT_TRUE(entries.RecordRevPwr);
+  ListFileChanged(entries);
+  EXPECT_EQ(entries.StepType, 2);
+
+  CalSetupRecord fromFile = TenVolts();
+  fromFile.RecordFwdPwr = 0;
+  fromFile.LimitFwdPwr = 1;
+  EXPECT_TRUE(EntriesOf(fromFile).Entries.RecordFwdPwr);
+}
+
+TEST(CalSetupControls, ABoxThatIsNotUsedCanBeTypedInto) {
+  Entries entries;
+  EXPECT_EQ(EnabledControlsFor(entries), (EnabledCalControls{.LinearStep = true, .CalLevel = true}));
+  entries.StepType = 1;
+  entries.LimitType = 1;
+  entries.LimitFwdPwr = true;
+  EXPECT_EQ(EnabledControlsFor(entries), (EnabledCalControls{.LogStep = true, .LimitFile = true, .FwdPwrLimit = true}));
+  entries.StepType = 2;
+  EXPECT_TRUE(EnabledControlsFor(entries).ListFile);
+}
+
+TEST(CheckStation, ACalibrationStartsWithoutWhatItNeeds) {
+  EquipRecord all;
+  all.SigGenFile = all.MeterFile = all.PwrMtrFile = "x";
+  all.CableLossFile = all.FwdPortFile = all.RevPortFile = "x";
+  all.AmpConfiguration = 1;
+  CalSetupRecord plain = TenVolts(), forward = plain, both = plain;
+  plain.RecordFwdPwr = 0;
+  both.RecordRevPwr = 1;
+  for (const CalSetupRecord& setup : {plain, forward, both}) EXPECT_FALSE(CheckStation(setup, all));
+
+  const struct {
+    const CalSetupRecord& setup;
+    std::function<void(EquipRecord&)> change;
+    const char* text;
+    int tab;
+  } cases[] = {
+      {plain, [](EquipRecord& e) { e.MeterFile = ""; }, "The signal generator and meter must both be selected", 0},
+      {both, [](EquipRecord& e) { e.SigGenFile = e.PwrMtrFile = ""; },
+       "The signal generator and meter must both be selected", 0},
+      {forward, [](EquipRecord& e) { e.PwrMtrFile = e.FwdPortFile = ""; },
+       "The power meter must be selected for this calibration", 0},
+      {forward, [](EquipRecord& e) { e.FwdPortFile = e.CableLossFile = ""; },
+       "No forward coupler port file has been selected", 1},
+      {both, [](EquipRecord& e) { e.AmpConfiguration = 2, e.RevPortFile = ""; },
+       "Power Meter must be dual channel for this calibration", 0},
+      {both, [](EquipRecord& e) { e.RevPortFile = e.CableLossFile = ""; },
+       "No reverse coupler port file has been selected", 1},
+      {plain, [](EquipRecord& e) { e.CableLossFile = e.PwrMtrFile = ""; }, "No cable loss file has been selected", 1},
+  };
+  for (const auto& c : cases) {
+    EquipRecord equipment = all;
+    c.change(equipment);
+    const auto failure = CheckStation(c.setup, equipment);
+    ASSERT_TRUE(failure) << c.text;
+    EXPECT_EQ(failure->Text, c.text);
+    EXPECT_EQ(failure->EquipmentTab, c.tab) << c.text;
+  }
+}
+
+TEST(CouplingFactor, AMethodHasAnotherFactor) {
+  const double factors[] = {15.5, 6, 0, 9.25};
+  for (int method = 0; method < 4; ++method) EXPECT_EQ(CouplingFactorDb(method, 9.25), factors[method]) << method;
+}
+
+TEST(CalInfoOfSetup, TheRecordTellsAnotherCalibration) {
+  CalSetupRecord setup = TenVolts();
+  setup.CalLevel = 3;
+  CalInfoRec info = CalInfoOf(setup);
+  EXPECT_EQ(info.TestLevel, "3v");
+  EXPECT_EQ(info.FreqRange, "0.15 - 80");
+  EXPECT_EQ(info.DeviceDescription, "CDN M2, no. 4711");
+  setup.LimitType = 1;
+  EXPECT_EQ(CalInfoOf(setup).TestLevel, "/levels/y.lev");
+}
+
+}  // namespace
+}  // namespace hylden

@@ -1,0 +1,183 @@
+// Calibrations on the simulated bench, judged by its physics: the cable, the level, the test that replays the record.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "CalibrationStation.h"
+
+namespace hylden {
+namespace {
+
+constexpr double kTargetDbuv = 140;  // 10 V
+constexpr double kNoiseDb = 0.01;
+/// What a reading and the measured cable may be off together.
+constexpr double kReadingDb = 0.1;
+
+void LittleNoise(BenchConfig& config) {
+  config.NoiseDb = kNoiseDb;
+}
+
+Amplifier AmplifierAt(const CalibrationStation& station, double frequencyMHz) {
+  const EquipRecord& equipment = station.documents.equip.Record;
+  if (!equipment.HasIfiAmplifier()) return Amplifier::Generic;
+  return frequencyMHz <= equipment.IfiBandSwitch ? Amplifier::IfiLow : Amplifier::IfiHigh;
+}
+
+/// Watches that the level at the port stands in the tolerance band whenever a point is recorded.
+void WatchBand(CalibrationStation& station, int& recorded) {
+  station.calibrationDisplay.onStep = [&](int) {
+    ++recorded;
+    const BenchState& state = station.bench.State();
+    EXPECT_TRUE(state.Generator.RfOn);
+    EXPECT_GT(state.TestLevelDbuv, kTargetDbuv - kReadingDb) << state.Generator.FreqMHz << " MHz";
+    EXPECT_LT(state.TestLevelDbuv, kTargetDbuv + kToleranceDb + kReadingDb) << state.Generator.FreqMHz << " MHz";
+  };
+}
+
+/// The recorded generator level brings the port into the tolerance band, and the powers are those seen there.
+void ExpectTrueRecord(const CalibrationStation& station) {
+  for (const CalRow& row : station.level.Rows()) {
+    const double frequency = std::stod(row[0]);
+    const CalibrationReading truth =
+        station.bench.Path().CalibrationPort(frequency, std::stod(row[1]), AmplifierAt(station, frequency));
+    EXPECT_GT(truth.TestLevelDbuv, kTargetDbuv) << row[0] << " MHz";
+    EXPECT_LT(truth.TestLevelDbuv, kTargetDbuv + kToleranceDb) << row[0] << " MHz";
+    EXPECT_NEAR(truth.ForwardDbm, std::stod(row[3]), 0.25) << row[0] << " MHz";
+    if (row[4] != "na") {
+      EXPECT_NEAR(truth.ReverseDbm, std::stod(row[4]), 0.25) << row[0] << " MHz";
+    }
+  }
+}
+
+/// Replays the record by one of the demo tests; every step ends at the calibrated level or barely above it.
+void ExpectReplayed(CalibrationStation& station, const std::string& testFile, const std::string& infoFile) {
+  SCOPED_TRACE(testFile);
+  ASSERT_TRUE(station.documents.testSetup.LoadDef(testFile));
+  station.Test().CalInfoFile = infoFile;
+  ASSERT_TRUE(station.documents.calInfo.LoadDef(infoFile));
+  station.Test().LogStep = 2;
+  station.Test().ModType = 0;
+  station.Test().ConstPeak = station.Test().ModOffBetweenFreqs = false;
+  int levelled = 0;
+  station.display.onRow = [&](int row) {
+    if (station.Rows()[static_cast<std::size_t>(row)][1].empty()) return;  // the step only begins
+    ++levelled;
+    const BenchState& state = station.bench.State();
+    EXPECT_GT(state.TestLevelDbuv, kTargetDbuv) << state.Generator.FreqMHz << " MHz";
+    EXPECT_LT(state.TestLevelDbuv, kTargetDbuv + 0.9) << state.Generator.FreqMHz << " MHz";
+  };
+  station.Run();
+  EXPECT_EQ(station.engine.Outcome(), RunOutcome::Finished) << station.machine.dialogs.LastText();
+  EXPECT_EQ(levelled, static_cast<int>(station.engine.Steps().size()));
+  EXPECT_GT(levelled, 100);
+}
+
+TEST(CalibrationLoop, CableThenLevelThenTestAgreeWithThePhysics) {
+  CalibrationStation station("station.eqp", LittleNoise);
+  const TempDir& files = station.machine.directory;
+
+  CableSetup& cableSetup = station.cable.Setup;
+  cableSetup.StartFreq = 0.15;
+  cableSetup.StopFreq = 230;
+  cableSetup.StepType = 1;
+  cableSetup.LogStep = 3;
+  cableSetup.Level = -10;
+  ASSERT_TRUE(station.cable.BuildPlan());
+  station.DirectPass();
+  station.InsertPass();
+  station.machine.dialogs.AnswerSave(files.File("measured.los"));
+  ASSERT_TRUE(station.cable.SaveFile()) << station.machine.dialogs.LastText();
+  ASSERT_GT(station.cable.Points().size(), 200U);
+  for (const CablePoint& point : station.cable.Points())
+    EXPECT_NEAR(point.Loss, station.bench.Config().CableUnderTest.At(point.Freq), 0.1) << point.Freq << " MHz";
+
+  station.documents.equip.Record.CableLossFile = files.File("measured.los");
+  station.bench.Connect(MeterAt::Port);
+  int recorded = 0;
+  WatchBand(station, recorded);
+  station.Calibrate(files.File("level.cal"));
+  EXPECT_EQ(station.level.Outcome(), RunOutcome::Finished) << station.machine.dialogs.LastText();
+  EXPECT_EQ(recorded, 739);
+  EXPECT_EQ(station.level.Rows().size(), 739U);
+  ExpectTrueRecord(station);
+  EXPECT_EQ(files.Read("level.hyinfo").substr(0, 23), "10 V, 0.15 to 230 MHz\r\n");
+
+  for (const char* test : {"substitution-am.tst", "forward-power-constant-peak.tst", "net-power-fm.tst"})
+    ExpectReplayed(station, test, files.File("level.hyinfo"));
+  EXPECT_FALSE(station.bench.State().Generator.RfOn);
+  EXPECT_FALSE(station.AnyRemote());
+  EXPECT_EQ(station.bench.Bus().UnknownCount(), 0);
+}
+
+TEST(CalibrationLoop, ACompressingAmplifierEndsTheRunAndKeepsThePoints) {
+  CalibrationStation station("station.eqp", [](BenchConfig& config) { config.SaturationDbm = 34; });
+  station.Setup().StartFreq = 1;
+  station.Setup().LogStep = 5;
+  station.Setup().LimitFwdPwr = 0;
+  const std::string record = station.machine.directory.File("partial.cal");
+  station.Calibrate(record);
+  EXPECT_EQ(station.level.Outcome(), RunOutcome::EndedEarly);
+  EXPECT_TRUE(station.machine.dialogs.WasShown("Level requested is higher than defined in the calibrations setup"));
+  EXPECT_GT(station.level.Rows().size(), 10U);
+  EXPECT_LT(station.level.Rows().size(), station.level.Frequencies().size());
+  EXPECT_EQ(CompleteRows(station.level.Rows()).size(), station.level.Rows().size());
+  EXPECT_TRUE(station.machine.directory.Exists("partial.cal"));
+  EXPECT_FALSE(station.bench.State().Generator.RfOn);
+  EXPECT_FALSE(station.AnyRemote());
+}
+
+TEST(CalibrationLoop, AGeneratorThatCantSwitchOffRestsAtItsMinimum) {
+  for (const bool limited : {false, true}) {
+    CalibrationStation station("older-generator.eqp", LittleNoise);
+    station.Setup().StartFreq = 20;
+    station.Setup().StopFreq = 22;
+    station.Setup().LimitFwdPwr = limited ? 1 : 0;
+    station.Setup().FwdPwrLimit = 0.5F;  // 10 V take more
+    double highestAtMessage = kNoValue;
+    station.machine.dialogs.onShow = [&](const Message&) {
+      highestAtMessage = std::max(highestAtMessage, station.bench.State().TestLevelDbuv);
+    };
+    station.Calibrate();
+    EXPECT_EQ(station.level.Outcome(), limited ? RunOutcome::EndedEarly : RunOutcome::Finished);
+    EXPECT_EQ(station.machine.dialogs.messages.size(), limited ? 2U : 1U);
+    EXPECT_LT(highestAtMessage, 40);
+    EXPECT_LT(station.bench.State().TestLevelDbuv, 40);
+  }
+}
+
+class IfiCalibration : public testing::TestWithParam<AmpConfig> {};
+
+TEST_P(IfiCalibration, BothBandsAreCalibratedWithTheSensorInTheRightPlace) {
+  CalibrationStation station("ifi-station.eqp", LittleNoise);
+  EquipRecord& equipment = station.documents.equip.Record;
+  equipment.AmpConfiguration = static_cast<std::int32_t>(GetParam());
+  BenchEquipment onBench = LoadBenchEquipment(equipment.SigGenFile, equipment.MeterFile, equipment.PwrMtrFile);
+  onBench.Sensors = static_cast<PowerSensors>(GetParam());
+  onBench.IfiAmplifier = true;
+  onBench.SensorBandSwitchMHz = equipment.IfiBandSwitch;
+  station.bench.Equip(onBench);
+  station.Setup().StartFreq = 190;
+  station.Setup().RecordRevPwr = GetParam() == AmpConfig::DualFwdRev ? 1 : 0;
+
+  int recorded = 0;
+  WatchBand(station, recorded);
+  station.Calibrate();
+
+  EXPECT_EQ(station.level.Outcome(), RunOutcome::Finished) << station.machine.dialogs.LastText();
+  EXPECT_EQ(recorded, static_cast<int>(station.level.Frequencies().size()));
+  EXPECT_THAT(station.level.Frequencies(), testing::IsSupersetOf({215.0, 215.000001}));
+  ExpectTrueRecord(station);
+  EXPECT_EQ(station.machine.dialogs.WasShown("Move sensor to low freq coupler"), GetParam() == AmpConfig::DualFwdRev);
+  EXPECT_EQ(station.machine.dialogs.WasShown("Move sensor(s) to high freq coupler"),
+            GetParam() == AmpConfig::DualFwdRev);
+  EXPECT_FALSE(station.bench.State().Generator.RfOn);
+  EXPECT_FALSE(station.AnyRemote());
+}
+
+INSTANTIATE_TEST_SUITE_P(Sensors, IfiCalibration, testing::Values(AmpConfig::DualFwdRev, AmpConfig::DualSplit));
+
+}  // namespace
+}  // namespace hylden
