@@ -3,7 +3,12 @@
 #include <QTimer>
 #include <utility>
 
+#include "calibration/CableCalibration.h"
+#include "calibration/frmCblSetup.h"
+#include "calibration/frmRunCablCal.h"
+#include "calibration/frmRunCal.h"
 #include "documents/Documents.h"
+#include "documents/frmCalSetup.h"
 #include "documents/frmEquipment.h"
 #include "documents/frmTestDef.h"
 #include "instruments/Instruments.h"
@@ -22,7 +27,8 @@ Desktop::Desktop(Shell& shell, Instruments& instruments, Documents& documents, D
       instruments_(instruments),
       documents_(documents),
       options_(std::move(options)),
-      menu_(std::make_unique<TopMenu>()) {
+      menu_(std::make_unique<TopMenu>()),
+      cableCalibration_(std::make_unique<RunCablCal>(shell, instruments)) {
   if (options_.simulated) ShowBenchNotice(*menu_);
   ShowAvailable();
   connect(menu_.get(), &TopMenu::ConfigureRequested, this, [this] { OpenEquipment(menu_.get()); });
@@ -74,6 +80,8 @@ frmEquipment* Desktop::OpenEquipment(QWidget* caller, int tab, bool modal) {
   auto* const form = new frmEquipment(shell_, instruments_, documents_.equip);
   form->ShowTab(tab);
   if (modal) form->setWindowModality(Qt::ApplicationModal);
+  form->Offer(false, false, true);
+  connect(form, &frmEquipment::InsertionLossRequested, this, [this, form] { OpenCableSetup(form); });
   connect(form, &WorkingForm::Unloaded, this, [this] {
     if (options_.onEquipmentApplied) options_.onEquipmentApplied();
   });
@@ -100,6 +108,41 @@ void Desktop::OpenTestRun(QWidget* caller) {
   testRun_ = form;
   Open(form, caller);
   form->Load();
+}
+
+WorkingForm* Desktop::MakeCalibrationSetup() {
+  auto* const form = new frmCalSetup(shell_, instruments_, documents_);
+  connect(form, &frmCalSetup::EditEquipmentRequested, this, [this, form](int tab) { OpenEquipment(form, tab, true); });
+  connect(form, &frmCalSetup::StartRequested, this, [this, form] { OpenCalibrationRun(form); });
+  return form;
+}
+
+void Desktop::OpenCalibrationRun(QWidget* caller) {
+  Cable(CalibrationCabling::Port);
+  auto* const form = new frmRunCal(shell_, instruments_, documents_);
+  connect(this, &Desktop::EscapePressed, form, &CalibrationWindow::PressHalt);
+  calibrationRun_ = form;
+  Open(form, caller);
+  form->Load();
+}
+
+void Desktop::OpenCableSetup(QWidget* caller) {
+  auto* const form = new frmCblSetup(shell_, documents_, *cableCalibration_);
+  connect(form, &frmCblSetup::EditEquipmentRequested, this, [this, form](int tab) { OpenEquipment(form, tab, true); });
+  connect(form, &frmCblSetup::StartRequested, this, [this, form] { OpenCableRun(form); });
+  Open(form, caller);
+}
+
+void Desktop::OpenCableRun(QWidget* caller) {
+  auto* const form = new frmRunCablCal(shell_, instruments_, *cableCalibration_);
+  connect(this, &Desktop::EscapePressed, form, &CalibrationWindow::PressHalt);
+  connect(form, &frmRunCablCal::PassStarting, this,
+          [this](bool inserted) { Cable(inserted ? CalibrationCabling::ThroughCable : CalibrationCabling::Direct); });
+  Open(form, caller);
+}
+
+void Desktop::Cable(CalibrationCabling cabling) {
+  if (options_.onCalibrationStart) options_.onCalibrationStart(cabling);
 }
 
 void Desktop::ShowHelp(const QString& topic) {
@@ -129,8 +172,8 @@ void Desktop::CloseAll() {
   closing_ = true;
   // A message may stand on the screen with RF on behind it: the halt comes before its answer.
   shell_.delay.RequestHalt();
-  // The question about the run data waits for its answer: closed, it would lose them.
-  const bool asking = testRun_ && testRun_->AsksToSave();
+  // The question whether to save waits for its answer: closed, it would lose what was measured.
+  const bool asking = (testRun_ && testRun_->AsksToSave()) || (calibrationRun_ && calibrationRun_->AsksToSave());
   if (options_.onEnding && !asking) options_.onEnding();
   QTimer::singleShot(0, this, &Desktop::CloseNext);
 }

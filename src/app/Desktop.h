@@ -14,14 +14,19 @@ class QWidget;
 
 namespace hylden {
 
+class RunCablCal;
 class Shell;
 class TopMenu;
 class WorkingForm;
 class frmEquipment;
 class frmHelp;
+class frmRunCal;
 class frmRunTest;
 struct Documents;
 struct Instruments;
+
+/// How a calibration needs its meter: at the coupling device's port, straight at the generator, through the cable.
+enum class CalibrationCabling { Port, Direct, ThroughCable };
 
 /// What the desktop program brings along from its machine.
 struct DesktopOptions {
@@ -33,6 +38,8 @@ struct DesktopOptions {
   std::function<void()> onEquipmentApplied = {};
   /// Called before a test run opens.
   std::function<void()> onTestStart = {};
+  /// Called before a calibration measures.
+  std::function<void(CalibrationCabling cabling)> onCalibrationStart = {};
   /// Called when the program has been asked to end: boxes on the screen have to give way.
   std::function<void()> onEnding = {};
   /// Runs a print command with the preview window in the printer's place.
@@ -66,6 +73,12 @@ class Desktop : public QObject, private StartUpSteps {
   WorkingForm* MakeTestDefinition();
   /// Opens the test run in the caller's place.
   void OpenTestRun(QWidget* caller);
+  /// The calibration setup's form; its Start opens the calibration run.
+  WorkingForm* MakeCalibrationSetup();
+  /// Opens the level calibration in the caller's place.
+  void OpenCalibrationRun(QWidget* caller);
+  /// Opens the insertion-loss setup in the caller's place; its Start opens the two passes.
+  void OpenCableSetup(QWidget* caller);
   /// Connects a form to what every form may ask for, and shows it in the caller's place.
   void Open(WorkingForm* form, QWidget* caller);
   void ShowHelp(const QString& topic);
@@ -96,6 +109,8 @@ class Desktop : public QObject, private StartUpSteps {
   bool LoadCalInfo(const std::string& path) override;
 
   void OpenArea(WorkingArea area);
+  void OpenCableRun(QWidget* caller);
+  void Cable(CalibrationCabling cabling);
   void ShowAvailable();
   void CloseNext();
 
@@ -109,6 +124,8 @@ class Desktop : public QObject, private StartUpSteps {
   std::string helpFile_;
   QVector<QPointer<WorkingForm>> open_;
   QPointer<frmRunTest> testRun_;
+  QPointer<frmRunCal> calibrationRun_;
+  std::unique_ptr<RunCablCal> cableCalibration_;  ///< its setup and points outlive the forms
   bool closing_ = false;
 };
 

@@ -40,6 +40,18 @@ std::unique_ptr<Bus> MakeBus(const std::string& programDirectory, const Clock& c
   return std::make_unique<Bus>(clock, ConfiguredBench(choice.BenchFile, programDirectory, dialogs));
 }
 
+MeterAt MeterFor(CalibrationCabling cabling) {
+  switch (cabling) {
+    case CalibrationCabling::Direct:
+      return MeterAt::Generator;
+    case CalibrationCabling::ThroughCable:
+      return MeterAt::Cable;
+    case CalibrationCabling::Port:
+      break;
+  }
+  return MeterAt::Port;
+}
+
 int RunDesktop(DesktopApplication& application, QtDialogs& dialogs, const std::string& commandLine) {
   ConsoleClock clock;
   QtEventLoop events(clock);
@@ -57,7 +69,12 @@ int RunDesktop(DesktopApplication& application, QtDialogs& dialogs, const std::s
   options.onTestStart = [&] {
     // The simulated meter is cabled as the test needs it.
     Bench* const bench = bus->SimulatedBench();
-    if (bench && station.documents.testSetup.Definition.MonitorProbe) bench->Connect(MeterAt::Probe);
+    const bool probe = station.documents.testSetup.Definition.MonitorProbe;
+    if (bench) bench->Connect(probe ? MeterAt::Probe : MeterAt::Port);
+  };
+  options.onCalibrationStart = [&](CalibrationCabling cabling) {
+    Bench* const bench = bus->SimulatedBench();
+    if (bench) bench->Connect(MeterFor(cabling));
   };
   options.onEnding = [&] { dialogs.BeginEnding(); };
   options.preview = [&](const std::function<void()>& print) {
@@ -65,6 +82,7 @@ int RunDesktop(DesktopApplication& application, QtDialogs& dialogs, const std::s
     print();
   };
   Desktop desktop(station.shell, station.instruments, station.documents, options);
+  desktop.Provide(WorkingArea::Calibration, [&] { return desktop.MakeCalibrationSetup(); });
   desktop.Provide(WorkingArea::Test, [&] { return desktop.MakeTestDefinition(); });
 
   dialogs.onEscape = [&] { desktop.EscapeInBox(); };

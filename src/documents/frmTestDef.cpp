@@ -1,6 +1,7 @@
 #include "documents/frmTestDef.h"
 
 #include "documents/Documents.h"
+#include "documents/qt/EntryControls.h"
 #include "documents/qt/EntryPrompt.h"
 #include "measure/ReadFreq.h"
 #include "platform/qt/FileDrop.h"
@@ -55,43 +56,6 @@ void WalkEntries(const Ui::frmTestDef& ui, TestDefinitionEntries& e, const Visit
   visit(*ui.txtEUTCircuitImpedance, e.EUTCircuitImpedance);
 }
 
-using Options = std::initializer_list<QRadioButton*>;
-
-/// An option button alone can't be unselected: its group would be left without a choice, which is what is wanted here.
-void SetSelected(QAbstractButton& button, bool selected) {
-  const bool exclusive = button.autoExclusive();
-  button.setAutoExclusive(false);
-  button.setChecked(selected);
-  button.setAutoExclusive(exclusive);
-}
-
-struct Shower {
-  void operator()(PathLabel& label, std::string& path) const { FitPathLabel(path, label); }
-  void operator()(QLineEdit& box, std::string& text) const { box.setText(ToQt(text)); }
-  void operator()(QAbstractButton& button, bool& chosen) const { SetSelected(button, chosen); }
-  void operator()(Options options, std::int32_t& code) const {
-    std::int32_t option = 0;
-    for (QRadioButton* const button : options) SetSelected(*button, option++ == code);
-  }
-};
-
-struct Reader {
-  void operator()(PathLabel& label, std::string& path) const { path = label.Path(); }
-  void operator()(QLineEdit& box, std::string& text) const { text = FromQt(box.text()); }
-  void operator()(QAbstractButton& button, bool& chosen) const { chosen = button.isChecked(); }
-  void operator()(Options options, std::int32_t& code) const {
-    code = 0;
-    for (QRadioButton* const button : options) {
-      if (button->isChecked()) return;
-      ++code;
-    }
-  }
-};
-
-void Enable(bool enabled, std::initializer_list<QWidget*> controls) {
-  for (QWidget* const control : controls) control->setEnabled(enabled);
-}
-
 }  // namespace
 
 frmTestDef::frmTestDef(Shell& shell, Documents& documents, QWidget* parent)
@@ -109,8 +73,6 @@ frmTestDef::frmTestDef(Shell& shell, Documents& documents, QWidget* parent)
   ConnectRules();
   Offer(false);
   new FileDrop(this, QStringLiteral("tst"), [this](const QString& path) { LoadFile(path); });
-  // A box would take a dropped file for text.
-  for (QLineEdit* const box : findChildren<QLineEdit*>()) box->setAcceptDrops(false);
   calInfoOfRecord_ = documents_.calInfo.Record;
   DefToForm();
   ShowCalInfo();
@@ -183,12 +145,12 @@ bool frmTestDef::QueryUnload() {
 
 TestDefinitionEntries frmTestDef::Entries() const {
   TestDefinitionEntries entries;
-  WalkEntries(*ui_, entries, Reader());
+  WalkEntries(*ui_, entries, EntryReader());
   return entries;
 }
 
 void frmTestDef::ShowEntries(TestDefinitionEntries entries) {
-  WalkEntries(*ui_, entries, Shower());
+  WalkEntries(*ui_, entries, EntryShower());
   SetSelected(*ui_->optSubstitution, !entries.RealTimeLevel);
   EnableControls();
 }
@@ -227,22 +189,22 @@ void frmTestDef::ShowFile() {
   setWindowTitle(QStringLiteral("Test Definition File: ") + path);
   const QString name = QString(path).replace(QLatin1Char('&'), QLatin1String("&&"));
   ui_->mnuFileSave->setText(name.isEmpty() ? QStringLiteral("&Save") : QStringLiteral("&Save ") + name);
-  Enable(!readOnly,
-         {ui_->fraFeedback, ui_->fraCalFileData, ui_->fraLevelingMode, ui_->fraLevelRamping, ui_->cmdCalFile});
+  EnableAll(!readOnly,
+            {ui_->fraFeedback, ui_->fraCalFileData, ui_->fraLevelingMode, ui_->fraLevelRamping, ui_->cmdCalFile});
   readOnlyNotice_->setVisible(readOnly);
 }
 
 void frmTestDef::EnableControls() {
   const EnabledControls enabled = EnabledControlsFor(Entries());
-  Enable(enabled.ModOffBetweenFreqs, {ui_->chkModOffBetweenFreqs});
-  Enable(enabled.AmControls,
-         {ui_->chkConstPeak, ui_->txtAmDepth, ui_->lblAmDepth, ui_->txtAmModFreq, ui_->lblAmModFreq});
-  Enable(enabled.UseAMdepth, {ui_->chkUseAMdepth});
-  Enable(enabled.FmControls, {ui_->txtFmDev, ui_->lblFmDev, ui_->txtFmModFreq, ui_->lblFmModFreq});
-  Enable(enabled.PulseControls, {ui_->txtPulsePeriod, ui_->lblPulsePeriod, ui_->txtPulseWidth, ui_->lblPulseWidth});
-  Enable(enabled.ProbeControls,
-         {ui_->chkLimitCurrent, ui_->txtEUTCircuitImpedance, ui_->lblEUTCircuitImpedance, ui_->lblImpedanceUnit});
-  Enable(enabled.LimitMargin, {ui_->txtLimitMargin, ui_->lblLimitMargin, ui_->lblLimitMargin2});
+  EnableAll(enabled.ModOffBetweenFreqs, {ui_->chkModOffBetweenFreqs});
+  EnableAll(enabled.AmControls,
+            {ui_->chkConstPeak, ui_->txtAmDepth, ui_->lblAmDepth, ui_->txtAmModFreq, ui_->lblAmModFreq});
+  EnableAll(enabled.UseAMdepth, {ui_->chkUseAMdepth});
+  EnableAll(enabled.FmControls, {ui_->txtFmDev, ui_->lblFmDev, ui_->txtFmModFreq, ui_->lblFmModFreq});
+  EnableAll(enabled.PulseControls, {ui_->txtPulsePeriod, ui_->lblPulsePeriod, ui_->txtPulseWidth, ui_->lblPulseWidth});
+  EnableAll(enabled.ProbeControls,
+            {ui_->chkLimitCurrent, ui_->txtEUTCircuitImpedance, ui_->lblEUTCircuitImpedance, ui_->lblImpedanceUnit});
+  EnableAll(enabled.LimitMargin, {ui_->txtLimitMargin, ui_->lblLimitMargin, ui_->lblLimitMargin2});
 }
 
 void frmTestDef::ClickConstPeak() {

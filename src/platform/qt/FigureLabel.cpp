@@ -1,4 +1,4 @@
-#include "testrun/qt/FigureLabel.h"
+#include "platform/qt/FigureLabel.h"
 
 #include <QFontMetricsF>
 #include <QPainter>

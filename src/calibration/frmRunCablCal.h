@@ -1,0 +1,47 @@
+#pragma once
+
+#include <memory>
+
+#include "calibration/CableCalibration.h"
+#include "calibration/qt/CalibrationTable.h"
+#include "calibration/qt/CalibrationWindow.h"
+
+namespace hylden {
+
+namespace Ui {
+class frmRunCablCal;
+}
+
+/// The two passes of a cable insertion-loss calibration.
+class frmRunCablCal : public CalibrationWindow {
+  Q_OBJECT
+
+ public:
+  /// @param calibration  planned; must outlive the form
+  frmRunCablCal(Shell& shell, Instruments& instruments, RunCablCal& calibration, QWidget* parent = nullptr);
+  ~frmRunCablCal() override;
+
+  QString HelpTopic() const override { return QStringLiteral("insertion loss"); }
+
+ signals:
+  /// A pass starts: through the cable, or straight.
+  void PassStarting(bool inserted);
+
+ private:
+  void Running(bool running) override;
+  void MeterLevel(double levelDbuv) override;
+  void TableCut(int rows) override;
+
+  void StartPass(bool inserted);
+  void EnablePasses(bool enabled);
+  void Save();
+  std::string Cell(std::size_t row, std::size_t column) const;
+
+  RunCablCal& run_;
+  std::unique_ptr<Ui::frmRunCablCal> ui_;
+  CalibrationTable table_;
+  bool inserted_ = false;     ///< the pass that is shown
+  std::size_t measured_ = 0;  ///< how many points this pass has measured
+};
+
+}  // namespace hylden

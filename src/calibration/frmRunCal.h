@@ -1,0 +1,46 @@
+#pragma once
+
+#include <memory>
+
+#include "calibration/LevelCalibration.h"
+#include "calibration/qt/CalibrationTable.h"
+#include "calibration/qt/CalibrationWindow.h"
+
+namespace hylden {
+
+namespace Ui {
+class frmRunCal;
+}
+
+/// The running level calibration: its figures, its points and its buttons.
+class frmRunCal : public CalibrationWindow {
+  Q_OBJECT
+
+ public:
+  frmRunCal(Shell& shell, Instruments& instruments, Documents& documents, QWidget* parent = nullptr);
+  ~frmRunCal() override;
+
+  /// Plans the run and loads its tables; what fails has been shown, and Start can't be pressed.
+  void Load();
+
+  const LevelCalibration& Calibration() const { return calibration_; }
+  bool AsksToSave() const override { return calibration_.AsksToSave(); }
+  QString HelpTopic() const override { return QStringLiteral("Calibrating"); }
+
+ private:
+  void StartAfresh() override;
+  void Running(bool running) override;
+  void TestLevel(double volts) override;
+  void CableLoss(double db) override;
+  void ForwardPower(double watts) override;
+
+  void EnableSave(bool enabled);
+  void Save();
+
+  std::unique_ptr<Ui::frmRunCal> ui_;
+  LevelCalibration calibration_;
+  CalibrationTable table_;
+  bool ready_ = false;
+};
+
+}  // namespace hylden

@@ -1,0 +1,217 @@
+#include "calibration/qt/CalibrationWindow.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QMenu>
+#include <QProgressBar>
+#include <QStatusBar>
+#include <QTableView>
+#include <algorithm>
+#include <exception>
+
+#include "calibration/qt/CalibrationTable.h"
+#include "instruments/SigGen.h"
+#include "platform/qt/LabelText.h"
+#include "platform/qt/RfLamp.h"
+#include "platform/qt/TableFollower.h"
+#include "shell/Shell.h"
+
+namespace hylden {
+
+namespace {
+
+constexpr int kRfWatchMs = 100;
+constexpr std::string_view kRange = "####0.0#####", kDwell = "##0.0##", kMinutes = "###0.0#";
+constexpr char kIdle[] = "Idle";
+
+}  // namespace
+
+CalibrationWindow::CalibrationWindow(Shell& shell, SigGen& sigGen, QWidget* parent)
+    : WorkingForm(parent),
+      shell_(shell),
+      sigGen_(sigGen),
+      escape_([this](const QWidget& window) { return &window == this; }, [this] { PressHalt(); }) {
+  rfWatch_.setInterval(kRfWatchMs);
+  connect(&rfWatch_, &QTimer::timeout, this, &CalibrationWindow::ShowRf);
+}
+
+void CalibrationWindow::SetUp(const Controls& controls, const Patterns& patterns, CalibrationTable& table) {
+  controls_ = controls;
+  patterns_ = patterns;
+  table_ = &table;
+  controls_.Table->setModel(table_);
+  follower_ = new TableFollower(*controls_.Table);
+  SetUpStatusBar();
+  controls_.Halt->setEnabled(false);
+  connect(controls_.Halt, &QAbstractButton::clicked, this, [this] {
+    shell_.delay.RequestHalt();
+    Status("Halting...");
+  });
+  connect(controls_.Exit, &QAbstractButton::clicked, this, &QWidget::close);
+  StartAfresh();
+  Status({});
+}
+
+void CalibrationWindow::SetUpStatusBar() {
+  const auto panel = [this](const char* name, const char* meaning) {
+    auto* const label = new QLabel;
+    label->setObjectName(QString::fromLatin1(name));
+    label->setAccessibleName(QString::fromLatin1(meaning));
+    label->setToolTip(label->accessibleName());
+    label->setTextFormat(Qt::PlainText);
+    return label;
+  };
+  statusPanel_ = panel("pnlStatus", "State of the run");
+  stepPanel_ = panel("pnlStep", "The frequency that was completed last");
+  dwellPanel_ = panel("pnlDwell", "What is left of the wait, seconds");
+  statusBar()->addWidget(statusPanel_, 1);
+  statusBar()->addPermanentWidget(stepPanel_);
+  statusBar()->addPermanentWidget(dwellPanel_);
+}
+
+void CalibrationWindow::StartAfresh() {
+  for (QLabel* const label :
+       {controls_.Freq, controls_.SigGen, controls_.MeterLevel, controls_.Step, controls_.Elapsed, controls_.Remaining})
+    ShowText(*label, QString::fromLatin1(kNoFigure));
+  stepPanel_->clear();
+  ClearCountdown();
+  controls_.Progress->setValue(0);
+  follower_->StartAfresh();
+}
+
+void CalibrationWindow::ClearCountdown() {
+  ShowText(*controls_.Countdown, QString::fromLatin1(kNoFigure));
+  dwellPanel_->clear();
+}
+
+void CalibrationWindow::RunFrom(const std::function<void()>& run) {
+  if (inRun_) return;
+  inRun_ = true;
+  escape_.Start();
+  rfWatch_.start();
+  std::exception_ptr programEnd;
+  try {
+    run();
+  } catch (...) {
+    programEnd = std::current_exception();
+  }
+  rfWatch_.stop();
+  escape_.Stop();
+  inRun_ = false;
+  ShowRf();
+  // Not before the press has returned: the button that was pressed goes with the form.
+  if (closePending_) QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+  closePending_ = false;
+  // It goes on to the application from its event loop, since nothing may cross the button that was pressed.
+  if (programEnd)
+    QMetaObject::invokeMethod(
+        qApp, [programEnd] { std::rethrow_exception(programEnd); }, Qt::QueuedConnection);
+}
+
+void CalibrationWindow::Guard(const char* name, const std::function<void()>& command) {
+  try {
+    command();
+  } catch (const std::exception& error) {
+    shell_.ReportError(error, FromQt(objectName()) + "." + name);
+  }
+}
+
+void CalibrationWindow::PressHalt() {
+  controls_.Halt->click();
+}
+
+bool CalibrationWindow::QueryUnload() {
+  if (!inRun_) return true;
+  closePending_ = true;
+  // Also where the button can't be pressed: a run that is being brought up has to see it.
+  shell_.delay.RequestHalt();
+  PressHalt();
+  return false;
+}
+
+void CalibrationWindow::Running(bool running) {
+  controls_.Halt->setEnabled(running);
+  controls_.Exit->setEnabled(!running);
+  controls_.File->setEnabled(!running);
+  for (QAction* const action : controls_.File->actions()) action->setEnabled(!running);
+  if (running) {
+    StartAfresh();
+    controls_.Halt->setFocus();
+    return;
+  }
+  ClearCountdown();
+  Status({});
+  follower_->Follow();
+}
+
+void CalibrationWindow::Status(const std::string& text) {
+  const QString shown = text.empty() ? QString::fromLatin1(kIdle) : ToQt(text);
+  ShowText(*statusPanel_, shown);
+  ShowText(*controls_.State, shown);
+  ShowRf();
+}
+
+void CalibrationWindow::ShowRf() {
+  controls_.Rf->ShowRf(sigGen_.RfIsOn());
+}
+
+void CalibrationWindow::Busy(bool busy) {
+  if (busy)
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+  else
+    QApplication::restoreOverrideCursor();
+}
+
+void CalibrationWindow::Plan(const CalibrationPlan& plan) {
+  ShowText(*controls_.Steps, QString::number(plan.Points));
+  ShowNumber(*controls_.Start, plan.StartMHz, kRange);
+  ShowNumber(*controls_.Stop, plan.StopMHz, kRange);
+  ShowNumber(*controls_.Dwell, plan.DwellSeconds, kDwell);
+  controls_.Progress->setRange(0, std::max(1, plan.Points));
+  controls_.Progress->setValue(0);
+  if (plan.EstimatedMinutes > 0) Remaining(plan.EstimatedMinutes);
+}
+
+void CalibrationWindow::Countdown(double seconds) {
+  const QString left = ToQt(Format(std::max(0.0, seconds), "##0.0"));
+  ShowText(*controls_.Countdown, left);
+  ShowText(*dwellPanel_, QStringLiteral("Dwelling ") + left);
+}
+
+void CalibrationWindow::Frequency(double frequencyMHz) {
+  ShowNumber(*controls_.Freq, frequencyMHz, patterns_.Freq);
+}
+
+void CalibrationWindow::SigGenLevel(float levelDbm) {
+  ShowNumber(*controls_.SigGen, double{levelDbm}, patterns_.SigGen);
+  ShowRf();
+}
+
+void CalibrationWindow::MeterLevel(double levelDbuv) {
+  ShowNumber(*controls_.MeterLevel, levelDbuv, patterns_.MeterLevel);
+}
+
+void CalibrationWindow::Step(int step) {
+  ShowText(*controls_.Step, QString::number(step));
+  ShowText(*stepPanel_, QStringLiteral("Step Number %1").arg(step));
+  controls_.Progress->setValue(step);
+}
+
+void CalibrationWindow::Elapsed(double minutes) {
+  ShowNumber(*controls_.Elapsed, minutes, kMinutes);
+}
+
+void CalibrationWindow::Remaining(double minutes) {
+  ShowNumber(*controls_.Remaining, minutes, "###0.0");
+}
+
+void CalibrationWindow::TableCut(int rows) {
+  if (table_) table_->Cut(rows);
+}
+
+void CalibrationWindow::RowChanged(int row) {
+  table_->RowChanged(row);
+  follower_->RowChanged();
+}
+
+}  // namespace hylden

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <QTimer>
+#include <functional>
+#include <string_view>
+#include <vector>
+
+#include "calibration/CalibrationDisplay.h"
+#include "platform/qt/EscapeWatch.h"
+#include "shell/qt/WorkingForm.h"
+
+class QAbstractButton;
+class QLabel;
+class QMenu;
+class QProgressBar;
+class QTableView;
+
+namespace hylden {
+
+class CalibrationTable;
+class RfLamp;
+class Shell;
+class SigGen;
+class TableFollower;
+
+/// What the windows of a running calibration have in common: figures, progress, table, status bar, and a run inside
+/// the press of a button. Escape halts a run; closing the window during it halts it, lets it end in order, then closes.
+class CalibrationWindow : public WorkingForm, protected CalibrationDisplay {
+  Q_OBJECT
+
+ public:
+  CalibrationWindow(Shell& shell, SigGen& sigGen, QWidget* parent);
+
+  /// Halts the run as its button does; nothing when there is none.
+  void PressHalt();
+  /// The run is over, and the question whether to save its points stands on the screen.
+  virtual bool AsksToSave() const { return false; }
+
+ protected:
+  struct Controls {
+    QLabel *Freq, *SigGen, *MeterLevel, *Countdown;
+    QLabel *Step, *Steps, *Start, *Stop, *Dwell, *Elapsed, *Remaining, *State;
+    RfLamp* Rf;
+    QProgressBar* Progress;
+    QTableView* Table;
+    QMenu* File;
+    QAbstractButton *Halt, *Exit;
+  };
+  /// How the figures are written.
+  struct Patterns {
+    std::string_view Freq, SigGen, MeterLevel;
+  };
+
+  /// To be called once the controls are there.
+  void SetUp(const Controls& controls, const Patterns& patterns, CalibrationTable& table);
+  /// Runs the calibration; an exception that ends the program goes on to the application.
+  void RunFrom(const std::function<void()>& run);
+  /// Runs a command; what it could not foresee is reported.
+  void Guard(const char* name, const std::function<void()>& command);
+  /// Forgets the figures of the run before.
+  virtual void StartAfresh();
+  bool InRun() const { return inRun_; }
+
+  bool QueryUnload() override;
+
+  // The display.
+  void Running(bool running) override;
+  void Status(const std::string& text) override;
+  void Busy(bool busy) override;
+  void Plan(const CalibrationPlan& plan) override;
+  void Countdown(double seconds) override;
+  void Frequency(double frequencyMHz) override;
+  void SigGenLevel(float levelDbm) override;
+  void MeterLevel(double levelDbuv) override;
+  void Step(int step) override;
+  void Elapsed(double minutes) override;
+  void Remaining(double minutes) override;
+  void TableCut(int rows) override;
+  void RowChanged(int row) override;
+
+  Shell& shell_;
+
+ private:
+  void SetUpStatusBar();
+  void ShowRf();
+  void ClearCountdown();
+
+  SigGen& sigGen_;
+  Controls controls_ = {};
+  Patterns patterns_ = {};
+  CalibrationTable* table_ = nullptr;
+  TableFollower* follower_ = nullptr;
+  QLabel* statusPanel_ = nullptr;
+  QLabel* stepPanel_ = nullptr;
+  QLabel* dwellPanel_ = nullptr;
+  EscapeWatch escape_;
+  QTimer rfWatch_{this};  ///< RF can go off under a message box
+  bool inRun_ = false;    ///< the press that started a run has not returned yet
+  bool closePending_ = false;
+};
+
+}  // namespace hylden

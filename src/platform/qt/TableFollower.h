@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QObject>
+#include <QTimer>
+
+class QTableView;
+
+namespace hylden {
+
+/// Keeps the last row of a growing table in view, unless the operator has scrolled away from it. The table is moved at
+/// a pace of its own, however fast the rows come; its rows are of one height.
+class TableFollower : public QObject {
+  Q_OBJECT
+
+ public:
+  explicit TableFollower(QTableView& table);
+
+  /// A row was added or changed.
+  void RowChanged();
+  /// Goes to the last row at once.
+  void Follow();
+  /// The table is new: the last row is wanted again.
+  void StartAfresh() { following_ = true; }
+
+ private:
+  QTableView& table_;
+  QTimer timer_;
+  bool following_ = true;
+};
+
+}  // namespace hylden

@@ -1,0 +1,239 @@
+// The windows of the calibrations on the bench: set up, run, halted, closed in the middle, saved.
+
+#include <gmock/gmock.h>
+
+#include <QTabWidget>
+#include <QTableView>
+
+#include "calibration/frmCblSetup.h"
+#include "calibration/frmRunCablCal.h"
+#include "calibration/frmRunCal.h"
+#include "desktop/RunForms.h"
+#include "documents/frmCalSetup.h"
+#include "text/RecordFile.h"
+#include "text/TextFile.h"
+
+namespace hylden {
+namespace {
+
+class CalForms : public testing::Test {
+ protected:
+  void SetUp() override {
+    m.LoadStation();
+    ASSERT_TRUE(Cal().LoadDef("cdn-10v.csu"));
+    Cal().Record.StartFreq = 1, Cal().Record.StopFreq = 3, Cal().Record.StepType = 0;
+  }
+  CalSetup& Cal() { return m.station.documents.calSetup; }
+  bool RfIsOn() { return m.station.instruments.sigGen.RfIsOn(); }
+  std::unique_ptr<frmCalSetup> OpenSetup() {
+    return std::make_unique<frmCalSetup>(m.station.shell, m.station.instruments, m.station.documents);
+  }
+  std::unique_ptr<frmRunCal> OpenRun() {
+    auto form = std::make_unique<frmRunCal>(m.station.shell, m.station.instruments, m.station.documents);
+    form->OpenFrom(&caller);
+    form->Load();
+    return form;
+  }
+  static std::string Cell(QWidget& form, const char* table, int row, int column) {
+    const QAbstractItemModel& model = *Find<QTableView>(form, table).model();
+    return model.index(row, column).data().toString().toStdString();
+  }
+  static int Rows(QWidget& form, const char* table) { return Find<QTableView>(form, table).model()->rowCount(); }
+
+  FakeDialogs dialogs;
+  BenchMachine m{dialogs};
+  QWidget caller;
+};
+
+TEST_F(CalForms, FirstOpeningShowsUsableDefaults) {
+  Cal().Record = {};
+  const auto form = OpenSetup();
+  EXPECT_EQ(TextOf(*form, "txtStartFreq"), "0.15");
+  EXPECT_EQ(TextOf(*form, "txtStopFreq"), "80");
+  EXPECT_EQ(TextOf(*form, "txtInitLev"), "-60");
+  EXPECT_EQ(TextOf(*form, "txtInterDwell"), "1.0");
+  EXPECT_EQ(Cal().Record.Dwell, double{m.station.instruments.meter.SettlingTime()});
+}
+
+TEST_F(CalForms, EveryEntryComesBackFromTheForm) {
+  CalSetupRecord& setup = Cal().Record;
+  setup.StepType = 2, setup.ListFile = "radio-services.lst", setup.LinearStep = 2, setup.LogStep = 3;
+  setup.LimitType = 1, setup.LimitFile = "stepped.lev", setup.CalLevel = 7, setup.MaxLevel = -5, setup.MaxStep = 4;
+  setup.InitLevel = -41, setup.RecordFwdPwr = setup.RecordRevPwr = setup.LimitFwdPwr = 1, setup.FwdPwrLimit = 12;
+  setup.Dwell = 0.5, setup.CouplingMethod = 3, setup.AmpUsed = "A", setup.DeviceDescription = "D";
+  const auto form = OpenSetup();
+  const std::string before = m.directory.File("before.csu"), after = m.directory.File("after.csu");
+  SaveRecord(before, setup);
+  setup.Dwell = 9, setup.CouplingMethod = 0, setup.AmpUsed = setup.ListFile = setup.LimitFile = "";
+  setup.StepType = setup.LimitType = setup.RecordFwdPwr = setup.RecordRevPwr = setup.LimitFwdPwr = 0;
+  setup.StartFreq = setup.StopFreq = 1;
+  setup.MaxLevel = setup.MaxStep = setup.InitLevel = setup.FwdPwrLimit = 0;
+  ASSERT_TRUE(form->FormToSetup(true)) << dialogs.LastText();
+  SaveRecord(after, setup);
+  EXPECT_EQ(ReadLines(after), ReadLines(before));
+}
+
+TEST_F(CalForms, InvalidEntryIsShownOnItsPage) {
+  const struct {
+    const char *box, *text;
+    int tab;
+    const char* told;
+  } cases[] = {{"txtStartFreq", "abc", 0, "Value not a number, re-enter"},
+               {"txtStopFreq", "1", 0, "Number outside valid range, re-enter"},
+               {"txtMaxStep", "0", 1, "Number outside valid range, re-enter"},
+               {"txtFinalDwell", "-1", 1, "Number outside valid range, re-enter"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.box);
+    const auto form = OpenSetup();
+    form->show();
+    Find<QTabWidget>(*form, "tabSetup").setCurrentIndex(3);
+    Find<QLineEdit>(*form, c.box).setText(c.text);
+    Press(*form, "cmdStart");
+    EXPECT_EQ(Find<QTabWidget>(*form, "tabSetup").currentIndex(), c.tab);
+    EXPECT_EQ(dialogs.LastText(), c.told);
+  }
+}
+
+TEST_F(CalForms, ListStepsWithoutAFileOpenThePickerInsteadOfStarting) {
+  Cal().Record.ListFile.clear();
+  const auto form = OpenSetup();
+  bool started = false;
+  QObject::connect(form.get(), &frmCalSetup::StartRequested, [&] { started = true; });
+  Press(*form, "optListStep");
+  dialogs.AnswerOpen("radio-services.lst");
+  Press(*form, "cmdStart");
+  EXPECT_FALSE(started);
+  EXPECT_EQ(dialogs.LastText(), "Need filename, please pick frequency list file");
+  EXPECT_EQ(TextOf(*form, "txtStartFreq"),
+            std::to_string(Cal().Record.StartFreq).substr(0, TextOf(*form, "txtStartFreq").size()));
+  Press(*form, "cmdStart");
+  EXPECT_TRUE(started) << dialogs.LastText();
+}
+
+TEST_F(CalForms, ClosingKeepsWhatWasTyped) {
+  const auto form = OpenSetup();
+  Find<QLineEdit>(*form, "txtMaxLev").setText("-99");
+  Find<QLineEdit>(*form, "txtStartFreq").setText("nothing");
+  form->close();
+  EXPECT_TRUE(dialogs.messages.empty());
+  EXPECT_EQ(Cal().Record.MaxLevel, -99.0F);
+  EXPECT_EQ(Cal().Record.StartFreq, 1);
+}
+
+TEST_F(CalForms, FileThatDoesNotLoadCostsNothing) {
+  const auto form = OpenSetup();
+  m.directory.Write("short.csu", "5\r\n6\r\n");
+  form->LoadFile(QString::fromStdString(m.directory.File("short.csu")));
+  EXPECT_EQ(Cal().Record.StartFreq, 1);
+  EXPECT_EQ(form->windowTitle(), "Cal Setup File: ");
+  EXPECT_EQ(dialogs.messages.size(), 1U);
+}
+
+TEST_F(CalForms, MissingCableLossLeadsToTheFactorTables) {
+  m.station.documents.equip.Record.CableLossFile.clear();
+  const auto form = OpenSetup();
+  int tab = -1;
+  QObject::connect(form.get(), &frmCalSetup::EditEquipmentRequested, [&](int page) { tab = page; });
+  Press(*form, "cmdStart");
+  EXPECT_EQ(tab, 1);
+  EXPECT_EQ(dialogs.LastText(), "No cable loss file has been selected");
+}
+
+TEST_F(CalForms, WholeRunIsShownAndSaved) {
+  const auto form = OpenRun();
+  EXPECT_EQ(form->windowTitle(), "CDI Calibration: 10 V, 0.15 to 230 MHz");
+  const std::string file = m.directory.File("done.cal");
+  dialogs.AnswerSave(file);
+  bool lit = false;
+  m.events.onYield = [&] {
+    lit = lit || TextOf(*form, "lblRf") == "RF ON";
+    EXPECT_FALSE(Find<QWidget>(*form, "cmdStart").isEnabled() || Find<QWidget>(*form, "cmdExit").isEnabled());
+  };
+  Press(*form, "cmdStart");
+  EXPECT_TRUE(lit);
+  EXPECT_FALSE(RfIsOn());
+  EXPECT_EQ(TextOf(*form, "lblRf"), "RF off");
+  ASSERT_EQ(Rows(*form, "flxCalData"), 3);
+  EXPECT_EQ(Cell(*form, "flxCalData", 2, 0), "3.0");
+  EXPECT_EQ(Cell(*form, "flxCalData", 0, 2), "140.00");
+  EXPECT_EQ(TextOf(*form, "pnlStep"), "Step Number 3");
+  EXPECT_EQ(ReadLines(file).size(), 3U);
+  EXPECT_TRUE(Find<QWidget>(*form, "cmdSave").isEnabled() && Find<QWidget>(*form, "cmdStart").isEnabled());
+}
+
+TEST_F(CalForms, EscapeHaltsAndClosingWaitsForTheEnd) {
+  dialogs.Answer(MessageAnswer::No);
+  auto form = OpenRun();
+  m.When([&] { return TextOf(*form, "lblFreq") == "2.0" && RfIsOn(); },
+         [&] { QTest::keyClick(&Find<QTableView>(*form, "flxCalData"), Qt::Key_Escape); });
+  Press(*form, "cmdStart");
+  EXPECT_EQ(m.ActionsLeft(), 0U);
+  EXPECT_EQ(Rows(*form, "flxCalData"), 1);
+  EXPECT_FALSE(RfIsOn());
+  EXPECT_TRUE(form->isVisible());
+
+  dialogs.Answer(MessageAnswer::No);
+  m.When([&] { return TextOf(*form, "lblFreq") == "3.0" && RfIsOn(); },
+         [&] {
+           form->close();
+           EXPECT_TRUE(form->isVisible());
+         });
+  Press(*form, "cmdStart");
+  QCoreApplication::processEvents();
+  EXPECT_FALSE(form->isVisible());
+  EXPECT_TRUE(caller.isVisible());
+  EXPECT_FALSE(RfIsOn());
+  EXPECT_EQ(form->Calibration().Rows().size(), 2U);
+}
+
+TEST_F(CalForms, RunThatCanNotBePreparedCanNotBeStarted) {
+  Cal().Record.StopFreq = 5000;
+  const auto form = OpenRun();
+  EXPECT_EQ(dialogs.LastText(), "Cable loss file does not cover frequency range");
+  EXPECT_FALSE(Find<QWidget>(*form, "cmdStart").isEnabled());
+}
+
+TEST_F(CalForms, UserDefinedFactorLowersTheReadingThatIsWanted) {
+  Cal().Record.RecordFwdPwr = Cal().Record.RecordRevPwr = Cal().Record.LimitFwdPwr = 0;
+  const auto setup = OpenSetup();
+  Press(*setup, "optUserDefinedCF");
+  Find<QLineEdit>(*setup, "txtUserDefCF").setText("9.5");
+  ASSERT_TRUE(setup->FormToSetup(true)) << dialogs.LastText();
+  EXPECT_EQ(Cal().CouplingFactor(), 9.5);
+}
+
+TEST_F(CalForms, BothCablePassesGiveTheLoss) {
+  RunCablCal calibration(m.station.shell, m.station.instruments);
+  frmCblSetup setup(m.station.shell, m.station.documents, calibration);
+  bool started = false;
+  QObject::connect(&setup, &frmCblSetup::StartRequested, [&] { started = true; });
+  Press(setup, "cmdStart");
+  EXPECT_EQ(dialogs.LastText(), "Value not a number, re-enter");
+  Find<QLineEdit>(setup, "txtStartFreq").setText("1");
+  Find<QLineEdit>(setup, "txtStopFreq").setText("2");
+  Find<QLineEdit>(setup, "txtLogStep").setText("50");
+  Press(setup, "cmdStart");
+  ASSERT_TRUE(started);
+
+  frmRunCablCal form(m.station.shell, m.station.instruments, calibration);
+  QObject::connect(&form, &frmRunCablCal::PassStarting,
+                   [&](bool inserted) { m.bench.Connect(inserted ? MeterAt::Cable : MeterAt::Generator); });
+  form.show();
+  Press(form, "cmdInsert");
+  EXPECT_EQ(dialogs.LastText(), "You must take direct readings first");
+  Press(form, "cmdDirect");
+  ASSERT_EQ(Rows(form, "lvwData"), 3);
+  EXPECT_NE(Cell(form, "lvwData", 1, 2), "");
+  EXPECT_EQ(Cell(form, "lvwData", 1, 4), "");
+  Press(form, "cmdInsert");
+  const double loss = std::stod(Cell(form, "lvwData", 1, 4));
+  EXPECT_NEAR(loss, m.bench.Config().CableUnderTest.At(1.5), 0.1);
+  EXPECT_FALSE(RfIsOn());
+  const std::string file = m.directory.File("cable.los");
+  dialogs.AnswerSave(file);
+  Press(form, "cmdSave");
+  EXPECT_EQ(ReadLines(file).size(), 15U);
+}
+
+}  // namespace
+}  // namespace hylden
