@@ -106,11 +106,12 @@ TEST(QtPrinter, FileThatCanNotBeWrittenIsAFailure) {
 }
 
 TEST(Tone, WaveHasTheLengthAskedFor) {
-  const QByteArray wave = ToneWave(1000, 200);
+  const QByteArray wave = ToneWave({{1000, 200}});
   EXPECT_TRUE(wave.startsWith("RIFF"));
   EXPECT_EQ(wave.size(), 44 + 2 * 22050 / 5);
-  EXPECT_EQ(ToneWave(1000, -1).size(), 44);
-  EXPECT_EQ(ToneWave(1000, 1 << 30).size(), 44 + 2 * 22050 * 5);
+  EXPECT_EQ(ToneWave({{1000, -1}}).size(), 44);
+  EXPECT_EQ(ToneWave({{1000, 1 << 30}}).size(), 44 + 2 * 22050 * 5);
+  EXPECT_EQ(ToneWave({{1000, 40}, {1176, 40}, {870, 120}}).size(), wave.size()) << "tones in a row";
 }
 
 TEST(SingleInstance, SecondOneIsRefusedUntilTheFirstHasGone) {

@@ -29,20 +29,30 @@ void WriteHeader(QDataStream& out, quint32 dataBytes) {
   out << dataBytes;
 }
 
-}  // namespace
+int SamplesOf(const Tone& tone) {
+  return kSampleRate * std::clamp(tone.durationMs, 0, kLongestMs) / 1000;
+}
 
-QByteArray ToneWave(int frequencyHz, int durationMs) {
-  const int samples = kSampleRate * std::clamp(durationMs, 0, kLongestMs) / 1000;
-  QByteArray wave;
-  QDataStream out(&wave, QIODevice::WriteOnly);
-  out.setByteOrder(QDataStream::LittleEndian);
-  WriteHeader(out, static_cast<quint32>(samples * kBytesPerSample));
-  const double step = 2 * std::numbers::pi * frequencyHz / kSampleRate;
+void WriteTone(QDataStream& out, const Tone& tone) {
+  const int samples = SamplesOf(tone);
+  const double step = 2 * std::numbers::pi * tone.frequencyHz / kSampleRate;
   for (int i = 0; i < samples; ++i) {
     // A tone that starts or ends at full height clicks.
     const double fade = std::min({1.0, double(i) / kFadeSamples, double(samples - i) / kFadeSamples});
     out << static_cast<qint16>(kLoudness * fade * std::sin(step * i));
   }
+}
+
+}  // namespace
+
+QByteArray ToneWave(const std::vector<Tone>& tones) {
+  int samples = 0;
+  for (const Tone& tone : tones) samples += SamplesOf(tone);
+  QByteArray wave;
+  QDataStream out(&wave, QIODevice::WriteOnly);
+  out.setByteOrder(QDataStream::LittleEndian);
+  WriteHeader(out, static_cast<quint32>(samples * kBytesPerSample));
+  for (const Tone& tone : tones) WriteTone(out, tone);
   return wave;
 }
 
@@ -64,26 +74,34 @@ const std::optional<QtSpeaker::Player>& QtSpeaker::FindPlayer() {
 }
 
 void QtSpeaker::Beep(int frequencyHz, int durationMs) {
-  const std::optional<Player>& player = FindPlayer();
-  if (!player) {
+  if (!FindPlayer()) {
     QApplication::beep();
     return;
   }
+  waiting_.push_back({frequencyHz, durationMs});
+  if (!sounding_) Sound();
+}
+
+void QtSpeaker::Sound() {
   auto* const process = new QProcess(this);
-  connect(process, &QProcess::errorOccurred, process, [process](QProcess::ProcessError error) {
-    if (error != QProcess::FailedToStart) return;
-    QApplication::beep();
-    process->deleteLater();
+  connect(process, &QProcess::errorOccurred, this, [this, process](QProcess::ProcessError error) {
+    if (error == QProcess::FailedToStart) Sounded(process, false);
   });
-  connect(process, &QProcess::finished, process, [process](int exitCode) {
-    if (exitCode != 0) QApplication::beep();
-    process->deleteLater();
-  });
+  connect(process, &QProcess::finished, this, [this, process](int exitCode) { Sounded(process, exitCode == 0); });
   process->setStandardOutputFile(QProcess::nullDevice());
   process->setStandardErrorFile(QProcess::nullDevice());
-  process->start(player->program, player->arguments);
-  process->write(ToneWave(frequencyHz, durationMs));
+  sounding_ = true;
+  process->start(player_->program, player_->arguments);
+  process->write(ToneWave(waiting_));
   process->closeWriteChannel();
+  waiting_.clear();
+}
+
+void QtSpeaker::Sounded(QProcess* process, bool heard) {
+  process->deleteLater();
+  sounding_ = false;
+  if (!heard) QApplication::beep();
+  if (!waiting_.empty()) Sound();
 }
 
 }  // namespace hylden

@@ -5,12 +5,22 @@
 #include <QString>
 #include <QStringList>
 #include <optional>
+#include <vector>
 
 #include "platform/Speaker.h"
 
+class QProcess;
+
 namespace hylden {
 
-/// Tones through the sound system's own player, which runs on its own; without one, or when it fails, the bell.
+/// A tone to be heard.
+struct Tone {
+  int frequencyHz = 0;
+  int durationMs = 0;
+};
+
+/// Tones through the sound system's own player, which runs on its own, one after the other; without a player, or when
+/// it fails, the bell.
 class QtSpeaker : public QObject, public Speaker {
  public:
   void Beep(int frequencyHz, int durationMs) override;
@@ -21,12 +31,18 @@ class QtSpeaker : public QObject, public Speaker {
     QStringList arguments;
   };
   const std::optional<Player>& FindPlayer();
+  /// Plays all that waits as one piece.
+  void Sound();
+  void Sounded(QProcess* process, bool heard);
 
+  std::vector<Tone> waiting_;
+  bool sounding_ = false;
   bool searched_ = false;
   std::optional<Player> player_;
 };
 
-/// A sine tone as a WAV file (mono, 16 bits, 22050 Hz) with soft ends. The duration is held to 5 s.
-QByteArray ToneWave(int frequencyHz, int durationMs);
+/// Sine tones one after the other as a WAV file (mono, 16 bits, 22050 Hz), each with soft ends. A tone's duration is
+/// held to 5 s.
+QByteArray ToneWave(const std::vector<Tone>& tones);
 
 }  // namespace hylden
