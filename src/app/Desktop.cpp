@@ -1,5 +1,6 @@
 #include "app/Desktop.h"
 
+#include <QCoreApplication>
 #include <QTimer>
 #include <utility>
 
@@ -13,6 +14,7 @@
 #include "documents/frmTestDef.h"
 #include "instruments/Instruments.h"
 #include "platform/qt/QtText.h"
+#include "shell/FormInput.h"
 #include "shell/Shell.h"
 #include "shell/TopMenu.h"
 #include "shell/frmHelp.h"
@@ -148,7 +150,9 @@ void Desktop::Cable(CalibrationCabling cabling) {
 void Desktop::ShowHelp(const QString& topic) {
   if (!help_) {
     auto help = std::make_unique<frmHelp>();
-    if (!help->LoadFile(ToQt(helpFile_))) {
+    // A program directory of the user's own holds no help; the executable's does.
+    const QString beside = QCoreApplication::applicationDirPath() + QStringLiteral("/") + ToQt(FileNameOnly(helpFile_));
+    if (!help->LoadFile(ToQt(helpFile_)) && !help->LoadFile(beside)) {
       shell_.dialogs.Tell("The help file can't be read:\r\n" + helpFile_, MessageIcon::Exclamation);
       return;
     }
@@ -172,6 +176,8 @@ void Desktop::CloseAll() {
   closing_ = true;
   // A message may stand on the screen with RF on behind it: the halt comes before its answer.
   shell_.delay.RequestHalt();
+  // A session that ends may not wait for the run to end in order.
+  if (instruments_.sigGen.RfIsOn()) instruments_.sigGen.SilenceRf();
   // The question whether to save waits for its answer: closed, it would lose what was measured.
   const bool asking = (testRun_ && testRun_->AsksToSave()) || (calibrationRun_ && calibrationRun_->AsksToSave());
   if (options_.onEnding && !asking) options_.onEnding();
