@@ -23,6 +23,7 @@
 #include "app/Desktop.h"
 #include "app/Station.h"
 #include "bench/BenchConfig.h"
+#include "documents/frmCalSetup.h"
 #include "documents/frmTestDef.h"
 #include "platform/VirtualTime.h"
 #include "platform/qt/QtDialogs.h"
@@ -169,6 +170,24 @@ void PrintReports(frmRunTest& run, QtPrinter& printer, const QDir& output) {
   }
 }
 
+/// The calibration setup, and a calibration of a few points.
+void PictureCalibration(Desktop& desktop, Tour& tour) {
+  Tour::Press(desktop.Menu(), "cmdCalibration");
+  auto& setup = dynamic_cast<frmCalSetup&>(Window("frmCalSetup"));
+  setup.LoadFile(QStringLiteral("cdn-10v.csu"));
+  Find<QLineEdit>(setup, "txtLogStep").setText(QStringLiteral("20"));
+  tour.GrabTabs(setup, "calibration-setup");
+  Tour::Press(setup, "cmdStart");
+  QWidget& run = Window("frmRunCal");
+  tour.OnBox("Save Calibration", "calibration-save-question", QMessageBox::No);
+  Tour::Press(run, "cmdStart");
+  tour.Grab(run, "calibration-finished");
+  run.close();
+  Settle();
+  setup.close();
+  Settle();
+}
+
 int TakePictures(const QString& output) {
   const QTemporaryDir home;
   std::filesystem::copy_file(std::filesystem::path(QApplication::applicationDirPath().toStdString()) / "hylden.hlp",
@@ -186,6 +205,7 @@ int TakePictures(const QString& output) {
   Desktop desktop(station.shell, station.instruments, station.documents, options);
   Tour tour(output);
 
+  desktop.Provide(WorkingArea::Calibration, [&] { return desktop.MakeCalibrationSetup(); });
   desktop.Provide(WorkingArea::Test, [&] { return desktop.MakeTestDefinition(); });
   desktop.Start("\"/e:station.eqp\"");
   tour.Grab(desktop.Menu(), "main-menu");
@@ -193,6 +213,8 @@ int TakePictures(const QString& output) {
   tour.GrabTabs(Window("frmEquipment"), "station");
   Window("frmEquipment").close();
   Settle();
+
+  PictureCalibration(desktop, tour);
 
   Tour::Press(desktop.Menu(), "cmdRunTest");
   auto& definition = dynamic_cast<frmTestDef&>(Window("frmTestDef"));
