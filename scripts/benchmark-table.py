@@ -2,7 +2,8 @@
 """Runs the given benchmark programs and prints their figures against their limits, the median of several repetitions.
 
 A benchmark states its limits itself: the counter time_limit_ns limits its time per iteration, X_limit the counter X.
-Times are processor times, which other work on the machine lengthens little.
+Times are processor times, which other work on the machine lengthens little; real_time_limit_ns limits the elapsed time
+of one that starts other processes.
 """
 
 import json
@@ -32,8 +33,9 @@ def figures(row):
     """What the row tells: (figure, value, limit or None, whether it is within)."""
     if row.get("error_occurred"):
         return [("time", row.get("error_message", "failed"), "", False)]
-    time = row["cpu_time"] * NANOSECONDS[row["time_unit"]]
-    limit = row.get("time_limit_ns")
+    real = "real_time_limit_ns" in row
+    time = row["real_time" if real else "cpu_time"] * NANOSECONDS[row["time_unit"]]
+    limit = row.get("real_time_limit_ns" if real else "time_limit_ns")
     found = []
     if limit or not any(name.endswith("_limit") for name in row):
         found.append(("time", time_text(time), time_text(limit) if limit else "", limit is None or time <= limit))
