@@ -160,7 +160,7 @@ void HaltToRfOff(benchmark::State& state) {
   state.counters["p50_ms"] = Percentile(milliseconds, 50);
   LimitFigure(state, "p99_ms", Percentile(milliseconds, 99), 10);
 }
-BENCHMARK(HaltToRfOff)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(HaltToRfOff)->Iterations(1)->Repetitions(1)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace hylden

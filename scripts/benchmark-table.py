@@ -15,11 +15,12 @@ NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 
 def results(program):
-    """The median rows, and the rows of benchmarks that failed."""
+    """The median rows, those of benchmarks that ask for one repetition only, and those of benchmarks that failed."""
     command = [program, "--benchmark_format=json", f"--benchmark_repetitions={REPETITIONS}"]
     output = subprocess.run(command, stdout=subprocess.PIPE, check=True, text=True).stdout
     rows = json.loads(output)["benchmarks"]
-    return [row for row in rows if row.get("error_occurred") or row.get("aggregate_name") == "median"]
+    wanted = [row for row in rows if row.get("aggregate_name") == "median" or row["repetitions"] == 1]
+    return [row for row in rows if row.get("error_occurred")] + wanted
 
 
 def time_text(nanoseconds):
