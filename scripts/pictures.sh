@@ -4,7 +4,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
 
-cmake --preset dev >/dev/null
+cmake --preset dev -DHYLDEN_TESTS=ON >/dev/null
 cmake --build --preset dev --target hylden-pictures
 reports=build/demo/reports
 mkdir -p docs/pictures "$reports"
