@@ -105,14 +105,14 @@ bool FileRunData(Shell& shell, const RunData& data, const std::string& path, boo
   }
 }
 
-void SaveRunData(Shell& shell, const RunData& data) {
+bool SaveRunData(Shell& shell, const RunData& data) {
   if (data.IsEmpty()) {
     shell.dialogs.Tell("No run data to save");
-    return;
+    return true;
   }
   const auto path = shell.dialogs.SaveFile({"Select run file", "Test Run Files (*.run)|*.run|All Files|*.*",
                                             shell.settings.GetDataDir(datakind::kTestResults)});
-  if (path) FileRunData(shell, data, *path, false);
+  return path && FileRunData(shell, data, *path, false);
 }
 
 }  // namespace hylden

@@ -71,6 +71,7 @@ std::string RunFileText(const RunData& data, bool thresholdsOnly);
 bool FileRunData(Shell& shell, const RunData& data, const std::string& path, bool thresholdsOnly);
 
 /// The save command: asks for a file and writes all rows to it. Without rows: "No run data to save".
-void SaveRunData(Shell& shell, const RunData& data);
+/// @return false when there were rows and they were not written
+bool SaveRunData(Shell& shell, const RunData& data);
 
 }  // namespace hylden

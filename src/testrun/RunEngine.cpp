@@ -154,7 +154,7 @@ void RunEngine::EndRun() {
 void RunEngine::AskToSave() {
   const MessageAnswer answer = run_.shell.dialogs.Show(
       {"Would you like to save the testrun data?", "Save Run Data", MessageIcon::Question, MessageButtons::YesNo});
-  if (answer == MessageAnswer::Yes) SaveRunData(run_.shell, run_.data);
+  saveMissed_ = answer == MessageAnswer::Yes && !SaveRunData(run_.shell, run_.data);
 }
 
 }  // namespace hylden

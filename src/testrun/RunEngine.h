@@ -35,6 +35,8 @@ class RunEngine {
   int CurrentStepNumber() const { return currentStep_; }
 
   bool IsRunning() const { return running_; }
+  /// The operator wanted the last run's data saved, and the file dialog was cancelled or the file not written.
+  bool SaveMissed() const { return saveMissed_; }
   RunOutcome Outcome() const { return outcome_; }
   /// The highest step reached in the last run.
   int CompletedSteps() const { return highestStep_; }
@@ -64,6 +66,7 @@ class RunEngine {
   std::vector<PreviousStep> ended_;  ///< where each step ended, for a run that goes on from an earlier one
   bool ready_ = false;
   bool running_ = false;
+  bool saveMissed_ = false;
   RunOutcome outcome_ = RunOutcome::NotRun;
   bool manualOpen_ = false;
   int currentStep_ = 0;

@@ -99,7 +99,8 @@ void frmRunTest::EndRun() {
   inRun_ = false;
   ShowRf();
   // Not before the press of Run has returned: the button that was pressed goes with the form.
-  if (closePending_) QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+  // Nor while it holds data that were to be saved and are not.
+  if (closePending_ && !engine_.SaveMissed()) QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
   closePending_ = false;
 }
 

@@ -51,15 +51,19 @@ struct SaveTest : testing::Test {
 };
 
 TEST_F(SaveTest, NothingToSaveOpensNoDialog) {
-  SaveRunData(t.shell, RunData());
+  EXPECT_TRUE(SaveRunData(t.shell, RunData()));
   EXPECT_TRUE(t.dialogs.WasShown("No run data to save"));
   EXPECT_TRUE(t.dialogs.saveRequests.empty());
+}
+
+TEST_F(SaveTest, ACancelledDialogSavesNothingAndSaysSo) {
+  EXPECT_FALSE(SaveRunData(t.shell, Example()));
 }
 
 TEST_F(SaveTest, TheChosenFileGetsAllRows) {
   t.shell.settings.SaveDataDir(datakind::kTestResults, t.directory.Path());
   t.dialogs.AnswerSave(t.directory.File("a.run"));
-  SaveRunData(t.shell, Example());
+  EXPECT_TRUE(SaveRunData(t.shell, Example()));
   EXPECT_EQ(t.directory.Read("a.run"), kWhole);
   ASSERT_EQ(t.dialogs.saveRequests.size(), 1U);
   EXPECT_EQ(t.dialogs.saveRequests[0].title, "Select run file");
