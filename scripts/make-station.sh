@@ -1,5 +1,6 @@
 #!/bin/sh
-# Writes the demo station, examples/station, afresh. Needed when the bench's defaults or a file format have changed.
+# Writes the demo station, examples/station, afresh. Needed when the bench's defaults, a file format or the level
+# calibration have changed.
 set -e
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${1:-$root/build/dev}

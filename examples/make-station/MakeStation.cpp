@@ -11,14 +11,14 @@
 #include <vector>
 
 #include "bench/BenchConfig.h"
-#include "bench/RfPath.h"
-#include "documents/CalInfo.h"
+#include "documents/CalSetupRecord.h"
 #include "documents/EquipRecord.h"
 #include "documents/TestDefinition.h"
 #include "instruments/MeterDefinition.h"
 #include "instruments/PowerMeterDefinition.h"
 #include "instruments/SigGenDefinition.h"
-#include "make-station/LevelCalibration.h"
+#include "make-station/BenchCalibration.h"
+#include "measure/ReadFreq.h"
 #include "text/Numbers.h"
 #include "text/Pattern.h"
 #include "text/RecordFile.h"
@@ -154,30 +154,30 @@ void WriteEquipment() {
   SaveRecord("ifi-station.eqp", e);
 }
 
-/// The setup of the calibration whose record stands beside it. Its fields are in the order of the file.
-void WriteCalibrationSetup() {
-  RecordWriter f(true);
-  f.Double(0.15), f.Double(230);
-  f.Int32(1), f.Double(1), f.Double(1), f.Text("");  // logarithmic steps of 1 %
-  f.Int32(0), f.Single(10), f.Text("stepped.lev");   // flat 10 V
-  f.Single(0), f.Single(6), f.Single(-30);           // generator: at most, step, to begin with
-  f.Int32(1), f.Int32(1), f.Int32(1), f.Single(10);  // forward and reverse power, at most 10 W
-  f.Double(0), f.Double(0.3);                        // reserved, dwell
-  f.Text("150-ohm coupling device behind 6 dB"), f.Text("Simulated 20 W amplifier"), f.Int32(0);
-  f.Text("10 V, 0.15 to 230 MHz"), f.Single(0);
-  f.SpareLines(9);
-  ReplaceFile("cdn-10v.csu", f.Content());
+/// 10 V at the coupling device, in steps of 1 %.
+CalSetupRecord CalibrationSetup() {
+  CalSetupRecord s;
+  s.StartFreq = 0.15, s.StopFreq = 230;
+  s.StepType = static_cast<std::int32_t>(StepType::Log), s.LinearStep = 1, s.LogStep = 1;
+  s.CalLevel = 10, s.LimitFile = "stepped.lev";
+  s.MaxLevel = 0, s.MaxStep = 6, s.InitLevel = -30;
+  s.RecordFwdPwr = s.RecordRevPwr = s.LimitFwdPwr = 1, s.FwdPwrLimit = 10;
+  s.Dwell = 0.3;
+  s.DeviceDescription = "150-ohm coupling device behind 6 dB";
+  s.AmpUsed = "Simulated 20 W amplifier";
+  s.SetupDescription = "10 V, 0.15 to 230 MHz";
+  return s;
 }
 
-void WriteRecord(const std::string& name, const RfPath& path, const CalibrationRequest& request) {
-  ReplaceFile(name + ".cal", JoinLines(CalibrationLines(path, request)));
-  CalInfoRec info;
-  info.SetupDescription = "10 V, 0.15 to 230 MHz";
-  info.AmpUsed = request.Ifi ? "Simulated IFI amplifier pair" : "Simulated 20 W amplifier";
-  info.DeviceDescription = "150-ohm coupling device behind 6 dB";
-  info.TestLevel = ShortestText(request.TestLevelVolts) + "v";
-  info.FreqRange = ShortestText(request.StartMHz) + " - " + ShortestText(request.StopMHz);
-  SaveRecord(name + ".hyinfo", info, true);
+/// The setup and what it gives on the bench, with either amplifier. Without reading noise: the records hold what the
+/// path needs.
+void WriteCalibrations(BenchConfig bench) {
+  bench.NoiseDb = 0;
+  CalSetupRecord setup = CalibrationSetup();
+  SaveRecord("cdn-10v.csu", setup, true);
+  CalibrateOnBench(bench, "station.eqp", setup, "cdn-10v.cal");
+  setup.AmpUsed = "Simulated IFI amplifier pair";
+  CalibrateOnBench(bench, "ifi-station.eqp", setup, "ifi-10v.cal");
 }
 
 /// What the demo's tests share: a sweep in 10 % steps, AM of 80 %, a short ramp.
@@ -232,9 +232,15 @@ void WriteTests() {
   SaveRecord("ifi-band-change.tst", t);
 }
 
-void WriteBenchFiles(BenchConfig bench) {
+/// The bench's defaults, with the answers that the station's meters give.
+BenchConfig StationBench() {
+  BenchConfig bench;
   bench.MeterAnswer = "MKA {level} DBUV";
   bench.PowerMeterAnswer = "{channel}: {level} dBm";
+  return bench;
+}
+
+void WriteBenchFiles(const BenchConfig& bench) {
   ReplaceFile("bench.txt", BenchFileText(bench));
   ReplaceFile(
       "bench-product.txt",
@@ -245,17 +251,14 @@ void WriteBenchFiles(BenchConfig bench) {
 }
 
 void WriteStation() {
-  const BenchConfig bench;
-  const RfPath path(bench);
+  const BenchConfig bench = StationBench();
   WriteScpiGenerator();
   WriteOlderGenerator();
   WriteAnalyser();
   WritePowerMeter();
   WriteTables(bench);
   WriteEquipment();
-  WriteCalibrationSetup();
-  WriteRecord("cdn-10v", path, {});
-  WriteRecord("ifi-10v", path, {.Ifi = true, .BandSwitchMHz = kBandSwitchMHz});
+  WriteCalibrations(bench);
   WriteTests();
   WriteBenchFiles(bench);
 }
