@@ -1,53 +1,59 @@
 #pragma once
 
-#include <chrono>
-#include <iosfwd>
-#include <string>
-
+#include "app/ProgressLine.h"
+#include "calibration/CalibrationDisplay.h"
 #include "testrun/RunDisplay.h"
 
 namespace hylden {
 
-/// A test run on a terminal: one progress line (step, frequency, level, elapsed, remaining) that is rewritten in place;
-/// where the output is no terminal, a plain line for every step.
+/// A test run on a terminal's progress line.
 class ConsoleDisplay : public RunDisplay {
  public:
-  ConsoleDisplay(std::ostream& out, bool terminal) : out_(out), terminal_(terminal) {}
+  explicit ConsoleDisplay(ProgressLine& line) : line_(line) {}
 
-  void Countdown(double seconds) override;
-  void Status(const std::string& text) override;
+  void Countdown(double seconds) override { line_.Countdown(seconds); }
+  void Status(const std::string& text) override { line_.Activity(text); }
   void Step(int step) override;
-  void Frequency(double frequencyMHz) override { frequencyMHz_ = frequencyMHz; }
+  void Frequency(double frequencyMHz) override { line_.Now().FrequencyMHz = frequencyMHz; }
   void SigGenLevel(float levelDbm) override;
   void TestLevel(float) override {}
   void InducedLevel(double, double) override {}
   void Power(double) override {}
   void Highlight(Quantity, bool) override {}
   void Dwell(double) override {}
-  void Plan(int steps, double estimatedMinutes) override;
-  void Elapsed(double minutes) override { elapsedMinutes_ = minutes; }
-  void Remaining(double minutes) override { remainingMinutes_ = minutes; }
+  void Plan(int steps, double estimatedMinutes) override { line_.Start(steps, estimatedMinutes); }
+  void Elapsed(double minutes) override { line_.Now().ElapsedMinutes = minutes; }
+  void Remaining(double minutes) override { line_.Now().RemainingMinutes = minutes; }
   void RowChanged(int) override {}
 
-  /// Ends the progress line, so that other text starts on a line of its own.
-  void EndLine();
   /// The run has ended: the last step's line is completed.
   void Finish();
 
  private:
-  std::string Progress() const;
-  void Redraw();
-  void PrintStep();
+  ProgressLine& line_;
+};
 
-  std::ostream& out_;
-  bool terminal_;
-  bool lineOpen_ = false;
-  int step_ = 0, steps_ = 0;
-  double frequencyMHz_ = 0;
-  float levelDbm_ = 0;
-  double elapsedMinutes_ = 0, remainingMinutes_ = 0;
-  std::string activity_;
-  std::chrono::steady_clock::time_point drawn_{};
+/// A calibration on a terminal's progress line.
+class ConsoleCalDisplay : public CalibrationDisplay {
+ public:
+  explicit ConsoleCalDisplay(ProgressLine& line) : line_(line) {}
+
+  void Countdown(double seconds) override { line_.Countdown(seconds); }
+  void Running(bool) override {}
+  void Status(const std::string& text) override { line_.Activity(text); }
+  void Plan(const CalibrationPlan& plan) override;
+  void Frequency(double frequencyMHz) override;
+  void SigGenLevel(float levelDbm) override;
+  void MeterLevel(double) override {}
+  void Step(int step) override;
+  void Elapsed(double minutes) override { line_.Now().ElapsedMinutes = minutes; }
+  void Remaining(double minutes) override { line_.Now().RemainingMinutes = minutes; }
+  void TableCut(int) override {}
+  void RowChanged(int) override {}
+
+ private:
+  ProgressLine& line_;
+  int done_ = 0;
 };
 
 }  // namespace hylden

@@ -4,11 +4,20 @@
 #include <optional>
 #include <string>
 
+#include "calibration/CableSetup.h"
+
 namespace hylden {
 
 /// What hylden-run was asked for.
 struct RunOptions {
-  std::string EquipmentFile, TestFile, OutputFile;
+  enum class Job { Test, Calibration, CableLoss };
+
+  Job What = Job::Test;
+  std::string EquipmentFile, OutputFile;
+  std::string TestFile;                         ///< of a test
+  std::string SetupFile;                        ///< of a level calibration
+  std::optional<double> CouplingFactorDb = {};  ///< of its user-defined coupling method
+  CableSetupEntries Cable;                      ///< of an insertion-loss calibration
   bool UseBench = false;
   std::string BenchFile;  ///< empty: the bench's ordinary values
   bool VirtualTime = false;
@@ -19,7 +28,7 @@ struct RunOptions {
 /// The program's exit status.
 enum class ExitState : int { Finished = 0, Failed = 1, Usage = 2, Halted = 3 };
 
-/// Runs a test from its files to saved run data, on a terminal or without one.
+/// Runs a test or a calibration from its files to the file that it makes, on a terminal or without one.
 ExitState RunOnConsole(const RunOptions& options);
 
 }  // namespace hylden

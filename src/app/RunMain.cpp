@@ -1,25 +1,74 @@
 #include <CLI/CLI.hpp>
 
 #include "app/ConsoleRun.h"
+#include "measure/ReadFreq.h"
+
+namespace {
+
+using hylden::RunOptions;
+using hylden::StepType;
+
+void AddJobs(CLI::App& app, RunOptions& options) {
+  CLI::Option_group* const jobs = app.add_option_group("Job", "What to run");
+  jobs->add_option("--test", options.TestFile, "A test by its definition (.tst)");
+  jobs->add_option("--calibrate", options.SetupFile, "A level calibration by its setup (.csu)");
+  jobs->add_flag_callback(
+      "--cable-loss", [&options] { options.What = RunOptions::Job::CableLoss; },
+      "A cable insertion-loss calibration: a direct pass, then an insert pass");
+  jobs->require_option(1);
+}
+
+void AddCableOptions(CLI::App& app, RunOptions& options) {
+  CLI::Option_group* const group = app.add_option_group("Cable loss", "How a cable insertion-loss calibration is run");
+  hylden::CableSetupEntries& cable = options.Cable;
+  CLI::Option* const job = app.get_option("--cable-loss");
+  const auto add = [&](const char* name, std::string& entry, const char* unit, const char* help) {
+    return group->add_option(name, entry, help)->needs(job)->type_name(unit);
+  };
+  job->needs(add("--start", cable.StartFreq, "MHZ", "Lowest frequency"));
+  job->needs(add("--stop", cable.StopFreq, "MHZ", "Highest frequency"));
+  auto* const logStep = add("--log-step", cable.LogStep, "PERCENT", "Step as a part of the frequency (default 1)");
+  auto* const linearStep = add("--linear-step", cable.LinearStep, "MHZ", "Step that stays the same")->excludes(logStep);
+  add("--list", cable.ListFile, "FILE", "Frequency list (.lst) in place of steps")->excludes(logStep, linearStep);
+  add("--level", cable.Level, "DBM", "Generator level (default -60)");
+  add("--dwell", cable.Dwell, "SECONDS", "Wait before each reading (default 1)");
+}
+
+/// What was given says which job it is, and how the cable is stepped through.
+void TakeChoices(const CLI::App& app, RunOptions& options) {
+  if (app.count("--calibrate") > 0) options.What = RunOptions::Job::Calibration;
+  const StepType steps = app.count("--list") > 0          ? StepType::List
+                         : app.count("--linear-step") > 0 ? StepType::Linear
+                                                          : StepType::Log;
+  options.Cable.StepType = static_cast<std::int32_t>(steps);
+  options.UseBench = app.count("--bench") > 0;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
-  hylden::RunOptions options;
+  RunOptions options;
   CLI::App app{
-      "Runs a conducted RF immunity test from its files to saved run data.\n"
-      "Ctrl-C presses Halt: RF goes off, and the recorded rows are saved.\n"
+      "Runs a conducted RF immunity test or a calibration from its files to the file that it makes.\n"
+      "Ctrl-C presses Halt: RF goes off, and what was recorded is saved.\n"
       "Exit status: 0 finished, 1 failed, 2 usage, 3 halted."};
   app.add_option("--equipment", options.EquipmentFile, "Equipment file of the station (.eqp)")->required();
-  app.add_option("--test", options.TestFile, "Test definition (.tst)")->required();
-  app.add_option("--output", options.OutputFile, "File for the run data (.run)")->required();
-  auto* bench =
+  AddJobs(app, options);
+  app.add_option("--output", options.OutputFile,
+                 "File for what is recorded: run data (.run), a calibration record (.cal), an insertion loss (.los)")
+      ->required();
+  app.add_option("--coupling-factor", options.CouplingFactorDb,
+                 "Coupling factor for a setup with the user-defined method (default 0)")
+      ->needs("--calibrate")
+      ->type_name("DB");
+  AddCableOptions(app, options);
+  auto* const bench =
       app.add_option("--bench", options.BenchFile, "Drive the simulated bench, described by FILE if one is given")
           ->expected(0, 1)
           ->type_name("[FILE]");
-  auto* virtualTime =
-      app.add_flag("--virtual-time", options.VirtualTime, "Let waits pass at once (on the bench only)")->needs(bench);
+  app.add_flag("--virtual-time", options.VirtualTime, "Let waits pass at once (on the bench only)")->needs(bench);
   app.add_flag("--yes", options.Yes, "Answer the confirmations before RF is switched on");
   app.add_option("--seed", options.Seed, "Seed of the bench's reading noise")->needs(bench)->type_name("N");
-  (void)virtualTime;
 
   try {
     app.parse(argc, argv);
@@ -27,6 +76,6 @@ int main(int argc, char** argv) {
     const int status = app.exit(error);
     return status == 0 ? 0 : static_cast<int>(hylden::ExitState::Usage);
   }
-  options.UseBench = bench->count() > 0;
+  TakeChoices(app, options);
   return static_cast<int>(hylden::RunOnConsole(options));
 }

@@ -113,10 +113,10 @@ bool RunCablCal::MeasurePoint(const Pass& pass, std::size_t index) {
   Store(pass, point, levelDbm, reading);
   pass.Display.MeterLevel(reading);
   pass.Display.RowChanged(row);
-  pass.Display.Step(row);
   const double minutes = elapsed_.Minutes();
   pass.Display.Elapsed(minutes);
   pass.Display.Remaining(minutes / row * static_cast<double>(points_.size() - current_));
+  pass.Display.Step(row);
   if (pass.Inserted) shell_.delay.Yield();
   return !Halted();
 }

@@ -27,7 +27,7 @@ class CalibrationDisplay : public CountdownWindow {
   virtual void Frequency(double frequencyMHz) = 0;
   virtual void SigGenLevel(float levelDbm) = 0;
   virtual void MeterLevel(double levelDbuv) = 0;
-  /// The step that was completed, counted from 1.
+  /// The step that was completed, counted from 1; its figures and times have been shown.
   virtual void Step(int step) = 0;
   virtual void Elapsed(double minutes) = 0;
   virtual void Remaining(double /*minutes*/) {}

@@ -34,10 +34,15 @@ bool LevelCalibration::Prepare() {
   if (running_) return false;
   setup_ = documents_.calSetup.Record;
   couplingFactor_ = documents_.calSetup.CouplingFactor();
-  rows_.clear();
-  display_.TableCut(0);
+  ForgetRows();
   ready_ = PlanRun() && LoadTables();
   return ready_;
+}
+
+void LevelCalibration::ForgetRows() {
+  rows_.clear();
+  wanted_ = saved_ = false;
+  display_.TableCut(0);
 }
 
 bool LevelCalibration::PlanRun() {
@@ -101,8 +106,7 @@ void LevelCalibration::RunPlan() {
   if (!BringUp()) return;
   // Up to here the points of an earlier run are kept: a run that could not start costs nothing.
   started_ = true;
-  rows_.clear();
-  display_.TableCut(0);
+  ForgetRows();
   Sweep();
 }
 
@@ -129,9 +133,9 @@ void LevelCalibration::Sweep() {
 
 void LevelCalibration::ShowTimes(std::size_t done) {
   const double minutes = elapsed_.Minutes();
-  display_.Step(static_cast<int>(done));
   display_.Elapsed(minutes);
   display_.Remaining(minutes / static_cast<double>(done) * static_cast<double>(plan_.size() - done));
+  display_.Step(static_cast<int>(done));
 }
 
 void LevelCalibration::End() {
@@ -153,13 +157,16 @@ void LevelCalibration::End() {
 void LevelCalibration::AskToSave() {
   const MessageAnswer answer = shell_.dialogs.Show({"Would you like to save the calibration data?", "Save Calibration",
                                                     MessageIcon::Question, MessageButtons::YesNo});
-  if (answer == MessageAnswer::Yes) Save();
+  wanted_ = answer == MessageAnswer::Yes;
+  if (wanted_) Save();
 }
 
 bool LevelCalibration::Save() {
   const auto path = shell_.dialogs.SaveFile({"Enter Calibration Filename", "Calibration File (*.cal)|*.cal",
                                              shell_.settings.GetDataDir(datakind::kCalibrations)});
-  return path && SaveCal(shell_, *path, CompleteRows(rows_), CalInfoOf(setup_));
+  if (!path || !SaveCal(shell_, *path, CompleteRows(rows_), CalInfoOf(setup_))) return false;
+  saved_ = true;
+  return true;
 }
 
 }  // namespace hylden

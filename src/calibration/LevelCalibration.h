@@ -38,6 +38,10 @@ class LevelCalibration {
   bool IsRunning() const { return running_; }
   /// The run is over, and the question whether to save its points waits for an answer.
   bool AsksToSave() const { return asking_; }
+  /// The rows are in a file as they are now.
+  bool RowsSaved() const { return saved_; }
+  /// The operator wanted the last run's points saved, and the file dialog was cancelled or the file not written.
+  bool SaveMissed() const { return wanted_ && !saved_; }
   RunOutcome Outcome() const { return outcome_; }
   /// The window's title.
   std::string Title() const { return "CDI Calibration: " + setup_.SetupDescription; }
@@ -60,6 +64,7 @@ class LevelCalibration {
   };
 
   bool Halted() const;
+  void ForgetRows();
   bool PlanRun();
   bool LoadTables();
   void RunPlan();
@@ -106,6 +111,8 @@ class LevelCalibration {
   bool running_ = false;
   bool started_ = false;  ///< the instruments came up
   bool asking_ = false;
+  bool wanted_ = false;  ///< the question whether to save was answered Yes
+  bool saved_ = false;
   RunOutcome outcome_ = RunOutcome::NotRun;
 };
 

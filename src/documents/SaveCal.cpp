@@ -29,23 +29,28 @@ std::string DataContent(const std::vector<std::vector<std::string>>& rows) {
 
 }  // namespace
 
+std::optional<std::string> InfoFileBeside(const std::string& dataFileName) {
+  if (!HasDataEnding(dataFileName)) return std::nullopt;
+  return dataFileName.substr(0, dataFileName.size() - kDataEnding.size()) + ".hyinfo";
+}
+
 bool SaveCal(Shell& shell, const std::string& dataFileName, const std::vector<std::vector<std::string>>& rows,
              const CalInfoRec& info) {
   if (rows.size() < 2) {
     shell.dialogs.Tell("No data to save");
     return false;
   }
+  const std::optional<std::string> infoFileName = InfoFileBeside(dataFileName);
   // Under another name the record could be written, but not found again.
-  if (!HasDataEnding(dataFileName)) {
+  if (!infoFileName) {
     shell.dialogs.Tell("Bad filename for calibration file: " + dataFileName);
     return false;
   }
-  const std::string infoFileName = dataFileName.substr(0, dataFileName.size() - kDataEnding.size()) + ".hyinfo";
   const std::string* current = &dataFileName;
   try {
     ReplaceFile(dataFileName, DataContent(rows));
-    current = &infoFileName;
-    SaveRecord(infoFileName, info, true);
+    current = &*infoFileName;
+    SaveRecord(*infoFileName, info, true);
   } catch (const std::exception& error) {
     shell.ReportError(error, "frmRunCal.SaveCal", *current);
     return false;

@@ -61,6 +61,9 @@ class clsCalFile {
   std::size_t cursor_ = 0;
 };
 
+/// The info file that lies beside a record's data file; nothing where its name doesn't end with ".cal".
+std::optional<std::string> InfoFileBeside(const std::string& dataFileName);
+
 /// Writes a calibration record: the data file, one line per row as the run's grid shows it, and the info file beside
 /// it.
 /// @param dataFileName  ends with ".cal"

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "documents/CalSetupRecord.h"
 #include "documents/TestDefinition.h"
 #include "support/TempDir.h"
 #include "text/RecordFile.h"
@@ -121,7 +122,7 @@ TEST_F(HyldenRunProgram, TellsWhatIsWrongByItsExitStatus) {
        {"--equipment", "station.eqp", "--test", "substitution-am.tst", "--output", directory_.File("no/out.run"),
         "--bench", "bench.txt", "--virtual-time", "--yes"},
        kFailed,
-       "The run data can't be written"},
+       "Nothing can be written to"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -151,6 +152,130 @@ TEST_F(HyldenRunProgram, HaltsOnSignalsWithTheRowsSaved) {
     EXPECT_EQ(outcome.status, kHalted) << outcome.output.substr(outcome.output.size() - 500);
     EXPECT_NE(outcome.output.find("Ended early: "), std::string::npos);
     EXPECT_GE(ReadLines(Output()).size(), 3U + 3U);
+  }
+}
+
+class HyldenRunCalibration : public testing::Test {
+ protected:
+  static std::vector<std::string> OnTheBench(std::vector<std::string> job, const std::vector<std::string>& more) {
+    job.insert(job.end(), {"--equipment", "station.eqp", "--bench", "bench.txt", "--virtual-time"});
+    job.insert(job.end(), more.begin(), more.end());
+    return job;
+  }
+  std::vector<std::string> Level(const std::string& setup, const std::vector<std::string>& more) const {
+    return OnTheBench({"--calibrate", setup, "--output", directory_.File("out.cal")}, more);
+  }
+  std::vector<std::string> Cable(const std::vector<std::string>& more) const {
+    return OnTheBench(
+        {"--cable-loss", "--start", "0.15", "--stop", "80", "--level", "-10", "--output", directory_.File("out.los")},
+        more);
+  }
+  /// The demo station's setup, changed.
+  std::string Setup(const std::function<void(CalSetupRecord&)>& change) const {
+    CalSetupRecord setup;
+    LoadRecord(std::string(kStation) + "/cdn-10v.csu", setup);
+    change(setup);
+    SaveRecord(directory_.File("setup.csu"), setup, true);
+    return directory_.File("setup.csu");
+  }
+  /// Runs and sends a signal when the text has been printed.
+  static Outcome Interrupted(const std::vector<std::string>& arguments, const std::string& at) {
+    bool sent = false;
+    return HyldenRun(arguments, [&](pid_t child, const std::string& soFar) {
+      if (!sent && soFar.find(at) != std::string::npos) sent = kill(child, SIGINT) == 0;
+    });
+  }
+
+  TempDir directory_;
+};
+
+TEST_F(HyldenRunCalibration, CalibratesALevelIntoARecordOfBothFiles) {
+  const std::string setup = Setup([](CalSetupRecord& s) { s.LogStep = 20; });
+  const Outcome outcome = HyldenRun(Level(setup, {"--yes"}));
+  EXPECT_EQ(outcome.status, kFinished) << outcome.output;
+  EXPECT_NE(outcome.output.find("Finished: 42 of 42 steps"), std::string::npos) << outcome.output;
+  EXPECT_EQ(ReadLines(directory_.File("out.cal")).size(), 42U);
+  EXPECT_EQ(ReadLines(directory_.File("out.hyinfo")).size(), 6U);
+}
+
+TEST_F(HyldenRunCalibration, KeepsThePointsOfARunThatEndsEarly) {
+  const std::string tooLow = Setup([](CalSetupRecord& s) { s.LogStep = 20, s.MaxLevel = -9.5F; });
+  const Outcome failed = HyldenRun(Level(tooLow, {"--yes"}));
+  EXPECT_EQ(failed.status, kFailed) << failed.output;
+  EXPECT_NE(failed.output.find("Level requested is higher"), std::string::npos) << failed.output;
+  EXPECT_GE(ReadLines(directory_.File("out.cal")).size(), 3U);
+
+  const std::string fine = Setup([](CalSetupRecord& s) { s.LogStep = 0.01; });
+  const Outcome halted = Interrupted(Level(fine, {"--yes"}), "step 3 of");
+  EXPECT_EQ(halted.status, kHalted) << halted.output.substr(halted.output.size() - 500);
+  EXPECT_GE(ReadLines(directory_.File("out.cal")).size(), 3U);
+}
+
+TEST_F(HyldenRunCalibration, PrintsThePointThatIsTooFewForARecord) {
+  const std::string narrow = Setup([](CalSetupRecord& s) { s.StepType = 0, s.LinearStep = 1, s.StopFreq = 0.2; });
+  const Outcome outcome = HyldenRun(Level(narrow, {"--yes"}));
+  EXPECT_EQ(outcome.status, kFailed);
+  EXPECT_NE(outcome.output.find("No data to save"), std::string::npos);
+  EXPECT_NE(outcome.output.find("\n0.15,"), std::string::npos) << outcome.output;
+}
+
+TEST_F(HyldenRunCalibration, MeasuresACableInTwoPasses) {
+  const Outcome outcome = HyldenRun(Cable({"--log-step", "50", "--yes"}));
+  EXPECT_EQ(outcome.status, kFinished) << outcome.output;
+  const std::size_t direct = outcome.output.find("Direct pass"), insert = outcome.output.find("Insert pass");
+  EXPECT_LT(direct, insert);
+  EXPECT_NE(insert, std::string::npos);
+  EXPECT_NE(outcome.output.find("Finished: 17 of 17 steps"), std::string::npos) << outcome.output;
+  EXPECT_EQ(ReadLines(directory_.File("out.los")).size(), 12U + 17U);
+}
+
+TEST_F(HyldenRunCalibration, PrintsTheReadingsOfAHaltedDirectPass) {
+  const Outcome outcome = Interrupted(Cable({"--log-step", "0.01", "--yes"}), "step 3 of");
+  EXPECT_EQ(outcome.status, kHalted);
+  EXPECT_NE(outcome.output.find("0.150 MHz  direct 9"), std::string::npos)
+      << outcome.output.substr(outcome.output.size() - 500);
+  EXPECT_EQ(outcome.output.find("Insert pass"), std::string::npos);
+  EXPECT_FALSE(directory_.Exists("out.los"));
+}
+
+TEST_F(HyldenRunCalibration, SwitchesNothingOnUnasked) {
+  directory_.Write("old.hyinfo", "yesterday");
+  struct Case {
+    const char* name;
+    std::vector<std::string> arguments;
+    int status;
+    const char* text;
+  };
+  const std::vector<Case> cases = {
+      {"level without --yes", Level("cdn-10v.csu", {}), kFailed, "Nothing was switched on."},
+      {"cable without --yes", Cable({}), kFailed, "Nothing was switched on."},
+      {"cable on a real bus without anybody there",
+       {"--cable-loss", "--start", "1", "--stop", "2", "--equipment", "station.eqp", "--output",
+        directory_.File("out.los"), "--yes"},
+       kFailed,
+       "somebody at a terminal"},
+      {"an info file that is there",
+       OnTheBench({"--calibrate", "cdn-10v.csu", "--output", directory_.File("old.cal")}, {}), kFailed,
+       "old.hyinfo exists"},
+      {"no calibration setup", Level("bench.txt", {"--yes"}), kFailed, "Error loading calibration setup file"},
+      {"a setup that can't be run", Level(Setup([](CalSetupRecord& s) { s.StopFreq = 0.1; }), {"--yes"}), kFailed,
+       "txtStopFreq"},
+      {"a factor of its own", Level("cdn-10v.csu", {"--yes", "--coupling-factor", "3"}), kFailed, "its own factor"},
+      {"a record of another name",
+       OnTheBench({"--calibrate", "cdn-10v.csu", "--output", directory_.File("out.txt")}, {"--yes"}), kUsage, ".cal"},
+      {"two jobs", Cable({"--test", "substitution-am.tst"}), kUsage, "Exactly 1"},
+      {"a cable's option without a cable", Level("cdn-10v.csu", {"--stop", "10"}), kUsage, "--cable-loss"},
+      {"two kinds of step", Cable({"--log-step", "1", "--linear-step", "1"}), kUsage, "--l"},
+      {"a dwell below 0", Cable({"--dwell=-1"}), kUsage, "--dwell: the value is outside its range"},
+      {"a step that is no number", Cable({"--log-step", "x"}), kUsage, "--log-step: the value is not a number"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    const Outcome outcome = HyldenRun(c.arguments);
+    EXPECT_EQ(outcome.status, c.status) << outcome.output;
+    EXPECT_NE(outcome.output.find(c.text), std::string::npos) << outcome.output;
+    for (const char* name : {"out.cal", "out.los", "out.txt", "old.cal"}) EXPECT_FALSE(directory_.Exists(name));
+    EXPECT_EQ(directory_.Read("old.hyinfo"), "yesterday");
   }
 }
 

@@ -1,0 +1,163 @@
+#include "app/ConsoleStation.h"
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <iostream>
+
+#include "app/BusChoice.h"
+#include "platform/native/ProgramDirectory.h"
+#include "text/Pattern.h"
+
+namespace hylden {
+
+namespace {
+
+bool AtTerminal(int descriptor) {
+  return isatty(descriptor) != 0;
+}
+
+}  // namespace
+
+ConsoleStation::ConsoleStation(const RunOptions& options)
+    : options_(options),
+      terminal_(AtTerminal(STDIN_FILENO) && AtTerminal(STDOUT_FILENO)),
+      realEvents_(realClock_,
+                  [this] {
+                    if (halt_) halt_();
+                  }),
+      progress_(std::cout, AtTerminal(STDOUT_FILENO)),
+      dialogs_(STDIN_FILENO, std::cout, realEvents_, DialogOptions()),
+      printer_(std::cout) {
+  // Ctrl-C counts on a virtual clock, too.
+  virtualEvents_.onYield = [this] { realEvents_.Yield(0); };
+}
+
+ConsoleStation::~ConsoleStation() = default;
+
+Clock& ConsoleStation::TheClock() {
+  if (options_.VirtualTime) return virtualClock_;
+  return realClock_;
+}
+
+EventLoop& ConsoleStation::TheLoop() {
+  if (options_.VirtualTime) return virtualEvents_;
+  return realEvents_;
+}
+
+ConsoleDialogsOptions ConsoleStation::DialogOptions() {
+  // The output file was named on the command line: saving to it is no question any more.
+  ConsoleDialogsOptions dialogs{
+      .terminal = terminal_, .confirmedTitles = {"Save Run Data", "Save Calibration"}, .savePath = options_.OutputFile};
+  if (options_.Yes) {
+    for (const char* title : {question::kMakeSure, question::kReplace}) dialogs.confirmedTitles.emplace_back(title);
+    if (options_.UseBench) dialogs.confirmedTitles.emplace_back(question::kPass);
+  }
+  dialogs.beforeText = [this] { progress_.End(); };
+  return dialogs;
+}
+
+bool ConsoleStation::SetUp(const std::vector<std::string>& outputs) {
+  if (!MakeBus()) return false;
+  station_ = std::make_unique<Station>(Platform{dialogs_, TheClock(), TheLoop(), speaker_, printer_, bus_->Driver()},
+                                       ProgramDirectory());
+  if (options_.UseBench) std::cout << "SIMULATED BENCH: no instrument is driven\n" << std::flush;
+  for (const std::string& output : outputs)
+    if (!MayWrite(output)) return false;
+  return LoadEquipment();
+}
+
+bool ConsoleStation::MakeBus() {
+  if (!options_.UseBench) {
+    bus_ = std::make_unique<Bus>();
+    return true;
+  }
+  BenchConfig config;
+  if (!options_.BenchFile.empty()) {
+    BenchFile file = LoadBenchFile(options_.BenchFile);
+    if (!file.Ok()) {
+      std::cerr << file.Error << '\n';
+      return false;
+    }
+    config = std::move(file.Config);
+  }
+  if (options_.Seed) config.Seed = *options_.Seed;
+  bus_ = std::make_unique<Bus>(TheClock(), config);
+  if (options_.VirtualTime)
+    bus_->SimulatedBench()->Bus().passTime = [this](std::int64_t ms) { virtualClock_.Advance(ms); };
+  return true;
+}
+
+bool ConsoleStation::MayWrite(const std::string& name) {
+  namespace fs = std::filesystem;
+  const fs::path output = name;
+  std::error_code error;
+  const fs::path folder = output.has_parent_path() ? output.parent_path() : fs::path(".");
+  if (!fs::is_directory(folder, error) || access(folder.c_str(), W_OK) != 0 || fs::is_directory(output, error)) {
+    Tell("Nothing can be written to " + name);
+    return false;
+  }
+  if (!fs::exists(output, error)) return true;
+  if (dialogs_.Show({name + " exists. Replace it?", question::kReplace, MessageIcon::Question,
+                     MessageButtons::YesNo}) == MessageAnswer::Yes)
+    return true;
+  Tell("The file is kept; nothing was switched on.");
+  return false;
+}
+
+bool ConsoleStation::LoadEquipment() {
+  Equip& equip = TheDocuments().equip;
+  if (equip.LoadDef(options_.EquipmentFile) != 1) {
+    Tell("Error loading equipment file " + options_.EquipmentFile);
+    return false;
+  }
+  if (!equip.LoadDefinitions()) return false;
+  if (const auto failure = equip.ApplyEquipment(equip.Entries())) {
+    TellFailure(*failure, "equipment file");
+    return false;
+  }
+  bus_->EquipBench(equip.Record, TheInstruments());
+  return true;
+}
+
+void ConsoleStation::ConnectMeter(MeterAt place) {
+  if (Bench* const bench = bus_->SimulatedBench()) bench->Connect(place);
+}
+
+bool ConsoleStation::Confirm(const std::string& text, const char* title) {
+  return dialogs_.Show({text, title, MessageIcon::Exclamation, MessageButtons::OkCancel}) == MessageAnswer::Ok;
+}
+
+void ConsoleStation::TellFailure(const EntryFailure& failure, const std::string& document) {
+  Tell(failure.Text.empty() ? "The " + document + " holds an entry that can't be used: " + failure.Control
+                            : failure.Text);
+}
+
+void ConsoleStation::Run(const std::function<void()>& work, const std::function<void()>& halt) {
+  realEvents_.Yield(0);
+  if (realEvents_.StopRequested()) return;
+  halt_ = halt;
+  const std::int64_t start = TheClock().TickMs();
+  work();
+  elapsedMs_ += TheClock().TickMs() - start;
+  halt_ = nullptr;
+  progress_.End();
+}
+
+void ConsoleStation::PrintUnsaved(const std::string& text) {
+  std::cout << "This is not in " << options_.OutputFile << ":\n" << text << std::flush;
+}
+
+ExitState ConsoleStation::End(RunOutcome outcome, bool saved, std::size_t done, std::size_t planned) {
+  const bool finished = outcome == RunOutcome::Finished;
+  if (outcome == RunOutcome::NotRun)
+    std::cout << "Nothing was switched on.\n";
+  else
+    std::cout << (finished ? "Finished: " : "Ended early: ") << done << " of " << planned << " steps in "
+              << Format(static_cast<double>(elapsedMs_) / 60000, "##0.0") << " min"
+              << (options_.VirtualTime ? " of bench time" : "") << '\n';
+  if (realEvents_.StopRequested()) return ExitState::Halted;
+  return finished && saved ? ExitState::Finished : ExitState::Failed;
+}
+
+}  // namespace hylden

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <functional>
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/ConsoleRun.h"
+#include "app/ProgressLine.h"
+#include "app/Station.h"
+#include "bench/Bench.h"
+#include "calibration/RunOutcome.h"
+#include "platform/VirtualTime.h"
+#include "platform/console/ConsoleClock.h"
+#include "platform/console/ConsoleDialogs.h"
+#include "platform/console/ConsoleEventLoop.h"
+#include "platform/console/ConsolePrinter.h"
+#include "platform/console/ConsoleSpeaker.h"
+
+namespace hylden {
+
+class Bus;
+
+/// The titles of the questions that "--yes" confirms.
+namespace question {
+inline constexpr const char* kMakeSure = "MAKE SURE!!!";
+inline constexpr const char* kReplace = "Replace file";
+inline constexpr const char* kPass = "Cable pass";  ///< on the bench only: nobody else changes its cables
+}  // namespace question
+
+/// The program on a terminal: its machine, its station with the equipment loaded, and what every job has to ask before
+/// it switches anything on and to tell when it is over.
+class ConsoleStation {
+ public:
+  explicit ConsoleStation(const RunOptions& options);
+  ~ConsoleStation();
+
+  /// Builds the bus and the station and loads its equipment, after a look whether the files that the job makes can be
+  /// written. @return false after a message
+  bool SetUp(const std::vector<std::string>& outputs);
+
+  const RunOptions& Options() const { return options_; }
+  Shell& TheShell() { return station_->shell; }
+  Instruments& TheInstruments() { return station_->instruments; }
+  Documents& TheDocuments() { return station_->documents; }
+  ProgressLine& Progress() { return progress_; }
+  bool HasTerminal() const { return terminal_; }
+  /// Cables the simulated meter; a real one is the operator's.
+  void ConnectMeter(MeterAt place);
+
+  void Tell(const std::string& text) { dialogs_.Tell(text); }
+  /// Asks OK or Cancel.
+  bool Confirm(const std::string& text, const char* title);
+  /// Tells what is wrong with a document's entry.
+  void TellFailure(const EntryFailure& failure, const std::string& document);
+
+  /// Does the job's work, with Ctrl-C pressing its Halt meanwhile. Nothing is begun when it was pressed before.
+  void Run(const std::function<void()>& work, const std::function<void()>& halt);
+  /// Prints what could not be saved, so that nothing measured is lost.
+  void PrintUnsaved(const std::string& text);
+  /// Tells how the job's work ended.
+  /// @param saved  what was measured is in its file, or nothing was
+  ExitState End(RunOutcome outcome, bool saved, std::size_t done, std::size_t planned);
+
+ private:
+  Clock& TheClock();
+  EventLoop& TheLoop();
+  ConsoleDialogsOptions DialogOptions();
+  bool MakeBus();
+  bool MayWrite(const std::string& output);
+  bool LoadEquipment();
+
+  const RunOptions& options_;
+  const bool terminal_;
+  ConsoleClock realClock_;
+  VirtualClock virtualClock_;
+  VirtualEventLoop virtualEvents_{virtualClock_};
+  std::function<void()> halt_;
+  ConsoleEventLoop realEvents_;
+  ProgressLine progress_;
+  ConsoleDialogs dialogs_;
+  ConsoleSpeaker speaker_;
+  ConsolePrinter printer_;
+  std::unique_ptr<Bus> bus_;
+  std::unique_ptr<Station> station_;
+  std::int64_t elapsedMs_ = 0;
+};
+
+}  // namespace hylden

@@ -1,0 +1,80 @@
+#include "app/ConsoleDisplay.h"
+#include "app/ConsoleJobs.h"
+#include "app/ConsoleStation.h"
+#include "testrun/RunCommands.h"
+#include "testrun/RunControls.h"
+#include "testrun/RunEngine.h"
+#include "text/TextFile.h"
+
+namespace hylden {
+
+namespace {
+
+bool Validate(ConsoleStation& station) {
+  Documents& documents = station.TheDocuments();
+  TestDefinition& test = documents.testSetup.Definition;
+  TestDefinitionEntries entries = EntriesOf(test);
+  const TestValidation validation = ValidateTestDefinition(entries, documents.calInfo.Record.FreqRange, test);
+  for (const std::string& notice : validation.Notices) station.Tell(notice);
+  if (validation.Failure) {
+    station.TellFailure(*validation.Failure, "test definition");
+    return false;
+  }
+  if (const auto failure = CheckStart(test, documents.equip.Record)) {
+    station.Tell(failure->Text);
+    return false;
+  }
+  return true;
+}
+
+bool Load(ConsoleStation& station) {
+  Documents& documents = station.TheDocuments();
+  const std::string& file = station.Options().TestFile;
+  if (!documents.testSetup.LoadDef(file)) {
+    station.Tell("Error loading test setup file: " + file);
+    return false;
+  }
+  const std::string infoFile = documents.testSetup.Definition.CalInfoFile;
+  if (!documents.calInfo.LoadDef(infoFile)) {
+    station.Tell("Error loading calinfo file: " + infoFile);
+    return false;
+  }
+  if (!Validate(station)) return false;
+  // The simulated meter is cabled as the test needs it.
+  if (documents.testSetup.Definition.MonitorProbe) station.ConnectMeter(MeterAt::Probe);
+  return true;
+}
+
+/// Whether the run data are in the output file; otherwise they are printed.
+bool Saved(ConsoleStation& station, const RunEngine& engine) {
+  if (engine.Data().IsEmpty()) return true;
+  const std::string text = RunFileText(engine.Data(), false);
+  try {
+    if (ReadTextFile(station.Options().OutputFile) == text) return true;
+  } catch (const RuntimeError&) {
+    // Told together with the rows.
+  }
+  station.PrintUnsaved(text);
+  return false;
+}
+
+}  // namespace
+
+ExitState RunTest(ConsoleStation& station) {
+  if (!station.SetUp({station.Options().OutputFile}) || !Load(station)) return ExitState::Failed;
+  ConsoleDisplay display(station.Progress());
+  RunControls controls;
+  RunEngine engine(station.TheShell(), station.TheInstruments(), station.TheDocuments(), display, controls);
+  RunCommands commands(station.TheShell(), station.TheDocuments(), engine, controls);
+  if (engine.Prepare() != RunReadiness::Ready) return ExitState::Failed;
+  station.Run(
+      [&] {
+        commands.Run();
+        display.Finish();
+      },
+      [&] { commands.Halt(); });
+  const bool saved = Saved(station, engine);
+  return station.End(engine.Outcome(), saved, static_cast<std::size_t>(engine.CompletedSteps()), engine.Steps().size());
+}
+
+}  // namespace hylden

@@ -1,0 +1,55 @@
+#include "app/ProgressLine.h"
+
+#include <ostream>
+
+#include "text/Pattern.h"
+
+namespace hylden {
+
+namespace {
+constexpr auto kRedrawInterval = std::chrono::milliseconds(100);
+}
+
+void ProgressLine::Start(int steps, double estimatedMinutes) {
+  End();
+  now_ = {.Steps = steps};
+  out_ << steps << (steps == 1 ? " step" : " steps");
+  if (estimatedMinutes > 0) out_ << ", estimated " << Format(estimatedMinutes, "##0.0") << " min";
+  out_ << '\n' << std::flush;
+}
+
+void ProgressLine::Activity(const std::string& text) {
+  activity_ = text;
+  Redraw();
+}
+
+void ProgressLine::Countdown(double seconds) {
+  Activity("dwelling " + Format(seconds, "##0.0") + " s");
+}
+
+void ProgressLine::PrintStep() {
+  if (!terminal_ && now_.Step > 0) out_ << Text() << '\n' << std::flush;
+}
+
+void ProgressLine::End() {
+  if (!open_) return;
+  out_ << '\n' << std::flush;
+  open_ = false;
+}
+
+std::string ProgressLine::Text() const {
+  return "step " + std::to_string(now_.Step) + " of " + std::to_string(now_.Steps) + "  " +
+         Format(now_.FrequencyMHz, "0.0#####") + " MHz  " + Format(double{now_.LevelDbm}, "##0.0") + " dBm  elapsed " +
+         Format(now_.ElapsedMinutes, "##0.0") + " min  remaining " + Format(now_.RemainingMinutes, "##0.0") + " min";
+}
+
+void ProgressLine::Redraw() {
+  if (!terminal_) return;
+  const auto now = std::chrono::steady_clock::now();
+  if (now - drawn_ < kRedrawInterval) return;
+  drawn_ = now;
+  out_ << '\r' << Text() << "  " << activity_ << "\x1b[K" << std::flush;
+  open_ = true;
+}
+
+}  // namespace hylden

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <chrono>
+#include <iosfwd>
+#include <string>
+
+namespace hylden {
+
+/// How far a run is: steps counted from 1, MHz, dBm, minutes.
+struct RunProgress {
+  int Step = 0, Steps = 0;
+  double FrequencyMHz = 0;
+  float LevelDbm = 0;
+  double ElapsedMinutes = 0, RemainingMinutes = 0;
+};
+
+/// The progress of a run on a terminal: one line (step, frequency, level, elapsed, remaining) that is rewritten in
+/// place; where the output is no terminal, a plain line for every step.
+class ProgressLine {
+ public:
+  ProgressLine(std::ostream& out, bool terminal) : out_(out), terminal_(terminal) {}
+
+  /// Starts a run of this many steps.
+  /// @param estimatedMinutes  0 where nobody can tell
+  void Start(int steps, double estimatedMinutes);
+  /// What has happened since the last call; a terminal shows it now and then.
+  RunProgress& Now() { return now_; }
+  void Redraw();
+  void Activity(const std::string& text);
+  void Countdown(double seconds);
+  /// The step that stands there is complete: the plain line for it.
+  void PrintStep();
+
+  /// Ends the line, so that other text starts on a line of its own.
+  void End();
+
+ private:
+  std::string Text() const;
+
+  std::ostream& out_;
+  bool terminal_;
+  bool open_ = false;
+  RunProgress now_;
+  std::string activity_;
+  std::chrono::steady_clock::time_point drawn_{};
+};
+
+}  // namespace hylden
