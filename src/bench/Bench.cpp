@@ -39,10 +39,12 @@ void Bench::Equip(const BenchEquipment& equipment) {
   bus_.Clear();
   meter_.reset(), powerMeter_.reset(), sigGen_.reset(), ifiLow_.reset(), ifiHigh_.reset();
   ifiSwitches_ = {};
+  equipment_ = equipment;
   world_.SetGenerator({});
   Cabling cabling = world_.Cabling();
   cabling.Amplifier = equipment.IfiAmplifier ? Amplifier::None : Amplifier::Generic;
   world_.SetCabling(cabling);
+  lastDisturbance_.reset();
 
   if (equipment.SigGen) {
     sigGen_ = std::make_unique<VirtualSigGen>(world_, *equipment.SigGen);
@@ -86,6 +88,7 @@ void Bench::Observe(const BenchState& state) {
     maxLevelDbuv_ = std::max(maxLevelDbuv_, state.TestLevelDbuv);
     maxPeakDbuv_ = std::max(maxPeakDbuv_, state.PeakTestLevelDbuv);
   }
+  if (state.ProductDisturbed) lastDisturbance_ = {state.Generator.FreqMHz, state.PeakTestLevelDbuv};
   for (const auto& listener : listeners_) listener(state);
 }
 

@@ -46,6 +46,7 @@ class Bench {
   /// The bus that the program talks to.
   GpibDriver& Driver() { return bus_; }
   VirtualBus& Bus() { return bus_; }
+  const VirtualBus& Bus() const { return bus_; }
 
   /// Puts the instruments on the bus, all as after switching on; with RF off.
   void Equip(const BenchEquipment& equipment);
@@ -62,6 +63,17 @@ class Bench {
   double MaxPeakProductLevelWhileRfOn() const { return maxPeakDbuv_; }
   void ResetMaxima();
   bool ProductDisturbed() const { return State().ProductDisturbed; }
+  /// Where the product was disturbed last.
+  struct Disturbance {
+    double FreqMHz = 0;
+    double PeakTestLevelDbuv = 0;
+  };
+  /// Since the bench was equipped; nothing when the product never was.
+  const std::optional<Disturbance>& LastDisturbance() const { return lastDisturbance_; }
+  /// What stands on the bench, and the instruments as they are now; null for one that is not there.
+  const BenchEquipment& Equipment() const { return equipment_; }
+  const VirtualMeter* Meter() const { return meter_.get(); }
+  const VirtualPowerMeter* PowerMeter() const { return powerMeter_.get(); }
   const RfPath& Path() const { return world_.Path(); }
   const BenchConfig& Config() const { return config_; }
 
@@ -71,6 +83,7 @@ class Bench {
   BenchConfig config_;
   RfWorld world_;
   VirtualBus bus_;
+  BenchEquipment equipment_;
   IfiSwitches ifiSwitches_;
   std::unique_ptr<VirtualSigGen> sigGen_;
   std::unique_ptr<VirtualMeter> meter_;
@@ -78,6 +91,7 @@ class Bench {
   std::unique_ptr<VirtualIfiLow> ifiLow_;
   std::unique_ptr<VirtualIfiHigh> ifiHigh_;
   std::vector<std::function<void(const BenchState&)>> listeners_;
+  std::optional<Disturbance> lastDisturbance_;
   double maxLevelDbuv_ = kNoValue, maxPeakDbuv_ = kNoValue;
 };
 

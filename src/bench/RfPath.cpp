@@ -124,7 +124,8 @@ double RfPath::MeterDb(double freqMHz, MeterAt place) const {
 }
 
 PathFactors RfPath::At(double freqMHz, const Cabling& cabling) const {
-  const double productOhm = cabling.Meter == MeterAt::Port ? config_.SourceOhm : config_.ProductOhm.At(freqMHz);
+  const bool product = cabling.Meter != MeterAt::Port;
+  const double productOhm = product ? config_.ProductOhm.At(freqMHz) : config_.SourceOhm;
   const double padAndCouplerDb = config_.PadDb + config_.CouplerLossDb;
   PathFactors factors;
   factors.Driven = cabling.Meter == MeterAt::Port || cabling.Meter == MeterAt::Probe;
@@ -138,7 +139,7 @@ PathFactors RfPath::At(double freqMHz, const Cabling& cabling) const {
   factors.TestLevelDb = kDbuvPerDbm - padAndCouplerDb - config_.CouplingLoss.At(freqMHz) + config_.CouplingFactorDb;
   factors.CurrentDb = InducedCurrent(0, config_.SourceOhm, productOhm);
   factors.MeterDb = MeterDb(freqMHz, cabling.Meter);
-  factors.DisturbedDbuv = config_.Susceptibility.At(freqMHz);
+  if (product) factors.DisturbedDbuv = config_.Susceptibility.At(freqMHz);
   factors.Meter = cabling.Meter;
   return factors;
 }

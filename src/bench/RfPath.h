@@ -66,16 +66,19 @@ struct Cabling {
   bool Protection = false;  ///< the amplifier protects itself: 20 dB less gain
 };
 
+/// Threshold where no product is connected.
+inline constexpr double kNeverDisturbed = 1e9;
+
 /// Everything about the path that depends on frequency and cabling only.
 struct PathFactors {
   bool Driven = true;  ///< the generator feeds the amplifier
   double GainDb = 0, SaturationDbm = 0;
   double ForwardPortDb = 0, ReversePortDb = 0;  ///< coupling
   double ReturnLossDb = 0, DirectivityDb = 0;
-  double TestLevelDb = 0;      ///< forward power in dBm to test level in dBuV
-  double CurrentDb = 0;        ///< test level in dBuV to induced current in dBuA
-  double MeterDb = 0;          ///< what the meter is connected to (test level, induced current, or generator) to dBuV
-  double DisturbedDbuv = 1e9;  ///< the product's threshold
+  double TestLevelDb = 0;  ///< forward power in dBm to test level in dBuV
+  double CurrentDb = 0;    ///< test level in dBuV to induced current in dBuA
+  double MeterDb = 0;      ///< what the meter is connected to (test level, induced current, or generator) to dBuV
+  double DisturbedDbuv = kNeverDisturbed;  ///< the product's threshold
   MeterAt Meter = MeterAt::Port;
 };
 

@@ -21,7 +21,7 @@ struct BenchState {
   double TestLevelDbuv = kNoValue, PeakTestLevelDbuv = kNoValue;
   double InducedDbua = kNoValue;                        ///< carrier
   double ForwardDbm = kNoValue, ReverseDbm = kNoValue;  ///< average power at the directional coupler
-  bool ProductDisturbed = false;                        ///< the peak test level has reached the product's threshold
+  bool ProductDisturbed = false;  ///< the peak test level has reached the threshold of a product that is connected
 };
 
 /// The one world that the virtual instruments share: the generator drives it, the meters read it.

@@ -1,6 +1,7 @@
 #include "bench/VirtualBus.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace hylden {
 namespace {
@@ -32,14 +33,23 @@ void VirtualBus::ClearFaults() {
   for (Device& device : devices_) device.Absent = false;
 }
 
+bool VirtualBus::Listens(int address) const {
+  const Device* const device = At(address);
+  return device && !device->Instruments.empty() && !device->Absent;
+}
+
 bool VirtualBus::IsRemote(int address) const {
-  return address >= 0 && address < static_cast<int>(devices_.size()) &&
-         devices_[static_cast<std::size_t>(address)].Remote;
+  const Device* const device = At(address);
+  return device && device->Remote;
+}
+
+const VirtualBus::Device* VirtualBus::At(int address) const {
+  if (address < 0 || address >= static_cast<int>(devices_.size())) return nullptr;
+  return &devices_[static_cast<std::size_t>(address)];
 }
 
 VirtualBus::Device* VirtualBus::At(int address) {
-  if (address < 0 || address >= static_cast<int>(devices_.size())) return nullptr;
-  return &devices_[static_cast<std::size_t>(address)];
+  return const_cast<Device*>(std::as_const(*this).At(address));
 }
 
 int VirtualBus::RegisterGpibGlobalsForThread(GpibStatusCells& cells) {

@@ -38,6 +38,8 @@ class VirtualBus : public GpibDriver {
   const std::vector<UnknownCommand>& UnknownCommands() const { return unknown_; }
   /// How many there were.
   int UnknownCount() const { return unknownCount_; }
+  /// Whether somebody listens at the address.
+  bool Listens(int address) const;
   /// Whether the device at the address was put in remote and not yet returned to local.
   bool IsRemote(int address) const;
 
@@ -77,6 +79,7 @@ class VirtualBus : public GpibDriver {
   bool Refused(int board, Device* device);
   bool Due(PendingFault& pending, const Device* device, BenchRole role);
   Device* At(int address);
+  const Device* At(int address) const;
   void Queue(Device& device, BenchRole role, std::string text);
   void Deliver(Device& device, std::span<char> buffer, int termination);
   void SetRemote(int board, std::span<const std::int16_t> addresses, bool remote);

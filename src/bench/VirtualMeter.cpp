@@ -74,9 +74,17 @@ double VirtualMeter::Detected(const Signal& signal) const {
   return detector == Detector::Average ? signal.Average : signal.Carrier;
 }
 
+bool VirtualMeter::IsTunable() const {
+  return !definition_.FreqSetPrefix.empty() || !definition_.FreqSetSuffix.empty();
+}
+
+std::optional<double> VirtualMeter::RangeTopDbuv() const {
+  if (topDbuv_ == kUnlimitedDbuv) return std::nullopt;
+  return topDbuv_;
+}
+
 bool VirtualMeter::TunedTo(double freqMHz) const {
-  const bool tunable = !definition_.FreqSetPrefix.empty() || !definition_.FreqSetSuffix.empty();
-  if (!tunable || !Is(definition_, MeterType::SpecAn)) return true;
+  if (!IsTunable() || !Is(definition_, MeterType::SpecAn)) return true;
   return std::abs(tunedMHz_ - freqMHz) * 1000 <= world_.Config().MeterBandwidthKHz;
 }
 
@@ -105,6 +113,7 @@ std::string VirtualMeter::Answer() {
   const bool linear = definition_.Units == static_cast<std::int32_t>(Conversions::MeterUnits::Volts) ||
                       definition_.Units == static_cast<std::int32_t>(Conversions::MeterUnits::Millivolts);
   const double value = Conversions::DbuvToMeterUnits(definition_.Units, level).value_or(level);
+  lastReading_ = value;
   return AnswerText(world_.Config().MeterAnswer, {value, linear, tunedMHz_});
 }
 

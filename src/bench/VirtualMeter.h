@@ -15,6 +15,14 @@ class VirtualMeter : public VirtualInstrument {
   VirtualMeter(RfWorld& world, const MeterDefinition& definition);
   /// Takes a capture that is over, before the world changes.
   void FinishCapture();
+  /// MHz; 0 as long as nobody tuned it.
+  double TunedMHz() const { return tunedMHz_; }
+  /// Whether its definition has a command for the frequency.
+  bool IsTunable() const;
+  /// Top of the range, dBuV; nothing where no command sets it.
+  std::optional<double> RangeTopDbuv() const;
+  /// The value of its last answer, in the units of its definition.
+  std::optional<double> LastReading() const { return lastReading_; }
 
  protected:
   Heard Listen(std::string_view command) override;
@@ -34,6 +42,7 @@ class VirtualMeter : public VirtualInstrument {
   Capture capture_;
   double tunedMHz_ = 0;
   double topDbuv_ = 0;  ///< top of the range
+  std::optional<double> lastReading_;
 };
 
 }  // namespace hylden

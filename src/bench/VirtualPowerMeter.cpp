@@ -151,6 +151,7 @@ std::string VirtualPowerMeter::Answer(int channel) {
       triggered ? captures_[static_cast<std::size_t>(channel - 1)].Value().value_or(world_.Config().PowerMeterFloorDbm)
                 : Measure(channel, world_.Now());
   const double value = DbmToPowerUnits(definition_.Units, dbm);
+  lastReadings_[static_cast<std::size_t>(channel - 1)] = value;
   return AnswerText(world_.Config().PowerMeterAnswer, {value, IsLinear(definition_.Units), freqMHz_, channel});
 }
 

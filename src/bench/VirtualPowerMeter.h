@@ -22,6 +22,8 @@ class VirtualPowerMeter : public VirtualInstrument {
   VirtualPowerMeter(RfWorld& world, const PowerMeterDefinition& definition, PowerSensors sensors, double bandSwitchMHz);
   /// Takes captures that are over, before the world changes.
   void FinishCaptures();
+  /// The value of the last answer of channel 1 or 2, in the units of its definition.
+  std::optional<double> LastReading(int channel) const { return lastReadings_[static_cast<std::size_t>(channel - 1)]; }
 
  protected:
   Heard Listen(std::string_view command) override;
@@ -38,6 +40,7 @@ class VirtualPowerMeter : public VirtualInstrument {
   double bandSwitchMHz_;
   CommandSet commands_;
   std::array<Capture, 2> captures_;
+  std::array<std::optional<double>, 2> lastReadings_;
   int selected_ = 1;
   double freqMHz_ = 0;
 };

@@ -39,6 +39,7 @@ TEST(Bench, TheProductIsDisturbedByThePeakOfTheTestLevel) {
   BenchConfig config = Noiseless();
   config.Susceptibility = FrequencyTable{{1, 140}};
   BenchRig rig(SmallStation(), config);
+  rig.bench.Connect(MeterAt::Probe);
   rig.Drive(10, -14);
   ASSERT_LT(rig.bench.State().TestLevelDbuv, 140);
   EXPECT_FALSE(rig.bench.ProductDisturbed());

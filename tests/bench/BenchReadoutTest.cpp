@@ -1,0 +1,212 @@
+#include "bench/BenchReadout.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "BenchRig.h"
+
+namespace hylden {
+namespace {
+
+BenchEquipment NamedStation() {
+  BenchEquipment station = SmallStation();
+  station.SigGen->InstrumentName = "Source";
+  station.SigGen->AmFreqPrefix = "AF", station.SigGen->AmFreqSuffix = "KZ";
+  station.Meter->InstrumentName = "Analyser";
+  station.PowerMeter->InstrumentName = "Two heads";
+  return station;
+}
+
+TEST(BenchReadout, NothingOnTheBusSaysSo) {
+  const BenchReadout readout = ReadBench(BenchRig(BenchEquipment{}).bench);
+  for (const auto* instrument : {&readout.Generator, &readout.Meter, &readout.PowerMeter, &readout.IfiLow})
+    EXPECT_EQ(InstrumentText(*instrument), "not on the bus");
+  EXPECT_EQ(MeterSettingText(readout), "");
+  EXPECT_TRUE(IsMissing(readout.Product.ThresholdDbuv)) << "without a frequency";
+}
+
+TEST(BenchReadout, InstrumentsAfterSwitchingOn) {
+  const BenchRig rig(NamedStation());
+  const BenchReadout readout = ReadBench(rig.bench);
+  EXPECT_EQ(InstrumentText(readout.Generator), "Source, address 18");
+  EXPECT_FALSE(readout.Output.RfOn);
+  EXPECT_EQ(ModulationText(readout.Output), "none");
+  EXPECT_EQ(InstrumentText(readout.Meter), "Analyser, address 13");
+  EXPECT_EQ(MeterSettingText(readout), "not tuned yet, up to 130.0 dBuV");
+  EXPECT_EQ(ReadingText(readout.MeterReading), "nothing yet");
+  EXPECT_EQ(InstrumentText(readout.PowerMeter), "Two heads, address 14");
+  EXPECT_EQ(ReadingText(readout.PowerReadings[0]), "nothing yet");
+  EXPECT_EQ(AmplifierText(readout), "One for all bands, not on the bus");
+}
+
+TEST(BenchReadout, InstrumentTakenOffTheBusDoesNotAnswer) {
+  BenchRig rig(NamedStation());
+  rig.bench.Inject({FaultKind::Absent, BenchRole::Meter, 1});
+  rig.Send(13, "TS");
+  EXPECT_EQ(InstrumentText(ReadBench(rig.bench).Meter), "Analyser, address 13: does not answer");
+  EXPECT_TRUE(ReadBench(rig.bench).Generator.Listens);
+}
+
+TEST(BenchReadout, FollowsTheProgramsCommands) {
+  BenchRig rig(NamedStation());
+  rig.Drive(27.5, -12);
+  rig.Send(13, "CF 27.5 MZ"), rig.Send(13, "RL 127.0 DB");
+  rig.MeterReading();
+  const double forward = rig.PowerReading('A');
+  BenchReadout readout = ReadBench(rig.bench);
+  EXPECT_TRUE(readout.Output.RfOn);
+  EXPECT_EQ(readout.Output.FreqMHz, 27.5);
+  EXPECT_EQ(readout.Output.LevelDbm, -12);
+  EXPECT_EQ(MeterSettingText(readout), "27.5 MHz, up to 127.0 dBuV");
+  const CalibrationReading expected = rig.bench.Path().CalibrationPort(27.5, -12);
+  ASSERT_TRUE(readout.MeterReading);
+  EXPECT_NEAR(readout.MeterReading->Value, expected.MeterDbuv, 0.001);
+  EXPECT_EQ(readout.MeterReading->Unit, "dBuV");
+  ASSERT_TRUE(readout.PowerReadings[0]);
+  EXPECT_NEAR(readout.PowerReadings[0]->Value, forward, 0.001);
+  EXPECT_FALSE(readout.PowerReadings[1]) << "channel 2 was not read";
+
+  rig.Send(18, "R0");
+  readout = ReadBench(rig.bench);
+  EXPECT_TRUE(readout.MeterReading) << "a reading stands until the next one";
+  EXPECT_TRUE(IsMissing(readout.Product.ForwardDbm));
+  rig.bench.Equip(NamedStation());
+  EXPECT_FALSE(ReadBench(rig.bench).MeterReading) << "another meter has read nothing";
+}
+
+struct ModulationCase {
+  std::vector<const char*> commands;
+  const char* expected;
+};
+class BenchModulationText : public testing::TestWithParam<ModulationCase> {};
+
+TEST_P(BenchModulationText, NamesTheKindAndItsSettings) {
+  BenchRig rig(NamedStation());
+  for (const char* command : GetParam().commands) rig.Send(18, command);
+  EXPECT_EQ(rig.bench.Bus().UnknownCount(), 0);
+  EXPECT_EQ(ModulationText(ReadBench(rig.bench).Output), GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(, BenchModulationText,
+                         testing::Values(ModulationCase{{"AM 80.0 PC", "AF 1.0 KZ", "M1"}, "AM 80 %, 1 kHz"},
+                                         ModulationCase{{"AM 30.5 PC", "M1"}, "AM 30.5 %"},
+                                         ModulationCase{{"FM 10.0 KZ", "M2"}, "FM 10 kHz deviation"},
+                                         ModulationCase{{"PF 0.2 KZ", "PW 2.5 MS", "M3"}, "Pulse 2.5 ms, 0.2 kHz"},
+                                         ModulationCase{{"AM 80.0 PC", "AF 1.0 KZ", "M1", "M0"}, "none"}));
+
+struct ReadingCase {
+  std::optional<BenchReading> reading;
+  const char* expected;
+};
+class BenchReadingText : public testing::TestWithParam<ReadingCase> {};
+
+TEST_P(BenchReadingText, HasItsUnit) {
+  EXPECT_EQ(ReadingText(GetParam().reading), GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(, BenchReadingText,
+                         testing::Values(ReadingCase{std::nullopt, "nothing yet"},
+                                         ReadingCase{BenchReading{72.6686, "dBuV"}, "72.67 dBuV"},
+                                         ReadingCase{BenchReading{-3.456, "dBm"}, "-3.46 dBm"},
+                                         ReadingCase{BenchReading{1.67377, "V", true}, "1.674 V"},
+                                         ReadingCase{BenchReading{3.2e-7, "W", true}, "3.2e-07 W"}));
+
+TEST(BenchReadout, ReadingsAreInTheUnitsOfTheDefinitions) {
+  BenchEquipment station = NamedStation();
+  station.Meter->Units = static_cast<std::int32_t>(Conversions::MeterUnits::Volts);
+  station.PowerMeter->Units = static_cast<std::int32_t>(Conversions::PowerUnits::Watts);
+  BenchRig rig(station);
+  rig.Drive(10, -12);
+  rig.Send(13, "CF 10.0 MZ");
+  rig.MeterReading();
+  rig.PowerReading('B');
+  const BenchReadout readout = ReadBench(rig.bench);
+  ASSERT_TRUE(readout.MeterReading && readout.PowerReadings[1]);
+  EXPECT_EQ(readout.MeterReading->Unit, "V");
+  EXPECT_TRUE(readout.MeterReading->Linear);
+  EXPECT_EQ(readout.PowerReadings[1]->Unit, "W");
+  EXPECT_FALSE(readout.PowerReadings[0]);
+}
+
+TEST(BenchReadout, IfiPairShowsTheBandThatAmplifies) {
+  BenchEquipment station = NamedStation();
+  station.IfiAmplifier = true;
+  BenchRig rig(station);
+  EXPECT_EQ(AmplifierText(ReadBench(rig.bench)), "IFI pair, no band selected");
+  rig.Send(10, "9\r\n"), rig.Send(9, "ZA\r\n"), rig.Send(9, "B1\r\n");
+  EXPECT_EQ(AmplifierText(ReadBench(rig.bench)), "IFI low band, address 10");
+  rig.Send(9, "ON\r\n"), rig.Send(9, "B2\r\n");
+  EXPECT_EQ(AmplifierText(ReadBench(rig.bench)), "IFI high band, address 9");
+  rig.bench.SetAmplifierProtection(true);
+  EXPECT_EQ(AmplifierText(ReadBench(rig.bench)), "IFI high band, address 9; IN PROTECTION");
+}
+
+/// A product that is disturbed from 140 dBuV below 50 MHz, from 150 dBuV above.
+BenchConfig Susceptible() {
+  BenchConfig config = Noiseless();
+  config.Susceptibility = FrequencyTable{{1, 140}, {50, 140}, {50, 150}};
+  return config;
+}
+
+/// The generator level that puts this test level on the product, dBm.
+double LevelFor(const BenchRig& rig, double freqMHz, double testLevelDbuv) {
+  double low = -60, high = 0;
+  for (int i = 0; i < 50; ++i) {
+    const double middle = (low + high) / 2;
+    (rig.bench.Path().CalibrationPort(freqMHz, middle).TestLevelDbuv < testLevelDbuv ? low : high) = middle;
+  }
+  return high;
+}
+
+struct ProductCase {
+  const char* name;
+  MeterAt place;
+  const char* then;
+  double freqMHz, testLevelDbuv;
+  ProductState state;
+  double thresholdDbuv;
+  const char* margin;
+};
+class BenchProduct : public testing::TestWithParam<ProductCase> {};
+
+TEST_P(BenchProduct, IsJudgedByTheCurveAtThePresentFrequency) {
+  const ProductCase& c = GetParam();
+  BenchRig rig(NamedStation(), Susceptible());
+  rig.bench.Connect(c.place);
+  rig.Drive(c.freqMHz, LevelFor(rig, c.freqMHz, c.testLevelDbuv));
+  rig.Send(18, "AM 80.0 PC"), rig.Send(18, c.then);
+  const ProductReadout product = ReadBench(rig.bench).Product;
+  EXPECT_EQ(product.State, c.state);
+  EXPECT_EQ(product.ThresholdDbuv, c.thresholdDbuv);
+  EXPECT_EQ(MarginText(product), c.margin);
+  EXPECT_EQ(IsMissing(product.InducedDbua), c.place != MeterAt::Probe || c.then == std::string("R0"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , BenchProduct,
+    testing::Values(
+        ProductCase{"below", MeterAt::Probe, "M0", 10, 137, ProductState::Passes, 140, "3.0 dB below the threshold"},
+        ProductCase{"just", MeterAt::Probe, "M0", 10, 139.9, ProductState::Passes, 140, "0.1 dB below the threshold"},
+        ProductCase{"over", MeterAt::Probe, "M0", 10, 140.1, ProductState::Disturbed, 140,
+                    "0.1 dB above the threshold"},
+        ProductCase{"peaks", MeterAt::Probe, "M1", 10, 136, ProductState::Disturbed, 140, "1.0 dB above the threshold"},
+        ProductCase{"higher", MeterAt::Probe, "M0", 60, 141, ProductState::Passes, 150, "9.0 dB below the threshold"},
+        ProductCase{"off", MeterAt::Probe, "R0", 10, 145, ProductState::WithoutRf, 140, ""},
+        ProductCase{"port", MeterAt::Port, "M0", 10, 145, ProductState::NotConnected, kNoValue, ""},
+        ProductCase{"undriven", MeterAt::Generator, "M0", 10, 145, ProductState::WithoutRf, 140, ""}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST(BenchReadout, KeepsWhereTheProductWasDisturbedLast) {
+  BenchRig rig(NamedStation(), Susceptible());
+  rig.bench.Connect(MeterAt::Probe);
+  EXPECT_FALSE(ReadBench(rig.bench).Product.LastDisturbance);
+  rig.Drive(10, LevelFor(rig, 10, 141));
+  rig.Drive(60, LevelFor(rig, 60, 141));
+  const auto last = ReadBench(rig.bench).Product.LastDisturbance;
+  ASSERT_TRUE(last);
+  EXPECT_EQ(last->FreqMHz, 10);
+  EXPECT_NEAR(last->PeakTestLevelDbuv, 141, 0.01);
+}
+
+}  // namespace
+}  // namespace hylden
