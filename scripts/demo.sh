@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # On a screen: builds, and opens the program on the simulated bench, with the demo station and a demo test loaded.
-# Without one (or with --console): runs every test of the demo station on the bench, on a virtual clock, leaves
-# build/demo/*.run and a table of what was applied, and takes pictures of the windows.
+# Without one (or with --console): takes a copy of the demo station through its whole work on the bench, on a virtual
+# clock: measures the meter's cable, calibrates the levels with it and with the IFI amplifiers, and runs every test on
+# these records. Leaves the files and a table of what was applied in build/demo/, and takes pictures of the windows.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$PWD
@@ -22,22 +23,35 @@ fi
 
 cmake --build --preset dev --target hylden-run
 
-# the station of each test; the others run on station.eqp
-declare -A station=([ifi-band-change]=ifi-station.eqp)
+# the station of each calibration and test; the others are on station.eqp
+declare -A station=([ifi-10v]=ifi-station.eqp [ifi-band-change]=ifi-station.eqp)
 
-rm -f "$out"/*.run "$out"/*.log
-cd examples/station
+# run NAME arguments...: one job on the bench, with its log; every progress line stays there
+run() {
+  local name=$1
+  shift
+  echo "== $name"
+  "$root/build/dev/bin/hylden-run" --equipment "${station[$name]:-station.eqp}" --bench bench.txt --virtual-time --yes \
+    "$@" | tee "$name.log" | grep -vE '^step ' || true
+  grep -q '^Finished: ' "$name.log" || { echo "demo: $name did not finish" >&2; exit 1; }
+}
+
+rm -rf "$out/station"
+cp -r examples/station "$out/station"
+cd "$out/station"
+run meter-cable --cable-loss --start 0.1 --stop 230 --log-step 5 --level -10 --output meter-cable.los
+for setup in *.csu; do
+  run "${setup%.csu}" --calibrate "$setup" --output "${setup%.csu}.cal"
+done
+
 row='%-32s %6s %6s %21s %16s %9s\n'
 table=$(printf "$row" 'test' 'steps' 'rows' 'frequency, MHz' 'generator, dBm' 'real, min')
 for test in *.tst; do
   name=${test%.tst}
-  echo "== $name"
-  "$root/build/dev/bin/hylden-run" --equipment "${station[$name]:-station.eqp}" --test "$test" --output "$out/$name.run" \
-    --bench bench.txt --virtual-time --yes | tee "$out/$name.log" | grep -vE '^step ' || true
-  grep -q '^Finished: ' "$out/$name.log" || { echo "demo: $name did not finish" >&2; exit 1; }
+  run "$name" --test "$test" --output "$name.run"
 
-  read -r steps minutes < <(awk '/^Finished: /{print $4, $7}' "$out/$name.log")
-  applied=$(tr -d '\r' <"$out/$name.run" | awk -F', ' 'NR > 3 && $2 !~ /^T/ {
+  read -r steps minutes < <(awk '/^Finished: /{print $4, $7}' "$name.log")
+  applied=$(tr -d '\r' <"$name.run" | awk -F', ' 'NR > 3 && $2 !~ /^T/ {
       n++; level = $2 + 0
       if (n == 1) { first = $1; low = high = level }
       last = $1; if (level < low) low = level; if (level > high) high = level
@@ -46,6 +60,6 @@ for test in *.tst; do
   [ "$rows" = "$steps" ] || { echo "demo: $name has $rows rows for $steps steps" >&2; exit 1; }
   table+=$'\n'$(printf "$row" "$name" "$steps" "$rows" "$range" "$levels" "$minutes")
 done
-printf '\n%s\n\nRun data: build/demo/*.run\n' "$table"
+printf '\n%s\n\nCable loss, calibration records and run data: build/demo/station\n' "$table"
 cd "$root"
 scripts/pictures.sh

@@ -177,6 +177,7 @@ void WriteCalibrations(BenchConfig bench) {
   SaveRecord("cdn-10v.csu", setup, true);
   CalibrateOnBench(bench, "station.eqp", setup, "cdn-10v.cal");
   setup.AmpUsed = "Simulated IFI amplifier pair";
+  SaveRecord("ifi-10v.csu", setup, true);
   CalibrateOnBench(bench, "ifi-station.eqp", setup, "ifi-10v.cal");
 }
 
