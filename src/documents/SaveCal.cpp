@@ -48,9 +48,14 @@ bool SaveCal(Shell& shell, const std::string& dataFileName, const std::vector<st
   }
   const std::string* current = &dataFileName;
   try {
-    ReplaceFile(dataFileName, DataContent(rows));
+    // The two belong together: neither is replaced unless both can be written.
+    FileReplacement data(dataFileName, DataContent(rows));
     current = &*infoFileName;
-    SaveRecord(*infoFileName, info, true);
+    FileReplacement description(*infoFileName, RecordText(info, true));
+    current = &dataFileName;
+    data.Place();
+    current = &*infoFileName;
+    description.Place();
   } catch (const std::exception& error) {
     shell.ReportError(error, "frmRunCal.SaveCal", *current);
     return false;

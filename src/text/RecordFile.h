@@ -66,21 +66,24 @@ void LoadRecord(const std::string& path, Record& record) {
   Fields(reader, record);
 }
 
+/// The record as its file holds it.
+template <class Record>
+std::string RecordText(const Record& record, bool trailingBlank = false) {
+  RecordWriter writer(trailingBlank);
+  Fields(writer, const_cast<Record&>(record));
+  return writer.Content();
+}
+
 /// @throws RuntimeError; the old file stays whole on failure.
 template <class Record>
 void SaveRecord(const std::string& path, const Record& record, bool trailingBlank = false) {
-  RecordWriter writer(trailingBlank);
-  Fields(writer, const_cast<Record&>(record));
-  ReplaceFile(path, writer.Content());
+  ReplaceFile(path, RecordText(record, trailingBlank));
 }
 
 /// Equality of every field, as the file would show it.
 template <class Record>
 bool SameRecord(const Record& a, const Record& b) {
-  RecordWriter first, second;
-  Fields(first, const_cast<Record&>(a));
-  Fields(second, const_cast<Record&>(b));
-  return first.Content() == second.Content();
+  return RecordText(a) == RecordText(b);
 }
 
 }  // namespace hylden

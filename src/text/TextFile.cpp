@@ -126,44 +126,16 @@ void CheckWritable(const fs::path& path, fs::perms permissions) {
   FailWith(errno);
 }
 
-/// A new file beside the target; removed again unless it takes the target's place.
-class Replacement {
- public:
-  explicit Replacement(fs::path target) : target_(std::move(target)) {
-    constexpr int kMostLeftovers = 1000;
-    for (int i = 0; i < kMostLeftovers && !file_; ++i) {
-      path_ = target_.parent_path() / (".hylden-" + std::to_string(i) + ".tmp");
-      file_.reset(std::fopen(path_.c_str(), "wbx"));
-      if (!file_ && errno != EEXIST) FailWith(errno);
-    }
-    if (!file_) Fail(ErrorNumber::PathFileAccessError);
+/// A name beside the target that nobody uses, and the file of that name.
+std::pair<fs::path, File> NewFileBeside(const fs::path& target) {
+  constexpr int kMostLeftovers = 1000;
+  for (int i = 0; i < kMostLeftovers; ++i) {
+    const fs::path path = target.parent_path() / (".hylden-" + std::to_string(i) + ".tmp");
+    if (File file{std::fopen(path.c_str(), "wbx")}; file) return {path, std::move(file)};
+    if (errno != EEXIST) FailWith(errno);
   }
-  ~Replacement() {
-    std::error_code ignored;
-    if (!placed_) fs::remove(path_, ignored);
-  }
-  Replacement(const Replacement&) = delete;
-  Replacement& operator=(const Replacement&) = delete;
-
-  void KeepPermissions(fs::perms permissions) {
-    std::error_code ignored;  // some file systems have none
-    fs::permissions(path_, permissions, ignored);
-  }
-
-  void Write(std::string_view content) { WriteAndClose(std::move(file_), content); }
-
-  void Place() {
-    std::error_code failed;
-    fs::rename(path_, target_, failed);
-    if (failed) FailWith(failed.value());
-    placed_ = true;
-  }
-
- private:
-  fs::path target_, path_;
-  File file_;
-  bool placed_ = false;
-};
+  Fail(ErrorNumber::PathFileAccessError);
+}
 
 }  // namespace
 
@@ -196,7 +168,7 @@ std::vector<std::string> ReadLines(const std::string& path) {
   return lines;
 }
 
-void ReplaceFile(const std::string& path, std::string_view content) {
+FileReplacement::FileReplacement(const std::string& path, std::string_view content) {
   CheckName(path);
   const std::string chosen = SavePath(path);
   std::error_code ignored;
@@ -205,14 +177,32 @@ void ReplaceFile(const std::string& path, std::string_view content) {
   if (fs::exists(status) && !fs::is_regular_file(status)) {  // a device or a pipe has nothing to keep whole
     File device(std::fopen(chosen.c_str(), "wb"));
     if (!device) FailWith(errno);
-    return WriteAndClose(std::move(device), content);
+    WriteAndClose(std::move(device), content);
+    return;
   }
-  const fs::path target = LinkTarget(chosen);
-  if (fs::exists(status)) CheckWritable(target, status.permissions());
-  Replacement replacement(target);
-  if (fs::exists(status)) replacement.KeepPermissions(status.permissions());
-  replacement.Write(content);
-  replacement.Place();
+  target_ = LinkTarget(chosen);
+  if (fs::exists(status)) CheckWritable(target_, status.permissions());
+  auto [written, file] = NewFileBeside(target_);
+  written_.Path = written;
+  if (fs::exists(status)) fs::permissions(written, status.permissions(), ignored);  // some file systems have none
+  WriteAndClose(std::move(file), content);
+}
+
+FileReplacement::Temporary::~Temporary() {
+  std::error_code ignored;
+  if (!Path.empty()) fs::remove(Path, ignored);
+}
+
+void FileReplacement::Place() {
+  if (written_.Path.empty()) return;
+  std::error_code failed;
+  fs::rename(written_.Path, target_, failed);
+  if (failed) FailWith(failed.value());
+  written_.Path.clear();
+}
+
+void ReplaceFile(const std::string& path, std::string_view content) {
+  FileReplacement(path, content).Place();
 }
 
 std::string JoinLines(const std::vector<std::string>& lines) {

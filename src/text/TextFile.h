@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,9 +38,30 @@ class LineReader {
 /// All lines of a file, in order. @throws RuntimeError as ReadTextFile
 std::vector<std::string> ReadLines(const std::string& path);
 
-/// Replaces the file as a whole: writes beside it, flushes, renames; a failure leaves the old file untouched. A
-/// symbolic link keeps pointing at the replaced file; permissions are kept; a file without write permission is refused.
-/// @throws RuntimeError PathNotFound, PathFileAccessError, DiskFull, PermissionDenied
+/// A file's new content, written beside it and not yet in its place: when several files belong together, each is
+/// written before the first is replaced; without Place the old file stays as it is. A symbolic link keeps pointing at
+/// the replaced file; permissions are kept; a file without write permission is refused. A device is written at once.
+class FileReplacement {
+ public:
+  /// @throws RuntimeError PathNotFound, PathFileAccessError, DiskFull, PermissionDenied; the old file is untouched
+  FileReplacement(const std::string& path, std::string_view content);
+  FileReplacement(const FileReplacement&) = delete;
+  FileReplacement& operator=(const FileReplacement&) = delete;
+
+  /// @throws RuntimeError; the old file is untouched
+  void Place();
+
+ private:
+  struct Temporary {
+    std::filesystem::path Path;  ///< empty: nothing to place
+    ~Temporary();
+  };
+
+  std::filesystem::path target_;
+  Temporary written_;
+};
+
+/// Replaces the file as a whole, or leaves it untouched. @throws RuntimeError as FileReplacement
 void ReplaceFile(const std::string& path, std::string_view content);
 
 /// Lines joined, each ended by CR LF.
