@@ -52,6 +52,7 @@ void RunCablCal::InsertPass(CalibrationDisplay& display) {
 }
 
 void RunCablCal::RunPass(const Pass& pass, const char* context) {
+  if (!guard_.Begin()) return;
   running_ = true;
   outcome_ = RunOutcome::EndedEarly;
   current_ = 0;
@@ -64,7 +65,7 @@ void RunCablCal::RunPass(const Pass& pass, const char* context) {
   });
   EndPass(pass);
   running_ = false;
-  guard_.PassProgramEnd();
+  guard_.Finish();
 }
 
 bool RunCablCal::BringUp(const Pass& pass) {
@@ -128,6 +129,8 @@ bool RunCablCal::Tune(double frequencyMHz, float levelDbm) {
 
 void RunCablCal::Store(const Pass& pass, CablePoint& point, float levelDbm, double reading) {
   if (pass.Inserted) {
+    // Readings of two insert passes are never mixed.
+    if (current_ == 1) std::for_each(points_.begin(), points_.end(), [](auto& p) { p.Insert = kNoValue; });
     point.Insert = reading;
     point.Loss = point.Direct - point.Insert;
     return;

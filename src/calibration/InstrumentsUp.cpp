@@ -84,7 +84,7 @@ void InstrumentsUp::TakeDown() {
 void InstrumentsUp::SwitchRfOff(Generator state) {
   if (state == Generator::Up) instruments_.sigGen.SilenceRf();
   // A generator that didn't come up may have been sending before the program found it.
-  if (state == Generator::Unknown) instruments_.sigGen.RfOff();
+  if (state == Generator::Unknown) instruments_.sigGen.TryRfOff();
 }
 
 bool InstrumentsUp::Refuse(const char* text) {

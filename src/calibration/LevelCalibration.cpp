@@ -35,6 +35,7 @@ bool LevelCalibration::Prepare() {
   setup_ = documents_.calSetup.Record;
   couplingFactor_ = documents_.calSetup.CouplingFactor();
   ForgetRows();
+  ready_ = false;  // should planning throw
   ready_ = PlanRun() && LoadTables();
   return ready_;
 }
@@ -90,22 +91,23 @@ bool LevelCalibration::LoadTables() {
 }
 
 void LevelCalibration::Run() {
-  if (running_ || !ready_) return;
+  if (running_ || !ready_ || !guard_.Begin()) return;
   running_ = true;
   started_ = false;
   outcome_ = RunOutcome::EndedEarly;
   guard_.Run("frmRunCal.RunCal", [this] { RunPlan(); });
   End();
   running_ = false;
-  guard_.PassProgramEnd();
+  guard_.Finish();
 }
 
 void LevelCalibration::RunPlan() {
   display_.Running(true);
   shell_.delay.ClearHalt();
   if (!BringUp()) return;
-  // Up to here the points of an earlier run are kept: a run that could not start costs nothing.
   started_ = true;
+  // Up to here the points of an earlier run are kept: a run that did not get to its first point costs nothing.
+  if (Halted()) return;
   ForgetRows();
   Sweep();
 }

@@ -164,7 +164,8 @@ bool LevelCalibration::ReadReversePower(double excessDb, std::string& cell) {
   if (!documents_.equip.Record.Is(AmpConfig::DualFwdRev))
     return Fail("Equipment file says power meter not configured for reverse power readings.");
   const double reading = instruments_.pm.ReadPower(2);
-  if (IsNoReading(reading)) return false;
+  // RF that went off meanwhile, when the program had to end, left nothing to be read.
+  if (IsNoReading(reading) || !instruments_.sigGen.RfIsOn()) return false;
   cell = IsMissing(reading) ? kNotRecorded : PowerText(reading + point_.ReverseFactor - excessDb);
   return true;
 }

@@ -8,6 +8,14 @@
 
 namespace hylden {
 
+bool RunGuard::Begin() {
+  const bool free = shell_.ClaimInstruments([this] {
+    if (sigGen_.RfIsOn()) sigGen_.SilenceRf();
+  });
+  if (!free) shell_.dialogs.Tell("Another run is using the instruments");
+  return free;
+}
+
 void RunGuard::Run(const std::string& context, const std::function<void()>& run) {
   context_ = context;
   programEnd_ = nullptr;
@@ -37,7 +45,8 @@ void RunGuard::Attempt(const std::function<void()>& part) {
   }
 }
 
-void RunGuard::PassProgramEnd() {
+void RunGuard::Finish() {
+  shell_.ReleaseInstruments();
   if (const std::exception_ptr programEnd = std::exchange(programEnd_, nullptr)) std::rethrow_exception(programEnd);
 }
 

@@ -48,7 +48,7 @@ std::optional<double> AnswerReader::Read(int address, const std::string& readCom
 std::optional<double> AnswerReader::Converted(UnitConversion convert, std::int32_t units, double value) {
   try {
     const std::optional<double> converted = convert(units, value);
-    if (!converted) shell_.dialogs.Tell("Error, bad units value in meter config file");
+    if (!converted) shell_.TellFailure("Error, bad units value in meter config file");
     return converted;
   } catch (const RuntimeError&) {
     return std::nullopt;  // beyond what the units can express

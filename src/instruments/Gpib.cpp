@@ -172,7 +172,7 @@ void Gpib::Drain(int address) {
 
 void Gpib::GpibError(std::string& message) {
   message += IbstaText() + IberrText() + IbcntText();
-  shell_.dialogs.Tell(message, MessageIcon::Exclamation);
+  shell_.TellFailure(message, MessageIcon::Exclamation);
 }
 
 std::string Gpib::IbstaText() const {

@@ -39,7 +39,7 @@ bool Meter::MeterSetFreq(double frequencyMHz) {
   const double setting = FreqSetting(frequencyMHz);
   const bool inRange = frequencyMHz >= MinimumFreq() && frequencyMHz <= MaximumFreq();
   if (!inRange || !std::isfinite(setting)) {
-    shell_.dialogs.Tell("Frequency requested exceeds meter's capability. ");
+    shell_.TellFailure("Frequency requested exceeds meter's capability. ");
     return false;
   }
   if (frequencyMHz == currentFreq_) return true;
@@ -55,7 +55,7 @@ double Meter::FreqSetting(double frequencyMHz) const {
 
 bool Meter::MeterSetLevel(double levelDbuv) {
   if (!(levelDbuv >= MinimumLevel() && levelDbuv <= MaximumLevel())) {
-    shell_.dialogs.Tell("Level requested exceeds meter's capability. ");
+    shell_.TellFailure("Level requested exceeds meter's capability. ");
     return false;
   }
   if (levelDbuv == currentReference_) return true;

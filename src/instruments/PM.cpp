@@ -31,7 +31,7 @@ bool PM::InitPwrMtr() {
 
 bool PM::PwrMtrSetFreq(double frequencyMHz) {
   if (!(frequencyMHz >= MinimumFreq() && frequencyMHz <= MaximumFreq())) {
-    shell_.dialogs.Tell("Frequency requested exceeds power meter's capability. ");
+    shell_.TellFailure("Frequency requested exceeds power meter's capability. ");
     return false;
   }
   if (frequencyMHz == currentFreq_) return true;

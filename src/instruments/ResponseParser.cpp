@@ -14,8 +14,8 @@ std::string ResponseParser::ParseAnswer(const std::string& answer, const std::st
     engine_.ExecuteStatement("x= RetString");
     return engine_.Eval(expression);
   } catch (const RuntimeError& error) {
-    shell_.dialogs.Tell("Scripting error\r\nError number " + std::to_string(error.Number()) + "\r\n" +
-                        error.Description());
+    shell_.TellFailure("Scripting error\r\nError number " + std::to_string(error.Number()) + "\r\n" +
+                       error.Description());
     return {};
   }
 }

@@ -88,6 +88,12 @@ bool SigGen::RfOn() {
 }
 
 bool SigGen::RfOff() {
+  const bool sent = TryRfOff();
+  if (!sent) gpib_.Report("Error setting SigGen RF off. ");
+  return sent;
+}
+
+bool SigGen::TryRfOff() {
   if (definition_.RfOff.empty()) {
     rfOn_ = false;
     if (HasFreqCommand()) RequestMinimumLevel();
@@ -95,7 +101,6 @@ bool SigGen::RfOff() {
   }
   const bool sent = gpib_.Send(Address(), definition_.RfOff + terminator_.Text);
   rfOn_ = false;  // after the send: had it thrown, the output would still count as on
-  if (!sent) gpib_.Report("Error setting SigGen RF off. ");
   return sent;
 }
 

@@ -27,6 +27,8 @@ class SigGen {
   /// Always tries. Nothing is sent to a generator without the command: it comes up at its minimum level at the next
   /// RfOn, and until then goes on sending as it did.
   bool RfOff();
+  /// The same without a message when it fails.
+  bool TryRfOff();
   /// RF off as far as the generator can: one without the command is taken to its minimum level at once. Whatever has to
   /// have RF off uses this, not the bare command.
   bool SilenceRf();

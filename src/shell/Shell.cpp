@@ -1,12 +1,25 @@
 #include "shell/Shell.h"
 
 #include <exception>
+#include <utility>
 
 namespace hylden {
 
 namespace {
 
 constexpr int kInternalError = 51;
+
+/// Holds a flag up while it lives.
+class FlagRaised {
+ public:
+  explicit FlagRaised(bool& flag) : flag_(flag) { flag_ = true; }
+  ~FlagRaised() { flag_ = false; }
+  FlagRaised(const FlagRaised&) = delete;
+  FlagRaised& operator=(const FlagRaised&) = delete;
+
+ private:
+  bool& flag_;
+};
 
 }  // namespace
 
@@ -20,6 +33,21 @@ Shell::Shell(const Platform& platform, const std::string& programDirectory)
       settings(programDirectory),
       log(settings, clock),
       delay(dialogs, clock, events) {}
+
+bool Shell::ClaimInstruments(std::function<void()> makeSafe) {
+  if (makeSafe_) return false;
+  makeSafe_ = std::move(makeSafe);
+  return true;
+}
+
+void Shell::TellFailure(const std::string& text, MessageIcon icon) {
+  if (makingSafe_) return;
+  if (makeSafe_) {
+    const FlagRaised scope(makingSafe_);
+    makeSafe_();
+  }
+  dialogs.Tell(text, icon);
+}
 
 void Shell::ReportError(const RuntimeError& error, std::string_view context, std::string_view path) {
   std::string text = "Error # " + std::to_string(error.Number()) + "\r" + error.Description() + "\r";

@@ -42,13 +42,13 @@ RunReadiness RunEngine::Prepare() {
 }
 
 void RunEngine::RunCdiTest() {
-  if (running_ || !ready_) return;
+  if (running_ || !ready_ || !guard_.Begin()) return;
   running_ = true;
   outcome_ = RunOutcome::EndedEarly;
   guard_.Run("frmRunTest.RunCDI", [this] { RunTest(); });
   EndRun();
   running_ = false;
-  guard_.PassProgramEnd();
+  guard_.Finish();
 }
 
 void RunEngine::Reset() {
@@ -154,7 +154,8 @@ void RunEngine::EndRun() {
 void RunEngine::AskToSave() {
   const MessageAnswer answer = run_.shell.dialogs.Show(
       {"Would you like to save the testrun data?", "Save Run Data", MessageIcon::Question, MessageButtons::YesNo});
-  saveMissed_ = answer == MessageAnswer::Yes && !SaveRunData(run_.shell, run_.data);
+  saveMissed_ = answer == MessageAnswer::Yes;
+  if (saveMissed_) saveMissed_ = !SaveRunData(run_.shell, run_.data);
 }
 
 }  // namespace hylden
