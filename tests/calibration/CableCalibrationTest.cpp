@@ -139,7 +139,7 @@ TEST_F(CableTest, TheLossIsNotTheDifferenceOfTheReadings) {
   EXPECT_TRUE(rig.t.dialogs.messages.empty());
   EXPECT_EQ(rig.display.states, (std::vector<bool>{true, false, true, false}));
   EXPECT_FALSE(rig.rfOn);
-  EXPECT_EQ(rig.bus.Lines().back(), "LOCAL 17");
+  EXPECT_EQ(rig.bus.Lines().back(), "LOCAL 13");
   EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 18"));
 }
 
@@ -243,13 +243,13 @@ TEST_F(CableTest, ABadReadingLeavesRfOnBehindItsMessage) {
   EXPECT_EQ(rig.t.dialogs.Texts(), (std::vector<std::string>{"Run halted due to errors"}));
   EXPECT_FALSE(rig.rfOnAtMessage);
   EXPECT_EQ(cable.Points().size(), 3U);
-  EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 17"));
+  EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 13"));
 }
 
 TEST_F(CableTest, AnInstrumentThatIsNotThereCostsThePoints) {
   MeasureBoth();
   const char* const failures[][2] = {{"FIND 18", "Error initializing signal generator"},
-                                     {"FIND 17", "Error initializing meter"}};
+                                     {"FIND 13", "Error initializing meter"}};
   for (const auto& failure : failures) {
     rig.bus.FailLine(failure[0], gpib::kEnol);
     cable.DirectPass(rig.display);

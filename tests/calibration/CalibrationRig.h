@@ -2,34 +2,27 @@
 
 #include <deque>
 #include <functional>
-#include <map>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "calibration/CableCalibration.h"
 #include "calibration/CalibrationDisplay.h"
 #include "calibration/LevelCalibration.h"
-#include "documents/Documents.h"
-#include "instruments/Instruments.h"
-#include "support/ScriptedBus.h"
-#include "support/TestShell.h"
+#include "support/SilentDisplays.h"
+#include "support/StationRig.h"
 
 namespace hylden {
 
 /// Keeps what a calibration shows.
-class RecordingDisplay : public CalibrationDisplay {
+class RecordingDisplay : public SilentCalibrationDisplay {
  public:
-  void Countdown(double) override {}
   void Running(bool running) override { states.push_back(running); }
   void Status(const std::string& text) override {
     if (throwAtStatus == text) throw RuntimeError(ErrorNumber::Overflow);
   }
   void Busy(bool on) override { busy += on ? 1 : -1; }
   void Plan(const CalibrationPlan& shown) override { plan = shown; }
-  void Frequency(double) override {}
   void SigGenLevel(float levelDbm) override { levels.push_back(levelDbm); }
-  void MeterLevel(double) override {}
   void Step(int step) override { steps.push_back(step); }
   void Elapsed(double minutes) override { elapsed = minutes; }
   void Remaining(double minutes) override { remaining = minutes; }
@@ -49,11 +42,9 @@ class RecordingDisplay : public CalibrationDisplay {
   int rows = 0;
 };
 
-/// A station with a little physics behind its bus: generator (18), power meter (13), meter (17) and, when the equipment
-/// has them, IFI amplifiers. The meter reads 125 dB over the generator level, the sensors 50 dB over it and, for the
-/// reverse power, 10 dB less. The cable loses 1 dB. The setup: 1, 2 and 4 MHz, 1 V (120 dBuV) without a coupling
-/// factor, from -10 dBm.
-class CalibrationRig {
+/// A station with its calibrations. The meter reads 125 dB over the generator's level. The setup: 1, 2 and 4 MHz, 1 V
+/// (120 dBuV) without a coupling factor, from -10 dBm.
+class CalibrationRig : public StationRig {
  public:
   CalibrationRig();
 
@@ -61,39 +52,21 @@ class CalibrationRig {
   void Run();
   /// A run whose meter gives these levels at the coupling device, dBuV, before it follows the physics.
   void RunWithLevels(std::deque<double> levels);
-  /// The commands that an instrument got, without their ends.
-  std::vector<std::string> Sent(int address) const;
-  /// The generator's level commands.
-  std::vector<std::string> LevelsSent() const;
-  int Shown(const std::string& text) const;
   /// The rows recorded, one text per row.
   std::vector<std::string> Rows() const;
-  void UseIfi();
 
-  ScriptedBus bus;
-  TestShell t{bus};
-  Instruments instruments{t.shell};
-  Documents documents{t.shell, instruments};
   RecordingDisplay display;
   LevelCalibration level{t.shell, instruments, documents, display};
   RunCablCal cable{t.shell, instruments};
   CalSetupRecord& setup = documents.calSetup.Record;
-  EquipRecord& equipment = documents.equip.Record;
 
   // The physics.
-  double portDb = 125, powerDb = 50;
-  double stepDbm = 0;  ///< coarse steps that the generator's level comes in
+  double portDb = 125;
   std::deque<double> levels;
-  double generatorDbm = -200, frequencyMHz = 0;
-  bool rfOn = false;
-  bool rfOnAtMessage = false;  ///< RF was on while one of the run's own messages stood
   std::function<void(double reading)> onMeterRead;
 
  private:
-  void Follow(const std::string& line);
-  std::optional<std::string> AnswerOf(int address, const std::string& command);
-  std::string MeterAnswer();
-  void DefineInstruments();
+  double MeterReading(double levelDbm) override;
 };
 
 }  // namespace hylden

@@ -63,7 +63,7 @@ TEST_F(LevelCalibrationTest, ThePhysicsIsNotFollowed) {
   // 120.25 = level + 131.9 + 1 + 3.1
   for (const CalRow& row : rig.level.Rows()) EXPECT_NEAR(std::stod(row[1]), -15.75, 0.051) << row[0];
   // The reference level is the reading expected: 120 - 1 - 3.1, and 2 dB of margin.
-  EXPECT_THAT(rig.Sent(17), testing::Contains("RL 117.9 "));
+  EXPECT_THAT(rig.Sent(13), testing::Contains("RL 117.9 DB"));
 }
 
 TEST_F(LevelCalibrationTest, TheLevelCurveIsNotFollowed) {
@@ -148,7 +148,7 @@ TEST_F(LevelCalibrationTest, AStepWithinTheHeadroomIsRefused) {
   rig.setup.LimitFwdPwr = 1;
   rig.setup.FwdPwrLimit = 12.5F;
   rig.RunWithLevels({120 + 0.5 - 0.9 * 1.5, 120.25, 120.25, 120.25});
-  EXPECT_THAT(rig.LevelsSent(), testing::Contains("POW -9.1 "));
+  EXPECT_THAT(rig.Sent(18), testing::Contains("POW -9.1 DBM"));
   EXPECT_EQ(rig.level.Outcome(), RunOutcome::Finished);
 }
 
@@ -203,18 +203,17 @@ TEST_F(LevelCalibrationTest, AMeterThatIsAlsoThePowerMeterIsTriggeredTooEarly) {
   rig.setup.RecordFwdPwr = 1;
   rig.Run();
   const auto& own = rig.bus.Lines();
-  const auto trigger = std::find(own.begin(), own.end(), "> 17 TS\\r\\n");
-  EXPECT_LT(trigger, std::find(own.begin(), own.end(), "> 13 RD1\\r\\n"));
+  const auto trigger = std::find(own.begin(), own.end(), "> 13 TS");
+  EXPECT_LT(trigger, std::find(own.begin(), own.end(), "> 7 AR?"));
 
   CalibrationRig shared;
-  shared.instruments.pm.SetAddress(17);
+  shared.pm.SetAddress(13);
   shared.setup.RecordFwdPwr = 1;
   shared.levels = {120.25};
   ASSERT_TRUE(shared.level.Prepare());
   shared.level.Run();
   const auto& lines = shared.bus.Lines();
-  EXPECT_LT(std::find(lines.begin(), lines.end(), "> 17 RD1\\r\\n"),
-            std::find(lines.begin(), lines.end(), "> 17 TS\\r\\n"));
+  EXPECT_LT(std::find(lines.begin(), lines.end(), "> 13 AR?"), std::find(lines.begin(), lines.end(), "> 13 TS"));
 }
 
 TEST_F(LevelCalibrationTest, AnIfiPairIsSwitchedOrSensedWrongly) {

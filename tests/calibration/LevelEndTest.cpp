@@ -94,9 +94,9 @@ TEST_F(LevelEndTest, InstrumentsAreTakenDownInAnotherOrder) {
   const auto last = [&](const std::string& text) {
     return std::find(lines.rbegin(), lines.rend(), text) - lines.rbegin();
   };
-  EXPECT_GT(last("LOCAL 17"), last("> 9 ZA\\r\\n"));
-  EXPECT_GT(last("> 9 ZA\\r\\n"), last("LOCAL 13"));
-  EXPECT_GT(last("LOCAL 13"), last("LOCAL 18"));
+  EXPECT_GT(last("LOCAL 13"), last("> 9 ZA\\r\\n"));
+  EXPECT_GT(last("> 9 ZA\\r\\n"), last("LOCAL 7"));
+  EXPECT_GT(last("LOCAL 7"), last("LOCAL 18"));
   EXPECT_EQ(last("LOCAL 18"), 0);
   EXPECT_EQ(rig.t.speaker.tones.size(), 40U);
   EXPECT_EQ(rig.display.busy, 0);
@@ -111,8 +111,8 @@ TEST_F(LevelEndTest, ARunThatCannotStartCostsThePointsOfTheOneBefore) {
     const char* line;
     const char* text;
   } failures[] = {{"FIND 18", "Error initializing signal generator"},
-                  {"FIND 13", "Error initializing Power Meter"},
-                  {"FIND 17", "Error initializing meter"},
+                  {"FIND 7", "Error initializing Power Meter"},
+                  {"FIND 13", "Error initializing meter"},
                   {"> 10 8", "Error initializing IFI amp"}};
   for (const auto& failure : failures) {
     SCOPED_TRACE(failure.text);

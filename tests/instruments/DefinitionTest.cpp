@@ -1,6 +1,6 @@
 #include "instruments/DefinitionListing.h"
-#include "instruments/Station.h"
 #include "support/FieldChanger.h"
+#include "support/TestStation.h"
 #include "text/RecordFile.h"
 
 namespace hylden {
@@ -13,19 +13,19 @@ struct Kind {
   using Definition = DefinitionType;
 };
 struct SigGenKind : Kind<SigGen, SigGenDefinition> {
-  static SigGen& Of(Station& s) { return s.on.sigGen; }
+  static SigGen& Of(TestStation& s) { return s.sigGen; }
   static SigGenDefinition Sample() { return SampleSigGen(); }
   static constexpr int kLines = 33, kLinesNeeded = 33;
   static constexpr const char *kLoad = "SigGen.LoadFile", *kSave = "SigGen.SaveFile", *kPrint = "SigGen.PrintSetup";
 };
 struct MeterKind : Kind<Meter, MeterDefinition> {
-  static Meter& Of(Station& s) { return s.on.meter; }
+  static Meter& Of(TestStation& s) { return s.meter; }
   static MeterDefinition Sample() { return SampleMeter(); }
   static constexpr int kLines = 19, kLinesNeeded = 18;
   static constexpr const char *kLoad = "Meter.LoadFile", *kSave = "meter.SaveFile", *kPrint = "Meter.PrintSetup";
 };
 struct PMKind : Kind<PM, PowerMeterDefinition> {
-  static PM& Of(Station& s) { return s.on.pm; }
+  static PM& Of(TestStation& s) { return s.pm; }
   static PowerMeterDefinition Sample() { return SamplePowerMeter(); }
   static constexpr int kLines = 20, kLinesNeeded = 19;
   static constexpr const char *kLoad = "PwrMtr.LoadFile", *kSave = "PwrMtr.SaveFile", *kPrint = "PwrMtr.PrintSetup";
@@ -39,14 +39,14 @@ std::string Head(const std::string& content, int lines) {
 }
 
 template <class K>
-class DefinitionFileTest : public ::testing::Test {
+class DefinitionFileTest : public testing::Test {
  protected:
-  Station s;
+  TestStation s;
   typename K::Driver& driver = K::Of(s);
   TempDir& directory = s.t.directory;
   std::string path = directory.File("one.def");
 };
-using Kinds = ::testing::Types<SigGenKind, MeterKind, PMKind>;
+using Kinds = testing::Types<SigGenKind, MeterKind, PMKind>;
 TYPED_TEST_SUITE(DefinitionFileTest, Kinds);
 
 TYPED_TEST(DefinitionFileTest, KeepsEveryFieldThroughAFile) {
@@ -108,25 +108,25 @@ TYPED_TEST(DefinitionFileTest, AFailingPrinterIsReported) {
 }
 
 TEST(Definition, LoadingDerivesTheTerminator) {
-  Station s;
+  TestStation s;
   SigGenDefinition d = SampleSigGen();
   d.EndOfString = 2;
   const std::string path = s.t.directory.File("cr.sg");
   SaveRecord(path, d);
-  EXPECT_TRUE(s.on.sigGen.LoadFile(path));
-  s.on.sigGen.SetAddress(5);
-  EXPECT_EQ(s.on.sigGen.Address(), 5);
-  EXPECT_TRUE(s.on.sigGen.RfOff());
+  EXPECT_TRUE(s.sigGen.LoadFile(path));
+  s.sigGen.SetAddress(5);
+  EXPECT_EQ(s.sigGen.Address(), 5);
+  EXPECT_TRUE(s.sigGen.RfOff());
   EXPECT_EQ(s.Took(), (Strings{"> 5 OUTP OFF\\r\\n"}));
 }
 
 TEST(DefinitionListing, PrintsAMeterInGroups) {
-  Station s;
+  TestStation s;
   MeterDefinition d = SampleMeter();
   d.InitString = std::string(60, 'a') + std::string(60, 'b') + "c";
   d.ParseCmd = "X";
-  s.on.meter.PutDefinition(d);
-  s.on.meter.PrintSetup();
+  s.meter.PutDefinition(d);
+  s.meter.PrintSetup();
   const Strings expected = {"",
                             "",
                             "",

@@ -1,27 +1,27 @@
 #include "instruments/Gpib.h"
 
-#include "instruments/Station.h"
+#include "support/TestStation.h"
 
 namespace hylden {
 namespace {
 
 TEST(Gpib, ClearsTheInterfaceOnceAndTriesAgainAfterAFailure) {
-  Station s;
+  TestStation s;
   s.bus.FailCall(1, 4);
-  EXPECT_FALSE(s.on.gpib.GpibIfc());
+  EXPECT_FALSE(s.gpib.GpibIfc());
   EXPECT_TRUE(
       s.ToldOnce("Error sending IFC.\r\nibsta = &H8120 < ERR CMPL CIC>\r\niberr = EARG <Invalid argument>"
                  "\r\nibcnt = 0x0"));
-  EXPECT_TRUE(s.on.gpib.GpibIfc());
-  EXPECT_TRUE(s.on.gpib.GpibIfc());
+  EXPECT_TRUE(s.gpib.GpibIfc());
+  EXPECT_TRUE(s.gpib.GpibIfc());
   EXPECT_EQ(s.Took(), (Strings{"IFC !4", "IFC"}));
 }
 
 TEST(Gpib, OpensWithoutAnInitCommandAndWaitsTwoSecondsDespiteAHalt) {
-  Station s;
+  TestStation s;
   s.t.shell.delay.RequestHalt();
   const auto start = s.t.clock.TickMs();
-  EXPECT_TRUE(s.on.gpib.GpibOpen(7, "", "PwrMtr"));
+  EXPECT_TRUE(s.gpib.GpibOpen(7, "", "PwrMtr"));
   EXPECT_EQ(s.Took(), (Strings{"FIND 7", "REMOTE 7"}));
   EXPECT_EQ(s.t.clock.TickMs() - start, 2000);
 }
@@ -31,30 +31,30 @@ TEST(Gpib, OpenAndCloseTellWhichStepFailed) {
                          "Error initializing Meter\r\n"};
   for (int step = 1; step <= 3; ++step) {
     SCOPED_TRACE(step);
-    Station s;
+    TestStation s;
     s.bus.FailCall(step, gpib::kEnol);
-    EXPECT_FALSE(s.on.gpib.GpibOpen(13, "IP\r", "Meter"));
+    EXPECT_FALSE(s.gpib.GpibOpen(13, "IP\r", "Meter"));
     EXPECT_TRUE(s.ToldOnce(texts[static_cast<std::size_t>(step - 1)]));
     EXPECT_EQ(s.bus.Calls(), step);
     EXPECT_EQ(s.t.dialogs.pointerResets, step == 1 ? 1 : 0);
   }
-  Station s;
+  TestStation s;
   s.bus.FailCall(1, gpib::kEnol);
-  EXPECT_FALSE(s.on.gpib.GpibClose(13, "Meter"));
+  EXPECT_FALSE(s.gpib.GpibClose(13, "Meter"));
   EXPECT_TRUE(s.ToldOnce("Error closing Meter\r\n"));
 }
 
 TEST(Gpib, CutsAnAnswerAtItsBytesBeforeDecodingIt) {
-  Station s;
+  TestStation s;
   std::string answer;
   s.bus.Answer(13, std::string(63, '1') + "\xB5" + std::string(36, '2'));
-  EXPECT_TRUE(s.on.gpib.Receive(13, answer, gpib::kStopEnd));
+  EXPECT_TRUE(s.gpib.Receive(13, answer, gpib::kStopEnd));
   EXPECT_EQ(answer, std::string(63, '1') + "\xC2\xB5");
 }
 
 TEST(Gpib, SendsEightBitCharacters) {
-  Station s;
-  EXPECT_TRUE(s.on.gpib.Send(13, "UNIT \xC2\xB5V"));
+  TestStation s;
+  EXPECT_TRUE(s.gpib.Send(13, "UNIT \xC2\xB5V"));
   EXPECT_EQ(s.Took(), (Strings{"> 13 UNIT \\xB5V"}));
 }
 
@@ -75,12 +75,12 @@ TEST(Gpib, DecodesEveryStatusIntoTheReport) {
   };
   for (const StatusCase& c : cases) {
     SCOPED_TRACE(c.text);
-    Station s;
-    s.on.gpib.ibsta = static_cast<std::int16_t>(c.status);
-    s.on.gpib.iberr = static_cast<std::int16_t>(c.error);
-    s.on.gpib.ibcnt = static_cast<std::int16_t>(c.count);
+    TestStation s;
+    s.gpib.ibsta = static_cast<std::int16_t>(c.status);
+    s.gpib.iberr = static_cast<std::int16_t>(c.error);
+    s.gpib.ibcnt = static_cast<std::int16_t>(c.count);
     std::string message = "Lost";
-    s.on.gpib.GpibError(message);
+    s.gpib.GpibError(message);
     EXPECT_EQ(message, c.text);
     EXPECT_EQ(s.t.dialogs.LastText(), c.text);
     EXPECT_EQ(s.t.dialogs.messages.at(0).icon, MessageIcon::Exclamation);
@@ -103,13 +103,13 @@ TEST(Gpib, RegistersOnceOrEndsTheProgramWithItsMessage) {
   };
   for (const RegistrationCase& c : cases) {
     SCOPED_TRACE(c.result);
-    Station s;
+    TestStation s;
     s.bus.registrationResults = {c.result};
     if (c.message.empty()) {
-      EXPECT_TRUE(s.on.gpib.Send(1, "A"));
-      EXPECT_TRUE(s.on.gpib.Send(1, "B"));
+      EXPECT_TRUE(s.gpib.Send(1, "A"));
+      EXPECT_TRUE(s.gpib.Send(1, "B"));
     } else {
-      EXPECT_THROW(s.on.gpib.Send(1, "A"), ProgramEnd);
+      EXPECT_THROW(s.gpib.Send(1, "A"), ProgramEnd);
       EXPECT_EQ(s.t.dialogs.LastText(), c.message);
       EXPECT_EQ(s.t.dialogs.messages.at(0).icon, MessageIcon::Critical);
       EXPECT_TRUE(s.Took().empty());

@@ -1,6 +1,6 @@
 #include "instruments/IfiAmp.h"
 
-#include "instruments/Station.h"
+#include "support/TestStation.h"
 
 namespace hylden {
 namespace {
@@ -12,22 +12,20 @@ const Strings kLow = {"> 18 OUTP OFF", "> 10 8\\r\\n", "> 9 FA\\r\\n", "> 9 L3\\
 const Strings kHigh = {"> 18 OUTP OFF", "> 9 FA\\r\\n", "> 10 8\\r\\n", "> 9 L3\\r\\n",
                        "> 9 M1\\r\\n",  "> 9 ON\\r\\n", "> 9 B2\\r\\n", "> 9 ZA\\r\\n"};
 
-struct IfiAmpTest : ::testing::Test, Station {
-  IfiAmp& amp = on.ifiAmp;
+struct IfiAmpTest : testing::Test, TestStation {
   float first = 7, second = 7;
-  IfiAmpTest() { on.sigGen.PutDefinition(SampleSigGen()); }
   void Start(double frequencyMHz) {
-    amp.IfiInit(AmpControl::Ifi, 215);
-    if (frequencyMHz != 0) amp.IfiSetBand(frequencyMHz);
+    ifiAmp.IfiInit(AmpControl::Ifi, 215);
+    if (frequencyMHz != 0) ifiAmp.IfiSetBand(frequencyMHz);
     Took();
   }
 };
 
 TEST_F(IfiAmpTest, AGenericAmplifierIsLeftAlone) {
-  EXPECT_TRUE(amp.IfiInit(AmpControl::Generic, 230));
-  EXPECT_TRUE(amp.IfiReset());
-  EXPECT_TRUE(amp.IfiSetBand(100));
-  EXPECT_TRUE(amp.IfiReadPower(first, second));
+  EXPECT_TRUE(ifiAmp.IfiInit(AmpControl::Generic, 230));
+  EXPECT_TRUE(ifiAmp.IfiReset());
+  EXPECT_TRUE(ifiAmp.IfiSetBand(100));
+  EXPECT_TRUE(ifiAmp.IfiReadPower(first, second));
   EXPECT_TRUE(Took().empty());
   EXPECT_EQ(first, -1);
   EXPECT_EQ(second, -1);
@@ -35,13 +33,13 @@ TEST_F(IfiAmpTest, AGenericAmplifierIsLeftAlone) {
 
 TEST_F(IfiAmpTest, ResetsWithoutSwitchingTheLowBandOnAndWithoutWaiting) {
   const auto start = t.clock.TickMs();
-  EXPECT_TRUE(amp.IfiInit(AmpControl::Ifi, 215));
+  EXPECT_TRUE(ifiAmp.IfiInit(AmpControl::Ifi, 215));
   EXPECT_EQ(Took(), kReset);
   EXPECT_EQ(t.clock.TickMs(), start);
-  EXPECT_TRUE(amp.IfiSetBand(500));
-  EXPECT_TRUE(amp.IfiReset());
+  EXPECT_TRUE(ifiAmp.IfiSetBand(500));
+  EXPECT_TRUE(ifiAmp.IfiReset());
   Took();
-  EXPECT_TRUE(amp.IfiSetBand(500));  // forgotten by the reset
+  EXPECT_TRUE(ifiAmp.IfiSetBand(500));  // forgotten by the reset
   EXPECT_EQ(Took(), kHigh);
 }
 
@@ -49,16 +47,16 @@ TEST_F(IfiAmpTest, ChangesOverOnlyWhenTheBandChanges) {
   Start(0);
   t.shell.delay.RequestHalt();  // must not shorten the change-over
   const auto start = t.clock.TickMs();
-  EXPECT_TRUE(amp.IfiSetBand(100));
+  EXPECT_TRUE(ifiAmp.IfiSetBand(100));
   EXPECT_EQ(Took(), kLow);
   EXPECT_EQ(t.clock.TickMs() - start, 2000);
-  EXPECT_TRUE(amp.IfiSetBand(150));
-  EXPECT_TRUE(amp.IfiSetBand(215));
+  EXPECT_TRUE(ifiAmp.IfiSetBand(150));
+  EXPECT_TRUE(ifiAmp.IfiSetBand(215));
   EXPECT_TRUE(Took().empty());
-  EXPECT_TRUE(amp.IfiSetBand(215.001));
+  EXPECT_TRUE(ifiAmp.IfiSetBand(215.001));
   EXPECT_EQ(Took(), kHigh);
   EXPECT_EQ(t.clock.TickMs() - start, 4000);
-  EXPECT_TRUE(amp.IfiSetBand(300));
+  EXPECT_TRUE(ifiAmp.IfiSetBand(300));
   EXPECT_TRUE(Took().empty());
 }
 
@@ -67,15 +65,14 @@ TEST_F(IfiAmpTest, AFailedCommandStopsTheChangeOverAndLeavesItToBeRepeated) {
     const Strings& sequence = high ? kHigh : kLow;
     for (int n = 2; n <= static_cast<int>(sequence.size()); ++n) {
       SCOPED_TRACE(sequence[static_cast<std::size_t>(n - 1)]);
-      Station s;
-      s.on.sigGen.PutDefinition(SampleSigGen());
-      s.on.ifiAmp.IfiInit(AmpControl::Ifi, 215);
+      TestStation s;
+      s.ifiAmp.IfiInit(AmpControl::Ifi, 215);
       s.Took();
       s.bus.FailCall(n, gpib::kEnol);
-      EXPECT_FALSE(s.on.ifiAmp.IfiSetBand(high ? 300 : 100));
+      EXPECT_FALSE(s.ifiAmp.IfiSetBand(high ? 300 : 100));
       EXPECT_TRUE(s.ToldOnce("Error sending command to amps\r\n"));
       EXPECT_EQ(s.Took().size(), static_cast<std::size_t>(n));
-      EXPECT_TRUE(s.on.ifiAmp.IfiSetBand(high ? 300 : 100));
+      EXPECT_TRUE(s.ifiAmp.IfiSetBand(high ? 300 : 100));
       const bool lowWasOn = !high && n == static_cast<int>(sequence.size());
       EXPECT_EQ(s.Took(), lowWasOn ? Strings{} : sequence);
     }
@@ -85,20 +82,18 @@ TEST_F(IfiAmpTest, AFailedCommandStopsTheChangeOverAndLeavesItToBeRepeated) {
 TEST_F(IfiAmpTest, NeverChangesOverWhenRfCanNotBeSwitchedOff) {
   Start(100);
   bus.FailLine("> 18 OUTP OFF", gpib::kEnol);
-  EXPECT_FALSE(amp.IfiSetBand(300));
+  EXPECT_FALSE(ifiAmp.IfiSetBand(300));
   EXPECT_EQ(Took(), (Strings{"> 18 OUTP OFF !2"}));
   EXPECT_TRUE(ToldOnce("Error setting SigGen RF off. \r\n"));
 }
 
 TEST_F(IfiAmpTest, NeverChangesOverUnderTheLevelOfAGeneratorWithoutRfOff) {
-  SigGenDefinition generator = SampleSigGen();
-  generator.RfOff = "";
-  on.sigGen.PutDefinition(generator);
+  Redefine(sigGen, [](auto& d) { d.RfOff = ""; });
   Start(100);
-  on.sigGen.SetFreqLevel(100, -10);
-  on.sigGen.RfOn();
+  sigGen.SetFreqLevel(100, -10);
+  sigGen.RfOn();
   Took();
-  EXPECT_TRUE(amp.IfiSetBand(300));
+  EXPECT_TRUE(ifiAmp.IfiSetBand(300));
   Strings expected = kHigh;
   expected[0] = "> 18 POW -120.0 DBM";
   EXPECT_EQ(Took(), expected);
@@ -106,19 +101,19 @@ TEST_F(IfiAmpTest, NeverChangesOverUnderTheLevelOfAGeneratorWithoutRfOff) {
 
 TEST_F(IfiAmpTest, ReadsThePowerOfTheSelectedUnit) {
   Start(0);
-  EXPECT_FALSE(amp.IfiReadPower(first, second));
+  EXPECT_FALSE(ifiAmp.IfiReadPower(first, second));
   EXPECT_TRUE(Took().empty());
   EXPECT_EQ(first, 7);
-  amp.IfiSetBand(100);
+  ifiAmp.IfiSetBand(100);
   Took();
   bus.Answer(10, "0100 0200\r\n");
-  EXPECT_TRUE(amp.IfiReadPower(first, second));
+  EXPECT_TRUE(ifiAmp.IfiReadPower(first, second));
   EXPECT_EQ(Took(), (Strings{"> 10 RP\\r\\n", "< 10 0100 0200\\r\\n"}));
   EXPECT_EQ(first, 200);
   EXPECT_EQ(second, 100);
-  amp.IfiSetBand(300);
+  ifiAmp.IfiSetBand(300);
   bus.Answer(9, "50.00 10.01");
-  EXPECT_TRUE(amp.IfiReadPower(first, second));
+  EXPECT_TRUE(ifiAmp.IfiReadPower(first, second));
   EXPECT_EQ(first, 50.0F);
   EXPECT_EQ(second, 10.01F);
 }
@@ -129,7 +124,7 @@ TEST_F(IfiAmpTest, AnAnswerWithoutTwoFiguresIsAFailure) {
     SCOPED_TRACE(answer);
     t.dialogs.Clear();
     bus.fallback = [&](int, const std::string&) { return answer; };
-    EXPECT_FALSE(amp.IfiReadPower(first, second));
+    EXPECT_FALSE(ifiAmp.IfiReadPower(first, second));
     EXPECT_TRUE(ToldOnce("Error sending command to amps\r\n"));
     EXPECT_EQ(first, 7);
   }

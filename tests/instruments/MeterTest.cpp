@@ -2,28 +2,20 @@
 
 #include <functional>
 
-#include "instruments/Station.h"
+#include "support/TestStation.h"
 
 namespace hylden {
 namespace {
 
 const std::string kNoErrorReport = "Error in reading meter. \r\nibsta = &H2120 < END CMPL CIC>\r\nNo error, iberr =  0";
 
-struct MeterTest : ::testing::Test, Station {
-  Meter& meter = on.meter;
-  MeterTest() { meter.PutDefinition(SampleMeter()); }
-  void Edit(const std::function<void(MeterDefinition&)>& edit) {
-    MeterDefinition d = meter.Definition();
-    edit(d);
-    meter.PutDefinition(d);
-  }
-};
+struct MeterTest : testing::Test, TestStation {};
 
 TEST_F(MeterTest, OpensWithTheReferenceAtItsMaximum) {
-  Edit([](MeterDefinition& d) { d.EndOfString = 1; });
+  Redefine(meter, [](auto& d) { d.EndOfString = 1; });
   EXPECT_TRUE(meter.InitMeter());
   EXPECT_EQ(Took(), (Strings{"FIND 13", "REMOTE 13", "> 13 IP\\r", "> 13 RL 120.0 DB\\r"}));
-  Edit([](MeterDefinition& d) { d.InitString = ""; });
+  Redefine(meter, [](auto& d) { d.InitString = ""; });
   EXPECT_TRUE(meter.InitMeter());
   EXPECT_EQ(Took(), (Strings{"FIND 13", "REMOTE 13", "> 13 RL 120.0 DB\\r"}));
 }
@@ -39,13 +31,10 @@ TEST_F(MeterTest, CommandsTheLevelInTheMetersUnits) {
                              {4, 0, "RL -4.9897 DB"}};
   for (const LevelCase& c : cases) {
     SCOPED_TRACE(c.sent);
-    Station s;
-    MeterDefinition d = SampleMeter();
-    d.Units = c.units;
-    d.Type = c.type;
-    s.on.meter.PutDefinition(d);
-    EXPECT_TRUE(s.on.meter.MeterSetLevel(100));
-    EXPECT_TRUE(s.on.meter.MeterSetLevel(100));  // unchanged: not sent again
+    TestStation s;
+    Redefine(s.meter, [&](auto& d) { d.Units = c.units, d.Type = c.type; });
+    EXPECT_TRUE(s.meter.MeterSetLevel(100));
+    EXPECT_TRUE(s.meter.MeterSetLevel(100));  // unchanged: not sent again
     EXPECT_EQ(s.bus.transcript.SentTo(13), (Strings{c.sent}));
   }
 }
@@ -64,7 +53,7 @@ TEST_F(MeterTest, RefusesLevelsAndFrequenciesOutsideItsLimits) {
 }
 
 TEST_F(MeterTest, TellsBadUnitsBeforeTheWriteFailure) {
-  Edit([](MeterDefinition& d) { d.Units = 5; });
+  Redefine(meter, [](auto& d) { d.Units = 5; });
   EXPECT_FALSE(meter.MeterSetLevel(100));
   ASSERT_EQ(t.dialogs.messages.size(), 2U);
   EXPECT_EQ(t.dialogs.Texts()[0], "Error, bad units value in meter config file");
@@ -72,10 +61,7 @@ TEST_F(MeterTest, TellsBadUnitsBeforeTheWriteFailure) {
 }
 
 TEST_F(MeterTest, SetsAScopesTimeBaseToHalfAPeriod) {
-  Edit([](MeterDefinition& d) {
-    d.Type = 1;
-    d.MinimumFreq = 0;
-  });
+  Redefine(meter, [](auto& d) { d.Type = 1, d.MinimumFreq = 0; });
   EXPECT_TRUE(meter.MeterSetFreq(1));
   EXPECT_TRUE(meter.MeterSetFreq(100));
   EXPECT_FALSE(meter.MeterSetFreq(0));
@@ -137,14 +123,11 @@ TEST_F(MeterTest, TurnsAnswersIntoLevels) {
   };
   for (const AnswerCase& c : cases) {
     SCOPED_TRACE(std::string(c.answer) + " / " + c.parse);
-    Station s;
-    MeterDefinition d = SampleMeter();
-    d.Units = c.units;
-    d.ParseCmd = c.parse;
-    s.on.meter.PutDefinition(d);
+    TestStation s;
+    Redefine(s.meter, [&](auto& d) { d.Units = c.units, d.ParseCmd = c.parse; });
     s.bus.Answer(13, c.answer);
-    EXPECT_NEAR(s.on.meter.MeterRead(ReadMode::Single), c.level, 1e-4);
-    EXPECT_EQ(s.on.meter.LastAnswer(), c.answer);
+    EXPECT_NEAR(s.meter.MeterRead(ReadMode::Single), c.level, 1e-4);
+    EXPECT_EQ(s.meter.LastAnswer(), c.answer);
     EXPECT_TRUE(s.t.dialogs.messages.empty());
   }
 }
@@ -153,13 +136,10 @@ TEST_F(MeterTest, AnAnswerWithoutAUsableValueIsAFailedReading) {
   for (const AnswerCase& c :
        {AnswerCase{"", "", 1, 999}, {"1E999", "", 1, 999}, {"1E308", "", 0, 999}, {"5", "Mid(x, 9, 1)", 1, 999}}) {
     SCOPED_TRACE(std::string(c.answer) + " / " + c.parse);
-    Station s;
-    MeterDefinition d = SampleMeter();
-    d.Units = c.units;
-    d.ParseCmd = c.parse;
-    s.on.meter.PutDefinition(d);
+    TestStation s;
+    Redefine(s.meter, [&](auto& d) { d.Units = c.units, d.ParseCmd = c.parse; });
     s.bus.fallback = [&](int, const std::string&) { return c.answer; };
-    EXPECT_EQ(s.on.meter.MeterRead(ReadMode::AutoRange), c.level);
+    EXPECT_EQ(s.meter.MeterRead(ReadMode::AutoRange), c.level);
     EXPECT_TRUE(s.ToldOnce(kNoErrorReport));
   }
 }
@@ -167,17 +147,14 @@ TEST_F(MeterTest, AnAnswerWithoutAUsableValueIsAFailedReading) {
 TEST_F(MeterTest, EachFailedCallOfAReadingGives999AndLosesTheTrigger) {
   for (const std::string call : {"> 13 TS", "> 13 MA?", "< 13"}) {
     SCOPED_TRACE(call);
-    Station s;
-    s.on.meter.PutDefinition(SampleMeter());
-    if (call[0] == '>') {
-      s.bus.FailLine(call, gpib::kEnol);
-    }
+    TestStation s;
+    if (call[0] == '>') s.bus.FailLine(call, gpib::kEnol);
     s.bus.Silence(13);
-    EXPECT_EQ(s.on.meter.MeterRead(ReadMode::Single), 999);
+    EXPECT_EQ(s.meter.MeterRead(ReadMode::Single), 999);
     EXPECT_TRUE(s.t.dialogs.LastText().starts_with("Error in reading meter. \r\nibsta = &H"));
     EXPECT_EQ(s.t.dialogs.messages.size(), call == "> 13 TS" ? 2U : 1U);
     s.Took();
-    s.on.meter.MeterRead(ReadMode::Single);
+    s.meter.MeterRead(ReadMode::Single);
     EXPECT_EQ(s.Took().at(3), "> 13 TS");
   }
 }
@@ -201,12 +178,11 @@ TEST_F(MeterTest, RangesUntilTheLevelSitsUnderTheReference) {
   };
   for (const RangeCase& c : cases) {
     SCOPED_TRACE(c.name);
-    Station s;
-    s.on.meter.PutDefinition(SampleMeter());
-    s.on.meter.MeterSetLevel(90);
+    TestStation s;
+    s.meter.MeterSetLevel(90);
     s.bus.transcript.Clear();
     s.bus.Answers(13, c.answers);
-    EXPECT_EQ(s.on.meter.MeterRead(ReadMode::AutoRange), c.result);
+    EXPECT_EQ(s.meter.MeterRead(ReadMode::AutoRange), c.result);
     Strings levels;
     for (const std::string& sent : s.bus.transcript.SentTo(13)) {
       if (sent.starts_with("RL")) levels.push_back(sent);
@@ -235,7 +211,7 @@ TEST_F(MeterTest, AReadingAtTheMaximumRepeatsUntilAHalt) {
 }
 
 TEST_F(MeterTest, ReadsOnceWithoutALevelCommand) {
-  Edit([](MeterDefinition& d) { d.LevSetPrefix = d.LevSetSuffix = ""; });
+  Redefine(meter, [](auto& d) { d.LevSetPrefix = d.LevSetSuffix = ""; });
   bus.Answer(13, "30");
   EXPECT_EQ(meter.MeterRead(ReadMode::AutoRange), 30);
 }
@@ -246,7 +222,7 @@ TEST_F(MeterTest, ShutsDownByItsCommandOrByStartingAnew) {
   bus.FailLine("> 13 BYE", gpib::kEnol);
   EXPECT_FALSE(meter.MeterShutdown());
   EXPECT_TRUE(ToldOnce("Error in writing command to meter. \r\n"));
-  Edit([](MeterDefinition& d) { d.Shutdown = ""; });
+  Redefine(meter, [](auto& d) { d.Shutdown = ""; });
   Took();
   EXPECT_TRUE(meter.MeterShutdown());
   EXPECT_EQ(Took(), (Strings{"FIND 13", "REMOTE 13", "> 13 IP", "> 13 RL 120.0 DB", "LOCAL 13"}));

@@ -2,26 +2,18 @@
 
 #include <functional>
 
-#include "instruments/Station.h"
+#include "support/TestStation.h"
 
 namespace hylden {
 namespace {
 
-struct PMTest : ::testing::Test, Station {
-  PM& pm = on.pm;
-  PMTest() { pm.PutDefinition(SamplePowerMeter()); }
-  void Edit(const std::function<void(PowerMeterDefinition&)>& edit) {
-    PowerMeterDefinition d = pm.Definition();
-    edit(d);
-    pm.PutDefinition(d);
-  }
-};
+struct PMTest : testing::Test, TestStation {};
 
 TEST_F(PMTest, TellsEverySensorTheFrequencyOncePerChange) {
   EXPECT_TRUE(pm.PwrMtrSetFreq(100));
   EXPECT_TRUE(pm.PwrMtrSetFreq(100));
   EXPECT_EQ(Took(), (Strings{"> 7 AP", "> 7 FR 100.0 MZ", "> 7 BP", "> 7 FR 100.0 MZ"}));
-  Edit([](PowerMeterDefinition& d) { d.SelectCh2 = ""; });
+  Redefine(pm, [](auto& d) { d.SelectCh2 = ""; });
   EXPECT_TRUE(pm.PwrMtrSetFreq(101));
   EXPECT_EQ(Took(), (Strings{"> 7 AP", "> 7 FR 101.0 MZ"}));
   EXPECT_FALSE(pm.PwrMtrSetFreq(1001));
@@ -48,13 +40,12 @@ TEST_F(PMTest, LetsTheBandChooseTheChannel) {
   const Strings first = {"AP", "AT", "AR?"}, second = {"BP", "BT", "BR?"};
   const ChannelCase cases[] = {{215, 0, first}, {215.001, 0, second}, {500, 1, first}, {1, 2, second}, {1, 3, {}}};
   for (const ChannelCase& c : cases) {
-    SCOPED_TRACE(::testing::Message() << c.freqMHz << " MHz, channel " << c.channel);
-    Station s;
-    s.on.pm.PutDefinition(SamplePowerMeter());
-    s.on.pm.PwrMtrSetFreq(c.freqMHz);
+    SCOPED_TRACE(testing::Message() << c.freqMHz << " MHz, channel " << c.channel);
+    TestStation s;
+    s.pm.PwrMtrSetFreq(c.freqMHz);
     s.bus.transcript.Clear();
     s.bus.Answer(7, "-3.5");
-    EXPECT_EQ(s.on.pm.ReadPower(c.channel), -3.5);
+    EXPECT_EQ(s.pm.ReadPower(c.channel), -3.5);
     EXPECT_EQ(s.bus.transcript.SentTo(7), c.sent);
   }
 }
@@ -93,19 +84,17 @@ TEST_F(PMTest, TurnsAnswersIntoDbm) {
                             {4, "0", -107},     {5, "46.9897", 0}, {1, "A: 12", 0}};
   for (const UnitCase& c : cases) {
     SCOPED_TRACE(c.answer);
-    Station s;
-    PowerMeterDefinition d = SamplePowerMeter();
-    d.Units = c.units;
-    s.on.pm.PutDefinition(d);
+    TestStation s;
+    Redefine(s.pm, [&](auto& d) { d.Units = c.units; });
     s.bus.Answer(7, c.answer);
-    EXPECT_NEAR(s.on.pm.ReadPower(1), c.dbm, 1e-3);
-    EXPECT_EQ(s.on.pm.LastAnswer(), c.answer);
+    EXPECT_NEAR(s.pm.ReadPower(1), c.dbm, 1e-3);
+    EXPECT_EQ(s.pm.LastAnswer(), c.answer);
   }
 }
 
 TEST_F(PMTest, FailedReadingsGive999) {
   bus.Answer(7, "5");
-  Edit([](PowerMeterDefinition& d) { d.Units = 6; });
+  Redefine(pm, [](auto& d) { d.Units = 6; });
   EXPECT_EQ(pm.ReadPower(1), 999);
   ASSERT_EQ(t.dialogs.messages.size(), 2U);
   EXPECT_EQ(t.dialogs.Texts()[0], "Error, bad units value in meter config file");
@@ -113,10 +102,9 @@ TEST_F(PMTest, FailedReadingsGive999) {
   EXPECT_EQ(t.dialogs.pointerResets, 1);
   for (const std::string call : {"> 7 AR?", "< 7"}) {
     SCOPED_TRACE(call);
-    Station s;
-    s.on.pm.PutDefinition(SamplePowerMeter());
+    TestStation s;
     if (call[0] == '>') s.bus.FailLine(call, gpib::kEnol);
-    EXPECT_EQ(s.on.pm.ReadPower(1), 999);
+    EXPECT_EQ(s.pm.ReadPower(1), 999);
     EXPECT_TRUE(s.ToldOnce("Error in reading power meter. \r\nibsta = &H"));
   }
 }
@@ -125,10 +113,10 @@ TEST_F(PMTest, OpensAndShutsDown) {
   EXPECT_TRUE(pm.InitPwrMtr());
   EXPECT_TRUE(pm.PwrMtrShutdown());
   EXPECT_EQ(Took(), (Strings{"FIND 7", "REMOTE 7", "> 7 PR", "> 7 BYE", "LOCAL 7"}));
-  Edit([](PowerMeterDefinition& d) { d.Shutdown = d.InitString = ""; });
+  Redefine(pm, [](auto& d) { d.Shutdown = d.InitString = ""; });
   EXPECT_TRUE(pm.PwrMtrShutdown());
   EXPECT_EQ(Took(), (Strings{"FIND 7", "REMOTE 7", "LOCAL 7"}));
-  Edit([](PowerMeterDefinition& d) { d.Shutdown = "BYE"; });
+  Redefine(pm, [](auto& d) { d.Shutdown = "BYE"; });
   bus.FailLine("> 7 BYE", gpib::kEnol);
   EXPECT_FALSE(pm.PwrMtrShutdown());
   EXPECT_TRUE(ToldOnce("Error in writing command to power meter. \r\n"));

@@ -1,26 +1,26 @@
 #include "instruments/ResponseParser.h"
 
-#include "instruments/Station.h"
+#include "support/TestStation.h"
 
 namespace hylden {
 namespace {
 
 TEST(ResponseParser, EvaluatesTheExpressionOnTheAnswer) {
-  Station s;
+  TestStation s;
   const std::string answer = "VALUE 72.669 DBUV";
-  EXPECT_EQ(s.on.parser.ParseAnswer(answer, "Mid(x, 7, 6)"), "72.669");
-  EXPECT_EQ(s.on.parser.ParseAnswer(answer, "X"), answer);
-  EXPECT_EQ(s.on.parser.ParseAnswer("ab", "MathLib.RetString & RetString"), "abab");
-  EXPECT_EQ(s.on.parser.ParseAnswer("12 34", "CDbl(Split(RetString)(1)) / 10"), "3.4");
+  EXPECT_EQ(s.instruments.parser.ParseAnswer(answer, "Mid(x, 7, 6)"), "72.669");
+  EXPECT_EQ(s.instruments.parser.ParseAnswer(answer, "X"), answer);
+  EXPECT_EQ(s.instruments.parser.ParseAnswer("ab", "MathLib.RetString & RetString"), "abab");
+  EXPECT_EQ(s.instruments.parser.ParseAnswer("12 34", "CDbl(Split(RetString)(1)) / 10"), "3.4");
 }
 
 TEST(ResponseParser, AnErrorIsShownAndTheNextParseWorks) {
-  Station s;
-  EXPECT_EQ(s.on.parser.ParseAnswer("5", "Mid(x"), "");
+  TestStation s;
+  EXPECT_EQ(s.instruments.parser.ParseAnswer("5", "Mid(x"), "");
   EXPECT_TRUE(s.ToldOnce("Scripting error\r\nError number "));
   EXPECT_EQ(s.t.dialogs.messages.at(0).icon, MessageIcon::None);
-  EXPECT_EQ(s.on.parser.ParseAnswer("5", "Nobody(x)"), "");
-  EXPECT_EQ(s.on.parser.ParseAnswer("6", "x"), "6");
+  EXPECT_EQ(s.instruments.parser.ParseAnswer("5", "Nobody(x)"), "");
+  EXPECT_EQ(s.instruments.parser.ParseAnswer("6", "x"), "6");
 }
 
 }  // namespace

@@ -3,58 +3,50 @@
 #include <functional>
 #include <limits>
 
-#include "instruments/Station.h"
+#include "support/TestStation.h"
 
 namespace hylden {
 namespace {
 
-struct SigGenTest : ::testing::Test, Station {
-  SigGen& gen = on.sigGen;
-  SigGenTest() { gen.PutDefinition(SampleSigGen()); }
-  void Edit(const std::function<void(SigGenDefinition&)>& edit) {
-    SigGenDefinition d = gen.Definition();
-    edit(d);
-    gen.PutDefinition(d);
-  }
-};
+struct SigGenTest : testing::Test, TestStation {};
 
 TEST_F(SigGenTest, EndsEveryCommandWithTheDefinedEnd) {
-  Edit([](SigGenDefinition& d) { d.EndOfString = 2; });
-  gen.SetFreqLevel(100, -20);
-  EXPECT_TRUE(gen.RfOn());
+  Redefine(sigGen, [](auto& d) { d.EndOfString = 2; });
+  sigGen.SetFreqLevel(100, -20);
+  EXPECT_TRUE(sigGen.RfOn());
   EXPECT_EQ(Took(), (Strings{"> 18 FREQ 100.0 MHZ\\r\\n", "> 18 POW -20.0 DBM\\r\\n", "> 18 OUTP ON\\r\\n"}));
-  Edit([](SigGenDefinition& d) { d.EndOfString = 5; });  // unknown: as before
-  EXPECT_TRUE(gen.RfOff());
-  Edit([](SigGenDefinition& d) { d.EndOfString = 1; });
-  EXPECT_TRUE(gen.RfOff());
+  Redefine(sigGen, [](auto& d) { d.EndOfString = 5; });  // unknown: as before
+  EXPECT_TRUE(sigGen.RfOff());
+  Redefine(sigGen, [](auto& d) { d.EndOfString = 1; });
+  EXPECT_TRUE(sigGen.RfOff());
   EXPECT_EQ(Took(), (Strings{"> 18 OUTP OFF\\r\\n", "> 18 OUTP OFF\\r"}));
 }
 
 TEST_F(SigGenTest, HoldsRequestsWhileRfIsOffAndSendsOnlyChangesWhileOn) {
-  EXPECT_TRUE(gen.SetFreqLevel(150, -20));
+  EXPECT_TRUE(sigGen.SetFreqLevel(150, -20));
   EXPECT_TRUE(Took().empty());
-  EXPECT_TRUE(gen.RfOn());
-  EXPECT_TRUE(gen.RfIsOn());
+  EXPECT_TRUE(sigGen.RfOn());
+  EXPECT_TRUE(sigGen.RfIsOn());
   EXPECT_EQ(Took(), (Strings{"> 18 FREQ 150.0 MHZ", "> 18 POW -20.0 DBM", "> 18 OUTP ON"}));
-  EXPECT_TRUE(gen.SetFreqLevel(150, -20));
+  EXPECT_TRUE(sigGen.SetFreqLevel(150, -20));
   EXPECT_TRUE(Took().empty());
-  EXPECT_TRUE(gen.SetFreqLevel(150, -10.25F));
-  EXPECT_TRUE(gen.SetFreqLevel(151.123456F, -10.25F));
+  EXPECT_TRUE(sigGen.SetFreqLevel(150, -10.25F));
+  EXPECT_TRUE(sigGen.SetFreqLevel(151.123456F, -10.25F));
   EXPECT_EQ(Took(), (Strings{"> 18 POW -10.3 DBM", "> 18 FREQ 151.123459 MHZ"}));
 }
 
 TEST_F(SigGenTest, NeverPutsTheHigherLevelOnTheWrongFrequency) {
-  gen.SetFreqLevel(100, -20);
-  gen.RfOn();
+  sigGen.SetFreqLevel(100, -20);
+  sigGen.RfOn();
   Took();
-  EXPECT_TRUE(gen.SetFreqLevel(101, -10));
+  EXPECT_TRUE(sigGen.SetFreqLevel(101, -10));
   EXPECT_EQ(Took(), (Strings{"> 18 FREQ 101.0 MHZ", "> 18 POW -10.0 DBM"}));
-  EXPECT_TRUE(gen.SetFreqLevel(102, -30));
+  EXPECT_TRUE(sigGen.SetFreqLevel(102, -30));
   EXPECT_EQ(Took(), (Strings{"> 18 POW -30.0 DBM", "> 18 FREQ 102.0 MHZ"}));
-  gen.RfOff();
-  gen.SetFreqLevel(103, -40);
+  sigGen.RfOff();
+  sigGen.SetFreqLevel(103, -40);
   Took();
-  EXPECT_TRUE(gen.RfOn());
+  EXPECT_TRUE(sigGen.RfOn());
   EXPECT_EQ(Took(), (Strings{"> 18 POW -40.0 DBM", "> 18 FREQ 103.0 MHZ", "> 18 OUTP ON"}));
 }
 
@@ -73,19 +65,18 @@ TEST_F(SigGenTest, RefusesWhatIsOutsideTheLimitsWithRfOff) {
                                {100, 13.05F, level},  {100, -120.1F, level}, {1000.1, 0, freq},  {0.09, 0, freq},
                                {100, noLevel, level}, {noFreq, 0, freq},     {1e9, 99, level}};
   for (const RefusalCase& c : cases) {
-    SCOPED_TRACE(::testing::Message() << c.freqMHz << " MHz, " << c.levelDbm << " dBm");
-    Station s;
-    s.on.sigGen.PutDefinition(SampleSigGen());
-    s.on.sigGen.SetFreqLevel(50, -50);
-    s.on.sigGen.RfOn();
+    SCOPED_TRACE(testing::Message() << c.freqMHz << " MHz, " << c.levelDbm << " dBm");
+    TestStation s;
+    s.sigGen.SetFreqLevel(50, -50);
+    s.sigGen.RfOn();
     s.Took();
-    EXPECT_EQ(s.on.sigGen.SetFreqLevel(c.freqMHz, c.levelDbm), c.message == nullptr);
-    EXPECT_EQ(s.on.sigGen.RfIsOn(), c.message == nullptr);
+    EXPECT_EQ(s.sigGen.SetFreqLevel(c.freqMHz, c.levelDbm), c.message == nullptr);
+    EXPECT_EQ(s.sigGen.RfIsOn(), c.message == nullptr);
     if (!c.message) continue;
     EXPECT_EQ(s.Took(), (Strings{"> 18 OUTP OFF"}));
     EXPECT_EQ(s.t.dialogs.Texts(), (Strings{c.message}));
     // The request before still stands.
-    EXPECT_TRUE(s.on.sigGen.RfOn());
+    EXPECT_TRUE(s.sigGen.RfOn());
     EXPECT_EQ(s.Took(), (Strings{"> 18 OUTP ON"}));
   }
 }
@@ -93,164 +84,157 @@ TEST_F(SigGenTest, RefusesWhatIsOutsideTheLimitsWithRfOff) {
 TEST_F(SigGenTest, SendsBothAgainAfterAFailedSend) {
   for (int failing = 1; failing <= 2; ++failing) {
     SCOPED_TRACE(failing);
-    Station s;
-    s.on.sigGen.PutDefinition(SampleSigGen());
-    s.on.sigGen.SetFreqLevel(50, -50);
-    s.on.sigGen.RfOn();
+    TestStation s;
+    s.sigGen.SetFreqLevel(50, -50);
+    s.sigGen.RfOn();
     s.Took();
     s.bus.FailCall(failing, gpib::kEnol);
-    EXPECT_FALSE(s.on.sigGen.SetFreqLevel(60, -40));
+    EXPECT_FALSE(s.sigGen.SetFreqLevel(60, -40));
     EXPECT_TRUE(s.ToldOnce("Error in writing command to Signal Generator. \r\n"));
     EXPECT_EQ(s.Took().size(), static_cast<std::size_t>(failing));
-    EXPECT_TRUE(s.on.sigGen.SetFreqLevel(60, -40));
+    EXPECT_TRUE(s.sigGen.SetFreqLevel(60, -40));
     EXPECT_EQ(s.Took(), (Strings{"> 18 FREQ 60.0 MHZ", "> 18 POW -40.0 DBM"}));
   }
 }
 
 TEST_F(SigGenTest, StaysSilentWithoutFrequencyOrLevelCommands) {
-  Edit([](SigGenDefinition& d) { d.LevSetPrefix = d.LevSetSuffix = ""; });
-  EXPECT_FALSE(gen.SetFreqLevel(100, 99));
-  Edit([](SigGenDefinition& d) {
-    d.LevSetSuffix = "DBM";
-    d.FreqSetPrefix = d.FreqSetSuffix = "";
-  });
-  EXPECT_FALSE(gen.SetFreqLevel(100, 0));
+  Redefine(sigGen, [](auto& d) { d.LevSetPrefix = d.LevSetSuffix = ""; });
+  EXPECT_FALSE(sigGen.SetFreqLevel(100, 99));
+  Redefine(sigGen, [](auto& d) { d.LevSetSuffix = "DBM", d.FreqSetPrefix = d.FreqSetSuffix = ""; });
+  EXPECT_FALSE(sigGen.SetFreqLevel(100, 0));
   EXPECT_TRUE(Took().empty());
   EXPECT_TRUE(t.dialogs.messages.empty());
 }
 
 TEST_F(SigGenTest, EmulatesRfOffByTheMinimumLevel) {
-  Edit([](SigGenDefinition& d) { d.RfOff = ""; });
-  EXPECT_TRUE(gen.RfOff());  // nothing was ever sent
-  EXPECT_TRUE(gen.RfOn());
+  Redefine(sigGen, [](auto& d) { d.RfOff = ""; });
+  EXPECT_TRUE(sigGen.RfOff());  // nothing was ever sent
+  EXPECT_TRUE(sigGen.RfOn());
   EXPECT_EQ(Took(), (Strings{"> 18 FREQ 0.1 MHZ", "> 18 POW -120.0 DBM", "> 18 OUTP ON"}));
-  gen.SetFreqLevel(200, -10);
+  sigGen.SetFreqLevel(200, -10);
   Took();
-  EXPECT_TRUE(gen.RfOff());
-  EXPECT_FALSE(gen.RfIsOn());
+  EXPECT_TRUE(sigGen.RfOff());
+  EXPECT_FALSE(sigGen.RfIsOn());
   EXPECT_TRUE(Took().empty());
-  EXPECT_TRUE(gen.RfOn());
+  EXPECT_TRUE(sigGen.RfOn());
   EXPECT_EQ(Took(), (Strings{"> 18 POW -120.0 DBM", "> 18 OUTP ON"}));
-  EXPECT_FALSE(gen.SetFreqLevel(2000, 0));  // ends in one message, not in a loop
+  EXPECT_FALSE(sigGen.SetFreqLevel(2000, 0));  // ends in one message, not in a loop
   EXPECT_EQ(t.dialogs.messages.size(), 1U);
 }
 
 TEST_F(SigGenTest, AGeneratorWithoutRfOffIsAtItsMinimumWheneverRfHasToBeOff) {
-  Edit([](SigGenDefinition& d) { d.RfOff = ""; });
-  EXPECT_TRUE(gen.InitSigGen(100, -10));
+  Redefine(sigGen, [](auto& d) { d.RfOff = ""; });
+  EXPECT_TRUE(sigGen.InitSigGen(100, -10));
   EXPECT_EQ(Took(),
             (Strings{"FIND 18", "REMOTE 18", "> 18 *RST", "> 18 MOD OFF", "> 18 FREQ 0.1 MHZ", "> 18 POW -120.0 DBM"}));
   t.dialogs.onShow = [this](const Message&) { EXPECT_EQ(bus.Lines().back(), "> 18 POW -120.0 DBM"); };
   for (const auto& [freqMHz, levelDbm] : {std::pair{2000.0, 0.0F}, std::pair{100.0, 99.0F}}) {
-    gen.SetFreqLevel(200, -10);
-    gen.RfOn();
+    sigGen.SetFreqLevel(200, -10);
+    sigGen.RfOn();
     Took();
-    EXPECT_FALSE(gen.SetFreqLevel(freqMHz, levelDbm));
+    EXPECT_FALSE(sigGen.SetFreqLevel(freqMHz, levelDbm));
     EXPECT_EQ(Took(), (Strings{"> 18 POW -120.0 DBM"}));
   }
   t.dialogs.onShow = nullptr;
-  gen.SetFreqLevel(200, -10);
-  gen.RfOn();
-  gen.RfOff();  // as the operator's command it sends nothing, and the level stays
+  sigGen.SetFreqLevel(200, -10);
+  sigGen.RfOn();
+  sigGen.RfOff();  // as the operator's command it sends nothing, and the level stays
   Took();
-  EXPECT_TRUE(gen.ShutdownSigGen());
+  EXPECT_TRUE(sigGen.ShutdownSigGen());
   EXPECT_EQ(Took(), (Strings{"> 18 POW -120.0 DBM", "LOCAL 18"}));
-  EXPECT_TRUE(gen.SilenceRf());
+  EXPECT_TRUE(sigGen.SilenceRf());
   EXPECT_TRUE(Took().empty());
 }
 
 TEST_F(SigGenTest, AGeneratorThatCanNotBeLoweredIsReportedAndTriedAgain) {
-  Edit([](SigGenDefinition& d) { d.RfOff = ""; });
-  gen.SetFreqLevel(200, -10);
-  gen.RfOn();
+  Redefine(sigGen, [](auto& d) { d.RfOff = ""; });
+  sigGen.SetFreqLevel(200, -10);
+  sigGen.RfOn();
   bus.FailLine("> 18 POW -120.0", gpib::kEnol);
-  EXPECT_FALSE(gen.SilenceRf());
+  EXPECT_FALSE(sigGen.SilenceRf());
   EXPECT_TRUE(ToldOnce("Error in writing command to Signal Generator. \r\n"));
   Took();
-  EXPECT_TRUE(gen.SilenceRf());
+  EXPECT_TRUE(sigGen.SilenceRf());
   EXPECT_EQ(Took().back(), "> 18 POW -120.0 DBM");
-  gen.PutDefinition({});
-  EXPECT_TRUE(gen.SilenceRf());  // without commands there is nothing to lower
+  sigGen.PutDefinition({});
+  EXPECT_TRUE(sigGen.SilenceRf());  // without commands there is nothing to lower
   EXPECT_TRUE(Took().empty());
 }
 
 TEST_F(SigGenTest, SendsABareTerminatorForAnEmptyRfOn) {
-  Edit([](SigGenDefinition& d) {
-    d.RfOn = "";
-    d.EndOfString = 1;
-  });
-  gen.SetFreqLevel(100, 0);
-  gen.RfOn();
+  Redefine(sigGen, [](auto& d) { d.RfOn = "", d.EndOfString = 1; });
+  sigGen.SetFreqLevel(100, 0);
+  sigGen.RfOn();
   EXPECT_EQ(Took().back(), "> 18 \\r");
 }
 
 TEST_F(SigGenTest, StartsAtTheMinimumWithModulationAndRfOff) {
-  EXPECT_TRUE(gen.InitSigGen(0, -60));
-  EXPECT_FALSE(gen.RfIsOn());
+  EXPECT_TRUE(sigGen.InitSigGen(0, -60));
+  EXPECT_FALSE(sigGen.RfIsOn());
   EXPECT_EQ(Took(), (Strings{"FIND 18", "REMOTE 18", "> 18 *RST", "> 18 MOD OFF", "> 18 OUTP OFF"}));
-  EXPECT_TRUE(gen.RfOn());
+  EXPECT_TRUE(sigGen.RfOn());
   EXPECT_EQ(Took(), (Strings{"> 18 FREQ 0.1 MHZ", "> 18 POW -120.0 DBM", "> 18 OUTP ON"}));
-  EXPECT_TRUE(gen.ShutdownSigGen());  // already at the minimum
+  EXPECT_TRUE(sigGen.ShutdownSigGen());  // already at the minimum
   EXPECT_EQ(Took(), (Strings{"> 18 OUTP OFF", "LOCAL 18"}));
 }
 
 TEST_F(SigGenTest, SendsATerminatorForAnEmptyInitStringButNothingWithoutOne) {
-  Edit([](SigGenDefinition& d) { d.InitString = ""; });
-  gen.InitSigGen(0, 0);
+  Redefine(sigGen, [](auto& d) { d.InitString = ""; });
+  sigGen.InitSigGen(0, 0);
   EXPECT_EQ(Took().at(2), "> 18 MOD OFF");
-  Edit([](SigGenDefinition& d) { d.EndOfString = 1; });
-  gen.InitSigGen(0, 0);
+  Redefine(sigGen, [](auto& d) { d.EndOfString = 1; });
+  sigGen.InitSigGen(0, 0);
   EXPECT_EQ(Took().at(2), "> 18 \\r");
 }
 
 TEST_F(SigGenTest, SwitchesRfOffEvenIfModulationCanNotBe) {
   bus.FailLine("> 18 MOD OFF", gpib::kEnol);
-  EXPECT_FALSE(gen.InitSigGen(0, -60));
+  EXPECT_FALSE(sigGen.InitSigGen(0, -60));
   EXPECT_EQ(Took().back(), "> 18 OUTP OFF");
   EXPECT_TRUE(ToldOnce("Error turning modulation off. \r\n"));
 }
 
 TEST_F(SigGenTest, SwitchesAmByItsDepthWithoutLosingTheDepth) {
-  EXPECT_TRUE(gen.SetAM(1, 80, true));
-  EXPECT_TRUE(gen.AmOn());
+  EXPECT_TRUE(sigGen.SetAM(1, 80, true));
+  EXPECT_TRUE(sigGen.AmOn());
   EXPECT_EQ(Took(), (Strings{"> 18 AMF 1.0 KHZ", "> 18 AMD 80.0 PCT", "> 18 AM ON"}));
   for (int i = 0; i < 2; ++i) {
-    EXPECT_TRUE(gen.ModOff());
+    EXPECT_TRUE(sigGen.ModOff());
     EXPECT_EQ(Took(), (Strings{"> 18 AMF 1.0 KHZ", "> 18 AMD 0.0 PCT"}));
-    EXPECT_TRUE(gen.AmOn());
+    EXPECT_TRUE(sigGen.AmOn());
     EXPECT_EQ(Took(), (Strings{"> 18 AMF 1.0 KHZ", "> 18 AMD 80.0 PCT"}));
   }
 }
 
 TEST_F(SigGenTest, SwitchesOtherModulationsByTheirCommands) {
-  EXPECT_TRUE(gen.SetAM(0.4F, 30, false));
-  EXPECT_TRUE(gen.AmOn());
-  EXPECT_TRUE(gen.ModOff());
-  EXPECT_TRUE(gen.ModOff());  // already off
+  EXPECT_TRUE(sigGen.SetAM(0.4F, 30, false));
+  EXPECT_TRUE(sigGen.AmOn());
+  EXPECT_TRUE(sigGen.ModOff());
+  EXPECT_TRUE(sigGen.ModOff());  // already off
   EXPECT_EQ(Took(), (Strings{"> 18 AMF 0.4 KHZ", "> 18 AMD 30.0 PCT", "> 18 AM ON", "> 18 MOD OFF"}));
-  EXPECT_TRUE(gen.SetFM(1, 2.5F));
-  EXPECT_TRUE(gen.FmOn());
+  EXPECT_TRUE(sigGen.SetFM(1, 2.5F));
+  EXPECT_TRUE(sigGen.FmOn());
   EXPECT_EQ(Took(), (Strings{"> 18 FMF 1.0 KHZ", "> 18 FMD 2.5 KHZ", "> 18 FM ON"}));
-  EXPECT_TRUE(gen.SetPulse(0.2F, 0.0005F));
-  EXPECT_TRUE(gen.PulseOn());
+  EXPECT_TRUE(sigGen.SetPulse(0.2F, 0.0005F));
+  EXPECT_TRUE(sigGen.PulseOn());
   EXPECT_EQ(Took(), (Strings{"> 18 PLF 0.2 KHZ", "> 18 PLW 0.001 MS", "> 18 PL ON"}));
 }
 
 TEST_F(SigGenTest, SkipsEmptyAmCommandsButSendsEmptyFmOnes) {
-  Edit([](SigGenDefinition& d) { d.AmFreqPrefix = d.AmFreqSuffix = d.FmFreqPrefix = d.FmFreqSuffix = ""; });
-  EXPECT_TRUE(gen.SetAM(1, 80, false));
-  EXPECT_TRUE(gen.SetFM(1, 2));
+  Redefine(sigGen, [](auto& d) { d.AmFreqPrefix = d.AmFreqSuffix = d.FmFreqPrefix = d.FmFreqSuffix = ""; });
+  EXPECT_TRUE(sigGen.SetAM(1, 80, false));
+  EXPECT_TRUE(sigGen.SetFM(1, 2));
   EXPECT_EQ(Took(), (Strings{"> 18 AMD 80.0 PCT", "> 18  1.0 ", "> 18 FMD 2.0 KHZ"}));
 }
 
 TEST_F(SigGenTest, RefusesModulationsThatTheGeneratorLacks) {
-  Edit([](SigGenDefinition& d) { d.AmCapable = d.FmCapable = d.PulseCapable = 0; });
-  EXPECT_FALSE(gen.SetAM(1, 80, false));
-  EXPECT_FALSE(gen.AmOn());
-  EXPECT_FALSE(gen.SetFM(1, 1));
-  EXPECT_FALSE(gen.FmOn());
-  EXPECT_FALSE(gen.SetPulse(1, 1));
-  EXPECT_FALSE(gen.PulseOn());
+  Redefine(sigGen, [](auto& d) { d.AmCapable = d.FmCapable = d.PulseCapable = 0; });
+  EXPECT_FALSE(sigGen.SetAM(1, 80, false));
+  EXPECT_FALSE(sigGen.AmOn());
+  EXPECT_FALSE(sigGen.SetFM(1, 1));
+  EXPECT_FALSE(sigGen.FmOn());
+  EXPECT_FALSE(sigGen.SetPulse(1, 1));
+  EXPECT_FALSE(sigGen.PulseOn());
   const std::string beginning = "Signal Generator not capable of ";
   EXPECT_EQ(t.dialogs.Texts(),
             (Strings{beginning + "AM Modulation", beginning + "AM Modulation", beginning + "FM Modulation",
@@ -302,12 +286,11 @@ TEST_F(SigGenTest, EachFailedSendStopsTheOperationWithOneReport) {
   for (const FailureCase& c : cases) {
     for (const std::string& call : c.calls) {
       SCOPED_TRACE(std::string(c.name) + " at " + call);
-      Station s;
-      s.on.sigGen.PutDefinition(SampleSigGen());
-      s.on.sigGen.SetFreqLevel(100, 0);
-      s.on.sigGen.RfOn();
+      TestStation s;
+      s.sigGen.SetFreqLevel(100, 0);
+      s.sigGen.RfOn();
       s.bus.FailLine(call, gpib::kEnol);
-      EXPECT_FALSE(c.operation(s.on.sigGen));
+      EXPECT_FALSE(c.operation(s.sigGen));
       EXPECT_TRUE(s.ToldOnce(c.report));
       EXPECT_TRUE(s.Took().back().starts_with(call));
     }
@@ -315,11 +298,11 @@ TEST_F(SigGenTest, EachFailedSendStopsTheOperationWithOneReport) {
 }
 
 TEST_F(SigGenTest, CountsAsOnWhenSwitchingOffIsCutShort) {
-  gen.SetFreqLevel(100, 0);
-  gen.RfOn();
+  sigGen.SetFreqLevel(100, 0);
+  sigGen.RfOn();
   bus.transcript.onLine = [](const std::string&) { throw std::runtime_error("unplugged"); };
-  EXPECT_THROW(gen.RfOff(), std::runtime_error);
-  EXPECT_TRUE(gen.RfIsOn());
+  EXPECT_THROW(sigGen.RfOff(), std::runtime_error);
+  EXPECT_TRUE(sigGen.RfIsOn());
 }
 
 }  // namespace

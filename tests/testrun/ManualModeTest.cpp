@@ -44,7 +44,7 @@ struct ManualTest : testing::Test {
       if (!rig.engine.Manual().IsActive()) return;
       if (next == 0) {
         panel.Open(rig.controls.opened);
-        sentBefore = rig.bus.transcript.SentTo(18).size();
+        sentBefore = rig.Sent(18).size();
       }
       if (next < manual.size())
         manual[next++]();
@@ -55,7 +55,7 @@ struct ManualTest : testing::Test {
   }
   /// What the generator was sent in manual mode, up to the next step's frequency.
   std::vector<std::string> Sent() {
-    auto sent = rig.Generator();
+    auto sent = rig.Sent(18);
     sent.erase(sent.begin(), sent.begin() + static_cast<std::ptrdiff_t>(sentBefore));
     return sent;
   }
@@ -82,7 +82,7 @@ TEST_F(ManualTest, ChangesWaitForTheTimerAndTheStepComesFirst) {
               EXPECT_TRUE(panel.MoveOffset(15));
               EXPECT_TRUE(panel.MoveStep(1));
               EXPECT_EQ(panel.OffsetText(), "1.5");
-              EXPECT_EQ(rig.bus.transcript.SentTo(18).size(), sentBefore);
+              EXPECT_EQ(rig.Sent(18).size(), sentBefore);
             },
             [&] { panel.Tick(); }, [&] { panel.Tick(); }};
   Run();
@@ -116,10 +116,7 @@ TEST_F(ManualTest, TheRunGoesOnBehindTheStepThatWasReturnedTo) {
 }
 
 TEST_F(ManualTest, RfAndModulationFollowTheOperator) {
-  rig.test.ModType = 1;
-  rig.test.AmDepth = 80;
-  rig.test.AmModFreq = 1;
-  rig.test.ModOffBetweenFreqs = rig.test.ConstPeak = true;
+  rig.UseAm(true, true);
   manual = {[&] { rig.engine.Manual().manModOn(false); }, [&] { rig.engine.Manual().manRfOn(false); },
             [&] {
               EXPECT_FALSE(rig.controls.manualRf);
@@ -134,12 +131,10 @@ TEST_F(ManualTest, RfAndModulationFollowTheOperator) {
 }
 
 TEST_F(ManualTest, ModulationSwitchedOffByHandIsBackForTheNextStep) {
-  rig.test.ModType = 1;
-  rig.test.AmDepth = 80;
-  rig.test.AmModFreq = 1;
+  rig.UseAm(false, false);
   manual = {[&] { rig.engine.Manual().manModOn(false); }};
   Run();
-  EXPECT_THAT(rig.bus.transcript.SentTo(18), testing::Contains("AM ON\\r\\n").Times(2));
+  EXPECT_THAT(rig.Sent(18), testing::Contains("AM ON").Times(2));
 }
 
 TEST_F(ManualTest, AThresholdIsRecordedBetweenTheStepsWithItsComment) {
@@ -180,8 +175,7 @@ TEST_F(ManualTest, AHaltEndsTheRunAndRemovesTheForm) {
 }
 
 TEST_F(ManualTest, AnAmplifierThatFailsHaltsTheRun) {
-  rig.equipment.AmplifierType = static_cast<int>(AmpType::Ifi);
-  rig.equipment.IfiBandSwitch = 1.5;
+  rig.UseIfi(1.5);
   manual = {[&] {
     rig.bus.FailLine("> 10 8", gpib::kEabo);
     rig.engine.Manual().manStepNumChange(1);

@@ -12,15 +12,11 @@ constexpr const char* kSaveQuestion = "Would you like to save the testrun data?"
 
 /// Everything on: net power, probe, AM, an IFI amplifier.
 void UseEverything(RunRig& rig) {
-  rig.test.LevelingMethod = static_cast<int>(LevelingMethod::NetPower);
+  rig.UsePower(LevelingMethod::NetPower);
   rig.test.MonitorProbe = rig.test.LimitCurrent = true;
   rig.test.LimitMargin = 20;
-  rig.test.ModType = 1;
-  rig.test.AmDepth = 80;
-  rig.test.AmModFreq = 1;
-  rig.test.ModOffBetweenFreqs = rig.test.ConstPeak = true;
-  rig.equipment.AmplifierType = static_cast<int>(AmpType::Ifi);
-  rig.equipment.IfiBandSwitch = 2;
+  rig.UseAm(true, true);
+  rig.UseIfi();
 }
 
 void ExpectEnded(const RunRig& rig) {
@@ -48,8 +44,8 @@ TEST_F(RunEndTest, ANormalRunTakesTheInstrumentsDownInOrder) {
   EXPECT_EQ(rig.Rows().size(), 3U);
   const auto& lines = rig.bus.Lines();
   const auto at = [&](const std::string& text) { return std::find(lines.begin(), lines.end(), text) - lines.begin(); };
-  EXPECT_LT(at("LOCAL 17"), at("LOCAL 13"));
-  EXPECT_LT(at("LOCAL 13"), at("LOCAL 18"));
+  EXPECT_LT(at("LOCAL 13"), at("LOCAL 7"));
+  EXPECT_LT(at("LOCAL 7"), at("LOCAL 18"));
   EXPECT_EQ(at("LOCAL 18"), static_cast<std::ptrdiff_t>(lines.size()) - 1);
   ExpectEndedWithRfOff(rig);
 }
@@ -96,7 +92,7 @@ TEST_F(RunEndTest, WithTheCablePulledEveryInstrumentIsStillTriedAndTheRowsStay) 
   rig.Run();
   ExpectEnded(rig);
   EXPECT_EQ(rig.Rows().size(), 3U);
-  for (const char* attempt : {"> 18 OUTP OFF", "> 17 BYE", "> 13 BYE", "> 18 POW"})
+  for (const char* attempt : {"> 18 OUTP OFF", "> 13 BYE", "> 7 BYE", "> 18 POW"})
     EXPECT_THAT(rig.bus.Lines(), testing::Contains(testing::StartsWith(attempt))) << attempt;
 }
 
@@ -104,24 +100,21 @@ TEST_F(RunEndTest, AnInstrumentThatCantBeTakenDownDoesNotKeepTheOthersUp) {
   UseEverything(rig);
   rig.AtStatus("Finishing Final Dwell...", [&] {
     rig.bus.FailLine("> 18 OUTP OFF", gpib::kEabo);
-    rig.bus.FailLine("> 17 BYE", gpib::kEabo);
+    rig.bus.FailLine("> 13 BYE", gpib::kEabo);
     rig.commands.Halt();
   });
   rig.Run();
-  EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 13"));
+  EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 7"));
   EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 18"));
   ExpectEndedWithRfOff(rig);
 }
 
 TEST_F(RunEndTest, AFailureWhileTheLevelIsHeldSwitchesRfOffBeforeAnyMessage) {
-  bool rfOnAtMessage = false;
-  rig.test.LevelingMethod = static_cast<int>(LevelingMethod::NetPower);
+  rig.UsePower(LevelingMethod::NetPower);
   rig.returnLossDb = 0;
-  rig.t.dialogs.onShow = [&](const Message& message) {
-    if (message.text.starts_with("Error, reverse")) rfOnAtMessage = rig.rfOn;
-  };
   rig.Run();
-  EXPECT_FALSE(rfOnAtMessage);
+  EXPECT_EQ(rig.t.dialogs.messages.size(), 2U);
+  EXPECT_FALSE(rig.rfOnAtMessage);
   ExpectEndedWithRfOff(rig);
 }
 
@@ -175,14 +168,10 @@ TEST_F(RunEndTest, AHaltInAnIntermediateDwellEndsTheRunWithinOneTurn) {
 class ThrowTest : public RunEndTest, public testing::WithParamInterface<HaltCase> {};
 
 TEST_P(ThrowTest, AFailingDisplayEndsTheRunInOrder) {
-  bool rfOnAtReport = false;
   rig.display.throwAtStatus = GetParam().status;
-  rig.t.dialogs.onShow = [&](const Message& message) {
-    if (message.title == "Error") rfOnAtReport = rfOnAtReport || rig.rfOn;
-  };
   rig.Run();
   EXPECT_EQ(rig.Shown("Error # 6\rOverflow\rfrmRunTest.RunCDI\r"), 1);
-  EXPECT_FALSE(rfOnAtReport);
+  EXPECT_FALSE(rig.rfOnAtMessage);
   ExpectEndedWithRfOff(rig);
 }
 
@@ -194,12 +183,10 @@ INSTANTIATE_TEST_SUITE_P(RunEnd, ThrowTest,
                          [](const auto& row) { return row.param.name; });
 
 TEST_F(RunEndTest, TheLevelOfAGeneratorWithoutRfOffGoesToItsMinimum) {
-  SigGenDefinition generator = rig.instruments.sigGen.Definition();
-  generator.RfOff = "";
-  rig.instruments.sigGen.PutDefinition(generator);
+  Redefine(rig.sigGen, [](auto& d) { d.RfOff = ""; });
   rig.AtStatus("Finishing Final Dwell...", [&] { rig.commands.Halt(); });
   rig.Run();
-  EXPECT_EQ(rig.generatorDbm, -140);
+  EXPECT_EQ(rig.generatorDbm, -120);
 }
 
 TEST_F(RunEndTest, SavingAtTheEndWritesTheRows) {
@@ -322,32 +309,42 @@ TEST_P(InitTest, FailsBeforeRfIsOn) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    RunEnd, InitTest,
-    testing::Values(
-        InitCase{"bus", [](RunRig& rig) { rig.bus.FailLine("IFC", gpib::kEdvr); }, "Error initializing GPIB"},
-        InitCase{"generator", [](RunRig& rig) { rig.bus.absent.insert(18); }, "Error initializing signal generator"},
-        InitCase{"pulse", [](RunRig& rig) { rig.test.ModType = 3; }, "Signal generator can't do Pulse Modulation"},
-        InitCase{"fm", [](RunRig& rig) { rig.test.ModType = 2; }, "Signal generator can't do Frequency Modulation"},
-        InitCase{"power_meter",
-                 [](RunRig& rig) {
-                   rig.test.LevelingMethod = 1;
-                   rig.bus.FailLine("FIND 13", gpib::kEnol);
-                 },
-                 "Error initializing Power Meter"},
-        InitCase{"meter",
-                 [](RunRig& rig) {
-                   rig.test.MonitorProbe = true;
-                   rig.bus.FailLine("FIND 17", gpib::kEnol);
-                 },
-                 "Error initializing meter"},
-        InitCase{"amplifier",
-                 [](RunRig& rig) {
-                   rig.equipment.AmplifierType = 1;
-                   rig.bus.FailLine("> 10 8", gpib::kEabo);
-                 },
-                 "Error initializing IFI amp"}),
-    [](const auto& row) { return row.param.name; });
+INSTANTIATE_TEST_SUITE_P(RunEnd, InitTest,
+                         testing::Values(InitCase{"bus", [](RunRig& rig) { rig.bus.FailLine("IFC", gpib::kEdvr); },
+                                                  "Error initializing GPIB"},
+                                         InitCase{"generator", [](RunRig& rig) { rig.bus.absent.insert(18); },
+                                                  "Error initializing signal generator"},
+                                         InitCase{"pulse",
+                                                  [](RunRig& rig) {
+                                                    rig.test.ModType = 3;
+                                                    Redefine(rig.sigGen, [](auto& d) { d.PulseCapable = 0; });
+                                                  },
+                                                  "Signal generator can't do Pulse Modulation"},
+                                         InitCase{"fm",
+                                                  [](RunRig& rig) {
+                                                    rig.test.ModType = 2;
+                                                    Redefine(rig.sigGen, [](auto& d) { d.FmCapable = 0; });
+                                                  },
+                                                  "Signal generator can't do Frequency Modulation"},
+                                         InitCase{"power_meter",
+                                                  [](RunRig& rig) {
+                                                    rig.test.LevelingMethod = 1;
+                                                    rig.bus.FailLine("FIND 7", gpib::kEnol);
+                                                  },
+                                                  "Error initializing Power Meter"},
+                                         InitCase{"meter",
+                                                  [](RunRig& rig) {
+                                                    rig.test.MonitorProbe = true;
+                                                    rig.bus.FailLine("FIND 13", gpib::kEnol);
+                                                  },
+                                                  "Error initializing meter"},
+                                         InitCase{"amplifier",
+                                                  [](RunRig& rig) {
+                                                    rig.equipment.AmplifierType = 1;
+                                                    rig.bus.FailLine("> 10 8", gpib::kEabo);
+                                                  },
+                                                  "Error initializing IFI amp"}),
+                         [](const auto& row) { return row.param.name; });
 
 }  // namespace
 }  // namespace hylden

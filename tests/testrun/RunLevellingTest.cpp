@@ -23,18 +23,10 @@ Lines Between(const Lines& lines, const std::string& first, const std::string& l
 struct LevellingTest : testing::Test {
   RunRig rig;
 
-  void UsePower(LevelingMethod method) { rig.test.LevelingMethod = static_cast<int>(method); }
   void UseProbe(double limitDbua) {
     rig.test.MonitorProbe = rig.test.LimitCurrent = true;
     // 120 dBuV in 150 ohm are 76.478 dBuA
     rig.test.LimitMargin = static_cast<float>(limitDbua - 76.4782);
-  }
-  void UseAm(bool offBetween, bool constPeak) {
-    rig.test.ModType = 1;
-    rig.test.AmDepth = 80;
-    rig.test.AmModFreq = 1;
-    rig.test.ModOffBetweenFreqs = offBetween;
-    rig.test.ConstPeak = constPeak;
   }
   void OneStep() { rig.test.StopFreq = rig.test.StartFreq; }
 };
@@ -42,10 +34,10 @@ struct LevellingTest : testing::Test {
 TEST_F(LevellingTest, ByGeneratorTheLevelRisesFromBelowAtEachFrequency) {
   rig.test.StopFreq = 2;
   rig.Run();
-  EXPECT_EQ(rig.Generator(), (Lines{"", "MOD OFF", "OUTP OFF",                                                     //
-                                    "FREQ 1.0 MHZ", "POW -22.0 DBM", "OUTP ON", "POW -16.0 DBM", "POW -10.0 DBM",  //
-                                    "POW -20.0 DBM", "FREQ 2.0 MHZ", "OUTP ON", "POW -14.0 DBM", "POW -8.0 DBM",   //
-                                    "OUTP OFF", "OUTP OFF"}));
+  EXPECT_EQ(rig.Sent(18), (Lines{"*RST", "MOD OFF", "OUTP OFF",                                                 //
+                                 "FREQ 1.0 MHZ", "POW -22.0 DBM", "OUTP ON", "POW -16.0 DBM", "POW -10.0 DBM",  //
+                                 "POW -20.0 DBM", "FREQ 2.0 MHZ", "OUTP ON", "POW -14.0 DBM", "POW -8.0 DBM",   //
+                                 "OUTP OFF", "OUTP OFF"}));
   EXPECT_EQ(rig.Rows(), (Lines{"1.0, -10.0 **, 120.0, , , ", "2.0, -8.0 **, 120.0, , , "}));
   EXPECT_TRUE(rig.display.highlights[RunDisplay::Quantity::SigGenLevel]);
   EXPECT_EQ(rig.engine.Steps()[1].SigGenLevel, -8);
@@ -66,7 +58,7 @@ TEST_F(LevellingTest, WithoutAnIncrementTheRampGoesBy6Db) {
   OneStep();
   rig.test.LevelInc = 0;
   rig.Run();
-  EXPECT_THAT(Between(rig.Generator(), "OUTP ON", "OUTP OFF"), ElementsAre("POW -16.0 DBM", "POW -10.0 DBM"));
+  EXPECT_THAT(Between(rig.Sent(18), "OUTP ON", "OUTP OFF"), ElementsAre("POW -16.0 DBM", "POW -10.0 DBM"));
 }
 
 TEST_F(LevellingTest, TheDwellIsHeldAtTheLevelAndElapsedTimeCountsFromTheSecondStep) {
@@ -85,7 +77,7 @@ TEST_F(LevellingTest, AProbeThatOnlyMonitorsIsReadAtTheLevel) {
   rig.Run();
   EXPECT_THAT(rig.Rows(), ElementsAre("1.0, -10.0 **, 120.0, 81.0, , "));  // 80 dBuV and 1 dB of cable
   EXPECT_NEAR(rig.display.limit, 76.4782, 1e-3);
-  EXPECT_THAT(rig.bus.transcript.SentTo(17), testing::Contains("CF 1.0 \\r\\n"));
+  EXPECT_THAT(rig.Sent(13), testing::Contains("CF 1.0 MZ"));
 }
 
 TEST_F(LevellingTest, ByGeneratorWithCurrentLimitTheRampStopsAtTheLimit) {
@@ -98,8 +90,8 @@ TEST_F(LevellingTest, ByGeneratorWithCurrentLimitTheRampStopsAtTheLimit) {
   EXPECT_TRUE(rig.display.highlights[RunDisplay::Quantity::InducedLevel]);
   EXPECT_FALSE(rig.display.highlights[RunDisplay::Quantity::SigGenLevel]);
   // 60 dB below first; the reference level is the reading expected at the limit, and 2 dB.
-  EXPECT_THAT(Between(rig.Generator(), "FREQ 1.0 MHZ", "OUTP ON"), ElementsAre("POW -70.0 DBM"));
-  EXPECT_THAT(rig.bus.transcript.SentTo(17), testing::Contains(testing::StartsWith("RL 75.99")));
+  EXPECT_THAT(Between(rig.Sent(18), "FREQ 1.0 MHZ", "OUTP ON"), ElementsAre("POW -70.0 DBM"));
+  EXPECT_THAT(rig.Sent(13), testing::Contains(testing::StartsWith("RL 75.99")));
 }
 
 TEST_F(LevellingTest, ByGeneratorWithCurrentLimitTheCalibratedLevelIsNotPassed) {
@@ -112,11 +104,11 @@ TEST_F(LevellingTest, ByGeneratorWithCurrentLimitTheCalibratedLevelIsNotPassed) 
 
 TEST_F(LevellingTest, ByForwardPowerTheRampEndsJustAboveTheTarget) {
   OneStep();
-  UsePower(LevelingMethod::ForwardPower);
+  rig.UsePower(LevelingMethod::ForwardPower);
   rig.Run();
   EXPECT_THAT(rig.Rows(), ElementsAre("1.0, -9.9, 120.0, , 40.1 **, "));
   EXPECT_LE(rig.highestDbm, -9.9 + 1e-6);
-  const Lines sent = rig.Generator();
+  const Lines sent = rig.Sent(18);
   EXPECT_THAT(Between(sent, "FREQ 1.0 MHZ", "OUTP ON"), ElementsAre("POW -70.0 DBM"));
   EXPECT_THAT(
       Between(sent, "OUTP ON", "OUTP OFF"),
@@ -126,25 +118,25 @@ TEST_F(LevellingTest, ByForwardPowerTheRampEndsJustAboveTheTarget) {
 }
 
 TEST_F(LevellingTest, ByForwardPowerTheNextStepStartsLowerByWhatWasTooMuch) {
-  UsePower(LevelingMethod::ForwardPower);
+  rig.UsePower(LevelingMethod::ForwardPower);
   rig.test.StopFreq = 2;
   rig.Run();
   // Offset -0.1, plus 0.1 of overshoot, 12 below, and 6.02 dB for the doubled frequency.
-  EXPECT_THAT(rig.Generator(), testing::Contains("POW -26.0 DBM"));
+  EXPECT_THAT(rig.Sent(18), testing::Contains("POW -26.0 DBM"));
   EXPECT_EQ(rig.Rows()[1], "2.0, -7.9, 120.0, , 42.1 **, ");
 }
 
 TEST_F(LevellingTest, ModulationDuringLevellingRaisesTheForwardTarget) {
   OneStep();
-  UsePower(LevelingMethod::ForwardPower);
-  UseAm(false, false);
+  rig.UsePower(LevelingMethod::ForwardPower);
+  rig.UseAm(false, false);
   rig.Run();
   EXPECT_EQ(rig.Rows()[0], "1.0, -8.7, 120.0, , 41.3 **, ");  // 40 + 1.21
 }
 
 TEST_F(LevellingTest, AWeakAmplifierEndsAForwardPowerRunWithAWarning) {
   OneStep();
-  UsePower(LevelingMethod::ForwardPower);
+  rig.UsePower(LevelingMethod::ForwardPower);
   rig.gainDb = 46;
   rig.Run();
   EXPECT_EQ(rig.Shown("Warning, amplifier gain is more than 3dB lower\r\nthan it should be.  Check setup.\r\n"
@@ -157,7 +149,7 @@ TEST_F(LevellingTest, AWeakAmplifierEndsAForwardPowerRunWithAWarning) {
 
 TEST_F(LevellingTest, ByForwardPowerTheCurrentLimitHoldsTheLevel) {
   OneStep();
-  UsePower(LevelingMethod::ForwardPower);
+  rig.UsePower(LevelingMethod::ForwardPower);
   UseProbe(75);
   rig.Run();
   EXPECT_EQ(rig.Rows()[0], "1.0, -16.0, 120.0, 75.0 **, 34.0, ");
@@ -165,14 +157,14 @@ TEST_F(LevellingTest, ByForwardPowerTheCurrentLimitHoldsTheLevel) {
 
 TEST_F(LevellingTest, ByNetPowerTheRampEndsAtTheNetTarget) {
   OneStep();
-  UsePower(LevelingMethod::NetPower);
+  rig.UsePower(LevelingMethod::NetPower);
   rig.Run();
   EXPECT_EQ(rig.Rows()[0], "1.0, -10.0, 120.0, , 40.0 **, 30.0");
 }
 
 TEST_F(LevellingTest, ByNetPowerAReflectingProductIsHeldByTheForwardCap) {
   OneStep();
-  UsePower(LevelingMethod::NetPower);
+  rig.UsePower(LevelingMethod::NetPower);
   rig.returnLossDb = 1;  // nearly everything comes back
   rig.Run();
   EXPECT_EQ(rig.Rows()[0], "1.0, -8.0, 120.0, , 42.0 +2, 41.0");
@@ -181,7 +173,7 @@ TEST_F(LevellingTest, ByNetPowerAReflectingProductIsHeldByTheForwardCap) {
 
 TEST_F(LevellingTest, ByNetPowerAWeakAmplifierEndsTheRun) {
   OneStep();
-  UsePower(LevelingMethod::NetPower);
+  rig.UsePower(LevelingMethod::NetPower);
   rig.gainDb = 46;
   rig.Run();
   EXPECT_EQ(rig.Shown("Warning, amplifier gain is more than 3dB lower\r\nthan it should be.  Check setup."), 1);
@@ -191,7 +183,7 @@ TEST_F(LevellingTest, ByNetPowerAWeakAmplifierEndsTheRun) {
 
 TEST_F(LevellingTest, ByNetPowerMoreReverseThanForwardPowerEndsTheRun) {
   OneStep();
-  UsePower(LevelingMethod::NetPower);
+  rig.UsePower(LevelingMethod::NetPower);
   rig.returnLossDb = 0;
   rig.Run();
   EXPECT_EQ(rig.Shown("Error, reverse power reading greater than forward power,\r\ncheck setup carefully."), 1);
@@ -200,7 +192,7 @@ TEST_F(LevellingTest, ByNetPowerMoreReverseThanForwardPowerEndsTheRun) {
 
 TEST_F(LevellingTest, ReversePowerNeedsASecondChannel) {
   OneStep();
-  UsePower(LevelingMethod::NetPower);
+  rig.UsePower(LevelingMethod::NetPower);
   rig.equipment.AmpConfiguration = static_cast<int>(AmpConfig::Single);
   rig.Run();
   EXPECT_EQ(rig.Shown("Power meter not defined as dual-channel, check setup"), 1);
@@ -211,7 +203,7 @@ TEST_F(LevellingTest, AnAmplifierThatChangesWithFrequencyNeverOvershoots) {
     for (const double error : {-2.9, -1.0, 2.9}) {
       SCOPED_TRACE(testing::Message() << static_cast<int>(method) << ": " << error << " dB");
       RunRig changing;
-      changing.test.LevelingMethod = static_cast<int>(method);
+      changing.UsePower(method);
       changing.gainErrorDb = {{1, -error}, {2, error}, {4, -error}};
       changing.Run();
       EXPECT_GT(changing.engine.Steps()[2].SigGenLevel, -999);
@@ -224,23 +216,22 @@ TEST_F(LevellingTest, AnAmplifierThatChangesWithFrequencyNeverOvershoots) {
 
 TEST_F(LevellingTest, WithConstantPeakTheCarrierDropsBeforeModulationGoesOn) {
   OneStep();
-  UseAm(true, true);
+  rig.UseAm(true, true);
   rig.Run();
-  EXPECT_THAT(Between(rig.Generator(), "POW -16.0 DBM", "OUTP OFF"),
+  EXPECT_THAT(Between(rig.Sent(18), "POW -16.0 DBM", "OUTP OFF"),
               ElementsAre("POW -10.0 DBM", "POW -15.1 DBM", "AM ON"));
   EXPECT_EQ(rig.engine.Steps()[0].SigGenLevel, -10);  // what manual mode starts from
 }
 
 TEST_F(LevellingTest, ModulationIsOffWhileTheFrequencyChanges) {
   rig.test.StopFreq = 2;
-  UseAm(true, false);
+  rig.UseAm(true, false);
   rig.Run();
-  EXPECT_THAT(Between(rig.Generator(), "POW -10.0 DBM", "FREQ 2.0 MHZ"),
-              ElementsAre("AM ON", "MOD OFF", "POW -20.0 DBM"));
+  EXPECT_THAT(Between(rig.Sent(18), "POW -10.0 DBM", "FREQ 2.0 MHZ"), ElementsAre("AM ON", "MOD OFF", "POW -20.0 DBM"));
 }
 
 TEST_F(LevellingTest, ADepthThatCannotBeTakenBackEndsTheRunBeforeTheLevelRises) {
-  UseAm(true, true);
+  rig.UseAm(true, true);
   rig.test.UseAMdepth = true;
   rig.bus.FailLine("> 18 AMD 0.0", gpib::kEabo);
   rig.Run();
@@ -258,9 +249,7 @@ TEST_F(LevellingTest, AnAdjustedTestRunsBelowItsCalibration) {
 }
 
 TEST_F(LevellingTest, AStartBelowTheGeneratorsMinimumIsAskedForOnce) {
-  SigGenDefinition generator = rig.instruments.sigGen.Definition();
-  generator.MinimumLevel = -20;
-  rig.instruments.sigGen.PutDefinition(generator);
+  Redefine(rig.sigGen, [](auto& d) { d.MinimumLevel = -20; });
   rig.test.InitLevOffset = -30;
   ASSERT_EQ(rig.Prepare(), RunReadiness::Ready);
   rig.t.dialogs.Answer(MessageAnswer::Yes);
@@ -275,9 +264,7 @@ TEST_F(LevellingTest, AStartBelowTheGeneratorsMinimumIsAskedForOnce) {
 }
 
 TEST_F(LevellingTest, DecliningTheStartBelowTheMinimumEndsTheRun) {
-  SigGenDefinition generator = rig.instruments.sigGen.Definition();
-  generator.MinimumLevel = -20;
-  rig.instruments.sigGen.PutDefinition(generator);
+  Redefine(rig.sigGen, [](auto& d) { d.MinimumLevel = -20; });
   rig.test.InitLevOffset = -30;
   rig.t.dialogs.Answer(MessageAnswer::No);
   rig.Run();
@@ -286,7 +273,7 @@ TEST_F(LevellingTest, DecliningTheStartBelowTheMinimumEndsTheRun) {
 }
 
 TEST_F(LevellingTest, ACalibrationWithoutPowerEndsAPowerRunBeforeRfIsOn) {
-  UsePower(LevelingMethod::ForwardPower);
+  rig.UsePower(LevelingMethod::ForwardPower);
   rig.t.directory.Write("bench.cal", "1,-10,120,na,na,\r\n4,-6,120,na,na,\r\n");
   rig.Run();
   EXPECT_TRUE(rig.t.dialogs.WasShownContaining("Forward power data not in calibration file."));
@@ -312,9 +299,8 @@ TEST_F(LevellingTest, ACurrentLimitWithoutImpedanceIsRefusedInsteadOfNotLimiting
 }
 
 TEST_F(LevellingTest, OneSensorOnTwoCouplersIsMovedAtTheBandChange) {
-  UsePower(LevelingMethod::ForwardPower);
-  rig.equipment.AmplifierType = static_cast<int>(AmpType::Ifi);
-  rig.equipment.IfiBandSwitch = 2;
+  rig.UsePower(LevelingMethod::ForwardPower);
+  rig.UseIfi();
   rig.Run();
   EXPECT_EQ(rig.Shown("Move sensor to low freq coupler"), 1);
   EXPECT_EQ(rig.Shown("Move sensor(s) to high freq coupler"), 1);
