@@ -27,14 +27,38 @@ bool RunCablCal::BuildPlan() {
   const auto type = static_cast<StepType>(Setup.StepType);
   FrequencyRequest request{type, Setup.StartFreq, Setup.StopFreq,
                            type == StepType::Log ? Setup.LogStep : Setup.LinearStep, Setup.ListFile};
-  const std::vector<double> plan = PlanFrequencies(shell_, request);
-  if (plan.empty()) {
+  const auto plan = PlanFrequencies(shell_, request);
+  if (!plan) return false;
+  if (plan->empty()) {
     shell_.dialogs.Tell("Error, no frequencies to calibrate? Check setup.");
     return false;
   }
+  if (Keeps(*plan)) return true;
+  if (!MayLeavePoints()) return false;
   points_.clear();
-  for (const double frequency : plan) points_.push_back({frequency, Setup.Level});
+  for (const double frequency : *plan) points_.push_back({frequency, Setup.Level});
   return true;
+}
+
+bool RunCablCal::Keeps(const std::vector<double>& plan) const {
+  if (saved_ || points_.empty() || !points_.front().HasDirect()) return false;
+  return std::equal(
+      points_.begin(), points_.end(), plan.begin(), plan.end(),
+      [&](const CablePoint& p, double frequency) { return p.Freq == frequency && p.SigGenLevel == Setup.Level; });
+}
+
+bool RunCablCal::IsComplete() const {
+  return !points_.empty() && std::all_of(points_.begin(), points_.end(), [](const auto& p) { return p.HasBoth(); });
+}
+
+bool RunCablCal::MayLeavePoints() {
+  if (saved_ || !IsComplete()) return true;
+  const MessageAnswer answer =
+      shell_.dialogs.Show({"The insertion loss that was measured has not been saved.\r\nSave it?",
+                           "Save Insertion Loss", MessageIcon::Question, MessageButtons::YesNoCancel});
+  if (answer == MessageAnswer::Yes) return SaveFile();
+  saved_ = answer == MessageAnswer::No;  // nobody wants it
+  return saved_;
 }
 
 void RunCablCal::DirectPass(CalibrationDisplay& display) {
@@ -128,6 +152,7 @@ bool RunCablCal::Tune(double frequencyMHz, float levelDbm) {
 }
 
 void RunCablCal::Store(const Pass& pass, CablePoint& point, float levelDbm, double reading) {
+  saved_ = false;
   if (pass.Inserted) {
     // Readings of two insert passes are never mixed.
     if (current_ == 1) std::for_each(points_.begin(), points_.end(), [](auto& p) { p.Insert = kNoValue; });
@@ -157,7 +182,7 @@ void RunCablCal::CutPlan(CalibrationDisplay& display) {
 }
 
 bool RunCablCal::SaveFile() {
-  if (points_.empty() || !std::all_of(points_.begin(), points_.end(), [](const auto& p) { return p.HasBoth(); })) {
+  if (!IsComplete()) {
     shell_.dialogs.Tell("Need to run Direct and Insert before file can be saved");
     return false;
   }
@@ -171,6 +196,7 @@ bool RunCablCal::SaveFile() {
     shell_.ReportError(error, "RunCblCal.SaveFile", *path);
     return false;
   }
+  saved_ = true;
   return true;
 }
 

@@ -42,7 +42,9 @@ class RunCablCal {
 
   CableSetup Setup;
 
-  /// Plans the points of the setup anew. @return false after a message; the points before are then kept
+  /// Plans the points of the setup anew. Readings of the same plan that are not saved yet are kept.
+  /// @return false after a message, or when the operator wants to keep a loss that is not saved; the points before are
+  /// then kept
   bool BuildPlan();
   const std::vector<CablePoint>& Points() const { return points_; }
 
@@ -52,6 +54,9 @@ class RunCablCal {
 
   /// Asks for a file and writes the points to it. @return false after a message, or when cancelled
   bool SaveFile();
+  /// Asks whether to save a complete loss that is not. @return false when the points have to stay: cancelled, or not
+  /// saved
+  bool MayLeavePoints();
 
   bool IsRunning() const { return running_; }
   RunOutcome Outcome() const { return outcome_; }
@@ -64,6 +69,8 @@ class RunCablCal {
   };
 
   bool Halted() const;
+  bool Keeps(const std::vector<double>& plan) const;
+  bool IsComplete() const;
   void RunPass(const Pass& pass, const char* context);
   bool BringUp(const Pass& pass);
   void ShowPlan(const Pass& pass);
@@ -82,6 +89,7 @@ class RunCablCal {
   std::vector<CablePoint> points_;
   std::size_t current_ = 0;  ///< the point at work, counted from 1
   bool running_ = false;
+  bool saved_ = false;  ///< the points as they are, or nobody wants them
   RunOutcome outcome_ = RunOutcome::NotRun;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,7 +20,7 @@ struct FrequencyRequest {
 };
 
 /// Plans the frequencies of a calibration. Of a list, the first or last frequency stands in for a start or stop of 0,
-/// also in the request. @return empty after a message of the list reader, or where the request leaves no frequency
-std::vector<double> PlanFrequencies(Shell& shell, FrequencyRequest& request);
+/// also in the request. @return nothing after a message of the list reader; empty where the request leaves no frequency
+std::optional<std::vector<double>> PlanFrequencies(Shell& shell, FrequencyRequest& request);
 
 }  // namespace hylden

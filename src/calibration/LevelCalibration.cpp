@@ -55,7 +55,7 @@ bool LevelCalibration::PlanRun() {
                            type == StepType::Log ? setup_.LogStep : setup_.LinearStep,
                            setup_.ListFile,
                            {equipment.HasIfiAmplifier(), equipment.IfiBandSwitch}};
-  plan_ = PlanFrequencies(shell_, request);
+  plan_ = PlanFrequencies(shell_, request).value_or(std::vector<double>());
   setup_.StartFreq = request.StartMHz;
   setup_.StopFreq = request.StopMHz;
   if (plan_.empty()) {

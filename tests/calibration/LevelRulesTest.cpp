@@ -99,7 +99,7 @@ TEST(FrequencyPlanTest, AListsOwnRangeIsNotTaken) {
   EXPECT_EQ(request.StartMHz, 5);
   EXPECT_EQ(request.StopMHz, 50);
   request = {StepType::List, 0, 0, 0, t.directory.File("none.lst")};
-  EXPECT_TRUE(PlanFrequencies(t.shell, request).empty());
+  EXPECT_FALSE(PlanFrequencies(t.shell, request));
   EXPECT_EQ(t.dialogs.messages.size(), 1U);
 }
 
