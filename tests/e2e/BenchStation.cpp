@@ -20,14 +20,15 @@ BenchStation::BenchStation(const std::string& equipmentFile, const std::function
     : atStation(HYLDEN_SOURCE_DIR "/examples/station"),
       bench(clock, ConfigOf(adjust)),
       driver(bench.Driver()),
-      machine(driver, clock),
-      instruments(machine.shell),
-      documents(machine.shell, instruments),
-      engine(machine.shell, instruments, documents, display, controls),
-      calibration_(machine.shell) {
+      machine(driver, clock) {
   EXPECT_EQ(documents.equip.LoadDef(equipmentFile), 1);
   EXPECT_TRUE(documents.equip.LoadDefinitions());
   EXPECT_FALSE(documents.equip.ApplyEquipment(documents.equip.Entries()));
+  EXPECT_TRUE(documents.calSetup.LoadDef("cdn-10v.csu"));
+  Equip();
+}
+
+void BenchStation::Equip() {
   const EquipRecord& equipment = documents.equip.Record;
   BenchEquipment onBench = LoadBenchEquipment(equipment.SigGenFile, equipment.MeterFile, equipment.PwrMtrFile);
   onBench.SigGenAddress = equipment.SigGenAddress;
@@ -56,10 +57,32 @@ double BenchStation::TargetDbuv(double frequencyMHz) {
   return double{calibration_.GetTestLevel(frequencyMHz)} + (Test().Extrapolate ? Test().ExtrapolateTo : 0);
 }
 
-int BenchStation::SaveQuestions() const {
+void BenchStation::Calibrate(const std::string& recordPath) {
+  ASSERT_FALSE(CheckStation(Setup(), documents.equip.Record));
+  ASSERT_TRUE(level.Prepare()) << machine.dialogs.LastText();
+  if (!recordPath.empty()) machine.dialogs.AnswerSave(recordPath);
+  level.Run();
+}
+
+void BenchStation::DirectPass() {
+  bench.Connect(MeterAt::Generator);
+  cable.DirectPass(calibrationDisplay);
+}
+
+void BenchStation::InsertPass() {
+  bench.Connect(MeterAt::Cable);
+  cable.InsertPass(calibrationDisplay);
+}
+
+int BenchStation::Asked(const std::string& title) const {
   const auto& messages = machine.dialogs.messages;
-  return static_cast<int>(std::count_if(messages.begin(), messages.end(),
-                                        [](const Message& message) { return message.title == "Save Run Data"; }));
+  return static_cast<int>(
+      std::count_if(messages.begin(), messages.end(), [&](const Message& message) { return message.title == title; }));
+}
+
+bool BenchStation::AnyRemote() {
+  const int addresses[] = {18, 13, 14, 9, 10};
+  return std::any_of(std::begin(addresses), std::end(addresses), [&](int a) { return bench.Bus().IsRemote(a); });
 }
 
 }  // namespace hylden

@@ -5,47 +5,46 @@
 #include <vector>
 
 #include "bench/Bench.h"
+#include "calibration/CableCalibration.h"
+#include "calibration/LevelCalibration.h"
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
 #include "support/DriverWrappers.h"
-#include "support/TempDir.h"
+#include "support/SilentDisplays.h"
 #include "support/TestShell.h"
 #include "testrun/RunEngine.h"
 
 namespace hylden {
 
-/// A display that remembers nothing but where the run is, and tells of completed rows.
-class WatchedDisplay : public RunDisplay {
+/// Tells of rows.
+class WatchedDisplay : public SilentRunDisplay {
  public:
-  /// A step has been recorded; RF is still on.
+  /// A step has begun or been recorded; RF is still on.
   std::function<void(int row)> onRow;
 
-  void Countdown(double) override {}
-  void Status(const std::string&) override {}
-  void Step(int) override {}
-  void Frequency(double frequencyMHz) override { frequency = frequencyMHz; }
-  void SigGenLevel(float) override {}
-  void TestLevel(float) override {}
-  void InducedLevel(double, double) override {}
-  void Power(double) override {}
-  void Highlight(Quantity, bool) override {}
-  void Dwell(double) override {}
-  void Plan(int, double) override {}
-  void Elapsed(double) override {}
-  void Remaining(double) override {}
   void RowChanged(int row) override {
     if (row > 0 && onRow) onRow(row);
   }
-
-  double frequency = 0;
 };
 
-/// The demo station on the simulated bench, in virtual time, with everything needed to run one of its tests.
+/// Tells of recorded points; RF is still on.
+class WatchedCalibration : public SilentCalibrationDisplay {
+ public:
+  std::function<void(int step)> onStep;
+
+  void Step(int step) override {
+    if (onStep) onStep(step);
+  }
+};
+
+/// The demo station on the simulated bench, in virtual time, with everything needed to run its tests and calibrations.
 class BenchStation {
  public:
   /// @param adjust  changes the bench before it is built
   explicit BenchStation(const std::string& equipmentFile = "station.eqp",
                         const std::function<void(BenchConfig&)>& adjust = {});
+  /// Puts the station's instruments, as its equipment has them, on the bench.
+  void Equip();
 
   /// Loads a test of the demo station with its calibration info, and cables the meter as it needs.
   void Load(const std::string& testFile);
@@ -56,22 +55,34 @@ class BenchStation {
   const std::vector<RunRow>& Rows() const { return engine.Data().Rows(); }
   /// The calibrated test level at a frequency, adjusted as the test has it, dBuV.
   double TargetDbuv(double frequencyMHz);
-  /// How often the save question was asked.
-  int SaveQuestions() const;
+
+  CalSetupRecord& Setup() { return documents.calSetup.Record; }
+  /// The checks of the Start command, then the whole level calibration; a record is saved when a path is given.
+  void Calibrate(const std::string& recordPath = {});
+  void DirectPass();
+  void InsertPass();
+
+  /// How often a question with this title was asked.
+  int Asked(const std::string& title) const;
+  /// Whether any instrument was left in remote mode.
+  bool AnyRemote();
 
   WorkingDirectory atStation;  ///< the demo station's files name each other without a directory
   VirtualClock clock;
   Bench bench;
   FailingDriver driver;
   TestShell machine;
-  Instruments instruments;
-  Documents documents;
+  Instruments instruments{machine.shell};
+  Documents documents{machine.shell, instruments};
   WatchedDisplay display;
   RunControls controls;
-  RunEngine engine;
+  RunEngine engine{machine.shell, instruments, documents, display, controls};
+  WatchedCalibration calibrationDisplay;
+  LevelCalibration level{machine.shell, instruments, documents, calibrationDisplay};
+  RunCablCal cable{machine.shell, instruments};
 
  private:
-  clsCalFile calibration_;
+  clsCalFile calibration_{machine.shell};
 };
 
 }  // namespace hylden

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <string>
 
-#include "CalibrationStation.h"
+#include "BenchStation.h"
 
 namespace hylden {
 namespace {
@@ -20,14 +20,14 @@ void LittleNoise(BenchConfig& config) {
   config.NoiseDb = kNoiseDb;
 }
 
-Amplifier AmplifierAt(const CalibrationStation& station, double frequencyMHz) {
+Amplifier AmplifierAt(const BenchStation& station, double frequencyMHz) {
   const EquipRecord& equipment = station.documents.equip.Record;
   if (!equipment.HasIfiAmplifier()) return Amplifier::Generic;
   return frequencyMHz <= equipment.IfiBandSwitch ? Amplifier::IfiLow : Amplifier::IfiHigh;
 }
 
 /// Watches that the level at the port stands in the tolerance band whenever a point is recorded.
-void WatchBand(CalibrationStation& station, int& recorded) {
+void WatchBand(BenchStation& station, int& recorded) {
   station.calibrationDisplay.onStep = [&](int) {
     ++recorded;
     const BenchState& state = station.bench.State();
@@ -38,7 +38,7 @@ void WatchBand(CalibrationStation& station, int& recorded) {
 }
 
 /// The recorded generator level brings the port into the tolerance band, and the powers are those seen there.
-void ExpectTrueRecord(const CalibrationStation& station) {
+void ExpectTrueRecord(const BenchStation& station) {
   for (const CalRow& row : station.level.Rows()) {
     const double frequency = std::stod(row[0]);
     const CalibrationReading truth =
@@ -53,7 +53,7 @@ void ExpectTrueRecord(const CalibrationStation& station) {
 }
 
 /// Replays the record by one of the demo tests; every step ends at the calibrated level or barely above it.
-void ExpectReplayed(CalibrationStation& station, const std::string& testFile, const std::string& infoFile) {
+void ExpectReplayed(BenchStation& station, const std::string& testFile, const std::string& infoFile) {
   SCOPED_TRACE(testFile);
   ASSERT_TRUE(station.documents.testSetup.LoadDef(testFile));
   station.Test().CalInfoFile = infoFile;
@@ -76,7 +76,7 @@ void ExpectReplayed(CalibrationStation& station, const std::string& testFile, co
 }
 
 TEST(CalibrationLoop, CableThenLevelThenTestAgreeWithThePhysics) {
-  CalibrationStation station("station.eqp", LittleNoise);
+  BenchStation station("station.eqp", LittleNoise);
   const TempDir& files = station.machine.directory;
 
   CableSetup& cableSetup = station.cable.Setup;
@@ -113,7 +113,7 @@ TEST(CalibrationLoop, CableThenLevelThenTestAgreeWithThePhysics) {
 }
 
 TEST(CalibrationLoop, ACompressingAmplifierEndsTheRunAndKeepsThePoints) {
-  CalibrationStation station("station.eqp", [](BenchConfig& config) { config.SaturationDbm = 34; });
+  BenchStation station("station.eqp", [](BenchConfig& config) { config.SaturationDbm = 34; });
   station.Setup().StartFreq = 1;
   station.Setup().LogStep = 5;
   station.Setup().LimitFwdPwr = 0;
@@ -131,7 +131,7 @@ TEST(CalibrationLoop, ACompressingAmplifierEndsTheRunAndKeepsThePoints) {
 
 TEST(CalibrationLoop, AGeneratorThatCantSwitchOffRestsAtItsMinimum) {
   for (const bool limited : {false, true}) {
-    CalibrationStation station("older-generator.eqp", LittleNoise);
+    BenchStation station("older-generator.eqp", LittleNoise);
     station.Setup().StartFreq = 20;
     station.Setup().StopFreq = 22;
     station.Setup().LimitFwdPwr = limited ? 1 : 0;
@@ -151,14 +151,9 @@ TEST(CalibrationLoop, AGeneratorThatCantSwitchOffRestsAtItsMinimum) {
 class IfiCalibration : public testing::TestWithParam<AmpConfig> {};
 
 TEST_P(IfiCalibration, BothBandsAreCalibratedWithTheSensorInTheRightPlace) {
-  CalibrationStation station("ifi-station.eqp", LittleNoise);
-  EquipRecord& equipment = station.documents.equip.Record;
-  equipment.AmpConfiguration = static_cast<std::int32_t>(GetParam());
-  BenchEquipment onBench = LoadBenchEquipment(equipment.SigGenFile, equipment.MeterFile, equipment.PwrMtrFile);
-  onBench.Sensors = static_cast<PowerSensors>(GetParam());
-  onBench.IfiAmplifier = true;
-  onBench.SensorBandSwitchMHz = equipment.IfiBandSwitch;
-  station.bench.Equip(onBench);
+  BenchStation station("ifi-station.eqp", LittleNoise);
+  station.documents.equip.Record.AmpConfiguration = static_cast<std::int32_t>(GetParam());
+  station.Equip();
   station.Setup().StartFreq = 190;
   station.Setup().RecordRevPwr = GetParam() == AmpConfig::DualFwdRev ? 1 : 0;
 

@@ -1,10 +1,11 @@
+// Every bus call, answer and wait of a run fails in turn, or is where the operator halts.
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 #include <map>
-#include <optional>
+#include <memory>
 #include <string>
 
 #include "BenchStation.h"
@@ -13,66 +14,123 @@ namespace hylden {
 namespace {
 
 constexpr double kMostOvershootDb = 0.6;
-constexpr int kSteps = 5;
 
-/// Five steps, levelled by net power, with the induced current limited through the probe, and AM.
-class FiveSteps : public BenchStation {
- public:
-  FiveSteps() {
-    Load("net-power-fm.tst");
-    TestDefinition& test = Test();
-    test.StartFreq = 20;
-    test.StopFreq = 24;
-    test.StepType = 0;
-    test.LinearStep = 1;
-    test.SweepDwell = 0.5;
-    test.ModType = static_cast<std::int32_t>(Modulation::Am);
-    test.AmDepth = 80;
-    test.AmModFreq = 1;
-    test.ModOffBetweenFreqs = true;
-    test.MonitorProbe = test.LimitCurrent = true;
-    test.LimitMargin = 3;
-    test.EUTCircuitImpedance = 150;
-    test.InitLevOffset = -6;
-    test.LevelInc = 10;
-    test.InterDwell = 0.1F;
-    bench.Connect(MeterAt::Probe);
-    bench.OnChange([this](const BenchState& state) {
-      if (state.Generator.RfOn && state.TestLevelDbuv > TargetDbuv(state.Generator.FreqMHz) + kMostOvershootDb)
-        ++overshoots;
-    });
-  }
-
-  int overshoots = 0;
+/// A run that is disturbed: what it does, what it has measured, and how it ended.
+struct Subject {
+  const char* name;
+  void (*arrange)(BenchStation&);
+  void (*run)(BenchStation&);
+  std::vector<std::string> (*results)(const BenchStation&);
+  RunOutcome (*outcome)(const BenchStation&);
+  std::size_t points;        ///< that an undisturbed run measures
+  const char* saveQuestion;  ///< title of the question whether to save; null where nobody asks
+  bool accumulates;          ///< ended early, it has measured the first points of an undisturbed run
 };
 
-/// Rows of steps that were completed.
-std::vector<RunRow> Completed(const BenchStation& station) {
-  std::vector<RunRow> rows;
+void PrintTo(const Subject& subject, std::ostream* out) {
+  *out << subject.name;
+}
+
+std::string Joined(const std::vector<std::string>& cells) {
+  std::string text;
+  for (const std::string& cell : cells) text += cell + ",";
+  return text;
+}
+
+std::vector<std::string> CompletedSteps(const BenchStation& station) {
+  std::vector<std::string> rows;
   for (const RunRow& row : station.Rows())
-    if (!row[1].empty()) rows.push_back(row);
+    if (!row[1].empty()) rows.push_back(Joined({row.begin(), row.end()}));
   return rows;
 }
 
-/// What has to hold at the end of every run, however it ended.
-void ExpectOrderlyEnd(const FiveSteps& run, const std::vector<RunRow>& undisturbed) {
-  EXPECT_FALSE(run.bench.State().Generator.RfOn) << "RF stayed on";
-  EXPECT_FALSE(run.instruments.sigGen.RfIsOn());
-  EXPECT_EQ(run.SaveQuestions(), 1);
-  EXPECT_FALSE(run.machine.speaker.tones.empty());
-  EXPECT_EQ(run.overshoots, 0);
-  const std::vector<RunRow> rows = Completed(run);
-  ASSERT_LE(rows.size(), undisturbed.size());
-  if (run.engine.Outcome() != RunOutcome::Finished) {
-    for (std::size_t i = 0; i < rows.size(); ++i) EXPECT_EQ(rows[i], undisturbed[i]) << "row " << i;
-  }
+std::vector<std::string> CalibratedRows(const BenchStation& station) {
+  std::vector<std::string> rows;
+  for (const auto& cells : CompleteRows(station.level.Rows())) rows.push_back(Joined(cells));
+  return rows;
 }
 
-/// Every message but those about saving, and that none was shown twice.
-std::vector<std::string> MessagesShownOnce(const FiveSteps& run) {
+std::vector<std::string> MeasuredPoints(const BenchStation& station) {
+  std::vector<std::string> points;
+  for (const CablePoint& point : station.cable.Points())
+    if (point.HasDirect())
+      points.push_back(
+          Joined({std::to_string(point.Freq), std::to_string(point.Direct), std::to_string(point.Insert)}));
+  return points;
+}
+
+RunOutcome TestOutcome(const BenchStation& station) {
+  return station.engine.Outcome();
+}
+RunOutcome LevelOutcome(const BenchStation& station) {
+  return station.level.Outcome();
+}
+RunOutcome CableOutcome(const BenchStation& station) {
+  return station.cable.Outcome();
+}
+
+/// Five steps, levelled by net power, with the induced current limited through the probe, and AM.
+void FiveSteps(BenchStation& station) {
+  station.Load("net-power-fm.tst");
+  TestDefinition& test = station.Test();
+  test.StartFreq = 20;
+  test.StopFreq = 24;
+  test.StepType = 0;
+  test.LinearStep = 1;
+  test.SweepDwell = 0.5;
+  test.ModType = static_cast<std::int32_t>(Modulation::Am);
+  test.AmDepth = 80;
+  test.AmModFreq = 1;
+  test.ModOffBetweenFreqs = true;
+  test.MonitorProbe = test.LimitCurrent = true;
+  test.LimitMargin = 3;
+  test.EUTCircuitImpedance = 150;
+  test.InitLevOffset = -6;
+  test.LevelInc = 10;
+  test.InterDwell = 0.1F;
+  station.bench.Connect(MeterAt::Probe);
+  station.bench.OnChange([&station](const BenchState& state) {
+    if (!state.Generator.RfOn) return;
+    EXPECT_LE(state.TestLevelDbuv, station.TargetDbuv(state.Generator.FreqMHz) + kMostOvershootDb);
+  });
+}
+
+void ThreePoints(BenchStation& station) {
+  CalSetupRecord& setup = station.Setup();
+  setup.StartFreq = 20;
+  setup.StopFreq = 22;
+  setup.StepType = 0;
+  setup.LinearStep = 1;
+  setup.RecordFwdPwr = setup.RecordRevPwr = setup.LimitFwdPwr = 1;
+  setup.FwdPwrLimit = 25;
+}
+
+void ThreeCablePoints(BenchStation& station) {
+  CableSetup& setup = station.cable.Setup;
+  setup.StartFreq = 20;
+  setup.StopFreq = 22;
+  setup.StepType = 0;
+  setup.LinearStep = 1;
+  setup.Level = -10;
+  ASSERT_TRUE(station.cable.BuildPlan());
+}
+
+void DirectDone(BenchStation& station) {
+  ThreeCablePoints(station);
+  station.DirectPass();
+  ASSERT_EQ(station.cable.Outcome(), RunOutcome::Finished);
+}
+
+struct Undisturbed {
+  std::vector<std::string> results;
+  int calls = 0, reads = 0, yields = 0;
+};
+
+/// The run's messages but those about saving; none may be shown twice.
+std::vector<std::string> MessagesShownOnce(const BenchStation& station) {
   std::map<std::string, int> shown;
-  for (const Message& message : run.machine.dialogs.messages)
-    if (message.title != "Save Run Data" && message.text != "No run data to save") ++shown[message.text];
+  for (const Message& message : station.machine.dialogs.messages)
+    if (!message.title.starts_with("Save ") && message.text != "No run data to save") ++shown[message.text];
   std::vector<std::string> texts;
   for (const auto& [text, count] : shown) {
     EXPECT_EQ(count, 1) << text;
@@ -81,97 +139,140 @@ std::vector<std::string> MessagesShownOnce(const FiveSteps& run) {
   return texts;
 }
 
-struct Undisturbed {
-  std::vector<RunRow> rows;
-  int calls = 0, reads = 0, yields = 0;
-  std::vector<std::string> lines;
+class FaultSweep : public testing::TestWithParam<Subject> {
+ protected:
+  static std::unique_ptr<BenchStation> Arranged() {
+    auto station = std::make_unique<BenchStation>();
+    GetParam().arrange(*station);
+    return station;
+  }
+
+  static Undisturbed RunUndisturbed() {
+    const auto station = Arranged();
+    Undisturbed result;
+    const int calls = station->driver.Calls(), reads = station->driver.Reads();
+    station->machine.events.onYield = [&] { ++result.yields; };
+    GetParam().run(*station);
+    EXPECT_EQ(GetParam().outcome(*station), RunOutcome::Finished) << station->machine.dialogs.LastText();
+    EXPECT_THAT(MessagesShownOnce(*station), testing::IsEmpty());
+    result.results = GetParam().results(*station);
+    EXPECT_EQ(result.results.size(), GetParam().points);
+    result.calls = station->driver.Calls() - calls;
+    result.reads = station->driver.Reads() - reads;
+    return result;
+  }
+
+  /// What has to hold at the end of every run, however it ended.
+  static void ExpectOrderlyEnd(BenchStation& station, bool maybeNotStarted) {
+    EXPECT_FALSE(station.bench.State().Generator.RfOn) << "RF stayed on";
+    EXPECT_FALSE(station.instruments.sigGen.RfIsOn());
+    if (!GetParam().saveQuestion) return;
+    const int asked = station.Asked(GetParam().saveQuestion);
+    const bool started = !GetParam().results(station).empty() || !station.level.Rows().empty();
+    EXPECT_EQ(asked, maybeNotStarted && !started ? std::min(asked, 1) : 1);
+    EXPECT_TRUE(asked == 0 || !station.machine.speaker.tones.empty()) << "it ended in silence";
+  }
+
+  /// What was measured before the failure is what an undisturbed run measures.
+  static void ExpectPointsKept(BenchStation& station, const Undisturbed& undisturbed) {
+    const std::vector<std::string> results = GetParam().results(station);
+    ASSERT_LE(results.size(), undisturbed.results.size());
+    if (!GetParam().accumulates || GetParam().outcome(station) == RunOutcome::Finished) return;
+    EXPECT_TRUE(std::equal(results.begin(), results.end(), undisturbed.results.begin()));
+  }
 };
 
-Undisturbed RunUndisturbed() {
-  FiveSteps run;
-  Undisturbed result;
-  run.machine.events.onYield = [&] { ++result.yields; };
-  run.Run();
-  EXPECT_EQ(run.engine.Outcome(), RunOutcome::Finished) << run.machine.dialogs.LastText();
-  EXPECT_EQ(Completed(run).size(), static_cast<std::size_t>(kSteps) + 1);
-  EXPECT_THAT(MessagesShownOnce(run), testing::IsEmpty());
-  result.rows = Completed(run);
-  result.calls = run.driver.Calls();
-  result.reads = run.driver.Reads();
-  return result;
-}
-
-TEST(FaultSweep, EverySingleBusFailureEndsInOrder) {
+TEST_P(FaultSweep, EverySingleBusFailureEndsInOrder) {
   const Undisturbed undisturbed = RunUndisturbed();
-  ASSERT_GT(undisturbed.calls, 100);
+  ASSERT_GT(undisturbed.calls, 20);
   int silent = 0;
-  for (int call = 1; call <= undisturbed.calls; ++call) {
+  for (int call = 1; call <= undisturbed.calls && !HasFailure(); ++call) {
     SCOPED_TRACE("bus call " + std::to_string(call));
-    FiveSteps run;
-    run.driver.FailCall(call, gpib::kEnol);
-    run.Run();
-    ExpectOrderlyEnd(run, undisturbed.rows);
-    const std::vector<std::string> texts = MessagesShownOnce(run);
+    const auto station = Arranged();
+    station->driver.FailCall(call, gpib::kEnol);
+    GetParam().run(*station);
+    ExpectOrderlyEnd(*station, true);
+    ExpectPointsKept(*station, undisturbed);
+    const std::vector<std::string> texts = MessagesShownOnce(*station);
     const bool reported = std::any_of(texts.begin(), texts.end(), [](const std::string& text) {
       return text.find("iberr = ENOL <No Listener>") != std::string::npos;
     });
+    if (reported) continue;
     // Only the calls that read away stale answers may fail unnoticed: the run then goes on to its end.
-    if (!reported) {
-      ++silent;
-      EXPECT_EQ(run.engine.Outcome(), RunOutcome::Finished);
-      EXPECT_TRUE(texts.empty()) << texts.front();
-    }
-    if (testing::Test::HasFailure()) return;
+    ++silent;
+    EXPECT_EQ(GetParam().outcome(*station), RunOutcome::Finished);
+    EXPECT_THAT(texts, testing::IsEmpty());
   }
   EXPECT_LT(silent, undisturbed.calls);
 }
 
-void SweepReads(const std::function<void(FailingDriver&, int)>& disturb) {
+TEST_P(FaultSweep, EverySilentAnswerEndsTheRunInOrder) {
   const Undisturbed undisturbed = RunUndisturbed();
-  ASSERT_GT(undisturbed.reads, 20);
-  for (int read = 1; read <= undisturbed.reads; ++read) {
+  ASSERT_GE(undisturbed.reads, 3);
+  for (int read = 1; read <= undisturbed.reads && !HasFailure(); ++read) {
     SCOPED_TRACE("answer " + std::to_string(read));
-    FiveSteps run;
-    disturb(run.driver, read);
-    run.Run();
-    ExpectOrderlyEnd(run, undisturbed.rows);
-    MessagesShownOnce(run);
-    if (testing::Test::HasFailure()) return;
+    const auto station = Arranged();
+    station->driver.SilenceReceive(read);
+    GetParam().run(*station);
+    ExpectOrderlyEnd(*station, false);
+    EXPECT_EQ(GetParam().outcome(*station), RunOutcome::EndedEarly);
+    ExpectPointsKept(*station, undisturbed);
+    MessagesShownOnce(*station);
   }
 }
 
-TEST(FaultSweep, EveryGarbledAnswerEndsInOrder) {
-  SweepReads([](FailingDriver& driver, int read) { driver.GarbleReceive(read, "\x80%&/ ?!\r\n"); });
-}
-
-TEST(FaultSweep, EverySilentAnswerEndsTheRunInOrder) {
-  SweepReads([](FailingDriver& driver, int read) { driver.SilenceReceive(read); });
-}
-
-TEST(HaltSweep, AHaltAtAnyWaitEndsInOrder) {
+TEST_P(FaultSweep, EveryGarbledAnswerEndsInOrder) {
   const Undisturbed undisturbed = RunUndisturbed();
-  ASSERT_GT(undisturbed.yields, 50);
-  for (int wait = 1; wait <= undisturbed.yields; ++wait) {
+  int noticed = 0;
+  for (int read = 1; read <= undisturbed.reads && !HasFailure(); ++read) {
+    SCOPED_TRACE("answer " + std::to_string(read));
+    const auto station = Arranged();
+    station->driver.GarbleReceive(read, "\x80%&/ ?!\r\n");
+    GetParam().run(*station);
+    ExpectOrderlyEnd(*station, false);
+    ExpectPointsKept(*station, undisturbed);
+    MessagesShownOnce(*station);
+    if (GetParam().results(*station) != undisturbed.results) ++noticed;
+  }
+  EXPECT_GT(noticed, 0) << "no answer reached the run";
+}
+
+TEST_P(FaultSweep, AHaltAtAnyWaitEndsInOrder) {
+  const Undisturbed undisturbed = RunUndisturbed();
+  ASSERT_GT(undisturbed.yields, 5);
+  for (int wait = 1; wait <= undisturbed.yields && !HasFailure(); ++wait) {
     SCOPED_TRACE("wait " + std::to_string(wait));
-    FiveSteps run;
+    const auto station = Arranged();
     int yields = 0;
-    double levelAtHalt = kNoValue;
-    bool raised = false;
-    run.bench.OnChange([&](const BenchState& state) {
-      if (yields >= wait && state.Generator.RfOn && state.TestLevelDbuv > levelAtHalt + 0.01) raised = true;
+    double sentAtHalt = kNoValue, productAtHalt = kNoValue;
+    station->bench.OnChange([&](const BenchState& state) {
+      if (yields < wait || !state.Generator.RfOn) return;
+      EXPECT_LE(state.Generator.LevelDbm, sentAtHalt) << "the level was raised after the halt";
+      EXPECT_LE(state.TestLevelDbuv, productAtHalt + 0.01) << "the level was raised after the halt";
     });
-    run.machine.events.onYield = [&] {
+    station->machine.events.onYield = [&] {
       if (++yields != wait) return;
-      levelAtHalt = run.bench.State().TestLevelDbuv;
-      run.machine.shell.delay.RequestHalt();
+      const BenchState& state = station->bench.State();
+      if (state.Generator.RfOn) sentAtHalt = state.Generator.LevelDbm, productAtHalt = state.TestLevelDbuv;
+      station->machine.shell.delay.RequestHalt();
     };
-    run.Run();
-    ExpectOrderlyEnd(run, undisturbed.rows);
-    EXPECT_THAT(MessagesShownOnce(run), testing::IsEmpty());
-    EXPECT_FALSE(raised) << "the level was raised after the halt";
-    if (testing::Test::HasFailure()) return;
+    GetParam().run(*station);
+    ExpectOrderlyEnd(*station, false);
+    ExpectPointsKept(*station, undisturbed);
+    EXPECT_THAT(MessagesShownOnce(*station), testing::IsEmpty());
   }
 }
+
+INSTANTIATE_TEST_SUITE_P(Runs, FaultSweep,
+                         testing::Values(Subject{"Test", FiveSteps, [](auto& s) { s.Run(); }, CompletedSteps,
+                                                 TestOutcome, 6, "Save Run Data", true},
+                                         Subject{"Level", ThreePoints, [](auto& s) { s.Calibrate(); }, CalibratedRows,
+                                                 LevelOutcome, 3, "Save Calibration", true},
+                                         Subject{"CableDirect", ThreeCablePoints, [](auto& s) { s.DirectPass(); },
+                                                 MeasuredPoints, CableOutcome, 3, nullptr, true},
+                                         Subject{"CableInsert", DirectDone, [](auto& s) { s.InsertPass(); },
+                                                 MeasuredPoints, CableOutcome, 3, nullptr, false}),
+                         [](const auto& subject) { return subject.param.name; });
 
 }  // namespace
 }  // namespace hylden
