@@ -43,45 +43,18 @@ void DriverWrapper::ibtmo(int board, int code) {
   Around("TMO " + std::to_string(code), [&] { inner_.ibtmo(board, code); });
 }
 
-void RecordingDriver::Around(const std::string& line, const std::function<void()>& call) {
-  call();
-  transcript.Add(line, cells_);
-}
-
-void RecordingDriver::AroundReceive(int address, std::span<char> buffer, const std::function<void()>& call) {
-  call();
-  std::string line = "< " + std::to_string(address);
-  if (cells_ && cells_->longCount > 0) {
-    const auto count = std::min(static_cast<std::size_t>(cells_->longCount), buffer.size());
-    line += " " + Escaped({buffer.data(), count});
-  }
-  transcript.Add(line, cells_);
-}
-
-std::optional<int> FailingDriver::ScriptedFailure(const std::string& line) {
-  ++calls_;
-  if (failFrom_ && calls_ >= failFrom_->first) return failFrom_->second;
-  if (const auto failure = failures_.find(calls_); failure != failures_.end()) return failure->second;
-  const auto match = std::find_if(lineFailures_.begin(), lineFailures_.end(),
-                                  [&](const auto& failure) { return line.starts_with(failure.first); });
-  if (match == lineFailures_.end()) return std::nullopt;
-  const int error = match->second;
-  lineFailures_.erase(match);
-  return error;
-}
-
 void FailingDriver::ibtmo(int board, int code) {
   timeLimit_ = code;
   DriverWrapper::ibtmo(board, code);
 }
 
 void FailingDriver::Around(const std::string& line, const std::function<void()>& call) {
-  if (const auto error = ScriptedFailure(line)) return SetFailure(cells_, *error);
+  if (const auto error = FailureOf(line)) return SetFailure(cells_, *error);
   call();
 }
 
 void FailingDriver::AroundReceive(int address, std::span<char> buffer, const std::function<void()>& call) {
-  if (const auto error = ScriptedFailure("< " + std::to_string(address))) {
+  if (const auto error = FailureOf("< " + std::to_string(address))) {
     return SetFailure(cells_, *error, *error == gpib::kEabo ? gpib::kTimo : 0);
   }
   call();

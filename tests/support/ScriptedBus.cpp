@@ -27,20 +27,8 @@ int ScriptedBus::UnregisterGpibGlobalsForThread() {
   return 0;
 }
 
-std::optional<int> ScriptedBus::ScriptedFailure(const std::string& line) {
-  ++calls_;
-  if (alwaysError_) return alwaysError_;
-  if (const auto failure = failures_.find(calls_); failure != failures_.end()) return failure->second;
-  const auto match = std::find_if(lineFailures_.begin(), lineFailures_.end(),
-                                  [&](const auto& failure) { return line.starts_with(failure.first); });
-  if (match == lineFailures_.end()) return std::nullopt;
-  const int error = match->second;
-  lineFailures_.erase(match);
-  return error;
-}
-
 void ScriptedBus::Plain(const std::string& line) {
-  if (const auto error = ScriptedFailure(line)) {
+  if (const auto error = FailureOf(line)) {
     SetFailure(cells_, *error);
   } else {
     SetSuccess(cells_, 0);
@@ -57,7 +45,7 @@ void ScriptedBus::FindLstn(int board, std::span<const std::int16_t> addresses, s
   EXPECT_EQ(board, 0);
   const std::string line = AddressLine("FIND", addresses);
   std::size_t found = 0;
-  if (const auto error = ScriptedFailure(line)) {
+  if (const auto error = FailureOf(line)) {
     SetFailure(cells_, *error);
   } else {
     for (const std::int16_t address : ListedAddresses(addresses)) {
@@ -82,7 +70,7 @@ void ScriptedBus::Send(int board, int address, std::string_view bytes, int eotMo
   EXPECT_EQ(board, 0);
   EXPECT_EQ(eotMode, gpib::kDabEnd) << "EOI belongs on the last byte";
   const std::string line = "> " + std::to_string(address) + " " + Escaped(bytes);
-  if (const auto error = ScriptedFailure(line)) {
+  if (const auto error = FailureOf(line)) {
     SetFailure(cells_, *error, *error == gpib::kEabo ? gpib::kTimo : 0);
   } else if (absent.contains(address)) {
     SetFailure(cells_, gpib::kEnol);
@@ -108,7 +96,7 @@ std::optional<std::string> ScriptedBus::NextAnswer(int address) {
 void ScriptedBus::Receive(int board, int address, std::span<char> buffer, int termination) {
   EXPECT_EQ(board, 0);
   const std::string head = "< " + std::to_string(address);
-  if (const auto error = ScriptedFailure(head)) {
+  if (const auto error = FailureOf(head)) {
     SetFailure(cells_, *error, *error == gpib::kEabo ? gpib::kTimo : 0);
     return transcript.Add(head, cells_);
   }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "support/BusTranscript.h"
+#include "support/CallFailures.h"
 
 namespace hylden {
 
@@ -17,7 +18,7 @@ namespace hylden {
 /// `fallback` says, and otherwise ends with EABO and TIMO. An answer that the read's termination or buffer cuts leaves
 /// its rest for the next read. Under the 30 ms time limit a read finds only such a rest or a stale answer, so drains
 /// use up no scripted answers.
-class ScriptedBus : public GpibDriver {
+class ScriptedBus : public GpibDriver, public CallFailures {
  public:
   void Answer(int address, const std::string& bytes) { answers_[address].push_back(bytes); }
   void Answers(int address, const std::vector<std::string>& list);
@@ -28,12 +29,6 @@ class ScriptedBus : public GpibDriver {
   /// What a device without a scripted answer says to its last command; nothing is silence.
   std::function<std::optional<std::string>(int address, const std::string& lastCommand)> fallback;
 
-  /// Fails the n-th call from now (1 is the next one) with this error code; registrations don't count.
-  void FailCall(int n, int error) { failures_[calls_ + n] = error; }
-  /// Fails the next call whose line begins with this text ("> 18 RF", "FIND 13", "< 13").
-  void FailLine(const std::string& beginning, int error) { lineFailures_.emplace_back(beginning, error); }
-  /// Fails every call from now on, as when the cable is pulled; nothing mends it.
-  void FailAlways(std::optional<int> error) { alwaysError_ = error; }
   /// Addresses where nobody listens: ENOL on a send, silence on a read.
   std::set<int> absent;
 
@@ -44,7 +39,6 @@ class ScriptedBus : public GpibDriver {
 
   BusTranscript transcript;
   const std::vector<std::string>& Lines() const { return transcript.Lines(); }
-  int Calls() const { return calls_; }
 
   int RegisterGpibGlobalsForThread(GpibStatusCells& cells) override;
   int UnregisterGpibGlobalsForThread() override;
@@ -57,16 +51,11 @@ class ScriptedBus : public GpibDriver {
   void ibtmo(int board, int code) override;
 
  private:
-  std::optional<int> ScriptedFailure(const std::string& line);
   void Plain(const std::string& line);
   std::optional<std::string> NextAnswer(int address);
 
   GpibStatusCells* cells_ = nullptr;
-  int calls_ = 0;
   int timeLimit_ = gpib::kT10s;
-  std::map<int, int> failures_;
-  std::vector<std::pair<std::string, int>> lineFailures_;
-  std::optional<int> alwaysError_;
   std::map<int, std::deque<std::optional<std::string>>> answers_;
   std::map<int, std::string> rest_;
   std::map<int, std::string> lastCommand_;

@@ -61,7 +61,7 @@ TEST_F(RunEndTest, WhicheverBusCallFailsTheRunEndsWithRfOff) {
       failing.Run();
       if (n == 0) calls = failing.bus.Calls();
       ExpectEndedWithRfOff(failing);
-      EXPECT_LE(failing.highestDbm, -6);
+      EXPECT_LE(failing.highestDbm, -5.9 + 1e-6);  // the finest step of a ramp above the calibrated level
     }
   }
 }

@@ -5,20 +5,10 @@
 #include <cmath>
 #include <limits>
 
-#include "text/RuntimeError.h"
+#include "support/ErrorOf.h"
 
 namespace hylden {
 namespace {
-
-template <class Call>
-int ErrorOf(Call call) {
-  try {
-    call();
-  } catch (const RuntimeError& error) {
-    return error.Number();
-  }
-  return 0;
-}
 
 TEST(ShortestText, DoublesKeepFifteenDigitsAndTurnToExponentsBeyondThem) {
   const struct {

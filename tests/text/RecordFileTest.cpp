@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "text/RuntimeError.h"
+#include "support/ErrorOf.h"
 
 namespace hylden {
 namespace {
@@ -75,12 +75,7 @@ TEST(RecordFile, AFaultKeepsTheFieldsBeforeItAndTellsItsNumber) {
   for (const auto& row : cases) {
     Sample sample = kSample;
     RecordReader reader(row.text);
-    try {
-      Fields(reader, sample);
-      FAIL() << row.text;
-    } catch (const RuntimeError& error) {
-      EXPECT_EQ(error.Number(), row.error) << row.text;
-    }
+    EXPECT_EQ(ErrorOf([&] { Fields(reader, sample); }), row.error) << row.text;
     EXPECT_EQ(sample.Name, "new");
     EXPECT_EQ(sample.Freq, 0.5);
     EXPECT_EQ(sample.Level, -12.5F);

@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
-#include "text/RuntimeError.h"
+#include "support/ErrorOf.h"
+#include "support/TempDir.h"
 
 namespace hylden {
 namespace {
@@ -15,50 +15,17 @@ namespace fs = std::filesystem;
 
 class TextFileTest : public testing::Test {
  protected:
-  void SetUp() override {
-    const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-    folder_ = fs::path(HYLDEN_BINARY_DIR) / "text_files" / test->name();
-    fs::remove_all(folder_);
-    fs::create_directories(folder_);
-  }
-  void TearDown() override {
-    std::error_code ignored;
-    fs::permissions(folder_, fs::perms::owner_all, ignored);
-    fs::remove_all(folder_, ignored);
-  }
-
-  std::string At(const std::string& name) const { return (folder_ / name).string(); }
-
-  std::string Put(const std::string& name, const std::string& bytes) const {
-    fs::create_directories(fs::path(At(name)).parent_path());
-    std::ofstream(At(name), std::ios::binary) << bytes;
-    return At(name);
-  }
-
-  std::string BytesOf(const std::string& name) const {
-    std::ifstream file(At(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
+  std::string At(const std::string& name) const { return folder_.File(name); }
 
   /// Names in the folder besides the given one: a leftover shows here.
   int OtherFiles(const std::string& name) const {
     int count = 0;
-    for (const auto& entry : fs::directory_iterator(folder_)) count += entry.path().filename() != name;
+    for (const auto& entry : fs::directory_iterator(folder_.Path())) count += entry.path().filename() != name;
     return count;
   }
 
-  fs::path folder_;
+  TempDir folder_;
 };
-
-template <class Call>
-int ErrorOf(Call call) {
-  try {
-    call();
-  } catch (const RuntimeError& error) {
-    return error.Number();
-  }
-  return 0;
-}
 
 TEST_F(TextFileTest, EveryLineEndCountsAndTheLastMayBeMissing) {
   using Lines = std::vector<std::string>;
@@ -75,7 +42,7 @@ TEST_F(TextFileTest, EveryLineEndCountsAndTheLastMayBeMissing) {
                 "a\n",
                 {"a"}},
                {"\xEF\xBB\xBF", {}}};
-  for (const auto& row : cases) EXPECT_EQ(ReadLines(Put("lines.txt", row.bytes)), row.lines) << row.bytes;
+  for (const auto& row : cases) EXPECT_EQ(ReadLines(folder_.Write("lines.txt", row.bytes)), row.lines) << row.bytes;
 }
 
 TEST_F(TextFileTest, ReadingPastTheLastLineIsAnError) {
@@ -88,14 +55,14 @@ TEST_F(TextFileTest, ReadingPastTheLastLineIsAnError) {
 TEST_F(TextFileTest, MissingThingsAreToldApart) {
   EXPECT_EQ(ErrorOf([&] { ReadTextFile(At("none.txt")); }), 53);
   EXPECT_EQ(ErrorOf([&] { ReadTextFile(At("nowhere/none.txt")); }), 76);
-  EXPECT_EQ(ErrorOf([&] { ReadTextFile(folder_.string()); }), 75);
+  EXPECT_EQ(ErrorOf([&] { ReadTextFile(folder_.Path()); }), 75);
   EXPECT_EQ(ErrorOf([&] { ReadTextFile(""); }), 75);
   EXPECT_EQ(ErrorOf([&] { ReadTextFile(std::string("a\0b", 3)); }), 52);
   EXPECT_EQ(ErrorOf([&] { ReadTextFile(At(std::string(300, 'x'))); }), 52);
 }
 
 TEST_F(TextFileTest, AFileBeyondTheLimitIsRefusedWithoutBeingTakenIn) {
-  fs::resize_file(Put("huge.txt", ""), (256ULL << 20) + 1);
+  fs::resize_file(folder_.Write("huge.txt", ""), (256ULL << 20) + 1);
   EXPECT_EQ(ErrorOf([&] { ReadTextFile(At("huge.txt")); }), 75);
 }
 
@@ -125,32 +92,32 @@ TEST(DecodeText, EveryByteFindsItsWayBack) {
 }
 
 TEST_F(TextFileTest, AReplacedFileKeepsItsPermissionsAndLeavesNothingBeside) {
-  Put("a.tst", "old");
+  folder_.Write("a.tst", "old");
   fs::permissions(At("a.tst"), fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read);
   ReplaceFile(At("a.tst"), "new\r\n");
-  EXPECT_EQ(BytesOf("a.tst"), "new\r\n");
+  EXPECT_EQ(folder_.Read("a.tst"), "new\r\n");
   EXPECT_EQ(fs::status(At("a.tst")).permissions(),
             fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read);
   EXPECT_EQ(OtherFiles("a.tst"), 0);
 }
 
 TEST_F(TextFileTest, ALeftoverOfAnEarlierCrashIsNoObstacle) {
-  Put(".hylden-0.tmp", "half a fi");
+  folder_.Write(".hylden-0.tmp", "half a fi");
   ReplaceFile(At("a.tst"), "new");
-  EXPECT_EQ(BytesOf("a.tst"), "new");
-  EXPECT_EQ(BytesOf(".hylden-0.tmp"), "half a fi");
+  EXPECT_EQ(folder_.Read("a.tst"), "new");
+  EXPECT_EQ(folder_.Read(".hylden-0.tmp"), "half a fi");
 }
 
 TEST_F(TextFileTest, AReadOnlyFileIsRefusedAndStaysWhole) {
-  Put("a.tst", "old");
+  folder_.Write("a.tst", "old");
   fs::permissions(At("a.tst"), fs::perms::owner_read);
   EXPECT_EQ(ErrorOf([&] { ReplaceFile(At("a.tst"), "new"); }), 70);
-  EXPECT_EQ(BytesOf("a.tst"), "old");
+  EXPECT_EQ(folder_.Read("a.tst"), "old");
   EXPECT_EQ(OtherFiles("a.tst"), 0);
 }
 
 TEST_F(TextFileTest, AFolderThatTakesNoFileFailsWithoutATrace) {
-  Put("taken/inside.txt", "");
+  folder_.Write("taken/inside.txt", "");
   EXPECT_EQ(ErrorOf([&] { ReplaceFile(At("taken"), "new"); }), 75);
   EXPECT_EQ(ErrorOf([&] { ReplaceFile(At("nowhere/a.tst"), "new"); }), 76);
   EXPECT_EQ(ErrorOf([&] { ReplaceFile(At("taken/inside.txt/a.tst"), "new"); }), 76);
@@ -160,14 +127,14 @@ TEST_F(TextFileTest, AFolderThatTakesNoFileFailsWithoutATrace) {
 }
 
 TEST_F(TextFileTest, AnUnwritableFolderIsRefusedAndTheFileStaysWhole) {
-  Put("a.tst", "old");
-  fs::permissions(folder_, fs::perms::owner_read | fs::perms::owner_exec);
+  folder_.Write("a.tst", "old");
+  fs::permissions(folder_.Path(), fs::perms::owner_read | fs::perms::owner_exec);
   if (std::ofstream(At("probe"))) {
-    fs::permissions(folder_, fs::perms::owner_all);
+    fs::permissions(folder_.Path(), fs::perms::owner_all);
     GTEST_SKIP() << "this user may write everywhere";
   }
   EXPECT_EQ(ErrorOf([&] { ReplaceFile(At("a.tst"), "new"); }), 75);
-  EXPECT_EQ(BytesOf("a.tst"), "old");
+  EXPECT_EQ(folder_.Read("a.tst"), "old");
   EXPECT_EQ(OtherFiles("a.tst"), 0);
 }
 
@@ -177,28 +144,28 @@ TEST_F(TextFileTest, AFullDiskIsToldAsSuch) {
 }
 
 TEST_F(TextFileTest, ASymbolicLinkStaysALinkToTheReplacedFile) {
-  Put("real/a.tst", "old");
+  folder_.Write("real/a.tst", "old");
   fs::create_symlink("real/a.tst", At("link.tst"));
   fs::create_symlink("link.tst", At("chain.tst"));
   ReplaceFile(At("chain.tst"), "new");
   EXPECT_TRUE(fs::is_symlink(At("link.tst")));
   EXPECT_TRUE(fs::is_symlink(At("chain.tst")));
-  EXPECT_EQ(BytesOf("real/a.tst"), "new");
+  EXPECT_EQ(folder_.Read("real/a.tst"), "new");
 }
 
 TEST_F(TextFileTest, ALinkToNothingCreatesItsTargetAndACircleIsRefused) {
   fs::create_symlink("later.tst", At("link.tst"));
   ReplaceFile(At("link.tst"), "new");
   EXPECT_TRUE(fs::is_symlink(At("link.tst")));
-  EXPECT_EQ(BytesOf("later.tst"), "new");
+  EXPECT_EQ(folder_.Read("later.tst"), "new");
   fs::create_symlink("round.tst", At("round.tst"));
   EXPECT_NE(ErrorOf([&] { ReplaceFile(At("round.tst"), "new"); }), 0);
 }
 
 TEST_F(TextFileTest, FilesAreFoundWithoutRegardToCaseAndWithEitherSeparator) {
-  Put("Cal/Sub/Ten V.CAL", "x");
-  Put("cal/other.txt", "y");
-  Put("M\xC3\x84RZ.txt", "z");
+  folder_.Write("Cal/Sub/Ten V.CAL", "x");
+  folder_.Write("cal/other.txt", "y");
+  folder_.Write("M\xC3\x84RZ.txt", "z");
   EXPECT_EQ(ReadTextFile(At("cal/sub/ten v.cal")), "x");  // not in the folder of that very name
   EXPECT_EQ(ReadTextFile(At("CAL\\SUB\\TEN V.cal")), "x");
   EXPECT_EQ(ReadTextFile(At("m\xC3\xA4rz.TXT")), "z");
@@ -207,17 +174,17 @@ TEST_F(TextFileTest, FilesAreFoundWithoutRegardToCaseAndWithEitherSeparator) {
 }
 
 TEST_F(TextFileTest, AnExactNameWinsOverOtherSpellings) {
-  Put("A.txt", "upper");
-  Put("a.txt", "lower");
+  folder_.Write("A.txt", "upper");
+  folder_.Write("a.txt", "lower");
   EXPECT_EQ(ReadTextFile(At("a.txt")), "lower");
   EXPECT_EQ(ReadTextFile(At("A.TXT")), "upper");
 }
 
 TEST_F(TextFileTest, SavingKeepsTheNameAsGivenButFindsTheFolder) {
-  Put("Tests/a.tst", "other");
+  folder_.Write("Tests/a.tst", "other");
   ReplaceFile(At("tests\\A.tst"), "new");
-  EXPECT_EQ(BytesOf("Tests/A.tst"), "new");
-  EXPECT_EQ(BytesOf("Tests/a.tst"), "other");
+  EXPECT_EQ(folder_.Read("Tests/A.tst"), "new");
+  EXPECT_EQ(folder_.Read("Tests/a.tst"), "other");
 }
 
 }  // namespace

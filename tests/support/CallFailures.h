@@ -1,0 +1,34 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace hylden {
+
+/// Which calls on a bus fail, and with which error code; a base of the buses that can fail.
+class CallFailures {
+ public:
+  /// Fails the n-th call from now (1 is the next one); registrations don't count.
+  void FailCall(int n, int error) { atCall_[calls_ + n] = error; }
+  /// Fails the next call whose transcript line begins with this text ("> 18 RF", "FIND 13", "< 13").
+  void FailLine(const std::string& beginning, int error) { atLine_.emplace_back(beginning, error); }
+  /// Fails every call from now on, as when the cable is pulled; nothing mends it.
+  void FailAlways(int error) { always_ = error; }
+
+  int Calls() const { return calls_; }
+
+ protected:
+  /// Counts a call; its error when it is to fail.
+  std::optional<int> FailureOf(const std::string& line);
+
+ private:
+  int calls_ = 0;
+  std::map<int, int> atCall_;
+  std::vector<std::pair<std::string, int>> atLine_;
+  std::optional<int> always_;
+};
+
+}  // namespace hylden
