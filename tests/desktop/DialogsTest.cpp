@@ -1,10 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QPushButton>
 
 #include "desktop/FormDriver.h"
 #include "platform/qt/QtDialogs.h"
+#include "platform/qt/QtText.h"
+#include "support/TempDir.h"
 
 namespace hylden {
 namespace {
@@ -88,6 +92,44 @@ TEST(QtDialogs, InputBoxTellsCancelFromEmptyText) {
   EXPECT_EQ(dialogs.InputBox("Level", "", "10"), std::optional<std::string>(""));
   OnModalWindow([](QWidget& box) { QTest::keyClick(&box, Qt::Key_Escape); });
   EXPECT_EQ(dialogs.InputBox("Level", "", "10"), std::nullopt);
+}
+
+TEST(QtDialogs, SavesUnderANameThatCarriesTheKindsEnding) {
+  struct Case {
+    const char* preset;
+    const char* typed;   ///< nullptr: nothing, just Save
+    const char* filter;  ///< chosen; nullptr: the first
+    const char* saved;   ///< nullptr: nothing
+  };
+  const Case cases[] = {
+      {"*.los", nullptr, nullptr, nullptr},        {"", "*.los", nullptr, nullptr},
+      {"", "cable", nullptr, "cable.los"},         {"", "cable", "Text (*.txt *.TXT)", "cable.txt"},
+      {"", "cable 1.5 m", nullptr, "cable 1.5 m"},
+  };
+  const TempDir directory;
+  const std::string folder = directory.File("");
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.typed ? c.typed : c.preset);
+    QtDialogs dialogs;
+    OnModalWindow([&](QWidget& window) {
+      auto& dialog = dynamic_cast<QFileDialog&>(window);
+      if (c.filter) dialog.selectNameFilter(QString::fromLatin1(c.filter)), emit dialog.filterSelected(c.filter);
+      if (c.typed) dialog.selectFile(QString::fromLatin1(c.typed));
+      QMetaObject::invokeMethod(&dialog, "accept");
+      if (dialog.isVisible()) dialog.reject();
+    });
+    const auto saved = dialogs.SaveFile({"Save", "Loss (*.los)|*.los|Text (*.txt)|*.txt|All|*.*", folder, c.preset});
+    ASSERT_EQ(saved.has_value(), c.saved != nullptr);
+    if (saved) {
+      EXPECT_EQ(QFileInfo(ToQt(*saved)).fileName().toStdString(), c.saved);
+    }
+  }
+  OnModalWindow([](QWidget& window) {
+    dynamic_cast<QFileDialog&>(window).selectFile(QStringLiteral("level 1.5"));
+    QMetaObject::invokeMethod(&window, "accept");
+  });
+  const auto record = QtDialogs().SaveFile({"Save", "Calibration File (*.cal)|*.cal", folder});
+  EXPECT_TRUE(record && record->ends_with("level 1.5.cal"));
 }
 
 TEST(QtDialogs, BoxOutlivesTheWindowItStandsOn) {

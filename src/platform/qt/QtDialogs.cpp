@@ -131,6 +131,17 @@ QString Patterns(const QString& patterns) {
   return both.join(QLatin1Char(' '));
 }
 
+bool IsWildcard(const QString& fileName) {
+  return fileName.isEmpty() || fileName.contains(QLatin1Char('*')) || fileName.contains(QLatin1Char('?'));
+}
+
+/// The suffix of a filter as Qt shows it, "Tables (*.los *.LOS)".
+QString SuffixOfShown(const QString& filter) {
+  const QString pattern =
+      filter.section(QLatin1Char('('), -1).section(QLatin1Char(')'), 0, 0).section(QLatin1Char(' '), 0, 0);
+  return pattern.startsWith(QLatin1String("*.")) ? pattern.mid(2) : QString();
+}
+
 }  // namespace
 
 QStringList QtFilters(std::string_view filter) {
@@ -193,10 +204,11 @@ std::optional<std::string> QtDialogs::AskForFile(QFileDialog& dialog, const File
   dialog.setAccessibleName(dialog.windowTitle());
   dialog.setDirectory(QDir(directory).exists() && !directory.isEmpty() ? directory : QDir::currentPath());
   dialog.setNameFilters(QtFilters(request.filter));
-  if (!request.fileName.empty()) dialog.selectFile(offered.fileName());
+  // A name like "*.los" tells what to look for: it is no file's name.
+  if (!IsWildcard(offered.fileName())) dialog.selectFile(offered.fileName());
   if (!Run(dialog) || !alive) return std::nullopt;
   const QStringList chosen = dialog.selectedFiles();
-  if (chosen.isEmpty()) return std::nullopt;
+  if (chosen.isEmpty() || IsWildcard(QFileInfo(chosen.first()).fileName())) return std::nullopt;
   return FromQt(QDir::toNativeSeparators(chosen.first()));
 }
 
@@ -212,7 +224,22 @@ std::optional<std::string> QtDialogs::SaveFile(const FileRequest& request) {
   dialog->setAcceptMode(QFileDialog::AcceptSave);
   dialog->setFileMode(QFileDialog::AnyFile);
   dialog->setDefaultSuffix(DefaultSuffix(request.filter));
-  return AskForFile(*dialog, request);
+  QObject::connect(&*dialog, &QFileDialog::filterSelected, &*dialog,
+                   [&](const QString& filter) { dialog->setDefaultSuffix(SuffixOfShown(filter)); });
+  const auto chosen = AskForFile(*dialog, request);
+  return chosen ? WithOnlySuffix(*chosen, request) : std::nullopt;
+}
+
+/// The dialog takes what stands behind a dot for the suffix, as in "level 1.5"; where there is only one, it is missing.
+std::optional<std::string> QtDialogs::WithOnlySuffix(const std::string& path, const FileRequest& request) {
+  const QString suffix = QLatin1Char('.') + DefaultSuffix(request.filter);
+  const bool only = suffix.size() > 1 && ToQt(request.filter).count(QLatin1Char('|')) == 1;
+  if (!only || ToQt(path).endsWith(suffix, Qt::CaseInsensitive)) return path;
+  const QString whole = ToQt(path) + suffix;
+  if (!QFileInfo::exists(whole)) return FromQt(whole);
+  const bool replace = Show({FromQt(whole) + " already exists.\nDo you want to replace it?", request.title,
+                             MessageIcon::Exclamation, MessageButtons::YesNo}) == MessageAnswer::Yes;
+  return replace ? std::optional(FromQt(whole)) : std::nullopt;
 }
 
 void QtDialogs::DefaultPointer() {

@@ -31,6 +31,7 @@ class QtDialogs : public Dialogs {
 
  private:
   bool Run(QDialog& dialog);
+  std::optional<std::string> WithOnlySuffix(const std::string& path, const FileRequest& request);
   std::optional<std::string> AskForFile(QFileDialog& dialog, const FileRequest& request);
 
   bool ending_ = false;
