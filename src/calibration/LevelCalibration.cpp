@@ -159,11 +159,11 @@ void LevelCalibration::End() {
 void LevelCalibration::AskToSave() {
   const MessageAnswer answer = shell_.dialogs.Show({"Would you like to save the calibration data?", "Save Calibration",
                                                     MessageIcon::Question, MessageButtons::YesNo});
-  wanted_ = answer == MessageAnswer::Yes;
-  if (wanted_) Save();
+  if (answer == MessageAnswer::Yes) Save();
 }
 
 bool LevelCalibration::Save() {
+  wanted_ = true;
   const auto path = shell_.dialogs.SaveFile({"Enter Calibration Filename", "Calibration File (*.cal)|*.cal",
                                              shell_.settings.GetDataDir(datakind::kCalibrations)});
   if (!path || !SaveCal(shell_, *path, CompleteRows(rows_), CalInfoOf(setup_))) return false;

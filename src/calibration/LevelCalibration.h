@@ -112,7 +112,7 @@ class LevelCalibration {
   bool running_ = false;
   bool started_ = false;  ///< the instruments came up
   bool asking_ = false;
-  bool wanted_ = false;  ///< the question whether to save was answered Yes
+  bool wanted_ = false;  ///< the operator asked for the rows to be saved
   bool saved_ = false;
   RunOutcome outcome_ = RunOutcome::NotRun;
 };

@@ -1,5 +1,7 @@
 #include "calibration/frmRunCablCal.h"
 
+#include <algorithm>
+
 #include "instruments/Instruments.h"
 #include "platform/qt/LabelText.h"
 #include "shell/Shell.h"
@@ -37,27 +39,44 @@ frmRunCablCal::frmRunCablCal(Shell& shell, Instruments& instruments, RunCablCal&
   if (!run_.Points().empty())
     CalibrationWindow::Plan({static_cast<int>(run_.Points().size()), run_.Points().front().Freq,
                              run_.Points().back().Freq, run_.Setup.Dwell});
+  ShowReadings();
 }
 
 frmRunCablCal::~frmRunCablCal() = default;
 
 void frmRunCablCal::StartPass(bool inserted) {
   RunFrom([this, inserted] {
-    const bool shown = inserted_;
     inserted_ = inserted;
     emit PassStarting(inserted);
     if (inserted)
       run_.InsertPass(*this);
     else
       run_.DirectPass(*this);
-    if (measured_ == 0) inserted_ = shown;  // nothing came of it
   });
 }
 
+bool frmRunCablCal::QueryUnload() {
+  if (!CalibrationWindow::QueryUnload()) return false;
+  bool mayClose = false;
+  Guard("QueryUnload", [&] { mayClose = run_.MayLeavePoints(); });
+  return mayClose;
+}
+
 void frmRunCablCal::Running(bool running) {
+  passing_ = running;
   EnablePasses(!running);
   CalibrationWindow::Running(running);
-  if (!running) (inserted_ ? ui_->cmdSave : ui_->cmdInsert)->setFocus();
+  if (running) return;
+  ShowReadings();
+  (inserted_ ? ui_->cmdSave : ui_->cmdInsert)->setFocus();
+}
+
+/// Every point that has been read, whichever pass it comes from.
+void frmRunCablCal::ShowReadings() {
+  const auto& points = run_.Points();
+  const auto read = std::count_if(points.begin(), points.end(), [](const CablePoint& p) { return p.HasDirect(); });
+  table_.Cut(0);
+  CalibrationWindow::RowChanged(static_cast<int>(read));
 }
 
 void frmRunCablCal::EnablePasses(bool enabled) {
@@ -74,11 +93,12 @@ void frmRunCablCal::TableCut(int rows) {
   CalibrationWindow::TableCut(rows);
 }
 
-/// Readings of an earlier pass are not shown as this one's.
+/// During a pass readings of an earlier one are not shown as this one's.
 std::string frmRunCablCal::Cell(std::size_t row, std::size_t column) const {
   if (row >= run_.Points().size()) return {};
   const CablePoint& point = run_.Points()[row];
-  const bool now = row < measured_;
+  const bool now = !passing_ || row < measured_;
+  const bool loss = (inserted_ || !passing_) && now && point.HasBoth();
   switch (column) {
     case kFrequency:
       return Format(point.Freq, "####0.0####");
@@ -87,9 +107,9 @@ std::string frmRunCablCal::Cell(std::size_t row, std::size_t column) const {
     case kDirect:
       return Text(point.Direct, "###0.0#", point.HasDirect() && (inserted_ || now));
     case kInsert:
-      return Text(point.Insert, "###0.0#", inserted_ && now && point.HasBoth());
+      return Text(point.Insert, "###0.0#", loss);
     case kLoss:
-      return Text(point.Loss, "###0.0#", inserted_ && now && point.HasBoth());
+      return Text(point.Loss, "###0.0#", loss);
     default:
       return {};
   }

@@ -28,20 +28,23 @@ class frmRunCablCal : public CalibrationWindow {
   void PassStarting(bool inserted);
 
  private:
+  bool QueryUnload() override;
   void Running(bool running) override;
   void MeterLevel(double levelDbuv) override;
   void TableCut(int rows) override;
 
   void StartPass(bool inserted);
   void EnablePasses(bool enabled);
+  void ShowReadings();
   void Save();
   std::string Cell(std::size_t row, std::size_t column) const;
 
   RunCablCal& run_;
   std::unique_ptr<Ui::frmRunCablCal> ui_;
   CalibrationTable table_;
-  bool inserted_ = false;     ///< the pass that is shown
-  std::size_t measured_ = 0;  ///< how many points this pass has measured
+  bool passing_ = false;      ///< a pass is shown, not all that was read
+  bool inserted_ = false;     ///< which one
+  std::size_t measured_ = 0;  ///< how many points it has measured
 };
 
 }  // namespace hylden

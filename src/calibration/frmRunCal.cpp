@@ -15,6 +15,7 @@ frmRunCal::frmRunCal(Shell& shell, Instruments& instruments, Documents& document
         return row < calibration_.Rows().size() ? calibration_.Rows()[row][column] : std::string();
       }) {
   ui_->setupUi(this);
+  testLevelTip_ = ui_->lblTestLevel->toolTip();
   SetUp({ui_->lblFreq, ui_->lblSigGen, ui_->lblMeterLevel, ui_->lblCountdown, ui_->lblStep, ui_->lblSteps,
          ui_->lblStart, ui_->lblStop, ui_->lblDwell, ui_->lblElapsed, ui_->lblEstTime, ui_->lblState, ui_->lblRf,
          ui_->prgSteps, ui_->flxCalData, ui_->mnuFile, ui_->cmdHalt, ui_->cmdExit},
@@ -45,13 +46,16 @@ void frmRunCal::StartAfresh() {
   for (QLabel* const label :
        {static_cast<QLabel*>(ui_->lblTestLevel), static_cast<QLabel*>(ui_->lblFwdPwr), ui_->lblCableLoss})
     ShowText(*label, QString::fromLatin1(kNoFigure));
+  ui_->lblTestLevel->setToolTip(testLevelTip_);
 }
 
 void frmRunCal::Running(bool running) {
   ui_->cmdStart->setEnabled(!running && ready_);
   CalibrationWindow::Running(running);
   EnableSave(!running);
-  if (!running) ui_->cmdStart->setFocus();
+  if (running) return;
+  const bool unsaved = !calibration_.Rows().empty() && !calibration_.RowsSaved();
+  (unsaved ? ui_->cmdSave : ui_->cmdExit)->setFocus();
 }
 
 void frmRunCal::EnableSave(bool enabled) {

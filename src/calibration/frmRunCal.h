@@ -25,7 +25,8 @@ class frmRunCal : public CalibrationWindow {
 
   const LevelCalibration& Calibration() const { return calibration_; }
   bool AsksToSave() const override { return calibration_.AsksToSave(); }
-  QString HelpTopic() const override { return QStringLiteral("Calibrating"); }
+  bool SaveMissed() const override { return calibration_.SaveMissed(); }
+  QString HelpTopic() const override { return QStringLiteral("Calibrating: the run"); }
 
  private:
   void StartAfresh() override;
@@ -40,6 +41,7 @@ class frmRunCal : public CalibrationWindow {
   std::unique_ptr<Ui::frmRunCal> ui_;
   LevelCalibration calibration_;
   CalibrationTable table_;
+  QString testLevelTip_;  ///< while there is no level to show
   bool ready_ = false;
 };
 

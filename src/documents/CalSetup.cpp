@@ -59,6 +59,7 @@ EnabledCalControls EnabledControlsFor(const CalSetupEntries& entries) {
   enabled.CalLevel = entries.LimitType == static_cast<int>(LimitType::Flat);
   enabled.LimitFile = entries.LimitType == static_cast<int>(LimitType::File);
   enabled.FwdPwrLimit = entries.LimitFwdPwr;
+  enabled.UserDefCF = entries.CouplingMethod == static_cast<int>(CouplingMethod::UserDefined);
   return enabled;
 }
 

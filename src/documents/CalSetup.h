@@ -54,6 +54,7 @@ struct EnabledCalControls {
   bool LinearStep = false, LogStep = false, ListFile = false;  ///< txtLinearStep, txtLogStep, lblListFile
   bool CalLevel = false, LimitFile = false;                    ///< txtCalLevel, lblLimitFile
   bool FwdPwrLimit = false;                                    ///< txtFwdPwrLimit
+  bool UserDefCF = false;                                      ///< txtUserDefCF
   bool operator==(const EnabledCalControls&) const = default;
 };
 EnabledCalControls EnabledControlsFor(const CalSetupEntries& entries);

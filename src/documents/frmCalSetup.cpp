@@ -94,8 +94,9 @@ void frmCalSetup::ConnectCommands() {
 }
 
 void frmCalSetup::ConnectRules() {
-  const std::initializer_list<QAbstractButton*> plain = {ui_->optLinStep, ui_->optLogStep, ui_->optListStep,
-                                                         ui_->optLimitFlat, ui_->optLimitFile};
+  const std::initializer_list<QAbstractButton*> plain = {ui_->optLinStep,   ui_->optLogStep,    ui_->optListStep,
+                                                         ui_->optLimitFlat, ui_->optLimitFile,  ui_->opt150ohm,
+                                                         ui_->opt50ohm,     ui_->opt50ohm50141, ui_->optUserDefinedCF};
   for (QAbstractButton* const button : plain)
     connect(button, &QAbstractButton::clicked, this, &frmCalSetup::EnableControls);
   ApplyRule(ui_->chkLimitFwdPwr, LimitFwdPwrClicked);
@@ -199,6 +200,7 @@ void frmCalSetup::EnableControls() {
   EnableAll(enabled.CalLevel, {ui_->txtCalLevel, ui_->lblCalLevelUnit});
   ui_->lblLimitFile->setEnabled(enabled.LimitFile);
   EnableAll(enabled.FwdPwrLimit, {ui_->txtFwdPwrLimit, ui_->lblFwdPwrUnit});
+  ui_->txtUserDefCF->setEnabled(enabled.UserDefCF);
 }
 
 void frmCalSetup::Load() {

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <QPushButton>
 #include <QTabWidget>
 #include <QTableView>
 
@@ -33,6 +34,10 @@ class CalForms : public testing::Test {
     form->OpenFrom(&caller);
     form->Load();
     return form;
+  }
+  int Questions() const {
+    return static_cast<int>(std::count_if(dialogs.messages.begin(), dialogs.messages.end(),
+                                          [](const Message& shown) { return shown.title == "Save Calibration"; }));
   }
   static std::string Cell(QWidget& form, const char* table, int row, int column) {
     const QAbstractItemModel& model = *Find<QTableView>(form, table).model();
@@ -202,37 +207,152 @@ TEST_F(CalForms, UserDefinedFactorLowersTheReadingThatIsWanted) {
   EXPECT_EQ(Cal().CouplingFactor(), 9.5);
 }
 
-TEST_F(CalForms, BothCablePassesGiveTheLoss) {
+TEST_F(CalForms, MnemonicsAreApart) {
   RunCablCal calibration(m.station.shell, m.station.instruments);
+  frmCblSetup cableSetup(m.station.shell, m.station.documents, calibration);
+  frmRunCablCal cableRun(m.station.shell, m.station.instruments, calibration);
+  const auto setup = OpenSetup();
+  for (QMainWindow* const form : std::initializer_list<QMainWindow*>{setup.get(), &cableSetup, &cableRun}) {
+    form->show();
+    ExpectMnemonicsApart(*form);
+  }
+  ExpectMnemonicsApart(*OpenRun());
+}
+
+TEST_F(CalForms, KeyHeldDownStartsNoSecondRun) {
+  const auto form = OpenRun();
+  auto& start = Find<QPushButton>(*form, "cmdStart");
+  start.setAutoDefault(true);
+  const auto press = [&](bool repeated) {
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QString(), repeated);
+    QCoreApplication::sendEvent(&start, &key);
+  };
+  press(false);
+  EXPECT_EQ(Questions(), 1);
+  press(true);
+  EXPECT_EQ(Questions(), 1);
+}
+
+TEST_F(CalForms, ClosingWindowStaysWhileItsPointsAreNotSaved) {
+  struct Case {
+    const char* name;
+    MessageAnswer wanted;
+    const char* lastFrequency;
+    bool stays;
+  };
+  for (const Case& c : {Case{"not wanted", MessageAnswer::No, "3.0", false},
+                        Case{"file dialog cancelled", MessageAnswer::Yes, "3.0", true},
+                        Case{"too few for a record", MessageAnswer::Yes, "2.0", false}}) {
+    SCOPED_TRACE(c.name);
+    const auto form = OpenRun();
+    dialogs.Answer(c.wanted);
+    m.When([&] { return TextOf(*form, "lblFreq") == c.lastFrequency && RfIsOn(); }, [&] { form->close(); });
+    Press(*form, "cmdStart");
+    QCoreApplication::processEvents();
+    EXPECT_EQ(form->isVisible(), c.stays);
+    if (!c.stays) continue;
+    EXPECT_TRUE(Find<QWidget>(*form, "cmdSave").isEnabled());
+    EXPECT_EQ(Rows(*form, "flxCalData"), 2);
+    EXPECT_TRUE(form->close());
+  }
+}
+
+/// The two passes over 1, 1.5 and 2 MHz.
+class CableForms : public CalForms {
+ protected:
+  void SetUp() override {
+    CalForms::SetUp();
+    CableSetup& setup = calibration.Setup;
+    setup.StartFreq = 1, setup.StopFreq = 2, setup.StepType = 1, setup.LogStep = 50;
+    ASSERT_TRUE(calibration.BuildPlan());
+  }
+  std::unique_ptr<frmRunCablCal> OpenPasses() {
+    auto form = std::make_unique<frmRunCablCal>(m.station.shell, m.station.instruments, calibration);
+    QObject::connect(form.get(), &frmRunCablCal::PassStarting,
+                     [&](bool inserted) { m.bench.Connect(inserted ? MeterAt::Cable : MeterAt::Generator); });
+    form->OpenFrom(&caller);
+    return form;
+  }
+
+  RunCablCal calibration{m.station.shell, m.station.instruments};
+};
+
+TEST_F(CableForms, BothPassesGiveTheLoss) {
   frmCblSetup setup(m.station.shell, m.station.documents, calibration);
   bool started = false;
   QObject::connect(&setup, &frmCblSetup::StartRequested, [&] { started = true; });
+  Find<QLineEdit>(setup, "txtStartFreq").setText("x");
   Press(setup, "cmdStart");
   EXPECT_EQ(dialogs.LastText(), "Value not a number, re-enter");
   Find<QLineEdit>(setup, "txtStartFreq").setText("1");
-  Find<QLineEdit>(setup, "txtStopFreq").setText("2");
-  Find<QLineEdit>(setup, "txtLogStep").setText("50");
   Press(setup, "cmdStart");
   ASSERT_TRUE(started);
 
-  frmRunCablCal form(m.station.shell, m.station.instruments, calibration);
-  QObject::connect(&form, &frmRunCablCal::PassStarting,
-                   [&](bool inserted) { m.bench.Connect(inserted ? MeterAt::Cable : MeterAt::Generator); });
-  form.show();
-  Press(form, "cmdInsert");
+  const auto form = OpenPasses();
+  Press(*form, "cmdInsert");
   EXPECT_EQ(dialogs.LastText(), "You must take direct readings first");
-  Press(form, "cmdDirect");
-  ASSERT_EQ(Rows(form, "lvwData"), 3);
-  EXPECT_NE(Cell(form, "lvwData", 1, 2), "");
-  EXPECT_EQ(Cell(form, "lvwData", 1, 4), "");
-  Press(form, "cmdInsert");
-  const double loss = std::stod(Cell(form, "lvwData", 1, 4));
+  Press(*form, "cmdDirect");
+  ASSERT_EQ(Rows(*form, "lvwData"), 3);
+  EXPECT_NE(Cell(*form, "lvwData", 1, 2), "");
+  EXPECT_EQ(Cell(*form, "lvwData", 1, 4), "");
+  Press(*form, "cmdInsert");
+  const double loss = std::stod(Cell(*form, "lvwData", 1, 4));
   EXPECT_NEAR(loss, m.bench.Config().CableUnderTest.At(1.5), 0.1);
   EXPECT_FALSE(RfIsOn());
   const std::string file = m.directory.File("cable.los");
   dialogs.AnswerSave(file);
-  Press(form, "cmdSave");
+  Press(*form, "cmdSave");
   EXPECT_EQ(ReadLines(file).size(), 15U);
+  EXPECT_TRUE(form->close());
+  EXPECT_FALSE(dialogs.WasShownContaining("has not been saved"));
+}
+
+TEST_F(CableForms, MeasuredLossIsNotLostByClosing) {
+  auto form = OpenPasses();
+  Press(*form, "cmdDirect");
+  dialogs.Answer(MessageAnswer::Cancel);
+  m.When([&] { return TextOf(*form, "lblFreq") == "2.0" && RfIsOn(); }, [&] { form->close(); });
+  Press(*form, "cmdInsert");
+  QCoreApplication::processEvents();
+  EXPECT_FALSE(RfIsOn());
+  EXPECT_TRUE(dialogs.WasShownContaining("has not been saved"));
+  EXPECT_TRUE(form->isVisible());
+  EXPECT_EQ(Rows(*form, "lvwData"), 2);
+
+  const std::string file = m.directory.File("cable.los");
+  dialogs.Answer(MessageAnswer::Yes);
+  dialogs.AnswerSave(file);
+  EXPECT_TRUE(form->close());
+  EXPECT_EQ(ReadLines(file).size(), 14U);
+}
+
+TEST_F(CableForms, DirectReadingsAreThereWhenTheWindowOpensAgain) {
+  auto form = OpenPasses();
+  Press(*form, "cmdDirect");
+  const std::string reading = Cell(*form, "lvwData", 2, 2);
+  EXPECT_TRUE(form->close());
+  ASSERT_TRUE(calibration.BuildPlan());
+  form = OpenPasses();
+  ASSERT_EQ(Rows(*form, "lvwData"), 3);
+  EXPECT_EQ(Cell(*form, "lvwData", 2, 2), reading);
+  calibration.Setup.StopFreq = 3;
+  ASSERT_TRUE(calibration.BuildPlan());
+  EXPECT_FALSE(calibration.Points().front().HasDirect());
+}
+
+TEST_F(CableForms, PassThatComesToNothingHidesNoReading) {
+  const auto form = OpenPasses();
+  Press(*form, "cmdDirect");
+  Press(*form, "cmdInsert");
+  const std::string loss = Cell(*form, "lvwData", 2, 4);
+  ASSERT_NE(loss, "");
+  m.bench.Inject({.Kind = FaultKind::Absent, .Who = BenchRole::Meter});
+  Press(*form, "cmdDirect");
+  EXPECT_EQ(dialogs.LastText(), "Error initializing meter");
+  ASSERT_EQ(Rows(*form, "lvwData"), 3);
+  EXPECT_EQ(Cell(*form, "lvwData", 2, 4), loss);
+  dialogs.Answer(MessageAnswer::No);
+  EXPECT_TRUE(form->close());
 }
 
 }  // namespace

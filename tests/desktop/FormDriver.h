@@ -7,6 +7,10 @@
 #include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMainWindow>
+#include <QMenuBar>
+#include <QTabBar>
+#include <QTabWidget>
 #include <QTest>
 #include <QTimer>
 #include <functional>
@@ -45,6 +49,34 @@ inline void Choose(QWidget& form, const char* name) {
 inline std::string TextOf(QWidget& form, const char* name) {
   if (auto* const box = form.findChild<QLineEdit*>(QString::fromLatin1(name))) return box->text().toStdString();
   return Find<QLabel>(form, name).text().toStdString();
+}
+
+/// What can be reached by Alt in the window as it is shown: no key is there twice.
+inline void ExpectMnemonicsShownApart(const QMainWindow& form) {
+  QStringList texts;
+  for (const QAction* menu : form.menuBar()->actions()) texts << menu->text();
+  for (const QTabBar* tabs : form.findChildren<QTabBar*>())
+    for (int tab = 0; tab < tabs->count(); ++tab) texts << tabs->tabText(tab);
+  for (const QAbstractButton* button : form.findChildren<QAbstractButton*>())
+    if (button->isVisible()) texts << button->text();
+  for (const QLabel* label : form.findChildren<QLabel*>())
+    if (label->isVisible() && label->buddy()) texts << label->text();
+  QStringList keys;
+  for (const QString& text : texts)
+    if (const QKeySequence key = QKeySequence::mnemonic(text); !key.isEmpty()) keys << key.toString();
+  EXPECT_GT(keys.size(), 5);
+  keys.sort();
+  EXPECT_EQ(keys.removeDuplicates(), 0) << form.objectName().toStdString() << ": " << keys.join(' ').toStdString();
+}
+
+/// The same for every page of the window's tabs.
+inline void ExpectMnemonicsApart(const QMainWindow& form) {
+  auto* const tabs = form.findChild<QTabWidget*>();
+  for (int page = 0; page < (tabs ? tabs->count() : 1); ++page) {
+    SCOPED_TRACE(page);
+    if (tabs) tabs->setCurrentIndex(page);
+    ExpectMnemonicsShownApart(form);
+  }
 }
 
 /// Does something with the modal window that opens next, when it is up.

@@ -223,24 +223,7 @@ TEST_F(TestDefForm, AnIncompleteStationStartsOrAnotherPageOfTheEquipmentOpens) {
 }
 
 TEST_F(TestDefForm, TwoControlsOfAPageShareAMnemonic) {
-  const auto keyOf = [](const QString& text) {
-    const QKeySequence key = QKeySequence::mnemonic(text);
-    return key.isEmpty() ? QString() : key.toString();
-  };
-  QTabWidget& tabs = Find<QTabWidget>("tabSetup");
-  for (int page = 0; page < tabs.count(); ++page) {
-    tabs.setCurrentIndex(page);
-    QStringList keys{keyOf("&File"), keyOf("&Help")};
-    for (int tab = 0; tab < tabs.count(); ++tab) keys << keyOf(tabs.tabText(tab));
-    for (const QAbstractButton* button : form().findChildren<QAbstractButton*>())
-      if (button->isVisible()) keys << keyOf(button->text());
-    for (const QLabel* label : form().findChildren<QLabel*>())
-      if (label->isVisible() && label->buddy()) keys << keyOf(label->text());
-    keys.removeAll(QString());
-    keys.sort();
-    EXPECT_EQ(keys.removeDuplicates(), 0) << page << ": " << FromQt(keys.join(' '));
-    EXPECT_GT(keys.size(), 10);
-  }
+  ExpectMnemonicsApart(form());
   EXPECT_LT(form().minimumSizeHint().height(), 700);
 }
 

@@ -305,7 +305,9 @@ TEST(CalSetupControls, ABoxThatIsNotUsedCanBeTypedInto) {
   entries.LimitFwdPwr = true;
   EXPECT_EQ(EnabledControlsFor(entries), (EnabledCalControls{.LogStep = true, .LimitFile = true, .FwdPwrLimit = true}));
   entries.StepType = 2;
+  entries.CouplingMethod = 3;
   EXPECT_TRUE(EnabledControlsFor(entries).ListFile);
+  EXPECT_TRUE(EnabledControlsFor(entries).UserDefCF);
 }
 
 TEST(CheckStation, ACalibrationStartsWithoutWhatItNeeds) {

@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QProgressBar>
 #include <QStatusBar>
@@ -23,6 +24,18 @@ namespace {
 constexpr int kRfWatchMs = 100;
 constexpr std::string_view kRange = "####0.0#####", kDwell = "##0.0##", kMinutes = "###0.0#";
 constexpr char kIdle[] = "Idle";
+
+/// A button hears a key that is held down once.
+class HeldKeyFilter : public QObject {
+ public:
+  using QObject::QObject;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    const bool repeated = event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->isAutoRepeat();
+    return repeated || QObject::eventFilter(watched, event);
+  }
+};
 
 }  // namespace
 
@@ -48,6 +61,9 @@ void CalibrationWindow::SetUp(const Controls& controls, const Patterns& patterns
     Status("Halting...");
   });
   connect(controls_.Exit, &QAbstractButton::clicked, this, &QWidget::close);
+  // A key still held down from the run before must not start the next one.
+  auto* const held = new HeldKeyFilter(this);
+  for (QAbstractButton* const button : findChildren<QAbstractButton*>()) button->installEventFilter(held);
   StartAfresh();
   Status({});
 }
@@ -99,9 +115,7 @@ void CalibrationWindow::RunFrom(const std::function<void()>& run) {
   escape_.Stop();
   inRun_ = false;
   ShowRf();
-  // Not before the press has returned: the button that was pressed goes with the form.
-  if (closePending_) QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
-  closePending_ = false;
+  CloseIfAsked();
   // It goes on to the application from its event loop, since nothing may cross the button that was pressed.
   if (programEnd)
     QMetaObject::invokeMethod(
@@ -109,11 +123,24 @@ void CalibrationWindow::RunFrom(const std::function<void()>& run) {
 }
 
 void CalibrationWindow::Guard(const char* name, const std::function<void()>& command) {
+  ++commands_;
   try {
     command();
   } catch (const std::exception& error) {
     shell_.ReportError(error, FromQt(objectName()) + "." + name);
   }
+  --commands_;
+  CloseIfAsked();
+}
+
+void CalibrationWindow::CloseIfAsked() {
+  if (inRun_ || commands_ > 0) return;
+  // Not before the press has returned: the button that was pressed goes with the form.
+  if (closePending_ && !SaveMissed())
+    QTimer::singleShot(0, this, [this] {
+      if (isVisible()) close();
+    });
+  closePending_ = false;
 }
 
 void CalibrationWindow::PressHalt() {
@@ -121,8 +148,9 @@ void CalibrationWindow::PressHalt() {
 }
 
 bool CalibrationWindow::QueryUnload() {
-  if (!inRun_) return true;
+  if (!inRun_ && commands_ == 0) return true;
   closePending_ = true;
+  if (!inRun_) return false;
   // Also where the button can't be pressed: a run that is being brought up has to see it.
   shell_.delay.RequestHalt();
   PressHalt();
@@ -148,6 +176,7 @@ void CalibrationWindow::Status(const std::string& text) {
   const QString shown = text.empty() ? QString::fromLatin1(kIdle) : ToQt(text);
   ShowText(*statusPanel_, shown);
   ShowText(*controls_.State, shown);
+  ClearCountdown();
   ShowRf();
 }
 

@@ -35,6 +35,8 @@ class CalibrationWindow : public WorkingForm, protected CalibrationDisplay {
   void PressHalt();
   /// The run is over, and the question whether to save its points stands on the screen.
   virtual bool AsksToSave() const { return false; }
+  /// Points that were to be saved are not: the window does not close by itself.
+  virtual bool SaveMissed() const { return false; }
 
  protected:
   struct Controls {
@@ -55,7 +57,7 @@ class CalibrationWindow : public WorkingForm, protected CalibrationDisplay {
   void SetUp(const Controls& controls, const Patterns& patterns, CalibrationTable& table);
   /// Runs the calibration; an exception that ends the program goes on to the application.
   void RunFrom(const std::function<void()>& run);
-  /// Runs a command; what it could not foresee is reported.
+  /// Runs a command; what it could not foresee is reported. The window closes behind its boxes, not under them.
   void Guard(const char* name, const std::function<void()>& command);
   /// Forgets the figures of the run before.
   virtual void StartAfresh();
@@ -82,6 +84,7 @@ class CalibrationWindow : public WorkingForm, protected CalibrationDisplay {
 
  private:
   void SetUpStatusBar();
+  void CloseIfAsked();
   void ShowRf();
   void ClearCountdown();
 
@@ -96,6 +99,7 @@ class CalibrationWindow : public WorkingForm, protected CalibrationDisplay {
   EscapeWatch escape_;
   QTimer rfWatch_{this};  ///< RF can go off under a message box
   bool inRun_ = false;    ///< the press that started a run has not returned yet
+  int commands_ = 0;      ///< that have not returned yet
   bool closePending_ = false;
 };
 
