@@ -2,8 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <sstream>
 #include <string>
-#include <vector>
 
 #include "platform/VirtualTime.h"
 #include "script/ScriptEngine.h"
@@ -39,17 +40,38 @@ class ScriptFixture : public testing::Test {
     }
   }
 
-  struct Row {
-    const char* expression;
-    const char* result;
-  };
-  void Expect(const std::vector<Row>& rows) {
-    for (const Row& row : rows) EXPECT_EQ(Result(row.expression), row.result) << row.expression;
+  /// Checks expressions against their results, written as rows "expression -> result | expression -> result". An error
+  /// may be given by its number alone; a line that begins with ' is a comment.
+  void Expect(const std::string& table) {
+    std::istringstream lines(table);
+    for (std::string line, row; std::getline(lines, line);) {
+      if (Trimmed(line).starts_with("'")) continue;
+      std::istringstream rows(line);
+      while (std::getline(rows, row, '|')) ExpectRow(row);
+    }
   }
 
   VirtualClock clock;
   clsHyLib library;
   ScriptEngine engine{clock};
+
+ private:
+  static std::string Trimmed(const std::string& text) {
+    const auto first = text.find_first_not_of(' ');
+    return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(' ') - first + 1);
+  }
+  void ExpectRow(const std::string& row) {
+    const auto arrow = row.find("->");
+    if (arrow == std::string::npos) {
+      EXPECT_EQ(Trimmed(row), "") << "a row without a result";
+      return;
+    }
+    const std::string expression = Trimmed(row.substr(0, arrow)), expected = Trimmed(row.substr(arrow + 2));
+    std::string result = Result(expression);
+    if (expected.starts_with("#") && expected.find(' ') == std::string::npos)
+      result.resize(std::min(result.size(), result.find(' ')));
+    EXPECT_EQ(result, expected) << expression;
+  }
 };
 
 }  // namespace hylden

@@ -1,4 +1,6 @@
+#include <iterator>
 #include <random>
+#include <vector>
 
 #include "ScriptFixture.h"
 
@@ -9,20 +11,13 @@ using Engine = ScriptFixture;
 
 TEST_F(Engine, ParsesInstrumentAnswers) {
   Answer("VALUE 72.669 DBUV");
-  Expect({
-      {"X", "VALUE 72.669 DBUV"},
-      {"Mid(x, 7, 6)", "72.669"},
-      {"RetString", "VALUE 72.669 DBUV"},
-      {"mathlib.retstring", "VALUE 72.669 DBUV"},
-      {"Split(x, \" \")(1)", "72.669"},
-      {"CDbl(Mid(x, InStr(x, \" \") + 1, 6)) + 0.5", "73.169"},
-      {"[x]", "VALUE 72.669 DBUV"},
-      {"Len(x) ' the length", "17"},
-      {"Len(x) Rem the length", "17"},
-      {"", ""},
-      {"  ", ""},
-      {"(x)", "VALUE 72.669 DBUV"},
-  });
+  Expect(R"(
+    X -> VALUE 72.669 DBUV | Mid(x, 7, 6) -> 72.669 | RetString -> VALUE 72.669 DBUV
+    mathlib.retstring -> VALUE 72.669 DBUV | Split(x, " ")(1) -> 72.669
+    CDbl(Mid(x, InStr(x, " ") + 1, 6)) + 0.5 -> 73.169 | [x] -> VALUE 72.669 DBUV | Len(x) ' the length -> 17
+    Len(x) Rem the length -> 17 | (x) -> VALUE 72.669 DBUV
+  )");
+  for (const char* nothing : {"", "  "}) EXPECT_EQ(Result(nothing), "");
   Answer("1.5E-3,0");
   EXPECT_EQ(Result("1000 * Split(x, \",\")(0)"), "1.5");
 }
@@ -46,55 +41,32 @@ TEST_F(Engine, KeepsVariablesBetweenCalls) {
 }
 
 TEST_F(Engine, RefusesWrongAssignments) {
-  EXPECT_EQ(StatementError("x ="), 1002);
-  EXPECT_EQ(StatementError("x 5"), 1011);
-  EXPECT_EQ(StatementError("5 = x"), 1024);
-  EXPECT_EQ(StatementError("If x Then"), 1024);
-  EXPECT_EQ(StatementError("x = 1 2"), 1025);
-  EXPECT_EQ(StatementError("x = 1 : y = 2"), 1025);
-  EXPECT_EQ(StatementError("Len = 5"), 501);
-  EXPECT_EQ(StatementError("vbCr = 5"), 501);
-  EXPECT_EQ(StatementError("x(1) = 5"), 501);
-  EXPECT_EQ(StatementError("Set x = 5"), 424);
-  EXPECT_EQ(StatementError("x = Nothing"), 91);
-  EXPECT_EQ(StatementError("x = MathLib"), 438);
-  EXPECT_EQ(StatementError("MathLib.Other = 5"), 438);
+  const std::pair<const char*, int> rows[] = {
+      {"x =", 1002},           {"x 5", 1011},        {"5 = x", 1024},           {"If x Then", 1024}, {"x = 1 2", 1025},
+      {"x = 1 : y = 2", 1025}, {"Len = 5", 501},     {"vbCr = 5", 501},         {"x(1) = 5", 501},   {"Set x = 5", 424},
+      {"x = Nothing", 91},     {"x = MathLib", 438}, {"MathLib.Other = 5", 438}};
+  for (const auto& [statement, error] : rows) EXPECT_EQ(StatementError(statement), error) << statement;
 }
 
 TEST_F(Engine, NamesTheErrorAsTheLanguageDoes) {
   Answer("72");
-  Expect({
-      {"Mid(x, 1", "#1006 Expected ')'"},
-      {"1 +", "#1002 Syntax error"},
-      {"* 2", "#1002 Syntax error"},
-      {"()", "#1002 Syntax error"},
-      {"Left(x,)", "#1002 Syntax error"},
-      {"If", "#1002 Syntax error"},
-      {"1 2", "#1025 Expected end of statement"},
-      {"x x", "#1025 Expected end of statement"},
-      {"1)", "#1025 Expected end of statement"},
-      {"5abc", "#1025 Expected end of statement"},
-      {"\"abc", "#1033 Unterminated string constant"},
-      {"[abc", "#1007 Expected ']'"},
-      {"MathLib.", "#1010 Expected identifier"},
-      {"1 ? 2", "#1032 Invalid character"},
-      {"1E+", "#1031 Invalid number"},
-      {"&H123456789", "#1031 Invalid number"},
-      {"#notadate#", "#1002 Syntax error"},
-      {"foo(1)", "#13 Type mismatch: 'foo'"},
-      {"MsgBox(\"hi\")", "#13 Type mismatch: 'MsgBox'"},
-      {"CreateObject(\"Scripting.FileSystemObject\")", "#13 Type mismatch: 'CreateObject'"},
-      {"x(1)", "#13 Type mismatch: 'x'"},
-      {"x.Length", "#424 Object required: 'x'"},
-      {"MathLib.Length", "#438 Object doesn't support this property or method: 'MathLib.Length'"},
-      {"MathLib", "#438 Object doesn't support this property or method"},
-      {"RetString(1)", "#450 Wrong number of arguments or invalid property assignment: 'RetString'"},
-      {"Len()", "#450 Wrong number of arguments or invalid property assignment: 'Len'"},
-      {"Now(1)", "#450 Wrong number of arguments or invalid property assignment: 'Now'"},
-      {"Null", "#94 Invalid use of Null"},
-      {"Array(1)", "#13 Type mismatch"},
-      {"Nothing", "#91 Object variable not set"},
-  });
+  Expect(R"(
+    Mid(x, 1 -> #1006 Expected ')' | 1 + -> #1002 Syntax error | * 2 -> #1002 Syntax error | () -> #1002 Syntax error
+    Left(x,) -> #1002 Syntax error | If -> #1002 Syntax error | 1 2 -> #1025 Expected end of statement
+    x x -> #1025 Expected end of statement | 1) -> #1025 Expected end of statement
+    5abc -> #1025 Expected end of statement | "abc -> #1033 Unterminated string constant | [abc -> #1007 Expected ']'
+    MathLib. -> #1010 Expected identifier | 1 ? 2 -> #1032 Invalid character | 1E+ -> #1031 Invalid number
+    &H123456789 -> #1031 Invalid number | #notadate# -> #1002 Syntax error | foo(1) -> #13 Type mismatch: 'foo'
+    MsgBox("hi") -> #13 Type mismatch: 'MsgBox'
+    CreateObject("Scripting.FileSystemObject") -> #13 Type mismatch: 'CreateObject' | x(1) -> #13 Type mismatch: 'x'
+    x.Length -> #424 Object required: 'x'
+    MathLib.Length -> #438 Object doesn't support this property or method: 'MathLib.Length'
+    MathLib -> #438 Object doesn't support this property or method
+    RetString(1) -> #450 Wrong number of arguments or invalid property assignment: 'RetString'
+    Len() -> #450 Wrong number of arguments or invalid property assignment: 'Len'
+    Now(1) -> #450 Wrong number of arguments or invalid property assignment: 'Now' | Null -> #94 Invalid use of Null
+    Array(1) -> #13 Type mismatch | Nothing -> #91 Object variable not set
+  )");
   EXPECT_EQ(Result("x"), "72") << "an error must not spoil the next parse";
 }
 
@@ -119,18 +91,15 @@ TEST_F(Engine, BoundsWhatAnExpressionMayUse) {
   EXPECT_EQ(Result(Repeat("(", 150) + "1" + Repeat(")", 150)), "1");
   EXPECT_EQ(Result("0" + Repeat("+1", many)), std::to_string(many));
   EXPECT_EQ(Result(Repeat(" ", 2000000) + "1"), "#1001 Out of memory");
-  Expect({
-      {"String(1000000000, \"a\")", "#14 Out of string space"},
-      {"Space(2000000)", "#14 Out of string space"},
-      {"Len(Space(1000000))", "1000000"},
-      {"Space(1000000) & Space(1000000)", "#14 Out of string space"},
-      {"Replace(Space(1000000), \" \", \"abc\")", "#14 Out of string space"},
-      {"Replace(Space(1000), \" \", Space(100000))", "#14 Out of string space"},
-      {"Join(Split(Space(100000)), Space(1000))", "#14 Out of string space"},
-      {"UBound(Split(Space(1000000)))", "#7 Out of memory"},
-      {"InStr(Space(500000), Space(250000) & \"x\")", "#7 Out of memory"},
-      {"InStrRev(Space(500000), \"x\" & Space(250000))", "0"},
-  });
+  Expect(R"(
+    String(1000000000, "a") -> #14 Out of string space | Space(2000000) -> #14 Out of string space
+    Len(Space(1000000)) -> 1000000 | Space(1000000) & Space(1000000) -> #14 Out of string space
+    Replace(Space(1000000), " ", "abc") -> #14 Out of string space
+    Replace(Space(1000), " ", Space(100000)) -> #14 Out of string space
+    Join(Split(Space(100000)), Space(1000)) -> #14 Out of string space
+    UBound(Split(Space(1000000))) -> #7 Out of memory | InStr(Space(500000), Space(250000) & "x") -> #7 Out of memory
+    InStrRev(Space(500000), "x" & Space(250000)) -> 0
+  )");
   std::string nested = "1";
   for (int i = 0; i < 100; ++i) nested = "Array(" + nested + ")";
   EXPECT_EQ(Result("IsArray(" + nested + ")"), "#28 Out of stack space");
@@ -139,14 +108,19 @@ TEST_F(Engine, BoundsWhatAnExpressionMayUse) {
   EXPECT_EQ(StatementError("a = Array(a)"), 28);
 }
 
+std::vector<std::string> Words(const std::string& text) {
+  std::istringstream words(text);
+  return {std::istream_iterator<std::string>(words), {}};
+}
+
 /// Writes expressions by a grammar, well-formed for the most part, with a stray token now and then.
 class Scribbler {
  public:
   explicit Scribbler(unsigned seed) : random_(seed) {}
 
   std::string Expression(int depth) {
-    static const std::vector<std::string> operators = {"+", "-",  "*",  "/",   "\\",  "^",  "&",   "=",   "<>",
-                                                       "<", ">=", "Is", "Mod", "And", "Or", "Xor", "Eqv", "Imp"};
+    static const auto operators = Words(R"(
+      + - * / \ ^ & = <> < >= Is Mod And Or Xor Eqv Imp)");
     if (depth <= 0 || Below(4) == 0) return Atom();
     switch (Below(6)) {
       case 0:
@@ -180,110 +154,21 @@ class Scribbler {
   }
 
   std::string Atom() {
-    static const std::vector<std::string> atoms = {"x",          "a",
-                                                   "unknown",    "RetString",
-                                                   "MathLib",    "MathLib.RetString",
-                                                   "0",          "-1",
-                                                   "32767",      "2147483647",
-                                                   "1E308",      "&HFFFF",
-                                                   "\"\"",       "\"72.6\"",
-                                                   "\"True\"",   "True",
-                                                   "Null",       "Empty",
-                                                   "Nothing",    "#1/5/2026#",
-                                                   "vbCrLf",     "Now",
-                                                   "Rnd",        "Array(1,,\"b\")",
-                                                   "CByte(200)", "CCur(922337203685477)",
-                                                   "CSng(3E38)", "\"yyyy\"",
-                                                   "\"ww\"",     "1000000"};
+    static const auto atoms = Words(R"(
+      x a unknown RetString MathLib MathLib.RetString 0 -1 32767 2147483647 1E308 &HFFFF "" "72.6" "True" True Null
+      Empty Nothing #1/5/2026# vbCrLf Now Rnd Array(1,,"b") CByte(200) CCur(922337203685477) CSng(3E38) "yyyy" "ww"
+      1000000)");
     return OneOf(atoms);
   }
 
   std::string FunctionCall(int depth) {
-    static const std::vector<std::string> functions = {"Abs",
-                                                       "Array",
-                                                       "Asc",
-                                                       "AscB",
-                                                       "AscW",
-                                                       "Atn",
-                                                       "CBool",
-                                                       "CByte",
-                                                       "CCur",
-                                                       "CDate",
-                                                       "CDbl",
-                                                       "Chr",
-                                                       "ChrW",
-                                                       "CInt",
-                                                       "CLng",
-                                                       "Cos",
-                                                       "CSng",
-                                                       "CStr",
-                                                       "DateAdd",
-                                                       "DateDiff",
-                                                       "DatePart",
-                                                       "DateSerial",
-                                                       "DateValue",
-                                                       "Day",
-                                                       "Escape",
-                                                       "Exp",
-                                                       "Filter",
-                                                       "Fix",
-                                                       "FormatCurrency",
-                                                       "FormatDateTime",
-                                                       "FormatNumber",
-                                                       "FormatPercent",
-                                                       "Hex",
-                                                       "Hour",
-                                                       "InStr",
-                                                       "InStrRev",
-                                                       "Int",
-                                                       "IsArray",
-                                                       "IsDate",
-                                                       "IsEmpty",
-                                                       "IsNull",
-                                                       "IsNumeric",
-                                                       "IsObject",
-                                                       "Join",
-                                                       "LBound",
-                                                       "LCase",
-                                                       "Left",
-                                                       "Len",
-                                                       "LenB",
-                                                       "Log",
-                                                       "LTrim",
-                                                       "Mid",
-                                                       "Minute",
-                                                       "Month",
-                                                       "MonthName",
-                                                       "Oct",
-                                                       "Randomize",
-                                                       "Replace",
-                                                       "RGB",
-                                                       "Right",
-                                                       "Rnd",
-                                                       "Round",
-                                                       "RTrim",
-                                                       "Second",
-                                                       "Sgn",
-                                                       "Sin",
-                                                       "Space",
-                                                       "Split",
-                                                       "Sqr",
-                                                       "StrComp",
-                                                       "String",
-                                                       "StrReverse",
-                                                       "Tan",
-                                                       "TimeSerial",
-                                                       "TimeValue",
-                                                       "Trim",
-                                                       "TypeName",
-                                                       "UBound",
-                                                       "UCase",
-                                                       "Unescape",
-                                                       "VarType",
-                                                       "Weekday",
-                                                       "WeekdayName",
-                                                       "Year",
-                                                       "unknown"};
+    static const auto functions = Words(R"(
+      Abs Array Asc AscB AscW Atn CBool CByte CCur CDate CDbl Chr ChrW CInt CLng Cos CSng CStr DateAdd DateDiff
+      DatePart DateSerial DateValue Day Escape Exp Filter Fix FormatCurrency FormatDateTime FormatNumber
+      FormatPercent Hex Hour InStr InStrRev Int IsArray IsDate IsEmpty IsNull IsNumeric IsObject Join LBound LCase
+      Left Len LenB Log LTrim Mid Minute Month MonthName Oct Randomize Replace RGB Right Rnd Round RTrim Second Sgn
+      Sin Space Split Sqr StrComp String StrReverse Tan TimeSerial TimeValue Trim TypeName UBound UCase Unescape
+      VarType Weekday WeekdayName Year unknown)");
     std::string call = OneOf(functions) + "(";
     const int count = Below(4);
     for (int i = 0; i <= count; ++i) {
