@@ -1,9 +1,15 @@
 #include "app/Desktop.h"
 
 #include <QCoreApplication>
+#include <QScreen>
 #include <QTimer>
+#include <QToolBar>
+#include <QToolButton>
+#include <algorithm>
 #include <utility>
 
+#include "bench/Bench.h"
+#include "bench/frmBench.h"
 #include "calibration/CableCalibration.h"
 #include "calibration/frmCblSetup.h"
 #include "calibration/frmRunCablCal.h"
@@ -31,13 +37,21 @@ Desktop::Desktop(Shell& shell, Instruments& instruments, Documents& documents, D
       options_(std::move(options)),
       menu_(std::make_unique<TopMenu>()),
       cableCalibration_(std::make_unique<RunCablCal>(shell, instruments)) {
-  if (options_.simulated) ShowBenchNotice(*menu_);
+  if (options_.bench) {
+    ShowBenchNotice(*menu_);
+    menu_->OfferBench();
+  }
   ShowAvailable();
   connect(menu_.get(), &TopMenu::ConfigureRequested, this, [this] { OpenEquipment(menu_.get()); });
   connect(menu_.get(), &TopMenu::CalibrationRequested, this, &Desktop::OpenCalibrationSetup);
   connect(menu_.get(), &TopMenu::RunTestRequested, this, [this] { OpenTestDefinition(); });
+  connect(menu_.get(), &TopMenu::BenchRequested, this, &Desktop::ShowBenchPanel);
   connect(menu_.get(), &TopMenu::HelpRequested, this, &Desktop::ShowHelp);
-  connect(menu_.get(), &TopMenu::Closed, this, &Desktop::Ended);
+  connect(menu_.get(), &TopMenu::Closed, this, [this] {
+    if (help_) help_->close();
+    if (benchPanel_) benchPanel_->close();
+    emit Ended();
+  });
 }
 
 Desktop::~Desktop() {
@@ -63,7 +77,7 @@ void Desktop::Open(WorkingForm* form, QWidget* caller) {
   open_.removeAll(nullptr);
   open_ << form;
   form->setWindowIcon(menu_->windowIcon());
-  if (options_.simulated) ShowBenchNotice(*form);
+  if (options_.bench) AnnounceBench(*form);
   connect(form, &WorkingForm::HelpRequested, this, &Desktop::ShowHelp);
   connect(form, &WorkingForm::Unloaded, this, [this, form] {
     open_.removeAll(form);
@@ -101,9 +115,10 @@ WorkingForm* Desktop::MakeTestDefinition() {
 }
 
 void Desktop::OpenTestRun(QWidget* caller) {
-  if (options_.onTestStart) options_.onTestStart();
+  // The product is connected, with the monitor probe around its cable.
+  Cable(MeterAt::Probe);
   auto* const form = new frmRunTest(shell_, instruments_, documents_);
-  if (options_.simulated) form->SetSimulated();
+  if (options_.bench) form->SetSimulated();
   connect(this, &Desktop::EscapePressed, form, &frmRunTest::PressHalt);
   connect(form, &frmRunTest::PrintPreviewRequested, this,
           [this, form](RunReportKind kind) { Preview([form, kind] { form->PrintReport(kind); }); });
@@ -120,7 +135,7 @@ WorkingForm* Desktop::MakeCalibrationSetup() {
 }
 
 void Desktop::OpenCalibrationRun(QWidget* caller) {
-  Cable(CalibrationCabling::Port);
+  Cable(MeterAt::Port);
   auto* const form = new frmRunCal(shell_, instruments_, documents_);
   connect(this, &Desktop::EscapePressed, form, &CalibrationWindow::PressHalt);
   calibrationRun_ = form;
@@ -139,12 +154,53 @@ void Desktop::OpenCableRun(QWidget* caller) {
   auto* const form = new frmRunCablCal(shell_, instruments_, *cableCalibration_);
   connect(this, &Desktop::EscapePressed, form, &CalibrationWindow::PressHalt);
   connect(form, &frmRunCablCal::PassStarting, this,
-          [this](bool inserted) { Cable(inserted ? CalibrationCabling::ThroughCable : CalibrationCabling::Direct); });
+          [this](bool inserted) { Cable(inserted ? MeterAt::Cable : MeterAt::Generator); });
   Open(form, caller);
 }
 
-void Desktop::Cable(CalibrationCabling cabling) {
-  if (options_.onCalibrationStart) options_.onCalibrationStart(cabling);
+void Desktop::Cable(MeterAt place) {
+  const bool byItself = !benchPanel_ || benchPanel_->CablesByItself();
+  if (options_.bench && byItself) options_.bench->Connect(place);
+}
+
+void Desktop::AnnounceBench(QMainWindow& window) {
+  ShowBenchNotice(window);
+  if (window.windowModality() != Qt::NonModal) return;  // it would keep the panel locked
+  auto* const notice = window.findChild<QToolBar*>(QStringLiteral("tbrBench"));
+  QAction* const open = notice->addAction(QStringLiteral("Bench Panel"));
+  open->setObjectName(QStringLiteral("mnuBench"));
+  open->setShortcut(Qt::CTRL | Qt::Key_B);
+  open->setToolTip(QStringLiteral("What the simulated bench is doing, and how it is cabled (Ctrl+B)"));
+  qobject_cast<QToolButton*>(notice->widgetForAction(open))->setAutoRaise(false);
+  connect(open, &QAction::triggered, this, &Desktop::ShowBenchPanel);
+}
+
+void Desktop::ShowBenchPanel() {
+  if (!options_.bench) return;
+  if (!benchPanel_) {
+    benchPanel_ = std::make_unique<frmBench>(*options_.bench);
+    benchPanel_->setWindowIcon(menu_->windowIcon());
+    ShowBenchNotice(*benchPanel_);
+    connect(benchPanel_.get(), &frmBench::HelpRequested, this, &Desktop::ShowHelp);
+    connect(benchPanel_.get(), &frmBench::EscapePressed, this, &Desktop::EscapeInBenchPanel);
+    // At the right edge of the screen it leaves the most of a run window in sight.
+    const QRect screen = benchPanel_->screen()->availableGeometry();
+    benchPanel_->move(screen.right() - benchPanel_->width(), screen.top());
+  }
+  benchPanel_->show();
+  benchPanel_->raise();
+  benchPanel_->activateWindow();
+}
+
+/// Beside a run Escape is Halt in every window; only without one it closes the panel.
+void Desktop::EscapeInBenchPanel() {
+  const bool running = std::any_of(open_.cbegin(), open_.cend(), [](const QPointer<WorkingForm>& form) {
+    return qobject_cast<frmRunTest*>(form) || qobject_cast<CalibrationWindow*>(form);
+  });
+  if (running)
+    emit EscapePressed();
+  else
+    benchPanel_->close();
 }
 
 void Desktop::ShowHelp(const QString& topic) {
@@ -190,7 +246,6 @@ void Desktop::CloseNext() {
     open_.last()->close();
     return;
   }
-  if (help_) help_->close();
   menu_->close();
 }
 

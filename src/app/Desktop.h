@@ -10,36 +10,34 @@
 
 #include "shell/StartUp.h"
 
+class QMainWindow;
 class QWidget;
 
 namespace hylden {
 
+class Bench;
 class RunCablCal;
 class Shell;
 class TopMenu;
 class WorkingForm;
+class frmBench;
 class frmEquipment;
 class frmHelp;
 class frmRunCal;
 class frmRunTest;
 struct Documents;
 struct Instruments;
-
-/// How a calibration needs its meter: at the coupling device's port, straight at the generator, through the cable.
-enum class CalibrationCabling { Port, Direct, ThroughCable };
+enum class MeterAt : int;
 
 /// What the desktop program brings along from its machine.
 struct DesktopOptions {
-  /// The bench drives the program: every window says so.
-  bool simulated = false;
+  /// The simulated bench when it drives the program: every window says so, its panel can be opened, and it is cabled
+  /// as each run needs it. It must outlive the desktop.
+  Bench* bench = nullptr;
   /// Whether another instance runs on this computer; none when empty.
   std::function<bool()> anotherInstanceRuns = {};
   /// Called whenever the station's equipment has been handed to the drivers.
   std::function<void()> onEquipmentApplied = {};
-  /// Called before a test run opens.
-  std::function<void()> onTestStart = {};
-  /// Called before a calibration measures.
-  std::function<void(CalibrationCabling cabling)> onCalibrationStart = {};
   /// Called when the program has been asked to end: boxes on the screen have to give way.
   std::function<void()> onEnding = {};
   /// Runs a print command with the preview window in the printer's place.
@@ -82,6 +80,8 @@ class Desktop : public QObject, private StartUpSteps {
   /// Connects a form to what every form may ask for, and shows it in the caller's place.
   void Open(WorkingForm* form, QWidget* caller);
   void ShowHelp(const QString& topic);
+  /// Shows the bench panel, beside the windows of the work; nothing without a bench.
+  void ShowBenchPanel();
   /// Shows what the command prints in the preview window; prints it where there is no preview.
   void Preview(const std::function<void()>& print);
 
@@ -110,7 +110,10 @@ class Desktop : public QObject, private StartUpSteps {
 
   void OpenArea(WorkingArea area);
   void OpenCableRun(QWidget* caller);
-  void Cable(CalibrationCabling cabling);
+  void Cable(MeterAt place);
+  /// The notice of the simulated bench, with a button that opens its panel.
+  void AnnounceBench(QMainWindow& window);
+  void EscapeInBenchPanel();
   void ShowAvailable();
   void CloseNext();
 
@@ -121,6 +124,7 @@ class Desktop : public QObject, private StartUpSteps {
   std::array<std::function<WorkingForm*()>, 2> makers_;
   std::unique_ptr<TopMenu> menu_;
   std::unique_ptr<frmHelp> help_;
+  std::unique_ptr<frmBench> benchPanel_;  ///< from its first opening on
   std::string helpFile_;
   QVector<QPointer<WorkingForm>> open_;
   QPointer<frmRunTest> testRun_;

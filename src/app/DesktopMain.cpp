@@ -40,18 +40,6 @@ std::unique_ptr<Bus> MakeBus(const std::string& programDirectory, const Clock& c
   return std::make_unique<Bus>(clock, ConfiguredBench(choice.BenchFile, programDirectory, dialogs));
 }
 
-MeterAt MeterFor(CalibrationCabling cabling) {
-  switch (cabling) {
-    case CalibrationCabling::Direct:
-      return MeterAt::Generator;
-    case CalibrationCabling::ThroughCable:
-      return MeterAt::Cable;
-    case CalibrationCabling::Port:
-      break;
-  }
-  return MeterAt::Port;
-}
-
 int RunDesktop(DesktopApplication& application, QtDialogs& dialogs, const std::string& commandLine) {
   ConsoleClock clock;
   QtEventLoop events(clock);
@@ -63,19 +51,9 @@ int RunDesktop(DesktopApplication& application, QtDialogs& dialogs, const std::s
   Station station(Platform{dialogs, clock, events, speaker, printer, bus->Driver()}, programDirectory);
 
   DesktopOptions options;
-  options.simulated = bus->SimulatedBench() != nullptr;
+  options.bench = bus->SimulatedBench();
   options.anotherInstanceRuns = [&] { return !instance.Claim(); };
   options.onEquipmentApplied = [&] { bus->EquipBench(station.documents.equip.Record, station.instruments); };
-  options.onTestStart = [&] {
-    // The simulated meter is cabled as the test needs it.
-    Bench* const bench = bus->SimulatedBench();
-    const bool probe = station.documents.testSetup.Definition.MonitorProbe;
-    if (bench) bench->Connect(probe ? MeterAt::Probe : MeterAt::Port);
-  };
-  options.onCalibrationStart = [&](CalibrationCabling cabling) {
-    Bench* const bench = bus->SimulatedBench();
-    if (bench) bench->Connect(MeterFor(cabling));
-  };
   options.onEnding = [&] { dialogs.BeginEnding(); };
   options.preview = [&](const std::function<void()>& print) {
     const QtPrinter::Previewing scope(printer);

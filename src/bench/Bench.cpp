@@ -67,6 +67,7 @@ void Bench::Equip(const BenchEquipment& equipment) {
 }
 
 void Bench::Connect(MeterAt place) {
+  lastDisturbance_.reset();
   Cabling cabling = world_.Cabling();
   cabling.Meter = place;
   world_.SetCabling(cabling);

@@ -50,6 +50,7 @@ class Bench {
 
   /// Puts the instruments on the bus, all as after switching on; with RF off.
   void Equip(const BenchEquipment& equipment);
+  /// Plugs the meter, as before a run: what happened to the product before is forgotten.
   void Connect(MeterAt place);
   void SetAmplifierProtection(bool on);
   void Inject(const BenchFault& fault) { bus_.Inject(fault); }
@@ -68,7 +69,7 @@ class Bench {
     double FreqMHz = 0;
     double PeakTestLevelDbuv = 0;
   };
-  /// Since the bench was equipped; nothing when the product never was.
+  /// Since the bench was equipped or the meter connected; nothing when the product never was.
   const std::optional<Disturbance>& LastDisturbance() const { return lastDisturbance_; }
   /// What stands on the bench, and the instruments as they are now; null for one that is not there.
   const BenchEquipment& Equipment() const { return equipment_; }

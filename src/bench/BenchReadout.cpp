@@ -145,8 +145,9 @@ BenchReadout ReadBench(const Bench& bench) {
 
 std::string InstrumentText(const InstrumentReadout& instrument) {
   if (!instrument.Present) return "not on the bus";
-  const std::string name = instrument.Name.empty() ? "no name" : instrument.Name;
-  return name + ", address " + std::to_string(instrument.Address) + (instrument.Listens ? "" : ": does not answer");
+  const std::string address = "Address " + std::to_string(instrument.Address);
+  if (!instrument.Listens) return address + " does not answer: " + instrument.Name;
+  return address + ": " + instrument.Name;
 }
 
 std::string ModulationText(const GeneratorState& output) {
@@ -193,7 +194,7 @@ std::string AmplifierText(const BenchReadout& bench) {
   std::string text = bench.IfiLow.Present ? "IFI pair, no band selected" : "One for all bands, not on the bus";
   if (bench.Amplifier == Amplifier::IfiLow) text = InstrumentText(bench.IfiLow);
   if (bench.Amplifier == Amplifier::IfiHigh) text = InstrumentText(bench.IfiHigh);
-  return bench.Protection ? text + "; IN PROTECTION" : text;
+  return bench.Protection ? "IN PROTECTION; " + text : text;
 }
 
 std::string ProductStateText(ProductState state) {

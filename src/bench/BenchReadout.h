@@ -68,7 +68,7 @@ struct BenchReadout {
 
 BenchReadout ReadBench(const Bench& bench);
 
-/// "Demo analyser, address 13"; says so when it is not there or does not answer.
+/// "Address 13: Demo analyser"; says so when it is not there or does not answer.
 std::string InstrumentText(const InstrumentReadout& instrument);
 /// "AM 80 %, 1 kHz"; settings that nobody made are left out.
 std::string ModulationText(const GeneratorState& output);

@@ -14,6 +14,8 @@ TopMenu::TopMenu(QWidget* parent) : QMainWindow(parent), ui_(std::make_unique<Ui
   connect(ui_->cmdConfigSys, &QPushButton::clicked, this, &TopMenu::ConfigureRequested);
   connect(ui_->cmdCalibration, &QPushButton::clicked, this, &TopMenu::CalibrationRequested);
   connect(ui_->cmdRunTest, &QPushButton::clicked, this, &TopMenu::RunTestRequested);
+  connect(ui_->cmdBench, &QPushButton::clicked, this, &TopMenu::BenchRequested);
+  ui_->cmdBench->hide();
 }
 
 TopMenu::~TopMenu() = default;
@@ -27,6 +29,10 @@ void TopMenu::SetAvailable(bool configuration, bool calibration, bool test) {
   ui_->cmdConfigSys->setEnabled(configuration);
   ui_->cmdCalibration->setEnabled(calibration);
   ui_->cmdRunTest->setEnabled(test);
+}
+
+void TopMenu::OfferBench() {
+  ui_->cmdBench->show();
 }
 
 void TopMenu::closeEvent(QCloseEvent* event) {

@@ -10,7 +10,8 @@ namespace Ui {
 class TopMenu;
 }
 
-/// The main menu: three buttons ask for the working areas, the fourth ends the program.
+/// The main menu: three buttons ask for the working areas, the fourth ends the program; on the simulated
+/// bench a fifth asks for its panel.
 class TopMenu : public QMainWindow {
   Q_OBJECT
 
@@ -22,11 +23,14 @@ class TopMenu : public QMainWindow {
   void SetTitle(const std::string& title);
   /// Disables the buttons of areas that this program has no form for.
   void SetAvailable(bool configuration, bool calibration, bool test);
+  /// Shows the button of the bench panel, which is there only when the simulated bench drives the program.
+  void OfferBench();
 
  signals:
   void ConfigureRequested();
   void CalibrationRequested();
   void RunTestRequested();
+  void BenchRequested();
   void HelpRequested(const QString& topic);
   /// The main menu has closed: the program ends.
   void Closed();

@@ -28,13 +28,13 @@ TEST(BenchReadout, NothingOnTheBusSaysSo) {
 TEST(BenchReadout, InstrumentsAfterSwitchingOn) {
   const BenchRig rig(NamedStation());
   const BenchReadout readout = ReadBench(rig.bench);
-  EXPECT_EQ(InstrumentText(readout.Generator), "Source, address 18");
+  EXPECT_EQ(InstrumentText(readout.Generator), "Address 18: Source");
   EXPECT_FALSE(readout.Output.RfOn);
   EXPECT_EQ(ModulationText(readout.Output), "none");
-  EXPECT_EQ(InstrumentText(readout.Meter), "Analyser, address 13");
+  EXPECT_EQ(InstrumentText(readout.Meter), "Address 13: Analyser");
   EXPECT_EQ(MeterSettingText(readout), "not tuned yet, up to 130.0 dBuV");
   EXPECT_EQ(ReadingText(readout.MeterReading), "nothing yet");
-  EXPECT_EQ(InstrumentText(readout.PowerMeter), "Two heads, address 14");
+  EXPECT_EQ(InstrumentText(readout.PowerMeter), "Address 14: Two heads");
   EXPECT_EQ(ReadingText(readout.PowerReadings[0]), "nothing yet");
   EXPECT_EQ(AmplifierText(readout), "One for all bands, not on the bus");
 }
@@ -43,7 +43,7 @@ TEST(BenchReadout, InstrumentTakenOffTheBusDoesNotAnswer) {
   BenchRig rig(NamedStation());
   rig.bench.Inject({FaultKind::Absent, BenchRole::Meter, 1});
   rig.Send(13, "TS");
-  EXPECT_EQ(InstrumentText(ReadBench(rig.bench).Meter), "Analyser, address 13: does not answer");
+  EXPECT_EQ(InstrumentText(ReadBench(rig.bench).Meter), "Address 13 does not answer: Analyser");
   EXPECT_TRUE(ReadBench(rig.bench).Generator.Listens);
 }
 
@@ -134,11 +134,11 @@ TEST(BenchReadout, IfiPairShowsTheBandThatAmplifies) {
   BenchRig rig(station);
   EXPECT_EQ(AmplifierText(ReadBench(rig.bench)), "IFI pair, no band selected");
   rig.Send(10, "9\r\n"), rig.Send(9, "ZA\r\n"), rig.Send(9, "B1\r\n");
-  EXPECT_EQ(AmplifierText(ReadBench(rig.bench)), "IFI low band, address 10");
+  EXPECT_EQ(AmplifierText(ReadBench(rig.bench)), "Address 10: IFI low band");
   rig.Send(9, "ON\r\n"), rig.Send(9, "B2\r\n");
-  EXPECT_EQ(AmplifierText(ReadBench(rig.bench)), "IFI high band, address 9");
+  EXPECT_EQ(AmplifierText(ReadBench(rig.bench)), "Address 9: IFI high band");
   rig.bench.SetAmplifierProtection(true);
-  EXPECT_EQ(AmplifierText(ReadBench(rig.bench)), "IFI high band, address 9; IN PROTECTION");
+  EXPECT_EQ(AmplifierText(ReadBench(rig.bench)), "IN PROTECTION; Address 9: IFI high band");
 }
 
 /// A product that is disturbed from 140 dBuV below 50 MHz, from 150 dBuV above.
@@ -206,6 +206,8 @@ TEST(BenchReadout, KeepsWhereTheProductWasDisturbedLast) {
   ASSERT_TRUE(last);
   EXPECT_EQ(last->FreqMHz, 10);
   EXPECT_NEAR(last->PeakTestLevelDbuv, 141, 0.01);
+  rig.bench.Connect(MeterAt::Probe);
+  EXPECT_FALSE(ReadBench(rig.bench).Product.LastDisturbance) << "the next run begins afresh";
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <QSignalSpy>
 
 #include "app/Station.h"
+#include "bench/Bench.h"
 #include "desktop/FormDriver.h"
 #include "documents/frmEquipment.h"
 #include "shell/TopMenu.h"
@@ -46,6 +47,7 @@ class DesktopTest : public testing::Test {
   WorkingDirectory here{t.directory.Path()};
   Instruments instruments{t.shell};
   Documents documents{t.shell, instruments};
+  Bench bench{t.clock};
   std::unique_ptr<Desktop> desktop;
   bool ended = false;
 };
@@ -106,7 +108,7 @@ TEST_F(DesktopTest, AreaWithoutAFormCanNotBeOpened) {
 TEST_F(DesktopTest, BenchIsAnnouncedOnEveryWindow) {
   desktop->Start("");
   EXPECT_EQ(desktop->Menu().findChild<QLabel*>("lblBench"), nullptr);
-  MakeDesktop({.simulated = true});
+  MakeDesktop({.bench = &bench});
   desktop->Start("");
   EXPECT_TRUE(Find<QLabel>(desktop->Menu(), "lblBench").isVisible());
   Press(desktop->Menu(), "cmdConfigSys");

@@ -31,7 +31,7 @@ class DesktopRun : public testing::Test {
   void StartProgram(AnyDialogs& dialogs, std::function<void()> onEnding = {}) {
     m = std::make_unique<BenchMachine>(dialogs);
     DesktopOptions options;
-    options.simulated = true;
+    options.bench = &m->bench;
     options.onEquipmentApplied = [this] { m->PutOnTheBench(); };
     options.onEnding = std::move(onEnding);
     desktop = std::make_unique<Desktop>(m->station.shell, m->station.instruments, m->station.documents, options);

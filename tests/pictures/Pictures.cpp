@@ -23,6 +23,7 @@
 #include "app/Desktop.h"
 #include "app/Station.h"
 #include "bench/BenchConfig.h"
+#include "bench/frmBench.h"
 #include "documents/frmCalSetup.h"
 #include "documents/frmTestDef.h"
 #include "platform/VirtualTime.h"
@@ -125,13 +126,16 @@ class DuringTheRun {
     if (stage_ == 0 && run_.Engine().CurrentStepNumber() == 20) {
       tour_.Grab(run_, "test-run");
       tour_.Grab(Window("frmRunButtons"), "run-controls");
-      Tour::Press(Window("frmRunButtons"), "cmdManual");
       stage_ = 1;
-    } else if (stage_ == 1 && IsManual()) {
-      QWidget& manual = Window("frmManual");
-      Find<QScrollBar>(manual, "scrFreqStep").setValue(18);
-      Find<QScrollBar>(manual, "scrDbOffset").setValue(-25);
+    } else if (stage_ == 1 && run_.Engine().CurrentStepNumber() == 49) {
+      Tour::Press(Window("frmRunButtons"), "cmdManual");
       stage_ = 2;
+    } else if (stage_ == 2 && IsManual()) {
+      // 12 MHz, where the demo product is at its weakest.
+      QWidget& manual = Window("frmManual");
+      Find<QScrollBar>(manual, "scrFreqStep").setValue(47);
+      Find<QScrollBar>(manual, "scrDbOffset").setValue(25);
+      stage_ = 3;
       QTimer::singleShot(1200, [this] { MarkThreshold(); });
     }
     looking_ = false;
@@ -143,8 +147,14 @@ class DuringTheRun {
       if (window->isVisible() && window->objectName() == QLatin1String("frmManual")) return true;
     return false;
   }
+  void PicturePanel() {
+    auto& panel = dynamic_cast<frmBench&>(Window("frmBench"));
+    panel.Refresh();
+    tour_.Grab(panel, "bench-panel");
+  }
   void MarkThreshold() {
     tour_.Grab(Window("frmManual"), "manual-mode");
+    PicturePanel();
     tour_.OnBox("Threshold Comment", "threshold-comment", [](QWidget& box) {
       box.findChild<QLineEdit*>()->setText(QStringLiteral("display flickers"));
       dynamic_cast<QDialog&>(box).accept();
@@ -200,7 +210,7 @@ int TakePictures(const QString& output) {
   Bus bus(clock, LoadBenchFile("bench.txt").Config);
   Station station(Platform{dialogs, clock, events, speaker, printer, bus.Driver()}, home.path().toStdString());
   DesktopOptions options;
-  options.simulated = true;
+  options.bench = bus.SimulatedBench();
   options.onEquipmentApplied = [&] { bus.EquipBench(station.documents.equip.Record, station.instruments); };
   Desktop desktop(station.shell, station.instruments, station.documents, options);
   Tour tour(output);
@@ -224,6 +234,7 @@ int TakePictures(const QString& output) {
   auto& run = dynamic_cast<frmRunTest&>(Window("frmRunTest"));
   tour.Grab(run, "test-run-ready");
 
+  desktop.ShowBenchPanel();
   DuringTheRun during(tour, run);
   events.onYield = [&] { during.Look(); };
   tour.OnBox("MAKE SURE!!!", "run-confirmation", QMessageBox::Ok);
