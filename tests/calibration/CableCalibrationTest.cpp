@@ -5,6 +5,7 @@
 
 #include "calibration/CalibrationRig.h"
 #include "measure/InterpClass.h"
+#include "support/Refusals.h"
 #include "text/TextFile.h"
 
 namespace hylden {
@@ -23,34 +24,27 @@ CableSetupEntries OneToTen() {
 }
 
 TEST(CableSetupTest, ABadEntryIsTakenOrTheWrongBoxIsShown) {
-  const struct {
-    std::function<void(CableSetupEntries&)> change;
-    const char* control;
-    Kind reason;
-  } cases[] = {
-      {[](auto& e) { e = {}; }, "txtStartFreq", Kind::NotANumber},
-      {[](auto& e) { e.StopFreq = e.Level = "x"; }, "txtStopFreq", Kind::NotANumber},
-      {[](auto& e) { e.LinearStep = ""; }, "txtLinearStep", Kind::NotANumber},
-      {[](auto& e) { e.StepType = 1, e.LogStep = "1%"; }, "txtLogStep", Kind::NotANumber},
-      {[](auto& e) { e.Dwell = "x", e.StartFreq = "0"; }, "txtDwell", Kind::NotANumber},
-      {[](auto& e) { e.Level = "x"; }, "txtLev", Kind::NotANumber},
-      {[](auto& e) { e.StartFreq = "0"; }, "txtStartFreq", Kind::OutOfRange},
-      {[](auto& e) { e.StopFreq = "1"; }, "txtStopFreq", Kind::OutOfRange},
-      {[](auto& e) { e.StepType = 1, e.LogStep = "0"; }, "txtLogStep", Kind::OutOfRange},
-      {[](auto& e) { e.LinearStep = "0"; }, "txtLinearStep", Kind::OutOfRange},
-      {[](auto& e) { e.Dwell = "-1"; }, "txtDwell", Kind::OutOfRange},
-      {[](auto& e) { e.Level = "-1e39"; }, "txtLev", Kind::OutOfRange},
+  constexpr auto kNumber = Kind::NotANumber, kOutside = Kind::OutOfRange;
+  constexpr Refusal<CableSetupEntries> refusals[] = {
+      {[](auto& e) { e = {}; }, "txtStartFreq", -1, kNumber},
+      {[](auto& e) { e.StopFreq = e.Level = "x"; }, "txtStopFreq", -1, kNumber},
+      {[](auto& e) { e.LinearStep = ""; }, "txtLinearStep", -1, kNumber},
+      {[](auto& e) { e.StepType = 1, e.LogStep = "1%"; }, "txtLogStep", -1, kNumber},
+      {[](auto& e) { e.Dwell = "x", e.StartFreq = "0"; }, "txtDwell", -1, kNumber},
+      {[](auto& e) { e.Level = "x"; }, "txtLev", -1, kNumber},
+      {[](auto& e) { e.StartFreq = "0"; }, "txtStartFreq", -1, kOutside},
+      {[](auto& e) { e.StopFreq = "1"; }, "txtStopFreq", -1, kOutside},
+      {[](auto& e) { e.StepType = 1, e.LogStep = "0"; }, "txtLogStep", -1, kOutside},
+      {[](auto& e) { e.LinearStep = "0"; }, "txtLinearStep", -1, kOutside},
+      {[](auto& e) { e.Dwell = "-1"; }, "txtDwell", -1, kOutside},
+      {[](auto& e) { e.Level = "-1e39"; }, "txtLev", -1, kOutside},
   };
-  for (const auto& c : cases) {
-    CableSetupEntries entries = OneToTen();
-    c.change(entries);
+  ExpectRefused(refusals, OneToTen(), [](const CableSetupEntries& entries) {
     CableSetup setup;
     const auto failure = ValidateCableSetup(entries, setup);
-    ASSERT_TRUE(failure) << c.control;
-    EXPECT_EQ(failure->Control, c.control);
-    EXPECT_EQ(failure->Reason, c.reason) << c.control;
-    EXPECT_EQ(setup.StopFreq, 0) << c.control;
-  }
+    EXPECT_EQ(setup.StopFreq, 0);
+    return failure;
+  });
 }
 
 TEST(CableSetupTest, AGoodSetupIsRefusedOrShownDifferently) {

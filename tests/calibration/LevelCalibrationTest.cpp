@@ -104,6 +104,27 @@ INSTANTIATE_TEST_SUITE_P(
                                 rig.setup.FwdPwrLimit = 9.9F;  // 40 dBm are 10 W
                               },
                               "Forward power limit exceeded", 0},
+                    LimitCase{"LimitInTheMiddle",
+                              [](CalibrationRig& rig) {
+                                rig.setup.LimitFwdPwr = 1;
+                                rig.setup.FwdPwrLimit = 15;
+                                rig.levels = {120.25, 120.25};
+                                rig.gainErrorDb[4] = 3;  // 43 dBm are 20 W
+                              },
+                              "Forward power limit exceeded", 2},
+                    LimitCase{"GeneratorsOwnMaximum",
+                              [](CalibrationRig& rig) {
+                                rig.setup.MaxLevel = 100;
+                                rig.levels = {120.25, 120.25};
+                                rig.portDb = 90;
+                              },
+                              "Level requested outside of range of instrument", 2},
+                    LimitCase{"MeterFails",
+                              [](CalibrationRig& rig) {
+                                rig.levels = {120.25};
+                                Redefine(rig.meter, [](auto& d) { d.MaximumFreq = 1.5; });
+                              },
+                              "Frequency requested exceeds meter's capability. ", 1},
                     LimitCase{"NoHeadroom",
                               [](CalibrationRig& rig) {
                                 rig.setup.LimitFwdPwr = 1;

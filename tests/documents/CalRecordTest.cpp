@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <limits>
 
 #include "documents/CalInfo.h"
@@ -67,6 +68,14 @@ TEST_F(CalRecordTest, AFailedSaveCostsTheRecordThatWasThere) {
   const Rows two{one[0], one[0]};
   EXPECT_FALSE(SaveCal(t.shell, t.directory.File("x.dat"), two, kInfo));
   EXPECT_FALSE(t.directory.Exists("x.dat"));
+
+  // A record of two halves would replay new levels under the old amplifier.
+  const std::string info = t.directory.Write("x.hyinfo", "kept");
+  std::filesystem::permissions(info, std::filesystem::perms::owner_read);
+  EXPECT_FALSE(SaveCal(t.shell, t.directory.File("x.cal"), two, kInfo));
+  EXPECT_TRUE(t.dialogs.LastText().ends_with("\rfrmRunCal.SaveCal\r" + info));
+  EXPECT_EQ(t.directory.Read("x.cal") + t.directory.Read("x.hyinfo"), "keptkept");
+
   const std::string nowhere = t.directory.File("nowhere/x.cal");
   EXPECT_FALSE(SaveCal(t.shell, nowhere, two, kInfo));
   EXPECT_TRUE(t.dialogs.LastText().ends_with("\rfrmRunCal.SaveCal\r" + nowhere));

@@ -1,0 +1,112 @@
+// What an operator may rely on whatever a calibration meets: RF off, readings true, nothing lost, one run at a time.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "calibration/CalibrationRig.h"
+
+namespace hylden {
+namespace {
+
+using testing::ElementsAre;
+
+class RunSafetyTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    CableSetup& cable = rig.cable.Setup;
+    cable.StartFreq = 1, cable.StopFreq = 4, cable.StepType = 1, cable.LogStep = 100;
+    ASSERT_TRUE(rig.cable.BuildPlan());
+  }
+
+  CalibrationRig rig;
+};
+
+TEST_F(RunSafetyTest, AHaltWhileARunComesUpCostsThePointsOfTheOneBefore) {
+  rig.Run();
+  const auto rows = rig.Rows();
+  ASSERT_EQ(rows.size(), 3U);
+  rig.bus.transcript.Clear();
+  rig.t.events.onYield = [&] { rig.t.shell.delay.RequestHalt(); };
+  rig.level.Run();
+  EXPECT_EQ(rig.Rows(), rows);
+  EXPECT_EQ(rig.level.Outcome(), RunOutcome::EndedEarly);
+  EXPECT_THAT(rig.bus.Lines(), testing::Not(testing::Contains("> 18 OUTP ON")));
+}
+
+TEST_F(RunSafetyTest, APowerReadAfterRfWentOffIsRecorded) {
+  rig.setup.RecordRevPwr = 1;
+  rig.levels = {120.25, 120.25, 120.25};
+  int readings = 0;
+  rig.bus.transcript.onLine = [&, follow = rig.bus.transcript.onLine](const std::string& line) {
+    follow(line);
+    if (line != "> 7 BR?" || ++readings != 3) return;
+    // As when the program is asked to end.
+    rig.t.shell.delay.RequestHalt();
+    rig.instruments.sigGen.SilenceRf();
+  };
+  rig.Run();
+  ASSERT_EQ(rig.Rows().size(), 3U);
+  EXPECT_EQ(rig.level.Rows()[2][4], "");
+  EXPECT_EQ(CompleteRows(rig.level.Rows()).size(), 2U);
+}
+
+TEST_F(RunSafetyTest, RfStaysOnWhileAnInstrumentsFailureIsTold) {
+  const struct {
+    const char* line;
+    const char* text;
+  } failures[] = {{"> 13 TS", "Error triggering meter"},
+                  {"> 13 CF 1.", "Error writing to meter"},
+                  {"> 13 MA?", "Error"},
+                  {"> 18 OUTP ON", "Error setting SigGen RF on. "}};
+  for (const bool cable : {false, true})
+    for (const auto& failure : failures) {
+      SCOPED_TRACE(failure.line);
+      rig.t.dialogs.Clear();
+      rig.rfOnAtMessage = false;
+      rig.bus.FailLine(failure.line, gpib::kEnol);
+      cable ? rig.cable.DirectPass(rig.display) : rig.Run();
+      EXPECT_TRUE(rig.t.dialogs.WasShownContaining("ibsta"));
+      EXPECT_FALSE(rig.rfOnAtMessage);
+      EXPECT_FALSE(rig.rfOn);
+    }
+}
+
+TEST_F(RunSafetyTest, AFailureOnTheWayToSafetyHidesTheFirst) {
+  rig.levels = {120.25};
+  rig.onMeterRead = [&](double) { rig.bus.FailAlways(gpib::kEnol); };
+  rig.Run();
+  const auto texts = rig.t.dialogs.Texts();
+  ASSERT_GT(texts.size(), 2U);
+  EXPECT_EQ(texts[0].find("RF off"), std::string::npos) << texts[0];
+  EXPECT_TRUE(rig.t.dialogs.WasShownContaining("RF off"));  // from taking the instruments down
+}
+
+TEST_F(RunSafetyTest, TwoRunsShareTheInstruments) {
+  bool within = false;
+  rig.onMeterRead = [&](double) {
+    if (within) return;
+    within = true;
+    rig.cable.DirectPass(rig.display);
+  };
+  rig.Run();
+  EXPECT_EQ(rig.Shown("Another run is using the instruments"), 1);
+  EXPECT_EQ(rig.level.Outcome(), RunOutcome::Finished);
+  EXPECT_EQ(rig.cable.Outcome(), RunOutcome::NotRun);
+  rig.cable.DirectPass(rig.display);
+  EXPECT_EQ(rig.cable.Outcome(), RunOutcome::Finished);
+}
+
+TEST_F(RunSafetyTest, AnInsertPassLeavesReadingsOfTheOneBefore) {
+  rig.cable.DirectPass(rig.display);
+  rig.cable.InsertPass(rig.display);
+  rig.display.steps.clear();
+  rig.t.events.onYield = [&] {
+    if (!rig.display.steps.empty()) rig.t.shell.delay.RequestHalt();
+  };
+  rig.cable.InsertPass(rig.display);
+  ASSERT_EQ(rig.cable.Points().size(), 3U);
+  for (const CablePoint& point : rig.cable.Points()) EXPECT_EQ(point.HasBoth(), point.Freq == 1) << point.Freq;
+}
+
+}  // namespace
+}  // namespace hylden
