@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
@@ -55,8 +56,10 @@ Control& Find(QWidget& window, const char* name) {
   return *control;
 }
 
+/// The windows' own timers run on real time: a table follows its last row a moment later.
 void Settle() {
-  for (int i = 0; i < 5; ++i) QApplication::processEvents();
+  QElapsedTimer time;
+  for (time.start(); time.elapsed() < 80;) QApplication::processEvents(QEventLoop::AllEvents, 10);
 }
 
 class Tour {
