@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "documents/RoundTrip.h"
+#include "support/Refusals.h"
 #include "support/ScriptedBus.h"
 #include "support/TestShell.h"
 #include "text/TextFile.h"
@@ -138,90 +139,41 @@ TEST_F(CalSetupTest, AListDoesNotSetTheRange) {
   EXPECT_EQ(setup.Record.StopFreq, 45.5);
 }
 
-struct FailureCase {
-  const char* name;
-  std::function<void(Entries&)> change;
-  const char* control;
-  int tab;
-  Kind reason;
-};
-
-class CalRefusalTest : public testing::TestWithParam<FailureCase> {};
-
-TEST_P(CalRefusalTest, ABadEntryIsTakenOrTheWrongBoxIsShown) {
-  Entries entries = EntriesOf(TenVolts()).Entries;
-  GetParam().change(entries);
-  CalSetupRecord setup;
-  double factor = 0;
-  const auto failure = ValidateCalSetup(entries, true, setup, factor);
-  ASSERT_TRUE(failure);
-  EXPECT_EQ(failure->Control, GetParam().control);
-  EXPECT_EQ(failure->Tab, GetParam().tab);
-  EXPECT_EQ(failure->Reason, GetParam().reason);
-  EXPECT_FALSE(ValidateCalSetup(entries, false, setup, factor));
+TEST(CalSetupValidation, ABadEntryIsTakenOrTheWrongBoxIsShown) {
+  constexpr auto kNumber = Kind::NotANumber, kOutside = Kind::OutOfRange, kMessage = Kind::Message;
+  constexpr Refusal<Entries> refusals[] = {
+      {[](auto& e) { e.StartFreq = "x"; }, "txtStartFreq", 0, kNumber},
+      {[](auto& e) { e.StopFreq = ""; }, "txtStopFreq", 0, kNumber},
+      {[](auto& e) { e.StepType = 0, e.LinearStep = "x"; }, "txtLinearStep", 0, kNumber},
+      {[](auto& e) { e.LogStep = "1%"; }, "txtLogStep", 0, kNumber},
+      {[](auto& e) { e.CalLevel = "10v"; }, "txtCalLevel", 1, kNumber},
+      {[](auto& e) { e.MaxLevel = "x"; }, "txtMaxLev", 1, kNumber},
+      {[](auto& e) { e.MaxStep = "x"; }, "txtMaxStep", 1, kNumber},
+      {[](auto& e) { e.InitLevel = "x"; }, "txtInitLev", 1, kNumber},
+      {[](auto& e) { e.RecordFwdPwr = e.LimitFwdPwr = true, e.FwdPwrLimit = ""; }, "txtFwdPwrLimit", 1, kNumber},
+      {[](auto& e) { e.FinalDwell = "x"; }, "txtFinalDwell", 1, kNumber},
+      {[](auto& e) { e.CouplingMethod = 3, e.UserDefCF = "x"; }, "txtUserDefCF", 2, kNumber},
+      {[](auto& e) { e.StartFreq = "0", e.FinalDwell = "x"; }, "txtFinalDwell", 1, kNumber},
+      {[](auto& e) { e.StartFreq = "0"; }, "txtStartFreq", 0, kOutside},
+      {[](auto& e) { e.StopFreq = "0.15"; }, "txtStopFreq", 0, kOutside},
+      {[](auto& e) { e.LogStep = "0"; }, "txtLogStep", 0, kOutside},
+      {[](auto& e) { e.StepType = 0, e.LinearStep = "-1"; }, "txtLinearStep", 0, kOutside},
+      {[](auto& e) { e.StepType = 2, e.ListFile = ""; }, "lblListFile", 0, kMessage},
+      {[](auto& e) { e.LimitType = 1, e.LimitFile = ""; }, "lblLimitFile", 1, kMessage},
+      {[](auto& e) { e.CalLevel = "0"; }, "txtCalLevel", 1, kOutside},
+      {[](auto& e) { e.InitLevel = "7"; }, "txtInitLev", 1, kOutside},
+      {[](auto& e) { e.MaxLevel = "1e39"; }, "txtMaxLev", 1, kOutside},
+      {[](auto& e) { e.MaxStep = "0"; }, "txtMaxStep", 1, kOutside},
+      {[](auto& e) { e.RecordFwdPwr = e.LimitFwdPwr = true, e.FwdPwrLimit = "0"; }, "txtFwdPwrLimit", 1, kOutside},
+      {[](auto& e) { e.FinalDwell = "-1"; }, "txtFinalDwell", 1, kOutside},
+  };
+  ExpectRefused(refusals, EntriesOf(TenVolts()).Entries, [](Entries& entries) {
+    CalSetupRecord setup;
+    double factor = 0;
+    EXPECT_FALSE(ValidateCalSetup(entries, false, setup, factor)) << "closing the form refuses nothing";
+    return ValidateCalSetup(entries, true, setup, factor);
+  });
 }
-
-constexpr auto kNumber = Kind::NotANumber;
-constexpr auto kOutside = Kind::OutOfRange;
-constexpr auto kMessage = Kind::Message;
-
-void Linear(Entries& e, const char* step) {
-  e.StepType = 0;
-  e.LinearStep = step;
-}
-void Limit(Entries& e, const char* watts) {
-  e.RecordFwdPwr = e.LimitFwdPwr = true;
-  e.FwdPwrLimit = watts;
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Entries, CalRefusalTest,
-    testing::Values(FailureCase{"Start", [](Entries& e) { e.StartFreq = "x"; }, "txtStartFreq", 0, kNumber},
-                    FailureCase{"Stop", [](Entries& e) { e.StopFreq = ""; }, "txtStopFreq", 0, kNumber},
-                    FailureCase{"LinearStep", [](Entries& e) { Linear(e, "x"); }, "txtLinearStep", 0, kNumber},
-                    FailureCase{"LogStep", [](Entries& e) { e.LogStep = "1%"; }, "txtLogStep", 0, kNumber},
-                    FailureCase{"Level", [](Entries& e) { e.CalLevel = "10v"; }, "txtCalLevel", 1, kNumber},
-                    FailureCase{"MaxLevel", [](Entries& e) { e.MaxLevel = "x"; }, "txtMaxLev", 1, kNumber},
-                    FailureCase{"MaxStep", [](Entries& e) { e.MaxStep = "x"; }, "txtMaxStep", 1, kNumber},
-                    FailureCase{"InitLevel", [](Entries& e) { e.InitLevel = "x"; }, "txtInitLev", 1, kNumber},
-                    FailureCase{"Limit", [](Entries& e) { Limit(e, ""); }, "txtFwdPwrLimit", 1, kNumber},
-                    FailureCase{"Dwell", [](Entries& e) { e.FinalDwell = "x"; }, "txtFinalDwell", 1, kNumber},
-                    FailureCase{"Factor",
-                                [](Entries& e) {
-                                  e.CouplingMethod = 3;
-                                  e.UserDefCF = "x";
-                                },
-                                "txtUserDefCF", 2, kNumber},
-                    FailureCase{"NumbersBeforeRanges",
-                                [](Entries& e) {
-                                  e.StartFreq = "0";
-                                  e.FinalDwell = "x";
-                                },
-                                "txtFinalDwell", 1, kNumber},
-                    FailureCase{"StartZero", [](Entries& e) { e.StartFreq = "0"; }, "txtStartFreq", 0, kOutside},
-                    FailureCase{"StopEqualsStart", [](Entries& e) { e.StopFreq = "0.15"; }, "txtStopFreq", 0, kOutside},
-                    FailureCase{"LogStepZero", [](Entries& e) { e.LogStep = "0"; }, "txtLogStep", 0, kOutside},
-                    FailureCase{"LinearStepZero", [](Entries& e) { Linear(e, "-1"); }, "txtLinearStep", 0, kOutside},
-                    FailureCase{"NoList",
-                                [](Entries& e) {
-                                  e.StepType = 2;
-                                  e.ListFile = "";
-                                },
-                                "lblListFile", 0, kMessage},
-                    FailureCase{"NoLevelFile",
-                                [](Entries& e) {
-                                  e.LimitType = 1;
-                                  e.LimitFile = "";
-                                },
-                                "lblLimitFile", 1, kMessage},
-                    FailureCase{"LevelZero", [](Entries& e) { e.CalLevel = "0"; }, "txtCalLevel", 1, kOutside},
-                    FailureCase{"InitIsMax", [](Entries& e) { e.InitLevel = "7"; }, "txtInitLev", 1, kOutside},
-                    FailureCase{"HugeMax", [](Entries& e) { e.MaxLevel = "1e39"; }, "txtMaxLev", 1, kOutside},
-                    FailureCase{"MaxStepZero", [](Entries& e) { e.MaxStep = "0"; }, "txtMaxStep", 1, kOutside},
-                    FailureCase{"LimitZero", [](Entries& e) { Limit(e, "0"); }, "txtFwdPwrLimit", 1, kOutside},
-                    FailureCase{"DwellNegative", [](Entries& e) { e.FinalDwell = "-1"; }, "txtFinalDwell", 1,
-                                kOutside}),
-    [](const auto& row) { return row.param.name; });
 
 TEST(CalSetupValidation, AHiddenBoxIsCheckedOrAGoodEntryRefused) {
   Entries entries = EntriesOf(TenVolts()).Entries;

@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "documents/TestSetup.h"
+#include "support/Refusals.h"
 #include "text/RecordFile.h"
 
 namespace hylden {
@@ -25,117 +26,51 @@ Entries GoodEntries() {
   return EntriesOf(test);
 }
 
-struct FailureCase {
-  const char* name;
-  std::function<void(Entries&)> change;
-  const char* control;
-  int tab;
-  Kind reason;
-};
-
-class RefusalTest : public testing::TestWithParam<FailureCase> {};
-
-TEST_P(RefusalTest, ABadEntryIsTakenOrTheWrongBoxIsShown) {
-  Entries entries = GoodEntries();
-  GetParam().change(entries);
+TEST(TestValidationTest, ABadEntryIsTakenOrTheWrongBoxIsShown) {
+  constexpr auto kNumber = Kind::NotANumber, kOutside = Kind::OutOfRange;
+  constexpr Refusal<Entries> refusals[] = {
+      {[](auto& e) { e.StartFreq = "x"; }, "txtStartFreq", 0, kNumber},
+      {[](auto& e) { e.StopFreq = ""; }, "txtStopFreq", 0, kNumber},
+      {[](auto& e) { e.LinearStep = "."; }, "txtLinearStep", 0, kNumber},
+      {[](auto& e) { e.LogStep = "1%"; }, "txtLogStep", 0, kNumber},
+      {[](auto& e) { e.SweepDwell = "-"; }, "txtSweepDwell", 0, kNumber},
+      {[](auto& e) { e.DiscreteDwell = "x"; }, "txtDiscreteDwell", 0, kNumber},
+      {[](auto& e) { e.AmDepth = "x"; }, "txtAmDepth", 1, kNumber},
+      {[](auto& e) { e.AmModFreq = "x"; }, "txtAmModFreq", 1, kNumber},
+      {[](auto& e) { e.FmDev = "x"; }, "txtFmDev", 1, kNumber},
+      {[](auto& e) { e.FmModFreq = "x"; }, "txtFmModFreq", 1, kNumber},
+      {[](auto& e) { e.PulseWidth = "x"; }, "txtPulseWidth", 1, kNumber},
+      {[](auto& e) { e.PulsePeriod = "x"; }, "txtPulsePeriod", 1, kNumber},
+      {[](auto& e) { e.InitLevOffset = "x"; }, "txtInitLevOffset", 3, kNumber},
+      {[](auto& e) { e.LevelInc = "x"; }, "txtLevelInc", 3, kNumber},
+      {[](auto& e) { e.ExtrapolateTo = "x"; }, "txtExtrapolateTo", 2, kNumber},
+      {[](auto& e) { e.InterDwell = "x"; }, "txtInterDwell", 3, kNumber},
+      {[](auto& e) { e.LimitMargin = "x"; }, "txtLimitMargin", 3, kNumber},
+      {[](auto& e) { e.LimitMargin = e.AmDepth = "x"; }, "txtAmDepth", 1, kNumber},
+      {[](auto& e) { e.MonitorProbe = true, e.EUTCircuitImpedance = "x"; }, "txtEUTCircuitImpedance", 3, kNumber},
+      {[](auto& e) { e.StartFreq = "0"; }, "txtStartFreq", 0, kOutside},
+      {[](auto& e) { e.StopFreq = ".15"; }, "txtStopFreq", 0, kOutside},
+      {[](auto& e) { e.StartFreq = "300", e.StopFreq = "400"; }, "txtStartFreq", 0, kOutside},
+      {[](auto& e) { e.LinStep = true, e.LogStepChosen = false, e.LinearStep = "0"; }, "txtLinearStep", 0, kOutside},
+      {[](auto& e) { e.LogStep = "-1"; }, "txtLogStep", 0, kOutside},
+      {[](auto& e) { e.SweepDwell = "-1"; }, "txtSweepDwell", 0, kOutside},
+      {[](auto& e) { e.FreqList = true, e.DiscreteDwell = "-1"; }, "txtDiscreteDwell", 0, kOutside},
+      {[](auto& e) { e.ModType = 1, e.AmDepth = "0", e.AmModFreq = "1"; }, "txtAmDepth", 1, kOutside},
+      {[](auto& e) { e.ModType = 1, e.AmDepth = "100.5", e.AmModFreq = "1"; }, "txtAmDepth", 1, kOutside},
+      {[](auto& e) { e.ModType = 1, e.AmDepth = "80", e.AmModFreq = "0"; }, "txtAmModFreq", 1, kOutside},
+      {[](auto& e) { e.ModType = 2, e.FmDev = "0", e.FmModFreq = "1"; }, "txtFmDev", 1, kOutside},
+      {[](auto& e) { e.ModType = 2, e.FmDev = "1", e.FmModFreq = "0"; }, "txtFmModFreq", 1, kOutside},
+      {[](auto& e) { e.ModType = 3, e.PulsePeriod = "0", e.PulseWidth = "0"; }, "txtPulsePeriod", 1, kOutside},
+      {[](auto& e) { e.ModType = 3, e.PulsePeriod = "1", e.PulseWidth = "0"; }, "txtPulseWidth", 1, kOutside},
+      {[](auto& e) { e.FmDev = "1E39"; }, "txtFmDev", 1, kOutside},
+      {[](auto& e) { e.InitLevOffset = "-6"; }, "txtLevelInc", 3, kOutside},
+      {[](auto& e) { e.Extrapolate = true; }, "txtExtrapolateTo", 2, kOutside},
+      {[](auto& e) { e.InterDwell = "-.1"; }, "txtInterDwell", 3, kOutside},
+      {[](auto& e) { e.MonitorProbe = true, e.EUTCircuitImpedance = "-1"; }, "txtEUTCircuitImpedance", 3, kOutside},
+  };
   TestDefinition test;
-  const TestValidation validation = ValidateTestDefinition(entries, kRange, test);
-  ASSERT_TRUE(validation.Failure);
-  EXPECT_EQ(validation.Failure->Control, GetParam().control);
-  EXPECT_EQ(validation.Failure->Tab, GetParam().tab);
-  EXPECT_EQ(validation.Failure->Reason, GetParam().reason);
+  ExpectRefused(refusals, GoodEntries(), [&](Entries& e) { return ValidateTestDefinition(e, kRange, test).Failure; });
 }
-
-const auto kNumber = Kind::NotANumber;
-const auto kOutside = Kind::OutOfRange;
-
-INSTANTIATE_TEST_SUITE_P(
-    Numbers, RefusalTest,
-    testing::Values(
-        FailureCase{"Start", [](Entries& e) { e.StartFreq = "x"; }, "txtStartFreq", 0, kNumber},
-        FailureCase{"Stop", [](Entries& e) { e.StopFreq = ""; }, "txtStopFreq", 0, kNumber},
-        FailureCase{"LinearStep", [](Entries& e) { e.LinearStep = "."; }, "txtLinearStep", 0, kNumber},
-        FailureCase{"LogStep", [](Entries& e) { e.LogStep = "1%"; }, "txtLogStep", 0, kNumber},
-        FailureCase{"SweepDwell", [](Entries& e) { e.SweepDwell = "-"; }, "txtSweepDwell", 0, kNumber},
-        FailureCase{"DiscreteDwell", [](Entries& e) { e.DiscreteDwell = "x"; }, "txtDiscreteDwell", 0, kNumber},
-        FailureCase{"AmDepth", [](Entries& e) { e.AmDepth = "x"; }, "txtAmDepth", 1, kNumber},
-        FailureCase{"AmModFreq", [](Entries& e) { e.AmModFreq = "x"; }, "txtAmModFreq", 1, kNumber},
-        FailureCase{"FmDev", [](Entries& e) { e.FmDev = "x"; }, "txtFmDev", 1, kNumber},
-        FailureCase{"FmModFreq", [](Entries& e) { e.FmModFreq = "x"; }, "txtFmModFreq", 1, kNumber},
-        FailureCase{"PulseWidth", [](Entries& e) { e.PulseWidth = "x"; }, "txtPulseWidth", 1, kNumber},
-        FailureCase{"PulsePeriod", [](Entries& e) { e.PulsePeriod = "x"; }, "txtPulsePeriod", 1, kNumber},
-        FailureCase{"InitLevOffset", [](Entries& e) { e.InitLevOffset = "x"; }, "txtInitLevOffset", 3, kNumber},
-        FailureCase{"LevelInc", [](Entries& e) { e.LevelInc = "x"; }, "txtLevelInc", 3, kNumber},
-        FailureCase{"ExtrapolateTo", [](Entries& e) { e.ExtrapolateTo = "x"; }, "txtExtrapolateTo", 2, kNumber},
-        FailureCase{"InterDwell", [](Entries& e) { e.InterDwell = "x"; }, "txtInterDwell", 3, kNumber},
-        FailureCase{"Margin", [](Entries& e) { e.LimitMargin = "x"; }, "txtLimitMargin", 3, kNumber},
-        FailureCase{"FirstOfTwo", [](Entries& e) { e.LimitMargin = e.AmDepth = "x"; }, "txtAmDepth", 1, kNumber},
-        FailureCase{"Impedance",
-                    [](Entries& e) {
-                      e.MonitorProbe = true;
-                      e.EUTCircuitImpedance = "x";
-                    },
-                    "txtEUTCircuitImpedance", 3, kNumber}),
-    [](const auto& row) { return row.param.name; });
-
-void ChooseAm(Entries& e, const char* depth, const char* frequency) {
-  e.ModType = 1;
-  e.AmDepth = depth;
-  e.AmModFreq = frequency;
-}
-void ChooseFm(Entries& e, const char* deviation, const char* frequency) {
-  e.ModType = 2;
-  e.FmDev = deviation;
-  e.FmModFreq = frequency;
-}
-void ChoosePulse(Entries& e, const char* period, const char* width) {
-  e.ModType = 3;
-  e.PulsePeriod = period;
-  e.PulseWidth = width;
-}
-void ChooseLinear(Entries& e, const char* step) {
-  e.LinStep = true;
-  e.LogStepChosen = false;
-  e.LinearStep = step;
-}
-void ChooseList(Entries& e, const char* dwell) {
-  e.FreqList = true;
-  e.DiscreteDwell = dwell;
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Ranges, RefusalTest,
-    testing::Values(
-        FailureCase{"StartZero", [](Entries& e) { e.StartFreq = "0"; }, "txtStartFreq", 0, kOutside},
-        FailureCase{"StopAtStart", [](Entries& e) { e.StopFreq = ".15"; }, "txtStopFreq", 0, kOutside},
-        FailureCase{"StartAboveTheRecord",
-                    [](Entries& e) {
-                      e.StartFreq = "300";
-                      e.StopFreq = "400";
-                    },
-                    "txtStartFreq", 0, kOutside},
-        FailureCase{"LinearStepZero", [](Entries& e) { ChooseLinear(e, "0"); }, "txtLinearStep", 0, kOutside},
-        FailureCase{"LogStepNegative", [](Entries& e) { e.LogStep = "-1"; }, "txtLogStep", 0, kOutside},
-        FailureCase{"SweepDwellNegative", [](Entries& e) { e.SweepDwell = "-1"; }, "txtSweepDwell", 0, kOutside},
-        FailureCase{"ListDwellNegative", [](Entries& e) { ChooseList(e, "-1"); }, "txtDiscreteDwell", 0, kOutside},
-        FailureCase{"DepthZero", [](Entries& e) { ChooseAm(e, "0", "1"); }, "txtAmDepth", 1, kOutside},
-        FailureCase{"DepthAbove100", [](Entries& e) { ChooseAm(e, "100.5", "1"); }, "txtAmDepth", 1, kOutside},
-        FailureCase{"AmFreqZero", [](Entries& e) { ChooseAm(e, "80", "0"); }, "txtAmModFreq", 1, kOutside},
-        FailureCase{"FmDevZero", [](Entries& e) { ChooseFm(e, "0", "1"); }, "txtFmDev", 1, kOutside},
-        FailureCase{"FmFreqZero", [](Entries& e) { ChooseFm(e, "1", "0"); }, "txtFmModFreq", 1, kOutside},
-        FailureCase{"PeriodZero", [](Entries& e) { ChoosePulse(e, "0", "0"); }, "txtPulsePeriod", 1, kOutside},
-        FailureCase{"WidthZero", [](Entries& e) { ChoosePulse(e, "1", "0"); }, "txtPulseWidth", 1, kOutside},
-        FailureCase{"SingleOverflow", [](Entries& e) { e.FmDev = "1E39"; }, "txtFmDev", 1, kOutside},
-        FailureCase{"OffsetWithoutStep", [](Entries& e) { e.InitLevOffset = "-6"; }, "txtLevelInc", 3, kOutside},
-        FailureCase{"AdjustUpwards", [](Entries& e) { e.Extrapolate = true; }, "txtExtrapolateTo", 2, kOutside},
-        FailureCase{"InterDwellNegative", [](Entries& e) { e.InterDwell = "-.1"; }, "txtInterDwell", 3, kOutside},
-        FailureCase{"ImpedanceNegative",
-                    [](Entries& e) {
-                      e.MonitorProbe = true;
-                      e.EUTCircuitImpedance = "-1";
-                    },
-                    "txtEUTCircuitImpedance", 3, kOutside}),
-    [](const auto& row) { return row.param.name; });
 
 TEST(TestValidationTest, AMissingChoiceGivesTheWrongMessage) {
   struct Row {
@@ -153,11 +88,7 @@ TEST(TestValidationTest, AMissingChoiceGivesTheWrongMessage) {
       {[](Entries& e) { e.CalFile = ""; }, kRange, 2, "No calibration setup file specified!"},
       {[](Entries& e) { e.FreqSweep = false; }, kRange, 0,
        "Either a swept frequency test or \r\na discrete frequency test must be specified"},
-      {[](Entries& e) {
-         e.FreqList = true;
-         e.ListFile = "";
-       },
-       kRange, 0, "No frequency list file specified"},
+      {[](Entries& e) { e.FreqList = true, e.ListFile = ""; }, kRange, 0, "No frequency list file specified"},
   };
   for (const Row& row : rows) {
     Entries entries = GoodEntries();
@@ -223,13 +154,10 @@ TEST(TestValidationTest, AnEntryIsStoredDifferently) {
 
 TEST(TestValidationTest, TheEdgeOfARangeIsRefused) {
   const std::function<void(Entries&)> changes[] = {
-      [](Entries& e) { ChooseAm(e, "100", "0.001"); },
-      [](Entries& e) { ChoosePulse(e, "1", "5"); },  // wider than its period
+      [](Entries& e) { e.ModType = 1, e.AmDepth = "100", e.AmModFreq = "0.001"; },
+      [](Entries& e) { e.ModType = 3, e.PulsePeriod = "1", e.PulseWidth = "5"; },  // wider than its period
       [](Entries& e) { e.StopFreq = "230"; },
-      [](Entries& e) {
-        e.MonitorProbe = true;
-        e.EUTCircuitImpedance = "0";
-      },
+      [](Entries& e) { e.MonitorProbe = true, e.EUTCircuitImpedance = "0"; },
       [](Entries& e) { e.LinStep = e.LogStepChosen = false; },
   };
   for (const auto& change : changes) {
@@ -278,7 +206,7 @@ TEST(TestValidationTest, WhatWasReadBeforeAFailureIsLostOrWhatFollowsIsTaken) {
 TEST(TestValidationTest, AnUntouchedFormChangesTheDefinition) {
   TestDefinition test;
   Entries entries = GoodEntries();
-  ChooseAm(entries, "33.3", "0.4");
+  entries.ModType = 1, entries.AmDepth = "33.3", entries.AmModFreq = "0.4";
   entries.ModOffBetweenFreqs = entries.UseAMdepth = true;
   ASSERT_FALSE(ValidateTestDefinition(entries, kRange, test).Failure);
   TestDefinition again = test;
