@@ -40,8 +40,8 @@ bool Load(ConsoleStation& station) {
     return false;
   }
   if (!Validate(station)) return false;
-  // The simulated meter is cabled as the test needs it.
-  if (documents.testSetup.Definition.MonitorProbe) station.ConnectMeter(MeterAt::Probe);
+  // The product is connected, with the monitor probe around its cable.
+  station.ConnectMeter(MeterAt::Probe);
   return true;
 }
 

@@ -1,6 +1,6 @@
 #include "app/Desktop.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QScreen>
 #include <QTimer>
 #include <QToolBar>
@@ -77,6 +77,8 @@ void Desktop::Open(WorkingForm* form, QWidget* caller) {
   open_.removeAll(nullptr);
   open_ << form;
   form->setWindowIcon(menu_->windowIcon());
+  // Above a modal form another one would be locked, and the forms behind it open to a second run.
+  if (caller && caller->windowModality() != Qt::NonModal) form->setWindowModality(Qt::ApplicationModal);
   if (options_.bench) AnnounceBench(*form);
   connect(form, &WorkingForm::HelpRequested, this, &Desktop::ShowHelp);
   connect(form, &WorkingForm::Unloaded, this, [this, form] {
@@ -215,6 +217,10 @@ void Desktop::ShowHelp(const QString& topic) {
     help->setWindowIcon(menu_->windowIcon());
     help_ = std::move(help);
   }
+  // Beside a modal form only a modal window can be read; the kind changes while it is hidden.
+  const auto modality = QApplication::activeModalWidget() ? Qt::ApplicationModal : Qt::NonModal;
+  if (help_->windowModality() != modality) help_->hide();
+  help_->setWindowModality(modality);
   help_->show();
   help_->OpenTopic(topic);
   help_->raise();

@@ -51,6 +51,14 @@ inline std::string TextOf(QWidget& form, const char* name) {
   return Find<QLabel>(form, name).text().toStdString();
 }
 
+/// The window of this kind that is on the screen; null when there is none.
+template <class Form>
+Form* OpenWindow() {
+  for (QWidget* const window : QApplication::topLevelWidgets())
+    if (auto* const form = qobject_cast<Form*>(window); form && form->isVisible()) return form;
+  return nullptr;
+}
+
 /// What can be reached by Alt in the window as it is shown: no key is there twice.
 inline void ExpectMnemonicsShownApart(const QMainWindow& form) {
   QStringList texts;

@@ -18,13 +18,6 @@
 namespace hylden {
 namespace {
 
-template <class Form>
-Form* OpenWindow() {
-  for (QWidget* const window : QApplication::topLevelWidgets())
-    if (auto* const form = qobject_cast<Form*>(window); form && form->isVisible()) return form;
-  return nullptr;
-}
-
 class DesktopRun : public testing::Test {
  protected:
   template <class AnyDialogs>

@@ -14,7 +14,8 @@ void WorkingForm::OpenFrom(QWidget* caller) {
   show();
   raise();
   activateWindow();
-  if (caller && windowModality() == Qt::NonModal) caller->hide();
+  // What a modal form stands above stays in sight, locked.
+  if (caller && windowModality() == caller->windowModality()) caller->hide();
 }
 
 void WorkingForm::closeEvent(QCloseEvent* event) {

@@ -1,0 +1,143 @@
+// The calibrations among the program's windows: from the main menu to their files and back, and the end of the program
+// in the middle of them.
+
+#include <gmock/gmock.h>
+
+#include <QSignalSpy>
+
+#include "app/Desktop.h"
+#include "calibration/frmCblSetup.h"
+#include "calibration/frmRunCablCal.h"
+#include "calibration/frmRunCal.h"
+#include "desktop/RunForms.h"
+#include "documents/frmCalSetup.h"
+#include "documents/frmEquipment.h"
+#include "shell/TopMenu.h"
+#include "text/TextFile.h"
+
+namespace hylden {
+namespace {
+
+class CalibrationDesktop : public testing::Test {
+ protected:
+  void SetUp() override {
+    DesktopOptions options;
+    options.bench = &m.bench;
+    options.onEquipmentApplied = [this] { m.PutOnTheBench(); };
+    desktop = std::make_unique<Desktop>(m.station.shell, m.station.instruments, m.station.documents, options);
+    desktop->Provide(WorkingArea::Calibration, [this] { return desktop->MakeCalibrationSetup(); });
+    ASSERT_TRUE(desktop->Start("\"/e:station.eqp\""));
+    ASSERT_TRUE(m.station.documents.calSetup.LoadDef("cdn-10v.csu"));
+    CalSetupRecord& setup = m.station.documents.calSetup.Record;
+    setup.StartFreq = 1, setup.StopFreq = 3, setup.StepType = 0;
+  }
+  void TearDown() override {
+    desktop.reset();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  }
+  /// The form that is opened next by a click.
+  template <class Form>
+  Form& Opened() {
+    QCoreApplication::processEvents();
+    Form* const form = OpenWindow<Form>();
+    if (!form) throw std::runtime_error("no window opened");
+    return *form;
+  }
+  bool RfIsOn() { return m.bench.State().Generator.RfOn; }
+  MeterAt Cabled() { return m.bench.State().Cabling.Meter; }
+
+  FakeDialogs dialogs;
+  BenchMachine m{dialogs};
+  std::unique_ptr<Desktop> desktop;
+};
+
+TEST_F(CalibrationDesktop, MainMenuLeadsToARecordAndBack) {
+  m.bench.Connect(MeterAt::Generator);
+  desktop->OpenCalibrationSetup();
+  Press(Opened<frmCalSetup>(), "cmdStart");
+  auto& run = Opened<frmRunCal>();
+  EXPECT_EQ(OpenWindow<frmCalSetup>(), nullptr);
+  EXPECT_EQ(Cabled(), MeterAt::Port);
+  EXPECT_TRUE(Find<QLabel>(run, "lblBench").isVisible());
+  dialogs.AnswerSave(m.directory.File("whole.cal"));
+  Press(run, "cmdStart");
+  EXPECT_EQ(ReadLines(m.directory.File("whole.cal")).size(), 3U);
+  Press(run, "cmdExit");
+  Press(Opened<frmCalSetup>(), "cmdExit");
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(desktop->Menu().isVisible());
+}
+
+TEST_F(CalibrationDesktop, MissingCableLossIsMeasuredFromTheModalEquipmentForm) {
+  m.station.documents.equip.Record.CableLossFile.clear();
+  desktop->OpenCalibrationSetup();
+  auto& setup = Opened<frmCalSetup>();
+  Press(setup, "cmdStart");
+  EXPECT_EQ(dialogs.LastText(), "No cable loss file has been selected");
+  auto& equipment = Opened<frmEquipment>();
+  EXPECT_EQ(QApplication::activeModalWidget(), &equipment);
+  Choose(equipment, "mnuUtilInsertLoss");
+  auto& cable = Opened<frmCblSetup>();
+  EXPECT_EQ(QApplication::activeModalWidget(), &cable);
+  Type(cable, "txtStartFreq", "1");
+  Type(cable, "txtStopFreq", "2");
+  Type(cable, "txtLogStep", "50");
+  Press(cable, "cmdStart");
+  auto& passes = Opened<frmRunCablCal>();
+  // The calibration setup behind it could start a second run on the same generator.
+  EXPECT_EQ(QApplication::activeModalWidget(), &passes);
+  Press(passes, "cmdDirect");
+  EXPECT_EQ(Cabled(), MeterAt::Generator);
+  Press(passes, "cmdInsert");
+  EXPECT_EQ(Cabled(), MeterAt::Cable);
+  dialogs.AnswerSave(m.directory.File("cable.los"));
+  Press(passes, "cmdSave");
+  EXPECT_EQ(ReadLines(m.directory.File("cable.los")).size(), 15U);
+  Press(passes, "cmdExit");
+  Press(Opened<frmCblSetup>(), "cmdExit");
+  EXPECT_EQ(&Opened<frmEquipment>(), &equipment);
+  EXPECT_EQ(QApplication::activeModalWidget(), &equipment);
+}
+
+TEST_F(CalibrationDesktop, EndOfTheProgramHaltsALevelRunAndKeepsItsQuestionStanding) {
+  desktop->OpenCalibrationSetup();
+  Press(Opened<frmCalSetup>(), "cmdStart");
+  auto& run = Opened<frmRunCal>();
+  dialogs.AnswerSave(m.directory.File("ended.cal"));
+  dialogs.onShow = [&](const Message& message) {
+    if (message.title != "Save Calibration") return;
+    EXPECT_FALSE(RfIsOn());
+    desktop->CloseAll();  // again, while the question stands
+    QCoreApplication::processEvents();
+    EXPECT_NE(OpenWindow<frmRunCal>(), nullptr) << "its points would be gone";
+  };
+  m.When([&] { return TextOf(run, "lblFreq") == "3.0" && RfIsOn(); },
+         [&] {
+           desktop->CloseAll();
+           EXPECT_FALSE(RfIsOn());
+         });
+  QSignalSpy ended(desktop.get(), &Desktop::Ended);
+  Press(run, "cmdStart");
+  for (int turn = 0; turn < 20 && ended.isEmpty(); ++turn) QCoreApplication::processEvents();
+  EXPECT_EQ(ReadLines(m.directory.File("ended.cal")).size(), 2U);
+  EXPECT_EQ(ended.count(), 1);
+}
+
+TEST_F(CalibrationDesktop, EndOfTheProgramHaltsACablePass) {
+  desktop->OpenCableSetup(&desktop->Menu());
+  auto& cable = Opened<frmCblSetup>();
+  Type(cable, "txtStartFreq", "1");
+  Type(cable, "txtStopFreq", "2");
+  Type(cable, "txtLogStep", "50");
+  Press(cable, "cmdStart");
+  auto& passes = Opened<frmRunCablCal>();
+  m.When([&] { return TextOf(passes, "lblFreq") == "2.0" && RfIsOn(); }, [&] { desktop->CloseAll(); });
+  QSignalSpy ended(desktop.get(), &Desktop::Ended);
+  Press(passes, "cmdDirect");
+  for (int turn = 0; turn < 20 && ended.isEmpty(); ++turn) QCoreApplication::processEvents();
+  EXPECT_FALSE(RfIsOn());
+  EXPECT_EQ(ended.count(), 1);
+}
+
+}  // namespace
+}  // namespace hylden
