@@ -75,95 +75,62 @@ TEST_F(LevelCalibrationTest, TheLevelCurveIsNotFollowed) {
   EXPECT_THAT(targets, ElementsAre("120.00", "126.02", "129.54"));
 }
 
-struct LimitCase {
-  const char* name;
-  std::function<void(CalibrationRig&)> arrange;
+struct EndCase {
+  void (*arrange)(CalibrationRig&);
   const char* text;
   std::size_t rows;
 };
 
-class RunEndsTest : public testing::TestWithParam<LimitCase> {};
-
-TEST_P(RunEndsTest, WithAnotherMessageOrRfOnOrPointsLost) {
-  CalibrationRig rig;
-  GetParam().arrange(rig);
-  rig.Run();
-  EXPECT_EQ(rig.level.Outcome(), RunOutcome::EndedEarly);
-  EXPECT_EQ(rig.Shown(GetParam().text), 1) << rig.t.dialogs.Texts().front();
-  EXPECT_EQ(rig.t.dialogs.messages.size(), 2U);
-  EXPECT_EQ(rig.t.dialogs.LastText(), "Would you like to save the calibration data?");
-  EXPECT_FALSE(rig.rfOnAtMessage);
-  EXPECT_EQ(rig.Rows().size(), GetParam().rows);
+TEST_F(LevelCalibrationTest, ARunEndsWithAnotherMessageOrRfOnOrPointsLost) {
+  const EndCase cases[] = {
+      // 40 dBm are 10 W, 43 dBm 20 W
+      {[](auto& r) { r.setup.LimitFwdPwr = 1, r.setup.FwdPwrLimit = 9.9F; }, "Forward power limit exceeded", 0},
+      {[](auto& r) {
+         r.setup.LimitFwdPwr = 1, r.setup.FwdPwrLimit = 15, r.levels = {120.25, 120.25}, r.gainErrorDb[4] = 3;
+       },
+       "Forward power limit exceeded", 2},
+      {[](auto& r) {
+         r.setup.MaxLevel = 100, r.levels = {120.25, 120.25}, r.portDb = 90;
+       },
+       "Level requested outside of range of instrument", 2},
+      {[](auto& r) { r.levels = {120.25}, Redefine(r.meter, [](auto& d) { d.MaximumFreq = 1.5; }); },
+       "Frequency requested exceeds meter's capability. ", 1},
+      // 12.5 W are 0.969 dB above 10 W
+      {[](auto& r) {
+         r.setup.LimitFwdPwr = 1, r.setup.FwdPwrLimit = 12.5F, r.levels = {120.25, 120.5 - 0.98 * 1.5};
+       },
+       "Not able to increase power the necessary amount, check setup", 1},
+      {[](auto& r) {
+         r.levels = {120.25, 120.25}, r.portDb = 100;
+       },
+       "Level requested is higher than defined in the calibrations setup", 2},
+      {[](auto& r) {
+         r.levels = {120.25, 142};
+       },
+       "The level is above the meter's maximum level, check setup", 1},
+      // a coarse generator: 118.7 or 120.7 dBuV
+      {[](auto& r) { r.stepDbm = 2, r.portDb = 125.7; },
+       "The level does not settle within the tolerance band, check setup", 0},
+      // 1, 3 and 5 MHz, the last beyond the table
+      {[](auto& r) {
+         r.equipment.CableLossFile = r.t.directory.Write("short.los", "1 1\r\n4.5 2\r\n");
+         r.setup.StopFreq = 4.5, r.setup.StepType = 0, r.setup.LinearStep = 2;
+       },
+       "error interpolating cable loss", 2},
+      {[](auto& r) { r.setup.RecordRevPwr = 1, r.equipment.AmpConfiguration = 0; },
+       "Equipment file says power meter not configured for reverse power readings.", 1},
+  };
+  for (const EndCase& c : cases) {
+    SCOPED_TRACE(c.text);
+    CalibrationRig ending;
+    c.arrange(ending);
+    ending.Run();
+    EXPECT_EQ(ending.level.Outcome(), RunOutcome::EndedEarly);
+    EXPECT_EQ(ending.t.dialogs.Texts(), (Strings{c.text, "Would you like to save the calibration data?"}));
+    EXPECT_FALSE(ending.rfOnAtMessage);
+    EXPECT_EQ(ending.Rows().size(), c.rows);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Level, RunEndsTest,
-    testing::Values(LimitCase{"LimitExceeded",
-                              [](CalibrationRig& rig) {
-                                rig.setup.LimitFwdPwr = 1;
-                                rig.setup.FwdPwrLimit = 9.9F;  // 40 dBm are 10 W
-                              },
-                              "Forward power limit exceeded", 0},
-                    LimitCase{"LimitInTheMiddle",
-                              [](CalibrationRig& rig) {
-                                rig.setup.LimitFwdPwr = 1;
-                                rig.setup.FwdPwrLimit = 15;
-                                rig.levels = {120.25, 120.25};
-                                rig.gainErrorDb[4] = 3;  // 43 dBm are 20 W
-                              },
-                              "Forward power limit exceeded", 2},
-                    LimitCase{"GeneratorsOwnMaximum",
-                              [](CalibrationRig& rig) {
-                                rig.setup.MaxLevel = 100;
-                                rig.levels = {120.25, 120.25};
-                                rig.portDb = 90;
-                              },
-                              "Level requested outside of range of instrument", 2},
-                    LimitCase{"MeterFails",
-                              [](CalibrationRig& rig) {
-                                rig.levels = {120.25};
-                                Redefine(rig.meter, [](auto& d) { d.MaximumFreq = 1.5; });
-                              },
-                              "Frequency requested exceeds meter's capability. ", 1},
-                    LimitCase{"NoHeadroom",
-                              [](CalibrationRig& rig) {
-                                rig.setup.LimitFwdPwr = 1;
-                                rig.setup.FwdPwrLimit = 12.5F;  // 0.969 dB above 10 W
-                                rig.levels = {120.25, 120 + 0.5 - 0.98 * 1.5};
-                              },
-                              "Not able to increase power the necessary amount, check setup", 1},
-                    LimitCase{"HighestLevel",
-                              [](CalibrationRig& rig) {
-                                rig.levels = {120.25, 120.25};
-                                rig.portDb = 100;
-                              },
-                              "Level requested is higher than defined in the calibrations setup", 2},
-                    LimitCase{"OverRange",
-                              [](CalibrationRig& rig) {
-                                rig.levels = {120.25, 142};
-                              },
-                              "The level is above the meter's maximum level, check setup", 1},
-                    LimitCase{"CoarseGenerator",
-                              [](CalibrationRig& rig) {
-                                rig.stepDbm = 2;
-                                rig.portDb = 125.7;  // 118.7 or 120.7 dBuV
-                              },
-                              "The level does not settle within the tolerance band, check setup", 0},
-                    LimitCase{"LinearStepBeyondTheTables",
-                              [](CalibrationRig& rig) {
-                                rig.equipment.CableLossFile = rig.t.directory.Write("short.los", "1 1\r\n4.5 2\r\n");
-                                rig.setup.StopFreq = 4.5;
-                                rig.setup.StepType = 0;
-                                rig.setup.LinearStep = 2;  // 1, 3, 5
-                              },
-                              "error interpolating cable loss", 2},
-                    LimitCase{"SingleChannel",
-                              [](CalibrationRig& rig) {
-                                rig.setup.RecordRevPwr = 1;
-                                rig.equipment.AmpConfiguration = 0;
-                              },
-                              "Equipment file says power meter not configured for reverse power readings.", 1}),
-    [](const auto& row) { return row.param.name; });
 
 TEST_F(LevelCalibrationTest, AStepWithinTheHeadroomIsRefused) {
   rig.setup.LimitFwdPwr = 1;

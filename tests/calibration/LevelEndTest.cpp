@@ -20,71 +20,45 @@ class LevelEndTest : public testing::Test {
   CalibrationRig rig;
 };
 
-struct NotReadyCase {
-  const char* name;
-  std::function<void(CalibrationRig&)> arrange;
-  std::vector<std::string> texts;
-};
-
-class NotReadyTest : public testing::TestWithParam<NotReadyCase> {};
-
-TEST_P(NotReadyTest, ARunStartsWithoutPlanOrTables) {
-  CalibrationRig rig;
-  rig.setup.RecordFwdPwr = rig.setup.RecordRevPwr = 1;
-  rig.setup.LimitType = 1;
-  rig.setup.LimitFile = rig.t.directory.Write("curve.lev", "1 1\r\n4 3\r\n");
-  GetParam().arrange(rig);
-  EXPECT_FALSE(rig.level.Prepare());
-  EXPECT_EQ(rig.t.dialogs.Texts(), GetParam().texts);
-  rig.level.Run();
-  EXPECT_EQ(rig.level.Outcome(), RunOutcome::NotRun);
-  EXPECT_TRUE(rig.bus.Lines().empty());
-}
-
 /// A table from 2 to 3 MHz.
 std::string Short(CalibrationRig& rig) {
   return rig.t.directory.Write("short", "2 1\r\n3 2\r\n");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Prepare, NotReadyTest,
-    testing::Values(
-        NotReadyCase{"NoFrequency",
-                     [](CalibrationRig& rig) { rig.setup.LogStep = 0; },
-                     {"Error, no frequencies to calibrate? Check setup."}},
-        NotReadyCase{"NoCableLoss",
-                     [](CalibrationRig& rig) { rig.equipment.CableLossFile = ""; },
-                     {"Error loading cable loss file"}},
-        NotReadyCase{"StartAboveTheTable",
-                     [](CalibrationRig& rig) {
-                       rig.setup.StartFreq = 2000;
-                       rig.setup.StopFreq = 3000;
-                     },
-                     {"Cable loss file does not cover frequency range"}},
-        NotReadyCase{
-            "NoCurve", [](CalibrationRig& rig) { rig.setup.LimitFile = ""; }, {"Error loading test level file"}},
-        NotReadyCase{"ShortCurve",
-                     [](CalibrationRig& rig) { rig.setup.LimitFile = Short(rig); },
-                     {"Test Level file does not cover frequency range"}},
-        NotReadyCase{"NoForward",
-                     [](CalibrationRig& rig) { rig.equipment.FwdPortFile = ""; },
-                     {"Error loading foward coupling port file"}},
-        NotReadyCase{"ShortForward",
-                     [](CalibrationRig& rig) { rig.equipment.FwdPortFile = Short(rig); },
-                     {"Forward port file does not cover frequency range"}},
-        NotReadyCase{"NoReverse",
-                     [](CalibrationRig& rig) { rig.equipment.RevPortFile = ""; },
-                     {"Error loading reverse coupling port file"}},
-        NotReadyCase{"ShortReverse",
-                     [](CalibrationRig& rig) { rig.equipment.RevPortFile = Short(rig); },
-                     {"Reverse port file does not cover frequency range"}},
-        NotReadyCase{"BadList",
-                     [](CalibrationRig& rig) {
-                       rig.setup.StepType = 2;
-                       rig.setup.ListFile = rig.t.directory.Write("x.lst", "Freq\r\n");
-                     },
-                     {"Bad data in frequency list file", "Error, no frequencies to calibrate? Check setup."}}),
-    [](const auto& row) { return row.param.name; });
+struct NotReadyCase {
+  void (*arrange)(CalibrationRig&);
+  Strings texts;
+};
+
+TEST_F(LevelEndTest, ARunStartsWithoutPlanOrTables) {
+  const NotReadyCase cases[] = {
+      {[](auto& r) { r.setup.LogStep = 0; }, {"Error, no frequencies to calibrate? Check setup."}},
+      {[](auto& r) { r.equipment.CableLossFile = ""; }, {"Error loading cable loss file"}},
+      {[](auto& r) { r.setup.StartFreq = 2000, r.setup.StopFreq = 3000; },
+       {"Cable loss file does not cover frequency range"}},
+      {[](auto& r) { r.setup.LimitFile = ""; }, {"Error loading test level file"}},
+      {[](auto& r) { r.setup.LimitFile = Short(r); }, {"Test Level file does not cover frequency range"}},
+      {[](auto& r) { r.equipment.FwdPortFile = ""; }, {"Error loading foward coupling port file"}},
+      {[](auto& r) { r.equipment.FwdPortFile = Short(r); }, {"Forward port file does not cover frequency range"}},
+      {[](auto& r) { r.equipment.RevPortFile = ""; }, {"Error loading reverse coupling port file"}},
+      {[](auto& r) { r.equipment.RevPortFile = Short(r); }, {"Reverse port file does not cover frequency range"}},
+      {[](auto& r) { r.setup.StepType = 2, r.setup.ListFile = r.t.directory.Write("x.lst", "Freq\r\n"); },
+       {"Bad data in frequency list file", "Error, no frequencies to calibrate? Check setup."}},
+  };
+  for (const NotReadyCase& c : cases) {
+    SCOPED_TRACE(c.texts.back());
+    CalibrationRig refused;
+    refused.setup.RecordFwdPwr = refused.setup.RecordRevPwr = 1;
+    refused.setup.LimitType = 1;
+    refused.setup.LimitFile = refused.t.directory.Write("curve.lev", "1 1\r\n4 3\r\n");
+    c.arrange(refused);
+    EXPECT_FALSE(refused.level.Prepare());
+    EXPECT_EQ(refused.t.dialogs.Texts(), c.texts);
+    refused.level.Run();
+    EXPECT_EQ(refused.level.Outcome(), RunOutcome::NotRun);
+    EXPECT_TRUE(refused.bus.Lines().empty());
+  }
+}
 
 TEST_F(LevelEndTest, InstrumentsAreTakenDownInAnotherOrder) {
   rig.UseIfi();

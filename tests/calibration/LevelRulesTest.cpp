@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "calibration/FrequencyPlan.h"
+#include "calibration/PowerReading.h"
 #include "calibration/WarbleAlarm.h"
 #include "documents/CalSetupRecord.h"
 #include "measure/InterpClass.h"
@@ -101,6 +102,22 @@ TEST(FrequencyPlanTest, AListsOwnRangeIsNotTaken) {
   request = {StepType::List, 0, 0, 0, t.directory.File("none.lst")};
   EXPECT_FALSE(PlanFrequencies(t.shell, request));
   EXPECT_EQ(t.dialogs.messages.size(), 1U);
+}
+
+struct SensorCase {
+  double previous, frequency;
+  const char* expected;
+};
+TEST(SensorPrompt, MovesTheSensorAtBandChangesOnly) {
+  const SensorCase cases[] = {
+      {0, 215, "Move sensor to low freq coupler"},
+      {0, 215.001, "Move sensor to high freq coupler"},
+      {215, 215.001, "Move sensor(s) to high freq coupler"},
+      {300, 215, "Move sensor(s) to low freq coupler"},
+      {100, 215, ""},
+      {300, 216, ""},
+  };
+  for (const SensorCase& c : cases) EXPECT_EQ(SensorPrompt(c.previous, c.frequency, 215), c.expected);
 }
 
 }  // namespace

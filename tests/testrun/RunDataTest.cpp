@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-
 #include "support/ScriptedBus.h"
 #include "support/TestShell.h"
 #include "testrun/RunReport.h"
@@ -75,14 +73,6 @@ TEST_F(SaveTest, AFileThatCantBeWrittenIsReportedWithItsPath) {
   const std::string path = t.directory.File("missing/a.run");
   EXPECT_FALSE(FileRunData(t.shell, Example(), path, false));
   EXPECT_TRUE(t.dialogs.LastText().find("FileRunData\r" + path) != std::string::npos) << t.dialogs.LastText();
-}
-
-TEST_F(SaveTest, AHundredThousandRowsAreWrittenInNoTime) {
-  RunData data;
-  const auto start = std::chrono::steady_clock::now();
-  for (int i = 0; i < 100'000; ++i) data.FillStep(data.AddStep(i * 0.001), {-10, 120, 76, 40, 30, {}});
-  EXPECT_TRUE(FileRunData(t.shell, data, t.directory.File("big.run"), false));
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
 }
 
 TEST(RunReport, PagesFollowTheKind) {

@@ -220,112 +220,66 @@ TEST_F(RunEndTest, TheRunIsConfirmedFirst) {
 }
 
 struct RefusalCase {
-  const char* name;
   void (*change)(RunRig&);
   const char* text;
 };
-class PreparationTest : public testing::TestWithParam<RefusalCase> {};
 
-TEST_P(PreparationTest, IsRefused) {
-  RunRig rig;
-  GetParam().change(rig);
-  EXPECT_NE(rig.Prepare(), RunReadiness::Ready);
-  EXPECT_EQ(rig.t.dialogs.LastText(), GetParam().text);
-  rig.engine.RunCdiTest();
-  EXPECT_EQ(rig.bus.Calls(), 0);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    RunEnd, PreparationTest,
-    testing::Values(RefusalCase{"no_frequencies", [](RunRig& rig) { rig.test.FreqSweep = false; },
-                                "Error, no frequencies to test? Check setup."},
-                    RefusalCase{"one_listed_frequency",
-                                [](RunRig& rig) {
-                                  rig.test.FreqSweep = false;
-                                  rig.test.FreqList = true;
-                                  rig.test.ListFile = rig.t.directory.Write("one.lst", "2\r\n");
-                                },
-                                "Error, no frequencies to test? Check setup."},
-                    RefusalCase{"cable_loss_too_short",
-                                [](RunRig& rig) {
-                                  rig.test.MonitorProbe = true;
-                                  rig.equipment.CableLossFile = rig.t.directory.Write("short.los", "1 1\r\n3 2\r\n");
-                                },
-                                "Cable loss file does not cover frequency range"},
-                    RefusalCase{"probe_missing",
-                                [](RunRig& rig) {
-                                  rig.test.MonitorProbe = true;
-                                  rig.equipment.ProbeFile = "";
-                                },
-                                "Error loading probe factor file."},
-                    RefusalCase{"forward_port_missing",
-                                [](RunRig& rig) { rig.equipment.FwdPortFile = rig.t.directory.File("none.fac"); },
-                                "Error loading foward coupling port file"},
-                    RefusalCase{"reverse_port_too_high",
-                                [](RunRig& rig) {
-                                  rig.equipment.RevPortFile = rig.t.directory.Write("high.fac", "2 1\r\n9 2\r\n");
-                                },
-                                "Reverse port file does not cover frequency range"}),
-    [](const auto& row) { return row.param.name; });
-
-struct InitCase {
-  const char* name;
-  void (*change)(RunRig&);
-  const char* text;
-};
-class InitTest : public testing::TestWithParam<InitCase> {};
-
-TEST_P(InitTest, FailsBeforeRfIsOn) {
-  RunRig rig;
-  GetParam().change(rig);
-  rig.Run();
-  EXPECT_EQ(rig.Shown(GetParam().text), 1);
-  EXPECT_EQ(rig.Shown(kSaveQuestion), 1);
-  EXPECT_EQ(rig.highestDbm, -200);
-  EXPECT_TRUE(rig.Rows().empty());
-  for (const Message& message : rig.t.dialogs.messages) {
-    if (message.text == GetParam().text) {
-      EXPECT_EQ(message.icon, MessageIcon::Critical);
-    }
+TEST_F(RunEndTest, ARunWithoutPlanOrTablesTouchesNoInstrument) {
+  const RefusalCase cases[] = {
+      {[](auto& r) { r.test.FreqSweep = false; }, "Error, no frequencies to test? Check setup."},
+      {[](auto& r) {
+         r.test.FreqSweep = false, r.test.FreqList = true, r.test.ListFile = r.t.directory.Write("one.lst", "2\r\n");
+       },
+       "Error, no frequencies to test? Check setup."},
+      {[](auto& r) {
+         r.test.MonitorProbe = true, r.equipment.CableLossFile = r.t.directory.Write("short.los", "1 1\r\n3 2\r\n");
+       },
+       "Cable loss file does not cover frequency range"},
+      {[](auto& r) { r.test.MonitorProbe = true, r.equipment.ProbeFile = ""; }, "Error loading probe factor file."},
+      {[](auto& r) { r.equipment.FwdPortFile = r.t.directory.File("none.fac"); },
+       "Error loading foward coupling port file"},
+      {[](auto& r) { r.equipment.RevPortFile = r.t.directory.Write("high.fac", "2 1\r\n9 2\r\n"); },
+       "Reverse port file does not cover frequency range"},
+  };
+  for (const RefusalCase& c : cases) {
+    SCOPED_TRACE(c.text);
+    RunRig refused;
+    c.change(refused);
+    EXPECT_NE(refused.Prepare(), RunReadiness::Ready);
+    EXPECT_EQ(refused.t.dialogs.LastText(), c.text);
+    refused.engine.RunCdiTest();
+    EXPECT_EQ(refused.bus.Calls(), 0);
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(RunEnd, InitTest,
-                         testing::Values(InitCase{"bus", [](RunRig& rig) { rig.bus.FailLine("IFC", gpib::kEdvr); },
-                                                  "Error initializing GPIB"},
-                                         InitCase{"generator", [](RunRig& rig) { rig.bus.absent.insert(18); },
-                                                  "Error initializing signal generator"},
-                                         InitCase{"pulse",
-                                                  [](RunRig& rig) {
-                                                    rig.test.ModType = 3;
-                                                    Redefine(rig.sigGen, [](auto& d) { d.PulseCapable = 0; });
-                                                  },
-                                                  "Signal generator can't do Pulse Modulation"},
-                                         InitCase{"fm",
-                                                  [](RunRig& rig) {
-                                                    rig.test.ModType = 2;
-                                                    Redefine(rig.sigGen, [](auto& d) { d.FmCapable = 0; });
-                                                  },
-                                                  "Signal generator can't do Frequency Modulation"},
-                                         InitCase{"power_meter",
-                                                  [](RunRig& rig) {
-                                                    rig.test.LevelingMethod = 1;
-                                                    rig.bus.FailLine("FIND 7", gpib::kEnol);
-                                                  },
-                                                  "Error initializing Power Meter"},
-                                         InitCase{"meter",
-                                                  [](RunRig& rig) {
-                                                    rig.test.MonitorProbe = true;
-                                                    rig.bus.FailLine("FIND 13", gpib::kEnol);
-                                                  },
-                                                  "Error initializing meter"},
-                                         InitCase{"amplifier",
-                                                  [](RunRig& rig) {
-                                                    rig.equipment.AmplifierType = 1;
-                                                    rig.bus.FailLine("> 10 8", gpib::kEabo);
-                                                  },
-                                                  "Error initializing IFI amp"}),
-                         [](const auto& row) { return row.param.name; });
+TEST_F(RunEndTest, AnInstrumentThatDoesNotComeUpEndsTheRunBeforeRfIsOn) {
+  const RefusalCase cases[] = {
+      {[](auto& r) { r.bus.FailLine("IFC", gpib::kEdvr); }, "Error initializing GPIB"},
+      {[](auto& r) { r.bus.absent.insert(18); }, "Error initializing signal generator"},
+      {[](auto& r) { r.test.ModType = 3, Redefine(r.sigGen, [](auto& d) { d.PulseCapable = 0; }); },
+       "Signal generator can't do Pulse Modulation"},
+      {[](auto& r) { r.test.ModType = 2, Redefine(r.sigGen, [](auto& d) { d.FmCapable = 0; }); },
+       "Signal generator can't do Frequency Modulation"},
+      {[](auto& r) { r.test.LevelingMethod = 1, r.bus.FailLine("FIND 7", gpib::kEnol); },
+       "Error initializing Power Meter"},
+      {[](auto& r) { r.test.MonitorProbe = true, r.bus.FailLine("FIND 13", gpib::kEnol); }, "Error initializing meter"},
+      {[](auto& r) { r.equipment.AmplifierType = 1, r.bus.FailLine("> 10 8", gpib::kEabo); },
+       "Error initializing IFI amp"},
+  };
+  for (const RefusalCase& c : cases) {
+    SCOPED_TRACE(c.text);
+    RunRig failing;
+    c.change(failing);
+    failing.Run();
+    EXPECT_EQ(failing.Shown(c.text), 1);
+    EXPECT_EQ(failing.Shown(kSaveQuestion), 1);
+    EXPECT_EQ(failing.highestDbm, -200);
+    EXPECT_TRUE(failing.Rows().empty());
+    const auto& messages = failing.t.dialogs.messages;
+    const auto told = std::find_if(messages.begin(), messages.end(), [&](const auto& m) { return m.text == c.text; });
+    EXPECT_TRUE(told != messages.end() && told->icon == MessageIcon::Critical);
+  }
+}
 
 }  // namespace
 }  // namespace hylden

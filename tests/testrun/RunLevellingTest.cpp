@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
-
 #include "testrun/RunRig.h"
 
 namespace hylden {
@@ -20,16 +18,104 @@ Lines Between(const Lines& lines, const std::string& first, const std::string& l
   return begin == lines.end() ? Lines{"never sent " + first} : Lines(begin + 1, end);
 }
 
+void OneStep(RunRig& rig) {
+  rig.test.StopFreq = rig.test.StartFreq;
+}
+void LimitCurrent(RunRig& rig, double limitDbua) {
+  rig.test.MonitorProbe = rig.test.LimitCurrent = true;
+  // 120 dBuV in 150 ohm are 76.478 dBuA
+  rig.test.LimitMargin = static_cast<float>(limitDbua - 76.4782);
+}
+void StartBelowTheMinimum(RunRig& rig) {
+  Redefine(rig.sigGen, [](auto& d) { d.MinimumLevel = -20; });
+  rig.test.InitLevOffset = -30;
+}
+
 struct LevellingTest : testing::Test {
   RunRig rig;
-
-  void UseProbe(double limitDbua) {
-    rig.test.MonitorProbe = rig.test.LimitCurrent = true;
-    // 120 dBuV in 150 ohm are 76.478 dBuA
-    rig.test.LimitMargin = static_cast<float>(limitDbua - 76.4782);
-  }
-  void OneStep() { rig.test.StopFreq = rig.test.StartFreq; }
 };
+
+struct StepCase {
+  const char* name;
+  void (*arrange)(RunRig&);
+  const char* row;
+  double highestDbm;
+};
+
+TEST_F(LevellingTest, OneStepEndsAtItsLevelAndNotAbove) {
+  constexpr auto kForward = LevelingMethod::ForwardPower, kNet = LevelingMethod::NetPower;
+  const StepCase cases[] = {
+      // 80 dBuV and 1 dB of cable
+      {"monitored", [](auto& r) { r.test.MonitorProbe = true; }, "1.0, -10.0 **, 120.0, 81.0, , ", -10},
+      {"limit far off", [](auto& r) { LimitCurrent(r, 90); }, "1.0, -10.0 **, 120.0, 81.0, , ", -10},
+      {"adjusted", [](auto& r) { r.test.Extrapolate = true, r.test.ExtrapolateTo = -6; }, "1.0, -16.0 **, 114.0, , , ",
+       -16},
+      // 40 dBm and 1.21 dB of modulation
+      {"forward power, AM", [](auto& r) { r.UsePower(kForward), r.UseAm(false, false); },
+       "1.0, -8.7, 120.0, , 41.3 **, ", -8.7},
+      {"forward power, current limit", [](auto& r) { r.UsePower(kForward), LimitCurrent(r, 75); },
+       "1.0, -16.0, 120.0, 75.0 **, 34.0, ", -15.9},
+      {"net power", [](auto& r) { r.UsePower(kNet); }, "1.0, -10.0, 120.0, , 40.0 **, 30.0", -10},
+      {"net power, nearly all of it reflected", [](auto& r) { r.UsePower(kNet), r.returnLossDb = 1; },
+       "1.0, -8.0, 120.0, , 42.0 +2, 41.0", -8},
+  };
+  for (const StepCase& c : cases) {
+    SCOPED_TRACE(c.name);
+    RunRig one;
+    OneStep(one);
+    c.arrange(one);
+    one.Run();
+    EXPECT_THAT(one.Rows(), ElementsAre(c.row));
+    EXPECT_LE(one.highestDbm, c.highestDbm + 1e-6);
+  }
+}
+
+struct FailureCase {
+  void (*arrange)(RunRig&);
+  const char* text;
+  double highestDbm;
+  int firstToneMs = 2000;  ///< that of the run's end, unless there is a warning
+};
+
+TEST_F(LevellingTest, ARunThatCannotBeLevelledEndsWithItsMessageBeforeTheLevelIsTooHigh) {
+  constexpr auto kForward = LevelingMethod::ForwardPower, kNet = LevelingMethod::NetPower;
+  constexpr double kNeverOn = -200;
+  const FailureCase cases[] = {
+      {[](auto& r) { r.UsePower(kForward), r.gainDb = 46; },
+       "Warning, amplifier gain is more than 3dB lower\r\nthan it should be.  Check setup.\r\n"
+       "Cal SigGen = -10.0dBm and Cal FwdPwr = 40.0dBm",
+       -7, 500},
+      {[](auto& r) { r.UsePower(kNet), r.gainDb = 46; },
+       "Warning, amplifier gain is more than 3dB lower\r\nthan it should be.  Check setup.", -6.5},
+      {[](auto& r) { r.UsePower(kNet), r.returnLossDb = 0; },
+       "Error, reverse power reading greater than forward power,\r\ncheck setup carefully.", -70},
+      {[](auto& r) { r.UsePower(kNet), r.equipment.AmpConfiguration = static_cast<int>(AmpConfig::Single); },
+       "Power meter not defined as dual-channel, check setup", -70},
+      {[](auto& r) {
+         r.UsePower(kForward), r.t.directory.Write("bench.cal", "1,-10,120,na,na,\r\n4,-6,120,na,na,\r\n");
+       },
+       "Forward power data not in calibration file.\r\nThis calibration file can't be used for \r\npower leveled "
+       "tests.",
+       kNeverOn},
+      {[](auto& r) { LimitCurrent(r, 75), r.test.EUTCircuitImpedance = 0; },
+       "The induced current can't be limited: check circuit impedance and test level", kNeverOn},
+      {[](auto& r) { r.UseAm(true, true), r.test.UseAMdepth = true, r.bus.FailLine("> 18 AMD 0.0", gpib::kEabo); },
+       "Error setting AM modulation", kNeverOn},
+      {[](auto& r) { StartBelowTheMinimum(r), r.t.dialogs.Answer(MessageAnswer::No); },
+       "but the starting offset puts it below the minimum. Proceed anyway?", kNeverOn},
+  };
+  for (const FailureCase& c : cases) {
+    SCOPED_TRACE(c.text);
+    RunRig failing;
+    c.arrange(failing);
+    failing.Run();
+    EXPECT_TRUE(failing.t.dialogs.WasShownContaining(c.text)) << testing::PrintToString(failing.t.dialogs.Texts());
+    EXPECT_EQ(failing.t.speaker.tones[0], (FakeSpeaker::Tone{1000, c.firstToneMs}));
+    EXPECT_LE(failing.highestDbm, c.highestDbm);
+    EXPECT_EQ(failing.Rows().size(), 1U);
+    EXPECT_FALSE(failing.rfOn);
+  }
+}
 
 TEST_F(LevellingTest, ByGeneratorTheLevelRisesFromBelowAtEachFrequency) {
   rig.test.StopFreq = 2;
@@ -45,7 +131,7 @@ TEST_F(LevellingTest, ByGeneratorTheLevelRisesFromBelowAtEachFrequency) {
 }
 
 TEST_F(LevellingTest, APhaseIsNamedWhileItLasts) {
-  OneStep();
+  OneStep(rig);
   rig.Run();
   EXPECT_EQ(rig.display.statuses,
             (Lines{"State: Idle", "Calculating frequencies and dwell times...", "State: Idle",
@@ -55,7 +141,7 @@ TEST_F(LevellingTest, APhaseIsNamedWhileItLasts) {
 }
 
 TEST_F(LevellingTest, WithoutAnIncrementTheRampGoesBy6Db) {
-  OneStep();
+  OneStep(rig);
   rig.test.LevelInc = 0;
   rig.Run();
   EXPECT_THAT(Between(rig.Sent(18), "OUTP ON", "OUTP OFF"), ElementsAre("POW -16.0 DBM", "POW -10.0 DBM"));
@@ -71,18 +157,9 @@ TEST_F(LevellingTest, TheDwellIsHeldAtTheLevelAndElapsedTimeCountsFromTheSecondS
   EXPECT_NEAR(rig.display.estimatedMinutes, 3 * (1 + 2) / 60.0, 1e-9);
 }
 
-TEST_F(LevellingTest, AProbeThatOnlyMonitorsIsReadAtTheLevel) {
-  OneStep();
-  rig.test.MonitorProbe = true;
-  rig.Run();
-  EXPECT_THAT(rig.Rows(), ElementsAre("1.0, -10.0 **, 120.0, 81.0, , "));  // 80 dBuV and 1 dB of cable
-  EXPECT_NEAR(rig.display.limit, 76.4782, 1e-3);
-  EXPECT_THAT(rig.Sent(13), testing::Contains("CF 1.0 MZ"));
-}
-
 TEST_F(LevellingTest, ByGeneratorWithCurrentLimitTheRampStopsAtTheLimit) {
-  OneStep();
-  UseProbe(75);  // reached at -16 dBm
+  OneStep(rig);
+  LimitCurrent(rig, 75);  // reached at -16 dBm
   rig.Run();
   ASSERT_THAT(rig.Rows(), testing::SizeIs(1));
   EXPECT_EQ(rig.Rows()[0], "1.0, -16.0, 120.0, 75.0 **, , ");
@@ -94,16 +171,8 @@ TEST_F(LevellingTest, ByGeneratorWithCurrentLimitTheRampStopsAtTheLimit) {
   EXPECT_THAT(rig.Sent(13), testing::Contains(testing::StartsWith("RL 75.99")));
 }
 
-TEST_F(LevellingTest, ByGeneratorWithCurrentLimitTheCalibratedLevelIsNotPassed) {
-  OneStep();
-  UseProbe(90);
-  rig.Run();
-  EXPECT_THAT(rig.Rows(), ElementsAre("1.0, -10.0 **, 120.0, 81.0, , "));
-  EXPECT_EQ(rig.highestDbm, -10);
-}
-
 TEST_F(LevellingTest, ByForwardPowerTheRampEndsJustAboveTheTarget) {
-  OneStep();
+  OneStep(rig);
   rig.UsePower(LevelingMethod::ForwardPower);
   rig.Run();
   EXPECT_THAT(rig.Rows(), ElementsAre("1.0, -9.9, 120.0, , 40.1 **, "));
@@ -126,78 +195,6 @@ TEST_F(LevellingTest, ByForwardPowerTheNextStepStartsLowerByWhatWasTooMuch) {
   EXPECT_EQ(rig.Rows()[1], "2.0, -7.9, 120.0, , 42.1 **, ");
 }
 
-TEST_F(LevellingTest, ModulationDuringLevellingRaisesTheForwardTarget) {
-  OneStep();
-  rig.UsePower(LevelingMethod::ForwardPower);
-  rig.UseAm(false, false);
-  rig.Run();
-  EXPECT_EQ(rig.Rows()[0], "1.0, -8.7, 120.0, , 41.3 **, ");  // 40 + 1.21
-}
-
-TEST_F(LevellingTest, AWeakAmplifierEndsAForwardPowerRunWithAWarning) {
-  OneStep();
-  rig.UsePower(LevelingMethod::ForwardPower);
-  rig.gainDb = 46;
-  rig.Run();
-  EXPECT_EQ(rig.Shown("Warning, amplifier gain is more than 3dB lower\r\nthan it should be.  Check setup.\r\n"
-                      "Cal SigGen = -10.0dBm and Cal FwdPwr = 40.0dBm"),
-            1);
-  EXPECT_LE(rig.highestDbm, -7);
-  EXPECT_EQ(rig.t.speaker.tones[0], (FakeSpeaker::Tone{1000, 500}));
-  EXPECT_FALSE(rig.rfOn);
-}
-
-TEST_F(LevellingTest, ByForwardPowerTheCurrentLimitHoldsTheLevel) {
-  OneStep();
-  rig.UsePower(LevelingMethod::ForwardPower);
-  UseProbe(75);
-  rig.Run();
-  EXPECT_EQ(rig.Rows()[0], "1.0, -16.0, 120.0, 75.0 **, 34.0, ");
-}
-
-TEST_F(LevellingTest, ByNetPowerTheRampEndsAtTheNetTarget) {
-  OneStep();
-  rig.UsePower(LevelingMethod::NetPower);
-  rig.Run();
-  EXPECT_EQ(rig.Rows()[0], "1.0, -10.0, 120.0, , 40.0 **, 30.0");
-}
-
-TEST_F(LevellingTest, ByNetPowerAReflectingProductIsHeldByTheForwardCap) {
-  OneStep();
-  rig.UsePower(LevelingMethod::NetPower);
-  rig.returnLossDb = 1;  // nearly everything comes back
-  rig.Run();
-  EXPECT_EQ(rig.Rows()[0], "1.0, -8.0, 120.0, , 42.0 +2, 41.0");
-  EXPECT_LE(rig.highestDbm, -8);
-}
-
-TEST_F(LevellingTest, ByNetPowerAWeakAmplifierEndsTheRun) {
-  OneStep();
-  rig.UsePower(LevelingMethod::NetPower);
-  rig.gainDb = 46;
-  rig.Run();
-  EXPECT_EQ(rig.Shown("Warning, amplifier gain is more than 3dB lower\r\nthan it should be.  Check setup."), 1);
-  EXPECT_LE(rig.highestDbm, -10 + 3.5);
-  EXPECT_FALSE(rig.rfOn);
-}
-
-TEST_F(LevellingTest, ByNetPowerMoreReverseThanForwardPowerEndsTheRun) {
-  OneStep();
-  rig.UsePower(LevelingMethod::NetPower);
-  rig.returnLossDb = 0;
-  rig.Run();
-  EXPECT_EQ(rig.Shown("Error, reverse power reading greater than forward power,\r\ncheck setup carefully."), 1);
-  EXPECT_EQ(rig.highestDbm, -70);
-}
-
-TEST_F(LevellingTest, ReversePowerNeedsASecondChannel) {
-  OneStep();
-  rig.UsePower(LevelingMethod::NetPower);
-  rig.equipment.AmpConfiguration = static_cast<int>(AmpConfig::Single);
-  rig.Run();
-  EXPECT_EQ(rig.Shown("Power meter not defined as dual-channel, check setup"), 1);
-}
-
 TEST_F(LevellingTest, AnAmplifierThatChangesWithFrequencyNeverOvershoots) {
   for (const auto method : {LevelingMethod::ForwardPower, LevelingMethod::NetPower}) {
     for (const double error : {-2.9, -1.0, 2.9}) {
@@ -215,7 +212,7 @@ TEST_F(LevellingTest, AnAmplifierThatChangesWithFrequencyNeverOvershoots) {
 }
 
 TEST_F(LevellingTest, WithConstantPeakTheCarrierDropsBeforeModulationGoesOn) {
-  OneStep();
+  OneStep(rig);
   rig.UseAm(true, true);
   rig.Run();
   EXPECT_THAT(Between(rig.Sent(18), "POW -16.0 DBM", "OUTP OFF"),
@@ -230,27 +227,8 @@ TEST_F(LevellingTest, ModulationIsOffWhileTheFrequencyChanges) {
   EXPECT_THAT(Between(rig.Sent(18), "POW -10.0 DBM", "FREQ 2.0 MHZ"), ElementsAre("AM ON", "MOD OFF", "POW -20.0 DBM"));
 }
 
-TEST_F(LevellingTest, ADepthThatCannotBeTakenBackEndsTheRunBeforeTheLevelRises) {
-  rig.UseAm(true, true);
-  rig.test.UseAMdepth = true;
-  rig.bus.FailLine("> 18 AMD 0.0", gpib::kEabo);
-  rig.Run();
-  EXPECT_TRUE(rig.t.dialogs.WasShownContaining("Error setting AM modulation"));
-  EXPECT_EQ(rig.highestDbm, -200);
-}
-
-TEST_F(LevellingTest, AnAdjustedTestRunsBelowItsCalibration) {
-  OneStep();
-  rig.test.Extrapolate = true;
-  rig.test.ExtrapolateTo = -6;
-  rig.Run();
-  EXPECT_EQ(rig.Rows()[0], "1.0, -16.0 **, 114.0, , , ");
-  EXPECT_EQ(rig.highestDbm, -16);
-}
-
 TEST_F(LevellingTest, AStartBelowTheGeneratorsMinimumIsAskedForOnce) {
-  Redefine(rig.sigGen, [](auto& d) { d.MinimumLevel = -20; });
-  rig.test.InitLevOffset = -30;
+  StartBelowTheMinimum(rig);
   ASSERT_EQ(rig.Prepare(), RunReadiness::Ready);
   rig.t.dialogs.Answer(MessageAnswer::Yes);
   rig.t.dialogs.Answer(MessageAnswer::No);
@@ -263,23 +241,6 @@ TEST_F(LevellingTest, AStartBelowTheGeneratorsMinimumIsAskedForOnce) {
   EXPECT_EQ(rig.Rows()[2], "4.0, -6.0 **, 120.0, , , ");
 }
 
-TEST_F(LevellingTest, DecliningTheStartBelowTheMinimumEndsTheRun) {
-  Redefine(rig.sigGen, [](auto& d) { d.MinimumLevel = -20; });
-  rig.test.InitLevOffset = -30;
-  rig.t.dialogs.Answer(MessageAnswer::No);
-  rig.Run();
-  EXPECT_EQ(rig.Rows().size(), 1U);
-  EXPECT_EQ(rig.highestDbm, -200);
-}
-
-TEST_F(LevellingTest, ACalibrationWithoutPowerEndsAPowerRunBeforeRfIsOn) {
-  rig.UsePower(LevelingMethod::ForwardPower);
-  rig.t.directory.Write("bench.cal", "1,-10,120,na,na,\r\n4,-6,120,na,na,\r\n");
-  rig.Run();
-  EXPECT_TRUE(rig.t.dialogs.WasShownContaining("Forward power data not in calibration file."));
-  EXPECT_EQ(rig.highestDbm, -200);
-}
-
 TEST_F(LevellingTest, AFrequencyBeyondTheCalibrationEndsTheRun) {
   rig.test.StopFreq = 6;
   rig.equipment.FwdPortFile = rig.equipment.RevPortFile = "";
@@ -288,14 +249,6 @@ TEST_F(LevellingTest, AFrequencyBeyondTheCalibrationEndsTheRun) {
   EXPECT_EQ(rig.Rows().size(), 4U);
   EXPECT_EQ(rig.Rows()[3], "6.0, , , , , ");
   EXPECT_FALSE(rig.rfOn);
-}
-
-TEST_F(LevellingTest, ACurrentLimitWithoutImpedanceIsRefusedInsteadOfNotLimiting) {
-  UseProbe(75);
-  rig.test.EUTCircuitImpedance = 0;
-  rig.Run();
-  EXPECT_TRUE(rig.t.dialogs.WasShownContaining("can't be limited"));
-  EXPECT_EQ(rig.highestDbm, -200);
 }
 
 TEST_F(LevellingTest, OneSensorOnTwoCouplersIsMovedAtTheBandChange) {
@@ -315,21 +268,6 @@ TEST_F(LevellingTest, ADwellOfZeroWaitsForTheOperatorAndCancelEndsTheRun) {
   EXPECT_EQ(rig.Shown("Press Enter to continue, Escape to halt"), 2);
   EXPECT_EQ(rig.Rows()[1], "2.0, , , , , ");
   EXPECT_FALSE(rig.rfOn);
-}
-
-TEST_F(LevellingTest, AHundredThousandStepsCostLittlePerStep) {
-  rig.t.directory.Write("bench.cal", "1,-10,120,40,30,\r\n4,-10,120,44,34,\r\n");
-  rig.test.StepType = 0;
-  rig.test.LinearStep = 3e-5;
-  rig.test.InitLevOffset = 0;
-  rig.test.InterDwell = 0.001F;
-  rig.test.SweepDwell = 0.001;
-  const auto start = std::chrono::steady_clock::now();
-  rig.Run();
-  const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
-  EXPECT_EQ(rig.Rows().size(), 100'001U);
-  EXPECT_LT(took.count(), 60) << "seconds; far off the pace even for a sanitized build";
-  RecordProperty("microsecondsPerStep", std::to_string(took.count() * 10));
 }
 
 }  // namespace
