@@ -7,6 +7,7 @@
 #include <QDialog>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
@@ -183,19 +184,53 @@ void PrintReports(frmRunTest& run, QtPrinter& printer, const QDir& output) {
   }
 }
 
+/// Takes a picture of the run once this figure is on it, and one at its end.
+void PictureRun(Tour& tour, QtVirtualEventLoop& events, QWidget& run, const char* button, const char* frequency,
+                const char* name) {
+  bool taken = false;
+  events.onYield = [&] {
+    if (taken || Find<QLabel>(run, "lblFreq").text() != QLatin1String(frequency)) return;
+    taken = true;
+    tour.Grab(run, (std::string(name) + "-run").c_str());
+  };
+  Tour::Press(run, button);  // returns when the run has ended
+  events.onYield = nullptr;
+  if (!taken) throw std::runtime_error(std::string("the run never came to ") + frequency + " MHz");
+  tour.Grab(run, (std::string(name) + "-finished").c_str());
+}
+
 /// The calibration setup, and a calibration of a few points.
-void PictureCalibration(Desktop& desktop, Tour& tour) {
+void PictureCalibration(Desktop& desktop, Tour& tour, QtVirtualEventLoop& events) {
   Tour::Press(desktop.Menu(), "cmdCalibration");
   auto& setup = dynamic_cast<frmCalSetup&>(Window("frmCalSetup"));
   setup.LoadFile(QStringLiteral("cdn-10v.csu"));
-  Find<QLineEdit>(setup, "txtLogStep").setText(QStringLiteral("20"));
+  Find<QAbstractButton>(setup, "optLinStep").click();
+  Find<QLineEdit>(setup, "txtLinearStep").setText(QStringLiteral("5"));
+  Find<QLineEdit>(setup, "txtStartFreq").setText(QStringLiteral("5"));
   tour.GrabTabs(setup, "calibration-setup");
   Tour::Press(setup, "cmdStart");
-  QWidget& run = Window("frmRunCal");
   tour.OnBox("Save Calibration", "calibration-save-question", QMessageBox::No);
-  Tour::Press(run, "cmdStart");
-  tour.Grab(run, "calibration-finished");
-  run.close();
+  PictureRun(tour, events, Window("frmRunCal"), "cmdStart", "100.0", "calibration");
+  Window("frmRunCal").close();
+  Settle();
+  setup.close();
+  Settle();
+}
+
+/// Both passes of an insertion-loss calibration.
+void PictureCable(Desktop& desktop, Tour& tour, QtVirtualEventLoop& events) {
+  desktop.OpenCableSetup(&desktop.Menu());
+  QWidget& setup = Window("frmCblSetup");
+  const std::pair<const char*, const char*> entries[] = {
+      {"txtStartFreq", "0.15"}, {"txtStopFreq", "230"}, {"txtLogStep", "20"}, {"txtLev", "-10"}};
+  for (const auto& [box, text] : entries) Find<QLineEdit>(setup, box).setText(QLatin1String(text));
+  tour.Grab(setup, "insertion-loss-setup");
+  Tour::Press(setup, "cmdStart");
+  QWidget& passes = Window("frmRunCablCal");
+  Tour::Press(passes, "cmdDirect");
+  tour.OnBox("Save Insertion Loss", "insertion-loss-question", QMessageBox::No);
+  PictureRun(tour, events, passes, "cmdInsert", "24.7267", "insertion-loss");
+  passes.close();
   Settle();
   setup.close();
   Settle();
@@ -227,7 +262,8 @@ int TakePictures(const QString& output) {
   Window("frmEquipment").close();
   Settle();
 
-  PictureCalibration(desktop, tour);
+  PictureCalibration(desktop, tour, events);
+  PictureCable(desktop, tour, events);
 
   Tour::Press(desktop.Menu(), "cmdRunTest");
   auto& definition = dynamic_cast<frmTestDef&>(Window("frmTestDef"));
