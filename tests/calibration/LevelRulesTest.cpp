@@ -11,7 +11,6 @@
 #include "calibration/WarbleAlarm.h"
 #include "documents/CalSetupRecord.h"
 #include "measure/InterpClass.h"
-#include "support/ScriptedBus.h"
 #include "support/TestShell.h"
 
 namespace hylden {
@@ -80,8 +79,7 @@ TEST(WarbleAlarmTest, TheAlarmIsAnotherOne) {
 }
 
 TEST(TargetTest, TheWantedLevelIsAnother) {
-  ScriptedBus bus;
-  TestShell t(bus);
+  TestShell t;
   InterpClass curve(t.shell);
   CalSetupRecord setup;
   setup.CalLevel = 10;
@@ -93,8 +91,7 @@ TEST(TargetTest, TheWantedLevelIsAnother) {
 }
 
 TEST(FrequencyPlanTest, AListsOwnRangeIsNotTaken) {
-  ScriptedBus bus;
-  TestShell t(bus);
+  TestShell t;
   FrequencyRequest request{StepType::List, 0, 0, 0, t.directory.Write("a.lst", "5\r\n10\r\n50\r\n")};
   EXPECT_EQ(PlanFrequencies(t.shell, request), (std::vector<double>{5, 10, 50}));
   EXPECT_EQ(request.StartMHz, 5);

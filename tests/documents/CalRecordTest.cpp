@@ -6,7 +6,6 @@
 #include "documents/CalInfo.h"
 #include "documents/clsCalFile.h"
 #include "support/FieldChanger.h"
-#include "support/ScriptedBus.h"
 #include "support/TestShell.h"
 #include "text/RecordFile.h"
 
@@ -24,8 +23,7 @@ class CalRecordTest : public testing::Test {
     return cal.LoadFile(t.directory.File("x.hyinfo"));
   }
 
-  ScriptedBus bus;
-  TestShell t{bus};
+  TestShell t;
   clsCalFile cal{t.shell};
 };
 

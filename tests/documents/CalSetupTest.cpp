@@ -6,7 +6,6 @@
 
 #include "documents/RoundTrip.h"
 #include "support/Refusals.h"
-#include "support/ScriptedBus.h"
 #include "support/TestShell.h"
 #include "text/TextFile.h"
 
@@ -41,8 +40,7 @@ CalSetupRecord TenVolts() {
 
 class CalSetupTest : public testing::Test {
  protected:
-  ScriptedBus bus;
-  TestShell t{bus};
+  TestShell t;
   CalSetup setup{t.shell};
 };
 

@@ -4,7 +4,6 @@
 
 #include "documents/RoundTrip.h"
 #include "instruments/Instruments.h"
-#include "support/ScriptedBus.h"
 #include "support/TestShell.h"
 
 namespace hylden {
@@ -33,8 +32,7 @@ class EquipTest : public testing::Test {
  protected:
   std::optional<EntryFailure> Apply(const EquipmentEntries& entries) { return equip.ApplyEquipment(entries); }
 
-  ScriptedBus bus;
-  TestShell t{bus};
+  TestShell t;
   Instruments instruments{t.shell};
   Equip equip{t.shell, instruments};
 };

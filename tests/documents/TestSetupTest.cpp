@@ -5,7 +5,6 @@
 #include <filesystem>
 
 #include "documents/RoundTrip.h"
-#include "support/ScriptedBus.h"
 #include "support/TestShell.h"
 
 namespace hylden {
@@ -44,8 +43,7 @@ class TestSetupTest : public testing::Test {
  protected:
   std::string Summary() { return setup.StringPrintTestSetup(); }
 
-  ScriptedBus bus;
-  TestShell t{bus};
+  TestShell t;
   CalInfo calInfo{t.shell};
   TestSetup setup{t.shell, calInfo};
 };

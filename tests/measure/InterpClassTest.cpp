@@ -6,7 +6,6 @@
 #include <limits>
 #include <random>
 
-#include "support/ScriptedBus.h"
 #include "support/TestShell.h"
 
 namespace hylden {
@@ -30,8 +29,7 @@ class InterpClassTest : public testing::Test {
     return frequencies;
   }
 
-  ScriptedBus bus;
-  TestShell t{bus};
+  TestShell t;
   InterpClass table{t.shell};
 };
 

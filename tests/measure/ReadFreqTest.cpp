@@ -5,7 +5,6 @@
 #include <cmath>
 #include <limits>
 
-#include "support/ScriptedBus.h"
 #include "support/TestShell.h"
 
 namespace hylden {
@@ -22,8 +21,7 @@ class ReadFreqTest : public testing::Test {
     return plan;
   }
 
-  ScriptedBus bus;
-  TestShell t{bus};
+  TestShell t;
   ReadFreq lists{t.shell};
 };
 

@@ -3,7 +3,6 @@
 #include <cmath>
 #include <vector>
 
-#include "support/ScriptedBus.h"
 #include "support/TestShell.h"
 
 namespace hylden {
@@ -21,8 +20,7 @@ class DelayTest : public testing::Test, protected CountdownWindow {
     return t_.clock.TickMs() - start;
   }
 
-  ScriptedBus bus_;
-  TestShell t_{bus_};
+  TestShell t_;
   BDelay& delay_ = t_.shell.delay;
   std::vector<double> countdown_;
 };

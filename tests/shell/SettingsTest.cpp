@@ -7,61 +7,39 @@
 namespace hylden {
 namespace {
 
-struct ValueCase {
-  const char* name;
-  const char* text;
-  std::optional<std::string> expected;
-};
-
-class ProfileValueTest : public testing::TestWithParam<ValueCase> {};
-
-TEST_P(ProfileValueTest, ReadsTheKeyAsWritten) {
-  EXPECT_EQ(profile::Value(GetParam().text, "Equip", "Dir"), GetParam().expected);
+TEST(Profile, AKeyIsReadAsWritten) {
+  const std::pair<const char*, std::optional<std::string>> rows[] = {
+      {"[Equip]\r\nDir=C:\\lab\r\n", "C:\\lab"},
+      {"[EQUIP]\ndIR=/lab\n", "/lab"},
+      {" [ Equip ] \n\t Dir \t=  /my lab \t\n", "/my lab"},
+      {"[Equip]\nDir=\"/my lab\"\n", "/my lab"},
+      {"[Equip]\nDir=''/lab''\n", "'/lab'"},
+      {"[Equip]\nDir=\"/lab'\n", "\"/lab'"},
+      {"[Equip]\n;Dir=/old\n", std::nullopt},
+      {"[Cables]\nDir=/cables\n[Equipment]\nDir=/x\n", std::nullopt},
+      {"[Equip]\nDir=\nFile=x\n", ""},
+      {"[Equip]\nDir=/a=b;c\n", "/a=b;c"},
+      {"[Equip]\rDir=/lab", "/lab"},
+      {"\xEF\xBB\xBF[Equip]\nDir=/lab\n", "/lab"},
+      {"[Equip]\nDir=C:\\Pr\xFC"
+       "fung\n",
+       "C:\\Prüfung"},
+  };
+  for (const auto& [text, expected] : rows) EXPECT_EQ(profile::Value(text, "Equip", "Dir"), expected) << text;
 }
 
-INSTANTIATE_TEST_SUITE_P(Profile, ProfileValueTest,
-                         testing::Values(ValueCase{"Plain", "[Equip]\r\nDir=C:\\lab\r\n", "C:\\lab"},
-                                         ValueCase{"AnyCase", "[EQUIP]\ndIR=/lab\n", "/lab"},
-                                         ValueCase{"Blanks", " [ Equip ] \n\t Dir \t=  /my lab \t\n", "/my lab"},
-                                         ValueCase{"Quoted", "[Equip]\nDir=\"/my lab\"\n", "/my lab"},
-                                         ValueCase{"OnePairOnly", "[Equip]\nDir=''/lab''\n", "'/lab'"},
-                                         ValueCase{"UnmatchedQuote", "[Equip]\nDir=\"/lab'\n", "\"/lab'"},
-                                         ValueCase{"Comment", "[Equip]\n;Dir=/old\n", std::nullopt},
-                                         ValueCase{"OtherSection", "[Cables]\nDir=/cables\n[Equipment]\nDir=/x\n",
-                                                   std::nullopt},
-                                         ValueCase{"Empty", "[Equip]\nDir=\nFile=x\n", ""},
-                                         ValueCase{"EqualsInValue", "[Equip]\nDir=/a=b;c\n", "/a=b;c"},
-                                         ValueCase{"NoLineEnd", "[Equip]\rDir=/lab", "/lab"},
-                                         ValueCase{"ByteOrderMark", "\xEF\xBB\xBF[Equip]\nDir=/lab\n", "/lab"},
-                                         ValueCase{"OldCodePage",
-                                                   "[Equip]\nDir=C:\\Pr\xFC"
-                                                   "fung\n",
-                                                   "C:\\Prüfung"}),
-                         [](const auto& testCase) { return std::string(testCase.param.name); });
-
-struct WriteCase {
-  const char* name;
-  const char* before;
-  const char* after;
-};
-
-class ProfileWriteTest : public testing::TestWithParam<WriteCase> {};
-
-TEST_P(ProfileWriteTest, ChangesItsOwnLineOnly) {
-  EXPECT_EQ(profile::WithValue(GetParam().before, "Equip", "Dir", "/ü"), GetParam().after);
+TEST(Profile, AWriteChangesItsOwnLineOnly) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"", "[Equip]\r\nDir=/ü\r\n"},
+      {"; mine\n\n[equip]\ndir = \"x\" \nOdd line\n[B]\nk=v", "; mine\n\n[equip]\ndir = /ü\nOdd line\n[B]\nk=v"},
+      {"[Equip]\r\nFile=a\r\n\r\n; B\r\n[B]\r\nDir=b\r\n",
+       "[Equip]\r\nFile=a\r\nDir=/ü\r\n\r\n; B\r\n[B]\r\nDir=b\r\n"},
+      {"[B]\nk=v", "[B]\nk=v\n[Equip]\nDir=/ü\n"},
+      {"[Equip]\nFile=\xE4\nDir=x\n", "[Equip]\nFile=\xE4\nDir=/\xFC\n"},
+      {"\xEF\xBB\xBF", "\xEF\xBB\xBF[Equip]\r\nDir=/ü\r\n"},
+  };
+  for (const auto& [before, after] : rows) EXPECT_EQ(profile::WithValue(before, "Equip", "Dir", "/ü"), after) << before;
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Profile, ProfileWriteTest,
-    testing::Values(WriteCase{"NewFile", "", "[Equip]\r\nDir=/ü\r\n"},
-                    WriteCase{"Replaces", "; mine\n\n[equip]\ndir = \"x\" \nOdd line\n[B]\nk=v",
-                              "; mine\n\n[equip]\ndir = /ü\nOdd line\n[B]\nk=v"},
-                    WriteCase{"AddsKeyBeforeTheNextSectionsComment", "[Equip]\r\nFile=a\r\n\r\n; B\r\n[B]\r\nDir=b\r\n",
-                              "[Equip]\r\nFile=a\r\nDir=/ü\r\n\r\n; B\r\n[B]\r\nDir=b\r\n"},
-                    WriteCase{"AddsSectionAfterAnOpenLine", "[B]\nk=v", "[B]\nk=v\n[Equip]\nDir=/ü\n"},
-                    WriteCase{"KeepsTheOldCodePage", "[Equip]\nFile=\xE4\nDir=x\n", "[Equip]\nFile=\xE4\nDir=/\xFC\n"},
-                    WriteCase{"KeepsTheByteOrderMark", "\xEF\xBB\xBF", "\xEF\xBB\xBF[Equip]\r\nDir=/ü\r\n"}),
-    [](const auto& testCase) { return std::string(testCase.param.name); });
 
 TEST(Profile, AValueCannotSmuggleInALine) {
   const std::string text = profile::WithValue("", "Equip", "Dir", "a\r\n[System]\r\nLogToFile=1");

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "support/ScriptedBus.h"
 #include "support/TestShell.h"
 
 namespace hylden {
@@ -18,28 +17,28 @@ struct LineCase {
   bool ok = true;
 };
 
-class CommandLineTest : public testing::TestWithParam<LineCase> {};
-
-TEST_P(CommandLineTest, PiecesMeanWhatTheOperatorTyped) {
-  const CommandLine line = ParseCommandLine(GetParam().text);
-  EXPECT_EQ(line.EquipFile, GetParam().equipFile);
-  EXPECT_EQ(line.TestFile, GetParam().testFile);
-  EXPECT_EQ(line.LogLines, GetParam().log);
-  EXPECT_EQ(line.Ok, GetParam().ok);
+TEST(CommandLine, PiecesMeanWhatTheOperatorTyped) {
+  const LineCase cases[] = {
+      {"", "", "", {}},
+      {R"("/e:My station.eqp" "/t:x.tst")", "My station.eqp", "x.tst", {kEquipLog, kTestLog}},
+      {R"("/t: x.tst ")", "", " x.tst ", {kTestLog}},
+      {"/e:a.eqp", "a.eqp", "", {kEquipLog}},
+      {"/e:", "", "", {kEquipLog}},
+      {"/e:a.eqp /t:x.tst", "a.eqp /t:x.tst", "", {kEquipLog}},
+      {R"("/e:a" "/e:b")", "b", "", {kEquipLog, kEquipLog}},
+      {R"("-x" "abc")", "", "", {}},
+      {R"("/E:a.eqp")", "", "", {}, false},
+      {R"("/e:a" "/x:abc" "/t:b")", "a", "", {kEquipLog}, false},
+  };
+  for (const LineCase& c : cases) {
+    SCOPED_TRACE(c.text);
+    const CommandLine line = ParseCommandLine(c.text);
+    EXPECT_EQ(line.EquipFile, c.equipFile);
+    EXPECT_EQ(line.TestFile, c.testFile);
+    EXPECT_EQ(line.LogLines, c.log);
+    EXPECT_EQ(line.Ok, c.ok);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Lines, CommandLineTest,
-    testing::Values(LineCase{"", "", "", {}},  //
-                    LineCase{R"("/e:My station.eqp" "/t:x.tst")", "My station.eqp", "x.tst", {kEquipLog, kTestLog}},
-                    LineCase{R"("/t: x.tst ")", "", " x.tst ", {kTestLog}},            //
-                    LineCase{"/e:a.eqp", "a.eqp", "", {kEquipLog}},                    //
-                    LineCase{"/e:", "", "", {kEquipLog}},                              //
-                    LineCase{"/e:a.eqp /t:x.tst", "a.eqp /t:x.tst", "", {kEquipLog}},  //
-                    LineCase{R"("/e:a" "/e:b")", "b", "", {kEquipLog, kEquipLog}},     //
-                    LineCase{R"("-x" "abc")", "", "", {}},                             //
-                    LineCase{R"("/E:a.eqp")", "", "", {}, false},                      //
-                    LineCase{R"("/e:a" "/x:abc" "/t:b")", "a", "", {kEquipLog}, false}));
 
 TEST(JoinArguments, GivesBackTheQuotesThatTheShellRemoved) {
   const std::string quoted = R"("/e:My station.eqp" "/t:x.tst")";
@@ -76,8 +75,7 @@ class Steps : public StartUpSteps {
 
 class StartUpTest : public testing::Test {
  protected:
-  ScriptedBus bus;
-  TestShell t{bus};
+  TestShell t;
   WorkingDirectory here{t.directory.Path()};
   Steps steps;
   using Done = std::vector<std::string>;

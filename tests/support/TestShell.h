@@ -5,21 +5,25 @@
 #include "support/FakeDialogs.h"
 #include "support/FakePrinter.h"
 #include "support/FakeSpeaker.h"
+#include "support/ScriptedBus.h"
 #include "support/TempDir.h"
 
 namespace hylden {
 
 /// A machine of fakes, with a shell on it whose program directory is temporary. Header only, since folders below shell
 /// link the support library too.
+///   TestShell t;                                                          // where no bus matters
 ///   ScriptedBus bus;  TestShell t(bus);                                   // a clock of its own
 ///   VirtualClock clock;  SomeBus bus(clock);  TestShell t(bus, clock);    // the clock that the bus runs on
 class TestShell {
  public:
+  TestShell() : TestShell(ownBus_, nullptr) {}
   explicit TestShell(GpibDriver& gpib) : TestShell(gpib, nullptr) {}
   TestShell(GpibDriver& gpib, VirtualClock& sharedClock) : TestShell(gpib, &sharedClock) {}
 
  private:
   VirtualClock ownClock_;
+  ScriptedBus ownBus_;
 
  public:
   TempDir directory;

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "support/ScriptedBus.h"
 #include "support/TestShell.h"
 #include "testrun/RunReport.h"
 #include "testrun/RunRig.h"
@@ -44,8 +43,7 @@ TEST(RunData, TheThresholdFileHoldsThresholdsOnly) {
 }
 
 struct SaveTest : testing::Test {
-  ScriptedBus bus;
-  TestShell t{bus};
+  TestShell t;
 };
 
 TEST_F(SaveTest, NothingToSaveOpensNoDialog) {

@@ -133,11 +133,5 @@ TEST(ToFlag, TakesWordsInAnyCaseAndNumbers) {
   EXPECT_EQ(ErrorOf([] { ToFlag("yes"); }), 13);
 }
 
-TEST(RuntimeError, CarriesTheCustomaryDescription) {
-  const RuntimeError error(ErrorNumber::InputPastEndOfFile);
-  EXPECT_EQ(error.Number(), 62);
-  EXPECT_EQ(error.Description(), "Input past end of file");
-}
-
 }  // namespace
 }  // namespace hylden
