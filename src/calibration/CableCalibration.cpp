@@ -133,8 +133,8 @@ bool RunCablCal::MeasurePoint(const Pass& pass, std::size_t index) {
     shell_.dialogs.Tell("Run halted due to errors");
     return false;
   }
-  // Halted while it ranged itself, the meter gives what it had.
-  if (Halted()) return false;
+  // Halted while it ranged itself, the meter gives what it had; without RF, nothing.
+  if (Halted() || !instruments_.sigGen.RfIsOn()) return false;
   Store(pass, point, levelDbm, reading);
   pass.Display.MeterLevel(reading);
   pass.Display.RowChanged(row);

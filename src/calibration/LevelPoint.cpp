@@ -106,7 +106,9 @@ bool LevelCalibration::ReadLevel() {
     float first = 0, second = 0;
     if (!instruments_.ifiAmp.IfiReadPower(first, second)) return false;
   }
-  return (!setup_.RecordsForward() || ReadForwardPower()) && ReadMeter();
+  if (setup_.RecordsForward() && !ReadForwardPower()) return false;
+  // A failure that was told has switched RF off; what is read then is no level.
+  return ReadMeter() && instruments_.sigGen.RfIsOn();
 }
 
 bool LevelCalibration::ReadForwardPower() {
