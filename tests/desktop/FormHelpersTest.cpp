@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
@@ -10,6 +11,8 @@
 #include <filesystem>
 
 #include "desktop/FormDriver.h"
+#include "platform/qt/RfLamp.h"
+#include "platform/qt/ThemeColors.h"
 #include "shell/frmHelp.h"
 #include "shell/frmPickDir.h"
 #include "shell/qt/FormPrompts.h"
@@ -47,6 +50,19 @@ TEST(PathLabel, ShowsAsMuchOfThePathAsFitsAndKeepsAllOfItInTheTag) {
   FitPathLabel("", label);
   EXPECT_TRUE(label.text().isEmpty());
   EXPECT_TRUE(label.toolTip().isEmpty());
+}
+
+TEST(RfLamp, IsRedOfTheThemeThatComesWhileRfIsOn) {
+  RfLamp lamp;
+  lamp.show();
+  lamp.ShowRf(true);
+  const QPalette light = QApplication::palette();
+  for (const QPalette& theme : {QPalette(QColor(30, 30, 30)), light}) {
+    QApplication::setPalette(theme);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(lamp.palette().color(QPalette::Window), HighlightRed(theme));
+    EXPECT_EQ(lamp.palette().color(QPalette::WindowText), QColor(IsDark(theme) ? Qt::black : Qt::white));
+  }
 }
 
 class FormHelpersTest : public testing::Test {

@@ -32,7 +32,7 @@ void RfLamp::Colour() {
 
 void RfLamp::changeEvent(QEvent* event) {
   QLabel::changeEvent(event);
-  if (event->type() == QEvent::ApplicationPaletteChange) Colour();
+  if (event->type() == QEvent::PaletteChange) Colour();
 }
 
 }  // namespace hylden
