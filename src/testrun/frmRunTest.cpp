@@ -2,38 +2,25 @@
 
 #include <QActionGroup>
 #include <QEvent>
-#include <QFontMetrics>
-#include <QScrollBar>
 #include <algorithm>
 
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
-#include "platform/qt/QtText.h"
+#include "platform/qt/LabelText.h"
+#include "platform/qt/TableFollower.h"
 #include "platform/qt/ThemeColors.h"
 #include "shell/Shell.h"
 #include "testrun/frmManual.h"
 #include "testrun/frmRunButtons.h"
 #include "testrun/qt/RunWindowPlace.h"
-#include "text/Pattern.h"
 #include "ui_frmRunTest.h"
 
 namespace hylden {
 
 namespace {
 
-constexpr char kNothing[] = "--";
-constexpr int kFollowMs = 50;
 constexpr int kRfWatchMs = 100;
 constexpr int kCommentColumn = static_cast<int>(RunColumn::TestLevel);
-
-/// Text that is already there costs no layout and no painting: the countdown is written a thousand times a second.
-void Show(QLabel& label, const QString& text) {
-  if (label.text() != text) label.setText(text);
-}
-
-void ShowNumber(QLabel& label, double value, std::string_view pattern) {
-  Show(label, ToQt(Format(value, pattern)));
-}
 
 }  // namespace
 
@@ -45,18 +32,16 @@ frmRunTest::frmRunTest(Shell& shell, Instruments& instruments, Documents& docume
       ui_(std::make_unique<Ui::frmRunTest>()),
       engine_(shell, instruments, documents, *this, *this),
       commands_(shell, documents, engine_, *this),
-      model_(engine_.Data()) {
+      model_(engine_.Data()),
+      escape_([this](const QWidget& window) { return IsOurs(window); }, [this] { PressHalt(); }) {
   ui_->setupUi(this);
   marks_ = {{ui_->lblSigGenLevel, false}, {ui_->lblInducedLevel, false}, {ui_->lblPower, false}};
-  SetUpTable();
+  ui_->flxTestData->setModel(&model_);
+  follower_ = new TableFollower(*ui_->flxTestData);
   SetUpStatusBar();
   ConnectFileMenu();
   ConnectUnits();
   connect(ui_->mnuHelpRun, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
-  follow_.setObjectName(QStringLiteral("tmrFollow"));
-  follow_.setSingleShot(true);
-  follow_.setInterval(kFollowMs);
-  connect(&follow_, &QTimer::timeout, this, &frmRunTest::FollowRow);
   rfWatch_.setInterval(kRfWatchMs);
   connect(&rfWatch_, &QTimer::timeout, this, &frmRunTest::ShowRf);
   StartAfresh();
@@ -66,19 +51,6 @@ frmRunTest::frmRunTest(Shell& shell, Instruments& instruments, Documents& docume
 }
 
 frmRunTest::~frmRunTest() = default;
-
-void frmRunTest::SetUpTable() {
-  QTableView& table = *ui_->flxTestData;
-  table.setModel(&model_);
-  // Every row is of one height, and no column asks its rows how wide they are.
-  table.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-  table.verticalHeader()->setDefaultSectionSize(QFontMetrics(table.font()).height() + 6);
-  table.horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
-  table.horizontalHeader()->setHighlightSections(false);
-  const QScrollBar* const bar = table.verticalScrollBar();
-  connect(bar, &QScrollBar::valueChanged, this, [this, bar](int value) { following_ = value == bar->maximum(); });
-  connect(bar, &QScrollBar::rangeChanged, &follow_, [this] { follow_.start(); });
-}
 
 void frmRunTest::SetUpStatusBar() {
   const auto panel = [this](const char* name, const char* meaning) {
@@ -174,7 +146,7 @@ void frmRunTest::StartAfresh() {
   powerDbm_.reset();
   for (QLabel* const label : {static_cast<QLabel*>(ui_->lblFreq), static_cast<QLabel*>(ui_->lblSigGenLevel),
                               ui_->lblStep, ui_->lblDwell, ui_->lblElapsed})
-    Show(*label, QString::fromLatin1(kNothing));
+    ShowText(*label, QString::fromLatin1(kNoFigure));
   frequencyPanel_->clear();
   for (Marked& mark : marks_) mark.red = false;
   ShowMarks();
@@ -183,36 +155,36 @@ void frmRunTest::StartAfresh() {
   ShowPowerNow();
   ClearCountdown();
   step_ = filledRows_ = 0;
-  following_ = true;
+  follower_->StartAfresh();
   ui_->prgSteps->setValue(0);
   ui_->flxTestData->clearSpans();
 }
 
 void frmRunTest::ClearCountdown() {
-  Show(*ui_->lblCountdown, QString::fromLatin1(kNothing));
+  ShowText(*ui_->lblCountdown, QString::fromLatin1(kNoFigure));
   dwellPanel_->clear();
 }
 
 void frmRunTest::Countdown(double seconds) {
   const QString left = ToQt(Format(std::max(0.0, seconds), "##0.0"));
-  Show(*ui_->lblCountdown, left);
-  Show(*dwellPanel_, QStringLiteral("Dwelling ") + left);
+  ShowText(*ui_->lblCountdown, left);
+  ShowText(*dwellPanel_, QStringLiteral("Dwelling ") + left);
 }
 
 void frmRunTest::Status(const std::string& text) {
-  Show(*statusPanel_, ToQt(text));
-  Show(*ui_->lblState, ToQt(text));
+  ShowText(*statusPanel_, ToQt(text));
+  ShowText(*ui_->lblState, ToQt(text));
   ShowRf();
 }
 
 void frmRunTest::Step(int step) {
   step_ = step;
-  Show(*ui_->lblStep, QStringLiteral("Step# %1").arg(step));
+  ShowText(*ui_->lblStep, QStringLiteral("Step# %1").arg(step));
 }
 
 void frmRunTest::Frequency(double frequencyMHz) {
   ShowNumber(*ui_->lblFreq, frequencyMHz, "#0.0#####");
-  Show(*frequencyPanel_, ToQt(Format(frequencyMHz, "0.0#####")) + QStringLiteral(" MHz"));
+  ShowText(*frequencyPanel_, ToQt(Format(frequencyMHz, "0.0#####")) + QStringLiteral(" MHz"));
 }
 
 void frmRunTest::SigGenLevel(float levelDbm) {
@@ -238,23 +210,23 @@ void frmRunTest::Power(double powerDbm) {
 void frmRunTest::ShowTestLevelNow() {
   const ShownLevel shown = ShowTestLevel(double{testLevelDbuv_.value_or(0)}, units_.TestLevel,
                                          documents_.testSetup.Definition.EUTCircuitImpedance);
-  Show(*ui_->lblTestLevelCap, ScreenText(shown.Caption));
-  Show(*ui_->lblTestLevel, testLevelDbuv_ ? ToQt(shown.Value) : QString::fromLatin1(kNothing));
+  ShowText(*ui_->lblTestLevelCap, ScreenText(shown.Caption));
+  ShowText(*ui_->lblTestLevel, testLevelDbuv_ ? ToQt(shown.Value) : QString::fromLatin1(kNoFigure));
   ui_->lblTestLevel->setToolTip(testLevelDbuv_ ? ToQt(shown.ToolTip) : QString());
 }
 
 void frmRunTest::ShowInducedLevelNow() {
   const ShownLevel shown = ShowInducedLevel(inducedDbua_.value_or(0), inducedLimitDbua_, units_.Induced,
                                             documents_.testSetup.Definition.EUTCircuitImpedance);
-  Show(*ui_->lblInducedLevelCap, ScreenText(shown.Caption));
-  Show(*ui_->lblInducedLevel, inducedDbua_ ? ToQt(shown.Value) : QString::fromLatin1(kNothing));
+  ShowText(*ui_->lblInducedLevelCap, ScreenText(shown.Caption));
+  ShowText(*ui_->lblInducedLevel, inducedDbua_ ? ToQt(shown.Value) : QString::fromLatin1(kNoFigure));
   ui_->lblInducedLevel->setToolTip(ToQt(shown.ToolTip));
 }
 
 void frmRunTest::ShowPowerNow() {
   const ShownLevel shown = ShowPower(powerDbm_.value_or(0), units_.Power);
-  Show(*ui_->lblPowerCap, ScreenText(shown.Caption));
-  Show(*ui_->lblPower, powerDbm_ ? ToQt(shown.Value) : QString::fromLatin1(kNothing));
+  ShowText(*ui_->lblPowerCap, ScreenText(shown.Caption));
+  ShowText(*ui_->lblPower, powerDbm_ ? ToQt(shown.Value) : QString::fromLatin1(kNoFigure));
 }
 
 void frmRunTest::Highlight(Quantity quantity, bool red) {
@@ -270,23 +242,11 @@ void frmRunTest::ShowMarks() {
 
 void frmRunTest::changeEvent(QEvent* event) {
   WorkingForm::changeEvent(event);
-  if (event->type() != QEvent::PaletteChange || marks_.empty()) return;
-  ShowMarks();
-  rfShown_ = !instruments_.sigGen.RfIsOn();  // its colours are of the theme before
-  ShowRf();
+  if (event->type() == QEvent::PaletteChange) ShowMarks();
 }
 
 void frmRunTest::ShowRf() {
-  const bool on = instruments_.sigGen.RfIsOn();
-  if (on == rfShown_) return;
-  rfShown_ = on;
-  QPalette colours;
-  if (on) {
-    colours.setColor(QPalette::Window, HighlightRed(palette()));
-    colours.setColor(QPalette::WindowText, IsDark(palette()) ? Qt::black : Qt::white);
-  }
-  ui_->lblRf->setPalette(colours);
-  ui_->lblRf->setText(on ? QStringLiteral("RF ON") : QStringLiteral("RF off"));
+  ui_->lblRf->ShowRf(instruments_.sigGen.RfIsOn());
 }
 
 void frmRunTest::Dwell(double seconds) {
@@ -294,7 +254,7 @@ void frmRunTest::Dwell(double seconds) {
 }
 
 void frmRunTest::Plan(int steps, double estimatedMinutes) {
-  Show(*ui_->lblSteps, QString::number(steps));
+  ShowText(*ui_->lblSteps, QString::number(steps));
   ui_->prgSteps->setRange(0, std::max(1, steps));
   Remaining(estimatedMinutes);
 }
@@ -323,13 +283,7 @@ void frmRunTest::RowChanged(int row) {
   const bool threshold = model_.IsThreshold(row - 1);
   if (threshold && added) ui_->flxTestData->setSpan(row - 1, kCommentColumn, 1, model_.columnCount() - kCommentColumn);
   if (!threshold && !added) ui_->prgSteps->setValue(step_);
-  if (!follow_.isActive()) follow_.start();
-}
-
-void frmRunTest::FollowRow() {
-  if (!following_ || model_.rowCount() == 0) return;
-  ui_->flxTestData->setCurrentIndex(model_.index(model_.rowCount() - 1, 0));
-  ui_->flxTestData->scrollToBottom();
+  follower_->RowChanged();
 }
 
 }  // namespace hylden

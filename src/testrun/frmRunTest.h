@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "platform/qt/EscapeWatch.h"
 #include "shell/qt/WorkingForm.h"
 #include "testrun/RunCommands.h"
 #include "testrun/RunControls.h"
@@ -22,6 +23,7 @@ namespace hylden {
 
 class frmManual;
 class frmRunButtons;
+class TableFollower;
 namespace Ui {
 class frmRunTest;
 }
@@ -57,8 +59,6 @@ class frmRunTest : public WorkingForm, private RunDisplay, private RunControls {
  protected:
   bool QueryUnload() override;
   void changeEvent(QEvent* event) override;
-  /// Sees Escape while a run is on.
-  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   struct UnitEntry {
@@ -113,11 +113,9 @@ class frmRunTest : public WorkingForm, private RunDisplay, private RunControls {
   void ConnectUnits();
   void OfferUnits(QMenu* menu, const std::vector<UnitEntry>& entries, RunUnit& choice, void (frmRunTest::*refresh)());
   void OpenOnRightClick(QMenu* menu, const std::vector<QWidget*>& labels);
-  void SetUpTable();
   void SetUpStatusBar();
 
   void StartAfresh();
-  void FollowRow();
   void ShowTestLevelNow();
   void ShowInducedLevelNow();
   void ShowPowerNow();
@@ -125,7 +123,7 @@ class frmRunTest : public WorkingForm, private RunDisplay, private RunControls {
   void ShowMarks();
   void ClearCountdown();
   void EndRun();
-  bool IsOurs(const QObject* watched) const;
+  bool IsOurs(const QWidget& window) const;
 
   Shell& shell_;
   Instruments& instruments_;
@@ -136,6 +134,8 @@ class frmRunTest : public WorkingForm, private RunDisplay, private RunControls {
   RunDataModel model_;
   std::unique_ptr<frmRunButtons> ButtonForm;
   std::unique_ptr<frmManual> ManForm;
+  EscapeWatch escape_;
+  TableFollower* follower_ = nullptr;
   QLabel* statusPanel_ = nullptr;
   QLabel* frequencyPanel_ = nullptr;
   QLabel* dwellPanel_ = nullptr;
@@ -146,12 +146,9 @@ class frmRunTest : public WorkingForm, private RunDisplay, private RunControls {
   double inducedLimitDbua_ = 0;
   std::optional<double> powerDbm_;
   std::vector<Marked> marks_;
-  QTimer follow_{this};    ///< the table is moved at this pace, however fast the rows come
-  QTimer rfWatch_{this};   ///< RF can go off under a message box
-  bool following_ = true;  ///< the operator has not scrolled away from the last row
+  QTimer rfWatch_{this};  ///< RF can go off under a message box
   int step_ = 0;
   int filledRows_ = 0;
-  bool rfShown_ = false;
   bool simulated_ = false;
   bool inRun_ = false;  ///< a press of Run has not returned yet
   bool askingToSave_ = false;

@@ -1,12 +1,12 @@
 // The test run form and the windows around it: loading, the run buttons, manual mode, unloading.
 
 #include <QApplication>
-#include <QKeyEvent>
 #include <QMenu>
 #include <exception>
 
 #include "instruments/Instruments.h"
 #include "platform/qt/QtText.h"
+#include "platform/qt/TableFollower.h"
 #include "shell/Shell.h"
 #include "testrun/frmManual.h"
 #include "testrun/frmRunButtons.h"
@@ -50,25 +50,8 @@ bool frmRunTest::QueryUnload() {
   return true;
 }
 
-bool frmRunTest::IsOurs(const QObject* watched) const {
-  const auto* const widget = qobject_cast<const QWidget*>(watched);
-  if (!widget) return false;
-  const QWidget* const window = widget->window();
-  return window == this || window == ButtonForm.get() || window == ManForm.get();
-}
-
-bool frmRunTest::eventFilter(QObject* watched, QEvent* event) {
-  const bool asked = event->type() == QEvent::ShortcutOverride;
-  if ((!asked && event->type() != QEvent::KeyPress) || static_cast<QKeyEvent*>(event)->key() != Qt::Key_Escape)
-    return WorkingForm::eventFilter(watched, event);
-  if (qobject_cast<QMenu*>(watched)) {
-    if (!asked) PressHalt();
-    return false;  // the menu closes, too
-  }
-  if (!IsOurs(watched)) return false;
-  event->accept();
-  if (!asked) PressHalt();
-  return true;
+bool frmRunTest::IsOurs(const QWidget& window) const {
+  return &window == this || &window == ButtonForm.get() || &window == ManForm.get();
 }
 
 void frmRunTest::PressHalt() {
@@ -78,7 +61,7 @@ void frmRunTest::PressHalt() {
 void frmRunTest::buttonform_RunClick() {
   if (inRun_) return;
   inRun_ = true;
-  qApp->installEventFilter(this);
+  escape_.Start();
   rfWatch_.start();
   std::exception_ptr programEnd;
   try {
@@ -95,7 +78,7 @@ void frmRunTest::buttonform_RunClick() {
 
 void frmRunTest::EndRun() {
   rfWatch_.stop();
-  qApp->removeEventFilter(this);
+  escape_.Stop();
   inRun_ = false;
   ShowRf();
   // Not before the press of Run has returned: the button that was pressed goes with the form.
@@ -125,7 +108,7 @@ void frmRunTest::SetHaltMode() {
   Status("State: Idle");
   ClearCountdown();
   ui_->prgSteps->setValue(engine_.CompletedSteps());
-  FollowRow();
+  follower_->Follow();
 }
 
 void frmRunTest::SetHalting() {

@@ -17,6 +17,7 @@ TableFollower::TableFollower(QTableView& table) : QObject(&table), table_(table)
   table.verticalHeader()->setDefaultSectionSize(QFontMetrics(table.font()).height() + 6);
   table.horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
   table.horizontalHeader()->setHighlightSections(false);
+  timer_.setObjectName(QStringLiteral("tmrFollow"));
   timer_.setSingleShot(true);
   timer_.setInterval(kFollowMs);
   connect(&timer_, &QTimer::timeout, this, &TableFollower::Follow);

@@ -24,7 +24,7 @@ class TableFollower : public QObject {
 
  private:
   QTableView& table_;
-  QTimer timer_;
+  QTimer timer_{this};
   bool following_ = true;
 };
 
