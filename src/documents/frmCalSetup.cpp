@@ -5,10 +5,8 @@
 #include "documents/qt/EntryPrompt.h"
 #include "instruments/Instruments.h"
 #include "measure/InterpClass.h"
-#include "platform/qt/FileDrop.h"
 #include "platform/qt/QtText.h"
 #include "shell/Shell.h"
-#include "shell/qt/RecentFilesMenu.h"
 #include "text/Numbers.h"
 #include "ui_frmCalSetup.h"
 
@@ -17,7 +15,6 @@ namespace hylden {
 namespace {
 
 constexpr char kSetupFilter[] = "Cal Setup Files (*.csu)|*.csu|All Files|*.*";
-constexpr char kListFilter[] = "Frequency List (*.lst)|*.lst|All Files|*.*";
 constexpr char kLevelFilter[] = "Test Level (*.lev)|*.lev|All Files|*.*";
 constexpr char kInterDwell[] = "1.0";
 
@@ -51,8 +48,7 @@ void WalkEntries(const Ui::frmCalSetup& ui, CalSetupEntries& e, const Visitor& v
 }  // namespace
 
 frmCalSetup::frmCalSetup(Shell& shell, Instruments& instruments, Documents& documents, QWidget* parent)
-    : WorkingForm(parent),
-      shell_(shell),
+    : SetupForm(shell, parent),
       instruments_(instruments),
       documents_(documents),
       ui_(std::make_unique<Ui::frmCalSetup>()) {
@@ -60,7 +56,6 @@ frmCalSetup::frmCalSetup(Shell& shell, Instruments& instruments, Documents& docu
   ConnectCommands();
   ConnectRules();
   Offer(false, false);
-  new FileDrop(this, QStringLiteral("csu"), [this](const QString& path) { LoadFile(path); });
   CalSetupEntries design;
   ShowEntries(design);
   documents_.calSetup.SetOpeningDefaults(design.InitLevel, static_cast<double>(instruments_.meter.SettlingTime()));
@@ -71,25 +66,25 @@ frmCalSetup::frmCalSetup(Shell& shell, Instruments& instruments, Documents& docu
 frmCalSetup::~frmCalSetup() = default;
 
 void frmCalSetup::ConnectCommands() {
-  recentFiles_ = new RecentFilesMenu(ui_->mnuFileRecent, shell_.settings, datakind::kCalibrations);
-  connect(recentFiles_, &RecentFilesMenu::Chosen, this, &frmCalSetup::LoadFile);
-  On(ui_->mnuFileLoad, &QAction::triggered, &frmCalSetup::Load);
-  On(ui_->mnuFileSave, &QAction::triggered, &frmCalSetup::Save);
-  On(ui_->mnuFileSaveAs, &QAction::triggered, &frmCalSetup::SaveAs);
-  On(ui_->mnuStart, &QAction::triggered, &frmCalSetup::Start);
-  On(ui_->cmdLoad, &QPushButton::clicked, &frmCalSetup::Load);
-  On(ui_->cmdSave, &QPushButton::clicked, &frmCalSetup::SaveAs);
-  On(ui_->cmdStart, &QPushButton::clicked, &frmCalSetup::Start);
-  On(ui_->cmdListFile, &QPushButton::clicked, &frmCalSetup::SelectListFile);
-  On(ui_->cmdLevelFile, &QPushButton::clicked, &frmCalSetup::SelectLevelFile);
-  On(ui_->cmdCreateList, &QPushButton::clicked, &frmCalSetup::CreateList);
+  OfferFiles(ui_->mnuFileRecent, datakind::kCalibrations, QStringLiteral("csu"),
+             [this](const QString& path) { LoadFile(path); });
+  On(ui_->mnuFileLoad, [this] { Load(); });
+  On(ui_->mnuFileSave, [this] { Save(); });
+  On(ui_->mnuFileSaveAs, [this] { SaveAs(); });
+  On(ui_->mnuStart, [this] { Start(); });
+  On(ui_->cmdLoad, [this] { Load(); });
+  On(ui_->cmdSave, [this] { SaveAs(); });
+  On(ui_->cmdStart, [this] { Start(); });
+  On(ui_->cmdListFile, [this] { SelectListFile(); });
+  On(ui_->cmdLevelFile, [this] { SelectLevelFile(); });
+  On(ui_->cmdCreateList, [this] { CreateList(); });
   connect(ui_->mnuEditList, &QAction::triggered, ui_->cmdCreateList, &QPushButton::click);
   ui_->lblListFile->setContextMenuPolicy(Qt::CustomContextMenu);
   connect(ui_->lblListFile, &QWidget::customContextMenuRequested, ui_->cmdCreateList, &QPushButton::click);
   connect(ui_->mnuEditLevel, &QAction::triggered, this,
           [this] { emit EditLevelRequested(ToQt(ui_->lblLimitFile->Path())); });
-  connect(ui_->cmdExit, &QPushButton::clicked, this, &frmCalSetup::close);
-  connect(ui_->mnuFileExit, &QAction::triggered, this, &frmCalSetup::close);
+  On(ui_->cmdExit, [this] { close(); });
+  On(ui_->mnuFileExit, [this] { close(); });
   connect(ui_->mnuHelpCalibrations, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
 }
 
@@ -104,28 +99,13 @@ void frmCalSetup::ConnectRules() {
   ApplyRule(ui_->chkRecordRP, RecordRevPwrClicked);
 }
 
-/// After a click on the control the rule changes the other entries.
-void frmCalSetup::ApplyRule(const QObject* control, void (*rule)(CalSetupEntries&)) {
-  connect(qobject_cast<const QAbstractButton*>(control), &QAbstractButton::clicked, this, [this, rule] {
+/// After a click on the button the rule changes the other entries.
+void frmCalSetup::ApplyRule(QAbstractButton* button, void (*rule)(CalSetupEntries&)) {
+  On(button, [this, rule] {
     CalSetupEntries entries = Entries();
     rule(entries);
     ShowEntries(entries);
   });
-}
-
-/// Runs a command of the form; what it could not foresee is reported, since nothing may leave an event handler.
-template <class Action>
-void frmCalSetup::Guard(const QObject* control, Action action) {
-  try {
-    action();
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, "frmCalSetup." + FromQt(control->objectName()));
-  }
-}
-
-template <class Sender, class Signal>
-void frmCalSetup::On(Sender* sender, Signal signal, void (frmCalSetup::*command)()) {
-  connect(sender, signal, this, [this, sender, command] { Guard(sender, [&] { (this->*command)(); }); });
 }
 
 void frmCalSetup::Offer(bool listBuilder, bool factorEditor) {
@@ -186,10 +166,8 @@ void frmCalSetup::Explain(const EntryFailure& failure) {
 }
 
 void frmCalSetup::ShowFile() {
-  const QString path = ToQt(file_);
-  setWindowTitle(QStringLiteral("Cal Setup File: ") + path);
-  const QString name = QString(path).replace(QLatin1Char('&'), QLatin1String("&&"));
-  ui_->mnuFileSave->setText(name.isEmpty() ? QStringLiteral("&Save") : QStringLiteral("&Save ") + name);
+  setWindowTitle(QStringLiteral("Cal Setup File: ") + ToQt(file_));
+  ShowSaveTarget(*ui_->mnuFileSave, file_);
 }
 
 void frmCalSetup::EnableControls() {
@@ -204,8 +182,7 @@ void frmCalSetup::EnableControls() {
 }
 
 void frmCalSetup::Load() {
-  const auto path = shell_.dialogs.OpenFile(
-      {"Select Calibration Setup file", kSetupFilter, shell_.settings.GetDataDir(datakind::kCalibrations)});
+  const auto path = AskFile("Select Calibration Setup file", kSetupFilter, datakind::kCalibrations);
   if (path) LoadFile(ToQt(*path));
 }
 
@@ -220,7 +197,7 @@ void frmCalSetup::LoadFile(const QString& path) {
     file_ = FromQt(path);
     ShowFile();
     SetupToForm();
-    recentFiles_->Add(file_);
+    AddRecentFile(file_);
   });
 }
 
@@ -242,13 +219,11 @@ void frmCalSetup::SaveTo(const std::string& path) {
   if (!documents_.calSetup.SaveDef(path)) return;
   file_ = path;
   ShowFile();
-  recentFiles_->Add(file_);
+  AddRecentFile(file_);
 }
 
 void frmCalSetup::SelectListFile() {
-  const auto path = shell_.dialogs.OpenFile(
-      {"Select frequency list file", kListFilter, shell_.settings.GetDataDir(datakind::kFreqList)});
-  if (path) UseList(ToQt(*path));
+  if (const auto path = AskListFile()) UseList(ToQt(*path));
 }
 
 void frmCalSetup::UseList(const QString& path) {

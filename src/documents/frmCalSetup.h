@@ -2,12 +2,10 @@
 
 #include <memory>
 
-#include "shell/qt/WorkingForm.h"
+#include "documents/qt/SetupForm.h"
 
 namespace hylden {
 
-class RecentFilesMenu;
-class Shell;
 struct CalSetupEntries;
 struct Documents;
 struct EntryFailure;
@@ -18,7 +16,7 @@ class frmCalSetup;
 
 /// The calibration setup: which frequencies are calibrated, to which level, with which coupling device. What was typed
 /// stays in the setup when the form closes, checked or not.
-class frmCalSetup : public WorkingForm {
+class frmCalSetup : public SetupForm {
   Q_OBJECT
 
  public:
@@ -57,15 +55,11 @@ class frmCalSetup : public WorkingForm {
  private:
   void ConnectCommands();
   void ConnectRules();
-  template <class Action>
-  void Guard(const QObject* control, Action action);
-  template <class Sender, class Signal>
-  void On(Sender* sender, Signal signal, void (frmCalSetup::*command)());
 
   CalSetupEntries Entries() const;
   void ShowEntries(CalSetupEntries entries);
   void EnableControls();
-  void ApplyRule(const QObject* control, void (*rule)(CalSetupEntries&));
+  void ApplyRule(QAbstractButton* button, void (*rule)(CalSetupEntries&));
   void Explain(const EntryFailure& failure);
   void ShowFile();
 
@@ -78,11 +72,9 @@ class frmCalSetup : public WorkingForm {
   void CreateList();
   void Start();
 
-  Shell& shell_;
   Instruments& instruments_;
   Documents& documents_;
   std::unique_ptr<Ui::frmCalSetup> ui_;
-  RecentFilesMenu* recentFiles_ = nullptr;
   std::string file_;  ///< the current file
 };
 

@@ -4,13 +4,11 @@
 #include "documents/qt/EntryPrompt.h"
 #include "instruments/Instruments.h"
 #include "measure/InterpClass.h"
-#include "platform/qt/FileDrop.h"
 #include "platform/qt/QtText.h"
 #include "shell/FormInput.h"
 #include "shell/Shell.h"
 #include "shell/qt/AboutBox.h"
 #include "shell/qt/OptionsMenu.h"
-#include "shell/qt/RecentFilesMenu.h"
 #include "text/Numbers.h"
 #include "ui_frmEquipment.h"
 
@@ -62,18 +60,13 @@ struct frmEquipment::TableRow {
 };
 
 frmEquipment::frmEquipment(Shell& shell, Instruments& instruments, Equip& equip, QWidget* parent)
-    : WorkingForm(parent),
-      shell_(shell),
-      instruments_(instruments),
-      equip_(equip),
-      ui_(std::make_unique<Ui::frmEquipment>()) {
+    : SetupForm(shell, parent), instruments_(instruments), equip_(equip), ui_(std::make_unique<Ui::frmEquipment>()) {
   ui_->setupUi(this);
   ConnectFileMenu();
   ConnectInstruments();
   ConnectTables();
   ConnectAmplifier();
   Offer(false, false, false);
-  new FileDrop(this, QStringLiteral("eqp"), [this](const QString& path) { LoadFile(path); });
   ShowFileName();
   ShowEquipment();
 }
@@ -81,15 +74,15 @@ frmEquipment::frmEquipment(Shell& shell, Instruments& instruments, Equip& equip,
 frmEquipment::~frmEquipment() = default;
 
 void frmEquipment::ConnectFileMenu() {
-  recentFiles_ = new RecentFilesMenu(ui_->mnuFileRecent, shell_.settings, "Equip");
+  OfferFiles(ui_->mnuFileRecent, datakind::kEquip, QStringLiteral("eqp"),
+             [this](const QString& path) { LoadFile(path); });
   FillOptionsMenu(*ui_->mnuFileOptions, shell_);
-  connect(recentFiles_, &RecentFilesMenu::Chosen, this, &frmEquipment::LoadFile);
-  connect(ui_->mnuEquipFileLoad, &QAction::triggered, this, &frmEquipment::AskAndLoad);
-  connect(ui_->mnuEquipFileSave, &QAction::triggered, this, &frmEquipment::Save);
-  connect(ui_->mnuEquipFileSaveAs, &QAction::triggered, this, &frmEquipment::SaveAs);
-  connect(ui_->mnuUtilInsertLoss, &QAction::triggered, this, &frmEquipment::RequestInsertionLoss);
+  On(ui_->mnuEquipFileLoad, [this] { AskAndLoad(); });
+  On(ui_->mnuEquipFileSave, [this] { Save(); });
+  On(ui_->mnuEquipFileSaveAs, [this] { SaveAs(); });
+  On(ui_->mnuUtilInsertLoss, [this] { RequestInsertionLoss(); });
   connect(ui_->mnuHelpEquipment, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
-  connect(ui_->mnuHelpAbout, &QAction::triggered, this, [this] { ShowAbout(shell_.dialogs); });
+  On(ui_->mnuHelpAbout, [this] { ShowAbout(shell_.dialogs); });
 }
 
 void frmEquipment::ConnectInstruments() {
@@ -106,9 +99,9 @@ void frmEquipment::ConnectInstruments() {
   };
   for (const auto& row : rows) {
     const auto select = [this, kind = row.kind] { SelectInstrument(kind); };
-    connect(row.button, &QPushButton::clicked, this, select);
-    connect(row.select, &QAction::triggered, this, select);
-    connect(row.clear, &QToolButton::clicked, this, [this, kind = row.kind] { ClearInstrument(kind); });
+    On(row.button, select);
+    On(row.select, select);
+    On(row.clear, [this, kind = row.kind] { ClearInstrument(kind); });
     connect(row.define, &QAction::triggered, this, [this, kind = row.kind] { emit DefineInstrumentRequested(kind); });
   }
 }
@@ -127,9 +120,9 @@ void frmEquipment::ConnectTables() {
        datakind::kProbes, "Probe File (*.prb)|*.prb", "Select Monitor Probe Factor file"},
   };
   for (const TableRow& row : rows) {
-    connect(row.button, &QPushButton::clicked, this, [this, row] { SelectTable(row); });
-    connect(row.entry, &QAction::triggered, this, [this, row] { SelectTable(row); });
-    connect(row.clear, &QToolButton::clicked, this, [this, row] {
+    On(row.button, [this, row] { SelectTable(row); });
+    On(row.entry, [this, row] { SelectTable(row); });
+    On(row.clear, [this, row] {
       (equip_.Record.*row.file).clear();
       FitPathLabel({}, *row.label);
     });
@@ -141,11 +134,11 @@ void frmEquipment::ConnectTables() {
 }
 
 void frmEquipment::ConnectAmplifier() {
-  connect(ui_->optSingle, &QRadioButton::clicked, this, [this] { SetConfiguration(AmpConfig::Single); });
-  connect(ui_->optDualFwdRev, &QRadioButton::clicked, this, [this] { SetConfiguration(AmpConfig::DualFwdRev); });
-  connect(ui_->optDualSplit, &QRadioButton::clicked, this, [this] { SetConfiguration(AmpConfig::DualSplit); });
-  connect(ui_->optGenericAmp, &QRadioButton::clicked, this, [this] { SetAmplifierType(AmpType::Generic); });
-  connect(ui_->optIFIAmp, &QRadioButton::clicked, this, [this] { SetAmplifierType(AmpType::Ifi); });
+  On(ui_->optSingle, [this] { SetConfiguration(AmpConfig::Single); });
+  On(ui_->optDualFwdRev, [this] { SetConfiguration(AmpConfig::DualFwdRev); });
+  On(ui_->optDualSplit, [this] { SetConfiguration(AmpConfig::DualSplit); });
+  On(ui_->optGenericAmp, [this] { SetAmplifierType(AmpType::Generic); });
+  On(ui_->optIFIAmp, [this] { SetAmplifierType(AmpType::Ifi); });
   connect(ui_->chkIfiPwr, &QCheckBox::clicked, this, [this](bool ticked) { equip_.Record.IfiPower = ticked; });
   connect(ui_->chkIfiAtten, &QCheckBox::clicked, this, [this](bool ticked) { equip_.Record.IfiAtten = ticked; });
 }
@@ -213,8 +206,7 @@ void frmEquipment::SelectDefinition(Driver& driver, InstrumentKind kind) {
   const InstrumentRow row = Row(kind);
   const DefinitionDialog dialog = DialogOf(kind);
   driver.SetAddress(row.address);
-  const auto path =
-      shell_.dialogs.OpenFile({dialog.title, dialog.filter, shell_.settings.GetDataDir(datakind::kEquip)});
+  const auto path = AskFile(dialog.title, dialog.filter, datakind::kEquip);
   if (!path) return;
   const auto previous = driver.Definition();
   if (!driver.LoadFile(*path)) {
@@ -234,7 +226,7 @@ void frmEquipment::ClearInstrument(InstrumentKind kind) {
 }
 
 void frmEquipment::SelectTable(const TableRow& row) {
-  const auto path = shell_.dialogs.OpenFile({row.title, row.filter, shell_.settings.GetDataDir(row.directory)});
+  const auto path = AskFile(row.title, row.filter, row.directory);
   if (!path) return;
   InterpClass table(shell_);
   if (!table.InitInterp(*path)) return;
@@ -271,8 +263,7 @@ void frmEquipment::ShowRecord() {
 void frmEquipment::ShowFileName() {
   const std::string& path = equip_.EquipFileName;
   setWindowTitle(QStringLiteral("Equipment File: ") + ToQt(path));
-  const QString name = ToQt(FileNameOnly(path)).replace(QLatin1Char('&'), QLatin1String("&&"));
-  ui_->mnuEquipFileSave->setText(name.isEmpty() ? QStringLiteral("&Save") : QStringLiteral("&Save ") + name);
+  ShowSaveTarget(*ui_->mnuEquipFileSave, FileNameOnly(path));
 }
 
 void frmEquipment::EnableAmplifierControls() {
@@ -321,9 +312,7 @@ bool frmEquipment::ApplyEquipment() {
 }
 
 void frmEquipment::AskAndLoad() {
-  const auto path =
-      shell_.dialogs.OpenFile({kSelectEquipment, kEquipFilter, shell_.settings.GetDataDir(datakind::kEquip)});
-  if (path) LoadFile(ToQt(*path));
+  if (const auto path = AskFile(kSelectEquipment, kEquipFilter, datakind::kEquip)) LoadFile(ToQt(*path));
 }
 
 void frmEquipment::LoadFile(const QString& path) {
@@ -336,7 +325,7 @@ void frmEquipment::LoadFile(const QString& path) {
   equip_.EquipFileName = file;
   ShowFileName();
   ShowEquipment();
-  recentFiles_->Add(file);
+  AddRecentFile(file);
 }
 
 void frmEquipment::Save() {
@@ -355,7 +344,7 @@ void frmEquipment::SaveAs() {
 void frmEquipment::SaveTo(const std::string& path) {
   if (!ApplyEquipment() || equip_.SaveDef(path) != 1) return;
   equip_.EquipFileName = path;
-  recentFiles_->Add(path);
+  AddRecentFile(path);
   ShowFileName();
 }
 

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "documents/EquipRecord.h"
-#include "shell/qt/WorkingForm.h"
+#include "documents/qt/SetupForm.h"
 
 class QLineEdit;
 class QToolButton;
@@ -12,8 +12,6 @@ namespace hylden {
 
 class Equip;
 class PathLabel;
-class RecentFilesMenu;
-class Shell;
 struct EquipmentEntries;
 struct Instruments;
 namespace Ui {
@@ -25,7 +23,7 @@ enum class FactorKind { Factor, Level, Loss };
 
 /// The station's equipment: which definitions, addresses and tables it consists of, and how its amplifier and power
 /// meter are arranged. Changes go into the record when the form closes; the file is written by Save only.
-class frmEquipment : public WorkingForm {
+class frmEquipment : public SetupForm {
   Q_OBJECT
 
  public:
@@ -83,11 +81,9 @@ class frmEquipment : public WorkingForm {
   void SaveTo(const std::string& path);
   void RequestInsertionLoss();
 
-  Shell& shell_;
   Instruments& instruments_;
   Equip& equip_;
   std::unique_ptr<Ui::frmEquipment> ui_;
-  RecentFilesMenu* recentFiles_ = nullptr;
 };
 
 }  // namespace hylden

@@ -4,10 +4,8 @@
 #include "documents/qt/EntryControls.h"
 #include "documents/qt/EntryPrompt.h"
 #include "measure/ReadFreq.h"
-#include "platform/qt/FileDrop.h"
 #include "platform/qt/QtText.h"
 #include "shell/Shell.h"
-#include "shell/qt/RecentFilesMenu.h"
 #include "ui_frmTestDef.h"
 
 namespace hylden {
@@ -16,7 +14,6 @@ namespace {
 
 constexpr char kTestFilter[] = "Definitions (*.tst)|*.tst";
 constexpr char kCalFilter[] = "CalInfo (*.hyinfo)|*.hyinfo";
-constexpr char kListFilter[] = "Frequency List (*.lst)|*.lst|All Files|*.*";
 
 /// Every entry beside its control, once: showing and reading walk this list.
 template <class Visitor>
@@ -59,8 +56,7 @@ void WalkEntries(const Ui::frmTestDef& ui, TestDefinitionEntries& e, const Visit
 }  // namespace
 
 frmTestDef::frmTestDef(Shell& shell, Documents& documents, QWidget* parent)
-    : WorkingForm(parent),
-      shell_(shell),
+    : SetupForm(shell, parent),
       documents_(documents),
       ui_(std::make_unique<Ui::frmTestDef>()),
       readOnlyNotice_(new QLabel(this)) {
@@ -72,7 +68,6 @@ frmTestDef::frmTestDef(Shell& shell, Documents& documents, QWidget* parent)
   ConnectCommands();
   ConnectRules();
   Offer(false);
-  new FileDrop(this, QStringLiteral("tst"), [this](const QString& path) { LoadFile(path); });
   calInfoOfRecord_ = documents_.calInfo.Record;
   DefToForm();
   ShowCalInfo();
@@ -82,20 +77,20 @@ frmTestDef::frmTestDef(Shell& shell, Documents& documents, QWidget* parent)
 frmTestDef::~frmTestDef() = default;
 
 void frmTestDef::ConnectCommands() {
-  recentFiles_ = new RecentFilesMenu(ui_->mnuFileRecent, shell_.settings, datakind::kTestSetups);
-  connect(recentFiles_, &RecentFilesMenu::Chosen, this, &frmTestDef::LoadFile);
-  On(ui_->mnuFileLoad, &QAction::triggered, &frmTestDef::Load);
-  On(ui_->mnuFileSave, &QAction::triggered, &frmTestDef::Save);
-  On(ui_->mnuFileSaveAs, &QAction::triggered, &frmTestDef::SaveAs);
-  On(ui_->mnuFilePrint, &QAction::triggered, &frmTestDef::Print);
-  On(ui_->cmdLoad, &QPushButton::clicked, &frmTestDef::Load);
-  On(ui_->cmdSave, &QPushButton::clicked, &frmTestDef::Save);
-  On(ui_->cmdCalFile, &QPushButton::clicked, &frmTestDef::SelectCalFile);
-  On(ui_->cmdListFile, &QPushButton::clicked, &frmTestDef::SelectListFile);
-  On(ui_->cmdCreateList, &QPushButton::clicked, &frmTestDef::CreateList);
-  On(ui_->cmdStart, &QPushButton::clicked, &frmTestDef::Start);
-  connect(ui_->cmdExit, &QPushButton::clicked, this, &frmTestDef::close);
-  connect(ui_->mnuFileExit, &QAction::triggered, this, &frmTestDef::close);
+  OfferFiles(ui_->mnuFileRecent, datakind::kTestSetups, QStringLiteral("tst"),
+             [this](const QString& path) { LoadFile(path); });
+  On(ui_->mnuFileLoad, [this] { Load(); });
+  On(ui_->mnuFileSave, [this] { Save(); });
+  On(ui_->mnuFileSaveAs, [this] { SaveAs(); });
+  On(ui_->mnuFilePrint, [this] { Print(); });
+  On(ui_->cmdLoad, [this] { Load(); });
+  On(ui_->cmdSave, [this] { Save(); });
+  On(ui_->cmdCalFile, [this] { SelectCalFile(); });
+  On(ui_->cmdListFile, [this] { SelectListFile(); });
+  On(ui_->cmdCreateList, [this] { CreateList(); });
+  On(ui_->cmdStart, [this] { Start(); });
+  On(ui_->cmdExit, [this] { close(); });
+  On(ui_->mnuFileExit, [this] { close(); });
   connect(ui_->mnuFilePreview, &QAction::triggered, this, &frmTestDef::PrintPreviewRequested);
   connect(ui_->mnuHelpTestdef, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
 }
@@ -106,23 +101,17 @@ void frmTestDef::ConnectRules() {
                                                          ui_->chkLimitCurrent};
   for (QAbstractButton* const button : plain)
     connect(button, &QAbstractButton::clicked, this, &frmTestDef::EnableControls);
-  connect(ui_->chkConstPeak, &QCheckBox::clicked, this, &frmTestDef::ClickConstPeak);
-  connect(ui_->chkModOffBetweenFreqs, &QCheckBox::clicked, this, &frmTestDef::ClickModOffBetweenFreqs);
+  ApplyRule(ui_->chkConstPeak, ConstPeakClicked);
+  ApplyRule(ui_->chkModOffBetweenFreqs, ModOffBetweenFreqsClicked);
 }
 
-/// Runs a command of the form; what it could not foresee is reported, since nothing may leave an event handler.
-template <class Action>
-void frmTestDef::Guard(const QObject* control, Action action) {
-  try {
-    action();
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, "frmTestDef." + FromQt(control->objectName()));
-  }
-}
-
-template <class Sender, class Signal>
-void frmTestDef::On(Sender* sender, Signal signal, void (frmTestDef::*command)()) {
-  connect(sender, signal, this, [this, sender, command] { Guard(sender, [&] { (this->*command)(); }); });
+/// After a click on the button the rule changes the other entries.
+void frmTestDef::ApplyRule(QAbstractButton* button, void (*rule)(TestDefinitionEntries&)) {
+  On(button, [this, rule] {
+    TestDefinitionEntries entries = Entries();
+    rule(entries);
+    ShowEntries(entries);
+  });
 }
 
 void frmTestDef::Offer(bool listBuilder) {
@@ -184,11 +173,10 @@ void frmTestDef::ShowCalInfo() {
 }
 
 void frmTestDef::ShowFile() {
-  const QString path = ToQt(documents_.testSetup.TestFileName);
+  const std::string& path = documents_.testSetup.TestFileName;
   const bool readOnly = documents_.testSetup.TestFileReadOnly();
-  setWindowTitle(QStringLiteral("Test Definition File: ") + path);
-  const QString name = QString(path).replace(QLatin1Char('&'), QLatin1String("&&"));
-  ui_->mnuFileSave->setText(name.isEmpty() ? QStringLiteral("&Save") : QStringLiteral("&Save ") + name);
+  setWindowTitle(QStringLiteral("Test Definition File: ") + ToQt(path));
+  ShowSaveTarget(*ui_->mnuFileSave, path);
   EnableAll(!readOnly,
             {ui_->fraFeedback, ui_->fraCalFileData, ui_->fraLevelingMode, ui_->fraLevelRamping, ui_->cmdCalFile});
   readOnlyNotice_->setVisible(readOnly);
@@ -207,21 +195,8 @@ void frmTestDef::EnableControls() {
   EnableAll(enabled.LimitMargin, {ui_->txtLimitMargin, ui_->lblLimitMargin, ui_->lblLimitMargin2});
 }
 
-void frmTestDef::ClickConstPeak() {
-  TestDefinitionEntries entries = Entries();
-  ConstPeakClicked(entries);
-  ShowEntries(entries);
-}
-
-void frmTestDef::ClickModOffBetweenFreqs() {
-  TestDefinitionEntries entries = Entries();
-  ModOffBetweenFreqsClicked(entries);
-  ShowEntries(entries);
-}
-
 void frmTestDef::Load() {
-  const auto path = shell_.dialogs.OpenFile(
-      {"Select Test Definition File", kTestFilter, shell_.settings.GetDataDir(datakind::kTestSetups)});
+  const auto path = AskFile("Select Test Definition File", kTestFilter, datakind::kTestSetups);
   if (path) LoadFile(ToQt(*path));
 }
 
@@ -240,7 +215,7 @@ void frmTestDef::LoadFile(const QString& path) {
     if (!calInfo.LoadDef(testSetup.Definition.CalInfoFile)) calInfo.Record = {};
     calInfoOfRecord_ = calInfo.Record;
     ShowCalInfo();
-    recentFiles_->Add(testSetup.TestFileName);
+    AddRecentFile(testSetup.TestFileName);
   });
 }
 
@@ -262,7 +237,7 @@ void frmTestDef::SaveAs() {
 void frmTestDef::SaveTo(const std::string& path) {
   if (!FormToDef() || !documents_.testSetup.SaveDef(path)) return;
   ShowFile();
-  recentFiles_->Add(documents_.testSetup.TestFileName);
+  AddRecentFile(documents_.testSetup.TestFileName);
 }
 
 void frmTestDef::Print() {
@@ -270,8 +245,7 @@ void frmTestDef::Print() {
 }
 
 void frmTestDef::SelectCalFile() {
-  const auto path = shell_.dialogs.OpenFile(
-      {"Select Calibration File", kCalFilter, shell_.settings.GetDataDir(datakind::kCalibrations)});
+  const auto path = AskFile("Select Calibration File", kCalFilter, datakind::kCalibrations);
   if (!path) return;
   CalInfo& calInfo = documents_.calInfo;
   const CalInfoRec previous = calInfo.Record;
@@ -284,9 +258,7 @@ void frmTestDef::SelectCalFile() {
 }
 
 void frmTestDef::SelectListFile() {
-  const auto path = shell_.dialogs.OpenFile(
-      {"Select frequency list file", kListFilter, shell_.settings.GetDataDir(datakind::kFreqList)});
-  if (path) UseList(ToQt(*path));
+  if (const auto path = AskListFile()) UseList(ToQt(*path));
 }
 
 void frmTestDef::UseList(const QString& path) {

@@ -3,14 +3,12 @@
 #include <memory>
 
 #include "documents/CalInfo.h"
-#include "shell/qt/WorkingForm.h"
+#include "documents/qt/SetupForm.h"
 
 class QLabel;
 
 namespace hylden {
 
-class RecentFilesMenu;
-class Shell;
 struct Documents;
 struct TestDefinitionEntries;
 namespace Ui {
@@ -19,7 +17,7 @@ class frmTestDef;
 
 /// The test definition: which calibration is replayed, over which frequencies, with which modulation and levelling.
 /// What the form holds goes into the record when it is saved or started; leaving the form drops it.
-class frmTestDef : public WorkingForm {
+class frmTestDef : public SetupForm {
   Q_OBJECT
 
  public:
@@ -57,17 +55,12 @@ class frmTestDef : public WorkingForm {
  private:
   void ConnectCommands();
   void ConnectRules();
-  template <class Action>
-  void Guard(const QObject* control, Action action);
-  template <class Sender, class Signal>
-  void On(Sender* sender, Signal signal, void (frmTestDef::*command)());
 
   TestDefinitionEntries Entries() const;
   void ShowEntries(TestDefinitionEntries entries);
   void ShowFile();
   void EnableControls();
-  void ClickConstPeak();
-  void ClickModOffBetweenFreqs();
+  void ApplyRule(QAbstractButton* button, void (*rule)(TestDefinitionEntries&));
 
   void Load();
   void Save();
@@ -79,11 +72,9 @@ class frmTestDef : public WorkingForm {
   void CreateList();
   void Start();
 
-  Shell& shell_;
   Documents& documents_;
   std::unique_ptr<Ui::frmTestDef> ui_;
   QLabel* readOnlyNotice_;
-  RecentFilesMenu* recentFiles_ = nullptr;
   /// The info of the calibration that the record names; the one shown may belong to a file chosen since.
   CalInfoRec calInfoOfRecord_;
 };
