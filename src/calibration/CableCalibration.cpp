@@ -23,7 +23,7 @@ bool RunCablCal::Halted() const {
 }
 
 bool RunCablCal::BuildPlan() {
-  if (running_) return false;
+  if (IsRunning()) return false;
   const auto type = static_cast<StepType>(Setup.StepType);
   FrequencyRequest request{type, Setup.StartFreq, Setup.StopFreq,
                            type == StepType::Log ? Setup.LogStep : Setup.LinearStep, Setup.ListFile};
@@ -62,12 +62,12 @@ bool RunCablCal::MayLeavePoints() {
 }
 
 void RunCablCal::DirectPass(CalibrationDisplay& display) {
-  if (running_ || points_.empty()) return;
+  if (IsRunning() || points_.empty()) return;
   RunPass({display, false}, "RunCblCal.DirectPass");
 }
 
 void RunCablCal::InsertPass(CalibrationDisplay& display) {
-  if (running_) return;
+  if (IsRunning()) return;
   if (points_.empty() || !std::all_of(points_.begin(), points_.end(), [](const auto& p) { return p.HasDirect(); })) {
     shell_.dialogs.Tell("You must take direct readings first");
     return;
@@ -76,20 +76,16 @@ void RunCablCal::InsertPass(CalibrationDisplay& display) {
 }
 
 void RunCablCal::RunPass(const Pass& pass, const char* context) {
-  if (!guard_.Begin()) return;
-  running_ = true;
-  outcome_ = RunOutcome::EndedEarly;
-  current_ = 0;
-  guard_.Run(context, [&] {
+  const auto run = [&] {
+    outcome_ = RunOutcome::EndedEarly;
+    current_ = 0;
     shell_.delay.ClearHalt();
     pass.Display.Running(true);
     if (!BringUp(pass)) return;
     ShowPlan(pass);
     Sweep(pass);
-  });
-  EndPass(pass);
-  running_ = false;
-  guard_.Finish();
+  };
+  guard_.Run(context, run, [&] { EndPass(pass); });
 }
 
 bool RunCablCal::BringUp(const Pass& pass) {

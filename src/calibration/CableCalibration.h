@@ -58,7 +58,7 @@ class RunCablCal {
   /// saved
   bool MayLeavePoints();
 
-  bool IsRunning() const { return running_; }
+  bool IsRunning() const { return guard_.IsRunning(); }
   RunOutcome Outcome() const { return outcome_; }
 
  private:
@@ -88,8 +88,7 @@ class RunCablCal {
   ElapsedTime elapsed_;
   std::vector<CablePoint> points_;
   std::size_t current_ = 0;  ///< the point at work, counted from 1
-  bool running_ = false;
-  bool saved_ = false;  ///< the points as they are, or nobody wants them
+  bool saved_ = false;       ///< the points as they are, or nobody wants them
   RunOutcome outcome_ = RunOutcome::NotRun;
 };
 

@@ -3,10 +3,12 @@
 #include "calibration/CalibrationDisplay.h"
 #include "calibration/FactorLoading.h"
 #include "calibration/FrequencyPlan.h"
+#include "calibration/RunQuestions.h"
 #include "calibration/WarbleAlarm.h"
 #include "documents/Documents.h"
 #include "documents/clsCalFile.h"
 #include "instruments/Instruments.h"
+#include "platform/FlagRaised.h"
 #include "shell/Shell.h"
 
 namespace hylden {
@@ -31,7 +33,7 @@ bool LevelCalibration::Halted() const {
 }
 
 bool LevelCalibration::Prepare() {
-  if (running_) return false;
+  if (IsRunning()) return false;
   setup_ = documents_.calSetup.Record;
   couplingFactor_ = documents_.calSetup.CouplingFactor();
   ForgetRows();
@@ -91,17 +93,14 @@ bool LevelCalibration::LoadTables() {
 }
 
 void LevelCalibration::Run() {
-  if (running_ || !ready_ || !guard_.Begin()) return;
-  running_ = true;
-  started_ = false;
-  outcome_ = RunOutcome::EndedEarly;
-  guard_.Run("frmRunCal.RunCal", [this] { RunPlan(); });
-  End();
-  running_ = false;
-  guard_.Finish();
+  if (IsRunning() || !ready_) return;
+  guard_.Run(
+      "frmRunCal.RunCal", [this] { RunPlan(); }, [this] { End(); });
 }
 
 void LevelCalibration::RunPlan() {
+  started_ = false;
+  outcome_ = RunOutcome::EndedEarly;
   display_.Running(true);
   shell_.delay.ClearHalt();
   if (!BringUp()) return;
@@ -149,21 +148,33 @@ void LevelCalibration::End() {
   guard_.Attempt([&] { display_.Status(""); });
   if (started_) {
     guard_.Attempt([&] { WarbleAlarm(shell_.speaker); });
-    asking_ = true;
     guard_.Attempt([&] { AskToSave(); });
-    asking_ = false;
   }
   guard_.Attempt([&] { display_.Running(false); });
 }
 
 void LevelCalibration::AskToSave() {
-  const MessageAnswer answer = shell_.dialogs.Show({"Would you like to save the calibration data?", "Save Calibration",
-                                                    MessageIcon::Question, MessageButtons::YesNo});
+  const FlagRaised asking(asking_);
+  const MessageAnswer answer =
+      shell_.dialogs.Show({"Would you like to save the calibration data?", question::kSaveCalibration,
+                           MessageIcon::Question, MessageButtons::YesNo});
   if (answer == MessageAnswer::Yes) Save();
+}
+
+bool LevelCalibration::MayLeaveRows() {
+  if (!SaveMissed()) return true;
+  const FlagRaised asking(asking_);
+  const MessageAnswer answer =
+      shell_.dialogs.Show({"The calibration data has not been saved.\r\nSave it?", question::kSaveCalibration,
+                           MessageIcon::Question, MessageButtons::YesNoCancel});
+  if (answer == MessageAnswer::Yes) return Save();
+  wanted_ = answer != MessageAnswer::No;
+  return !wanted_;
 }
 
 bool LevelCalibration::Save() {
   wanted_ = true;
+  const FlagRaised asking(asking_);
   const auto path = shell_.dialogs.SaveFile({"Enter Calibration Filename", "Calibration File (*.cal)|*.cal",
                                              shell_.settings.GetDataDir(datakind::kCalibrations)});
   if (!path || !SaveCal(shell_, *path, CompleteRows(rows_), CalInfoOf(setup_))) return false;

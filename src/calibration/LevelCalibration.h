@@ -32,11 +32,14 @@ class LevelCalibration {
   bool Prepare();
   /// Runs the calibration; returns when it ended, failed or was halted. Does nothing before Prepare came to true.
   void Run();
+  /// Asks again about rows that were to be saved and are not. @return false when they have to stay: cancelled, or not
+  /// saved
+  bool MayLeaveRows();
   /// Asks for a file and saves the complete rows as a calibration record. @return false when cancelled or failed
   bool Save();
 
-  bool IsRunning() const { return running_; }
-  /// The run is over, and the question whether to save its points waits for an answer.
+  bool IsRunning() const { return guard_.IsRunning(); }
+  /// A question whether, or where, to save the points waits for an answer.
   bool AsksToSave() const { return asking_; }
   /// The rows are in a file as they are now.
   bool RowsSaved() const { return saved_; }
@@ -109,7 +112,6 @@ class LevelCalibration {
   Point point_;
   float sigGenLevel_ = 0;  ///< dBm
   bool ready_ = false;
-  bool running_ = false;
   bool started_ = false;  ///< the instruments came up
   bool asking_ = false;
   bool wanted_ = false;  ///< the operator asked for the rows to be saved

@@ -38,12 +38,14 @@ bool Convergence::GoesOn(double stepDb) {
   return ++tries_ < kMostTries && turns_ < kMostTurns;
 }
 
+bool IsComplete(const CalRow& row) {
+  return std::none_of(row.begin(), row.end(), [](const std::string& cell) { return cell.empty(); });
+}
+
 std::vector<std::vector<std::string>> CompleteRows(const std::vector<CalRow>& rows) {
   std::vector<std::vector<std::string>> complete;
-  for (const CalRow& row : rows) {
-    const bool isComplete = std::none_of(row.begin(), row.end(), [](const std::string& cell) { return cell.empty(); });
-    if (isComplete) complete.emplace_back(row.begin(), row.end());
-  }
+  for (const CalRow& row : rows)
+    if (IsComplete(row)) complete.emplace_back(row.begin(), row.end());
   return complete;
 }
 

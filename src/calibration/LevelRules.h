@@ -55,7 +55,9 @@ enum class CalGridColumn : std::size_t { Freq = 0, SigGen = 1, TestLevel = 2, Fw
 using CalRow = std::array<std::string, 5>;
 inline constexpr std::array<const char*, 5> kCalHeadings = {"Freq MHz", "SG,dBm", "Lev dBuv", "FPwr dBm", "RPwr dBm"};
 
-/// The rows that a calibration record can be made of: those without an empty cell.
+/// Whether every cell was measured.
+bool IsComplete(const CalRow& row);
+/// The rows that a calibration record can be made of: the complete ones.
 std::vector<std::vector<std::string>> CompleteRows(const std::vector<CalRow>& rows);
 
 }  // namespace hylden

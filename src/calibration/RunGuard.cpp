@@ -4,22 +4,54 @@
 #include <utility>
 
 #include "instruments/SigGen.h"
+#include "platform/FlagRaised.h"
 #include "shell/Shell.h"
 
 namespace hylden {
 
-bool RunGuard::Begin() {
-  const bool free = shell_.ClaimInstruments([this] {
+namespace {
+
+/// The instruments, as long as it lives.
+class Claim {
+ public:
+  Claim(Shell& shell, std::function<void()> makeSafe)
+      : shell_(shell), granted_(shell.ClaimInstruments(std::move(makeSafe))) {}
+  ~Claim() {
+    if (granted_) shell_.ReleaseInstruments();
+  }
+  Claim(const Claim&) = delete;
+  Claim& operator=(const Claim&) = delete;
+
+  bool Granted() const { return granted_; }
+
+ private:
+  Shell& shell_;
+  bool granted_;
+};
+
+}  // namespace
+
+bool RunGuard::Run(const std::string& context, const std::function<void()>& run, const std::function<void()>& end) {
+  const Claim claim(shell_, [this] {
     if (sigGen_.RfIsOn()) sigGen_.SilenceRf();
   });
-  if (!free) shell_.dialogs.Tell("Another run is using the instruments");
-  return free;
+  if (!claim.Granted()) {
+    shell_.dialogs.Tell("Another run is using the instruments");
+    return false;
+  }
+  {
+    const FlagRaised running(running_);
+    context_ = context;
+    programEnd_ = nullptr;
+    reported_ = false;
+    RunTrapped(run);
+    end();
+  }
+  if (const std::exception_ptr programEnd = std::exchange(programEnd_, nullptr)) std::rethrow_exception(programEnd);
+  return true;
 }
 
-void RunGuard::Run(const std::string& context, const std::function<void()>& run) {
-  context_ = context;
-  programEnd_ = nullptr;
-  reported_ = false;
+void RunGuard::RunTrapped(const std::function<void()>& run) {
   try {
     run();
   } catch (const ProgramEnd&) {
@@ -43,11 +75,6 @@ void RunGuard::Attempt(const std::function<void()>& part) {
   } catch (...) {
     Report(std::runtime_error("Unknown failure"));
   }
-}
-
-void RunGuard::Finish() {
-  shell_.ReleaseInstruments();
-  if (const std::exception_ptr programEnd = std::exchange(programEnd_, nullptr)) std::rethrow_exception(programEnd);
 }
 
 void RunGuard::Report(const std::exception& error) {

@@ -9,32 +9,33 @@ namespace hylden {
 class Shell;
 class SigGen;
 
-/// Keeps the promise that a run makes to its operator: an exception, from wherever it comes, ends the run with RF off
-/// and with one report, and the end of the run goes on behind it. RF is also off when an instrument's failure is told.
+/// Has the instruments for a run, one run at a time, and keeps the promise that it makes to its operator: an exception,
+/// from wherever it comes, ends the run with RF off and with one report, and the end of the run goes on behind it. RF
+/// is also off when an instrument's failure is told.
 class RunGuard {
  public:
   RunGuard(Shell& shell, SigGen& sigGen) : shell_(shell), sigGen_(sigGen) {}
 
-  /// Takes the instruments for the run, until Finish. @return false after a message: another run has them
-  bool Begin();
-  /// Does the run proper. An exception switches RF off at once and is reported.
+  /// Does the run proper, then its end. An exception of the run proper switches RF off at once and is reported; one
+  /// that ends the program is thrown on when all is done.
   /// @param context  names the run in the report
-  void Run(const std::string& context, const std::function<void()>& run);
-  /// Does a part of the end of the run. An exception ends here; it is reported unless one of this run has been.
+  /// @return false after a message: another run has the instruments, and nothing was done
+  bool Run(const std::string& context, const std::function<void()>& run, const std::function<void()>& end);
+  /// Does a part of the end. An exception ends here; it is reported unless one of this run has been.
   void Attempt(const std::function<void()>& part);
-  /// After the end of the run: gives the instruments back, and throws what the run proper threw to end the program, if
-  /// it did.
-  void Finish();
+  bool IsRunning() const { return running_; }
 
  private:
   void Report(const std::exception& error);
   void RfOffQuietly();
+  void RunTrapped(const std::function<void()>& run);
 
   Shell& shell_;
   SigGen& sigGen_;
   std::string context_;
   std::exception_ptr programEnd_;
   bool reported_ = false;
+  bool running_ = false;
 };
 
 }  // namespace hylden

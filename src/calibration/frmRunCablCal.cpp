@@ -55,13 +55,6 @@ void frmRunCablCal::StartPass(bool inserted) {
   });
 }
 
-bool frmRunCablCal::QueryUnload() {
-  if (!CalibrationWindow::QueryUnload()) return false;
-  bool mayClose = false;
-  Guard("QueryUnload", [&] { mayClose = run_.MayLeavePoints(); });
-  return mayClose;
-}
-
 void frmRunCablCal::Running(bool running) {
   passing_ = running;
   EnablePasses(!running);

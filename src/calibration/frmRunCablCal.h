@@ -28,7 +28,7 @@ class frmRunCablCal : public CalibrationWindow {
   void PassStarting(bool inserted);
 
  private:
-  bool QueryUnload() override;
+  bool MayLeavePoints() override { return run_.MayLeavePoints(); }
   void Running(bool running) override;
   void MeterLevel(double levelDbuv) override;
   void TableCut(int rows) override;

@@ -29,6 +29,7 @@ class frmRunCal : public CalibrationWindow {
   QString HelpTopic() const override { return QStringLiteral("Calibrating: the run"); }
 
  private:
+  bool MayLeavePoints() override { return calibration_.MayLeaveRows(); }
   void StartAfresh() override;
   void Running(bool running) override;
   void TestLevel(double volts) override;

@@ -3,23 +3,13 @@
 #include <exception>
 #include <utility>
 
+#include "platform/FlagRaised.h"
+
 namespace hylden {
 
 namespace {
 
 constexpr int kInternalError = 51;
-
-/// Holds a flag up while it lives.
-class FlagRaised {
- public:
-  explicit FlagRaised(bool& flag) : flag_(flag) { flag_ = true; }
-  ~FlagRaised() { flag_ = false; }
-  FlagRaised(const FlagRaised&) = delete;
-  FlagRaised& operator=(const FlagRaised&) = delete;
-
- private:
-  bool& flag_;
-};
 
 }  // namespace
 
@@ -41,8 +31,7 @@ bool Shell::ClaimInstruments(std::function<void()> makeSafe) {
 }
 
 void Shell::TellFailure(const std::string& text, MessageIcon icon) {
-  if (makingSafe_) return;
-  if (makeSafe_) {
+  if (makeSafe_ && !makingSafe_) {
     const FlagRaised scope(makingSafe_);
     makeSafe_();
   }

@@ -3,7 +3,6 @@
 #include <functional>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "platform/Clock.h"
 #include "platform/Dialogs.h"
@@ -35,8 +34,8 @@ class Shell {
   BDelay delay;
 
   /// Gives a run the instruments until it releases them. While it has them, the station is made safe before the
-  /// operator is told of an instrument's failure: the box may stand for hours. What fails on the way to safety is not
-  /// told as well. @return false when another run has them
+  /// operator is told of an instrument's failure: the box may stand for hours. What fails on the way to safety is told
+  /// first. @return false when another run has them
   bool ClaimInstruments(std::function<void()> makeSafe);
   void ReleaseInstruments() { makeSafe_ = nullptr; }
 

@@ -5,6 +5,7 @@
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
 #include "measure/Conversions.h"
+#include "platform/FlagRaised.h"
 #include "shell/Shell.h"
 #include "testrun/StepRunner.h"
 #include "text/Pattern.h"
@@ -12,18 +13,6 @@
 namespace hylden {
 
 namespace {
-
-/// Marks manual mode as busy while it lives.
-class BusyMark {
- public:
-  explicit BusyMark(bool& busy) : busy_(busy) { busy_ = true; }
-  ~BusyMark() { busy_ = false; }
-  BusyMark(const BusyMark&) = delete;
-  BusyMark& operator=(const BusyMark&) = delete;
-
- private:
-  bool& busy_;
-};
 
 bool InRange(const ManualScroll& scroll, int highestStep) {
   return scroll.Step >= 1 && scroll.Step <= highestStep && scroll.OffsetTenths >= kLowestOffsetTenths &&
@@ -61,7 +50,7 @@ void ManualMode::Enter(int step, int highestStep, float constantPeakOffset) {
 
 void ManualMode::Handle(const std::function<bool()>& change) {
   if (!active_ || busy_ || run_.shell.delay.HaltRequested()) return;
-  const BusyMark mark(busy_);
+  const FlagRaised busy(busy_);
   try {
     if (!change()) SwitchRfOff();
     run_.controls.ManualRf(run_.instruments.sigGen.RfIsOn());

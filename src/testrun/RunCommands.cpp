@@ -1,5 +1,6 @@
 #include "testrun/RunCommands.h"
 
+#include "calibration/RunQuestions.h"
 #include "documents/Documents.h"
 #include "shell/Shell.h"
 #include "testrun/RunControls.h"
@@ -12,15 +13,12 @@ bool RunCommands::Confirm() {
   const MessageAnswer answer = shell_.dialogs.Show(
       {"Make sure proper amp is hooked up,\r\n" + calibration.AmpUsed +
            "\r\nand proper coupling device and cables are connected,\r\n" + calibration.DeviceDescription,
-       "MAKE SURE!!!", MessageIcon::Exclamation, MessageButtons::OkCancel});
+       question::kMakeSure, MessageIcon::Exclamation, MessageButtons::OkCancel});
   return answer == MessageAnswer::Ok;
 }
 
 void RunCommands::Run() {
-  if (engine_.IsRunning() || !Confirm()) return;
-  controls_.SetRunMode();
-  controls_.FileMenuEnabled(false);
-  engine_.RunCdiTest();
+  if (!engine_.IsRunning() && Confirm()) engine_.RunCdiTest();
 }
 
 void RunCommands::Halt() {

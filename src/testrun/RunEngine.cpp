@@ -1,6 +1,7 @@
 #include "testrun/RunEngine.h"
 
 #include <algorithm>
+#include "calibration/RunQuestions.h"
 
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
@@ -21,7 +22,7 @@ bool RunEngine::Halted() const {
 }
 
 RunReadiness RunEngine::Prepare() {
-  if (running_) return RunReadiness::NotReady;
+  if (IsRunning()) return RunReadiness::NotReady;
   ready_ = false;
   run_.display.Status("State: Idle");
   if (run_.preparation.PlanSteps(run_.steps) < 1) {
@@ -42,13 +43,9 @@ RunReadiness RunEngine::Prepare() {
 }
 
 void RunEngine::RunCdiTest() {
-  if (running_ || !ready_ || !guard_.Begin()) return;
-  running_ = true;
-  outcome_ = RunOutcome::EndedEarly;
-  guard_.Run("frmRunTest.RunCDI", [this] { RunTest(); });
-  EndRun();
-  running_ = false;
-  guard_.Finish();
+  if (IsRunning() || !ready_) return;
+  guard_.Run(
+      "frmRunTest.RunCDI", [this] { RunTest(); }, [this] { EndRun(); });
 }
 
 void RunEngine::Reset() {
@@ -63,6 +60,7 @@ void RunEngine::Reset() {
 }
 
 void RunEngine::RunTest() {
+  outcome_ = RunOutcome::EndedEarly;
   Reset();
   run_.controls.FileMenuEnabled(false);
   run_.controls.SetRunMode();
@@ -152,9 +150,10 @@ void RunEngine::EndRun() {
 }
 
 void RunEngine::AskToSave() {
-  const MessageAnswer answer = run_.shell.dialogs.Show(
-      {"Would you like to save the testrun data?", "Save Run Data", MessageIcon::Question, MessageButtons::YesNo});
-  saveMissed_ = answer == MessageAnswer::Yes;
+  const MessageAnswer answer =
+      run_.shell.dialogs.Show({"Would you like to save the testrun data?", question::kSaveRunData,
+                               MessageIcon::Question, MessageButtons::YesNo});
+  saveMissed_ = answer == MessageAnswer::Yes;  // also should saving throw
   if (saveMissed_) saveMissed_ = !SaveRunData(run_.shell, run_.data);
 }
 

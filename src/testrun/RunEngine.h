@@ -34,7 +34,7 @@ class RunEngine {
   bool RunStep(bool first);
   int CurrentStepNumber() const { return currentStep_; }
 
-  bool IsRunning() const { return running_; }
+  bool IsRunning() const { return guard_.IsRunning(); }
   /// The operator wanted the last run's data saved, and the file dialog was cancelled or the file not written.
   bool SaveMissed() const { return saveMissed_; }
   RunOutcome Outcome() const { return outcome_; }
@@ -65,7 +65,6 @@ class RunEngine {
   ManualMode manual_;
   std::vector<PreviousStep> ended_;  ///< where each step ended, for a run that goes on from an earlier one
   bool ready_ = false;
-  bool running_ = false;
   bool saveMissed_ = false;
   RunOutcome outcome_ = RunOutcome::NotRun;
   bool manualOpen_ = false;

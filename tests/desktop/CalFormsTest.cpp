@@ -253,6 +253,10 @@ TEST_F(CalForms, ClosingWindowStaysWhileItsPointsAreNotSaved) {
     if (!c.stays) continue;
     EXPECT_TRUE(Find<QWidget>(*form, "cmdSave").isEnabled());
     EXPECT_EQ(Rows(*form, "flxCalData"), 2);
+    dialogs.Answer(MessageAnswer::Cancel);
+    EXPECT_FALSE(form->close());
+    EXPECT_TRUE(dialogs.WasShownContaining("has not been saved"));
+    dialogs.Answer(MessageAnswer::No);
     EXPECT_TRUE(form->close());
   }
 }

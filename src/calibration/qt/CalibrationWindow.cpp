@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QProgressBar>
+#include <QScopeGuard>
 #include <QStatusBar>
 #include <QTableView>
 #include <algorithm>
@@ -25,15 +26,17 @@ constexpr int kRfWatchMs = 100;
 constexpr std::string_view kRange = "####0.0#####", kDwell = "##0.0##", kMinutes = "###0.0#";
 constexpr char kIdle[] = "Idle";
 
-/// A button hears a key that is held down once.
+/// A key that is held down presses a button once.
 class HeldKeyFilter : public QObject {
  public:
   using QObject::QObject;
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
-    const bool repeated = event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->isAutoRepeat();
-    return repeated || QObject::eventFilter(watched, event);
+    if (event->type() != QEvent::KeyPress) return QObject::eventFilter(watched, event);
+    const auto& press = *static_cast<QKeyEvent*>(event);
+    const bool presses = press.key() == Qt::Key_Return || press.key() == Qt::Key_Enter || press.key() == Qt::Key_Space;
+    return presses && press.isAutoRepeat();
   }
 };
 
@@ -123,14 +126,16 @@ void CalibrationWindow::RunFrom(const std::function<void()>& run) {
 }
 
 void CalibrationWindow::Guard(const char* name, const std::function<void()>& command) {
+  const auto done = qScopeGuard([this] {
+    --commands_;
+    CloseIfAsked();
+  });
   ++commands_;
   try {
     command();
   } catch (const std::exception& error) {
     shell_.ReportError(error, FromQt(objectName()) + "." + name);
   }
-  --commands_;
-  CloseIfAsked();
 }
 
 void CalibrationWindow::CloseIfAsked() {
@@ -148,7 +153,11 @@ void CalibrationWindow::PressHalt() {
 }
 
 bool CalibrationWindow::QueryUnload() {
-  if (!inRun_ && commands_ == 0) return true;
+  if (!inRun_ && commands_ == 0) {
+    bool mayClose = false;
+    Guard("QueryUnload", [&] { mayClose = MayLeavePoints(); });
+    return mayClose;
+  }
   closePending_ = true;
   if (!inRun_) return false;
   // Also where the button can't be pressed: a run that is being brought up has to see it.

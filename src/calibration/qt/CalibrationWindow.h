@@ -33,7 +33,7 @@ class CalibrationWindow : public WorkingForm, protected CalibrationDisplay {
 
   /// Halts the run as its button does; nothing when there is none.
   void PressHalt();
-  /// The run is over, and the question whether to save its points stands on the screen.
+  /// A question about saving its points stands on the screen.
   virtual bool AsksToSave() const { return false; }
   /// Points that were to be saved are not: the window does not close by itself.
   virtual bool SaveMissed() const { return false; }
@@ -62,6 +62,8 @@ class CalibrationWindow : public WorkingForm, protected CalibrationDisplay {
   /// Forgets the figures of the run before.
   virtual void StartAfresh();
   bool InRun() const { return inRun_; }
+  /// Asks about points that would be lost. @return false when the window has to stay
+  virtual bool MayLeavePoints() = 0;
 
   bool QueryUnload() override;
 
