@@ -36,12 +36,13 @@ class CableLoss {
 
  private:
   bool Pass(bool inserted);
-  bool Saved();
+  bool SavedOrPrinted();
   std::size_t Completed() const;
 
   ConsoleStation& station_;
   RunCablCal run_;
   ConsoleCalDisplay display_;
+  std::vector<CablePoint> direct_;  ///< what the whole direct pass measured
   RunOutcome outcome_ = RunOutcome::NotRun;
 };
 
@@ -53,8 +54,11 @@ bool CableLoss::Plan() {
 
 ExitState CableLoss::Run() {
   const std::size_t planned = run_.Points().size();
-  if (Pass(false)) Pass(true);
-  const bool saved = Saved();
+  if (Pass(false)) {
+    direct_ = run_.Points();
+    Pass(true);
+  }
+  const bool saved = SavedOrPrinted();
   return station_.End(outcome_, saved, Completed(), planned);
 }
 
@@ -67,23 +71,23 @@ bool CableLoss::Pass(bool inserted) {
     return false;
   }
   station_.ConnectMeter(inserted ? MeterAt::Cable : MeterAt::Generator);
-  const auto halt = [this] { station_.TheShell().delay.RequestHalt(); };
   outcome_ = inserted ? RunOutcome::EndedEarly : RunOutcome::NotRun;
-  station_.Run(
-      [&] {
-        inserted ? run_.InsertPass(display_) : run_.DirectPass(display_);
-        outcome_ = run_.Outcome();
-      },
-      halt);
+  station_.Run([&] {
+    inserted ? run_.InsertPass(display_) : run_.DirectPass(display_);
+    outcome_ = run_.Outcome();
+  });
   return outcome_ == RunOutcome::Finished;
 }
 
-/// Whether what was measured is in the file; otherwise it is printed. A loss needs both readings, and a pass that ended
-/// early has cut the points to those that it measured.
-bool CableLoss::Saved() {
-  if (Completed() == run_.Points().size() && run_.SaveFile()) return true;
+/// Prints what is in no file: a loss needs both readings at every point, and an insert pass that ended early has cut
+/// the points to those that it measured. @return whether all is in the file
+bool CableLoss::SavedOrPrinted() {
+  const auto& points = run_.Points();
+  std::vector<CablePoint> unsaved;
+  if (Completed() < points.size() || !run_.SaveFile()) unsaved = points;
+  for (std::size_t i = points.size(); i < direct_.size(); ++i) unsaved.push_back(direct_[i]);
   std::string text;
-  for (const CablePoint& point : run_.Points()) {
+  for (const CablePoint& point : unsaved) {
     if (!point.HasDirect()) continue;
     text += Format(point.Freq, "####0.000###") + " MHz  direct " + Format(point.Direct, "##0.0#");
     if (point.HasBoth()) text += "  insert " + Format(point.Insert, "##0.0#");

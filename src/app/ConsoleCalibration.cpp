@@ -2,39 +2,37 @@
 #include "app/ConsoleJobs.h"
 #include "app/ConsoleStation.h"
 #include "calibration/LevelCalibration.h"
+#include "calibration/RunQuestions.h"
 #include "documents/clsCalFile.h"
 
 namespace hylden {
 
 namespace {
 
+/// What the form would refuse is refused. The user-defined factor is not in the file: it comes as it would be typed.
 bool Validate(ConsoleStation& station) {
   CalSetup& setup = station.TheDocuments().calSetup;
   CalSetupEntries entries;
   const std::vector<std::string> messages = setup.SetupToForm(entries);
   for (const std::string& message : messages) station.Tell(message);
   if (!messages.empty()) return false;
+  const std::string& factor = station.Options().CouplingFactor;
+  if (!factor.empty()) {
+    if (entries.CouplingMethod != static_cast<std::int32_t>(CouplingMethod::UserDefined)) {
+      station.Tell("The setup's coupling method is not the user-defined one: it has its own factor.");
+      return false;
+    }
+    entries.UserDefCF = factor;
+  }
   if (const auto failure = setup.FormToSetup(entries, true)) {
-    station.TellFailure(*failure, "calibration setup");
+    station.TellBadEntry(*failure, "calibration setup");
     return false;
   }
   if (const auto failure = CheckStation(setup.Record, station.TheDocuments().equip.Record)) {
     station.Tell(failure->Text);
     return false;
   }
-  return true;
-}
-
-bool TakeCouplingFactor(ConsoleStation& station) {
-  const std::optional<double> factor = station.Options().CouplingFactorDb;
-  if (!factor) return true;
-  CalSetup& setup = station.TheDocuments().calSetup;
-  if (setup.Record.CouplingMethod != static_cast<std::int32_t>(CouplingMethod::UserDefined)) {
-    station.Tell("The setup's coupling method is not the user-defined one: it has its own factor.");
-    return false;
-  }
-  setup.UserDefinedFactor = *factor;
-  return true;
+  return !setup.Record.RecordsForward() || station.MayMoveSensor();
 }
 
 bool Load(ConsoleStation& station) {
@@ -43,24 +41,24 @@ bool Load(ConsoleStation& station) {
     station.Tell("Error loading calibration setup file: " + file);
     return false;
   }
-  return Validate(station) && TakeCouplingFactor(station);
+  return Validate(station);
 }
 
 bool Connected(ConsoleStation& station) {
   const CalSetupRecord& setup = station.TheDocuments().calSetup.Record;
   return station.Confirm("Make sure proper amp is hooked up,\r\n" + setup.AmpUsed +
-                             "\r\nand the meter is at the calibration port, through its cable, of\r\n" +
+                             "\r\nand the meter, with its cable, at the calibration port of\r\n" +
                              setup.DeviceDescription,
                          question::kMakeSure);
 }
 
-std::string TextOf(const std::vector<CalRow>& rows) {
-  std::string text;
-  for (const CalRow& row : rows) {
-    for (const std::string& cell : row) text += cell + ",";
-    text += "\n";
-  }
-  return text;
+/// Prints the rows that are in no record. @return whether there are none
+bool SavedOrPrinted(ConsoleStation& station, const LevelCalibration& calibration) {
+  std::vector<std::vector<std::string>> unsaved;
+  for (const CalRow& row : calibration.Rows())
+    if (!calibration.RowsSaved() || !IsComplete(row)) unsaved.emplace_back(row.begin(), row.end());
+  if (!unsaved.empty()) station.PrintUnsaved(CalDataText(unsaved));
+  return unsaved.empty();
 }
 
 }  // namespace
@@ -77,11 +75,9 @@ ExitState RunLevelCalibration(ConsoleStation& station) {
   ConsoleCalDisplay display(station.Progress());
   LevelCalibration calibration(station.TheShell(), station.TheInstruments(), station.TheDocuments(), display);
   if (!calibration.Prepare()) return ExitState::Failed;
-  if (Connected(station)) station.Run([&] { calibration.Run(); }, [&] { station.TheShell().delay.RequestHalt(); });
-  const std::vector<CalRow>& rows = calibration.Rows();
-  const bool saved = rows.empty() || calibration.RowsSaved();
-  if (!saved) station.PrintUnsaved(TextOf(rows));
-  return station.End(calibration.Outcome(), saved, rows.size(), calibration.Frequencies().size());
+  if (Connected(station)) station.Run([&] { calibration.Run(); });
+  const bool saved = SavedOrPrinted(station, calibration);
+  return station.End(calibration.Outcome(), saved, calibration.Rows().size(), calibration.Frequencies().size());
 }
 
 }  // namespace hylden

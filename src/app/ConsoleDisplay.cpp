@@ -26,7 +26,6 @@ void ConsoleCalDisplay::Plan(const CalibrationPlan& plan) {
 void ConsoleCalDisplay::Frequency(double frequencyMHz) {
   line_.Now().Step = done_ + 1;
   line_.Now().FrequencyMHz = frequencyMHz;
-  line_.Redraw();
 }
 
 void ConsoleCalDisplay::SigGenLevel(float levelDbm) {

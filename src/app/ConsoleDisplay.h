@@ -39,7 +39,9 @@ class ConsoleCalDisplay : public CalibrationDisplay {
   explicit ConsoleCalDisplay(ProgressLine& line) : line_(line) {}
 
   void Countdown(double seconds) override { line_.Countdown(seconds); }
-  void Running(bool) override {}
+  void Running(bool running) override {
+    if (running) line_.End();
+  }
   void Status(const std::string& text) override { line_.Activity(text); }
   void Plan(const CalibrationPlan& plan) override;
   void Frequency(double frequencyMHz) override;

@@ -6,8 +6,11 @@
 #include <iostream>
 
 #include "app/BusChoice.h"
+#include "calibration/RunQuestions.h"
+#include "platform/FlagRaised.h"
 #include "platform/native/ProgramDirectory.h"
 #include "text/Pattern.h"
+#include "text/TextFile.h"
 
 namespace hylden {
 
@@ -24,7 +27,7 @@ ConsoleStation::ConsoleStation(const RunOptions& options)
       terminal_(AtTerminal(STDIN_FILENO) && AtTerminal(STDOUT_FILENO)),
       realEvents_(realClock_,
                   [this] {
-                    if (halt_) halt_();
+                    if (running_) TheShell().delay.RequestHalt();
                   }),
       progress_(std::cout, AtTerminal(STDOUT_FILENO)),
       dialogs_(STDIN_FILENO, std::cout, realEvents_, DialogOptions()),
@@ -47,8 +50,9 @@ EventLoop& ConsoleStation::TheLoop() {
 
 ConsoleDialogsOptions ConsoleStation::DialogOptions() {
   // The output file was named on the command line: saving to it is no question any more.
-  ConsoleDialogsOptions dialogs{
-      .terminal = terminal_, .confirmedTitles = {"Save Run Data", "Save Calibration"}, .savePath = options_.OutputFile};
+  ConsoleDialogsOptions dialogs{.terminal = terminal_,
+                                .confirmedTitles = {question::kSaveRunData, question::kSaveCalibration},
+                                .savePath = options_.OutputFile};
   if (options_.Yes) {
     for (const char* title : {question::kMakeSure, question::kReplace}) dialogs.confirmedTitles.emplace_back(title);
     if (options_.UseBench) dialogs.confirmedTitles.emplace_back(question::kPass);
@@ -89,15 +93,12 @@ bool ConsoleStation::MakeBus() {
 }
 
 bool ConsoleStation::MayWrite(const std::string& name) {
-  namespace fs = std::filesystem;
-  const fs::path output = name;
-  std::error_code error;
-  const fs::path folder = output.has_parent_path() ? output.parent_path() : fs::path(".");
-  if (!fs::is_directory(folder, error) || access(folder.c_str(), W_OK) != 0 || fs::is_directory(output, error)) {
+  if (!MayReplace(name)) {
     Tell("Nothing can be written to " + name);
     return false;
   }
-  if (!fs::exists(output, error)) return true;
+  std::error_code error;
+  if (!std::filesystem::exists(name, error)) return true;
   if (dialogs_.Show({name + " exists. Replace it?", question::kReplace, MessageIcon::Question,
                      MessageButtons::YesNo}) == MessageAnswer::Yes)
     return true;
@@ -113,7 +114,7 @@ bool ConsoleStation::LoadEquipment() {
   }
   if (!equip.LoadDefinitions()) return false;
   if (const auto failure = equip.ApplyEquipment(equip.Entries())) {
-    TellFailure(*failure, "equipment file");
+    TellBadEntry(*failure, "equipment file");
     return false;
   }
   bus_->EquipBench(equip.Record, TheInstruments());
@@ -128,19 +129,26 @@ bool ConsoleStation::Confirm(const std::string& text, const char* title) {
   return dialogs_.Show({text, title, MessageIcon::Exclamation, MessageButtons::OkCancel}) == MessageAnswer::Ok;
 }
 
-void ConsoleStation::TellFailure(const EntryFailure& failure, const std::string& document) {
+void ConsoleStation::TellBadEntry(const EntryFailure& failure, const std::string& document) {
   Tell(failure.Text.empty() ? "The " + document + " holds an entry that can't be used: " + failure.Control
                             : failure.Text);
 }
 
-void ConsoleStation::Run(const std::function<void()>& work, const std::function<void()>& halt) {
+bool ConsoleStation::MayMoveSensor() {
+  const EquipRecord& equipment = TheDocuments().equip.Record;
+  const bool moves = equipment.HasIfiAmplifier() && !equipment.Is(AmpConfig::DualSplit);
+  if (!moves || options_.UseBench || terminal_) return true;
+  Tell("Between the bands somebody at a terminal has to move the power sensor to the other coupler.");
+  return false;
+}
+
+void ConsoleStation::Run(const std::function<void()>& work) {
   realEvents_.Yield(0);
   if (realEvents_.StopRequested()) return;
-  halt_ = halt;
+  const FlagRaised running(running_);
   const std::int64_t start = TheClock().TickMs();
   work();
   elapsedMs_ += TheClock().TickMs() - start;
-  halt_ = nullptr;
   progress_.End();
 }
 

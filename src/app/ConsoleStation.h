@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <iosfwd>
 #include <memory>
 #include <string>
 #include <vector>
@@ -22,9 +21,8 @@ namespace hylden {
 
 class Bus;
 
-/// The titles of the questions that "--yes" confirms.
+/// Further titles of questions that "--yes" confirms.
 namespace question {
-inline constexpr const char* kMakeSure = "MAKE SURE!!!";
 inline constexpr const char* kReplace = "Replace file";
 inline constexpr const char* kPass = "Cable pass";  ///< on the bench only: nobody else changes its cables
 }  // namespace question
@@ -52,11 +50,14 @@ class ConsoleStation {
   void Tell(const std::string& text) { dialogs_.Tell(text); }
   /// Asks OK or Cancel.
   bool Confirm(const std::string& text, const char* title);
+  /// Whether somebody can move the power sensor to the other coupler when a run asks for it. @return false after a
+  /// message
+  bool MayMoveSensor();
   /// Tells what is wrong with a document's entry.
-  void TellFailure(const EntryFailure& failure, const std::string& document);
+  void TellBadEntry(const EntryFailure& failure, const std::string& document);
 
   /// Does the job's work, with Ctrl-C pressing its Halt meanwhile. Nothing is begun when it was pressed before.
-  void Run(const std::function<void()>& work, const std::function<void()>& halt);
+  void Run(const std::function<void()>& work);
   /// Prints what could not be saved, so that nothing measured is lost.
   void PrintUnsaved(const std::string& text);
   /// Tells how the job's work ended.
@@ -68,7 +69,7 @@ class ConsoleStation {
   EventLoop& TheLoop();
   ConsoleDialogsOptions DialogOptions();
   bool MakeBus();
-  bool MayWrite(const std::string& output);
+  bool MayWrite(const std::string& name);
   bool LoadEquipment();
 
   const RunOptions& options_;
@@ -76,7 +77,7 @@ class ConsoleStation {
   ConsoleClock realClock_;
   VirtualClock virtualClock_;
   VirtualEventLoop virtualEvents_{virtualClock_};
-  std::function<void()> halt_;
+  bool running_ = false;
   ConsoleEventLoop realEvents_;
   ProgressLine progress_;
   ConsoleDialogs dialogs_;

@@ -17,7 +17,7 @@ bool Validate(ConsoleStation& station) {
   const TestValidation validation = ValidateTestDefinition(entries, documents.calInfo.Record.FreqRange, test);
   for (const std::string& notice : validation.Notices) station.Tell(notice);
   if (validation.Failure) {
-    station.TellFailure(*validation.Failure, "test definition");
+    station.TellBadEntry(*validation.Failure, "test definition");
     return false;
   }
   if (const auto failure = CheckStart(test, documents.equip.Record)) {
@@ -40,13 +40,12 @@ bool Load(ConsoleStation& station) {
     return false;
   }
   if (!Validate(station)) return false;
-  // The product is connected, with the monitor probe around its cable.
-  station.ConnectMeter(MeterAt::Probe);
-  return true;
+  const auto method = static_cast<LevelingMethod>(documents.testSetup.Definition.LevelingMethod);
+  return method == LevelingMethod::SigGen || station.MayMoveSensor();
 }
 
-/// Whether the run data are in the output file; otherwise they are printed.
-bool Saved(ConsoleStation& station, const RunEngine& engine) {
+/// Prints the run data unless they are in the output file. @return whether they are
+bool SavedOrPrinted(ConsoleStation& station, const RunEngine& engine) {
   if (engine.Data().IsEmpty()) return true;
   const std::string text = RunFileText(engine.Data(), false);
   try {
@@ -62,18 +61,18 @@ bool Saved(ConsoleStation& station, const RunEngine& engine) {
 
 ExitState RunTest(ConsoleStation& station) {
   if (!station.SetUp({station.Options().OutputFile}) || !Load(station)) return ExitState::Failed;
+  // The product is connected, with the monitor probe around its cable.
+  station.ConnectMeter(MeterAt::Probe);
   ConsoleDisplay display(station.Progress());
   RunControls controls;
   RunEngine engine(station.TheShell(), station.TheInstruments(), station.TheDocuments(), display, controls);
   RunCommands commands(station.TheShell(), station.TheDocuments(), engine, controls);
   if (engine.Prepare() != RunReadiness::Ready) return ExitState::Failed;
-  station.Run(
-      [&] {
-        commands.Run();
-        display.Finish();
-      },
-      [&] { commands.Halt(); });
-  const bool saved = Saved(station, engine);
+  station.Run([&] {
+    commands.Run();
+    display.Finish();
+  });
+  const bool saved = SavedOrPrinted(station, engine);
   return station.End(engine.Outcome(), saved, static_cast<std::size_t>(engine.CompletedSteps()), engine.Steps().size());
 }
 

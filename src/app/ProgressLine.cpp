@@ -13,6 +13,7 @@ constexpr auto kRedrawInterval = std::chrono::milliseconds(100);
 void ProgressLine::Start(int steps, double estimatedMinutes) {
   End();
   now_ = {.Steps = steps};
+  activity_.clear();
   out_ << steps << (steps == 1 ? " step" : " steps");
   if (estimatedMinutes > 0) out_ << ", estimated " << Format(estimatedMinutes, "##0.0") << " min";
   out_ << '\n' << std::flush;

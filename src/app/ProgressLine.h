@@ -23,7 +23,7 @@ class ProgressLine {
   /// Starts a run of this many steps.
   /// @param estimatedMinutes  0 where nobody can tell
   void Start(int steps, double estimatedMinutes);
-  /// What has happened since the last call; a terminal shows it now and then.
+  /// How far the run is, to be changed; Redraw shows it on a terminal now and then.
   RunProgress& Now() { return now_; }
   void Redraw();
   void Activity(const std::string& text);

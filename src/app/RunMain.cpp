@@ -11,7 +11,8 @@ using hylden::StepType;
 void AddJobs(CLI::App& app, RunOptions& options) {
   CLI::Option_group* const jobs = app.add_option_group("Job", "What to run");
   jobs->add_option("--test", options.TestFile, "A test by its definition (.tst)");
-  jobs->add_option("--calibrate", options.SetupFile, "A level calibration by its setup (.csu)");
+  jobs->add_option("--calibrate", options.SetupFile, "A level calibration by its setup (.csu)")
+      ->each([&options](const std::string&) { options.What = RunOptions::Job::Calibration; });
   jobs->add_flag_callback(
       "--cable-loss", [&options] { options.What = RunOptions::Job::CableLoss; },
       "A cable insertion-loss calibration: a direct pass, then an insert pass");
@@ -34,9 +35,17 @@ void AddCableOptions(CLI::App& app, RunOptions& options) {
   add("--dwell", cable.Dwell, "SECONDS", "Wait before each reading (default 1)");
 }
 
-/// What was given says which job it is, and how the cable is stepped through.
+void AddBenchOptions(CLI::App& app, RunOptions& options) {
+  auto* const bench =
+      app.add_option("--bench", options.BenchFile, "Drive the simulated bench, described by FILE if one is given")
+          ->expected(0, 1)
+          ->type_name("[FILE]");
+  app.add_flag("--virtual-time", options.VirtualTime, "Let waits pass at once (on the bench only)")->needs(bench);
+  app.add_option("--seed", options.Seed, "Seed of the bench's reading noise")->needs(bench)->type_name("N");
+}
+
+/// What was given says how the cable is stepped through, and which bus is driven.
 void TakeChoices(const CLI::App& app, RunOptions& options) {
-  if (app.count("--calibrate") > 0) options.What = RunOptions::Job::Calibration;
   const StepType steps = app.count("--list") > 0          ? StepType::List
                          : app.count("--linear-step") > 0 ? StepType::Linear
                                                           : StepType::Log;
@@ -57,18 +66,16 @@ int main(int argc, char** argv) {
   app.add_option("--output", options.OutputFile,
                  "File for what is recorded: run data (.run), a calibration record (.cal), an insertion loss (.los)")
       ->required();
-  app.add_option("--coupling-factor", options.CouplingFactorDb,
+  app.add_option("--coupling-factor", options.CouplingFactor,
                  "Coupling factor for a setup with the user-defined method (default 0)")
       ->needs("--calibrate")
       ->type_name("DB");
   AddCableOptions(app, options);
-  auto* const bench =
-      app.add_option("--bench", options.BenchFile, "Drive the simulated bench, described by FILE if one is given")
-          ->expected(0, 1)
-          ->type_name("[FILE]");
-  app.add_flag("--virtual-time", options.VirtualTime, "Let waits pass at once (on the bench only)")->needs(bench);
-  app.add_flag("--yes", options.Yes, "Answer the confirmations before RF is switched on");
-  app.add_option("--seed", options.Seed, "Seed of the bench's reading noise")->needs(bench)->type_name("N");
+  AddBenchOptions(app, options);
+  app.add_flag(
+      "--yes", options.Yes,
+      "Answer the confirmations before RF is switched on, and whether to replace a file; on the bench also those "
+      "of the cable's passes");
 
   try {
     app.parse(argc, argv);

@@ -17,7 +17,9 @@ bool HasDataEnding(const std::string& name) {
                     [](char wanted, char c) { return (c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c) == wanted; });
 }
 
-std::string DataContent(const std::vector<std::vector<std::string>>& rows) {
+}  // namespace
+
+std::string CalDataText(const std::vector<std::vector<std::string>>& rows) {
   std::vector<std::string> lines;
   for (const std::vector<std::string>& row : rows) {
     std::string line;
@@ -26,8 +28,6 @@ std::string DataContent(const std::vector<std::vector<std::string>>& rows) {
   }
   return JoinLines(lines);
 }
-
-}  // namespace
 
 std::optional<std::string> InfoFileBeside(const std::string& dataFileName) {
   if (!HasDataEnding(dataFileName)) return std::nullopt;
@@ -49,7 +49,7 @@ bool SaveCal(Shell& shell, const std::string& dataFileName, const std::vector<st
   const std::string* current = &dataFileName;
   try {
     // The two belong together: neither is replaced unless both can be written.
-    FileReplacement data(dataFileName, DataContent(rows));
+    FileReplacement data(dataFileName, CalDataText(rows));
     current = &*infoFileName;
     FileReplacement description(*infoFileName, RecordText(info, true));
     current = &dataFileName;

@@ -61,6 +61,9 @@ class clsCalFile {
   std::size_t cursor_ = 0;
 };
 
+/// The data file's text for rows of five cells; an empty cell stays empty.
+std::string CalDataText(const std::vector<std::vector<std::string>>& rows);
+
 /// The info file that lies beside a record's data file; nothing where its name doesn't end with ".cal".
 std::optional<std::string> InfoFileBeside(const std::string& dataFileName);
 

@@ -188,6 +188,18 @@ FileReplacement::FileReplacement(const std::string& path, std::string_view conte
   WriteAndClose(std::move(file), content);
 }
 
+bool MayReplace(const std::string& path) {
+  std::error_code ignored;
+  const fs::file_status status = fs::status(path, ignored);
+  if (fs::exists(status) && !fs::is_regular_file(status)) return !fs::is_directory(status);
+  try {
+    const FileReplacement trial(path, "");
+  } catch (const RuntimeError&) {
+    return false;
+  }
+  return true;
+}
+
 FileReplacement::Temporary::~Temporary() {
   std::error_code ignored;
   if (!Path.empty()) fs::remove(Path, ignored);

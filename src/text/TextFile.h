@@ -61,6 +61,9 @@ class FileReplacement {
   Temporary written_;
 };
 
+/// Whether a file could be written or replaced under this name, as far as can be told beforehand.
+bool MayReplace(const std::string& path);
+
 /// Replaces the file as a whole, or leaves it untouched. @throws RuntimeError as FileReplacement
 void ReplaceFile(const std::string& path, std::string_view content);
 

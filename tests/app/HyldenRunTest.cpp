@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
@@ -171,12 +172,13 @@ class HyldenRunCalibration : public testing::Test {
         more);
   }
   /// The demo station's setup, changed.
-  std::string Setup(const std::function<void(CalSetupRecord&)>& change) const {
+  std::string Setup(const std::function<void(CalSetupRecord&)>& change) {
     CalSetupRecord setup;
     LoadRecord(std::string(kStation) + "/cdn-10v.csu", setup);
     change(setup);
-    SaveRecord(directory_.File("setup.csu"), setup, true);
-    return directory_.File("setup.csu");
+    const std::string file = directory_.File("setup" + std::to_string(++setups_) + ".csu");
+    SaveRecord(file, setup, true);
+    return file;
   }
   /// Runs and sends a signal when the text has been printed.
   static Outcome Interrupted(const std::vector<std::string>& arguments, const std::string& at) {
@@ -187,6 +189,7 @@ class HyldenRunCalibration : public testing::Test {
   }
 
   TempDir directory_;
+  int setups_ = 0;
 };
 
 TEST_F(HyldenRunCalibration, CalibratesALevelIntoARecordOfBothFiles) {
@@ -238,7 +241,19 @@ TEST_F(HyldenRunCalibration, PrintsTheReadingsOfAHaltedDirectPass) {
   EXPECT_FALSE(directory_.Exists("out.los"));
 }
 
+TEST_F(HyldenRunCalibration, KeepsEveryReadingOfAHaltedInsertPass) {
+  const Outcome outcome = Interrupted(Cable({"--log-step", "0.05", "--yes"}), "Insert pass");
+  EXPECT_EQ(outcome.status, kHalted);
+  const std::size_t inFile = directory_.Exists("out.los") ? ReadLines(directory_.File("out.los")).size() - 12 : 0;
+  std::size_t printed = 0;
+  for (std::size_t at = 0; (at = outcome.output.find("MHz  direct", at)) != std::string::npos; ++at) ++printed;
+  EXPECT_GT(printed, 1000U);
+  EXPECT_EQ(inFile + printed, 12'563U);
+}
+
 TEST_F(HyldenRunCalibration, SwitchesNothingOnUnasked) {
+  const std::string readOnly = directory_.Write("kept.cal", "yesterday");
+  std::filesystem::permissions(readOnly, std::filesystem::perms::owner_read);
   directory_.Write("old.hyinfo", "yesterday");
   struct Case {
     const char* name;
@@ -257,6 +272,16 @@ TEST_F(HyldenRunCalibration, SwitchesNothingOnUnasked) {
       {"an info file that is there",
        OnTheBench({"--calibrate", "cdn-10v.csu", "--output", directory_.File("old.cal")}, {}), kFailed,
        "old.hyinfo exists"},
+      {"a record that can't be replaced", OnTheBench({"--calibrate", "cdn-10v.csu", "--output", readOnly}, {"--yes"}),
+       kFailed, "Nothing can be written to"},
+      {"a sensor that nobody moves",
+       {"--calibrate", "cdn-10v.csu", "--equipment", "ifi-station.eqp", "--output", directory_.File("out.cal"),
+        "--yes"},
+       kFailed,
+       "has to move the power sensor"},
+      {"a factor that is none",
+       Level(Setup([](CalSetupRecord& s) { s.CouplingMethod = 3; }), {"--yes", "--coupling-factor", "nan"}), kFailed,
+       "txtUserDefCF"},
       {"no calibration setup", Level("bench.txt", {"--yes"}), kFailed, "Error loading calibration setup file"},
       {"a setup that can't be run", Level(Setup([](CalSetupRecord& s) { s.StopFreq = 0.1; }), {"--yes"}), kFailed,
        "txtStopFreq"},
@@ -265,7 +290,7 @@ TEST_F(HyldenRunCalibration, SwitchesNothingOnUnasked) {
        OnTheBench({"--calibrate", "cdn-10v.csu", "--output", directory_.File("out.txt")}, {"--yes"}), kUsage, ".cal"},
       {"two jobs", Cable({"--test", "substitution-am.tst"}), kUsage, "Exactly 1"},
       {"a cable's option without a cable", Level("cdn-10v.csu", {"--stop", "10"}), kUsage, "--cable-loss"},
-      {"two kinds of step", Cable({"--log-step", "1", "--linear-step", "1"}), kUsage, "--l"},
+      {"two kinds of step", Cable({"--log-step", "1", "--linear-step", "1"}), kUsage, "excludes --l"},
       {"a dwell below 0", Cable({"--dwell=-1"}), kUsage, "--dwell: the value is outside its range"},
       {"a step that is no number", Cable({"--log-step", "x"}), kUsage, "--log-step: the value is not a number"},
   };
