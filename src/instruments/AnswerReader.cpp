@@ -24,7 +24,7 @@ bool AnswerReader::Trigger(int address, const std::string& command, double settl
   // The drain costs up to 30 ms, but a late answer would be read as the next one.
   gpib_.Drain(address);
   if (command.empty()) return true;
-  if (!gpib_.Send(address, command + terminator.Text)) return false;
+  if (!gpib_.Send(address, command + terminator_.Text)) return false;
   deadlineMs_ = shell_.clock.TickMs() + Milliseconds(settlingSeconds);
   return true;
 }
@@ -35,9 +35,9 @@ void AnswerReader::AwaitPending() {
 
 std::optional<double> AnswerReader::Read(int address, const std::string& readCommand, const std::string& parseCommand) {
   pending_ = false;
-  if (!readCommand.empty() && !gpib_.Send(address, readCommand + terminator.Text)) return std::nullopt;
+  if (!readCommand.empty() && !gpib_.Send(address, readCommand + terminator_.Text)) return std::nullopt;
   std::string answer;
-  if (!gpib_.Receive(address, answer, terminator.ReadTermination)) return std::nullopt;
+  if (!gpib_.Receive(address, answer, terminator_.ReadTermination)) return std::nullopt;
   lastAnswer_ = answer;
   const std::string valueText = parseCommand.empty() ? answer : parser_.ParseAnswer(answer, parseCommand);
   if (valueText.empty()) return std::nullopt;

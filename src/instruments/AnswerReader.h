@@ -16,9 +16,9 @@ class Shell;
 /// Nothing is reported here but scripting errors and bad units.
 class AnswerReader {
  public:
-  AnswerReader(Shell& shell, Gpib& gpib, ResponseParser& parser) : shell_(shell), gpib_(gpib), parser_(parser) {}
-
-  Terminator terminator;
+  /// @param terminator  of the instrument, as its definition asks for it now; must outlive the reader
+  AnswerReader(Shell& shell, Gpib& gpib, ResponseParser& parser, const Terminator& terminator)
+      : shell_(shell), gpib_(gpib), parser_(parser), terminator_(terminator) {}
 
   /// Marks a trigger pending, reads stale output away and sends the command (which may be empty). False when the send
   /// failed; the mark stays.
@@ -43,6 +43,7 @@ class AnswerReader {
   Shell& shell_;
   Gpib& gpib_;
   ResponseParser& parser_;
+  const Terminator& terminator_;
   bool pending_ = false;
   std::int64_t deadlineMs_ = 0;
   std::string lastAnswer_;

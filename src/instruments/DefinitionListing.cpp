@@ -3,7 +3,6 @@
 #include "instruments/MeterDefinition.h"
 #include "instruments/PowerMeterDefinition.h"
 #include "instruments/SigGenDefinition.h"
-#include "shell/Shell.h"
 #include "text/Numbers.h"
 
 namespace hylden {
@@ -124,17 +123,12 @@ std::vector<std::string> Listing(const PowerMeterDefinition& d) {
   return lines.Take();
 }
 
-void PrintListing(Shell& shell, const std::vector<std::string>& listing, const std::string& title,
-                  std::string_view context, const std::string& path) {
+PrintJob ListingJob(const std::string& title, const std::vector<std::string>& listing) {
   PrintJob job;
   job.title = title;
   job.lines.resize(kTopLines);
   for (const std::string& line : listing) job.lines.push_back({line});
-  try {
-    shell.printer.Print(job);
-  } catch (const std::exception& error) {
-    shell.ReportError(error, context, path);
-  }
+  return job;
 }
 
 }  // namespace hylden

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
+
+#include "platform/Printer.h"
 
 namespace hylden {
 
-class Shell;
 struct MeterDefinition;
 struct PowerMeterDefinition;
 struct SigGenDefinition;
@@ -17,8 +17,7 @@ std::vector<std::string> Listing(const SigGenDefinition& definition);
 std::vector<std::string> Listing(const MeterDefinition& definition);
 std::vector<std::string> Listing(const PowerMeterDefinition& definition);
 
-/// Prints a listing below six empty lines. A printer's failure is reported with the context and the path.
-void PrintListing(Shell& shell, const std::vector<std::string>& listing, const std::string& title,
-                  std::string_view context, const std::string& path);
+/// A listing to be printed, below six empty lines.
+PrintJob ListingJob(const std::string& title, const std::vector<std::string>& listing);
 
 }  // namespace hylden

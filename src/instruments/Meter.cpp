@@ -4,8 +4,6 @@
 #include <cmath>
 
 #include "instruments/Command.h"
-#include "instruments/DefinitionFile.h"
-#include "instruments/DefinitionListing.h"
 #include "measure/Conversions.h"
 #include "shell/Shell.h"
 
@@ -27,7 +25,7 @@ std::optional<double> NextReferenceLevel(double levelDbuv, double referenceDbuv,
 }
 
 bool Meter::InitMeter() {
-  const std::string init = definition_.InitString.empty() ? "" : definition_.InitString + answers_.terminator.Text;
+  const std::string init = definition_.InitString.empty() ? "" : definition_.InitString + terminator_.Text;
   if (!gpib_.GpibOpen(Address(), init, kName)) return false;
   currentFreq_ = 0;
   currentReference_ = kNoReference;
@@ -46,7 +44,7 @@ bool Meter::MeterSetFreq(double frequencyMHz) {
   currentFreq_ = frequencyMHz;
   if (!HasFreqCommand()) return true;
   return SendCommand(SettingCommand(definition_.FreqSetPrefix, setting, commandpattern::kMeterFreq,
-                                    definition_.FreqSetSuffix, answers_.terminator));
+                                    definition_.FreqSetSuffix, terminator_));
 }
 
 double Meter::FreqSetting(double frequencyMHz) const {
@@ -65,7 +63,7 @@ bool Meter::MeterSetLevel(double levelDbuv) {
   const auto setting = answers_.Converted(Conversions::DbuvToMeterUnits, definition_.Units, commanded);
   if (!setting) return WriteFailed();
   return SendCommand(SettingCommand(definition_.LevSetPrefix, *setting, commandpattern::kMeterLevel,
-                                    definition_.LevSetSuffix, answers_.terminator));
+                                    definition_.LevSetSuffix, terminator_));
 }
 
 bool Meter::MeterTrigger() {
@@ -107,36 +105,9 @@ std::optional<double> Meter::ReadLevel() {
 }
 
 bool Meter::MeterShutdown() {
-  const bool offline = definition_.Shutdown.empty()
-                           ? InitMeter()
-                           : gpib_.Send(Address(), definition_.Shutdown + answers_.terminator.Text);
+  const bool offline =
+      definition_.Shutdown.empty() ? InitMeter() : gpib_.Send(Address(), definition_.Shutdown + terminator_.Text);
   return offline ? gpib_.GpibClose(Address(), kName) : WriteFailed();
-}
-
-bool Meter::LoadFile(const std::string& path) {
-  fileName_ = path;
-  if (!LoadDefinition(shell_, path, definition_, "Meter.LoadFile")) return false;
-  answers_.terminator.Derive(definition_.EndOfString);
-  return true;
-}
-
-bool Meter::SaveFile(const std::string& path) {
-  if (!SaveDefinition(shell_, path, definition_, "meter.SaveFile")) return false;
-  fileName_ = path;
-  return true;
-}
-
-void Meter::PrintSetup() {
-  PrintListing(shell_, Listing(definition_), "Meter Definition", "Meter.PrintSetup", fileName_);
-}
-
-void Meter::SetAddress(int address) {
-  definition_.Address = static_cast<std::int16_t>(address);
-}
-
-void Meter::PutDefinition(const MeterDefinition& definition) {
-  definition_ = definition;
-  answers_.terminator.Derive(definition_.EndOfString);
 }
 
 bool Meter::SendCommand(const std::string& command) {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "instruments/AnswerReader.h"
-#include "instruments/Gpib.h"
+#include "instruments/DefinedInstrument.h"
 #include "instruments/MeterDefinition.h"
 
 namespace hylden {
@@ -22,11 +22,12 @@ std::optional<double> NextReferenceLevel(double levelDbuv, double referenceDbuv,
 
 /// The station's meter (analyser, oscilloscope or RF voltmeter), driven through its definition. Levels in dBuV,
 /// frequencies in MHz. Failures are reported here; callers add nothing.
-class Meter {
+class Meter : public DefinedInstrument<MeterDefinition> {
  public:
   static constexpr double kDefinedSettling = -1;
 
-  Meter(Shell& shell, Gpib& gpib, ResponseParser& parser) : shell_(shell), gpib_(gpib), answers_(shell, gpib, parser) {}
+  Meter(Shell& shell, Gpib& gpib, ResponseParser& parser)
+      : DefinedInstrument(shell, gpib), answers_(shell, gpib, parser, terminator_) {}
 
   bool InitMeter();
   bool MeterSetFreq(double frequencyMHz);
@@ -37,27 +38,14 @@ class Meter {
   double MeterRead(ReadMode mode, double settlingSeconds = kDefinedSettling);
   bool MeterShutdown();
 
-  bool LoadFile(const std::string& path);
-  bool SaveFile(const std::string& path);
-  void PrintSetup();
-
   float MaximumLevel() const { return definition_.MaximumLevel; }
   float MinimumLevel() const { return definition_.MinimumLevel; }
-  double MaximumFreq() const { return definition_.MaximumFreq; }
-  double MinimumFreq() const { return definition_.MinimumFreq; }
   float SettlingTime() const { return definition_.SettlingTime; }
-  int Address() const { return definition_.Address; }
-  void SetAddress(int address);
-  const std::string& InstrumentName() const { return definition_.InstrumentName; }
-  const std::string& FileName() const { return fileName_; }
   const std::string& LastAnswer() const { return answers_.LastAnswer(); }
-  const MeterDefinition& Definition() const { return definition_; }
-  void PutDefinition(const MeterDefinition& definition);
 
  private:
   static constexpr double kNoReference = 999;
 
-  bool HasFreqCommand() const { return !definition_.FreqSetPrefix.empty() || !definition_.FreqSetSuffix.empty(); }
   bool HasLevelCommand() const { return !definition_.LevSetPrefix.empty() || !definition_.LevSetSuffix.empty(); }
   bool IsScope() const { return definition_.Type == static_cast<std::int32_t>(MeterType::Scope); }
   double FreqSetting(double frequencyMHz) const;
@@ -69,11 +57,7 @@ class Meter {
   bool WriteFailed();
   double ReadFailed();
 
-  Shell& shell_;
-  Gpib& gpib_;
-  MeterDefinition definition_;
   AnswerReader answers_;
-  std::string fileName_;
   double currentFreq_ = 0;                  ///< last requested, MHz
   double currentReference_ = kNoReference;  ///< last requested, dBuV
 };

@@ -1,8 +1,6 @@
 #include "instruments/PM.h"
 
 #include "instruments/Command.h"
-#include "instruments/DefinitionFile.h"
-#include "instruments/DefinitionListing.h"
 #include "measure/Conversions.h"
 #include "shell/Shell.h"
 
@@ -22,7 +20,7 @@ const std::string& OfChannel(int channel, const std::string& first, const std::s
 }  // namespace
 
 bool PM::InitPwrMtr() {
-  const std::string init = definition_.InitString.empty() ? "" : definition_.InitString + answers_.terminator.Text;
+  const std::string init = definition_.InitString.empty() ? "" : definition_.InitString + terminator_.Text;
   if (!gpib_.GpibOpen(Address(), init, kName)) return false;
   currentFreq_ = 0;
   answers_.ForgetTrigger();
@@ -36,9 +34,9 @@ bool PM::PwrMtrSetFreq(double frequencyMHz) {
   }
   if (frequencyMHz == currentFreq_) return true;
   currentFreq_ = frequencyMHz;
-  if (definition_.FreqSetPrefix.empty() && definition_.FreqSetSuffix.empty()) return true;
+  if (!HasFreqCommand()) return true;
   const std::string command = SettingCommand(definition_.FreqSetPrefix, frequencyMHz, commandpattern::kMeterFreq,
-                                             definition_.FreqSetSuffix, answers_.terminator);
+                                             definition_.FreqSetSuffix, terminator_);
   const bool twoChannels = !definition_.SelectCh2.empty();
   return TuneChannel(1, command) && (!twoChannels || TuneChannel(2, command));
 }
@@ -53,7 +51,7 @@ bool PM::PwrMtrSelect(int channel) {
   if (channel != 1 && channel != 2) return false;
   const std::string& command = OfChannel(channel, definition_.SelectCh1, definition_.SelectCh2);
   if (command.empty()) return true;
-  return gpib_.SendOrReport(Address(), command + answers_.terminator.Text, "Error in writing to power meter. ");
+  return gpib_.SendOrReport(Address(), command + terminator_.Text, "Error in writing to power meter. ");
 }
 
 bool PM::PwrMtrTrigger(int channel) {
@@ -86,36 +84,9 @@ int PM::ChannelFor(int channel) const {
 }
 
 bool PM::PwrMtrShutdown() {
-  const bool offline = definition_.Shutdown.empty()
-                           ? InitPwrMtr()
-                           : gpib_.Send(Address(), definition_.Shutdown + answers_.terminator.Text);
+  const bool offline =
+      definition_.Shutdown.empty() ? InitPwrMtr() : gpib_.Send(Address(), definition_.Shutdown + terminator_.Text);
   return offline ? gpib_.GpibClose(Address(), kName) : WriteFailed();
-}
-
-bool PM::LoadFile(const std::string& path) {
-  fileName_ = path;
-  if (!LoadDefinition(shell_, path, definition_, "PwrMtr.LoadFile")) return false;
-  answers_.terminator.Derive(definition_.EndOfString);
-  return true;
-}
-
-bool PM::SaveFile(const std::string& path) {
-  if (!SaveDefinition(shell_, path, definition_, "PwrMtr.SaveFile")) return false;
-  fileName_ = path;
-  return true;
-}
-
-void PM::PrintSetup() {
-  PrintListing(shell_, Listing(definition_), "Power Meter Definition", "PwrMtr.PrintSetup", fileName_);
-}
-
-void PM::SetAddress(int address) {
-  definition_.Address = static_cast<std::int16_t>(address);
-}
-
-void PM::PutDefinition(const PowerMeterDefinition& definition) {
-  definition_ = definition;
-  answers_.terminator.Derive(definition_.EndOfString);
 }
 
 bool PM::WriteFailed() {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "instruments/AnswerReader.h"
-#include "instruments/Gpib.h"
+#include "instruments/DefinedInstrument.h"
 #include "instruments/PowerMeterDefinition.h"
 
 namespace hylden {
@@ -15,12 +15,13 @@ class Shell;
 
 /// The station's power meter, driven through its definition. Powers in dBm, frequencies in MHz. Failures are reported
 /// here; callers add nothing.
-class PM {
+class PM : public DefinedInstrument<PowerMeterDefinition> {
  public:
   /// Channel argument that lets the band decide: channel 1 up to the band-switch frequency, channel 2 above.
   static constexpr int kByBand = 0;
 
-  PM(Shell& shell, Gpib& gpib, ResponseParser& parser) : shell_(shell), gpib_(gpib), answers_(shell, gpib, parser) {}
+  PM(Shell& shell, Gpib& gpib, ResponseParser& parser)
+      : DefinedInstrument(shell, gpib), answers_(shell, gpib, parser, terminator_) {}
 
   bool InitPwrMtr();
   bool PwrMtrSetFreq(double frequencyMHz);
@@ -30,21 +31,9 @@ class PM {
   double ReadPower(int channel);
   bool PwrMtrShutdown();
 
-  bool LoadFile(const std::string& path);
-  bool SaveFile(const std::string& path);
-  void PrintSetup();
-
   double Bandswitch() const { return definition_.Bandswitch; }
   void SetBandswitch(double frequencyMHz) { definition_.Bandswitch = frequencyMHz; }
-  double MaximumFreq() const { return definition_.MaximumFreq; }
-  double MinimumFreq() const { return definition_.MinimumFreq; }
-  int Address() const { return definition_.Address; }
-  void SetAddress(int address);
-  const std::string& InstrumentName() const { return definition_.InstrumentName; }
-  const std::string& FileName() const { return fileName_; }
   const std::string& LastAnswer() const { return answers_.LastAnswer(); }
-  const PowerMeterDefinition& Definition() const { return definition_; }
-  void PutDefinition(const PowerMeterDefinition& definition);
 
  private:
   /// The channel that the argument stands for at the present frequency.
@@ -56,11 +45,7 @@ class PM {
   bool WriteFailed();
   double ReadFailed();
 
-  Shell& shell_;
-  Gpib& gpib_;
-  PowerMeterDefinition definition_;
   AnswerReader answers_;
-  std::string fileName_;
   double currentFreq_ = 0;  ///< last requested, MHz
 };
 

@@ -1,8 +1,6 @@
 #include "instruments/SigGen.h"
 
 #include "instruments/Command.h"
-#include "instruments/DefinitionFile.h"
-#include "instruments/DefinitionListing.h"
 #include "shell/Shell.h"
 
 namespace hylden {
@@ -123,32 +121,6 @@ void SigGen::RequestMinimumLevel() {
 
 bool SigGen::ShutdownSigGen() {
   return SetFreqLevel(MinimumFreq(), MinimumLevel()) && SilenceRf() && gpib_.GpibClose(Address(), kName);
-}
-
-bool SigGen::LoadFile(const std::string& path) {
-  fileName_ = path;
-  if (!LoadDefinition(shell_, path, definition_, "SigGen.LoadFile")) return false;
-  terminator_.Derive(definition_.EndOfString);
-  return true;
-}
-
-bool SigGen::SaveFile(const std::string& path) {
-  if (!SaveDefinition(shell_, path, definition_, "SigGen.SaveFile")) return false;
-  fileName_ = path;
-  return true;
-}
-
-void SigGen::PrintSetup() {
-  PrintListing(shell_, Listing(definition_), "Signal Generator Definition", "SigGen.PrintSetup", fileName_);
-}
-
-void SigGen::SetAddress(int address) {
-  definition_.Address = static_cast<std::int16_t>(address);
-}
-
-void SigGen::PutDefinition(const SigGenDefinition& definition) {
-  definition_ = definition;
-  terminator_.Derive(definition_.EndOfString);
 }
 
 bool SigGen::SendText(const std::string& text, const std::string& failure) {

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "instruments/Gpib.h"
+#include "instruments/DefinedInstrument.h"
 #include "instruments/SigGenDefinition.h"
 
 namespace hylden {
@@ -15,9 +15,9 @@ enum class Modulation : int { None = 0, Am = 1, Fm = 2, Pulse = 3 };
 /// The station's signal generator, driven through its definition. A request outside the definition's limits is refused
 /// with RF off; frequency and level go out only when they change, the falling one first; while RF is off a request is
 /// held for the next RfOn. Frequencies in MHz, levels in dBm. Failures are reported here; callers add nothing.
-class SigGen {
+class SigGen : public DefinedInstrument<SigGenDefinition> {
  public:
-  SigGen(Shell& shell, Gpib& gpib) : shell_(shell), gpib_(gpib) {}
+  SigGen(Shell& shell, Gpib& gpib) : DefinedInstrument(shell, gpib) {}
 
   /// Opens the generator with modulation and RF off; a frequency of exactly 0 starts at the generator's minimum.
   bool InitSigGen(double frequencyMHz, float levelDbm);
@@ -43,31 +43,17 @@ class SigGen {
   /// Minimum level and frequency, RF off, local; stops at the first failure, which may leave RF on: RfIsOn tells.
   bool ShutdownSigGen();
 
-  bool LoadFile(const std::string& path);
-  bool SaveFile(const std::string& path);
-  /// The definition's listing on the printer.
-  void PrintSetup();
-
   float MaximumLevel() const { return definition_.MaximumLevel; }
   float MinimumLevel() const { return definition_.MinimumLevel; }
-  double MaximumFreq() const { return definition_.MaximumFreq; }
-  double MinimumFreq() const { return definition_.MinimumFreq; }
   bool AmCapable() const { return definition_.AmCapable != 0; }
   bool FmCapable() const { return definition_.FmCapable != 0; }
   bool PulseCapable() const { return definition_.PulseCapable != 0; }
-  int Address() const { return definition_.Address; }
-  void SetAddress(int address);
-  const std::string& InstrumentName() const { return definition_.InstrumentName; }
-  const std::string& FileName() const { return fileName_; }
-  const SigGenDefinition& Definition() const { return definition_; }
-  void PutDefinition(const SigGenDefinition& definition);
   /// The program-wide RF-on indicator.
   bool RfIsOn() const { return rfOn_; }
 
  private:
   static constexpr float kNoLevel = -999;
 
-  bool HasFreqCommand() const { return !definition_.FreqSetPrefix.empty() || !definition_.FreqSetSuffix.empty(); }
   bool HasLevelCommand() const { return !definition_.LevSetPrefix.empty() || !definition_.LevSetSuffix.empty(); }
   /// Sends what differs between the request and what was sent last.
   bool SendRequest();
@@ -84,11 +70,6 @@ class SigGen {
   bool SendText(const std::string& text, const std::string& failure);
   bool Refuse(const std::string& text);
 
-  Shell& shell_;
-  Gpib& gpib_;
-  SigGenDefinition definition_;
-  Terminator terminator_;
-  std::string fileName_;
   double currentFreq_ = 0;         ///< last sent, MHz; 0 when not known
   float currentLevel_ = kNoLevel;  ///< last sent, dBm
   double requestedFreq_ = 0;       ///< applied at the next RfOn

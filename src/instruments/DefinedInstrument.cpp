@@ -1,0 +1,79 @@
+#include "instruments/DefinedInstrument.h"
+
+#include "instruments/DefinitionListing.h"
+#include "instruments/MeterDefinition.h"
+#include "instruments/PowerMeterDefinition.h"
+#include "instruments/SigGenDefinition.h"
+#include "shell/Shell.h"
+#include "text/RecordFile.h"
+
+namespace hylden {
+
+namespace {
+
+/// How the file operations name themselves in a report, and the heading of the listing.
+struct Names {
+  const char *Load, *Save, *Print, *Heading;
+};
+
+constexpr Names NamesOf(const SigGenDefinition&) {
+  return {"SigGen.LoadFile", "SigGen.SaveFile", "SigGen.PrintSetup", "Signal Generator Definition"};
+}
+constexpr Names NamesOf(const MeterDefinition&) {
+  return {"Meter.LoadFile", "meter.SaveFile", "Meter.PrintSetup", "Meter Definition"};
+}
+constexpr Names NamesOf(const PowerMeterDefinition&) {
+  return {"PwrMtr.LoadFile", "PwrMtr.SaveFile", "PwrMtr.PrintSetup", "Power Meter Definition"};
+}
+
+}  // namespace
+
+template <class Record>
+template <class Operation>
+bool DefinedInstrument<Record>::Reported(const char* context, const std::string& path, Operation operation) {
+  try {
+    operation();
+    return true;
+  } catch (const std::exception& error) {
+    shell_.ReportError(error, context, path);
+    return false;
+  }
+}
+
+template <class Record>
+bool DefinedInstrument<Record>::LoadFile(const std::string& path) {
+  fileName_ = path;
+  const bool loaded = Reported(NamesOf(definition_).Load, path, [&] { LoadRecord(path, definition_); });
+  if (loaded) terminator_.Derive(definition_.EndOfString);
+  return loaded;
+}
+
+template <class Record>
+bool DefinedInstrument<Record>::SaveFile(const std::string& path) {
+  const bool saved = Reported(NamesOf(definition_).Save, path, [&] { SaveRecord(path, definition_); });
+  if (saved) fileName_ = path;
+  return saved;
+}
+
+template <class Record>
+void DefinedInstrument<Record>::PrintSetup() {
+  const Names names = NamesOf(definition_);
+  Reported(names.Print, fileName_, [&] { shell_.printer.Print(ListingJob(names.Heading, Listing(definition_))); });
+}
+
+template <class Record>
+void DefinedInstrument<Record>::PutDefinition(const Record& definition) {
+  definition_ = definition;
+  terminator_.Derive(definition_.EndOfString);
+}
+
+template <class Record>
+void DefinedInstrument<Record>::SetAddress(int address) {
+  definition_.Address = static_cast<std::int16_t>(address);
+}
+
+template class DefinedInstrument<SigGenDefinition>;
+template class DefinedInstrument<MeterDefinition>;
+template class DefinedInstrument<PowerMeterDefinition>;
+
+}  // namespace hylden

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <string>
+
+#include "instruments/Gpib.h"
+
+namespace hylden {
+
+class Shell;
+
+/// An instrument that is driven through its definition: the definition, the file it came from, the terminator it asks
+/// for. Failures are reported here; callers add nothing.
+template <class Record>
+class DefinedInstrument {
+ public:
+  DefinedInstrument(const DefinedInstrument&) = delete;
+  DefinedInstrument& operator=(const DefinedInstrument&) = delete;
+
+  /// Fields read before a failure keep their new values.
+  bool LoadFile(const std::string& path);
+  /// A failure leaves the old file whole.
+  bool SaveFile(const std::string& path);
+  /// The definition's listing on the printer.
+  void PrintSetup();
+
+  const Record& Definition() const { return definition_; }
+  void PutDefinition(const Record& definition);
+  const std::string& FileName() const { return fileName_; }
+  const std::string& InstrumentName() const { return definition_.InstrumentName; }
+  int Address() const { return definition_.Address; }
+  void SetAddress(int address);
+  double MaximumFreq() const { return definition_.MaximumFreq; }
+  double MinimumFreq() const { return definition_.MinimumFreq; }
+
+ protected:
+  DefinedInstrument(Shell& shell, Gpib& gpib) : shell_(shell), gpib_(gpib) {}
+  ~DefinedInstrument() = default;
+
+  bool HasFreqCommand() const { return !definition_.FreqSetPrefix.empty() || !definition_.FreqSetSuffix.empty(); }
+
+  Shell& shell_;
+  Gpib& gpib_;
+  Record definition_;
+  Terminator terminator_;
+
+ private:
+  template <class Operation>
+  bool Reported(const char* context, const std::string& path, Operation operation);
+
+  std::string fileName_;
+};
+
+}  // namespace hylden
