@@ -9,22 +9,6 @@
 namespace hylden {
 namespace {
 
-/// A window in which nobody looks.
-class SilentDisplay : public CalibrationDisplay {
- public:
-  void Countdown(double) override {}
-  void Running(bool) override {}
-  void Status(const std::string&) override {}
-  void Plan(const CalibrationPlan&) override {}
-  void Frequency(double) override {}
-  void SigGenLevel(float) override {}
-  void MeterLevel(double) override {}
-  void Step(int) override {}
-  void Elapsed(double) override {}
-  void TableCut(int) override {}
-  void RowChanged(int) override {}
-};
-
 /// The demo station's calibration, forward and reverse power recorded, at so many points.
 class CalibrationRun {
  public:
@@ -55,7 +39,7 @@ class CalibrationRun {
  private:
   std::size_t points_;
   DemoStation station_;
-  SilentDisplay display_;
+  CalibrationDisplay display_;
   LevelCalibration calibration_{station_.machine.shell, station_.instruments, station_.documents, display_};
   bool ready_ = false;
 };

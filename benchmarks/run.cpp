@@ -1,29 +1,11 @@
 #include <string>
 
 #include "benchmarks/BenchRun.h"
+#include "testrun/RunDisplay.h"
 #include "testrun/RunEngine.h"
 
 namespace hylden {
 namespace {
-
-/// A window in which nobody looks.
-class SilentDisplay : public RunDisplay {
- public:
-  void Countdown(double) override {}
-  void Status(const std::string&) override {}
-  void Step(int) override {}
-  void Frequency(double) override {}
-  void SigGenLevel(float) override {}
-  void TestLevel(float) override {}
-  void InducedLevel(double, double) override {}
-  void Power(double) override {}
-  void Highlight(Quantity, bool) override {}
-  void Dwell(double) override {}
-  void Plan(int, double) override {}
-  void Elapsed(double) override {}
-  void Remaining(double) override {}
-  void RowChanged(int) override {}
-};
 
 constexpr double kStart = 1, kStop = 101;
 
@@ -70,7 +52,7 @@ class TestRun {
 
  private:
   DemoStation station_;
-  SilentDisplay display_;
+  RunDisplay display_;
   RunControls controls_;
   RunEngine engine_{station_.machine.shell, station_.instruments, station_.documents, display_, controls_};
   bool ready_ = false;

@@ -16,22 +16,6 @@
 namespace hylden {
 namespace {
 
-/// Nobody watches.
-class QuietDisplay : public CalibrationDisplay {
- public:
-  void Countdown(double) override {}
-  void Running(bool) override {}
-  void Status(const std::string&) override {}
-  void Plan(const CalibrationPlan&) override {}
-  void Frequency(double) override {}
-  void SigGenLevel(float) override {}
-  void MeterLevel(double) override {}
-  void Step(int) override {}
-  void Elapsed(double) override {}
-  void TableCut(int) override {}
-  void RowChanged(int) override {}
-};
-
 class QuietSpeaker : public Speaker {
  public:
   void Beep(int, int) override {}
@@ -80,7 +64,7 @@ class BenchCalibration {
   }
 
   void RunAndSave() {
-    QuietDisplay display;
+    CalibrationDisplay display;
     LevelCalibration calibration(station_.shell, station_.instruments, station_.documents, display);
     Require(calibration.Prepare(), "the calibration can't be started");
     calibration.Run();

@@ -16,15 +16,9 @@ class ConsoleDisplay : public RunDisplay {
   void Step(int step) override;
   void Frequency(double frequencyMHz) override { line_.Now().FrequencyMHz = frequencyMHz; }
   void SigGenLevel(float levelDbm) override;
-  void TestLevel(float) override {}
-  void InducedLevel(double, double) override {}
-  void Power(double) override {}
-  void Highlight(Quantity, bool) override {}
-  void Dwell(double) override {}
   void Plan(int steps, double estimatedMinutes) override { line_.Start(steps, estimatedMinutes); }
   void Elapsed(double minutes) override { line_.Now().ElapsedMinutes = minutes; }
   void Remaining(double minutes) override { line_.Now().RemainingMinutes = minutes; }
-  void RowChanged(int) override {}
 
   /// The run has ended: the last step's line is completed.
   void Finish();
@@ -46,12 +40,9 @@ class ConsoleCalDisplay : public CalibrationDisplay {
   void Plan(const CalibrationPlan& plan) override;
   void Frequency(double frequencyMHz) override;
   void SigGenLevel(float levelDbm) override;
-  void MeterLevel(double) override {}
   void Step(int step) override;
   void Elapsed(double minutes) override { line_.Now().ElapsedMinutes = minutes; }
   void Remaining(double minutes) override { line_.Now().RemainingMinutes = minutes; }
-  void TableCut(int) override {}
-  void RowChanged(int) override {}
 
  private:
   ProgressLine& line_;

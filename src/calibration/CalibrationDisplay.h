@@ -18,23 +18,24 @@ struct CalibrationPlan {
 /// levels in dBm and dBuV. A display never fails and never blocks.
 class CalibrationDisplay : public CountdownWindow {
  public:
+  void Countdown(double /*seconds*/) override {}
   /// Running: only Halt can be pressed. Otherwise a run can be started, and what was measured saved.
-  virtual void Running(bool running) = 0;
-  virtual void Status(const std::string& text) = 0;
+  virtual void Running(bool /*running*/) {}
+  virtual void Status(const std::string& /*text*/) {}
   /// The instruments are being brought up or taken down; nothing can be done about it.
   virtual void Busy(bool /*busy*/) {}
-  virtual void Plan(const CalibrationPlan& plan) = 0;
-  virtual void Frequency(double frequencyMHz) = 0;
-  virtual void SigGenLevel(float levelDbm) = 0;
-  virtual void MeterLevel(double levelDbuv) = 0;
+  virtual void Plan(const CalibrationPlan& /*plan*/) {}
+  virtual void Frequency(double /*frequencyMHz*/) {}
+  virtual void SigGenLevel(float /*levelDbm*/) {}
+  virtual void MeterLevel(double /*levelDbuv*/) {}
   /// The step that was completed, counted from 1; its figures and times have been shown.
-  virtual void Step(int step) = 0;
-  virtual void Elapsed(double minutes) = 0;
+  virtual void Step(int /*step*/) {}
+  virtual void Elapsed(double /*minutes*/) {}
   virtual void Remaining(double /*minutes*/) {}
   /// The table keeps its first rows only; 0 empties it.
-  virtual void TableCut(int rows) = 0;
+  virtual void TableCut(int /*rows*/) {}
   /// This row (counted from 1) is there or has changed; it may be one beyond the last.
-  virtual void RowChanged(int row) = 0;
+  virtual void RowChanged(int /*row*/) {}
 
   // What only a level calibration shows.
   virtual void TestLevel(double /*volts*/) {}

@@ -8,13 +8,12 @@
 #include "calibration/CableCalibration.h"
 #include "calibration/CalibrationDisplay.h"
 #include "calibration/LevelCalibration.h"
-#include "support/SilentDisplays.h"
 #include "support/StationRig.h"
 
 namespace hylden {
 
 /// Keeps what a calibration shows.
-class RecordingDisplay : public SilentCalibrationDisplay {
+class RecordingDisplay : public CalibrationDisplay {
  public:
   void Running(bool running) override { states.push_back(running); }
   void Status(const std::string& text) override {

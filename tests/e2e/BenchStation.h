@@ -6,18 +6,19 @@
 
 #include "bench/Bench.h"
 #include "calibration/CableCalibration.h"
+#include "calibration/CalibrationDisplay.h"
 #include "calibration/LevelCalibration.h"
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
 #include "support/DriverWrappers.h"
-#include "support/SilentDisplays.h"
 #include "support/TestShell.h"
+#include "testrun/RunDisplay.h"
 #include "testrun/RunEngine.h"
 
 namespace hylden {
 
 /// Tells of rows.
-class WatchedDisplay : public SilentRunDisplay {
+class WatchedDisplay : public RunDisplay {
  public:
   /// A step has begun or been recorded; RF is still on.
   std::function<void(int row)> onRow;
@@ -28,7 +29,7 @@ class WatchedDisplay : public SilentRunDisplay {
 };
 
 /// Tells of recorded points; RF is still on.
-class WatchedCalibration : public SilentCalibrationDisplay {
+class WatchedCalibration : public CalibrationDisplay {
  public:
   std::function<void(int step)> onStep;
 

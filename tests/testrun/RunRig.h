@@ -5,15 +5,15 @@
 #include <string>
 #include <vector>
 
-#include "support/SilentDisplays.h"
 #include "support/StationRig.h"
 #include "testrun/RunCommands.h"
+#include "testrun/RunDisplay.h"
 #include "testrun/RunEngine.h"
 
 namespace hylden {
 
 /// Keeps what a run shows.
-class RecordingDisplay : public SilentRunDisplay {
+class RecordingDisplay : public RunDisplay {
  public:
   void Status(const std::string& text) override {
     if (throwAtStatus == text) throw RuntimeError(ErrorNumber::Overflow);
