@@ -1,6 +1,5 @@
 #include "instruments/AnswerReader.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include "instruments/ResponseParser.h"
@@ -9,23 +8,13 @@
 
 namespace hylden {
 
-namespace {
-
-std::int64_t Milliseconds(double seconds) {
-  constexpr double kLongestMs = 1e12;
-  if (!(seconds > 0)) return 0;
-  return static_cast<std::int64_t>(NearestWhole(std::min(seconds * 1000, kLongestMs)));
-}
-
-}  // namespace
-
 bool AnswerReader::Trigger(int address, const std::string& command, double settlingSeconds) {
   pending_ = true;
   // The drain costs up to 30 ms, but a late answer would be read as the next one.
   gpib_.Drain(address);
   if (command.empty()) return true;
   if (!gpib_.Send(address, command + terminator_.Text)) return false;
-  deadlineMs_ = shell_.clock.TickMs() + Milliseconds(settlingSeconds);
+  deadlineMs_ = shell_.delay.TickAfter(settlingSeconds);
   return true;
 }
 

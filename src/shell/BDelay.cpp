@@ -27,7 +27,7 @@ bool BDelay::Delay(double seconds, bool mayHalt) {
     dialogs_.Tell("Press Enter to continue");
     return true;
   }
-  const std::int64_t target = clock_.TickMs() + Milliseconds(seconds);
+  const std::int64_t target = TickAfter(seconds);
   std::int64_t now = 0;
   do {
     events_.Yield(target);
@@ -57,6 +57,10 @@ bool BDelay::WaitDelay(bool mayHalt, CountdownWindow* window) {
     // The timer is looked up anew on every pass: what ran during the yield may have started it again.
   } while (now < timerStartMs_ + timerDurationMs_);
   return true;
+}
+
+std::int64_t BDelay::TickAfter(double seconds) const {
+  return clock_.TickMs() + Milliseconds(seconds);
 }
 
 void BDelay::WaitUntil(std::int64_t tickMs) {

@@ -32,6 +32,8 @@ class BDelay {
   /// Waits for what is left of the timer, showing the seconds left; 0 seconds becomes the "Wait for user" prompt.
   /// @return false when ended by a halt request (only with mayHalt), or by Cancel or Escape at the prompt
   bool WaitDelay(bool mayHalt, CountdownWindow* window = nullptr);
+  /// The tick at which a time from now is over, to the nearest millisecond.
+  std::int64_t TickAfter(double seconds) const;
   /// Waits until the tick or a halt request, without a prompt.
   void WaitUntil(std::int64_t tickMs);
   /// Lets the user interface take a turn.
