@@ -13,10 +13,6 @@
 namespace hylden {
 namespace {
 
-bool HasForeignCharacter(std::string_view line) {
-  return std::any_of(line.begin(), line.end(), [](char c) { return CharClass(c) < 0; });
-}
-
 /// The next run of number characters; the line is left behind it.
 std::string_view NextToken(std::string_view& line) {
   while (!line.empty() && CharClass(line.front()) == 0) line.remove_prefix(1);
@@ -113,14 +109,21 @@ int CharClass(char character) {
   return -1;
 }
 
+bool ReadNumbers(std::string_view line, std::initializer_list<double*> numbers) {
+  if (std::any_of(line.begin(), line.end(), [](char c) { return CharClass(c) < 0; })) return false;
+  for (double* const number : numbers) {
+    const std::string_view token = NextToken(line);
+    const double value = LeadingNumber(token);
+    if (token.empty() || !std::isfinite(value)) return false;
+    *number = value;
+  }
+  return true;
+}
+
 ParsedFactorLine ParseFactorLine(std::string_view line) {
-  if (HasForeignCharacter(line)) return {};
-  const std::string_view frequency = NextToken(line);
-  const std::string_view value = NextToken(line);
-  if (frequency.empty() || value.empty()) return {};
-  const double mhz = LeadingNumber(frequency), number = LeadingNumber(value);
-  if (!std::isfinite(mhz) || !FitsSingle(number)) return {};
-  return {true, mhz, static_cast<float>(number)};
+  double frequency = 0, value = 0;
+  if (!ReadNumbers(line, {&frequency, &value}) || !FitsSingle(value)) return {};
+  return {true, frequency, static_cast<float>(value)};
 }
 
 bool InterpClass::InitInterp(const std::string& fileName) {

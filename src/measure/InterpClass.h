@@ -1,5 +1,6 @@
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,6 +32,9 @@ struct ParsedFactorLine {
   float Value = 0;
 };
 ParsedFactorLine ParseFactorLine(std::string_view line);
+/// Reads the first numbers of a line that consists of numbers and separators. @return false for any other line, for one
+/// with fewer numbers, and for a number that is too large
+bool ReadNumbers(std::string_view line, std::initializer_list<double*> numbers);
 /// 1 for a number character, 0 for a separator, -1 otherwise.
 int CharClass(char character);
 

@@ -109,15 +109,7 @@ int ReadFreq::FileTolist(const std::string& fileName, std::vector<double>& list)
 }
 
 bool ReadFreq::ParseFreq(std::string_view line, double& frequency) {
-  const auto isForeign = [](char c) { return CharClass(c) < 0; };
-  const auto isNumber = [](char c) { return CharClass(c) == 1; };
-  if (std::any_of(line.begin(), line.end(), isForeign)) return false;
-  const auto first = std::find_if(line.begin(), line.end(), isNumber);
-  const auto last = std::find_if_not(first, line.end(), isNumber);
-  const double value = LeadingNumber({first, last});
-  if (first == last || !std::isfinite(value)) return false;
-  frequency = value;
-  return true;
+  return ReadNumbers(line, {&frequency});
 }
 
 void ReadFreq::SortFreqList(std::vector<double>& list) {
