@@ -1,15 +1,13 @@
 #include "app/Desktop.h"
 
 #include <QApplication>
-#include <QScreen>
 #include <QTimer>
-#include <QToolBar>
-#include <QToolButton>
 #include <algorithm>
 #include <utility>
 
-#include "bench/Bench.h"
-#include "bench/frmBench.h"
+#include "app/DesktopBench.h"
+#include "app/DesktopBeside.h"
+#include "bench/BenchConfig.h"
 #include "calibration/CableCalibration.h"
 #include "calibration/frmCblSetup.h"
 #include "calibration/frmRunCablCal.h"
@@ -36,8 +34,9 @@ Desktop::Desktop(Shell& shell, Instruments& instruments, Documents& documents, D
       documents_(documents),
       options_(std::move(options)),
       menu_(std::make_unique<TopMenu>()),
+      bench_(std::make_unique<BenchWindows>(options_.bench, menu_->windowIcon())),
       cableCalibration_(std::make_unique<RunCablCal>(shell, instruments)) {
-  if (options_.bench) {
+  if (bench_->Present()) {
     ShowBenchNotice(*menu_);
     menu_->OfferBench();
   }
@@ -47,9 +46,11 @@ Desktop::Desktop(Shell& shell, Instruments& instruments, Documents& documents, D
   connect(menu_.get(), &TopMenu::RunTestRequested, this, [this] { OpenTestDefinition(); });
   connect(menu_.get(), &TopMenu::BenchRequested, this, &Desktop::ShowBenchPanel);
   connect(menu_.get(), &TopMenu::HelpRequested, this, &Desktop::ShowHelp);
+  connect(bench_.get(), &BenchWindows::HelpRequested, this, &Desktop::ShowHelp);
+  connect(bench_.get(), &BenchWindows::EscapePressed, this, [this] { HaltOrClose([this] { bench_->ClosePanel(); }); });
   connect(menu_.get(), &TopMenu::Closed, this, [this] {
     if (help_) help_->close();
-    if (benchPanel_) benchPanel_->close();
+    bench_->ClosePanel();
     emit Ended();
   });
 }
@@ -79,14 +80,16 @@ void Desktop::Open(WorkingForm* form, QWidget* caller) {
   form->setWindowIcon(menu_->windowIcon());
   // Above a modal form another one would be locked, and the forms behind it open to a second run.
   if (caller && caller->windowModality() != Qt::NonModal) form->setWindowModality(Qt::ApplicationModal);
-  if (options_.bench) AnnounceBench(*form);
+  bench_->Announce(*form);
   connect(form, &WorkingForm::HelpRequested, this, &Desktop::ShowHelp);
   connect(form, &WorkingForm::Unloaded, this, [this, form] {
     open_.removeAll(form);
     form->deleteLater();
+    QTimer::singleShot(0, this, &Desktop::KeepBeside);
     if (closing_) QTimer::singleShot(0, this, &Desktop::CloseNext);
   });
   form->OpenFrom(caller);
+  KeepBeside();
 }
 
 void Desktop::OpenArea(WorkingArea area) {
@@ -118,9 +121,9 @@ WorkingForm* Desktop::MakeTestDefinition() {
 
 void Desktop::OpenTestRun(QWidget* caller) {
   // The product is connected, with the monitor probe around its cable.
-  Cable(MeterAt::Probe);
+  bench_->Cable(MeterAt::Probe);
   auto* const form = new frmRunTest(shell_, instruments_, documents_);
-  if (options_.bench) form->SetSimulated();
+  if (bench_->Present()) form->SetSimulated();
   connect(this, &Desktop::EscapePressed, form, &frmRunTest::PressHalt);
   connect(form, &frmRunTest::PrintPreviewRequested, this,
           [this, form](RunReportKind kind) { Preview([form, kind] { form->PrintReport(kind); }); });
@@ -137,7 +140,7 @@ WorkingForm* Desktop::MakeCalibrationSetup() {
 }
 
 void Desktop::OpenCalibrationRun(QWidget* caller) {
-  Cable(MeterAt::Port);
+  bench_->Cable(MeterAt::Port);
   auto* const form = new frmRunCal(shell_, instruments_, documents_);
   connect(this, &Desktop::EscapePressed, form, &CalibrationWindow::PressHalt);
   calibrationRun_ = form;
@@ -156,75 +159,48 @@ void Desktop::OpenCableRun(QWidget* caller) {
   auto* const form = new frmRunCablCal(shell_, instruments_, *cableCalibration_);
   connect(this, &Desktop::EscapePressed, form, &CalibrationWindow::PressHalt);
   connect(form, &frmRunCablCal::PassStarting, this,
-          [this](bool inserted) { Cable(inserted ? MeterAt::Cable : MeterAt::Generator); });
+          [this](bool inserted) { bench_->Cable(inserted ? MeterAt::Cable : MeterAt::Generator); });
   Open(form, caller);
 }
 
-void Desktop::Cable(MeterAt place) {
-  const bool byItself = !benchPanel_ || benchPanel_->CablesByItself();
-  if (options_.bench && byItself) options_.bench->Connect(place);
-}
-
-void Desktop::AnnounceBench(QMainWindow& window) {
-  ShowBenchNotice(window);
-  if (window.windowModality() != Qt::NonModal) return;  // it would keep the panel locked
-  auto* const notice = window.findChild<QToolBar*>(QStringLiteral("tbrBench"));
-  QAction* const open = notice->addAction(QStringLiteral("Bench Panel"));
-  open->setObjectName(QStringLiteral("mnuBench"));
-  open->setShortcut(Qt::CTRL | Qt::Key_B);
-  open->setToolTip(QStringLiteral("What the simulated bench is doing, and how it is cabled (Ctrl+B)"));
-  qobject_cast<QToolButton*>(notice->widgetForAction(open))->setAutoRaise(false);
-  connect(open, &QAction::triggered, this, &Desktop::ShowBenchPanel);
-}
-
 void Desktop::ShowBenchPanel() {
-  if (!options_.bench) return;
-  if (!benchPanel_) {
-    benchPanel_ = std::make_unique<frmBench>(*options_.bench);
-    benchPanel_->setWindowIcon(menu_->windowIcon());
-    ShowBenchNotice(*benchPanel_);
-    connect(benchPanel_.get(), &frmBench::HelpRequested, this, &Desktop::ShowHelp);
-    connect(benchPanel_.get(), &frmBench::EscapePressed, this, &Desktop::EscapeInBenchPanel);
-    // At the right edge of the screen it leaves the most of a run window in sight.
-    const QRect screen = benchPanel_->screen()->availableGeometry();
-    benchPanel_->move(screen.right() - benchPanel_->width(), screen.top());
-  }
-  benchPanel_->show();
-  benchPanel_->raise();
-  benchPanel_->activateWindow();
+  bench_->ShowPanel();
 }
 
-/// Beside a run Escape is Halt in every window; only without one it closes the panel.
-void Desktop::EscapeInBenchPanel() {
+/// Beside a run Escape is Halt in every window; only without one it closes the window that it was pressed in.
+void Desktop::HaltOrClose(const std::function<void()>& close) {
   const bool running = std::any_of(open_.cbegin(), open_.cend(), [](const QPointer<WorkingForm>& form) {
     return qobject_cast<frmRunTest*>(form) || qobject_cast<CalibrationWindow*>(form);
   });
   if (running)
     emit EscapePressed();
   else
-    benchPanel_->close();
+    close();
+}
+
+void Desktop::KeepBeside() {
+  bench_->KeepBeside();
+  if (help_ && help_->isVisible()) StandBeside(*help_);
+}
+
+bool Desktop::LoadHelp() {
+  auto help = std::make_unique<frmHelp>();
+  // A program directory of the user's own holds no help; the executable's does.
+  const QString beside = QCoreApplication::applicationDirPath() + QStringLiteral("/") + ToQt(FileNameOnly(helpFile_));
+  if (!help->LoadFile(ToQt(helpFile_)) && !help->LoadFile(beside)) return false;
+  help->setWindowIcon(menu_->windowIcon());
+  connect(help.get(), &frmHelp::EscapePressed, this, [this] { HaltOrClose([this] { help_->close(); }); });
+  help_ = std::move(help);
+  return true;
 }
 
 void Desktop::ShowHelp(const QString& topic) {
-  if (!help_) {
-    auto help = std::make_unique<frmHelp>();
-    // A program directory of the user's own holds no help; the executable's does.
-    const QString beside = QCoreApplication::applicationDirPath() + QStringLiteral("/") + ToQt(FileNameOnly(helpFile_));
-    if (!help->LoadFile(ToQt(helpFile_)) && !help->LoadFile(beside)) {
-      shell_.dialogs.Tell("The help file can't be read:\r\n" + helpFile_, MessageIcon::Exclamation);
-      return;
-    }
-    help->setWindowIcon(menu_->windowIcon());
-    help_ = std::move(help);
+  if (!help_ && !LoadHelp()) {
+    shell_.dialogs.Tell("The help file can't be read:\r\n" + helpFile_, MessageIcon::Exclamation);
+    return;
   }
-  // Beside a modal form only a modal window can be read; the kind changes while it is hidden.
-  const auto modality = QApplication::activeModalWidget() ? Qt::ApplicationModal : Qt::NonModal;
-  if (help_->windowModality() != modality) help_->hide();
-  help_->setWindowModality(modality);
-  help_->show();
+  ShowBeside(*help_);
   help_->OpenTopic(topic);
-  help_->raise();
-  help_->activateWindow();
 }
 
 void Desktop::Preview(const std::function<void()>& print) {

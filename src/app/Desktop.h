@@ -10,24 +10,22 @@
 
 #include "shell/StartUp.h"
 
-class QMainWindow;
 class QWidget;
 
 namespace hylden {
 
 class Bench;
+class BenchWindows;
 class RunCablCal;
 class Shell;
 class TopMenu;
 class WorkingForm;
-class frmBench;
 class frmEquipment;
 class frmHelp;
 class frmRunCal;
 class frmRunTest;
 struct Documents;
 struct Instruments;
-enum class MeterAt : int;
 
 /// What the desktop program brings along from its machine.
 struct DesktopOptions {
@@ -79,6 +77,7 @@ class Desktop : public QObject, private StartUpSteps {
   void OpenCableSetup(QWidget* caller);
   /// Connects a form to what every form may ask for, and shows it in the caller's place.
   void Open(WorkingForm* form, QWidget* caller);
+  /// Shows the manual, beside the windows of the work.
   void ShowHelp(const QString& topic);
   /// Shows the bench panel, beside the windows of the work; nothing without a bench.
   void ShowBenchPanel();
@@ -110,10 +109,10 @@ class Desktop : public QObject, private StartUpSteps {
 
   void OpenArea(WorkingArea area);
   void OpenCableRun(QWidget* caller);
-  void Cable(MeterAt place);
-  /// The notice of the simulated bench, with a button that opens its panel.
-  void AnnounceBench(QMainWindow& window);
-  void EscapeInBenchPanel();
+  bool LoadHelp();
+  /// Escape in a window that stands beside the work.
+  void HaltOrClose(const std::function<void()>& close);
+  void KeepBeside();
   void ShowAvailable();
   void CloseNext();
 
@@ -123,8 +122,8 @@ class Desktop : public QObject, private StartUpSteps {
   DesktopOptions options_;
   std::array<std::function<WorkingForm*()>, 2> makers_;
   std::unique_ptr<TopMenu> menu_;
-  std::unique_ptr<frmHelp> help_;
-  std::unique_ptr<frmBench> benchPanel_;  ///< from its first opening on
+  std::unique_ptr<BenchWindows> bench_;
+  std::unique_ptr<frmHelp> help_;  ///< from its first opening on
   std::string helpFile_;
   QVector<QPointer<WorkingForm>> open_;
   QPointer<frmRunTest> testRun_;

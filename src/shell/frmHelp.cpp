@@ -154,7 +154,7 @@ void frmHelp::MarkPlaces(const QString& text) {
 
 void frmHelp::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Escape)
-    close();
+    emit EscapePressed();
   else
     QMainWindow::keyPressEvent(event);
 }

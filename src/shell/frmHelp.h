@@ -29,6 +29,10 @@ class frmHelp : public QMainWindow {
   /// none or the text is empty.
   void OpenTopic(const QString& topic);
 
+ signals:
+  /// Whoever opened the window knows whether the key means it or a run.
+  void EscapePressed();
+
  protected:
   void keyPressEvent(QKeyEvent* event) override;
 

@@ -42,18 +42,10 @@ class BenchPanel : public testing::Test {
     desktop = std::make_unique<Desktop>(m.station.shell, m.station.instruments, m.station.documents, options);
     desktop->Menu().show();
   }
-  /// Every visible window of a kind.
-  template <class Form>
-  static std::vector<Form*> Windows() {
-    std::vector<Form*> windows;
-    for (QWidget* const window : QApplication::topLevelWidgets())
-      if (auto* const form = qobject_cast<Form*>(window); form && form->isVisible()) windows.push_back(form);
-    return windows;
-  }
   frmBench& Panel() {
-    if (Windows<frmBench>().empty()) desktop->ShowBenchPanel();
-    Windows<frmBench>().front()->Refresh();
-    return *Windows<frmBench>().front();
+    if (!OpenWindow<frmBench>()) desktop->ShowBenchPanel();
+    OpenWindow<frmBench>()->Refresh();
+    return *OpenWindow<frmBench>();
   }
   MeterAt Cabling() const { return m.bench.State().Cabling.Meter; }
   /// The demo station's generator, by its own commands.
@@ -73,27 +65,27 @@ TEST_F(BenchPanel, ExistsOnlyWhereTheBenchDrivesTheProgram) {
   Start(nullptr);
   EXPECT_FALSE(Find<QAbstractButton>(desktop->Menu(), "cmdBench").isVisible());
   desktop->ShowBenchPanel();
-  EXPECT_TRUE(Windows<frmBench>().empty());
+  EXPECT_EQ(OpenWindow<frmBench>(), nullptr);
 }
 
 TEST_F(BenchPanel, OpensOnceFromTheMenuAndFromTheNoticeOfEveryForm) {
   Press(desktop->Menu(), "cmdBench");
-  ASSERT_EQ(Windows<frmBench>().size(), 1u);
+  ASSERT_EQ(OpenWindows<frmBench>().size(), 1u);
   EXPECT_TRUE(Find<QLabel>(Panel(), "lblBench").isVisible());
   frmEquipment& form = *desktop->OpenEquipment(&desktop->Menu());
   Choose(form, "mnuBench");
-  EXPECT_EQ(Windows<frmBench>().size(), 1u);
+  EXPECT_EQ(OpenWindows<frmBench>().size(), 1u);
   Press(Panel(), "cmdClose");
-  EXPECT_TRUE(Windows<frmBench>().empty());
+  EXPECT_EQ(OpenWindow<frmBench>(), nullptr);
   Choose(form, "mnuBench");
-  EXPECT_EQ(Windows<frmBench>().size(), 1u);
+  EXPECT_EQ(OpenWindows<frmBench>().size(), 1u);
   EXPECT_TRUE(form.isVisible());
   form.close();
 }
 
 TEST_F(BenchPanel, FitsBesideARunWindowOnASmallScreen) {
   desktop->OpenTestRun(&desktop->Menu());
-  frmRunTest& run = *Windows<frmRunTest>().front();
+  frmRunTest& run = *OpenWindow<frmRunTest>();
   EXPECT_LE(Panel().minimumSizeHint().width() + run.minimumSizeHint().width(), 1024);
   EXPECT_LE(Panel().height(), 700);
   EXPECT_LE(Panel().minimumSizeHint().height(), Panel().height()) << "nothing is cut off";
@@ -156,10 +148,10 @@ TEST_F(BenchPanel, RunsCableTheBenchUnlessTheOperatorDoes) {
   m.bench.Connect(MeterAt::Cable);
   desktop->OpenTestRun(&desktop->Menu());
   EXPECT_EQ(Cabling(), MeterAt::Probe) << "the panel was never opened";
-  Windows<frmRunTest>().front()->close();
+  OpenWindow<frmRunTest>()->close();
   desktop->OpenCalibrationRun(&desktop->Menu());
   EXPECT_EQ(Cabling(), MeterAt::Port);
-  Windows<WorkingForm>().front()->close();
+  OpenWindow<WorkingForm>()->close();
   Find<QCheckBox>(Panel(), "chkCables").click();
   Press(Panel(), "cmdClose");
   desktop->OpenTestRun(&desktop->Menu());
@@ -168,20 +160,35 @@ TEST_F(BenchPanel, RunsCableTheBenchUnlessTheOperatorDoes) {
 
 TEST_F(BenchPanel, EscapeClosesItButHaltsARun) {
   QTest::keyClick(&Find<QRadioButton>(Panel(), "optPort"), Qt::Key_Escape);
-  EXPECT_TRUE(Windows<frmBench>().empty());
+  EXPECT_EQ(OpenWindow<frmBench>(), nullptr);
   QSignalSpy halts(desktop.get(), &Desktop::EscapePressed);
   desktop->OpenTestRun(&desktop->Menu());
   QTest::keyClick(&Panel(), Qt::Key_Escape);
   EXPECT_EQ(halts.count(), 1);
-  EXPECT_EQ(Windows<frmBench>().size(), 1u);
+  EXPECT_EQ(OpenWindows<frmBench>().size(), 1u);
+}
+
+TEST_F(BenchPanel, CablesBesideAModalForm) {
+  frmEquipment& form = *desktop->OpenEquipment(&desktop->Menu(), 0, true);
+  Choose(form, "mnuBench");
+  const auto click = [this](const char* button) {
+    ClickOnScreen(Panel(), button);
+    return Cabling();
+  };
+  EXPECT_EQ(click("optCable"), MeterAt::Cable);
+  form.close();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(click("optProbe"), MeterAt::Probe) << "the form is gone";
+  desktop->OpenEquipment(&desktop->Menu(), 0, true);
+  EXPECT_EQ(click("optGenerator"), MeterAt::Generator) << "the panel was there before the form";
 }
 
 TEST_F(BenchPanel, F1OpensItsChapterOfTheManual) {
   std::filesystem::copy_file(HYLDEN_SOURCE_DIR "/help/hylden.md", m.directory.File("hylden.hlp"));
   desktop->Start("");
   QTest::keyClick(&Panel(), Qt::Key_F1);
-  ASSERT_EQ(Windows<frmHelp>().size(), 1u);
-  const QTextCursor place = Find<QTextBrowser>(*Windows<frmHelp>().front(), "txtHelp").textCursor();
+  ASSERT_EQ(OpenWindows<frmHelp>().size(), 1u);
+  const QTextCursor place = Find<QTextBrowser>(*OpenWindow<frmHelp>(), "txtHelp").textCursor();
   EXPECT_EQ(place.block().text().toStdString(), "The bench panel");
 }
 
@@ -191,7 +198,7 @@ TEST_F(BenchPanel, ClosesWithTheProgram) {
   desktop->CloseAll();
   for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
   EXPECT_EQ(ended.count(), 1);
-  EXPECT_TRUE(Windows<frmBench>().empty());
+  EXPECT_EQ(OpenWindow<frmBench>(), nullptr);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <QSignalSpy>
+#include <filesystem>
 
 #include "app/Desktop.h"
 #include "calibration/frmCblSetup.h"
@@ -13,6 +14,7 @@
 #include "documents/frmCalSetup.h"
 #include "documents/frmEquipment.h"
 #include "shell/TopMenu.h"
+#include "shell/frmHelp.h"
 #include "text/TextFile.h"
 
 namespace hylden {
@@ -98,6 +100,48 @@ TEST_F(CalibrationDesktop, MissingCableLossIsMeasuredFromTheModalEquipmentForm) 
   EXPECT_EQ(&Opened<frmEquipment>(), &equipment);
   EXPECT_EQ(QApplication::activeModalWidget(), &equipment);
 }
+
+/// What the operator can do with the manual open beside a cable pass in a modal window, with RF on.
+struct HaltCase {
+  const char* name;
+  void (*halt)(frmRunCablCal& passes, frmHelp& help);
+};
+class HelpBesideAModalRun : public CalibrationDesktop, public testing::WithParamInterface<HaltCase> {};
+
+TEST_P(HelpBesideAModalRun, LeavesHaltInReach) {
+  std::filesystem::copy_file(HYLDEN_SOURCE_DIR "/help/hylden.md", m.directory.File("hylden.hlp"));
+  frmEquipment& equipment = *desktop->OpenEquipment(&desktop->Menu(), 0, true);
+  Choose(equipment, "mnuUtilInsertLoss");
+  auto& cable = Opened<frmCblSetup>();
+  Type(cable, "txtStartFreq", "1");
+  Type(cable, "txtStopFreq", "2");
+  Press(cable, "cmdStart");
+  auto& passes = Opened<frmRunCablCal>();
+  ASSERT_EQ(QApplication::activeModalWidget(), &passes);
+  m.When([&] { return RfIsOn(); }, [&] { QTest::keyClick(passes.windowHandle(), Qt::Key_F1); });
+  m.When([&] { return true; }, [&] { GetParam().halt(passes, Opened<frmHelp>()); });
+  m.When([&] { return !m.station.shell.delay.HaltRequested(); }, [] { FAIL() << "it was not halted"; });
+  Press(passes, "cmdDirect");
+  EXPECT_FALSE(RfIsOn());
+  EXPECT_EQ(m.ActionsLeft(), 1U);
+  EXPECT_NE(OpenWindow<frmHelp>(), nullptr) << "Escape was Halt";
+
+  passes.close();
+  Opened<frmCblSetup>().close();
+  Opened<frmEquipment>().close();
+  QCoreApplication::processEvents();
+  ClickOnScreen(desktop->Menu(), "cmdConfigSys");
+  EXPECT_NE(OpenWindow<frmEquipment>(), nullptr) << "the manual locks nothing";
+  QTest::keyClick(Opened<frmHelp>().windowHandle(), Qt::Key_Escape);
+  EXPECT_EQ(OpenWindow<frmHelp>(), nullptr) << "without a run Escape closes it";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , HelpBesideAModalRun,
+    testing::Values(HaltCase{"button", [](frmRunCablCal& passes, frmHelp&) { ClickOnScreen(passes, "cmdHalt"); }},
+                    HaltCase{"escape", [](frmRunCablCal&,
+                                          frmHelp& help) { QTest::keyClick(help.windowHandle(), Qt::Key_Escape); }}),
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(CalibrationDesktop, EndOfTheProgramHaltsALevelRunAndKeepsItsQuestionStanding) {
   desktop->OpenCalibrationSetup();

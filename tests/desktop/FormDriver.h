@@ -13,8 +13,10 @@
 #include <QTabWidget>
 #include <QTest>
 #include <QTimer>
+#include <QWindow>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace hylden {
 
@@ -51,12 +53,26 @@ inline std::string TextOf(QWidget& form, const char* name) {
   return Find<QLabel>(form, name).text().toStdString();
 }
 
-/// The window of this kind that is on the screen; null when there is none.
+/// The windows of this kind that are on the screen.
+template <class Form>
+std::vector<Form*> OpenWindows() {
+  std::vector<Form*> forms;
+  for (QWidget* const window : QApplication::topLevelWidgets())
+    if (auto* const form = qobject_cast<Form*>(window); form && form->isVisible()) forms.push_back(form);
+  return forms;
+}
+
+/// One of them; null when there is none.
 template <class Form>
 Form* OpenWindow() {
-  for (QWidget* const window : QApplication::topLevelWidgets())
-    if (auto* const form = qobject_cast<Form*>(window); form && form->isVisible()) return form;
-  return nullptr;
+  const std::vector<Form*> forms = OpenWindows<Form>();
+  return forms.empty() ? nullptr : forms.front();
+}
+
+/// Clicks where the control is on the screen: what the window system withholds from a locked window does not arrive.
+inline void ClickOnScreen(QWidget& form, const char* name) {
+  auto& control = Find<QWidget>(form, name);
+  QTest::mouseClick(form.windowHandle(), Qt::LeftButton, {}, control.mapTo(&form, control.rect().center()));
 }
 
 /// What can be reached by Alt in the window as it is shown: no key is there twice.

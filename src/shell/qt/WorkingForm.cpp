@@ -39,8 +39,8 @@ void WorkingForm::keyPressEvent(QKeyEvent* event) {
     QMainWindow::keyPressEvent(event);
 }
 
-void ShowBenchNotice(QMainWindow& window) {
-  if (window.findChild<QToolBar*>(QStringLiteral("tbrBench"))) return;
+QToolBar& ShowBenchNotice(QMainWindow& window) {
+  if (auto* const shown = window.findChild<QToolBar*>(QStringLiteral("tbrBench"))) return *shown;
   auto* const notice = new QLabel;
   notice->setObjectName(QStringLiteral("lblBench"));
   notice->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
@@ -53,6 +53,7 @@ void ShowBenchNotice(QMainWindow& window) {
   ShowBenchNotice(*notice);
   window.setContextMenuPolicy(Qt::NoContextMenu);
   window.addToolBar(Qt::TopToolBarArea, bar);
+  return *bar;
 }
 
 void ShowBenchNotice(QLabel& notice) {

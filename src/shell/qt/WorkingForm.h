@@ -7,6 +7,7 @@
 class QCloseEvent;
 class QKeyEvent;
 class QLabel;
+class QToolBar;
 
 namespace hylden {
 
@@ -21,7 +22,7 @@ class WorkingForm : public QMainWindow {
   /// The form to show again when this one unloads.
   QPointer<QWidget> CallingForm;
 
-  /// Shows this form in the place of the one that opened it.
+  /// Shows this form in the place of the one that opened it; a modal form stands above a caller that is not modal.
   void OpenFrom(QWidget* caller);
 
   /// The heading of the help file that F1 opens; empty for its beginning.
@@ -41,7 +42,8 @@ class WorkingForm : public QMainWindow {
 };
 
 /// A band across the top of a window that tells, unmistakably, that no real instrument is driven.
-void ShowBenchNotice(QMainWindow& window);
+/// @return the band, which has room for more; there is one to a window
+QToolBar& ShowBenchNotice(QMainWindow& window);
 /// The same on a window that has a label for it.
 void ShowBenchNotice(QLabel& notice);
 
