@@ -124,7 +124,7 @@ double RfPath::MeterDb(double freqMHz, MeterAt place) const {
 }
 
 PathFactors RfPath::At(double freqMHz, const Cabling& cabling) const {
-  const bool product = cabling.Meter != MeterAt::Port;
+  const bool product = cabling.ProductConnected();
   const double productOhm = product ? config_.ProductOhm.At(freqMHz) : config_.SourceOhm;
   const double padAndCouplerDb = config_.PadDb + config_.CouplerLossDb;
   PathFactors factors;

@@ -64,6 +64,9 @@ struct Cabling {
   hylden::Amplifier Amplifier = hylden::Amplifier::Generic;
   MeterAt Meter = MeterAt::Port;
   bool Protection = false;  ///< the amplifier protects itself: 20 dB less gain
+
+  /// With the meter at the port the adapter stands in the product's place.
+  bool ProductConnected() const { return Meter != MeterAt::Port; }
 };
 
 /// Threshold where no product is connected.

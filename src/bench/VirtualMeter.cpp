@@ -110,8 +110,7 @@ void VirtualMeter::SetReference(double value) {
 std::string VirtualMeter::Answer() {
   FinishCapture();
   const double level = definition_.Trigger.empty() ? Measure(world_.Now()) : capture_.Value().value_or(FloorDbuv());
-  const bool linear = definition_.Units == static_cast<std::int32_t>(Conversions::MeterUnits::Volts) ||
-                      definition_.Units == static_cast<std::int32_t>(Conversions::MeterUnits::Millivolts);
+  const bool linear = Conversions::IsLinear(static_cast<Conversions::MeterUnits>(definition_.Units));
   const double value = Conversions::DbuvToMeterUnits(definition_.Units, level).value_or(level);
   lastReading_ = value;
   return AnswerText(world_.Config().MeterAnswer, {value, linear, tunedMHz_});

@@ -21,11 +21,6 @@ enum Code : int {
 
 using Conversions::PowerUnits;
 
-bool IsLinear(std::int32_t units) {
-  const auto unit = static_cast<PowerUnits>(units);
-  return unit == PowerUnits::Watts || unit == PowerUnits::Millivolts || unit == PowerUnits::Volts;
-}
-
 /// One text for both channels means the selected one.
 void AddPair(CommandSet& commands, const std::string& first, const std::string& second, int firstCode, int secondCode,
              int selectedCode) {
@@ -152,7 +147,8 @@ std::string VirtualPowerMeter::Answer(int channel) {
                 : Measure(channel, world_.Now());
   const double value = DbmToPowerUnits(definition_.Units, dbm);
   lastReadings_[static_cast<std::size_t>(channel - 1)] = value;
-  return AnswerText(world_.Config().PowerMeterAnswer, {value, IsLinear(definition_.Units), freqMHz_, channel});
+  const bool linear = Conversions::IsLinear(static_cast<PowerUnits>(definition_.Units));
+  return AnswerText(world_.Config().PowerMeterAnswer, {value, linear, freqMHz_, channel});
 }
 
 }  // namespace hylden

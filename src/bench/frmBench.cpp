@@ -5,6 +5,7 @@
 #include <cmath>
 #include <utility>
 
+#include "bench/BenchTexts.h"
 #include "platform/qt/LabelText.h"
 #include "platform/qt/ThemeColors.h"
 #include "ui_frmBench.h"

@@ -86,6 +86,14 @@ double RatioToDb(double a, double b, double k) {
   return Checked(k * Log10(a / b));
 }
 
+bool IsLinear(PowerUnits units) {
+  return units == PowerUnits::Watts || units == PowerUnits::Millivolts || units == PowerUnits::Volts;
+}
+
+bool IsLinear(MeterUnits units) {
+  return units == MeterUnits::Volts || units == MeterUnits::Millivolts;
+}
+
 std::optional<double> PowerReadingToDbm(std::int32_t units, double reading) {
   switch (static_cast<PowerUnits>(units)) {
     case PowerUnits::Watts:

@@ -45,6 +45,10 @@ enum class PowerUnits : std::int32_t { Watts = 0, Dbm = 1, Dbuv = 2, Millivolts 
 /// Units of a meter's answers and level commands, as stored in its definition.
 enum class MeterUnits : std::int32_t { Volts = 0, Dbuv = 1, Millivolts = 2, Dbmv = 3, Dbm = 4 };
 
+/// Whether the units are volts or watts, not decibels.
+bool IsLinear(PowerUnits units);
+bool IsLinear(MeterUnits units);
+
 /// A power meter's reading in dBm; nothing for a code that is no unit.
 std::optional<double> PowerReadingToDbm(std::int32_t units, double reading);
 /// A meter's reading in dBuV; nothing for a code that is no unit.

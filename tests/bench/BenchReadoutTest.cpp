@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "BenchRig.h"
+#include "bench/BenchTexts.h"
 
 namespace hylden {
 namespace {
@@ -22,7 +23,22 @@ TEST(BenchReadout, NothingOnTheBusSaysSo) {
   for (const auto* instrument : {&readout.Generator, &readout.Meter, &readout.PowerMeter, &readout.IfiLow})
     EXPECT_EQ(InstrumentText(*instrument), "not on the bus");
   EXPECT_EQ(MeterSettingText(readout), "");
-  EXPECT_TRUE(IsMissing(readout.Product.ThresholdDbuv)) << "without a frequency";
+}
+
+TEST(BenchReadout, ProductHasNoThresholdWithoutAFrequency) {
+  BenchRig rig(BenchEquipment{});
+  rig.bench.Connect(MeterAt::Probe);
+  EXPECT_TRUE(IsMissing(ReadBench(rig.bench).Product.ThresholdDbuv)) << "without a generator";
+  BenchEquipment station = NamedStation();
+  station.SigGen->MinimumFreq = 0;  // where it stands after switching on
+  rig.bench.Equip(station);
+  rig.Send(18, "R1");
+  const ProductReadout untuned = ReadBench(rig.bench).Product;
+  EXPECT_FALSE(IsMissing(untuned.PeakTestLevelDbuv));
+  EXPECT_TRUE(IsMissing(untuned.ThresholdDbuv));
+  EXPECT_EQ(MarginText(untuned), "");
+  rig.Drive(10, -12);
+  EXPECT_FALSE(IsMissing(ReadBench(rig.bench).Product.ThresholdDbuv));
 }
 
 TEST(BenchReadout, InstrumentsAfterSwitchingOn) {

@@ -12,6 +12,7 @@
 #include <filesystem>
 
 #include "app/Desktop.h"
+#include "bench/BenchTexts.h"
 #include "desktop/RunForms.h"
 #include "documents/frmEquipment.h"
 #include "instruments/Instruments.h"
