@@ -13,6 +13,14 @@
 namespace hylden {
 namespace {
 
+/// 1 for a number character, 0 for a separator, -1 otherwise.
+int CharClass(char character) {
+  if (character >= '0' && character <= '9') return 1;
+  if (character == '+' || character == '-' || character == '.') return 1;
+  if (character == ' ' || character == '\t' || character == ',') return 0;
+  return -1;
+}
+
 /// The next run of number characters; the line is left behind it.
 std::string_view NextToken(std::string_view& line) {
   while (!line.empty() && CharClass(line.front()) == 0) line.remove_prefix(1);
@@ -100,13 +108,6 @@ float PickDuplicate(float a, float b, DuplicateRule rule) {
       return std::min(a, b);
   }
   return 0;
-}
-
-int CharClass(char character) {
-  if (character >= '0' && character <= '9') return 1;
-  if (character == '+' || character == '-' || character == '.') return 1;
-  if (character == ' ' || character == '\t' || character == ',') return 0;
-  return -1;
 }
 
 bool ReadNumbers(std::string_view line, std::initializer_list<double*> numbers) {

@@ -35,8 +35,6 @@ ParsedFactorLine ParseFactorLine(std::string_view line);
 /// Reads the first numbers of a line that consists of numbers and separators. @return false for any other line, for one
 /// with fewer numbers, and for a number that is too large
 bool ReadNumbers(std::string_view line, std::initializer_list<double*> numbers);
-/// 1 for a number character, 0 for a separator, -1 otherwise.
-int CharClass(char character);
 
 /// A frequency-indexed factor table loaded from a text file (.los .fac .prb .pwr .lev), sorted by rising frequency
 /// (equal frequencies keep their file order). It is usable from two points on.
