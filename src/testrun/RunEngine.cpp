@@ -83,6 +83,7 @@ void RunEngine::Sweep() {
   }
   currentStep_ = count;
   outcome_ = RunOutcome::Finished;
+  run_.display.Remaining(0);
   run_.shell.log.LogFile("Frequency sweep finished");
 }
 
