@@ -13,8 +13,6 @@ namespace hylden {
 
 namespace {
 
-constexpr char kListFilter[] = "Frequency List (*.lst)|*.lst|All Files|*.*";
-
 /// Every entry beside its control, once: showing and reading walk this list.
 template <class Visitor>
 void WalkEntries(const Ui::frmCblSetup& ui, CableSetupEntries& e, const Visitor& visit) {
@@ -31,19 +29,15 @@ void WalkEntries(const Ui::frmCblSetup& ui, CableSetupEntries& e, const Visitor&
 }  // namespace
 
 frmCblSetup::frmCblSetup(Shell& shell, Documents& documents, RunCablCal& calibration, QWidget* parent)
-    : WorkingForm(parent),
-      shell_(shell),
-      documents_(documents),
-      run_(calibration),
-      ui_(std::make_unique<Ui::frmCblSetup>()) {
+    : SetupForm(shell, parent), documents_(documents), run_(calibration), ui_(std::make_unique<Ui::frmCblSetup>()) {
   ui_->setupUi(this);
   for (QRadioButton* const option : {ui_->optLinStep, ui_->optLogStep, ui_->optListStep})
     connect(option, &QRadioButton::clicked, this, &frmCblSetup::EnableControls);
   ui_->lblListFile->setContextMenuPolicy(Qt::CustomContextMenu);
   connect(ui_->lblListFile, &QWidget::customContextMenuRequested, ui_->cmdCreateList, &QPushButton::click);
-  On(ui_->cmdListFile, &frmCblSetup::SelectListFile);
-  On(ui_->cmdCreateList, &frmCblSetup::CreateList);
-  On(ui_->cmdStart, &frmCblSetup::Start);
+  On(ui_->cmdListFile, [this] { SelectListFile(); });
+  On(ui_->cmdCreateList, [this] { CreateList(); });
+  On(ui_->cmdStart, [this] { Start(); });
   connect(ui_->cmdHelp, &QPushButton::clicked, this, [this] { emit HelpRequested(HelpTopic()); });
   connect(ui_->cmdExit, &QPushButton::clicked, this, &QWidget::close);
   Offer(false);
@@ -51,17 +45,6 @@ frmCblSetup::frmCblSetup(Shell& shell, Documents& documents, RunCablCal& calibra
 }
 
 frmCblSetup::~frmCblSetup() = default;
-
-template <class Sender>
-void frmCblSetup::On(Sender* sender, void (frmCblSetup::*command)()) {
-  connect(sender, &Sender::clicked, this, [this, sender, command] {
-    try {
-      (this->*command)();
-    } catch (const std::exception& error) {
-      shell_.ReportError(error, "frmCblSetup." + FromQt(sender->objectName()));
-    }
-  });
-}
 
 void frmCblSetup::Offer(bool listBuilder) {
   ui_->cmdCreateList->setEnabled(listBuilder);
@@ -88,9 +71,7 @@ void frmCblSetup::EnableControls() {
 }
 
 void frmCblSetup::SelectListFile() {
-  const auto path = shell_.dialogs.OpenFile(
-      {"Select frequency list file", kListFilter, shell_.settings.GetDataDir(datakind::kFreqList)});
-  if (path) UseList(ToQt(*path));
+  if (const auto path = AskListFile()) UseList(ToQt(*path));
 }
 
 void frmCblSetup::UseList(const QString& path) {

@@ -2,12 +2,11 @@
 
 #include <memory>
 
-#include "shell/qt/WorkingForm.h"
+#include "documents/qt/SetupForm.h"
 
 namespace hylden {
 
 class RunCablCal;
-class Shell;
 struct CableSetupEntries;
 struct Documents;
 namespace Ui {
@@ -15,7 +14,7 @@ class frmCblSetup;
 }
 
 /// The set-up of a cable insertion-loss calibration. It lives as long as the program.
-class frmCblSetup : public WorkingForm {
+class frmCblSetup : public SetupForm {
   Q_OBJECT
 
  public:
@@ -39,9 +38,6 @@ class frmCblSetup : public WorkingForm {
   void StartRequested();
 
  private:
-  template <class Sender>
-  void On(Sender* sender, void (frmCblSetup::*command)());
-
   CableSetupEntries Entries() const;
   void ShowEntries(CableSetupEntries entries);
   void EnableControls();
@@ -49,7 +45,6 @@ class frmCblSetup : public WorkingForm {
   void CreateList();
   void Start();
 
-  Shell& shell_;
   Documents& documents_;
   RunCablCal& run_;
   std::unique_ptr<Ui::frmCblSetup> ui_;
