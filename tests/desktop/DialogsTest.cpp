@@ -102,8 +102,9 @@ TEST(QtDialogs, SavesUnderANameThatCarriesTheKindsEnding) {
     const char* saved;   ///< nullptr: nothing
   };
   const Case cases[] = {
-      {"*.los", nullptr, nullptr, nullptr},        {"", "*.los", nullptr, nullptr},
-      {"", "cable", nullptr, "cable.los"},         {"", "cable", "Text (*.txt *.TXT)", "cable.txt"},
+      {"*.los", nullptr, nullptr, nullptr},
+      {"", "cable", nullptr, "cable.los"},
+      {"", "cable", "Text (*.txt *.TXT)", "cable.txt"},
       {"", "cable 1.5 m", nullptr, "cable 1.5 m"},
   };
   const TempDir directory;
@@ -124,12 +125,27 @@ TEST(QtDialogs, SavesUnderANameThatCarriesTheKindsEnding) {
       EXPECT_EQ(QFileInfo(ToQt(*saved)).fileName().toStdString(), c.saved);
     }
   }
-  OnModalWindow([](QWidget& window) {
-    dynamic_cast<QFileDialog&>(window).selectFile(QStringLiteral("level 1.5"));
-    QMetaObject::invokeMethod(&window, "accept");
-  });
-  const auto record = QtDialogs().SaveFile({"Save", "Calibration File (*.cal)|*.cal", folder});
+  const auto saveAs = [&](const char* name) {
+    OnModalWindow([name](QWidget& window) {
+      dynamic_cast<QFileDialog&>(window).selectFile(QLatin1String(name));
+      QMetaObject::invokeMethod(&window, "accept");
+    });
+    return QtDialogs().SaveFile({"Save", "Calibration File (*.cal)|*.cal", folder});
+  };
+  const auto record = saveAs("level 1.5");
   EXPECT_TRUE(record && record->ends_with("level 1.5.cal"));
+
+  QString told;
+  QTimer reader;
+  QObject::connect(&reader, &QTimer::timeout, &reader, [&] {
+    auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    if (!box) return;
+    told = box->text();
+    box->accept();
+  });
+  reader.start(0);
+  EXPECT_FALSE(saveAs("what?.cal"));
+  EXPECT_TRUE(told.contains("what?.cal")) << told.toStdString();
 }
 
 TEST(QtDialogs, BoxOutlivesTheWindowItStandsOn) {

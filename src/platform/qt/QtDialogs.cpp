@@ -208,7 +208,7 @@ std::optional<std::string> QtDialogs::AskForFile(QFileDialog& dialog, const File
   if (!IsWildcard(offered.fileName())) dialog.selectFile(offered.fileName());
   if (!Run(dialog) || !alive) return std::nullopt;
   const QStringList chosen = dialog.selectedFiles();
-  if (chosen.isEmpty() || IsWildcard(QFileInfo(chosen.first()).fileName())) return std::nullopt;
+  if (chosen.isEmpty()) return std::nullopt;
   return FromQt(QDir::toNativeSeparators(chosen.first()));
 }
 
@@ -227,7 +227,12 @@ std::optional<std::string> QtDialogs::SaveFile(const FileRequest& request) {
   QObject::connect(&*dialog, &QFileDialog::filterSelected, &*dialog,
                    [&](const QString& filter) { dialog->setDefaultSuffix(SuffixOfShown(filter)); });
   const auto chosen = AskForFile(*dialog, request);
-  return chosen ? WithOnlySuffix(*chosen, request) : std::nullopt;
+  if (!chosen) return std::nullopt;
+  if (IsWildcard(QFileInfo(ToQt(*chosen)).fileName())) {
+    Tell("A file can't be saved under a name with * or ?:\r\n" + *chosen, MessageIcon::Exclamation);
+    return std::nullopt;
+  }
+  return WithOnlySuffix(*chosen, request);
 }
 
 /// The dialog takes what stands behind a dot for the suffix, as in "level 1.5"; where there is only one, it is missing.
