@@ -44,8 +44,8 @@ class LevelCalibration {
   /// The rows are in a file as they are now.
   bool RowsSaved() const { return saved_; }
   /// The operator wanted the last run's points saved, and the file dialog was cancelled or the file not written. Fewer
-  /// than two make no record.
-  bool SaveMissed() const { return wanted_ && !saved_ && rows_.size() >= 2; }
+  /// than two complete ones make no record.
+  bool SaveMissed() const { return wanted_ && !saved_ && CompleteRows(rows_).size() >= 2; }
   RunOutcome Outcome() const { return outcome_; }
   /// The window's title.
   std::string Title() const { return "CDI Calibration: " + setup_.SetupDescription; }
