@@ -58,6 +58,21 @@ Outcome HyldenRun(std::vector<std::string> arguments,
   return outcome;
 }
 
+/// Arguments that the program does not run with, its status and a part of what it says.
+struct Refusal {
+  const char* name;
+  std::vector<std::string> arguments;
+  int status;
+  const char* text;
+
+  void Expect() const {
+    SCOPED_TRACE(name);
+    const Outcome outcome = HyldenRun(arguments);
+    EXPECT_EQ(outcome.status, status) << outcome.output;
+    EXPECT_NE(outcome.output.find(text), std::string::npos) << outcome.output;
+  }
+};
+
 class HyldenRunProgram : public testing::Test {
  protected:
   std::vector<std::string> OnTheBench(const std::string& test, const std::vector<std::string>& more) const {
@@ -97,13 +112,7 @@ TEST_F(HyldenRunProgram, KeepsAnExistingOutputFileUnlessToldOtherwise) {
 }
 
 TEST_F(HyldenRunProgram, TellsWhatIsWrongByItsExitStatus) {
-  struct Case {
-    const char* name;
-    std::vector<std::string> arguments;
-    int status;
-    const char* text;
-  };
-  const std::vector<Case> cases = {
+  const std::vector<Refusal> refusals = {
       {"no arguments", {}, kUsage, "--equipment"},
       {"virtual time on a real bus",
        {"--equipment", "station.eqp", "--test", "x.tst", "--output", Output(), "--virtual-time"},
@@ -125,11 +134,8 @@ TEST_F(HyldenRunProgram, TellsWhatIsWrongByItsExitStatus) {
        kFailed,
        "Nothing can be written to"},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    const Outcome outcome = HyldenRun(c.arguments);
-    EXPECT_EQ(outcome.status, c.status) << outcome.output;
-    EXPECT_NE(outcome.output.find(c.text), std::string::npos) << outcome.output;
+  for (const Refusal& refusal : refusals) {
+    refusal.Expect();
     EXPECT_FALSE(directory_.Exists("out.run"));
   }
 }
@@ -255,13 +261,7 @@ TEST_F(HyldenRunCalibration, SwitchesNothingOnUnasked) {
   const std::string readOnly = directory_.Write("kept.cal", "yesterday");
   std::filesystem::permissions(readOnly, std::filesystem::perms::owner_read);
   directory_.Write("old.hyinfo", "yesterday");
-  struct Case {
-    const char* name;
-    std::vector<std::string> arguments;
-    int status;
-    const char* text;
-  };
-  const std::vector<Case> cases = {
+  const std::vector<Refusal> refusals = {
       {"level without --yes", Level("cdn-10v.csu", {}), kFailed, "Nothing was switched on."},
       {"cable without --yes", Cable({}), kFailed, "Nothing was switched on."},
       {"cable on a real bus without anybody there",
@@ -294,11 +294,8 @@ TEST_F(HyldenRunCalibration, SwitchesNothingOnUnasked) {
       {"a dwell below 0", Cable({"--dwell=-1"}), kUsage, "--dwell: the value is outside its range"},
       {"a step that is no number", Cable({"--log-step", "x"}), kUsage, "--log-step: the value is not a number"},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    const Outcome outcome = HyldenRun(c.arguments);
-    EXPECT_EQ(outcome.status, c.status) << outcome.output;
-    EXPECT_NE(outcome.output.find(c.text), std::string::npos) << outcome.output;
+  for (const Refusal& refusal : refusals) {
+    refusal.Expect();
     for (const char* name : {"out.cal", "out.los", "out.txt", "old.cal"}) EXPECT_FALSE(directory_.Exists(name));
     EXPECT_EQ(directory_.Read("old.hyinfo"), "yesterday");
   }
