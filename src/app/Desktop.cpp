@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QTimer>
-#include <algorithm>
 #include <utility>
 
 #include "app/DesktopBench.h"
@@ -169,10 +168,7 @@ void Desktop::ShowBenchPanel() {
 
 /// Beside a run Escape is Halt in every window; only without one it closes the window that it was pressed in.
 void Desktop::HaltOrClose(const std::function<void()>& close) {
-  const bool running = std::any_of(open_.cbegin(), open_.cend(), [](const QPointer<WorkingForm>& form) {
-    return qobject_cast<frmRunTest*>(form) || qobject_cast<CalibrationWindow*>(form);
-  });
-  if (running)
+  if (shell_.InstrumentsClaimed())
     emit EscapePressed();
   else
     close();

@@ -38,6 +38,8 @@ class Shell {
   /// first. @return false when another run has them
   bool ClaimInstruments(std::function<void()> makeSafe);
   void ReleaseInstruments() { makeSafe_ = nullptr; }
+  /// A run has the instruments.
+  bool InstrumentsClaimed() const { return makeSafe_ != nullptr; }
 
   /// Tells of an instrument's failure.
   void TellFailure(const std::string& text, MessageIcon icon = MessageIcon::None);

@@ -160,11 +160,13 @@ TEST_F(BenchPanel, RunsCableTheBenchUnlessTheOperatorDoes) {
 }
 
 TEST_F(BenchPanel, EscapeClosesItButHaltsARun) {
-  QTest::keyClick(&Find<QRadioButton>(Panel(), "optPort"), Qt::Key_Escape);
-  EXPECT_EQ(OpenWindow<frmBench>(), nullptr);
-  QSignalSpy halts(desktop.get(), &Desktop::EscapePressed);
   desktop->OpenTestRun(&desktop->Menu());
+  QTest::keyClick(&Find<QRadioButton>(Panel(), "optPort"), Qt::Key_Escape);
+  EXPECT_EQ(OpenWindow<frmBench>(), nullptr) << "the run has not begun";
+  QSignalSpy halts(desktop.get(), &Desktop::EscapePressed);
+  ASSERT_TRUE(m.station.shell.ClaimInstruments([] {}));
   QTest::keyClick(&Panel(), Qt::Key_Escape);
+  m.station.shell.ReleaseInstruments();
   EXPECT_EQ(halts.count(), 1);
   EXPECT_EQ(OpenWindows<frmBench>().size(), 1u);
 }
