@@ -108,6 +108,7 @@ void RunCablCal::Sweep(const Pass& pass) {
     if (!MeasurePoint(pass, i)) return;
   }
   outcome_ = RunOutcome::Finished;
+  up_.SwitchRfOff();
   WarbleAlarm(shell_.speaker);
 }
 
@@ -126,11 +127,11 @@ bool RunCablCal::MeasurePoint(const Pass& pass, std::size_t index) {
   const double reading = instruments_.meter.MeterRead(ReadMode::AutoRange);
   if (IsNoReading(reading)) {
     up_.CloseSigGen();
-    shell_.dialogs.Tell("Run halted due to errors");
+    shell_.ShowFailure("Run halted due to errors");
     return false;
   }
   // Halted while it ranged itself, the meter gives what it had; without RF, nothing.
-  if (Halted() || !instruments_.sigGen.RfIsOn()) return false;
+  if (Halted() || instruments_.sigGen.RfState() != Rf::On) return false;
   Store(pass, point, levelDbm, reading);
   pass.Display.MeterLevel(reading);
   pass.Display.RowChanged(row);
@@ -161,6 +162,7 @@ void RunCablCal::Store(const Pass& pass, CablePoint& point, float levelDbm, doub
 }
 
 void RunCablCal::EndPass(const Pass& pass) {
+  guard_.Attempt([&] { up_.SwitchRfOff(); });
   guard_.Attempt([&] { pass.Display.Status("Shutting down instruments..."); });
   guard_.Attempt([&] {
     const BusyDisplay busy(pass.Display);

@@ -13,6 +13,7 @@ namespace {
 
 constexpr float kStartLevelDbm = -60;
 constexpr double kGenericBandSwitchMHz = 230;
+constexpr const char* kRfMayBeOn = "RF could not be switched off: switch the amplifier off by hand.";
 
 }  // namespace
 
@@ -29,6 +30,7 @@ void RunAll(const std::vector<std::function<void()>>& actions) {
 }
 
 bool InstrumentsUp::BringUpSigGen() {
+  rfSwitchedOff_ = false;
   up_.SigGen = Generator::Unknown;
   if (!instruments_.gpib.GpibIfc()) return Refuse("Error initializing GPIB");
   if (!instruments_.sigGen.InitSigGen(0, kStartLevelDbm)) return Refuse("Error initializing signal generator");
@@ -62,10 +64,24 @@ void InstrumentsUp::CloseSigGen() {
   if (instruments_.sigGen.ShutdownSigGen()) up_.SigGen = Generator::Closed;
 }
 
+void InstrumentsUp::SwitchRfOff() {
+  if (rfSwitchedOff_) return;
+  // A generator that didn't come up may have been sending before the program found it.
+  rfSwitchedOff_ = up_.SigGen == Generator::Closed || instruments_.sigGen.SilenceRf();
+}
+
 void InstrumentsUp::TakeDown() {
-  const State up = std::exchange(up_, {});
   RunAll({
-      [&] { SwitchRfOff(up.SigGen); },
+      [&] { SwitchRfOff(); },
+      [&] { TakeInstrumentsDown(); },
+      [&] { Conclude(); },
+  });
+}
+
+void InstrumentsUp::TakeInstrumentsDown() {
+  const State up = std::exchange(up_, {});
+  rfSwitchedOff_ = false;
+  RunAll({
       [&] {
         if (up.Meter) instruments_.meter.MeterShutdown();
       },
@@ -81,14 +97,15 @@ void InstrumentsUp::TakeDown() {
   });
 }
 
-void InstrumentsUp::SwitchRfOff(Generator state) {
-  if (state == Generator::Up) instruments_.sigGen.SilenceRf();
-  // A generator that didn't come up may have been sending before the program found it.
-  if (state == Generator::Unknown) instruments_.sigGen.TryRfOff();
+void InstrumentsUp::Conclude() {
+  const SigGen& sigGen = instruments_.sigGen;
+  if (sigGen.RfIsOn()) instruments_.sigGen.SilenceRf();
+  shell_.ShowFailure();
+  if (sigGen.RfIsOn()) shell_.dialogs.Tell(kRfMayBeOn, MessageIcon::Critical);
 }
 
 bool InstrumentsUp::Refuse(const char* text) {
-  shell_.dialogs.Tell(text, MessageIcon::Critical);
+  shell_.ShowFailure(text, MessageIcon::Critical);
   return false;
 }
 

@@ -27,8 +27,10 @@ class InstrumentsUp {
 
   /// Takes the generator alone down: RF off, offline. What fails stays up for TakeDown to try again.
   void CloseSigGen();
+  /// RF off, quietly, before anything that may stall on the way to TakeDown.
+  void SwitchRfOff();
   /// Takes down what was brought up, RF first. Each instrument is taken down even when the one before fails; an
-  /// exception from one of them is thrown on after the last.
+  /// exception from one of them is thrown on after the last. Shows what failed, and tells when RF may still be on.
   void TakeDown();
 
  private:
@@ -39,11 +41,13 @@ class InstrumentsUp {
   };
 
   bool Refuse(const char* text);
-  void SwitchRfOff(Generator state);
+  void TakeInstrumentsDown();
+  void Conclude();
 
   Shell& shell_;
   Instruments& instruments_;
   State up_;
+  bool rfSwitchedOff_ = false;
 };
 
 }  // namespace hylden

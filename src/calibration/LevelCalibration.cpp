@@ -140,6 +140,7 @@ void LevelCalibration::ShowTimes(std::size_t done) {
 }
 
 void LevelCalibration::End() {
+  guard_.Attempt([&] { up_.SwitchRfOff(); });
   guard_.Attempt([&] { display_.Status("Shutting down instruments..."); });
   guard_.Attempt([&] {
     const BusyDisplay busy(display_);

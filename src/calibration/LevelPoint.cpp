@@ -108,7 +108,7 @@ bool LevelCalibration::ReadLevel() {
   }
   if (setup_.RecordsForward() && !ReadForwardPower()) return false;
   // A failure that was told has switched RF off; what is read then is no level.
-  return ReadMeter() && instruments_.sigGen.RfIsOn();
+  return ReadMeter() && instruments_.sigGen.RfState() == Rf::On;
 }
 
 bool LevelCalibration::ReadForwardPower() {
@@ -167,14 +167,14 @@ bool LevelCalibration::ReadReversePower(double excessDb, std::string& cell) {
     return Fail("Equipment file says power meter not configured for reverse power readings.");
   const double reading = instruments_.pm.ReadPower(2);
   // RF that went off meanwhile, when the program had to end, left nothing to be read.
-  if (IsNoReading(reading) || !instruments_.sigGen.RfIsOn()) return false;
+  if (IsNoReading(reading) || instruments_.sigGen.RfState() != Rf::On) return false;
   cell = IsMissing(reading) ? kNotRecorded : PowerText(reading + point_.ReverseFactor - excessDb);
   return true;
 }
 
 bool LevelCalibration::Fail(const std::string& text) {
   instruments_.sigGen.SilenceRf();  // a message box may stand for hours
-  shell_.dialogs.Tell(text);
+  shell_.ShowFailure(text);
   return false;
 }
 

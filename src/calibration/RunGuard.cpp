@@ -54,6 +54,7 @@ bool RunGuard::Run(const std::string& context, const std::function<void()>& run,
 void RunGuard::RunTrapped(const std::function<void()>& run) {
   try {
     run();
+    shell_.ShowFailure();
   } catch (const ProgramEnd&) {
     RfOffQuietly();
     programEnd_ = std::current_exception();
@@ -89,7 +90,7 @@ void RunGuard::Report(const std::exception& error) {
 
 void RunGuard::RfOffQuietly() {
   try {
-    sigGen_.RfIsOn() ? sigGen_.SilenceRf() : sigGen_.RfOff();
+    sigGen_.SilenceRf();
   } catch (const std::exception&) {
     // Taking the instruments down tries again.
   }

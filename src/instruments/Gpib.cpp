@@ -105,6 +105,7 @@ bool Gpib::GpibIfc() {
 }
 
 bool Gpib::GpibOpen(int address, const std::string& initCommand, const std::string& name) {
+  timeOuts_.erase(address);
   const AddressList addresses = ListOf(address);
   std::array<std::int16_t, 2> listeners{};
   RegisterOnce();
@@ -135,10 +136,21 @@ bool Gpib::GpibClose(int address, const std::string& name) {
   return false;
 }
 
-bool Gpib::Send(int address, const std::string& command) {
+template <class Call>
+void Gpib::Impatiently(int address, Call call) {
   RegisterOnce();
-  shell_.gpib.Send(kBoard, address, EncodeWindows1252(command), gpib::kDabEnd);
+  int& timeOuts = timeOuts_[address];
+  const bool hurried = timeOuts > 0;
+  if (hurried) shell_.gpib.ibtmo(kBoard, std::max(gpib::kT10s - timeOuts, gpib::kT100ms));
+  call();
   Refresh();
+  if (!Failed()) timeOuts = 0;
+  if (Failed() && (ibsta & gpib::kTimo) != 0) ++timeOuts;
+  if (hurried) shell_.gpib.ibtmo(kBoard, gpib::kT10s);
+}
+
+bool Gpib::Send(int address, const std::string& command) {
+  Impatiently(address, [&] { shell_.gpib.Send(kBoard, address, EncodeWindows1252(command), gpib::kDabEnd); });
   return !Failed();
 }
 
@@ -150,9 +162,7 @@ bool Gpib::SendOrReport(int address, const std::string& command, const std::stri
 
 bool Gpib::Receive(int address, std::string& answer, int termination, std::size_t size) {
   std::vector<char> buffer(size);
-  RegisterOnce();
-  shell_.gpib.Receive(kBoard, address, buffer, termination);
-  Refresh();
+  Impatiently(address, [&] { shell_.gpib.Receive(kBoard, address, buffer, termination); });
   answer.clear();
   if (Failed()) return false;
   const auto received = std::min(static_cast<std::size_t>(std::max<int>(ibcnt, 0)), size);
@@ -164,15 +174,23 @@ void Gpib::Drain(int address) {
   RegisterOnce();
   shell_.gpib.ibtmo(kBoard, gpib::kT30ms);
   Refresh();
-  std::string stale;
-  Receive(address, stale, gpib::kStopEnd);
+  std::array<char, 64> stale{};
+  shell_.gpib.Receive(kBoard, address, stale, gpib::kStopEnd);
   shell_.gpib.ibtmo(kBoard, gpib::kT10s);
   Refresh();
 }
 
 void Gpib::GpibError(std::string& message) {
-  message += IbstaText() + IberrText() + IbcntText();
-  shell_.TellFailure(message, MessageIcon::Exclamation);
+  const std::string status = IbstaText() + IberrText() + IbcntText();
+  shell_.ReportBusFailure(message, status);
+  message += status;
+}
+
+Gpib::KeptStatus::~KeptStatus() {
+  gpib_.ibsta = ibsta_;
+  gpib_.iberr = iberr_;
+  gpib_.ibcnt = ibcnt_;
+  gpib_.ibcntl = ibcntl_;
 }
 
 std::string Gpib::IbstaText() const {

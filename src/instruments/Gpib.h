@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -50,6 +51,21 @@ class Gpib {
   /// The same for a constant first line.
   void Report(std::string message) { GpibError(message); }
 
+  /// Puts the status words back at the end of a scope: what is done in between concerns nobody who reports afterwards.
+  class KeptStatus {
+   public:
+    explicit KeptStatus(Gpib& gpib)
+        : gpib_(gpib), ibsta_(gpib.ibsta), iberr_(gpib.iberr), ibcnt_(gpib.ibcnt), ibcntl_(gpib.ibcntl) {}
+    ~KeptStatus();
+    KeptStatus(const KeptStatus&) = delete;
+    KeptStatus& operator=(const KeptStatus&) = delete;
+
+   private:
+    Gpib& gpib_;
+    std::int16_t ibsta_, iberr_, ibcnt_;
+    std::int32_t ibcntl_;
+  };
+
   std::string IbstaText() const;
   std::string IberrText() const;
   std::string IbcntText() const;
@@ -61,10 +77,15 @@ class Gpib {
  private:
   void RegisterOnce();
   void Refresh();
+  /// Does a call to a device. One that timed out the last time is waited for less and less: RF off is tried again and
+  /// again, and the windows must not freeze for minutes.
+  template <class Call>
+  void Impatiently(int address, Call call);
   bool Failed() const { return (ibsta & gpib::kErr) != 0; }
 
   Shell& shell_;
   GpibStatusCells cells_;
+  std::map<int, int> timeOuts_;  ///< of calls to a device in a row, by address
   bool registered_ = false;
   bool interfaceCleared_ = false;
 };

@@ -48,33 +48,44 @@ bool IfiAmp::IfiInit(AmpControl mode, double bandSwitchMHz) {
 }
 
 bool IfiAmp::IfiReset() {
-  return IfiSetBand(0);
+  if (mode_ != AmpControl::Ifi) return true;
+  band_ = Band::None;
+  const bool silenced = sigGen_.SilenceOrReport();
+  bool lowWorks = true, highWorks = true;
+  for (const UnitCommand& command : {UnitCommand{kLowUnit, "8"},
+                                     {kHighUnit, "FA"},
+                                     {kHighUnit, "L3"},
+                                     {kHighUnit, "M1"},
+                                     {kHighUnit, "ON"},
+                                     {kHighUnit, "B1"},
+                                     {kHighUnit, "ZA"}}) {
+    bool& works = command.unit == kLowUnit ? lowWorks : highWorks;
+    if (works && !SendTo(command)) works = ReportFailure();
+  }
+  return silenced && lowWorks && highWorks;
 }
 
 bool IfiAmp::IfiSetBand(double frequencyMHz) {
   if (mode_ != AmpControl::Ifi) return true;
-  if (frequencyMHz == 0) band_ = Band::None;
+  if (frequencyMHz == 0) return IfiReset();
   const Band wanted = frequencyMHz <= bandSwitchMHz_ ? Band::Low : Band::High;
   if (wanted == band_) return true;
-  // The amplifiers never change over under power. A generator that can't be silenced has reported it.
-  if (!sigGen_.SilenceRf()) return false;
-  return wanted == Band::Low ? SelectLow(frequencyMHz > 0) : SelectHigh();
+  if (!sigGen_.SilenceOrReport()) return false;  // the amplifiers never change over under power
+  return wanted == Band::Low ? SelectLow() : SelectHigh();
 }
 
-bool IfiAmp::SelectLow(bool switchOn) {
+bool IfiAmp::SelectLow() {
   if (!SendAll({{kLowUnit, "8"},
                 {kHighUnit, "FA"},
                 {kHighUnit, "L3"},
                 {kHighUnit, "M1"},
                 {kHighUnit, "ON"},
-                {kHighUnit, "B1"}})) {
+                {kHighUnit, "B1"},
+                {kLowUnit, "9"}})) {
     return false;
   }
-  if (switchOn) {
-    if (!SendAll({{kLowUnit, "9"}})) return false;
-    shell_.delay.Delay(kBandChangeSeconds, false);
-    band_ = Band::Low;
-  }
+  shell_.delay.Delay(kBandChangeSeconds, false);
+  band_ = Band::Low;
   return SendAll({{kHighUnit, "ZA"}});
 }
 
@@ -115,9 +126,13 @@ bool IfiAmp::IfiReadPower(float& first, float& second) {
 
 bool IfiAmp::SendAll(std::initializer_list<UnitCommand> commands) {
   for (const UnitCommand& command : commands) {
-    if (!gpib_.Send(command.unit, std::string(command.text) + "\r\n")) return ReportFailure();
+    if (!SendTo(command)) return ReportFailure();
   }
   return true;
+}
+
+bool IfiAmp::SendTo(const UnitCommand& command) {
+  return gpib_.Send(command.unit, std::string(command.text) + "\r\n");
 }
 
 bool IfiAmp::ReportFailure() {

@@ -20,8 +20,10 @@ class IfiAmp {
 
   /// @param bandSwitchMHz  up to and including it the low band is used, above it the high band
   bool IfiInit(AmpControl mode, double bandSwitchMHz);
+  /// Sends its commands also when the generator can't be silenced or one of the units fails: the amplifiers are the
+  /// last means left to end the RF.
   bool IfiReset();
-  /// Selects the band of a frequency, with the generator's RF off first and left off; 0 resets without selecting.
+  /// Selects the band of a frequency, with the generator's RF off first and left off; 0 is a reset.
   bool IfiSetBand(double frequencyMHz);
   /// The selected unit's two power figures; -1 for both with a generic amplifier. A failure leaves them as they were.
   bool IfiReadPower(float& first, float& second);
@@ -33,10 +35,11 @@ class IfiAmp {
     const char* text;
   };
 
-  bool SelectLow(bool switchOn);
+  bool SelectLow();
   bool SelectHigh();
   /// Sends until one fails, which is reported.
   bool SendAll(std::initializer_list<UnitCommand> commands);
+  bool SendTo(const UnitCommand& command);
   bool ReportFailure();
 
   Shell& shell_;

@@ -76,6 +76,7 @@ bool Meter::MeterTrigger() {
 double Meter::MeterRead(ReadMode mode, double settlingSeconds) {
   const double settle = settlingSeconds == kDefinedSettling ? double{SettlingTime()} : settlingSeconds;
   if (!AwaitCapture(settle)) return ReadFailed();
+  if (shell_.delay.HaltRequested()) return kNoReading;
   for (;;) {
     const auto level = ReadLevel();
     if (!level) return ReadFailed();
@@ -84,7 +85,7 @@ double Meter::MeterRead(ReadMode mode, double settlingSeconds) {
     const auto reference = NextReferenceLevel(*level, currentReference_, MaximumLevel());
     if (!reference) return *level;
     if (!MeterSetLevel(*reference) || !MeterTrigger()) return ReadFailed();
-    shell_.delay.Delay(settle, false);
+    shell_.delay.Delay(settle, true);
     if (shell_.delay.HaltRequested()) return *level;
   }
 }
@@ -95,7 +96,7 @@ bool Meter::AwaitCapture(double settlingSeconds) {
     return true;
   }
   if (!MeterTrigger()) return false;
-  shell_.delay.Delay(settlingSeconds, false);
+  shell_.delay.Delay(settlingSeconds, true);
   return true;
 }
 

@@ -66,8 +66,9 @@ double PM::ReadPower(int channel) {
     answers_.AwaitPending();
   } else {
     if (!PwrMtrTrigger(channel)) return ReadFailed();
-    shell_.delay.Delay(double{definition_.SettlingTime}, false);
+    shell_.delay.Delay(double{definition_.SettlingTime}, true);
   }
+  if (shell_.delay.HaltRequested()) return kNoReading;
   const auto power = ReadDbm(ChannelFor(channel));
   return power ? *power : ReadFailed();
 }

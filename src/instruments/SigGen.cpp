@@ -8,50 +8,55 @@ namespace hylden {
 namespace {
 
 constexpr const char* kName = "SigGen";
+constexpr const char* kWriteFailed = "Error in writing command to Signal Generator. ";
 
 }  // namespace
 
 bool SigGen::InitSigGen(double frequencyMHz, float levelDbm) {
+  rf_ = Rf::Unknown;  // whatever state the generator is found in, it has to be switched off
   // An empty Init String still sends the terminator: it ends a command left half-typed in the generator.
   if (!gpib_.GpibOpen(Address(), definition_.InitString + terminator_.Text, kName)) return false;
   ForgetSent();
   const bool atMinimum = frequencyMHz == 0;
-  const bool accepted = atMinimum ? SetFreqLevel(MinimumFreq(), MinimumLevel()) : SetFreqLevel(frequencyMHz, levelDbm);
+  const bool accepted = atMinimum ? Request(MinimumFreq(), MinimumLevel()) : Request(frequencyMHz, levelDbm);
   if (!accepted) return false;
   modulation_ = Modulation::None;
   switchByDepth_ = false;
-  // Whatever state the generator was found in, both switch-off commands have to go out.
-  rfOn_ = true;
   modulationOn_ = true;
   const bool modulationIsOff = ModOff();
-  return SilenceRf() && modulationIsOff;
+  return SilenceOrReport() && modulationIsOff;
 }
 
 bool SigGen::SetFreqLevel(double frequencyMHz, float levelDbm) {
+  return Request(frequencyMHz, levelDbm) && (rf_ == Rf::Off || SendRequest());
+}
+
+bool SigGen::Request(double frequencyMHz, float levelDbm) {
   if (!HasFreqCommand() || !HasLevelCommand()) return false;
   if (!(levelDbm >= MinimumLevel() && levelDbm <= MaximumLevel())) {
-    SilenceRf();
+    SilenceOrReport();
     return Refuse("Level requested outside of range of instrument");
   }
   if (!(frequencyMHz >= MinimumFreq() && frequencyMHz <= MaximumFreq())) {
-    SilenceRf();
+    SilenceOrReport();
     return Refuse("Frequency requested outside of range of instrument");
   }
   requestedFreq_ = frequencyMHz;
   requestedLevel_ = levelDbm;
-  return !rfOn_ || SendRequest();
+  return true;
 }
 
-bool SigGen::SendRequest() {
-  if (SendChanges()) return true;
-  gpib_.Report("Error in writing command to Signal Generator. ");
+bool SigGen::SendRequest(UnknownLevel order) {
+  if (SendChanges(order)) return true;
+  gpib_.Report(kWriteFailed);
   return false;
 }
 
-bool SigGen::SendChanges() {
+bool SigGen::SendChanges(UnknownLevel order) {
+  const bool levelKnown = currentLevel_ != kNoLevel;
   const bool retune = requestedFreq_ != currentFreq_;
-  const bool falling = requestedLevel_ < currentLevel_;
-  const bool rising = requestedLevel_ > currentLevel_;
+  const bool falling = levelKnown ? requestedLevel_ < currentLevel_ : order == UnknownLevel::LevelFirst;
+  const bool rising = !falling && requestedLevel_ != currentLevel_;
   ForgetSent();  // until everything has gone out, nothing is assumed about the instrument
   // The higher of two levels never stands on the wrong frequency.
   if (falling && !SendLevel()) return false;
@@ -78,39 +83,49 @@ void SigGen::ForgetSent() {
 }
 
 bool SigGen::RfOn() {
-  if (!rfOn_) {
-    rfOn_ = true;
+  if (rf_ != Rf::On) {
+    rf_ = Rf::On;
     if (!SetFreqLevel(requestedFreq_, requestedLevel_)) return false;
   }
-  return SendText(definition_.RfOn, "Error setting SigGen RF on. ");
+  if (gpib_.Send(Address(), definition_.RfOn + terminator_.Text)) return true;
+  rf_ = Rf::Unknown;
+  gpib_.Report("Error setting SigGen RF on. ");
+  return false;
 }
 
 bool SigGen::RfOff() {
-  const bool sent = TryRfOff();
-  if (!sent) gpib_.Report("Error setting SigGen RF off. ");
-  return sent;
-}
-
-bool SigGen::TryRfOff() {
-  if (definition_.RfOff.empty()) {
-    rfOn_ = false;
-    if (HasFreqCommand()) RequestMinimumLevel();
-    return true;
-  }
-  const bool sent = gpib_.Send(Address(), definition_.RfOff + terminator_.Text);
-  rfOn_ = false;  // after the send: had it thrown, the output would still count as on
-  return sent;
+  if (!definition_.RfOff.empty()) return SilenceOrReport();
+  rf_ = Rf::Off;
+  if (HasFreqCommand()) RequestMinimumLevel();
+  return true;
 }
 
 bool SigGen::SilenceRf() {
-  const bool lowered = !definition_.RfOff.empty() || LowerToMinimum();
-  return RfOff() && lowered;
+  const Gpib::KeptStatus kept(gpib_);
+  return TrySilence();
+}
+
+bool SigGen::SilenceOrReport() {
+  if (TrySilence()) return true;
+  gpib_.Report(definition_.RfOff.empty() ? kWriteFailed : "Error setting SigGen RF off. ");
+  return false;
+}
+
+bool SigGen::TrySilence() {
+  const bool sent =
+      definition_.RfOff.empty() ? LowerToMinimum() : gpib_.Send(Address(), definition_.RfOff + terminator_.Text);
+  // After the send: had it thrown, the output would still count as on. What was off stays off.
+  if (sent) rf_ = Rf::Off;
+  if (!sent && rf_ == Rf::On) rf_ = Rf::Unknown;
+  return sent;
 }
 
 bool SigGen::LowerToMinimum() {
   if (!HasFreqCommand() || !HasLevelCommand()) return true;  // nothing can have raised it
+  const bool neverSent = currentFreq_ == 0 && currentLevel_ == kNoLevel;
+  if (neverSent && rf_ == Rf::Off) return true;
   RequestMinimumLevel();
-  return SendRequest();
+  return SendChanges(UnknownLevel::LevelFirst);
 }
 
 void SigGen::RequestMinimumLevel() {
@@ -120,7 +135,8 @@ void SigGen::RequestMinimumLevel() {
 }
 
 bool SigGen::ShutdownSigGen() {
-  return SetFreqLevel(MinimumFreq(), MinimumLevel()) && SilenceRf() && gpib_.GpibClose(Address(), kName);
+  return Request(MinimumFreq(), MinimumLevel()) && SendRequest(UnknownLevel::LevelFirst) && SilenceOrReport() &&
+         gpib_.GpibClose(Address(), kName);
 }
 
 bool SigGen::SendText(const std::string& text, const std::string& failure) {

@@ -12,6 +12,9 @@ class Shell;
 
 enum class Modulation : int { None = 0, Am = 1, Fm = 2, Pulse = 3 };
 
+/// The generator's output as far as the program knows. Unknown, after a command that did not get through, counts as on.
+enum class Rf { Off, On, Unknown };
+
 /// The station's signal generator, driven through its definition. A request outside the definition's limits is refused
 /// with RF off; frequency and level go out only when they change, the falling one first; while RF is off a request is
 /// held for the next RfOn. Frequencies in MHz, levels in dBm. Failures are reported here; callers add nothing.
@@ -27,11 +30,12 @@ class SigGen : public DefinedInstrument<SigGenDefinition> {
   /// Always tries. Nothing is sent to a generator without the command: it comes up at its minimum level at the next
   /// RfOn, and until then goes on sending as it did.
   bool RfOff();
-  /// The same without a message when it fails.
-  bool TryRfOff();
   /// RF off as far as the generator can: one without the command is taken to its minimum level at once. Whatever has to
-  /// have RF off uses this, not the bare command.
+  /// have RF off uses this, not the bare command. Always tries and reports nothing, so that it can be tried again and
+  /// again; after a failure RF counts as on. The status words stay those of the call before.
   bool SilenceRf();
+  /// The same; a failure is reported.
+  bool SilenceOrReport();
   /// @param useDepth  AM is later switched off and on by its depth
   bool SetAM(float frequencyKHz, float depthPercent, bool useDepth);
   bool SetFM(float frequencyKHz, float deviationKHz);
@@ -40,7 +44,7 @@ class SigGen : public DefinedInstrument<SigGenDefinition> {
   bool FmOn();
   bool PulseOn();
   bool ModOff();
-  /// Minimum level and frequency, RF off, local; stops at the first failure, which may leave RF on: RfIsOn tells.
+  /// Minimum level and frequency, which are sent with RF off, too, RF off, local; stops at the first failure.
   bool ShutdownSigGen();
 
   float MaximumLevel() const { return definition_.MaximumLevel; }
@@ -48,22 +52,29 @@ class SigGen : public DefinedInstrument<SigGenDefinition> {
   bool AmCapable() const { return definition_.AmCapable != 0; }
   bool FmCapable() const { return definition_.FmCapable != 0; }
   bool PulseCapable() const { return definition_.PulseCapable != 0; }
-  /// The program-wide RF-on indicator.
-  bool RfIsOn() const { return rfOn_; }
+  Rf RfState() const { return rf_; }
+  /// RF is on, or may be.
+  bool RfIsOn() const { return rf_ != Rf::Off; }
 
  private:
   static constexpr float kNoLevel = -999;
 
+  /// Where the level that was sent last is not known: which of the two goes out first.
+  enum class UnknownLevel { FreqFirst, LevelFirst };
+
   bool HasLevelCommand() const { return !definition_.LevSetPrefix.empty() || !definition_.LevSetSuffix.empty(); }
+  /// Holds a request; refuses one outside the limits with RF off.
+  bool Request(double frequencyMHz, float levelDbm);
   /// Sends what differs between the request and what was sent last.
-  bool SendRequest();
+  bool SendRequest(UnknownLevel order = UnknownLevel::FreqFirst);
   /// The same; nothing is reported.
-  bool SendChanges();
+  bool SendChanges(UnknownLevel order);
   bool SendFreq();
   bool SendLevel();
   void ForgetSent();
   /// What stands for RF off on a generator without the command: the next RfOn comes up at the minimum level.
   void RequestMinimumLevel();
+  bool TrySilence();
   bool LowerToMinimum();
   bool SendAm(float frequencyKHz, float depthPercent);
   bool SendModulation(const std::string& prefix, float value, std::string_view pattern, const std::string& suffix);
@@ -74,7 +85,7 @@ class SigGen : public DefinedInstrument<SigGenDefinition> {
   float currentLevel_ = kNoLevel;  ///< last sent, dBm
   double requestedFreq_ = 0;       ///< applied at the next RfOn
   float requestedLevel_ = 0;
-  bool rfOn_ = false;
+  Rf rf_ = Rf::Off;
   bool modulationOn_ = false;
   Modulation modulation_ = Modulation::None;  ///< the one set up last
   bool switchByDepth_ = false;                ///< AM goes off and on by its depth

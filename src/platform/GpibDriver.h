@@ -17,10 +17,10 @@ struct GpibStatusCells {
 namespace gpib {
 constexpr int kErr = 0x8000, kTimo = 0x4000, kEnd = 0x2000, kCmpl = 0x0100, kCic = 0x0020;  // status bits
 constexpr int kEdvr = 0, kEnol = 2, kEabo = 6;                                              // error codes
-constexpr int kDabEnd = 2;             // end-of-transmission mode: EOI with the last byte
-constexpr int kStopEnd = 0x100;        // Receive termination: at EOI only
-constexpr std::int16_t kNoAddr = -1;   // address list terminator
-constexpr int kT30ms = 8, kT10s = 13;  // time-limit codes
+constexpr int kDabEnd = 2;                          // end-of-transmission mode: EOI with the last byte
+constexpr int kStopEnd = 0x100;                     // Receive termination: at EOI only
+constexpr std::int16_t kNoAddr = -1;                // address list terminator
+constexpr int kT30ms = 8, kT100ms = 9, kT10s = 13;  // time-limit codes; the next lower one is about a third
 }  // namespace gpib
 
 /// The calls of an NI-488.2 driver that the program uses; every call leaves its outcome in the registered cells.

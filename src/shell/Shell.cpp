@@ -30,12 +30,39 @@ bool Shell::ClaimInstruments(std::function<void()> makeSafe) {
   return true;
 }
 
+void Shell::ReleaseInstruments() {
+  makeSafe_ = nullptr;
+  busFailure_.clear();
+  failureShown_ = false;
+}
+
+void Shell::MakeSafe() {
+  if (!makeSafe_ || makingSafe_) return;
+  const FlagRaised scope(makingSafe_);
+  makeSafe_();
+}
+
 void Shell::TellFailure(const std::string& text, MessageIcon icon) {
-  if (makeSafe_ && !makingSafe_) {
-    const FlagRaised scope(makingSafe_);
-    makeSafe_();
-  }
+  MakeSafe();
   dialogs.Tell(text, icon);
+}
+
+void Shell::ReportBusFailure(const std::string& text, const std::string& status) {
+  MakeSafe();
+  if (!makeSafe_) return dialogs.Tell(text + status, MessageIcon::Exclamation);
+  if (failureShown_) return;
+  busFailure_ += busFailure_.empty() ? text + status : "\r\n" + text;
+}
+
+void Shell::ShowFailure(const std::string& text, MessageIcon icon) {
+  std::string shown = std::exchange(busFailure_, {});
+  if (!shown.empty()) {
+    failureShown_ = true;
+    if (icon == MessageIcon::None) icon = MessageIcon::Exclamation;
+    if (!text.empty()) shown += "\r\n";
+  }
+  shown += text;
+  if (!shown.empty()) dialogs.Tell(shown, icon);
 }
 
 void Shell::ReportError(const RuntimeError& error, std::string_view context, std::string_view path) {

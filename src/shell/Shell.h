@@ -34,15 +34,24 @@ class Shell {
   BDelay delay;
 
   /// Gives a run the instruments until it releases them. While it has them, the station is made safe before the
-  /// operator is told of an instrument's failure: the box may stand for hours. What fails on the way to safety is told
-  /// first. @return false when another run has them
+  /// operator is told of an instrument's failure: the box may stand for hours.
+  /// @param makeSafe  tells nobody of what fails in it
+  /// @return false when another run has them
   bool ClaimInstruments(std::function<void()> makeSafe);
-  void ReleaseInstruments() { makeSafe_ = nullptr; }
+  void ReleaseInstruments();
   /// A run has the instruments.
   bool InstrumentsClaimed() const { return makeSafe_ != nullptr; }
 
   /// Tells of an instrument's failure.
   void TellFailure(const std::string& text, MessageIcon icon = MessageIcon::None);
+  /// A bus call failed. Outside a run this is shown at once. In a run the station is made safe at once, and the text
+  /// waits for ShowFailure; once one was shown, what else fails on the way to the end is not told.
+  /// @param status  the call's status words, as lines
+  void ReportBusFailure(const std::string& text, const std::string& status);
+  /// Shows how a run fails: what a bus call left to be told, if anything, and the run's own text, if any, in one box.
+  void ShowFailure(const std::string& text = {}, MessageIcon icon = MessageIcon::None);
+  /// The operator goes on after a failure was shown: the next one is told again.
+  void ForgetFailure() { failureShown_ = false; }
 
   /// The standard report of a trapped failure: critical icon, title "Error", "Error # " + number, CR, description, CR,
   /// context, CR and, where a file is involved, its path.
@@ -51,8 +60,12 @@ class Shell {
   void ReportError(const std::exception& error, std::string_view context, std::string_view path = {});
 
  private:
+  void MakeSafe();
+
   std::function<void()> makeSafe_;  ///< there while a run has the instruments
   bool makingSafe_ = false;
+  std::string busFailure_;  ///< of the run, not shown yet
+  bool failureShown_ = false;
 };
 
 }  // namespace hylden

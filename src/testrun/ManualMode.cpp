@@ -52,7 +52,9 @@ void ManualMode::Handle(const std::function<bool()>& change) {
   if (!active_ || busy_ || run_.shell.delay.HaltRequested()) return;
   const FlagRaised busy(busy_);
   try {
+    run_.shell.ForgetFailure();
     if (!change()) SwitchRfOff();
+    run_.shell.ShowFailure();
     run_.controls.ManualRf(run_.instruments.sigGen.RfIsOn());
   } catch (const std::exception& error) {
     Trap(error);

@@ -83,6 +83,7 @@ void RunEngine::Sweep() {
   }
   currentStep_ = count;
   outcome_ = RunOutcome::Finished;
+  run_.preparation.SwitchRfOff();  // the log may stand on a share that stalls
   run_.display.Remaining(0);
   run_.shell.log.LogFile("Frequency sweep finished");
 }
@@ -138,6 +139,7 @@ void RunEngine::CloseManual() {
 }
 
 void RunEngine::EndRun() {
+  guard_.Attempt([&] { run_.preparation.SwitchRfOff(); });
   guard_.Attempt([&] { run_.shell.log.LogFile("Instruments taken offline"); });
   guard_.Attempt([&] { run_.preparation.ShutdownInstruments(); });
   guard_.Attempt([&] { CloseManual(); });

@@ -33,6 +33,8 @@ class RunPreparation {
   /// Brings the instruments up in a fixed order: generator 60 dB below 1 mW with the test's modulation and RF off,
   /// power meter, meter, amplifier. @return false after the message of the first failure
   bool InitInstruments();
+  /// RF off, before anything that may stall on the way to ShutdownInstruments.
+  void SwitchRfOff() { up_.SwitchRfOff(); }
   /// Takes down what was brought up, RF first. Each instrument is taken down even when the one before fails; an
   /// exception from one of them is thrown on after the last.
   void ShutdownInstruments();

@@ -194,7 +194,7 @@ void StepRunner::SwitchRfOff() {
 
 bool StepRunner::Fail(const std::string& text) {
   SwitchRfOff();  // a message box may stand for hours
-  run_.shell.dialogs.Tell(text);
+  run_.shell.ShowFailure(text);
   return false;
 }
 

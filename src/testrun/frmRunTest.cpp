@@ -246,7 +246,7 @@ void frmRunTest::changeEvent(QEvent* event) {
 }
 
 void frmRunTest::ShowRf() {
-  ui_->lblRf->ShowRf(instruments_.sigGen.RfIsOn());
+  ui_->lblRf->ShowRf(instruments_.sigGen.RfIsOn(), instruments_.sigGen.RfState() != Rf::Unknown);
 }
 
 void frmRunTest::Dwell(double seconds) {

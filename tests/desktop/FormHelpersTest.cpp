@@ -65,6 +65,17 @@ TEST(RfLamp, IsRedOfTheThemeThatComesWhileRfIsOn) {
   }
 }
 
+TEST(RfLamp, IsRedAndAsksWhileRfIsNotKnownToBeOff) {
+  RfLamp lamp;
+  lamp.ShowRf(true, false);
+  EXPECT_EQ(lamp.text(), "RF ON?");
+  EXPECT_FALSE(lamp.toolTip().isEmpty());
+  EXPECT_EQ(lamp.palette().color(QPalette::Window), HighlightRed(QApplication::palette()));
+  lamp.ShowRf(false);
+  EXPECT_EQ(lamp.text(), "RF off");
+  EXPECT_TRUE(lamp.toolTip().isEmpty());
+}
+
 class FormHelpersTest : public testing::Test {
  protected:
   ScriptedBus bus;

@@ -212,6 +212,60 @@ TEST_P(FaultSweep, EverySingleBusFailureEndsInOrder) {
   EXPECT_LT(silent, undisturbed.calls);
 }
 
+/// An instrument that dies for good: the run ends with one box about it, and one more where RF may have stayed on.
+void ExpectShortEnd(BenchStation& station, int dead) {
+  constexpr int kGenerator = 18;
+  constexpr double kTwoTimeOuts = 20;
+  const std::string kRfMayBeOn = "RF could not be switched off: switch the amplifier off by hand.";
+  std::size_t failures = 0, warnings = 0;
+  for (const std::string& text : MessagesShownOnce(station)) ++(text == kRfMayBeOn ? warnings : failures);
+  EXPECT_LE(failures, 1U) << testing::PrintToString(station.machine.dialogs.Texts());
+  EXPECT_LE(station.driver.FrozenSeconds(), kTwoTimeOuts);
+  const bool warned = warnings == 1;
+  EXPECT_TRUE(warned || !station.bench.State().Generator.RfOn) << "RF stayed on without a word";
+  EXPECT_TRUE(!warned || dead == kGenerator);
+  EXPECT_EQ(station.instruments.sigGen.RfIsOn(), warned);
+}
+
+TEST_P(FaultSweep, AnInstrumentThatDiesForGoodEndsTheRunSoonAndIsToldOnce) {
+  const Undisturbed undisturbed = RunUndisturbed();
+  for (const int dead : {18, 13, 14}) {
+    for (int call = 1; call <= undisturbed.calls && !HasFailure(); ++call) {
+      SCOPED_TRACE("address " + std::to_string(dead) + " from bus call " + std::to_string(call));
+      const auto station = Arranged();
+      station->driver.Kill(dead, call);
+      GetParam().run(*station);
+      ExpectShortEnd(*station, dead);
+      ExpectPointsKept(*station, undisturbed);
+    }
+  }
+}
+
+TEST(DeadAmplifier, TheOtherUnitIsResetWheneverOneOfThePairDies) {
+  const auto arranged = [] {
+    auto station = std::make_unique<BenchStation>("ifi-station.eqp");
+    station->Load("ifi-band-change.tst");
+    return station;
+  };
+  const auto undisturbed = arranged();
+  const int before = undisturbed->driver.Calls();
+  undisturbed->Run();
+  const int calls = undisturbed->driver.Calls() - before;
+  for (const int dead : {10, 9, 18}) {
+    for (int call = 1; call <= calls && !testing::Test::HasFailure(); ++call) {
+      SCOPED_TRACE("address " + std::to_string(dead) + " from bus call " + std::to_string(call));
+      const auto station = arranged();
+      station->driver.Kill(dead, call);
+      station->Run();
+      ExpectShortEnd(*station, dead);
+      const auto& low = station->driver.SentTo(10);
+      const auto& high = station->driver.SentTo(9);
+      EXPECT_TRUE(low.empty() || low.back() == "8\r\n");
+      EXPECT_TRUE(high.empty() || dead == 9 || high.back() == "ZA\r\n");
+    }
+  }
+}
+
 TEST_P(FaultSweep, EverySilentAnswerEndsTheRunInOrder) {
   const Undisturbed undisturbed = RunUndisturbed();
   ASSERT_GE(undisturbed.reads, 3);

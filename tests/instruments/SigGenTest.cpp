@@ -126,7 +126,7 @@ TEST_F(SigGenTest, AGeneratorWithoutRfOffIsAtItsMinimumWheneverRfHasToBeOff) {
   Redefine(sigGen, [](auto& d) { d.RfOff = ""; });
   EXPECT_TRUE(sigGen.InitSigGen(100, -10));
   EXPECT_EQ(Took(),
-            (Strings{"FIND 18", "REMOTE 18", "> 18 *RST", "> 18 MOD OFF", "> 18 FREQ 0.1 MHZ", "> 18 POW -120.0 DBM"}));
+            (Strings{"FIND 18", "REMOTE 18", "> 18 *RST", "> 18 MOD OFF", "> 18 POW -120.0 DBM", "> 18 FREQ 0.1 MHZ"}));
   t.dialogs.onShow = [this](const Message&) { EXPECT_EQ(bus.Lines().back(), "> 18 POW -120.0 DBM"); };
   for (const auto& [freqMHz, levelDbm] : {std::pair{2000.0, 0.0F}, std::pair{100.0, 99.0F}}) {
     sigGen.SetFreqLevel(200, -10);
@@ -141,7 +141,7 @@ TEST_F(SigGenTest, AGeneratorWithoutRfOffIsAtItsMinimumWheneverRfHasToBeOff) {
   sigGen.RfOff();  // as the operator's command it sends nothing, and the level stays
   Took();
   EXPECT_TRUE(sigGen.ShutdownSigGen());
-  EXPECT_EQ(Took(), (Strings{"> 18 POW -120.0 DBM", "LOCAL 18"}));
+  EXPECT_EQ(Took(), (Strings{"> 18 POW -120.0 DBM", "> 18 FREQ 0.1 MHZ", "LOCAL 18"}));
   EXPECT_TRUE(sigGen.SilenceRf());
   EXPECT_TRUE(Took().empty());
 }
@@ -151,14 +151,59 @@ TEST_F(SigGenTest, AGeneratorThatCanNotBeLoweredIsReportedAndTriedAgain) {
   sigGen.SetFreqLevel(200, -10);
   sigGen.RfOn();
   bus.FailLine("> 18 POW -120.0", gpib::kEnol);
-  EXPECT_FALSE(sigGen.SilenceRf());
+  EXPECT_FALSE(sigGen.SilenceOrReport());
   EXPECT_TRUE(ToldOnce("Error in writing command to Signal Generator. \r\n"));
+  EXPECT_EQ(sigGen.RfState(), Rf::Unknown);
   Took();
   EXPECT_TRUE(sigGen.SilenceRf());
-  EXPECT_EQ(Took().back(), "> 18 POW -120.0 DBM");
+  EXPECT_EQ(Took().front(), "> 18 POW -120.0 DBM");
   sigGen.PutDefinition({});
   EXPECT_TRUE(sigGen.SilenceRf());  // without commands there is nothing to lower
   EXPECT_TRUE(Took().empty());
+}
+
+TEST_F(SigGenTest, RfCountsAsOnUntilACommandToEndItGotThrough) {
+  sigGen.SetFreqLevel(200, -10);
+  bus.FailLine("> 18 OUTP ON", gpib::kEnol);
+  EXPECT_FALSE(sigGen.RfOn());
+  EXPECT_EQ(sigGen.RfState(), Rf::Unknown);
+  EXPECT_TRUE(sigGen.SilenceRf());
+  EXPECT_EQ(sigGen.RfState(), Rf::Off);
+  EXPECT_TRUE(sigGen.RfOn());
+  EXPECT_EQ(sigGen.RfState(), Rf::On);
+  t.dialogs.Clear();
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    bus.FailLine("> 18 OUTP OFF", gpib::kEnol);
+    EXPECT_FALSE(sigGen.SilenceRf());
+    EXPECT_EQ(sigGen.RfState(), Rf::Unknown);
+    EXPECT_TRUE(sigGen.RfIsOn());
+  }
+  EXPECT_TRUE(t.dialogs.messages.empty()) << "it is tried again without a word";
+  EXPECT_TRUE(sigGen.SilenceRf());
+  bus.FailLine("> 18 OUTP OFF", gpib::kEnol);
+  EXPECT_FALSE(sigGen.SilenceRf());
+  EXPECT_EQ(sigGen.RfState(), Rf::Off) << "what was off does not go on by itself";
+}
+
+TEST_F(SigGenTest, SilencingLeavesTheStatusWordsOfTheCallBefore) {
+  bus.FailLine("> 13 X", gpib::kEabo);
+  EXPECT_FALSE(gpib.Send(13, "X"));
+  const auto status = gpib.IbstaText() + gpib.IberrText() + gpib.IbcntText();
+  EXPECT_TRUE(sigGen.SilenceRf());
+  EXPECT_EQ(gpib.IbstaText() + gpib.IberrText() + gpib.IbcntText(), status);
+}
+
+TEST_F(SigGenTest, IsLeftAtItsMinimumWhateverItsStateAtShutdown) {
+  sigGen.SetFreqLevel(200, -10);
+  sigGen.RfOn();
+  sigGen.RfOff();
+  Took();
+  EXPECT_TRUE(sigGen.ShutdownSigGen());
+  EXPECT_EQ(Took(), (Strings{"> 18 POW -120.0 DBM", "> 18 FREQ 0.1 MHZ", "> 18 OUTP OFF", "LOCAL 18"}));
+  sigGen.InitSigGen(0, -60);  // the level is not known any more
+  Took();
+  EXPECT_TRUE(sigGen.ShutdownSigGen());
+  EXPECT_EQ(Took(), (Strings{"> 18 POW -120.0 DBM", "> 18 FREQ 0.1 MHZ", "> 18 OUTP OFF", "LOCAL 18"}));
 }
 
 TEST_F(SigGenTest, SendsABareTerminatorForAnEmptyRfOn) {

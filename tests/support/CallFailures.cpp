@@ -2,11 +2,14 @@
 
 #include <algorithm>
 
+#include "platform/GpibDriver.h"
+
 namespace hylden {
 
 std::optional<int> CallFailures::FailureOf(const std::string& line) {
   ++calls_;
   if (always_) return always_;
+  if (IsToDeadDevice(line)) return gpib::kEabo;
   if (const auto failure = atCall_.find(calls_); failure != atCall_.end()) return failure->second;
   const auto match = std::find_if(atLine_.begin(), atLine_.end(),
                                   [&](const auto& failure) { return line.starts_with(failure.first); });
@@ -14,6 +17,12 @@ std::optional<int> CallFailures::FailureOf(const std::string& line) {
   const int error = match->second;
   atLine_.erase(match);
   return error;
+}
+
+bool CallFailures::IsToDeadDevice(const std::string& line) const {
+  if (!line.starts_with("> ") && !line.starts_with("< ")) return false;
+  const auto device = dead_.find(std::atoi(line.c_str() + 2));
+  return device != dead_.end() && calls_ >= device->second;
 }
 
 }  // namespace hylden

@@ -15,6 +15,8 @@ class CallFailures {
   void FailCall(int n, int error) { atCall_[calls_ + n] = error; }
   /// Fails the next call whose transcript line begins with this text ("> 18 RF", "FIND 13", "< 13").
   void FailLine(const std::string& beginning, int error) { atLine_.emplace_back(beginning, error); }
+  /// From the n-th call on a device is dead: whatever is sent to it or asked of it times out.
+  void Kill(int address, int n = 1) { dead_[address] = calls_ + n; }
   /// Fails every call from now on, as when the cable is pulled; nothing mends it.
   void FailAlways(int error) { always_ = error; }
 
@@ -23,11 +25,13 @@ class CallFailures {
  protected:
   /// Counts a call; its error when it is to fail.
   std::optional<int> FailureOf(const std::string& line);
+  bool IsToDeadDevice(const std::string& line) const;
 
  private:
   int calls_ = 0;
   std::map<int, int> atCall_;
   std::vector<std::pair<std::string, int>> atLine_;
+  std::map<int, int> dead_;  ///< by address: the first call that fails
   std::optional<int> always_;
 };
 

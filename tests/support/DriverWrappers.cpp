@@ -4,6 +4,10 @@
 
 namespace hylden {
 
+namespace {
+const std::map<int, double> kSecondsOfLimit = {{8, 0.03}, {9, 0.1}, {10, 0.3}, {11, 1}, {12, 3}, {13, 10}};
+}  // namespace
+
 int DriverWrapper::RegisterGpibGlobalsForThread(GpibStatusCells& cells) {
   const int result = inner_.RegisterGpibGlobalsForThread(cells);
   if (result == 0) cells_ = &cells;
@@ -48,15 +52,24 @@ void FailingDriver::ibtmo(int board, int code) {
   DriverWrapper::ibtmo(board, code);
 }
 
+void FailingDriver::Send(int board, int address, std::string_view bytes, int eotMode) {
+  sent_[address].emplace_back(bytes);
+  DriverWrapper::Send(board, address, bytes, eotMode);
+}
+
+void FailingDriver::Fail(int error) {
+  const bool timedOut = error == gpib::kEabo;
+  if (timedOut) frozenSeconds_ += kSecondsOfLimit.at(timeLimit_);
+  SetFailure(cells_, error, timedOut ? gpib::kTimo : 0);
+}
+
 void FailingDriver::Around(const std::string& line, const std::function<void()>& call) {
-  if (const auto error = FailureOf(line)) return SetFailure(cells_, *error);
+  if (const auto error = FailureOf(line)) return Fail(*error);
   call();
 }
 
 void FailingDriver::AroundReceive(int address, std::span<char> buffer, const std::function<void()>& call) {
-  if (const auto error = FailureOf("< " + std::to_string(address))) {
-    return SetFailure(cells_, *error, *error == gpib::kEabo ? gpib::kTimo : 0);
-  }
+  if (const auto error = FailureOf("< " + std::to_string(address))) return Fail(*error);
   call();
   if (timeLimit_ == gpib::kT30ms) return;
   const auto garbled = garbled_.find(++reads_);

@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "support/BusTranscript.h"
 #include "support/CallFailures.h"
@@ -45,6 +46,12 @@ class FailingDriver : public DriverWrapper, public CallFailures {
   void SilenceReceive(int n) { garbled_[reads_ + n] = std::nullopt; }
 
   int Reads() const { return reads_; }
+  /// What a real bus would have waited in calls that timed out, each under the limit in force, s.
+  double FrozenSeconds() const { return frozenSeconds_; }
+  /// The commands that an address was sent, failed ones too.
+  const std::vector<std::string>& SentTo(int address) { return sent_[address]; }
+
+  void Send(int board, int address, std::string_view bytes, int eotMode) override;
 
   void ibtmo(int board, int code) override;
 
@@ -53,8 +60,12 @@ class FailingDriver : public DriverWrapper, public CallFailures {
   void AroundReceive(int address, std::span<char> buffer, const std::function<void()>& call) override;
 
  private:
+  void Fail(int error);
+
   int reads_ = 0;
   int timeLimit_ = gpib::kT10s;
+  double frozenSeconds_ = 0;
+  std::map<int, std::vector<std::string>> sent_;
   std::map<int, std::optional<std::string>> garbled_;
 };
 

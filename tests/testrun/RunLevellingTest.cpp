@@ -123,7 +123,7 @@ TEST_F(LevellingTest, ByGeneratorTheLevelRisesFromBelowAtEachFrequency) {
   EXPECT_EQ(rig.Sent(18), (Lines{"*RST", "MOD OFF", "OUTP OFF",                                                 //
                                  "FREQ 1.0 MHZ", "POW -22.0 DBM", "OUTP ON", "POW -16.0 DBM", "POW -10.0 DBM",  //
                                  "POW -20.0 DBM", "FREQ 2.0 MHZ", "OUTP ON", "POW -14.0 DBM", "POW -8.0 DBM",   //
-                                 "OUTP OFF", "OUTP OFF"}));
+                                 "OUTP OFF", "POW -120.0 DBM", "FREQ 0.1 MHZ", "OUTP OFF"}));
   EXPECT_EQ(rig.Rows(), (Lines{"1.0, -10.0 **, 120.0, , , ", "2.0, -8.0 **, 120.0, , , "}));
   EXPECT_TRUE(rig.display.highlights[RunDisplay::Quantity::SigGenLevel]);
   EXPECT_EQ(rig.engine.Steps()[1].SigGenLevel, -8);

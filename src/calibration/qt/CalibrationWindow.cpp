@@ -190,7 +190,7 @@ void CalibrationWindow::Status(const std::string& text) {
 }
 
 void CalibrationWindow::ShowRf() {
-  controls_.Rf->ShowRf(sigGen_.RfIsOn());
+  controls_.Rf->ShowRf(sigGen_.RfIsOn(), sigGen_.RfState() != Rf::Unknown);
 }
 
 void CalibrationWindow::Busy(bool busy) {

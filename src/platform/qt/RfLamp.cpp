@@ -13,9 +13,10 @@ RfLamp::RfLamp(QWidget* parent) : QLabel(parent) {
   Colour();
 }
 
-void RfLamp::ShowRf(bool on) {
-  if (on == on_) return;
+void RfLamp::ShowRf(bool on, bool known) {
+  if (on == on_ && known == known_) return;
   on_ = on;
+  known_ = known;
   Colour();
 }
 
@@ -27,7 +28,9 @@ void RfLamp::Colour() {
     colours.setColor(QPalette::WindowText, IsDark(theme) ? Qt::black : Qt::white);
   }
   if (colours != palette()) setPalette(colours);
-  setText(on_ ? QStringLiteral("RF ON") : QStringLiteral("RF off"));
+  const QString state = on_ ? QStringLiteral("RF ON") : QStringLiteral("RF off");
+  setText(known_ ? state : QStringLiteral("RF ON?"));
+  setToolTip(known_ ? QString() : QStringLiteral("The generator did not take a command: RF may be on"));
 }
 
 void RfLamp::changeEvent(QEvent* event) {
