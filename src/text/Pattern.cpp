@@ -90,7 +90,7 @@ std::string Fill(const Decimal& number, const DigitPattern& pattern) {
   while (behind.size() > static_cast<std::size_t>(pattern.leastDecimals) && behind.back() == '0') behind.pop_back();
 
   std::string text(pattern.before);
-  if (number.negative) text += '-';
+  if (number.negative && digits.find_first_not_of('0') != std::string::npos) text += '-';
   text += whole;
   if (pattern.hasPoint) text += '.';
   text += behind;

@@ -53,9 +53,10 @@ TEST(Format, ASingleCountsWithItsSevenDigits) {
   EXPECT_EQ(Format(0.1F, "#0.0#########"), "0.1");
 }
 
-TEST(Format, ANegativeValueKeepsItsMinus) {
-  EXPECT_EQ(Format(-0.04, "##0.0"), "-0.0");
-  EXPECT_EQ(Format(-1e-30, "##0.00"), "-0.00");
+TEST(Format, ZeroHasNoMinus) {
+  EXPECT_EQ(Format(-0.05, "##0.0"), "-0.1");
+  EXPECT_EQ(Format(-0.04, "##0.0"), "0.0");
+  EXPECT_EQ(Format(-1e-30, "##0.00"), "0.00");
   EXPECT_EQ(Format(-0.0, "##0.0"), "0.0");
 }
 
