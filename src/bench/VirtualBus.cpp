@@ -192,16 +192,16 @@ void VirtualBus::Receive(int board, int address, std::span<char> buffer, int ter
 /// Up to the end of the message, the terminating byte, or the end of the buffer; the rest waits for the next read.
 void VirtualBus::Deliver(Device& device, std::span<char> buffer, int termination) {
   std::string& text = device.Answers.front().Text;
-  std::size_t count = text.size();
+  std::size_t end = text.size();
   if (termination != gpib::kStopEnd) {
-    const auto end = text.find(static_cast<char>(termination));
-    if (end != std::string::npos) count = end + 1;
+    const auto terminator = text.find(static_cast<char>(termination));
+    if (terminator != std::string::npos) end = terminator + 1;
   }
-  count = std::min(count, buffer.size());
+  const std::size_t count = std::min(end, buffer.size());
   std::copy_n(text.begin(), count, buffer.begin());
   text.erase(0, count);
   if (text.empty()) device.Answers.pop_front();
-  Succeed(count, gpib::kEnd);
+  Succeed(count, count == end ? gpib::kEnd : 0);
 }
 
 void VirtualBus::ibtmo(int board, int code) {

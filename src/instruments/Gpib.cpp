@@ -99,6 +99,8 @@ bool Gpib::GpibIfc() {
   RegisterOnce();
   shell_.gpib.SendIFC(kBoard);
   Refresh();
+  // Without a time limit the first read could wait for ever.
+  if (!Failed()) SetTimeLimit(gpib::kT10s);
   interfaceCleared_ = !Failed();
   if (!interfaceCleared_) Report("Error sending IFC.");
   return interfaceCleared_;
@@ -167,16 +169,40 @@ bool Gpib::Receive(int address, std::string& answer, int termination, std::size_
   if (Failed()) return false;
   const auto received = std::min(static_cast<std::size_t>(std::max<int>(ibcnt, 0)), size);
   answer = DecodeText({buffer.data(), received});
+  const bool ended = (ibsta & gpib::kEnd) != 0 || (received > 0 && buffer[received - 1] == termination);
+  if (received == size && !ended) DiscardRest(address, termination);
   return true;
+}
+
+/// What did not fit in the buffer would be read as the next answer. The status stays that of the answer.
+void Gpib::DiscardRest(int address, int termination) {
+  const GpibStatusCells answered = cells_;
+  SetTimeLimit(gpib::kT30ms);
+  ReadAway(address, termination);
+  SetTimeLimit(gpib::kT10s);
+  cells_ = answered;
+  Refresh();
 }
 
 void Gpib::Drain(int address) {
   RegisterOnce();
-  shell_.gpib.ibtmo(kBoard, gpib::kT30ms);
-  Refresh();
-  std::array<char, 64> stale{};
-  shell_.gpib.Receive(kBoard, address, stale, gpib::kStopEnd);
-  shell_.gpib.ibtmo(kBoard, gpib::kT10s);
+  SetTimeLimit(gpib::kT30ms);
+  ReadAway(address, gpib::kStopEnd);
+  SetTimeLimit(gpib::kT10s);
+}
+
+void Gpib::ReadAway(int address, int termination) {
+  constexpr int kMostPieces = 1000;  // an instrument that never stops is left to the next drain
+  std::array<char, 64> piece{};
+  for (int n = 0; n < kMostPieces; ++n) {
+    shell_.gpib.Receive(kBoard, address, piece, termination);
+    Refresh();
+    if (Failed() || (ibsta & gpib::kEnd) != 0 || ibcnt < static_cast<int>(piece.size())) return;
+  }
+}
+
+void Gpib::SetTimeLimit(int code) {
+  shell_.gpib.ibtmo(kBoard, code);
   Refresh();
 }
 

@@ -31,7 +31,7 @@ class Gpib {
  public:
   explicit Gpib(Shell& shell);
 
-  /// Clears the interface once per program run.
+  /// Clears the interface once per program run, and sets the board's time limit: a driver may come without one.
   bool GpibIfc();
   /// Finds the device, puts it in remote with lockout, sends the init command (terminator already appended, may be
   /// empty) and waits 2 s. Failures are reported with the name.
@@ -42,7 +42,8 @@ class Gpib {
   bool Send(int address, const std::string& command);
   /// Sends; a failure is reported with its first line.
   bool SendOrReport(int address, const std::string& command, const std::string& failure);
-  /// Receives at most `size` bytes; false when the status has ERR. Nothing is reported.
+  /// Receives at most `size` bytes and reads the rest of a longer answer away; false when the status has ERR. Nothing
+  /// is reported.
   bool Receive(int address, std::string& answer, int termination, std::size_t size = 64);
   /// Reads away whatever a device still has to say, with a 30 ms limit.
   void Drain(int address);
@@ -81,6 +82,9 @@ class Gpib {
   /// again, and the windows must not freeze for minutes.
   template <class Call>
   void Impatiently(int address, Call call);
+  void SetTimeLimit(int code);
+  void DiscardRest(int address, int termination);
+  void ReadAway(int address, int termination);
   bool Failed() const { return (ibsta & gpib::kErr) != 0; }
 
   Shell& shell_;

@@ -14,7 +14,14 @@ TEST(Gpib, ClearsTheInterfaceOnceAndTriesAgainAfterAFailure) {
                  "\r\nibcnt = 0x0"));
   EXPECT_TRUE(s.gpib.GpibIfc());
   EXPECT_TRUE(s.gpib.GpibIfc());
-  EXPECT_EQ(s.Took(), (Strings{"IFC !4", "IFC"}));
+  EXPECT_EQ(s.Took(), (Strings{"IFC !4", "IFC", "TMO 13"}));
+}
+
+TEST(Gpib, NoBusWithoutATimeLimitCountsAsCleared) {
+  TestStation s;
+  s.bus.FailLine("TMO 13", gpib::kEdvr);
+  EXPECT_FALSE(s.gpib.GpibIfc());
+  EXPECT_TRUE(s.ToldOnce("Error sending IFC.\r\n"));
 }
 
 TEST(Gpib, OpensWithoutAnInitCommandAndWaitsTwoSecondsDespiteAHalt) {
@@ -50,6 +57,51 @@ TEST(Gpib, CutsAnAnswerAtItsBytesBeforeDecodingIt) {
   s.bus.Answer(13, std::string(63, '1') + "\xB5" + std::string(36, '2'));
   EXPECT_TRUE(s.gpib.Receive(13, answer, gpib::kStopEnd));
   EXPECT_EQ(answer, std::string(63, '1') + "\xC2\xB5");
+}
+
+struct LongAnswerCase {
+  std::size_t length;
+  int termination;
+  std::size_t pieces;  // reads in which its rest is thrown away
+};
+
+TEST(Gpib, TheRestOfALongAnswerIsNotTheNextOne) {
+  for (const LongAnswerCase& c : {LongAnswerCase{63, '\n', 0},
+                                  {64, '\n', 1},
+                                  {64, gpib::kStopEnd, 1},
+                                  {200, '\n', 3},
+                                  {200, gpib::kStopEnd, 3},
+                                  {63, gpib::kStopEnd, 0}}) {
+    SCOPED_TRACE(testing::Message() << c.length << " until " << c.termination);
+    TestStation s;
+    s.bus.Answers(13, {std::string(c.length, '1') + "\n", "72.5\n"});
+    std::string answer;
+    EXPECT_TRUE(s.gpib.Receive(13, answer, c.termination));
+    EXPECT_EQ(answer, (std::string(c.length, '1') + "\n").substr(0, 64));
+    EXPECT_EQ(s.gpib.ibcnt, 64) << "the status is not that of the answer";
+    const Strings lines = s.Took();
+    EXPECT_EQ(lines.size(), c.pieces == 0 ? 1 : c.pieces + 3);
+    EXPECT_EQ(lines.size() > 1 ? lines.back() : "TMO 13", "TMO 13");
+    EXPECT_TRUE(s.gpib.Receive(13, answer, c.termination));
+    EXPECT_EQ(answer, "72.5\n");
+  }
+}
+
+TEST(Gpib, ADrainReadsAStaleAnswerToItsEnd) {
+  TestStation s;
+  s.bus.StaleAnswer(13, std::string(150, '1'));
+  s.bus.Answer(13, "72.5");
+  s.gpib.Drain(13);
+  std::string answer;
+  EXPECT_TRUE(s.gpib.Receive(13, answer, gpib::kStopEnd));
+  EXPECT_EQ(answer, "72.5");
+}
+
+TEST(Gpib, AnInstrumentThatNeverStopsTalkingHoldsNobodyUp) {
+  TestStation s;
+  s.bus.StaleAnswer(13, std::string(100'000, '1'));
+  s.gpib.Drain(13);
+  EXPECT_LT(s.bus.Calls(), 1100);
 }
 
 TEST(Gpib, SendsEightBitCharacters) {
