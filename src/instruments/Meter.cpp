@@ -16,6 +16,12 @@ constexpr const char* kName = "Meter";
 constexpr double kReferenceOffsetDb = 2.0, kScopeOffsetDb = -6.8;
 constexpr double kHalfPeriodMHz = 5e-7;  // half a period in seconds, times the frequency in MHz
 
+std::string_view LevelPattern(std::int32_t units, double setting) {
+  constexpr double kSmall = 1e-4;
+  const bool linear = Conversions::IsLinear(static_cast<Conversions::MeterUnits>(units));
+  return linear && setting < kSmall ? commandpattern::kSmallMeterLevel : commandpattern::kMeterLevel;
+}
+
 }  // namespace
 
 std::optional<double> NextReferenceLevel(double levelDbuv, double referenceDbuv, double maximumDbuv) {
@@ -62,7 +68,7 @@ bool Meter::MeterSetLevel(double levelDbuv) {
   const double commanded = levelDbuv + (IsScope() ? kScopeOffsetDb : kReferenceOffsetDb);
   const auto setting = answers_.Converted(Conversions::DbuvToMeterUnits, definition_.Units, commanded);
   if (!setting) return WriteFailed();
-  return SendCommand(SettingCommand(definition_.LevSetPrefix, *setting, commandpattern::kMeterLevel,
+  return SendCommand(SettingCommand(definition_.LevSetPrefix, *setting, LevelPattern(definition_.Units, *setting),
                                     definition_.LevSetSuffix, terminator_));
 }
 

@@ -25,18 +25,30 @@ TEST_F(MeterTest, OpensWithTheReferenceAtItsMaximum) {
 struct LevelCase {
   std::int32_t units, type;
   const char* sent;
+  double level = 100;
 };
 
 TEST_F(MeterTest, CommandsTheLevelInTheMetersUnits) {
-  const LevelCase cases[] = {{1, 0, "RL 102.0 DB"},    {1, 2, "RL 102.0 DB"},      {1, 1, "RL 93.2 DB"},
-                             {0, 0, "RL 0.125893 DB"}, {2, 0, "RL 125.892541 DB"}, {3, 0, "RL 42.0 DB"},
-                             {4, 0, "RL -4.9897 DB"}};
+  const LevelCase cases[] = {{1, 0, "RL 102.0 DB"},
+                             {1, 2, "RL 102.0 DB"},
+                             {1, 1, "RL 93.2 DB"},
+                             {0, 0, "RL 0.125893 DB"},
+                             {2, 0, "RL 125.892541 DB"},
+                             {3, 0, "RL 42.0 DB"},
+                             {4, 0, "RL -4.9897 DB"},
+                             // 1.479 uV; a range in volts that six decimals would round away
+                             {0, 1, "RL 0.000001479108 DB", 10.2},
+                             {0, 0, "RL 0.000000125893 DB", -20},
+                             {2, 0, "RL 0.004074 DB", 10.2},
+                             {2, 0, "RL 0.000012589254 DB", -40},
+                             {0, 0, "RL 0.000398 DB", 50},
+                             {4, 0, "RL 0.0 DB", 104.9897}};
   for (const LevelCase& c : cases) {
     SCOPED_TRACE(c.sent);
     TestStation s;
-    Redefine(s.meter, [&](auto& d) { d.Units = c.units, d.Type = c.type; });
-    EXPECT_TRUE(s.meter.MeterSetLevel(100));
-    EXPECT_TRUE(s.meter.MeterSetLevel(100));  // unchanged: not sent again
+    Redefine(s.meter, [&](auto& d) { d.Units = c.units, d.Type = c.type, d.MinimumLevel = -60; });
+    EXPECT_TRUE(s.meter.MeterSetLevel(c.level));
+    EXPECT_TRUE(s.meter.MeterSetLevel(c.level));  // unchanged: not sent again
     EXPECT_EQ(s.bus.transcript.SentTo(13), (Strings{c.sent}));
   }
 }
