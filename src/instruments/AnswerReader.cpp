@@ -8,6 +8,19 @@
 
 namespace hylden {
 
+namespace {
+
+/// Whether a number that reads as this value stands at the start of the text.
+bool StartsWithNumber(std::string_view text, double value) {
+  if (value != 0) return true;
+  auto at = text.find_first_not_of(" \t\r\n");
+  for (const std::string_view skipped : {"+-", "."})
+    if (at < text.size() && skipped.find(text[at]) != std::string_view::npos) ++at;
+  return at < text.size() && text[at] >= '0' && text[at] <= '9';
+}
+
+}  // namespace
+
 bool AnswerReader::Trigger(int address, const std::string& command, double settlingSeconds) {
   pending_ = true;
   // The drain costs up to 30 ms, but a late answer would be read as the next one.
@@ -24,14 +37,18 @@ void AnswerReader::AwaitPending() {
 
 std::optional<double> AnswerReader::Read(int address, const std::string& readCommand, const std::string& parseCommand) {
   pending_ = false;
+  last_ = {};
   if (!readCommand.empty() && !gpib_.Send(address, readCommand + terminator_.Text)) return std::nullopt;
   std::string answer;
   if (!gpib_.Receive(address, answer, terminator_.ReadTermination)) return std::nullopt;
-  lastAnswer_ = answer;
+  last_.Answer = answer;
   const std::string valueText = parseCommand.empty() ? answer : parser_.ParseAnswer(answer, parseCommand);
   if (valueText.empty()) return std::nullopt;
   const double value = LeadingNumber(valueText);
-  return std::isfinite(value) ? std::optional(value) : std::nullopt;
+  if (!std::isfinite(value)) return std::nullopt;
+  last_.Value = value;
+  last_.HasNumber = StartsWithNumber(valueText, value);
+  return value;
 }
 
 std::optional<double> AnswerReader::Converted(UnitConversion convert, std::int32_t units, double value) {

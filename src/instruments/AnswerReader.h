@@ -11,6 +11,14 @@ namespace hylden {
 class ResponseParser;
 class Shell;
 
+/// What a read came to, for those who judge whether it is a reading.
+struct LastReading {
+  std::string Answer;      ///< the raw answer
+  double Value = 0;        ///< the number in it, in the instrument's units
+  bool HasNumber = false;  ///< without a number the value is 0, which nobody has measured
+  bool Failed = false;     ///< there is none; the driver has told why
+};
+
 /// How meter and power meter get a number out of an instrument: trigger, settle, ask, receive, parse. A pending trigger
 /// lets the caller trigger early and read later, waiting only for what is left of the settling time.
 /// Nothing is reported here but scripting errors and bad units.
@@ -32,8 +40,9 @@ class AnswerReader {
   /// unless it is empty. The leading number of the outcome; nothing when the bus failed, or when the outcome is empty
   /// or no finite number.
   std::optional<double> Read(int address, const std::string& readCommand, const std::string& parseCommand);
-  /// The raw answer of the last read.
-  const std::string& LastAnswer() const { return lastAnswer_; }
+  const LastReading& Last() const { return last_; }
+  /// The read has come to nothing, and that is told.
+  void MarkFailed() { last_.Failed = true; }
 
   using UnitConversion = std::optional<double> (*)(std::int32_t units, double value);
   /// The converted value; nothing when it has no finite result, or for a bad units code, which is told.
@@ -46,7 +55,7 @@ class AnswerReader {
   const Terminator& terminator_;
   bool pending_ = false;
   std::int64_t deadlineMs_ = 0;
-  std::string lastAnswer_;
+  LastReading last_;
 };
 
 }  // namespace hylden

@@ -24,10 +24,12 @@ std::string_view LevelPattern(std::int32_t units, double setting) {
 
 }  // namespace
 
-std::optional<double> NextReferenceLevel(double levelDbuv, double referenceDbuv, double maximumDbuv) {
+std::optional<double> NextReferenceLevel(double levelDbuv, double referenceDbuv, double minimumDbuv,
+                                         double maximumDbuv) {
   if (levelDbuv >= referenceDbuv) return std::min(levelDbuv + 10, maximumDbuv);
-  if (levelDbuv < referenceDbuv - 6) return std::max(levelDbuv + 3, referenceDbuv - 10);
-  return std::nullopt;
+  if (levelDbuv >= referenceDbuv - 6) return std::nullopt;
+  const double lower = std::max({levelDbuv + 3, referenceDbuv - 10, minimumDbuv});
+  return lower < referenceDbuv ? std::optional(lower) : std::nullopt;
 }
 
 bool Meter::InitMeter() {
@@ -83,13 +85,14 @@ double Meter::MeterRead(ReadMode mode, double settlingSeconds) {
   const double settle = settlingSeconds == kDefinedSettling ? double{SettlingTime()} : settlingSeconds;
   if (!AwaitCapture(settle)) return ReadFailed();
   if (shell_.delay.HaltRequested()) return kNoReading;
-  for (;;) {
+  for (int turn = 0;; ++turn) {
     const auto level = ReadLevel();
     if (!level) return ReadFailed();
     if (*level > MaximumLevel()) return kOverRange;
-    if (mode == ReadMode::Single || !HasLevelCommand()) return *level;
-    const auto reference = NextReferenceLevel(*level, currentReference_, MaximumLevel());
+    if (mode == ReadMode::Single || !HasLevelCommand() || !Last().HasNumber) return *level;
+    const auto reference = NextReferenceLevel(*level, currentReference_, MinimumLevel(), MaximumLevel());
     if (!reference) return *level;
+    if (turn == kMostRangings) return RangingFailed(*level);
     if (!MeterSetLevel(*reference) || !MeterTrigger()) return ReadFailed();
     shell_.delay.Delay(settle, true);
     if (shell_.delay.HaltRequested()) return *level;
@@ -112,9 +115,8 @@ std::optional<double> Meter::ReadLevel() {
 }
 
 bool Meter::MeterShutdown() {
-  const bool offline =
-      definition_.Shutdown.empty() ? InitMeter() : gpib_.Send(Address(), definition_.Shutdown + terminator_.Text);
-  return offline ? gpib_.GpibClose(Address(), kName) : WriteFailed();
+  if (definition_.Shutdown.empty()) return InitMeter() && gpib_.GpibClose(Address(), kName);
+  return SendCommand(definition_.Shutdown + terminator_.Text) && gpib_.GpibClose(Address(), kName);
 }
 
 bool Meter::SendCommand(const std::string& command) {
@@ -127,7 +129,15 @@ bool Meter::WriteFailed() {
 }
 
 double Meter::ReadFailed() {
+  answers_.MarkFailed();
   gpib_.Report("Error in reading meter. ");
+  return kNoReading;
+}
+
+double Meter::RangingFailed(double levelDbuv) {
+  answers_.MarkFailed();
+  shell_.TellFailure("The meter finds no range for its reading of " + Format(levelDbuv, "##0.0#") +
+                     " dBuV,\r\ncheck its definition and the level at its input");
   return kNoReading;
 }
 

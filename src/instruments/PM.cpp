@@ -85,9 +85,10 @@ int PM::ChannelFor(int channel) const {
 }
 
 bool PM::PwrMtrShutdown() {
-  const bool offline =
-      definition_.Shutdown.empty() ? InitPwrMtr() : gpib_.Send(Address(), definition_.Shutdown + terminator_.Text);
-  return offline ? gpib_.GpibClose(Address(), kName) : WriteFailed();
+  const bool offline = definition_.Shutdown.empty()
+                           ? InitPwrMtr()
+                           : gpib_.Send(Address(), definition_.Shutdown + terminator_.Text) || WriteFailed();
+  return offline && gpib_.GpibClose(Address(), kName);
 }
 
 bool PM::WriteFailed() {
@@ -96,6 +97,7 @@ bool PM::WriteFailed() {
 }
 
 double PM::ReadFailed() {
+  answers_.MarkFailed();
   gpib_.Report("Error in reading power meter. ");
   shell_.dialogs.DefaultPointer();
   return kNoReading;

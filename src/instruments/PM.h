@@ -27,13 +27,14 @@ class PM : public DefinedInstrument<PowerMeterDefinition> {
   bool PwrMtrSetFreq(double frequencyMHz);
   bool PwrMtrSelect(int channel);
   bool PwrMtrTrigger(int channel);
-  /// The power; 999 after a failure.
+  /// The power; 999 after a failure. An answer without a number reads as 0.
   double ReadPower(int channel);
   bool PwrMtrShutdown();
 
   double Bandswitch() const { return definition_.Bandswitch; }
   void SetBandswitch(double frequencyMHz) { definition_.Bandswitch = frequencyMHz; }
-  const std::string& LastAnswer() const { return answers_.LastAnswer(); }
+  const std::string& LastAnswer() const { return Last().Answer; }
+  const LastReading& Last() const { return answers_.Last(); }
 
  private:
   /// The channel that the argument stands for at the present frequency.

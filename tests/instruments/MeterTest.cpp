@@ -198,10 +198,16 @@ TEST_F(MeterTest, RangesUntilTheLevelSitsUnderTheReference) {
       {"at the reference", {"90", "95"}, 95, {"RL 102.0 DB"}},
       {"down in steps", {"60", "60", "60", "60"}, 60, {"RL 82.0 DB", "RL 72.0 DB", "RL 65.0 DB"}},
       {"above the maximum", {"120.1"}, 1000, {}},
+      {"down to the minimum, whatever it reads there",
+       {"5", "5", "5", "5", "5"},
+       5,
+       {"RL 82.0 DB", "RL 72.0 DB", "RL 62.0 DB", "RL 52.0 DB"}},
+      {"an answer without a number steers no range", {"ERR"}, 0, {}},
   };
   for (const RangeCase& c : cases) {
     SCOPED_TRACE(c.name);
     TestStation s;
+    Redefine(s.meter, [](auto& d) { d.MinimumLevel = 50; });
     s.meter.MeterSetLevel(90);
     s.bus.transcript.Clear();
     s.bus.Answers(13, c.answers);
@@ -233,6 +239,27 @@ TEST_F(MeterTest, AReadingAtTheMaximumRepeatsUntilAHalt) {
   EXPECT_EQ(bus.transcript.SentTo(13).size(), 20U);  // the level, nine readings, a trigger
 }
 
+struct EndlessCase {
+  const char* name;
+  std::vector<std::string> answers;  // again and again
+  const char* told;
+};
+
+TEST_F(MeterTest, RangingEndsWithOneMessageWhereThereIsNoRange) {
+  const EndlessCase cases[] = {{"at the maximum", {"120"}, "120.0"}, {"depends on the range", {"95", "70"}, "95.0"}};
+  for (const EndlessCase& c : cases) {
+    SCOPED_TRACE(c.name);
+    TestStation s;
+    s.meter.MeterSetLevel(90);
+    std::size_t reads = 0;
+    s.bus.fallback = [&](int, const std::string&) { return c.answers[reads++ % c.answers.size()]; };
+    EXPECT_EQ(s.meter.MeterRead(ReadMode::AutoRange), 999);
+    EXPECT_EQ(reads, std::size_t{Meter::kMostRangings + 1});
+    EXPECT_TRUE(s.ToldOnce(std::string("The meter finds no range for its reading of ") + c.told + " dBuV"));
+    EXPECT_TRUE(s.meter.Last().Failed);
+  }
+}
+
 TEST_F(MeterTest, ReadsOnceWithoutALevelCommand) {
   Redefine(meter, [](auto& d) { d.LevSetPrefix = d.LevSetSuffix = ""; });
   bus.Answer(13, "30");
@@ -249,6 +276,10 @@ TEST_F(MeterTest, ShutsDownByItsCommandOrByStartingAnew) {
   Took();
   EXPECT_TRUE(meter.MeterShutdown());
   EXPECT_EQ(Took(), (Strings{"FIND 13", "REMOTE 13", "> 13 IP", "> 13 RL 120.0 DB", "LOCAL 13"}));
+  t.dialogs.Clear();
+  bus.FailLine("> 13 RL", gpib::kEnol);
+  EXPECT_FALSE(meter.MeterShutdown());
+  EXPECT_TRUE(ToldOnce("Error in writing command to meter. \r\n"));
 }
 
 }  // namespace

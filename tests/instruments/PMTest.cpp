@@ -120,6 +120,11 @@ TEST_F(PMTest, OpensAndShutsDown) {
   bus.FailLine("> 7 BYE", gpib::kEnol);
   EXPECT_FALSE(pm.PwrMtrShutdown());
   EXPECT_TRUE(ToldOnce("Error in writing command to power meter. \r\n"));
+  Redefine(pm, [](auto& d) { d.Shutdown = ""; });
+  t.dialogs.Clear();
+  bus.FailLine("REMOTE 7", gpib::kEnol);
+  EXPECT_FALSE(pm.PwrMtrShutdown());
+  EXPECT_TRUE(ToldOnce("Error in setting PwrMtr to remote mode. \r\n"));
 }
 
 }  // namespace
