@@ -4,6 +4,7 @@
 #include <limits>
 #include <optional>
 
+#include "instruments/ShownAnswer.h"
 #include "instruments/SigGen.h"
 #include "shell/Shell.h"
 #include "text/Numbers.h"
@@ -20,19 +21,18 @@ struct PowerTexts {
   std::string first, second;
 };
 
-/// "0100 0200": the first figure in columns 6 to 9, the second in columns 1 to 4.
-std::optional<PowerTexts> SplitColumns(const std::string& answer) {
-  if (answer.size() < 6) return std::nullopt;
-  return PowerTexts{answer.substr(5, 4), answer.substr(0, 4)};
+/// "0100 0200": the first figure in columns 6 to 9, the second in columns 1 to 4. A short answer lacks figures.
+PowerTexts SplitColumns(const std::string& answer) {
+  return {answer.size() < 6 ? "" : answer.substr(5, 4), answer.substr(0, 4)};
 }
 
-/// "50.00 10.01": the first figure before the blank, the second after it.
-std::optional<PowerTexts> SplitAtBlank(const std::string& answer) {
+/// "50.00 10.01": the first figure before the blank, the second after it. A short answer lacks figures.
+PowerTexts SplitAtBlank(const std::string& answer) {
   const auto blank = answer.find(' ');
-  if (blank == std::string::npos) return std::nullopt;
-  return PowerTexts{answer.substr(0, blank), answer.substr(blank + 1)};
+  return {answer.substr(0, blank), blank == std::string::npos ? "" : answer.substr(blank + 1)};
 }
 
+/// A figure that is not there is 0; nothing for one that a float can't hold.
 std::optional<float> Figure(const std::string& text) {
   const double value = LeadingNumber(text);
   if (!(std::abs(value) <= double{std::numeric_limits<float>::max()})) return std::nullopt;
@@ -115,10 +115,12 @@ bool IfiAmp::IfiReadPower(float& first, float& second) {
   if (!SendAll({{unit, "RP"}})) return false;
   std::string answer;
   if (!gpib_.Receive(unit, answer, gpib::kStopEnd, kPowerAnswerSize)) return ReportFailure();
-  const auto texts = low ? SplitColumns(answer) : SplitAtBlank(answer);
-  if (!texts) return ReportFailure();
-  const auto firstFigure = Figure(texts->first), secondFigure = Figure(texts->second);
-  if (!firstFigure || !secondFigure) return ReportFailure();
+  const PowerTexts texts = low ? SplitColumns(answer) : SplitAtBlank(answer);
+  const auto firstFigure = Figure(texts.first), secondFigure = Figure(texts.second);
+  if (!firstFigure || !secondFigure) {
+    shell_.TellFailure("The amplifier's answer is no power:\r\n" + ShownAnswer(answer));
+    return false;
+  }
   first = *firstFigure;
   second = *secondFigure;
   return true;

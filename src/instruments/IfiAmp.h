@@ -25,7 +25,8 @@ class IfiAmp {
   bool IfiReset();
   /// Selects the band of a frequency, with the generator's RF off first and left off; 0 is a reset.
   bool IfiSetBand(double frequencyMHz);
-  /// The selected unit's two power figures; -1 for both with a generic amplifier. A failure leaves them as they were.
+  /// The selected unit's two power figures, 0 where its answer is too short to hold them; -1 for both with a generic
+  /// amplifier. A failure leaves them as they were.
   bool IfiReadPower(float& first, float& second);
 
  private:

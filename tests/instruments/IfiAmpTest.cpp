@@ -118,16 +118,35 @@ TEST_F(IfiAmpTest, ReadsThePowerOfTheSelectedUnit) {
   EXPECT_EQ(second, 10.01F);
 }
 
-TEST_F(IfiAmpTest, AnAnswerWithoutTwoFiguresIsAFailure) {
-  Start(300);
-  for (const char* answer : {"", "50.00", "9E99 1"}) {
-    SCOPED_TRACE(answer);
-    t.dialogs.Clear();
-    bus.fallback = [&](int, const std::string&) { return answer; };
-    EXPECT_FALSE(ifiAmp.IfiReadPower(first, second));
-    EXPECT_TRUE(ToldOnce("Error sending command to amps\r\n"));
-    EXPECT_EQ(first, 7);
+struct ShortAnswerCase {
+  double frequencyMHz;
+  const char* answer;
+  float first, second;
+};
+
+TEST_F(IfiAmpTest, AFigureThatAShortAnswerLacksIsZero) {
+  for (const ShortAnswerCase& c : {ShortAnswerCase{300, "", 0, 0},
+                                   {300, "50.00", 50, 0},
+                                   {300, " 10", 0, 10},
+                                   {100, "", 0, 0},
+                                   {100, "0100", 0, 100},
+                                   {100, "0100 02", 2, 100}}) {
+    SCOPED_TRACE(testing::Message() << c.frequencyMHz << ": " << c.answer);
+    Start(c.frequencyMHz);
+    bus.fallback = [&](int, const std::string&) { return c.answer; };
+    EXPECT_TRUE(ifiAmp.IfiReadPower(first, second));
+    EXPECT_EQ(first, c.first);
+    EXPECT_EQ(second, c.second);
+    EXPECT_TRUE(t.dialogs.messages.empty());
   }
+}
+
+TEST_F(IfiAmpTest, AnAnswerThatIsNoPowerIsShown) {
+  Start(300);
+  bus.fallback = [](int, const std::string&) { return "9E99 1\r\n"; };
+  EXPECT_FALSE(ifiAmp.IfiReadPower(first, second));
+  EXPECT_EQ(t.dialogs.LastText(), "The amplifier's answer is no power:\r\n\"9E99 1\"");
+  EXPECT_EQ(first, 7);
 }
 
 }  // namespace
