@@ -149,6 +149,9 @@ bool LevelCalibration::Record() {
   Cell(row, CalGridColumn::Freq) = Format(point_.Freq, "0.0#####");
   Cell(row, CalGridColumn::SigGen) = Format(levelDbm, "###0.000");
   Cell(row, CalGridColumn::TestLevel) = Format(point_.Target, "##0.00");
+  // A test could not replay it.
+  if (levelDbm > double{instruments_.sigGen.MaximumLevel()})
+    return Fail("The level found is above the signal generator's maximum level, check setup");
   Cell(row, CalGridColumn::FwdPwr) = point_.ForwardDbm ? PowerText(*point_.ForwardDbm - excessDb) : kNotRecorded;
   display_.RowChanged(number);
   if (!ReadReversePower(excessDb, Cell(row, CalGridColumn::RevPwr))) return false;

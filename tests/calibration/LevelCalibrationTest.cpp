@@ -117,6 +117,8 @@ TEST_F(LevelCalibrationTest, ARunEndsWithAnotherMessageOrRfOnOrPointsLost) {
          r.setup.StopFreq = 4.5, r.setup.StepType = 0, r.setup.LinearStep = 2;
        },
        "error interpolating cable loss", 2},
+      {[](auto& r) { r.setup.MaxLevel = 100, r.setup.InitLevel = 13, r.levels = {120.1}; },
+       "The level found is above the signal generator's maximum level, check setup", 0},
       {[](auto& r) { r.setup.RecordRevPwr = 1, r.equipment.AmpConfiguration = 0; },
        "Equipment file says power meter not configured for reverse power readings.", 1},
   };
