@@ -22,6 +22,8 @@ class RunDisplay : public CountdownWindow {
   virtual void TestLevel(float /*levelDbuv*/) {}
   virtual void InducedLevel(double /*levelDbua*/, double /*limitDbua*/) {}
   virtual void Power(double /*powerDbm*/) {}
+  /// A step begins: the induced level and the power shown are those of the step before.
+  virtual void ForgetReadings() {}
   virtual void Highlight(Quantity /*quantity*/, bool /*red*/) {}
   virtual void Dwell(double /*seconds*/) {}
   virtual void Plan(int /*steps*/, double /*estimatedMinutes*/) {}

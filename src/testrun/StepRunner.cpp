@@ -52,6 +52,7 @@ void StepRunner::Begin(const PlanStep& step, bool first) {
   state_.Row = run_.data.AddStep(step.Freq);
   run_.display.RowChanged(state_.Row);
   run_.display.Frequency(step.Freq);
+  run_.display.ForgetReadings();
   for (const auto quantity :
        {RunDisplay::Quantity::SigGenLevel, RunDisplay::Quantity::InducedLevel, RunDisplay::Quantity::ForwardPower})
     run_.display.Highlight(quantity, false);
@@ -138,6 +139,7 @@ bool StepRunner::ModulationOn() {
     // The carrier drops before the modulation's peaks come on top of it.
     const float level = DriveLevel() + state_.Targets.ConstantPeakOffset;
     if (!sigGen.SetFreqLevel(state_.Freq, level)) return false;
+    run_.display.SigGenLevel(level);
     if (!run_.shell.delay.Delay(kConstantPeakWait, true)) return false;
   }
   if (Halted() || !SwitchModulationOn(sigGen, test)) return false;

@@ -207,6 +207,13 @@ void frmRunTest::Power(double powerDbm) {
   ShowPowerNow();
 }
 
+void frmRunTest::ForgetReadings() {
+  inducedDbua_.reset();
+  powerDbm_.reset();
+  ShowInducedLevelNow();
+  ShowPowerNow();
+}
+
 void frmRunTest::ShowTestLevelNow() {
   const ShownLevel shown = ShowTestLevel(double{testLevelDbuv_.value_or(0)}, units_.TestLevel,
                                          documents_.testSetup.Definition.EUTCircuitImpedance);

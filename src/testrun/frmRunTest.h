@@ -79,6 +79,7 @@ class frmRunTest : public WorkingForm, private RunDisplay, private RunControls {
   void TestLevel(float levelDbuv) override;
   void InducedLevel(double levelDbua, double limitDbua) override;
   void Power(double powerDbm) override;
+  void ForgetReadings() override;
   void Highlight(Quantity quantity, bool red) override;
   void Dwell(double seconds) override;
   void Plan(int steps, double estimatedMinutes) override;

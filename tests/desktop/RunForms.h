@@ -109,6 +109,10 @@ class RunForms : public testing::Test {
   std::function<bool()> AtStep(int step) {
     return [this, text = "Step# " + std::to_string(step)] { return Text("lblStep") == text; };
   }
+  /// As soon as this step shows a value there.
+  std::function<bool()> AtValue(int step, const char* label) {
+    return [this, at = AtStep(step), label] { return at() && Text(label) != "--"; };
+  }
   const std::vector<RunRow>& Rows() const { return form->Engine().Data().Rows(); }
 
   FakeDialogs dialogs;

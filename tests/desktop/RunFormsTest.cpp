@@ -295,7 +295,8 @@ TEST_P(UnitTest, FigureAndCaptionChangeTheRecordDoesNot) {
   m.LoadTest("forward-power-constant-peak.tst");
   if (label == "lblInducedLevel") m.LoadTest("probe-limited-pulse.tst");
   OpenForm();
-  m.When(AtStep(2), [&] { Press(*form, "cmdHalt"); });
+  m.When(AtStep(2), [&] { EXPECT_EQ(Text(unit.label) == "--", label != "lblTestLevel") << "of the step before"; });
+  m.When(AtValue(2, unit.label), [&] { Press(*form, "cmdHalt"); });
   Press(*form, "cmdRun");
   const auto rows = Rows();
   const double held = std::stod(Text(unit.label));
@@ -340,7 +341,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(RunForms, RelativeInducedLevelIsTheDistanceToTheLimit) {
   Open("probe-limited-pulse.tst");
-  m.When(AtStep(2), [&] { Press(*form, "cmdHalt"); });
+  m.When(AtValue(2, "lblInducedLevel"), [&] { Press(*form, "cmdHalt"); });
   Press(*form, "cmdRun");
   const double induced = std::stod(Text("lblInducedLevel"));
   const double limit = std::stod(Text("lblTestLevel")) - 20 * std::log10(double{m.Test().EUTCircuitImpedance}) +

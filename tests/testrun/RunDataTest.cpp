@@ -154,7 +154,8 @@ TEST(RunUnits, TheInducedLevelIsShownInEveryUnit) {
 
 TEST(RunUnits, ALevelWithoutAValueIsShownAsNotAvailable) {
   EXPECT_EQ(ShowTestLevel(120, RunUnit::DbuA, 0).Value, "na");
-  EXPECT_EQ(ShowTestLevel(120, RunUnit::DbuA, 0).ToolTip, "");
+  EXPECT_EQ(ShowTestLevel(120, RunUnit::DbuA, 0).ToolTip, "The test definition has no circuit impedance");
+  EXPECT_EQ(ShowTestLevel(120, RunUnit::Volts, 0).ToolTip, "");
   EXPECT_EQ(ShowTestLevel(120, RunUnit::Volts, 0).Value, "1.00");
   EXPECT_EQ(ShowInducedLevel(80, 80, RunUnit::Dbm, 0).Value, "na");
   EXPECT_EQ(ShowPower(1e6, RunUnit::Watts).Value, "na");

@@ -211,12 +211,23 @@ TEST_F(LevellingTest, AnAmplifierThatChangesWithFrequencyNeverOvershoots) {
   }
 }
 
+TEST_F(LevellingTest, TheReadingsShownAreNeverThoseOfTheStepBefore) {
+  rig.UsePower(LevelingMethod::ForwardPower);
+  double shown = -1;
+  rig.AtStatus(
+      "Intermediate dwell...", [&] { shown = rig.display.power; }, 2);
+  rig.Run();
+  EXPECT_EQ(shown, 0);
+  EXPECT_NEAR(rig.display.power, 44.1, 0.01);
+}
+
 TEST_F(LevellingTest, WithConstantPeakTheCarrierDropsBeforeModulationGoesOn) {
   OneStep(rig);
   rig.UseAm(true, true);
   rig.Run();
   EXPECT_THAT(Between(rig.Sent(18), "POW -16.0 DBM", "OUTP OFF"),
               ElementsAre("POW -10.0 DBM", "POW -15.1 DBM", "AM ON"));
+  EXPECT_NEAR(rig.display.levels.back(), -15.1, 0.01);
   EXPECT_EQ(rig.engine.Steps()[0].SigGenLevel, -10);  // what manual mode starts from
 }
 

@@ -27,6 +27,7 @@ class RecordingDisplay : public RunDisplay {
     limit = limitDbua;
   }
   void Power(double powerDbm) override { power = powerDbm; }
+  void ForgetReadings() override { induced = power = 0; }
   void Highlight(Quantity quantity, bool red) override { highlights[quantity] = red; }
   void Plan(int count, double minutes) override {
     planned = count;
