@@ -180,12 +180,9 @@ bool StepRunner::ReadReverse() {
 
 std::optional<double> StepRunner::ReadNet() {
   if (!ReadForward() || !ReadReverse()) return std::nullopt;
-  const double forward = *state_.Result.FwdPwr, reverse = *state_.Result.RevPwr;
-  if (!(reverse < forward)) {
-    Fail("Error, reverse power reading greater than forward power,\r\ncheck setup carefully.");
-    return std::nullopt;
-  }
-  return Conversions::WattsToDbm(Conversions::DbmToWatts(forward) - Conversions::DbmToWatts(reverse));
+  const auto net = NetPower(*state_.Result.FwdPwr, *state_.Result.RevPwr, state_.Targets.ForwardReference);
+  if (!net) Fail("Error, reverse power reading greater than forward power,\r\ncheck setup carefully.");
+  return net;
 }
 
 }  // namespace hylden

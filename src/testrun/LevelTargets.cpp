@@ -106,7 +106,7 @@ double StartingOffset(const TestDefinition& test, const PreviousStep& previous, 
     return farBelow ? std::max(drop, kFirstDrop) : drop;
   }
   const double slope = test.LevelsByPower() ? 20 * std::log10(frequencyMHz / previous.Freq) : 0;
-  return previous.Offset + drop + slope;
+  return std::max(0.0, previous.Offset + drop + slope);
 }
 
 double RampStep(double headroomDb, double maximumIncrementDb) {
@@ -126,6 +126,12 @@ Drive Raise(Drive drive, double stepDb) {
 
 bool IsReading(double reading) {
   return std::isfinite(reading) && !IsNoReading(reading);
+}
+
+std::optional<double> NetPower(double forwardDbm, double reverseDbm, double forwardReferenceDbm) {
+  using namespace Conversions;
+  if (reverseDbm < forwardDbm) return WattsToDbm(DbmToWatts(forwardDbm) - DbmToWatts(reverseDbm));
+  return forwardDbm < forwardReferenceDbm - kReverseJudgedDb ? std::optional(forwardDbm) : std::nullopt;
 }
 
 double GainDeficit(double forwardReferenceDbm, double forwardDbm, double offsetDb) {

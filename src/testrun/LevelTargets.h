@@ -72,7 +72,7 @@ struct PreviousStep {
 };
 /// Offset at which a step begins. The first step starts far below, since nothing is known of the set-up yet; later
 /// ones below where the step before ended, where power holds the level by 20 dB per decade of the frequency change
-/// more.
+/// more. No step begins above its calibrated level: gain that was missing before may be back.
 double StartingOffset(const TestDefinition& test, const PreviousStep& previous, double frequencyMHz);
 
 /// The next raise of a ramp that aims at a reading: 0.1 dB past the headroom, at most the increment; a raise below
@@ -99,6 +99,13 @@ Drive Raise(Drive drive, double stepDb);
 
 /// Whether a reading is one: a number, and no "no reading" sentinel.
 bool IsReading(double reading);
+
+/// Forward power from which on the reverse power is judged, dB below the calibrated forward power. Further down both
+/// sensors may show no more than their own noise.
+inline constexpr double kReverseJudgedDb = 20;
+/// What goes into the load, dBm, of a forward and a reverse power. A reverse power that is not below the forward power
+/// counts as none far below the calibrated forward power; otherwise nothing: the sensors can't be right.
+std::optional<double> NetPower(double forwardDbm, double reverseDbm, double forwardReferenceDbm);
 
 /// What the amplifier's gain is short of its calibration, dB: the forward power still missing plus the extra drive.
 double GainDeficit(double forwardReferenceDbm, double forwardDbm, double offsetDb);

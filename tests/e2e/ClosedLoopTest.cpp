@@ -16,7 +16,23 @@ struct DemoTest {
   const char* equipment;
   double below, above;  ///< band around the target in which a levelled step has to end, dB
   bool limited;         ///< the induced current may hold the level down
+  const char* name = "";
+  void (*adjust)(BenchConfig&) = nullptr;  ///< what is different on the bench
+  void (*arrange)(BenchStation&) = [](BenchStation&) {};
 };
+
+/// Ordinary diode sensors: at the start of a run both show nothing but their own noise.
+void OrdinarySensors(BenchConfig& config) {
+  config.PowerMeterFloorDbm = -35;
+}
+
+/// The reading at the start of the run is far below what the meter can be ranged to.
+void DeafMeter(BenchStation& station) {
+  Meter& meter = station.instruments.meter;
+  MeterDefinition definition = meter.Definition();
+  definition.MinimumLevel = 40;
+  meter.PutDefinition(definition);
+}
 
 void PrintTo(const DemoTest& test, std::ostream* out) {
   *out << test.file;
@@ -31,8 +47,9 @@ bool IsAtRest(const BenchState& state) {
 class ClosedLoop : public testing::TestWithParam<DemoTest> {};
 
 TEST_P(ClosedLoop, ProductSeesTheWantedLevelAndNeverMore) {
-  BenchStation station(GetParam().equipment);
+  BenchStation station(GetParam().equipment, GetParam().adjust);
   station.Load(GetParam().file);
+  GetParam().arrange(station);
   const bool constantPeak = station.Test().ConstPeak;
 
   int moments = 0;
@@ -79,14 +96,35 @@ INSTANTIATE_TEST_SUITE_P(DemoStation, ClosedLoop,
                                          DemoTest{"net-power-fm.tst", "station.eqp", 0.3, 0.6, false},
                                          DemoTest{"probe-limited-pulse.tst", "station.eqp", 0.3, 0.6, true},
                                          DemoTest{"sweep-and-list.tst", "station.eqp", 0.1, 0.5, false},
+                                         DemoTest{"net-power-fm.tst", "station.eqp", 0.3, 0.6, false,
+                                                  "ordinary_sensors_", OrdinarySensors},
+                                         DemoTest{"forward-power-constant-peak.tst", "station.eqp", 0.3, 0.6, false,
+                                                  "ordinary_sensors_", OrdinarySensors},
+                                         DemoTest{"probe-limited-pulse.tst", "station.eqp", 0.3, 0.6, true,
+                                                  "deaf_meter_", nullptr, DeafMeter},
                                          DemoTest{"substitution-am.tst", "older-generator.eqp", 0.1, 0.5, false},
                                          DemoTest{"ifi-band-change.tst", "ifi-station.eqp", 0.1, 0.5, false}),
                          [](const testing::TestParamInfo<DemoTest>& demo) {
-                           std::string name = std::string(demo.param.equipment) + "_" + demo.param.file;
+                           std::string name =
+                               std::string(demo.param.name) + demo.param.equipment + "_" + demo.param.file;
                            for (char& c : name)
                              if (c == '-' || c == '.') c = '_';
                            return name;
                          });
+
+TEST(OrdinarySensorsTest, NetPowerFinishesWhateverTheNoise) {
+  for (int seed = 1; seed <= 20; ++seed) {
+    SCOPED_TRACE(seed);
+    BenchStation station("station.eqp", [seed](BenchConfig& config) {
+      OrdinarySensors(config);
+      config.Seed = seed;
+    });
+    station.Load("net-power-fm.tst");
+    station.Test().LogStep = 50;
+    station.Run();
+    EXPECT_EQ(station.engine.Outcome(), RunOutcome::Finished) << station.machine.dialogs.LastText();
+  }
+}
 
 }  // namespace
 }  // namespace hylden

@@ -112,6 +112,8 @@ INSTANTIATE_TEST_SUITE_P(LevelTargets, StartTest,
                                          StartCase{"later_by_generator", 0, -6, false, {1, 2}, 10, 8},
                                          StartCase{
                                              "later_by_power_drops_with_frequency", 2, -6, false, {1, -1}, 10, 25},
+                                         StartCase{"later_never_above", 1, 0, false, {1, -2.9}, 1.05, 0},
+                                         StartCase{"later_below_where_it_ended", 1, -6, false, {1, -2.9}, 1, 3.1},
                                          StartCase{"a_positive_offset_never_starts_above", 0, 6, false, {}, 1, 6}),
                          [](const auto& row) { return row.param.name; });
 
@@ -160,6 +162,23 @@ TEST(LevelTargets, NoReadingIsNoReadingWhateverItsKind) {
     EXPECT_FALSE(IsReading(bad)) << bad;
   EXPECT_TRUE(IsReading(998));
   EXPECT_TRUE(IsReading(-999));
+}
+
+struct NetCase {
+  double forward, reverse;
+  std::optional<double> net;  // the calibrated forward power is 40 dBm
+};
+TEST(LevelTargets, ReversePowerIsJudgedWhereTheSensorsSeeMoreThanTheirNoise) {
+  const NetCase cases[] = {{40, 30, 39.5424},  {5, 5.02, 5},      {5, 4.9, -11.4277},     {19.9, 25, 19.9},
+                           {19.9, 19.9, 19.9}, {20, 19, 13.1318}, {20, 20, std::nullopt}, {42, 43, std::nullopt}};
+  for (const NetCase& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.forward << " and " << c.reverse);
+    const auto net = NetPower(c.forward, c.reverse, 40);
+    ASSERT_EQ(net.has_value(), c.net.has_value());
+    if (net) {
+      EXPECT_NEAR(*net, *c.net, 1e-3);
+    }
+  }
 }
 
 TEST(LevelTargets, TheGainDeficitCountsShortfallAndExtraDrive) {

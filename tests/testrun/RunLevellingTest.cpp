@@ -88,7 +88,7 @@ TEST_F(LevellingTest, ARunThatCannotBeLevelledEndsWithItsMessageBeforeTheLevelIs
       {[](auto& r) { r.UsePower(kNet), r.gainDb = 46; },
        "Warning, amplifier gain is more than 3dB lower\r\nthan it should be.  Check setup.", -6.5},
       {[](auto& r) { r.UsePower(kNet), r.returnLossDb = 0; },
-       "Error, reverse power reading greater than forward power,\r\ncheck setup carefully.", -70},
+       "Error, reverse power reading greater than forward power,\r\ncheck setup carefully.", -28},
       {[](auto& r) { r.UsePower(kNet), r.equipment.AmpConfiguration = static_cast<int>(AmpConfig::Single); },
        "Power meter not defined as dual-channel, check setup", -70},
       {[](auto& r) {
@@ -208,6 +208,23 @@ TEST_F(LevellingTest, AnAmplifierThatChangesWithFrequencyNeverOvershoots) {
       for (const auto& [frequency, target] : targets)
         EXPECT_LE(changing.highestAt[frequency] + 50 + changing.gainErrorDb[frequency], target + 0.3) << frequency;
     }
+  }
+}
+
+TEST_F(LevellingTest, GainThatComesBackFindsNoStepAboveItsCalibratedLevel) {
+  for (const auto method : {LevelingMethod::ForwardPower, LevelingMethod::NetPower}) {
+    RunRig recovering;
+    recovering.UsePower(method);
+    recovering.test.InitLevOffset = 0;
+    recovering.test.StepType = 0;
+    recovering.test.LinearStep = 0.05;
+    recovering.test.StopFreq = 1.05;
+    recovering.gainErrorDb[1] = -2.9;
+    recovering.Run();
+    ASSERT_EQ(recovering.Rows().size(), 2U);
+    EXPECT_LE(recovering.highestAt[1], -7);
+    EXPECT_GT(recovering.highestAt[1], -7.2) << "the gain is not missing";
+    EXPECT_LE(recovering.highestAt[1.05], -9.7);
   }
 }
 
