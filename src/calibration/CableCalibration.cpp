@@ -4,6 +4,7 @@
 
 #include "calibration/CalibrationDisplay.h"
 #include "calibration/FrequencyPlan.h"
+#include "calibration/UsableReading.h"
 #include "calibration/WarbleAlarm.h"
 #include "instruments/Instruments.h"
 #include "shell/Shell.h"
@@ -125,13 +126,16 @@ bool RunCablCal::MeasurePoint(const Pass& pass, std::size_t index) {
   if (!shell_.delay.WaitDelay(true, &pass.Display)) return false;
   pass.Display.Status("Reading...");
   const double reading = instruments_.meter.MeterRead(ReadMode::AutoRange);
-  if (IsNoReading(reading)) {
+  // A halt cuts a reading short: what there is then is none, and needs no excuse.
+  if (Halted()) return false;
+  const std::string whyNot = WhyNoReading(instruments_.meter, reading);
+  if (!whyNot.empty() || IsNoReading(reading)) {
     up_.CloseSigGen();
+    if (!whyNot.empty()) shell_.dialogs.Tell(whyNot);
     shell_.ShowFailure("Run halted due to errors");
     return false;
   }
-  // Halted while it ranged itself, the meter gives what it had; without RF, nothing.
-  if (Halted() || instruments_.sigGen.RfState() != Rf::On) return false;
+  if (instruments_.sigGen.RfState() != Rf::On) return false;
   Store(pass, point, levelDbm, reading);
   pass.Display.MeterLevel(reading);
   pass.Display.RowChanged(row);

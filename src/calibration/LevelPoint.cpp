@@ -4,6 +4,7 @@
 
 #include "calibration/CalibrationDisplay.h"
 #include "calibration/LevelCalibration.h"
+#include "calibration/UsableReading.h"
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
 #include "measure/Conversions.h"
@@ -113,7 +114,7 @@ bool LevelCalibration::ReadLevel() {
 
 bool LevelCalibration::ReadForwardPower() {
   const double reading = sensor_.Read(point_.Freq);
-  if (IsNoReading(reading)) return false;
+  if (!Usable(reading, WhyNoReading(instruments_.pm, reading))) return false;
   const double powerDbm = reading + point_.ForwardFactor;
   point_.ForwardDbm = IsMissing(reading) ? std::nullopt : std::optional(powerDbm);
   point_.ForwardWatts = Conversions::DbmToWatts(powerDbm);
@@ -124,13 +125,17 @@ bool LevelCalibration::ReadForwardPower() {
 
 bool LevelCalibration::ReadMeter() {
   const double reading = instruments_.meter.MeterRead(ReadMode::Single);
-  // A meter that over-ranges has reported nothing.
-  if (reading >= kOverRange) return Fail("The level is above the meter's maximum level, check setup");
-  if (IsNoReading(reading)) return false;
+  if (!Usable(reading, WhyNoReading(instruments_.meter, reading))) return false;
   display_.MeterLevel(reading);
   point_.Level = reading + couplingFactor_ + point_.CableLoss;
   display_.TestLevel(Conversions::DbuvToVolts(point_.Level));
   return true;
+}
+
+bool LevelCalibration::Usable(double reading, const std::string& whyNot) {
+  // A halt cuts a reading short: what there is then needs no excuse.
+  if (!whyNot.empty()) return !Halted() && Fail(whyNot);
+  return !IsNoReading(reading);
 }
 
 bool LevelCalibration::ChangeLevel(double stepDb) {
@@ -144,14 +149,14 @@ bool LevelCalibration::Record() {
   // The record holds what gives the middle of the tolerance band.
   const double excessDb = point_.Level - point_.Target - kToleranceDb / 2;
   const double levelDbm = double{sigGenLevel_} - excessDb;
+  // A test could not replay it.
+  if (levelDbm > double{instruments_.sigGen.MaximumLevel()})
+    return Fail("The level found is above the signal generator's maximum level, check setup");
   CalRow& row = rows_.emplace_back();
   const int number = static_cast<int>(rows_.size());
   Cell(row, CalGridColumn::Freq) = Format(point_.Freq, "0.0#####");
   Cell(row, CalGridColumn::SigGen) = Format(levelDbm, "###0.000");
   Cell(row, CalGridColumn::TestLevel) = Format(point_.Target, "##0.00");
-  // A test could not replay it.
-  if (levelDbm > double{instruments_.sigGen.MaximumLevel()})
-    return Fail("The level found is above the signal generator's maximum level, check setup");
   Cell(row, CalGridColumn::FwdPwr) = point_.ForwardDbm ? PowerText(*point_.ForwardDbm - excessDb) : kNotRecorded;
   display_.RowChanged(number);
   if (!ReadReversePower(excessDb, Cell(row, CalGridColumn::RevPwr))) return false;
@@ -170,7 +175,7 @@ bool LevelCalibration::ReadReversePower(double excessDb, std::string& cell) {
     return Fail("Equipment file says power meter not configured for reverse power readings.");
   const double reading = instruments_.pm.ReadPower(2);
   // RF that went off meanwhile, when the program had to end, left nothing to be read.
-  if (IsNoReading(reading) || instruments_.sigGen.RfState() != Rf::On) return false;
+  if (instruments_.sigGen.RfState() != Rf::On || !Usable(reading, WhyNoReading(instruments_.pm, reading))) return false;
   cell = IsMissing(reading) ? kNotRecorded : PowerText(reading + point_.ReverseFactor - excessDb);
   return true;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "calibration/UsableReading.h"
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
 #include "shell/Shell.h"
@@ -147,7 +148,7 @@ bool StepRunner::RaiseAndDwell(const std::string& dwellStatus) {
 bool StepRunner::ReadProbe(const std::string& status) {
   run_.display.Status(status);
   const double reading = run_.instruments.meter.MeterRead(ReadMode::AutoRange);
-  if (!IsReading(reading) || Halted() || run_.instruments.sigGen.RfState() != Rf::On) return false;
+  if (!Usable(reading, WhyNoReading(run_.instruments.meter, reading))) return false;
   state_.Result.Induced = reading + state_.Probe.Factors;
   run_.display.InducedLevel(*state_.Result.Induced, state_.Probe.LimitDbua);
   return true;
@@ -156,7 +157,7 @@ bool StepRunner::ReadProbe(const std::string& status) {
 bool StepRunner::ReadForward() {
   run_.display.Status("Reading forward power...");
   const double reading = run_.preparation.Sensor().Read(state_.Freq);
-  if (!IsReading(reading) || Halted() || run_.instruments.sigGen.RfState() != Rf::On) return false;
+  if (!Usable(reading, WhyNoReading(run_.instruments.pm, reading))) return false;
   float factor = 0;
   if (!run_.preparation.ForwardPort().InterpVal(state_.Freq, factor, FreqScale::Linear))
     return Fail("Error interpolating forward coupler factor");
@@ -170,7 +171,7 @@ bool StepRunner::ReadReverse() {
   if (!run_.documents.equip.Record.Is(AmpConfig::DualFwdRev))
     return Fail("Power meter not defined as dual-channel, check setup");
   const double reading = run_.instruments.pm.ReadPower(2);
-  if (!IsReading(reading) || Halted() || run_.instruments.sigGen.RfState() != Rf::On) return false;
+  if (!Usable(reading, WhyNoReading(run_.instruments.pm, reading))) return false;
   float factor = 0;
   if (!run_.preparation.ReversePort().InterpVal(state_.Freq, factor, FreqScale::Linear))
     return Fail("Error interpolating reverse coupler factor");
@@ -183,6 +184,11 @@ std::optional<double> StepRunner::ReadNet() {
   const auto net = NetPower(*state_.Result.FwdPwr, *state_.Result.RevPwr, state_.Targets.ForwardReference);
   if (!net) Fail("Error, reverse power reading greater than forward power,\r\ncheck setup carefully.");
   return net;
+}
+
+bool StepRunner::Usable(double reading, const std::string& whyNot) {
+  if (Halted() || run_.instruments.sigGen.RfState() != Rf::On) return false;
+  return whyNot.empty() ? IsReading(reading) : Fail(whyNot);
 }
 
 }  // namespace hylden

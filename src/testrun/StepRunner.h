@@ -79,6 +79,8 @@ class StepRunner {
   bool ReadProbe(const std::string& status);
   bool ReadForward();
   bool ReadReverse();
+  /// Whether the run goes on with a reading; otherwise RF is off, and the reason has been told.
+  bool Usable(double reading, const std::string& whyNot);
   std::optional<double> ReadNet();
 
   bool Wait(double seconds, const std::string& status);

@@ -234,10 +234,23 @@ TEST_F(CableTest, ABadReadingLeavesRfOnBehindItsMessage) {
     if (rig.frequencyMHz == 3) rig.portDb = 200;
   };
   cable.DirectPass(rig.display);
-  EXPECT_EQ(rig.t.dialogs.Texts(), (std::vector<std::string>{"Run halted due to errors"}));
+  EXPECT_EQ(rig.t.dialogs.Texts(),
+            (std::vector<std::string>{"The level is above the meter's maximum level, check setup",
+                                      "Run halted due to errors"}));
   EXPECT_FALSE(rig.rfOnAtMessage);
   EXPECT_EQ(cable.Points().size(), 3U);
   EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 13"));
+}
+
+TEST_F(CableTest, AnAnswerWithoutANumberIsTakenForAReading) {
+  rig.portDb = 30;
+  Redefine(rig.meter, [](auto& d) { d.LevSetPrefix = d.LevSetSuffix = ""; });
+  rig.bus.Answers(13, {"10", "ERR 15"});
+  cable.DirectPass(rig.display);
+  EXPECT_EQ(rig.t.dialogs.Texts(), (std::vector<std::string>{"The meter's answer holds no number:\r\n\"ERR 15\"",
+                                                             "Run halted due to errors"}));
+  EXPECT_FALSE(rig.rfOnAtMessage);
+  EXPECT_EQ(cable.Points().size(), 1U);
 }
 
 TEST_F(CableTest, AnInstrumentThatIsNotThereCostsThePoints) {

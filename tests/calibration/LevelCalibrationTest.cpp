@@ -117,6 +117,22 @@ TEST_F(LevelCalibrationTest, ARunEndsWithAnotherMessageOrRfOnOrPointsLost) {
          r.setup.StopFreq = 4.5, r.setup.StepType = 0, r.setup.LinearStep = 2;
        },
        "error interpolating cable loss", 2},
+      {[](auto& r) {
+         r.setup.RecordFwdPwr = 1, r.levels = {120.25}, r.bus.Answers(7, {"40", "#*?!"});
+       },
+       "The power meter's answer holds no number:\r\n\"#*?!\"", 1},
+      {[](auto& r) {
+         r.setup.RecordFwdPwr = 1, r.levels = {120.25}, r.bus.Answers(7, {"40", "9.91E+37"});
+       },
+       "The power meter's answer is no power:\r\n\"9.91E+37\"", 1},
+      {[](auto& r) {
+         r.setup.RecordRevPwr = 1, r.levels = {120.25, 120.25}, r.bus.Answers(7, {"40", "30", "40", "B:"});
+       },
+       "The power meter's answer holds no number:\r\n\"B:\"", 2},
+      {[](auto& r) {
+         r.bus.Answers(13, {"119.25", "?"});
+       },
+       "The meter's answer holds no number:\r\n\"?\"", 1},
       {[](auto& r) { r.setup.MaxLevel = 100, r.setup.InitLevel = 13, r.levels = {120.1}; },
        "The level found is above the signal generator's maximum level, check setup", 0},
       {[](auto& r) { r.setup.RecordRevPwr = 1, r.equipment.AmpConfiguration = 0; },
