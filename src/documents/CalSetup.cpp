@@ -99,7 +99,7 @@ std::optional<StartFailure> CheckStation(const CalSetupRecord& setup, const Equi
   };
   for (const auto& check : checks)
     if (check.missing) return StartFailure{check.text, check.tab};
-  return std::nullopt;
+  return CheckAmplifier(equipment);
 }
 
 double CouplingFactorDb(std::int32_t couplingMethod, double userDefinedDb) {

@@ -8,7 +8,6 @@ namespace hylden {
 namespace {
 
 constexpr int kHighestAddress = 30;
-constexpr double kLowestBandSwitchMHz = 200, kHighestBandSwitchMHz = 230;
 constexpr int kAmplifierTab = 2;
 /// A shorter path counts as none.
 constexpr std::size_t kShortestPath = 2;
@@ -31,6 +30,14 @@ std::string AddressText(const std::string& file, std::int16_t address) {
 }
 
 }  // namespace
+
+std::optional<StartFailure> CheckAmplifier(const EquipRecord& equipment) {
+  if (equipment.HasGoodBandSwitch()) return std::nullopt;
+  return StartFailure{"The band switch of the IFI amplifier, " + ShortestText(equipment.IfiBandSwitch) +
+                          " MHz, is not\r\nfrom " + ShortestText(EquipRecord::kLowestBandSwitchMHz) + " to " +
+                          ShortestText(EquipRecord::kHighestBandSwitchMHz) + " MHz",
+                      kAmplifierTab};
+}
 
 int Equip::LoadDef(const std::string& path) {
   try {
@@ -120,7 +127,7 @@ std::optional<EntryFailure> Equip::ApplyBandSwitch(const std::string& text) {
   Record.IfiBandSwitch = bandSwitch;
   Record.PmBandSwitch = bandSwitch;
   instruments_.pm.SetBandswitch(bandSwitch);
-  if (bandSwitch < kLowestBandSwitchMHz || bandSwitch > kHighestBandSwitchMHz)
+  if (!(bandSwitch >= EquipRecord::kLowestBandSwitchMHz && bandSwitch <= EquipRecord::kHighestBandSwitchMHz))
     return EntryFailure{kControl, kAmplifierTab, EntryFailure::Kind::OutOfRange};
   return std::nullopt;
 }

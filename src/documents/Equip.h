@@ -35,6 +35,9 @@ struct StartFailure {
   int EquipmentTab = 0;
 };
 
+/// The check that every run with the station's amplifier begins with: its band switch.
+std::optional<StartFailure> CheckAmplifier(const EquipRecord& equipment);
+
 /// The station's equipment configuration, its file, and its hand-over to the drivers.
 class Equip {
  public:

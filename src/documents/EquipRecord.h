@@ -29,7 +29,13 @@ struct EquipRecord {
   bool IfiAtten = false;
   double IfiBandSwitch = 0;
 
+  static constexpr double kLowestBandSwitchMHz = 200, kHighestBandSwitchMHz = 230;
+
   bool HasIfiAmplifier() const { return AmplifierType == static_cast<std::int32_t>(AmpType::Ifi); }
+  /// Whether an IFI amplifier, where there is one, changes its band where it can.
+  bool HasGoodBandSwitch() const {
+    return !HasIfiAmplifier() || (IfiBandSwitch >= kLowestBandSwitchMHz && IfiBandSwitch <= kHighestBandSwitchMHz);
+  }
   bool Is(AmpConfig config) const { return AmpConfiguration == static_cast<std::int32_t>(config); }
 };
 

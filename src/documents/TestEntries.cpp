@@ -86,7 +86,7 @@ std::optional<StartFailure> CheckStart(const TestDefinition& test, const EquipRe
   };
   for (const auto& check : checks)
     if (check.missing) return StartFailure{check.text, check.tab};
-  return std::nullopt;
+  return CheckAmplifier(equipment);
 }
 
 }  // namespace hylden

@@ -173,7 +173,12 @@ class Validator {
     const bool isKnown = entries_.LevelingMethod >= static_cast<int>(LevelingMethod::SigGen) &&
                          entries_.LevelingMethod <= static_cast<int>(LevelingMethod::NetPower);
     test_.LevelingMethod = isKnown ? entries_.LevelingMethod : static_cast<int>(LevelingMethod::SigGen);
-    return true;
+    const bool pulsed = test_.ModType == static_cast<int>(Modulation::Pulse) && !test_.ModOffBetweenFreqs;
+    if (!pulsed || !test_.LevelsByPower()) return true;
+    return Refuse(
+        "The power meter reads the mean of a pulsed signal, which is below its pulses.\r\n"
+        "To level by power, pulse modulation has to be off between frequencies.",
+        kModulation, "chkModOffBetweenFreqs");
   }
 
   bool Probe() {
@@ -216,8 +221,8 @@ class Validator {
     return false;
   }
 
-  bool Refuse(const char* text, Tab tab) {
-    result_.Failure = EntryFailure{"", tab, EntryFailure::Kind::Message, text};
+  bool Refuse(const char* text, Tab tab, const char* control = "") {
+    result_.Failure = EntryFailure{control, tab, EntryFailure::Kind::Message, text};
     return false;
   }
 

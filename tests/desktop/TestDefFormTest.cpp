@@ -15,10 +15,10 @@ TEST_F(TestDefForm, AControlShowsOrFillsAnotherField) {
   other.FreqSweep = other.ConstPeak = other.ModOffBetweenFreqs = other.UseAMdepth = false;
   other.Extrapolate = other.LimitCurrent = false;
   other.StepType = 0;  // kept only while the sweep is on
-  other.ModType = 3, other.LevelingMethod = 1, other.LevelingMode = 0;
+  other.ModType = 2, other.LevelingMethod = 1, other.LevelingMode = 0;
   TestDefinition third = other;
   third.FreqSweep = true, third.FreqList = false;
-  third.ModType = 2, third.LevelingMethod = 0, third.ModOffBetweenFreqs = third.LimitCurrent = true;
+  third.ModType = 3, third.LevelingMethod = 0, third.ModOffBetweenFreqs = third.LimitCurrent = true;
   TestDefinition plain = third;
   plain.ModType = 0;
   for (const TestDefinition& shown : {GoodDefinition(t.directory), other, third, plain}) {
@@ -114,6 +114,16 @@ TEST_F(TestDefForm, ANumberInAnotherSpellingIsRefusedOrMisread) {
   EXPECT_EQ(test().AmDepth, 100);
   EXPECT_EQ(test().InitLevOffset, -6);
   EXPECT_EQ(test().LevelInc, 2);
+}
+
+TEST_F(TestDefForm, PulsesThatThePowerMeterAveragesAreToldAtAnotherBox) {
+  test().ModType = 3, test().LevelingMethod = 1, test().ModOffBetweenFreqs = false;
+  Open();
+  Find<QTabWidget>("tabSetup").setCurrentIndex(3);
+  EXPECT_THAT(Told("cmdStart"), ElementsAre(testing::StartsWith("The power meter reads the mean of a pulsed signal")));
+  EXPECT_EQ(Tab(), 1);
+  EXPECT_EQ(form().focusWidget(), &Find<QWidget>("chkModOffBetweenFreqs"));
+  EXPECT_EQ(requests().starts, 0);
 }
 
 TEST_F(TestDefForm, ARefusalWithoutABoxLeavesItsTabOrTheFormGoesOn) {

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 
+#include "documents/CalSetup.h"
 #include "documents/TestSetup.h"
 #include "support/Refusals.h"
 #include "text/RecordFile.h"
@@ -100,6 +102,27 @@ TEST(TestValidationTest, AMissingChoiceGivesTheWrongMessage) {
     EXPECT_EQ(validation.Failure->Text, row.text);
     EXPECT_EQ(validation.Failure->Tab, row.tab);
   }
+}
+
+TEST(TestValidationTest, PulsesThatThePowerMeterAveragesAreLevelledByPower) {
+  for (const int method : {0, 1, 2})
+    for (const int modulation : {0, 1, 2, 3})
+      for (const bool offBetween : {false, true}) {
+        SCOPED_TRACE(testing::Message() << method << " " << modulation << " " << offBetween);
+        Entries entries = GoodEntries();
+        entries.LevelingMethod = method;
+        entries.ModType = modulation;
+        entries.AmDepth = entries.AmModFreq = entries.FmDev = entries.FmModFreq = "1";
+        entries.PulseWidth = entries.PulsePeriod = "1";
+        entries.ModOffBetweenFreqs = offBetween;
+        TestDefinition test;
+        const auto failure = ValidateTestDefinition(entries, kRange, test).Failure;
+        ASSERT_EQ(failure.has_value(), method > 0 && modulation == 3 && !offBetween);
+        if (!failure) continue;
+        EXPECT_EQ(failure->Control, "chkModOffBetweenFreqs");
+        EXPECT_EQ(failure->Tab, 1);
+        EXPECT_TRUE(failure->Text.starts_with("The power meter reads the mean of a pulsed signal"));
+      }
 }
 
 TEST(TestValidationTest, ATestLeavesTheCalibratedRange) {
@@ -283,6 +306,26 @@ TEST(TestValidationTest, ATestStartsWithoutWhatItNeeds) {
   EquipRecord generatorOnly;
   generatorOnly.SigGenFile = "x";
   EXPECT_FALSE(CheckStart(test, generatorOnly));
+}
+
+TEST(TestValidationTest, ARunStartsWithABandSwitchThatTheAmplifierDoesNotHave) {
+  TestDefinition test;
+  CalSetupRecord setup;
+  EquipRecord station;
+  station.SigGenFile = station.MeterFile = station.CableLossFile = "x";
+  for (const bool ifi : {false, true})
+    for (const double bandSwitch : {0.0, 199.9, 200.0, 230.0, 230.1, std::nan("")}) {
+      SCOPED_TRACE(testing::Message() << ifi << ": " << bandSwitch);
+      station.AmplifierType = ifi ? 1 : 0;
+      station.IfiBandSwitch = bandSwitch;
+      const bool good = !ifi || (bandSwitch >= 200 && bandSwitch <= 230);
+      EXPECT_EQ(!CheckStart(test, station), good);
+      EXPECT_EQ(!CheckStation(setup, station), good);
+    }
+  station.IfiBandSwitch = 199.9;
+  EXPECT_EQ(CheckStart(test, station)->Text,
+            "The band switch of the IFI amplifier, 199.9 MHz, is not\r\nfrom 200 to 230 MHz");
+  EXPECT_EQ(CheckStart(test, station)->EquipmentTab, 2);
 }
 
 }  // namespace

@@ -29,6 +29,8 @@ void PointOut(QWidget& form, const EntryFailure& failure, Dialogs& dialogs) {
     if (page >= 0) tabs->setCurrentIndex(page);
   }
   if (failure.Reason == EntryFailure::Kind::Message) {
+    auto* const control = failure.Control.empty() ? nullptr : form.findChild<QWidget*>(ToQt(failure.Control));
+    if (control && control->isVisible()) control->setFocus();
     dialogs.Tell(failure.Text);
   } else if (box && failure.Reason == EntryFailure::Kind::NotANumber) {
     NotANumberPrompt(*box, dialogs);
