@@ -7,17 +7,23 @@ of one that starts other processes.
 """
 
 import json
+import os
 import subprocess
 import sys
 
 REPETITIONS = 5
+LONGEST_SECONDS = 600  # the longest one takes a minute or two; one that waits for something must not hold up the rest
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 
 def results(program):
     """The median rows, those of benchmarks that ask for one repetition only, and those of benchmarks that failed."""
     command = [program, "--benchmark_format=json", f"--benchmark_repetitions={REPETITIONS}"]
-    output = subprocess.run(command, stdout=subprocess.PIPE, check=True, text=True).stdout
+    try:
+        output = subprocess.run(command, stdout=subprocess.PIPE, check=True, text=True, timeout=LONGEST_SECONDS).stdout
+    except subprocess.TimeoutExpired:
+        return [{"run_name": os.path.basename(program), "error_occurred": True,
+                 "error_message": f"> {LONGEST_SECONDS} s"}]
     rows = json.loads(output)["benchmarks"]
     wanted = [row for row in rows if row.get("aggregate_name") == "median" or row["repetitions"] == 1]
     return [row for row in rows if row.get("error_occurred")] + wanted

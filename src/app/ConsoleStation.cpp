@@ -9,6 +9,7 @@
 #include "calibration/RunQuestions.h"
 #include "platform/FlagRaised.h"
 #include "platform/native/ProgramDirectory.h"
+#include "shell/StartUp.h"
 #include "text/Pattern.h"
 #include "text/TextFile.h"
 
@@ -73,6 +74,10 @@ bool ConsoleStation::SetUp(const std::vector<std::string>& outputs) {
 
 bool ConsoleStation::MakeBus() {
   if (!options_.UseBench) {
+    if (!instance_.Claim()) {
+      Tell(kAnotherInstanceText);
+      return false;
+    }
     bus_ = std::make_unique<Bus>();
     return true;
   }

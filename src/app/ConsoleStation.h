@@ -16,6 +16,7 @@
 #include "platform/console/ConsoleEventLoop.h"
 #include "platform/console/ConsolePrinter.h"
 #include "platform/console/ConsoleSpeaker.h"
+#include "platform/native/SingleInstance.h"
 
 namespace hylden {
 
@@ -83,6 +84,7 @@ class ConsoleStation {
   ConsoleDialogs dialogs_;
   ConsoleSpeaker speaker_;
   ConsolePrinter printer_;
+  SingleInstance instance_;
   std::unique_ptr<Bus> bus_;
   std::unique_ptr<Station> station_;
   std::int64_t elapsedMs_ = 0;

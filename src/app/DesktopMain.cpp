@@ -10,12 +10,13 @@
 #include "bench/Bench.h"
 #include "platform/console/ConsoleClock.h"
 #include "platform/native/ProgramDirectory.h"
+#include "platform/native/SingleInstance.h"
+#include "platform/native/StandardStreams.h"
 #include "platform/qt/EndSignals.h"
 #include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtEventLoop.h"
 #include "platform/qt/QtPrinter.h"
 #include "platform/qt/QtSpeaker.h"
-#include "platform/qt/SingleInstance.h"
 
 namespace hylden {
 
@@ -77,6 +78,7 @@ int RunDesktop(DesktopApplication& application, QtDialogs& dialogs, const std::s
 }  // namespace hylden
 
 int main(int argc, char** argv) {
+  hylden::KeepStandardStreams();
   hylden::DesktopApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("hylden"));
   // A form hides the one that opened it: the last visible window often closes before the program ends.

@@ -2,6 +2,7 @@
 
 #include "app/ConsoleRun.h"
 #include "measure/ReadFreq.h"
+#include "platform/native/StandardStreams.h"
 
 namespace {
 
@@ -56,6 +57,7 @@ void TakeChoices(const CLI::App& app, RunOptions& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  hylden::KeepStandardStreams();
   RunOptions options;
   CLI::App app{
       "Runs a conducted RF immunity test or a calibration from its files to the file that it makes.\n"

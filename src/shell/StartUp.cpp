@@ -81,7 +81,7 @@ std::string JoinArguments(const std::vector<std::string>& arguments) {
 bool StartUp(Shell& shell, StartUpSteps& steps, const std::string& commandLine) {
   steps.SetTitle(VersionTitle());
   if (steps.AnotherInstanceRuns()) {
-    shell.dialogs.Tell("This application is already running on this computer");
+    shell.dialogs.Tell(kAnotherInstanceText);
     return false;
   }
   steps.SetHelpFile(HelpFilePath(shell.settings.ProgramDirectory()));

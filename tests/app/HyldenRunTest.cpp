@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -11,6 +12,7 @@
 
 #include "documents/CalSetupRecord.h"
 #include "documents/TestDefinition.h"
+#include "platform/native/SingleInstance.h"
 #include "support/TempDir.h"
 #include "text/RecordFile.h"
 
@@ -25,13 +27,23 @@ struct Outcome {
   std::string output;
 };
 
-/// Runs the program without a terminal in the demo station's directory, feeding every piece of its output to `watch`.
-Outcome HyldenRun(std::vector<std::string> arguments,
-                  const std::function<void(pid_t, const std::string& soFar)>& watch = {}) {
+/// The lock of this test's programs: others run beside it.
+const std::string kOwnLock = "test-" + std::to_string(getpid());
+
+/// Becomes the program in the demo station's directory.
+[[noreturn]] void Become(std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), HYLDEN_BINARY_DIR "/bin/hylden-run");
   std::vector<char*> argv;
   for (std::string& argument : arguments) argv.push_back(argument.data());
   argv.push_back(nullptr);
+  setenv("HYLDEN_LOCK", kOwnLock.c_str(), 1);
+  if (chdir(kStation) == 0) execv(argv[0], argv.data());
+  _exit(127);
+}
+
+/// Runs the program without a terminal, feeding every piece of its output to `watch`.
+Outcome HyldenRun(const std::vector<std::string>& arguments,
+                  const std::function<void(pid_t, const std::string& soFar)>& watch = {}) {
   std::array<int, 2> ends{};
   if (pipe(ends.data()) != 0) return {};
   const pid_t child = fork();
@@ -41,8 +53,7 @@ Outcome HyldenRun(std::vector<std::string> arguments,
     close(STDIN_FILENO);
     close(ends[0]);
     close(ends[1]);
-    if (chdir(kStation) == 0) execv(argv[0], argv.data());
-    _exit(127);
+    Become(arguments);
   }
   close(ends[1]);
   Outcome outcome;
@@ -160,6 +171,28 @@ TEST_F(HyldenRunProgram, HaltsOnSignalsWithTheRowsSaved) {
     EXPECT_NE(outcome.output.find("Ended early: "), std::string::npos);
     EXPECT_GE(ReadLines(Output()).size(), 3U + 3U);
   }
+}
+
+TEST_F(HyldenRunProgram, IsRefusedOnABusThatAnotherProgramHasAndRunsOnTheBenchBesideIt) {
+  SingleInstance other("hylden-" + kOwnLock);
+  ASSERT_TRUE(other.Claim());
+  const Outcome onTheBus =
+      HyldenRun({"--equipment", "station.eqp", "--test", "substitution-am.tst", "--output", Output(), "--yes"});
+  EXPECT_EQ(onTheBus.status, kFailed);
+  EXPECT_EQ(onTheBus.output, "This application is already running on this computer\n");
+  EXPECT_EQ(HyldenRun(OnTheBench("substitution-am.tst", {"--yes"})).status, kFinished);
+}
+
+TEST_F(HyldenRunProgram, RunsWithItsStandardStreamsClosed) {
+  const pid_t child = fork();
+  if (child == 0) {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) close(stream);
+    Become(OnTheBench("substitution-am.tst", {"--yes"}));
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, kFinished);
+  EXPECT_EQ(ReadLines(Output()).size(), 67U + 3U);
 }
 
 class HyldenRunCalibration : public testing::Test {

@@ -1,6 +1,4 @@
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <QDropEvent>
 #include <QElapsedTimer>
@@ -20,7 +18,6 @@
 #include "platform/qt/QtEventLoop.h"
 #include "platform/qt/QtPrinter.h"
 #include "platform/qt/QtSpeaker.h"
-#include "platform/qt/SingleInstance.h"
 #include "platform/qt/ThemeColors.h"
 #include "support/TempDir.h"
 #include "text/RuntimeError.h"
@@ -112,29 +109,6 @@ TEST(Tone, WaveHasTheLengthAskedFor) {
   EXPECT_EQ(ToneWave({{1000, -1}}).size(), 44);
   EXPECT_EQ(ToneWave({{1000, 1 << 30}}).size(), 44 + 2 * 22050 * 5);
   EXPECT_EQ(ToneWave({{1000, 40}, {1176, 40}, {870, 120}}).size(), wave.size()) << "tones in a row";
-}
-
-TEST(SingleInstance, SecondOneIsRefusedUntilTheFirstHasGone) {
-  const TempDir directory;
-  const QString place = QString::fromStdString(directory.Path());
-  auto first = std::make_unique<SingleInstance>(place);
-  SingleInstance second(place);
-  EXPECT_TRUE(first->Claim());
-  EXPECT_FALSE(second.Claim());
-  first.reset();
-  EXPECT_TRUE(second.Claim());
-}
-
-TEST(SingleInstance, CrashedHolderHoldsNothing) {
-  const TempDir directory;
-  const pid_t gone = fork();
-  if (gone == 0) _exit(0);
-  int status = 0;
-  waitpid(gone, &status, 0);
-  char host[256] = {};
-  gethostname(host, sizeof host - 1);
-  directory.Write("hylden.lock", std::to_string(gone) + "\nhylden\n" + host + "\n");
-  EXPECT_TRUE(SingleInstance(QString::fromStdString(directory.Path())).Claim());
 }
 
 TEST(EndSignals, TermArrivesThroughTheEventLoop) {

@@ -1,0 +1,88 @@
+#include "platform/native/SingleInstance.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <memory>
+
+namespace hylden {
+namespace {
+
+/// A place of this test alone: others run beside it.
+std::string OwnPlace() {
+  return "hylden-test-" + std::to_string(getpid());
+}
+
+/// Another process that has taken the place, as another user where this one may become it.
+class Holder {
+ public:
+  explicit Holder(const std::string& place) {
+    int ends[2];
+    if (pipe(ends) != 0) return;
+    process_ = fork();
+    if (process_ == 0) {
+      umask(077);
+      setenv("TMPDIR", "/nowhere", 1);
+      if (getuid() == 0 && setuid(12345) != 0) _exit(1);
+      SingleInstance instance(place);
+      const char claimed = instance.Claim() ? 1 : 0;
+      if (write(ends[1], &claimed, 1) == 1) pause();
+      _exit(0);
+    }
+    close(ends[1]);
+    char claimed = 0;
+    Claimed = read(ends[0], &claimed, 1) == 1 && claimed == 1;
+    close(ends[0]);
+  }
+  ~Holder() { Kill(); }
+
+  void Kill() {
+    if (process_ <= 0) return;
+    kill(process_, SIGKILL);
+    waitpid(process_, nullptr, 0);
+    process_ = -1;
+  }
+
+  bool Claimed = false;
+
+ private:
+  pid_t process_ = -1;
+};
+
+TEST(SingleInstance, SecondOneIsRefusedUntilTheFirstHasGone) {
+  auto first = std::make_unique<SingleInstance>(OwnPlace());
+  SingleInstance second(OwnPlace());
+  EXPECT_TRUE(first->Claim());
+  EXPECT_TRUE(first->Claim());
+  EXPECT_FALSE(second.Claim());
+  first.reset();
+  EXPECT_TRUE(second.Claim());
+}
+
+TEST(SingleInstance, IsOnePerComputerWhateverTheUserAndItsTemporaryDirectory) {
+  Holder other(OwnPlace());
+  ASSERT_TRUE(other.Claimed);
+  EXPECT_FALSE(SingleInstance(OwnPlace()).Claim());
+}
+
+TEST(SingleInstance, AKilledHolderKeepsNobodyOut) {
+  Holder other(OwnPlace());
+  ASSERT_TRUE(other.Claimed);
+  other.Kill();
+  EXPECT_TRUE(SingleInstance(OwnPlace()).Claim());
+}
+
+TEST(SingleInstance, ATestHasAPlaceOfItsOwn) {
+  unsetenv("HYLDEN_LOCK");
+  EXPECT_EQ(SingleInstance::Place(), "hylden");
+  setenv("HYLDEN_LOCK", "x", 1);
+  EXPECT_EQ(SingleInstance::Place(), "hylden-x");
+  unsetenv("HYLDEN_LOCK");
+}
+
+}  // namespace
+}  // namespace hylden
