@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "text/Leftovers.h"
 #include "text/RuntimeError.h"
 
 namespace hylden {
@@ -128,9 +129,10 @@ void CheckWritable(const fs::path& path, fs::perms permissions) {
 
 /// A name beside the target that nobody uses, and the file of that name.
 std::pair<fs::path, File> NewFileBeside(const fs::path& target) {
-  constexpr int kMostLeftovers = 1000;
-  for (int i = 0; i < kMostLeftovers; ++i) {
-    const fs::path path = target.parent_path() / (".hylden-" + std::to_string(i) + ".tmp");
+  constexpr int kMostAtOnce = 1000;
+  RemoveLeftovers(target.parent_path());
+  for (int i = 0; i < kMostAtOnce; ++i) {
+    const fs::path path = target.parent_path() / TemporaryName(i);
     if (File file{std::fopen(path.c_str(), "wbx")}; file) return {path, std::move(file)};
     if (errno != EEXIST) FailWith(errno);
   }

@@ -1,6 +1,9 @@
 #include "text/TextFile.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -106,6 +109,21 @@ TEST_F(TextFileTest, ALeftoverOfAnEarlierCrashIsNoObstacle) {
   ReplaceFile(At("a.tst"), "new");
   EXPECT_EQ(folder_.Read("a.tst"), "new");
   EXPECT_EQ(folder_.Read(".hylden-0.tmp"), "half a fi");
+}
+
+TEST_F(TextFileTest, WhatAKilledSaveHasLeftGoesWithTheNextOne) {
+  const pid_t killed = fork();
+  if (killed == 0) {
+    FileReplacement unfinished(At("a.tst"), "half a fi");
+    raise(SIGKILL);
+  }
+  waitpid(killed, nullptr, 0);
+  ASSERT_EQ(OtherFiles("a.tst"), 1);
+  FileReplacement atWork(At("b.tst"), "of a living process");
+  ReplaceFile(At("a.tst"), "new");
+  EXPECT_EQ(OtherFiles("a.tst"), 1);
+  atWork.Place();
+  EXPECT_EQ(folder_.Read("b.tst"), "of a living process");
 }
 
 TEST_F(TextFileTest, AReadOnlyFileIsRefusedAndStaysWhole) {
