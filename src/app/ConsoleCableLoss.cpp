@@ -49,7 +49,7 @@ class CableLoss {
 bool CableLoss::Plan() {
   const auto failure = CheckCableStation(station_.TheDocuments().equip.Record);
   if (failure) station_.Tell(failure->Text);
-  return !failure && run_.BuildPlan();
+  return !failure && run_.BuildPlan() && station_.MayMakeOutput(run_.Points().size());
 }
 
 ExitState CableLoss::Run() {
@@ -118,7 +118,7 @@ ExitState RunCableLoss(ConsoleStation& station) {
     station.Tell("The passes need somebody at a terminal, who moves the cable between them.");
     return ExitState::Failed;
   }
-  if (!station.SetUp({options.OutputFile})) return ExitState::Failed;
+  if (!station.SetUp()) return ExitState::Failed;
   CableLoss job(station, setup);
   return job.Plan() ? job.Run() : ExitState::Failed;
 }

@@ -64,17 +64,15 @@ bool SavedOrPrinted(ConsoleStation& station, const LevelCalibration& calibration
 }  // namespace
 
 ExitState RunLevelCalibration(ConsoleStation& station) {
-  const std::string& record = station.Options().OutputFile;
-  const std::optional<std::string> infoFile = InfoFileBeside(record);
-  if (!infoFile) {
+  if (!InfoFileBeside(station.Options().OutputFile)) {
     station.Tell("--output: a calibration record ends with .cal");
     return ExitState::Usage;
   }
-  if (!station.SetUp({record, *infoFile}) || !Load(station)) return ExitState::Failed;
+  if (!station.SetUp() || !Load(station)) return ExitState::Failed;
   station.ConnectMeter(MeterAt::Port);
   ConsoleCalDisplay display(station.Progress());
   LevelCalibration calibration(station.TheShell(), station.TheInstruments(), station.TheDocuments(), display);
-  if (!calibration.Prepare()) return ExitState::Failed;
+  if (!calibration.Prepare() || !station.MayMakeOutput(calibration.Frequencies().size())) return ExitState::Failed;
   if (Connected(station)) station.Run([&] { calibration.Run(); });
   const bool saved = SavedOrPrinted(station, calibration);
   return station.End(calibration.Outcome(), saved, calibration.Rows().size(), calibration.Frequencies().size());

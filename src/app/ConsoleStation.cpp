@@ -17,6 +17,9 @@ namespace hylden {
 
 namespace {
 
+/// What a row of any of the files takes at most, roughly, and what stands around the rows.
+constexpr std::size_t kBytesOfRow = 64, kBytesAround = 1024;
+
 bool AtTerminal(int descriptor) {
   return isatty(descriptor) != 0;
 }
@@ -32,7 +35,8 @@ ConsoleStation::ConsoleStation(const RunOptions& options)
                   }),
       progress_(std::cout, AtTerminal(STDOUT_FILENO)),
       dialogs_(STDIN_FILENO, std::cout, realEvents_, DialogOptions()),
-      printer_(std::cout) {
+      printer_(std::cout),
+      output_(options) {
   // Ctrl-C counts on a virtual clock, too.
   virtualEvents_.onYield = [this] { realEvents_.Yield(0); };
 }
@@ -53,7 +57,7 @@ ConsoleDialogsOptions ConsoleStation::DialogOptions() {
   // The output file was named on the command line: saving to it is no question any more.
   ConsoleDialogsOptions dialogs{.terminal = terminal_,
                                 .confirmedTitles = {question::kSaveRunData, question::kSaveCalibration},
-                                .savePath = options_.OutputFile};
+                                .savePath = [this] { return PlaceToSave(); }};
   if (options_.Yes) {
     for (const char* title : {question::kMakeSure, question::kReplace}) dialogs.confirmedTitles.emplace_back(title);
     if (options_.UseBench) dialogs.confirmedTitles.emplace_back(question::kPass);
@@ -62,14 +66,23 @@ ConsoleDialogsOptions ConsoleStation::DialogOptions() {
   return dialogs;
 }
 
-bool ConsoleStation::SetUp(const std::vector<std::string>& outputs) {
+bool ConsoleStation::SetUp() {
   if (!MakeBus()) return false;
   station_ = std::make_unique<Station>(Platform{dialogs_, TheClock(), TheLoop(), speaker_, printer_, bus_->Driver()},
                                        ProgramDirectory());
   if (options_.UseBench) std::cout << "SIMULATED BENCH: no instrument is driven\n" << std::flush;
-  for (const std::string& output : outputs)
-    if (!MayWrite(output)) return false;
-  return LoadEquipment();
+  return SettingsReadable() && LoadEquipment();
+}
+
+/// Saving looks for its directory there: a failure at the end would cost what was recorded.
+bool ConsoleStation::SettingsReadable() {
+  try {
+    TheShell().settings.GetDataDir(datakind::kTestResults);
+    return true;
+  } catch (const SettingError& error) {
+    Tell("The settings file Hylden.ini can't be read: " + error.Description());
+    return false;
+  }
 }
 
 bool ConsoleStation::MakeBus() {
@@ -97,18 +110,46 @@ bool ConsoleStation::MakeBus() {
   return true;
 }
 
-bool ConsoleStation::MayWrite(const std::string& name) {
-  if (!MayReplace(name)) {
-    Tell("Nothing can be written to " + name);
+bool ConsoleStation::MayMakeOutput(std::size_t rows) {
+  const auto files = FilesOfTheRun(options_, TheDocuments(), TheShell().settings.ProgramDirectory());
+  if (const auto replaced = output_.Replaced(files)) {
+    Tell("--output would replace a file that this run uses: " + *replaced);
     return false;
   }
+  for (const std::string& file : output_.Files()) {
+    if (const auto obstacle = SaveObstacle(file, rows * kBytesOfRow + kBytesAround)) {
+      Tell("Nothing can be written to " + file + ": " + *obstacle);
+      return false;
+    }
+    if (!MayReplace(file, " exists. Replace it?")) {
+      Tell("The file is kept; nothing was switched on.");
+      return false;
+    }
+  }
+  output_.Note();
+  return true;
+}
+
+bool ConsoleStation::MayReplace(const std::string& file, const std::string& question) {
   std::error_code error;
-  if (!std::filesystem::exists(name, error)) return true;
-  if (dialogs_.Show({name + " exists. Replace it?", question::kReplace, MessageIcon::Question,
-                     MessageButtons::YesNo}) == MessageAnswer::Yes)
-    return true;
-  Tell("The file is kept; nothing was switched on.");
-  return false;
+  if (!std::filesystem::exists(SavePath(file), error)) return true;
+  return dialogs_.Show({file + question, question::kReplace, MessageIcon::Question, MessageButtons::YesNo}) ==
+         MessageAnswer::Yes;
+}
+
+/// The file that was asked for. One that has come meanwhile is nobody's to replace unasked, "--yes" or not, and whoever
+/// has stopped the program may not be there to answer: it is kept then, and the data go beside it.
+std::string ConsoleStation::PlaceToSave() {
+  const auto appeared = output_.Appeared();
+  if (!appeared) return output_.Name();
+  const bool mayAsk = terminal_ && !options_.Yes && !realEvents_.StopRequested();
+  if (mayAsk && MayReplace(*appeared, " has come or changed meanwhile. Replace it?")) return output_.Name();
+  output_.MoveAside();
+  progress_.End();
+  std::cout << *appeared << " has come or changed meanwhile and is kept.\nWhat was recorded goes to " << output_.Name()
+            << '\n'
+            << std::flush;
+  return output_.Name();
 }
 
 bool ConsoleStation::LoadEquipment() {
@@ -158,7 +199,7 @@ void ConsoleStation::Run(const std::function<void()>& work) {
 }
 
 void ConsoleStation::PrintUnsaved(const std::string& text) {
-  std::cout << "This is not in " << options_.OutputFile << ":\n" << text << std::flush;
+  std::cout << "This is not in " << output_.Name() << ":\n" << text << std::flush;
 }
 
 ExitState ConsoleStation::End(RunOutcome outcome, bool saved, std::size_t done, std::size_t planned) {
@@ -170,7 +211,7 @@ ExitState ConsoleStation::End(RunOutcome outcome, bool saved, std::size_t done, 
               << Format(static_cast<double>(elapsedMs_) / 60000, "##0.0") << " min"
               << (options_.VirtualTime ? " of bench time" : "") << '\n';
   if (realEvents_.StopRequested()) return ExitState::Halted;
-  return finished && saved ? ExitState::Finished : ExitState::Failed;
+  return finished && saved && !output_.IsAside() ? ExitState::Finished : ExitState::Failed;
 }
 
 }  // namespace hylden

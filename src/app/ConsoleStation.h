@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "app/ConsoleOutput.h"
 #include "app/ConsoleRun.h"
 #include "app/ProgressLine.h"
 #include "app/Station.h"
@@ -35,9 +36,13 @@ class ConsoleStation {
   explicit ConsoleStation(const RunOptions& options);
   ~ConsoleStation();
 
-  /// Builds the bus and the station and loads its equipment, after a look whether the files that the job makes can be
-  /// written. @return false after a message
-  bool SetUp(const std::vector<std::string>& outputs);
+  /// Builds the bus and the station and loads its equipment. @return false after a message
+  bool SetUp();
+  /// Whether what the job makes can be saved: it replaces nothing that the job reads, it can be written, and a file
+  /// that is there may be replaced. To be called when the job's files are loaded, before it switches anything on.
+  /// @param rows  how many the job will record
+  /// @return false after a message
+  bool MayMakeOutput(std::size_t rows);
 
   const RunOptions& Options() const { return options_; }
   Shell& TheShell() { return station_->shell; }
@@ -61,6 +66,8 @@ class ConsoleStation {
   void Run(const std::function<void()>& work);
   /// Prints what could not be saved, so that nothing measured is lost.
   void PrintUnsaved(const std::string& text);
+  /// Where the job's data are, or would be if they could be saved.
+  const std::string& OutputName() const { return output_.Name(); }
   /// Tells how the job's work ended.
   /// @param saved  what was measured is in its file, or nothing was
   ExitState End(RunOutcome outcome, bool saved, std::size_t done, std::size_t planned);
@@ -70,7 +77,9 @@ class ConsoleStation {
   EventLoop& TheLoop();
   ConsoleDialogsOptions DialogOptions();
   bool MakeBus();
-  bool MayWrite(const std::string& name);
+  bool SettingsReadable();
+  bool MayReplace(const std::string& file, const std::string& question);
+  std::string PlaceToSave();
   bool LoadEquipment();
 
   const RunOptions& options_;
@@ -85,6 +94,7 @@ class ConsoleStation {
   ConsoleSpeaker speaker_;
   ConsolePrinter printer_;
   SingleInstance instance_;
+  ConsoleOutput output_;
   std::unique_ptr<Bus> bus_;
   std::unique_ptr<Station> station_;
   std::int64_t elapsedMs_ = 0;

@@ -49,7 +49,7 @@ bool SavedOrPrinted(ConsoleStation& station, const RunEngine& engine) {
   if (engine.Data().IsEmpty()) return true;
   const std::string text = RunFileText(engine.Data(), false);
   try {
-    if (ReadTextFile(station.Options().OutputFile) == text) return true;
+    if (ReadTextFile(station.OutputName()) == text) return true;
   } catch (const RuntimeError&) {
     // Told together with the rows.
   }
@@ -60,7 +60,7 @@ bool SavedOrPrinted(ConsoleStation& station, const RunEngine& engine) {
 }  // namespace
 
 ExitState RunTest(ConsoleStation& station) {
-  if (!station.SetUp({station.Options().OutputFile}) || !Load(station)) return ExitState::Failed;
+  if (!station.SetUp() || !Load(station)) return ExitState::Failed;
   // The product is connected, with the monitor probe around its cable.
   station.ConnectMeter(MeterAt::Probe);
   ConsoleDisplay display(station.Progress());
@@ -68,6 +68,7 @@ ExitState RunTest(ConsoleStation& station) {
   RunEngine engine(station.TheShell(), station.TheInstruments(), station.TheDocuments(), display, controls);
   RunCommands commands(station.TheShell(), station.TheDocuments(), engine, controls);
   if (engine.Prepare() != RunReadiness::Ready) return ExitState::Failed;
+  if (!station.MayMakeOutput(engine.Steps().size())) return ExitState::Failed;
   station.Run([&] {
     commands.Run();
     display.Finish();

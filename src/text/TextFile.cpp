@@ -95,16 +95,6 @@ void WriteAndClose(File file, std::string_view content) {
   if (std::fclose(file.release()) != 0) FailWith(errno);
 }
 
-/// The path to save under: the name as given, in a folder that may be spelled in another case or with "\".
-std::string SavePath(const std::string& path) {
-  std::error_code ignored;
-  if (fs::exists(path, ignored)) return path;
-  const std::size_t separator = path.find_last_of("/\\");
-  if (separator == std::string::npos || separator == 0) return path;
-  const fs::path folder = ExistingPath(path.substr(0, separator));
-  return (folder / path.substr(separator + 1)).string();
-}
-
 /// The file at the end of a chain of symbolic links, which need not exist yet.
 fs::path LinkTarget(fs::path path) {
   constexpr int kLongestChain = 40;
@@ -170,11 +160,21 @@ std::vector<std::string> ReadLines(const std::string& path) {
   return lines;
 }
 
+std::string SavePath(const std::string& path) {
+  std::error_code ignored;
+  if (fs::exists(path, ignored)) return path;
+  const std::size_t separator = path.find_last_of("/\\");
+  if (separator == std::string::npos || separator == 0) return path;
+  const fs::path folder = ExistingPath(path.substr(0, separator));
+  return (folder / path.substr(separator + 1)).string();
+}
+
 FileReplacement::FileReplacement(const std::string& path, std::string_view content) {
   CheckName(path);
   const std::string chosen = SavePath(path);
-  std::error_code ignored;
-  const fs::file_status status = fs::status(chosen, ignored);
+  std::error_code ignored, failed;
+  const fs::file_status status = fs::status(chosen, failed);
+  if (failed == std::errc::filename_too_long) Fail(ErrorNumber::BadFileName);
   if (fs::is_directory(status)) Fail(ErrorNumber::PathFileAccessError);
   if (fs::exists(status) && !fs::is_regular_file(status)) {  // a device or a pipe has nothing to keep whole
     File device(std::fopen(chosen.c_str(), "wb"));
@@ -190,16 +190,16 @@ FileReplacement::FileReplacement(const std::string& path, std::string_view conte
   WriteAndClose(std::move(file), content);
 }
 
-bool MayReplace(const std::string& path) {
+std::optional<std::string> SaveObstacle(const std::string& path, std::size_t size) {
   std::error_code ignored;
-  const fs::file_status status = fs::status(path, ignored);
-  if (fs::exists(status) && !fs::is_regular_file(status)) return !fs::is_directory(status);
+  const fs::file_status status = fs::status(SavePath(path), ignored);
+  if (fs::exists(status) && !fs::is_regular_file(status)) return "It is no ordinary file";
   try {
-    const FileReplacement trial(path, "");
-  } catch (const RuntimeError&) {
-    return false;
+    const FileReplacement trial(path, std::string(size, ' '));
+  } catch (const RuntimeError& error) {
+    return error.Description();
   }
-  return true;
+  return std::nullopt;
 }
 
 FileReplacement::Temporary::~Temporary() {

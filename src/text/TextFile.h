@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -61,8 +62,12 @@ class FileReplacement {
   Temporary written_;
 };
 
-/// Whether a file could be written or replaced under this name, as far as can be told beforehand.
-bool MayReplace(const std::string& path);
+/// The path that a save ends under: the name as given, in a folder that may be spelled in another case or with "\".
+std::string SavePath(const std::string& path);
+
+/// Why a file of so many bytes can't be saved under this name, as far as can be told beforehand; nothing when it can.
+/// Only what stays a file is taken: what a device or a pipe swallows is not kept.
+std::optional<std::string> SaveObstacle(const std::string& path, std::size_t size);
 
 /// Replaces the file as a whole, or leaves it untouched. @throws RuntimeError as FileReplacement
 void ReplaceFile(const std::string& path, std::string_view content);

@@ -30,20 +30,21 @@ struct Outcome {
 /// The lock of this test's programs: others run beside it.
 const std::string kOwnLock = "test-" + std::to_string(getpid());
 
-/// Becomes the program in the demo station's directory.
-[[noreturn]] void Become(std::vector<std::string> arguments) {
+/// Becomes the program in the directory.
+[[noreturn]] void Become(std::vector<std::string> arguments, const std::string& directory = kStation) {
   arguments.insert(arguments.begin(), HYLDEN_BINARY_DIR "/bin/hylden-run");
   std::vector<char*> argv;
   for (std::string& argument : arguments) argv.push_back(argument.data());
   argv.push_back(nullptr);
   setenv("HYLDEN_LOCK", kOwnLock.c_str(), 1);
-  if (chdir(kStation) == 0) execv(argv[0], argv.data());
+  if (chdir(directory.c_str()) == 0) execv(argv[0], argv.data());
   _exit(127);
 }
 
 /// Runs the program without a terminal, feeding every piece of its output to `watch`.
 Outcome HyldenRun(const std::vector<std::string>& arguments,
-                  const std::function<void(pid_t, const std::string& soFar)>& watch = {}) {
+                  const std::function<void(pid_t, const std::string& soFar)>& watch = {},
+                  const std::string& directory = kStation) {
   std::array<int, 2> ends{};
   if (pipe(ends.data()) != 0) return {};
   const pid_t child = fork();
@@ -53,7 +54,7 @@ Outcome HyldenRun(const std::vector<std::string>& arguments,
     close(STDIN_FILENO);
     close(ends[0]);
     close(ends[1]);
-    Become(arguments);
+    Become(arguments, directory);
   }
   close(ends[1]);
   Outcome outcome;
@@ -93,6 +94,14 @@ class HyldenRunProgram : public testing::Test {
     return arguments;
   }
   std::string Output() const { return directory_.File("out.run"); }
+  /// The demo station's test in so many steps that it does not end while its output is looked at.
+  std::string LongTest(double logStep) const {
+    TestDefinition test;
+    LoadRecord(std::string(kStation) + "/substitution-am.tst", test);
+    test.LogStep = logStep;
+    SaveRecord(directory_.File("long.tst"), test);
+    return directory_.File("long.tst");
+  }
 
   TempDir directory_;
 };
@@ -144,6 +153,16 @@ TEST_F(HyldenRunProgram, TellsWhatIsWrongByItsExitStatus) {
         "--bench", "bench.txt", "--virtual-time", "--yes"},
        kFailed,
        "Nothing can be written to"},
+      {"output with a name that no folder takes",
+       {"--equipment", "station.eqp", "--test", "substitution-am.tst", "--output",
+        directory_.File(std::string(300, 'x')), "--bench", "bench.txt", "--virtual-time", "--yes"},
+       kFailed,
+       "Nothing can be written to"},
+      {"output that keeps nothing",
+       {"--equipment", "station.eqp", "--test", "substitution-am.tst", "--output", "/dev/null", "--bench", "bench.txt",
+        "--virtual-time", "--yes"},
+       kFailed,
+       "Nothing can be written to"},
   };
   for (const Refusal& refusal : refusals) {
     refusal.Expect();
@@ -151,21 +170,83 @@ TEST_F(HyldenRunProgram, TellsWhatIsWrongByItsExitStatus) {
   }
 }
 
+TEST_F(HyldenRunProgram, NeverReplacesAFileThatTheRunUses) {
+  const std::string station = directory_.File("station");
+  std::filesystem::copy(kStation, station);
+  const auto in = [&](const std::string& name) { return station + "/" + name; };
+  std::filesystem::create_symlink("substitution-am.tst", in("symbolic.run"));
+  std::filesystem::create_hard_link(in("scpi.sg"), in("hard.run"));
+  std::filesystem::create_hard_link(in("cdn-10v.csu"), in("record.hyinfo"));
+  const std::vector<std::string> test = {"--test", "substitution-am.tst"}, calibration = {"--calibrate", "cdn-10v.csu"},
+                                 cable = {"--cable-loss", "--start", "1", "--stop", "2", "--level", "-10"};
+  const struct {
+    std::vector<std::string> job;
+    std::string output, used;
+  } rows[] = {{test, "station.eqp", "station.eqp"},
+              {test, in("station.eqp"), "station.eqp"},
+              {test, "..\\station\\station.eqp", "station.eqp"},
+              {test, "symbolic.run", "substitution-am.tst"},
+              {test, "hard.run", "scpi.sg"},
+              {test, "analyser.mtr", "analyser.mtr"},
+              {test, "meter-cable.los", "meter-cable.los"},
+              {test, "cdn-10v.hyinfo", "cdn-10v.hyinfo"},
+              {test, "cdn-10v.cal", "cdn-10v.cal"},
+              {test, "bench.txt", "bench.txt"},
+              {calibration, "record.cal", "cdn-10v.csu"},
+              {cable, "two-channel.pm", "two-channel.pm"}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.output);
+    std::vector<std::string> arguments = row.job;
+    arguments.insert(arguments.end(), {"--output", row.output, "--equipment", "station.eqp", "--bench", "bench.txt",
+                                       "--virtual-time", "--yes"});
+    const std::string before = directory_.Read("station/" + row.used);
+    const Outcome outcome = HyldenRun(arguments, {}, station);
+    EXPECT_EQ(outcome.status, kFailed);
+    EXPECT_NE(outcome.output.find("would replace a file that this run uses: " + row.used), std::string::npos)
+        << outcome.output;
+    EXPECT_EQ(directory_.Read("station/" + row.used), before);
+  }
+}
+
+TEST_F(HyldenRunProgram, SwitchesNothingOnWithSettingsThatCanNotBeRead) {
+  directory_.Write("home/Hylden.ini/inside", "");
+  setenv("HYLDEN_HOME", directory_.File("home").c_str(), 1);
+  const Outcome outcome = HyldenRun(OnTheBench("substitution-am.tst", {"--yes"}));
+  unsetenv("HYLDEN_HOME");
+  EXPECT_EQ(outcome.status, kFailed);
+  EXPECT_NE(outcome.output.find("Hylden.ini"), std::string::npos) << outcome.output;
+  EXPECT_EQ(outcome.output.find("MAKE SURE"), std::string::npos) << outcome.output;
+}
+
+TEST_F(HyldenRunProgram, KeepsAFileThatHasComeMeanwhileAndSavesBesideIt) {
+  // The program can't be further ahead than its output fits into the pipe.
+  const std::string longTest = LongTest(0.1);
+  directory_.Write("out-2.run", "of yesterday");
+  bool written = false;
+  const Outcome outcome = HyldenRun(OnTheBench(longTest, {"--yes"}), [&](pid_t, const std::string& soFar) {
+    if (written || soFar.find("step 3 of") == std::string::npos) return;
+    directory_.Write("out.run", "of somebody else");
+    written = true;
+  });
+  EXPECT_EQ(outcome.status, kFailed);
+  EXPECT_NE(outcome.output.find("What was recorded goes to " + directory_.File("out-3.run")), std::string::npos)
+      << outcome.output.substr(outcome.output.size() - 500);
+  EXPECT_EQ(directory_.Read("out.run"), "of somebody else");
+  EXPECT_EQ(directory_.Read("out-2.run"), "of yesterday");
+  EXPECT_GT(ReadLines(directory_.File("out-3.run")).size(), 6000U);
+  EXPECT_EQ(outcome.output.find("This is not in"), std::string::npos);
+}
+
 TEST_F(HyldenRunProgram, HaltsOnSignalsWithTheRowsSaved) {
-  // Long enough that the signal always comes in the middle.
-  TestDefinition test;
-  LoadRecord(std::string(kStation) + "/substitution-am.tst", test);
-  test.LogStep = 0.005;
-  SaveRecord(directory_.File("long.tst"), test);
+  const std::string longTest = LongTest(0.005);
   for (const int signal : {SIGINT, SIGTERM}) {
     SCOPED_TRACE(signal);
     bool sent = false;
-    const Outcome outcome =
-        HyldenRun(OnTheBench(directory_.File("long.tst"), {"--yes"}), [&](pid_t child, const std::string& soFar) {
-          if (sent || soFar.find("step 3 of") == std::string::npos) return;
-          sent = true;
-          kill(child, signal);
-        });
+    const Outcome outcome = HyldenRun(OnTheBench(longTest, {"--yes"}), [&](pid_t child, const std::string& soFar) {
+      if (sent || soFar.find("step 3 of") == std::string::npos) return;
+      sent = true;
+      kill(child, signal);
+    });
     EXPECT_TRUE(sent);
     EXPECT_EQ(outcome.status, kHalted) << outcome.output.substr(outcome.output.size() - 500);
     EXPECT_NE(outcome.output.find("Ended early: "), std::string::npos);
@@ -220,10 +301,13 @@ class HyldenRunCalibration : public testing::Test {
     return file;
   }
   /// Runs and sends a signal when the text has been printed.
-  static Outcome Interrupted(const std::vector<std::string>& arguments, const std::string& at) {
+  static Outcome Interrupted(const std::vector<std::string>& arguments, const std::string& at,
+                             const std::function<void()>& before = {}) {
     bool sent = false;
     return HyldenRun(arguments, [&](pid_t child, const std::string& soFar) {
-      if (!sent && soFar.find(at) != std::string::npos) sent = kill(child, SIGINT) == 0;
+      if (sent || soFar.find(at) == std::string::npos) return;
+      if (before) before();
+      sent = kill(child, SIGINT) == 0;
     });
   }
 
@@ -251,6 +335,17 @@ TEST_F(HyldenRunCalibration, KeepsThePointsOfARunThatEndsEarly) {
   const Outcome halted = Interrupted(Level(fine, {"--yes"}), "step 3 of");
   EXPECT_EQ(halted.status, kHalted) << halted.output.substr(halted.output.size() - 500);
   EXPECT_GE(ReadLines(directory_.File("out.cal")).size(), 3U);
+}
+
+TEST_F(HyldenRunCalibration, KeepsAnInfoFileThatHasComeMeanwhileAndSavesBothFilesBesideIt) {
+  const std::string fine = Setup([](CalSetupRecord& s) { s.LogStep = 0.01; });
+  const Outcome halted =
+      Interrupted(Level(fine, {"--yes"}), "step 3 of", [&] { directory_.Write("out.hyinfo", "of somebody else"); });
+  EXPECT_EQ(halted.status, kHalted) << halted.output.substr(halted.output.size() - 500);
+  EXPECT_EQ(directory_.Read("out.hyinfo"), "of somebody else");
+  EXPECT_FALSE(directory_.Exists("out.cal"));
+  EXPECT_GE(ReadLines(directory_.File("out-2.cal")).size(), 3U);
+  EXPECT_EQ(ReadLines(directory_.File("out-2.hyinfo")).size(), 6U);
 }
 
 TEST_F(HyldenRunCalibration, PrintsThePointThatIsTooFewForARecord) {

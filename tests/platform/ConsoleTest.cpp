@@ -95,7 +95,7 @@ TEST_F(ConsoleTest, ARequestToStopDeclinesTheOpenQuestion) {
 }
 
 TEST_F(ConsoleTest, SavesToTheGivenPathOnce) {
-  ConsoleDialogs dialogs = Make({.savePath = "/data/a.run"});
+  ConsoleDialogs dialogs = Make({.savePath = [] { return "/data/a.run"; }});
   EXPECT_EQ(dialogs.SaveFile({"Save", ""}), "/data/a.run");
   // A path that could not be written must not be offered for ever.
   EXPECT_EQ(dialogs.SaveFile({"Save", ""}), std::nullopt);
@@ -129,8 +129,8 @@ TEST_P(StopSignalTest, RunsTheCallbackInsteadOfEndingTheProgram) {
 
 INSTANTIATE_TEST_SUITE_P(Console, StopSignalTest, testing::Values(SIGINT, SIGTERM, SIGHUP, SIGQUIT));
 
-TEST_F(ConsoleTest, NeitherAClosedReaderNorJobControlEndsOrFreezesTheProgram) {
-  for (const int number : {SIGPIPE, SIGTSTP, SIGTTIN, SIGTTOU}) raise(number);
+TEST_F(ConsoleTest, NeitherAClosedReaderNorJobControlNorAFullFileEndsOrFreezesTheProgram) {
+  for (const int number : {SIGPIPE, SIGTSTP, SIGTTIN, SIGTTOU, SIGXFSZ}) raise(number);
   events_.Yield();
   EXPECT_FALSE(events_.StopRequested());
 }

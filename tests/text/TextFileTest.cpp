@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -124,6 +126,47 @@ TEST_F(TextFileTest, WhatAKilledSaveHasLeftGoesWithTheNextOne) {
   EXPECT_EQ(OtherFiles("a.tst"), 1);
   atWork.Place();
   EXPECT_EQ(folder_.Read("b.tst"), "of a living process");
+}
+
+/// No file may grow beyond this while it lives: stands for a disk that is nearly full.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) : handler_(signal(SIGXFSZ, SIG_IGN)) {
+    getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit limit{bytes, before_.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FileSizeLimit() {
+    setrlimit(RLIMIT_FSIZE, &before_);
+    signal(SIGXFSZ, handler_);
+  }
+
+ private:
+  rlimit before_{};
+  void (*handler_)(int);
+};
+
+TEST_F(TextFileTest, WhatWouldKeepAFileFromBeingSavedIsToldBeforehand) {
+  folder_.Write("old.run", "old");
+  folder_.Write("folder/inside", "");
+  mkfifo(At("pipe").c_str(), 0600);
+  const FileSizeLimit limit(5000);
+  const struct {
+    std::string name;
+    std::size_t size;
+    std::optional<std::string> expected;
+  } rows[] = {
+      {"new.run", 4000, std::nullopt},
+      {"old.run", 4000, std::nullopt},
+      {"new.run", 6000, "Disk full"},
+      {"folder", 1, "It is no ordinary file"},
+      {"pipe", 1, "It is no ordinary file"},
+      {"no/new.run", 1, "Path not found"},
+      {std::string(300, 'x'), 1, "Bad file name or number"},
+  };
+  for (const auto& row : rows) EXPECT_EQ(SaveObstacle(At(row.name), row.size), row.expected) << row.name;
+  EXPECT_EQ(folder_.Read("old.run"), "old");
+  EXPECT_EQ(OtherFiles("old.run"), 2);
 }
 
 TEST_F(TextFileTest, AReadOnlyFileIsRefusedAndStaysWhole) {

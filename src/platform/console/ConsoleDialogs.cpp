@@ -123,7 +123,7 @@ std::optional<std::string> ConsoleDialogs::OpenFile(const FileRequest& request) 
 }
 
 std::optional<std::string> ConsoleDialogs::SaveFile(const FileRequest& request) {
-  if (options_.savePath) return std::exchange(options_.savePath, std::nullopt);
+  if (const auto savePath = std::exchange(options_.savePath, nullptr)) return savePath();
   return AskPath(request);
 }
 

@@ -19,8 +19,8 @@ struct ConsoleDialogsOptions {
   bool terminal = false;
   /// Questions with one of these titles are confirmed without asking: what "--yes" stands for.
   std::vector<std::string> confirmedTitles = {};
-  /// The answer to the first question for a file to save; later ones are asked like any other.
-  std::optional<std::string> savePath = {};
+  /// Answers the first question for a file to save; later ones are asked like any other.
+  std::function<std::optional<std::string>()> savePath = {};
   /// Called before anything is printed: ends a progress line that is still open.
   std::function<void()> beforeText = {};
 };

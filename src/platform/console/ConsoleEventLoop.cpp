@@ -19,8 +19,9 @@ namespace hylden {
 namespace {
 
 constexpr std::array kStopSignals = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
-// Frozen by Ctrl-Z, or by touching the terminal from the background, the program would leave RF on unattended.
-constexpr std::array kIgnoredSignals = {SIGPIPE, SIGTSTP, SIGTTIN, SIGTTOU};
+// Frozen by Ctrl-Z, or by touching the terminal from the background, or ended by a file that may not grow any more, the
+// program would leave RF on unattended.
+constexpr std::array kIgnoredSignals = {SIGPIPE, SIGTSTP, SIGTTIN, SIGTTOU, SIGXFSZ};
 
 /// The pipe's writing end; a signal handler can reach nothing else.
 std::atomic<int> signalPipe{-1};

@@ -1,0 +1,106 @@
+#include "app/ConsoleOutput.h"
+
+#include <algorithm>
+#include <system_error>
+
+#include "documents/Documents.h"
+#include "documents/clsCalFile.h"
+#include "text/TextFile.h"
+
+namespace hylden {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+void Append(std::vector<std::string>& files, std::vector<std::string> more) {
+  files.insert(files.end(), more.begin(), more.end());
+}
+
+bool Exists(const std::string& file) {
+  std::error_code ignored;
+  return fs::exists(SavePath(file), ignored);
+}
+
+/// The name with a number before its ending.
+std::string Numbered(const std::string& name, int number) {
+  const std::size_t folder = name.find_last_of("/\\"), dot = name.rfind('.');
+  const bool ends = dot != std::string::npos && (folder == std::string::npos || dot > folder + 1);
+  return std::string(name).insert(ends ? dot : name.size(), "-" + std::to_string(number));
+}
+
+}  // namespace
+
+std::vector<std::string> FilesOfTheRun(const RunOptions& options, const Documents& documents,
+                                       const std::string& programDirectory) {
+  const EquipRecord& e = documents.equip.Record;
+  const TestDefinition& test = documents.testSetup.Definition;
+  const CalSetupRecord& setup = documents.calSetup.Record;
+  std::vector<std::string> files = {options.EquipmentFile, options.BenchFile, e.SigGenFile,   e.MeterFile, e.PwrMtrFile,
+                                    e.FwdPortFile,         e.RevPortFile,     e.MaxPowerFile, e.ProbeFile};
+  switch (options.What) {
+    case RunOptions::Job::Test:
+      Append(files, {options.TestFile, test.ListFile, test.CalInfoFile,
+                     fs::path(test.CalInfoFile).replace_extension(".cal").string(), e.CableLossFile});
+      break;
+    case RunOptions::Job::Calibration:
+      Append(files, {options.SetupFile, setup.ListFile, setup.LimitFile, e.CableLossFile});
+      break;
+    case RunOptions::Job::CableLoss:  // it makes the station's cable loss table afresh
+      Append(files, {options.Cable.ListFile});
+      break;
+  }
+  Append(files, {programDirectory + "/Hylden.ini", "runlog.hyl"});
+  return files;
+}
+
+ConsoleOutput::ConsoleOutput(const RunOptions& options)
+    : isRecord_(options.What == RunOptions::Job::Calibration), files_(FilesNamed(options.OutputFile)) {}
+
+std::vector<std::string> ConsoleOutput::FilesNamed(const std::string& name) const {
+  const auto info = isRecord_ ? InfoFileBeside(name) : std::nullopt;
+  return info ? std::vector{name, *info} : std::vector{name};
+}
+
+std::optional<std::string> ConsoleOutput::Replaced(const std::vector<std::string>& others) const {
+  const auto isOutput = [this](const std::string& other) {
+    return std::any_of(files_.begin(), files_.end(), [&](const std::string& file) {
+      std::error_code oneIsMissing;
+      return fs::equivalent(SavePath(file), ExistingPath(other), oneIsMissing);
+    });
+  };
+  const auto found = std::find_if(others.begin(), others.end(), isOutput);
+  if (found == others.end()) return std::nullopt;
+  return *found;
+}
+
+std::optional<ConsoleOutput::State> ConsoleOutput::StateOf(const std::string& file) {
+  std::error_code failed;
+  State state{fs::file_size(SavePath(file), failed), {}};
+  if (!failed) state.Changed = fs::last_write_time(SavePath(file), failed);
+  if (failed) return std::nullopt;
+  return state;
+}
+
+void ConsoleOutput::Note() {
+  noted_.clear();
+  for (const std::string& file : files_) noted_.push_back(StateOf(file));
+}
+
+std::optional<std::string> ConsoleOutput::Appeared() const {
+  for (std::size_t i = 0; i < noted_.size(); ++i) {
+    const auto now = StateOf(files_[i]);
+    if (now && now != noted_[i]) return files_[i];
+  }
+  return std::nullopt;
+}
+
+void ConsoleOutput::MoveAside() {
+  const std::string named = files_.front();
+  for (int number = 2; std::any_of(files_.begin(), files_.end(), Exists); ++number)
+    files_ = FilesNamed(Numbered(named, number));
+  noted_.clear();
+  aside_ = true;
+}
+
+}  // namespace hylden
