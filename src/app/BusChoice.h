@@ -14,6 +14,9 @@ class INISettings;
 struct EquipRecord;
 struct Instruments;
 
+/// What is said of everything that runs on the simulated bench.
+inline constexpr const char* kSimulatedBenchText = "SIMULATED BENCH: no instrument is driven";
+
 /// Which bus the program drives.
 struct BusChoice {
   bool UseBench = false;

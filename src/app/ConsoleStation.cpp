@@ -70,7 +70,10 @@ bool ConsoleStation::SetUp() {
   if (!MakeBus()) return false;
   station_ = std::make_unique<Station>(Platform{dialogs_, TheClock(), TheLoop(), speaker_, printer_, bus_->Driver()},
                                        ProgramDirectory());
-  if (options_.UseBench) std::cout << "SIMULATED BENCH: no instrument is driven\n" << std::flush;
+  if (options_.UseBench) {
+    TheShell().runNotice = kSimulatedBenchText;
+    std::cout << kSimulatedBenchText << '\n' << std::flush;
+  }
   return SettingsReadable() && LoadEquipment();
 }
 

@@ -85,7 +85,7 @@ class ConsoleStation {
   const RunOptions& options_;
   const bool terminal_;
   ConsoleClock realClock_;
-  VirtualClock virtualClock_;
+  VirtualClock virtualClock_{realClock_};
   VirtualEventLoop virtualEvents_{virtualClock_};
   bool running_ = false;
   ConsoleEventLoop realEvents_;

@@ -4,6 +4,7 @@
 #include <QTimer>
 #include <utility>
 
+#include "app/BusChoice.h"
 #include "app/DesktopBench.h"
 #include "app/DesktopBeside.h"
 #include "bench/BenchConfig.h"
@@ -38,6 +39,7 @@ Desktop::Desktop(Shell& shell, Instruments& instruments, Documents& documents, D
   if (bench_->Present()) {
     ShowBenchNotice(*menu_);
     menu_->OfferBench();
+    shell_.runNotice = kSimulatedBenchText;
   }
   ShowAvailable();
   connect(menu_.get(), &TopMenu::ConfigureRequested, this, [this] { OpenEquipment(menu_.get()); });

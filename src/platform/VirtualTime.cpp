@@ -8,25 +8,24 @@ namespace hylden {
 
 namespace {
 
-constexpr std::int64_t kStartTickMs = 1000;
 constexpr std::int64_t kDayMs = 24 * 60 * 60 * 1000;
-
-std::int64_t MillisecondsOfDay(const LocalTime& time) {
-  return ((time.hour * 60LL + time.minute) * 60LL + time.second) * 1000LL;
-}
 
 }  // namespace
 
-VirtualClock::VirtualClock(LocalTime start) : start_(start), tickMs_(kStartTickMs) {}
+VirtualClock::VirtualClock(LocalTime start) : start_(start) {}
+
+std::int64_t VirtualClock::Milliseconds() const {
+  return ((start_.hour * 60LL + start_.minute) * 60LL + start_.second) * 1000LL + tickMs_ - kStartTickMs;
+}
 
 double VirtualClock::SecondsSinceMidnight() const {
-  const std::int64_t milliseconds = MillisecondsOfDay(start_) + tickMs_ - kStartTickMs;
-  return static_cast<double>(milliseconds % kDayMs) / 1000.0;
+  return static_cast<double>(Milliseconds() % kDayMs) / 1000.0;
 }
 
 LocalTime VirtualClock::Now() const {
+  if (wall_) return wall_->Now();
   using namespace std::chrono;
-  const std::int64_t milliseconds = MillisecondsOfDay(start_) + tickMs_ - kStartTickMs;
+  const std::int64_t milliseconds = Milliseconds();
   const sys_days startDay =
       year{start_.year} / month{static_cast<unsigned>(start_.month)} / day{static_cast<unsigned>(start_.day)};
   const year_month_day date{startDay + days{milliseconds / kDayMs}};

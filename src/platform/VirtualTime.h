@@ -13,14 +13,23 @@ namespace hylden {
 class VirtualClock : public Clock {
  public:
   explicit VirtualClock(LocalTime start = {2026, 1, 5, 9, 0, 0});
+  /// Starts at the wall clock's time. The waits of a run pass at once, yet what is written down carries the real date
+  /// and time: Now is the wall clock's, which must outlive this one.
+  explicit VirtualClock(const Clock& wall) : VirtualClock(wall.Now()) { wall_ = &wall; }
   std::int64_t TickMs() const override { return tickMs_; }
   double SecondsSinceMidnight() const override;
   LocalTime Now() const override;
   void Advance(std::int64_t milliseconds) { tickMs_ += milliseconds; }
 
  private:
+  static constexpr std::int64_t kStartTickMs = 1000;
+
+  /// Since midnight of the day on which it started.
+  std::int64_t Milliseconds() const;
+
   LocalTime start_;
-  std::int64_t tickMs_ = 1000;
+  const Clock* wall_ = nullptr;
+  std::int64_t tickMs_ = kStartTickMs;
 };
 
 /// Waits without waiting: Yield moves the clock to the caller's deadline, or to the next timer due before it, and runs

@@ -27,6 +27,7 @@ Shell::Shell(const Platform& platform, const std::string& programDirectory)
 bool Shell::ClaimInstruments(std::function<void()> makeSafe) {
   if (makeSafe_) return false;
   makeSafe_ = std::move(makeSafe);
+  if (!runNotice.empty()) log.LogFile(runNotice);
   return true;
 }
 

@@ -33,6 +33,9 @@ class Shell {
   RunLog log;
   BDelay delay;
 
+  /// What the run log has to say of every run: that no instrument is driven. Empty where instruments are.
+  std::string runNotice;
+
   /// Gives a run the instruments until it releases them. While it has them, the station is made safe before the
   /// operator is told of an instrument's failure: the box may stand for hours.
   /// @param makeSafe  tells nobody of what fails in it

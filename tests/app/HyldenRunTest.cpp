@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cstdio>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -12,6 +13,7 @@
 
 #include "documents/CalSetupRecord.h"
 #include "documents/TestDefinition.h"
+#include "platform/console/ConsoleClock.h"
 #include "platform/native/SingleInstance.h"
 #include "support/TempDir.h"
 #include "text/RecordFile.h"
@@ -68,6 +70,15 @@ Outcome HyldenRun(const std::vector<std::string>& arguments,
   waitpid(child, &status, 0);
   outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   return outcome;
+}
+
+/// The time as the run log has it.
+std::string LogTime() {
+  const LocalTime now = ConsoleClock().Now();
+  std::array<char, 80> text{};
+  std::snprintf(text.data(), text.size(), "%02d/%02d/%02d %02d:%02d:%02d", now.month, now.day, now.year % 100, now.hour,
+                now.minute, now.second);
+  return text.data();
 }
 
 /// Arguments that the program does not run with, its status and a part of what it says.
@@ -216,6 +227,43 @@ TEST_F(HyldenRunProgram, SwitchesNothingOnWithSettingsThatCanNotBeRead) {
   EXPECT_EQ(outcome.status, kFailed);
   EXPECT_NE(outcome.output.find("Hylden.ini"), std::string::npos) << outcome.output;
   EXPECT_EQ(outcome.output.find("MAKE SURE"), std::string::npos) << outcome.output;
+}
+
+TEST_F(HyldenRunProgram, LogsEveryRunOnTheBenchAsSimulatedAndWithTheRealTime) {
+  const std::string station = directory_.File("station");
+  std::filesystem::copy(kStation, station);
+  directory_.Write("home/Hylden.ini", "[System]\r\nLogToFile=1\r\n");
+  setenv("HYLDEN_HOME", directory_.File("home").c_str(), 1);
+  const struct {
+    std::vector<std::string> job;
+    std::vector<std::string> entries;  ///< from the run's begin on
+  } rows[] = {
+      {{"--test", "substitution-am.tst", "--output", "o.run"},
+       {"SIMULATED BENCH", "Test run started", "Frequency sweep finished", "Instruments taken offline"}},
+      {{"--calibrate", "cdn-10v.csu", "--output", "o.cal"}, {"SIMULATED BENCH"}},
+      {{"--cable-loss", "--start", "1", "--stop", "9", "--level", "-9", "--log-step", "20", "--output", "o.los"},
+       {"SIMULATED BENCH", "SIMULATED BENCH"}},  // a pass each
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.job.front());
+    std::filesystem::remove(station + "/runlog.hyl");
+    std::vector<std::string> arguments = row.job;
+    arguments.insert(arguments.end(),
+                     {"--equipment", "station.eqp", "--bench", "bench.txt", "--virtual-time", "--yes"});
+    const std::string begin = LogTime();
+    EXPECT_EQ(HyldenRun(arguments, {}, station).status, kFinished);
+    const std::string end = LogTime();
+    std::vector<std::string> entries;
+    for (const std::string& line : ReadLines(station + "/runlog.hyl")) {
+      if (line.find(" - ") != begin.size() || line.find(" file: ") != std::string::npos) continue;
+      EXPECT_GE(line, begin);
+      EXPECT_LE(line.substr(0, end.size()), end);
+      entries.push_back(line.substr(begin.size() + 3));
+    }
+    ASSERT_EQ(entries.size(), row.entries.size());
+    for (std::size_t i = 0; i < entries.size(); ++i) EXPECT_TRUE(entries[i].starts_with(row.entries[i])) << entries[i];
+  }
+  unsetenv("HYLDEN_HOME");
 }
 
 TEST_F(HyldenRunProgram, KeepsAFileThatHasComeMeanwhileAndSavesBesideIt) {

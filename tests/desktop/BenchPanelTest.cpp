@@ -69,6 +69,14 @@ TEST_F(BenchPanel, ExistsOnlyWhereTheBenchDrivesTheProgram) {
   EXPECT_EQ(OpenWindow<frmBench>(), nullptr);
 }
 
+TEST_F(BenchPanel, TheRunLogSaysOfEveryRunThatItIsSimulated) {
+  m.directory.Write("Hylden.ini", "[System]\r\nLogToFile=1\r\n");
+  const WorkingDirectory inDirectory(m.directory.Path());
+  ASSERT_TRUE(m.station.shell.ClaimInstruments([] {}));
+  m.station.shell.ReleaseInstruments();
+  EXPECT_EQ(m.directory.Read("runlog.hyl"), "01/05/26 09:00:00 - SIMULATED BENCH: no instrument is driven\r\n");
+}
+
 TEST_F(BenchPanel, OpensOnceFromTheMenuAndFromTheNoticeOfEveryForm) {
   Press(desktop->Menu(), "cmdBench");
   ASSERT_EQ(OpenWindows<frmBench>().size(), 1u);

@@ -18,6 +18,17 @@ TEST(VirtualClock, PassesMidnightAndMonthEnd) {
   EXPECT_DOUBLE_EQ(clock.SecondsSinceMidnight(), 0.5);
 }
 
+TEST(VirtualClock, OnAWallClockOnlyTheWaitsAreVirtual) {
+  VirtualClock wall({2026, 3, 7, 23, 59, 0});
+  VirtualClock clock(static_cast<const Clock&>(wall));  // a copy otherwise
+  clock.Advance(3'600'000);
+  EXPECT_DOUBLE_EQ(clock.SecondsSinceMidnight(), 59 * 60.0);
+  EXPECT_EQ(clock.Now().hour, 23);
+  EXPECT_EQ(clock.Now().day, 7);
+  wall.Advance(60'000);
+  EXPECT_EQ(clock.Now().day, 8);
+}
+
 TEST(VirtualEventLoop, StopsAtATimerOnTheWayToTheDeadline) {
   VirtualClock clock;
   VirtualEventLoop events(clock);
