@@ -1,10 +1,13 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
+#include <stdlib.h>
 #include <unistd.h>
 
 #include <sstream>
 
+#include "platform/BellPacer.h"
 #include "platform/VirtualTime.h"
 #include "platform/console/ConsoleClock.h"
 #include "platform/console/ConsoleDialogs.h"
@@ -161,6 +164,29 @@ TEST(ConsoleSpeakerPipe, StaysSilentWhereNoTerminalIs) {
   EXPECT_EQ(poll(&reader, 1, 0), 0) << "a bell in a log file";
   close(ends[0]);
   close(ends[1]);
+}
+
+TEST(ConsoleSpeakerTerminal, RingsOnceForTheManyTonesOfAnAlarm) {
+  const int master = posix_openpt(O_RDWR | O_NOCTTY);
+  ASSERT_GE(master, 0);
+  ASSERT_EQ(grantpt(master) | unlockpt(master), 0);
+  const int terminal = open(ptsname(master), O_RDWR | O_NOCTTY);
+  ASSERT_GE(terminal, 0);
+  ConsoleSpeaker speaker(terminal);
+  for (int i = 0; i < 40; ++i) speaker.Beep(800 + i, 50);
+  char bells[64] = {};
+  EXPECT_EQ(read(master, bells, sizeof bells), 1);
+  EXPECT_EQ(bells[0], '\a');
+  close(terminal);
+  close(master);
+}
+
+TEST(BellPacer, RingsAgainWhenTheTonesWouldHaveEnded) {
+  BellPacer pacer;
+  EXPECT_TRUE(pacer.Rings(10'000, 50));
+  EXPECT_FALSE(pacer.Rings(10'000, 50));
+  EXPECT_FALSE(pacer.Rings(10'099, 50));
+  EXPECT_TRUE(pacer.Rings(10'150, 2000));
 }
 
 TEST(ConsoleClockLocal, TimeOfDayAndDateTellTheSameTime) {

@@ -7,8 +7,8 @@ namespace hylden {
 
 ConsoleSpeaker::ConsoleSpeaker(int descriptor) : descriptor_(descriptor), terminal_(isatty(descriptor) == 1) {}
 
-void ConsoleSpeaker::Beep(int, int) {
-  if (!terminal_) return;
+void ConsoleSpeaker::Beep(int, int durationMs) {
+  if (!terminal_ || !pacer_.Rings(clock_.TickMs(), durationMs)) return;
   // A terminal held by Ctrl-S takes nothing; the bell is then left out.
   pollfd terminal{descriptor_, POLLOUT, 0};
   if (poll(&terminal, 1, 0) != 1 || !(terminal.revents & POLLOUT)) return;

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "platform/BellPacer.h"
 #include "platform/Speaker.h"
+#include "platform/console/ConsoleClock.h"
 
 namespace hylden {
 
-/// The bell of a terminal; silent where the descriptor is none.
+/// The bell of a terminal, once for tones in a row; silent where the descriptor is none.
 class ConsoleSpeaker : public Speaker {
  public:
   /// @param descriptor  the terminal; standard error by default
@@ -14,6 +16,8 @@ class ConsoleSpeaker : public Speaker {
  private:
   int descriptor_;
   bool terminal_;
+  ConsoleClock clock_;
+  BellPacer pacer_;
 };
 
 }  // namespace hylden

@@ -75,7 +75,7 @@ const std::optional<QtSpeaker::Player>& QtSpeaker::FindPlayer() {
 
 void QtSpeaker::Beep(int frequencyHz, int durationMs) {
   if (!FindPlayer()) {
-    QApplication::beep();
+    if (pacer_.Rings(clock_.TickMs(), durationMs)) QApplication::beep();
     return;
   }
   waiting_.push_back({frequencyHz, durationMs});

@@ -7,7 +7,9 @@
 #include <optional>
 #include <vector>
 
+#include "platform/BellPacer.h"
 #include "platform/Speaker.h"
+#include "platform/console/ConsoleClock.h"
 
 class QProcess;
 
@@ -20,7 +22,7 @@ struct Tone {
 };
 
 /// Tones through the sound system's own player, which runs on its own, one after the other; without a player, or when
-/// it fails, the bell.
+/// it fails, the bell, once for tones in a row.
 class QtSpeaker : public QObject, public Speaker {
  public:
   void Beep(int frequencyHz, int durationMs) override;
@@ -35,6 +37,8 @@ class QtSpeaker : public QObject, public Speaker {
   void Sound();
   void Sounded(QProcess* process, bool heard);
 
+  ConsoleClock clock_;
+  BellPacer pacer_;
   std::vector<Tone> waiting_;
   bool sounding_ = false;
   bool searched_ = false;
