@@ -80,15 +80,12 @@ void Bench::SetAmplifierProtection(bool on) {
 }
 
 void Bench::ResetMaxima() {
-  maxLevelDbuv_ = maxPeakDbuv_ = kNoValue;
+  maxLevelDbuv_ = kNoValue;
   if (State().Generator.RfOn) Observe(State());
 }
 
 void Bench::Observe(const BenchState& state) {
-  if (state.Generator.RfOn) {
-    maxLevelDbuv_ = std::max(maxLevelDbuv_, state.TestLevelDbuv);
-    maxPeakDbuv_ = std::max(maxPeakDbuv_, state.PeakTestLevelDbuv);
-  }
+  if (state.Generator.RfOn) maxLevelDbuv_ = std::max(maxLevelDbuv_, state.TestLevelDbuv);
   if (state.ProductDisturbed) lastDisturbance_ = {state.Generator.FreqMHz, state.PeakTestLevelDbuv};
   for (const auto& listener : listeners_) listener(state);
 }
