@@ -1,6 +1,6 @@
 // Writes the files of the demo station into the current directory: one of every kind, consistent with one another and
 // with the bench's defaults. The names in them have no directory: the program runs with the station as its working
-// directory.
+// directory. The calibration records are made by calibrating, see scripts/make-station.sh.
 
 #include <algorithm>
 #include <cmath>
@@ -17,7 +17,6 @@
 #include "instruments/MeterDefinition.h"
 #include "instruments/PowerMeterDefinition.h"
 #include "instruments/SigGenDefinition.h"
-#include "make-station/BenchCalibration.h"
 #include "measure/ReadFreq.h"
 #include "text/Numbers.h"
 #include "text/Pattern.h"
@@ -169,16 +168,12 @@ CalSetupRecord CalibrationSetup() {
   return s;
 }
 
-/// The setup and what it gives on the bench, with either amplifier. Without reading noise: the records hold what the
-/// path needs.
-void WriteCalibrations(BenchConfig bench) {
-  bench.NoiseDb = 0;
+/// The same with either amplifier.
+void WriteCalibrationSetups() {
   CalSetupRecord setup = CalibrationSetup();
   SaveRecord("cdn-10v.csu", setup, true);
-  CalibrateOnBench(bench, "station.eqp", setup, "cdn-10v.cal");
   setup.AmpUsed = "Simulated IFI amplifier pair";
   SaveRecord("ifi-10v.csu", setup, true);
-  CalibrateOnBench(bench, "ifi-station.eqp", setup, "ifi-10v.cal");
 }
 
 /// What the demo's tests share: a sweep in 10 % steps, AM of 80 %, a short ramp.
@@ -259,7 +254,7 @@ void WriteStation() {
   WritePowerMeter();
   WriteTables(bench);
   WriteEquipment();
-  WriteCalibrations(bench);
+  WriteCalibrationSetups();
   WriteTests();
   WriteBenchFiles(bench);
 }
