@@ -223,6 +223,7 @@ void Desktop::CloseAll() {
 void Desktop::CloseNext() {
   open_.removeAll(nullptr);
   if (!open_.isEmpty()) {
+    open_.last()->EndWithProgram();
     open_.last()->close();
     return;
   }

@@ -49,7 +49,7 @@ class frmEquipment : public SetupForm {
   void InsertionLossRequested();
 
  protected:
-  bool QueryUnload() override { return ApplyEquipment(); }
+  bool QueryUnload() override { return ProgramEnds() || ApplyEquipment(); }
 
  private:
   struct InstrumentRow;

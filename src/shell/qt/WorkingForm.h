@@ -25,6 +25,9 @@ class WorkingForm : public QMainWindow {
   /// Shows this form in the place of the one that opened it; a modal form stands above a caller that is not modal.
   void OpenFrom(QWidget* caller);
 
+  /// The program ends: entries that can't be taken hold the form open no longer. Call it before closing it.
+  void EndWithProgram() { programEnds_ = true; }
+
   /// The heading of the help file that F1 opens; empty for its beginning.
   virtual QString HelpTopic() const { return {}; }
 
@@ -37,8 +40,13 @@ class WorkingForm : public QMainWindow {
   /// Whether the form may close now; what has to be done before is done here.
   virtual bool QueryUnload() { return true; }
 
+  bool ProgramEnds() const { return programEnds_; }
+
   void closeEvent(QCloseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  bool programEnds_ = false;
 };
 
 /// A band across the top of a window that tells, unmistakably, that no real instrument is driven.
