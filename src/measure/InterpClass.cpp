@@ -40,8 +40,7 @@ class TableReader {
  public:
   TableReader(std::string text, const std::string& fileName) : lines_(std::move(text)), fileName_(fileName) {}
 
-  /// The file's points in file order. Of a run of equal values the points between the first and the last are left out:
-  /// they add nothing to an interpolation. @return the message of what is wrong; empty when all was read
+  /// The file's points in file order. @return the message of what is wrong; empty when all was read
   std::string Read(std::vector<FactorPoint>& points) {
     ParsedFactorLine next;
     do {
@@ -50,26 +49,12 @@ class TableReader {
     } while (!next.Ok);
     points.push_back({next.Freq, next.Value});
     while (!lines_.AtEnd())
-      if (!ReadRun(points)) return "Bad data in calibration file";
+      if (!ReadPoint(points.emplace_back())) return "Bad data in calibration file";
     if (points.size() < 2) return "Unexpected end of interpolation file";
     return {};
   }
 
  private:
-  bool ReadRun(std::vector<FactorPoint>& points) {
-    FactorPoint previous = points.back(), next;
-    if (!ReadPoint(next)) return false;
-    bool skipped = false;
-    while (next.Value == previous.Value && !lines_.AtEnd()) {
-      previous = next;
-      skipped = true;
-      if (!ReadPoint(next)) return false;
-    }
-    if (skipped) points.push_back(previous);
-    points.push_back(next);
-    return true;
-  }
-
   bool ReadPoint(FactorPoint& point) {
     const ParsedFactorLine line = ParseFactorLine(lines_.NextLine());
     if (line.Ok) point = {line.Freq, line.Value};
@@ -82,6 +67,19 @@ class TableReader {
 
 bool Below(const FactorPoint& a, const FactorPoint& b) {
   return a.Freq < b.Freq;
+}
+
+/// Sorts the points and leaves out those between the first and the last of a run of equal values: they add nothing to
+/// an interpolation. Points of an unsorted file are neighbours only once they are sorted.
+void SortAndCompact(std::vector<FactorPoint>& points) {
+  if (!std::is_sorted(points.begin(), points.end(), Below)) std::stable_sort(points.begin(), points.end(), Below);
+  std::size_t kept = 1;
+  for (std::size_t i = 1; i < points.size(); ++i) {
+    const float value = points[i].Value;
+    const bool within = i + 1 < points.size() && points[kept - 1].Value == value && points[i + 1].Value == value;
+    if (!within) points[kept++] = points[i];
+  }
+  points.resize(kept);
 }
 
 /// A frequency without an exponent, which a reader of the format would not take.
@@ -114,8 +112,10 @@ bool ReadNumbers(std::string_view line, std::initializer_list<double*> numbers) 
   if (std::any_of(line.begin(), line.end(), [](char c) { return CharClass(c) < 0; })) return false;
   for (double* const number : numbers) {
     const std::string_view token = NextToken(line);
+    // The line under a heading, "----- -----", holds no number.
+    if (token.find_first_of("0123456789") == std::string_view::npos) return false;
     const double value = LeadingNumber(token);
-    if (token.empty() || !std::isfinite(value)) return false;
+    if (!std::isfinite(value)) return false;
     *number = value;
   }
   return true;
@@ -137,7 +137,7 @@ bool InterpClass::InitInterp(const std::string& fileName) {
       shell_.dialogs.Tell(fault);
       return false;
     }
-    if (!std::is_sorted(points.begin(), points.end(), Below)) std::stable_sort(points.begin(), points.end(), Below);
+    SortAndCompact(points);
   } catch (const std::exception& error) {
     shell_.ReportError(error, "InterpClass.FileToTable", fileName);
     return false;

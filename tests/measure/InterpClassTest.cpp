@@ -64,6 +64,8 @@ TEST_F(InterpClassTest, ARunOfEqualValuesIsKeptOrCutWrongly) {
       {"1,1\r\n5,1\r\n", {1, 5}},
       {"1,1\r\n2,2\r\n3,2\r\n4,2\r\n5,3\r\n6,3\r\n7,3\r\n8,4\r\n", {1, 2, 4, 5, 7, 8}},
       {"1,1\r\n2,2\r\n3,1\r\n", {1, 2, 3}},
+      {"10 2\r\n1000 2\r\n100 2\r\n50 3\r\n", {10, 50, 100, 1000}},
+      {"9 1\r\n5 1\r\n7 1\r\n1 1\r\n", {1, 9}},
   };
   for (const Row& row : rows) {
     ASSERT_TRUE(Load(row.text)) << row.text;
@@ -157,7 +159,8 @@ TEST_F(InterpClassTest, AFileThatCannotBeReadIsNotReported) {
 }
 
 TEST_F(InterpClassTest, AnOddButValidFileIsRefused) {
-  ASSERT_TRUE(Load("_Freq_ 1E3\n\n5\n,,1\t ,0.5,7\n+2 -.5 9\n"));
+  ASSERT_TRUE(Load("_Freq_ 1E3\n----- -----\n\n5\n,,1\t ,0.5,7\n+2 -.5 9\n"));
+  EXPECT_EQ(table.MinFreq(), 1);
   EXPECT_EQ(At(1), 0.5F);
   EXPECT_EQ(At(2), -0.5F);
   t.directory.Write("Cables/One.LOS", "1,2\r3,4");
