@@ -11,8 +11,6 @@
 namespace hylden {
 namespace {
 
-/// Far beyond any real calibration (a year at 30 s a point); a plan above it is a mistyped step.
-constexpr std::size_t kMostPoints = 1000000;
 /// Distance in MHz of the two points at which an IFI amplifier is visited on its lower and its upper band.
 constexpr double kBandStep = 0.000001;
 
@@ -31,7 +29,7 @@ class PlanBuilder {
 
   void AppendPair() {
     if (pairDone_) return;
-    plan_.push_back(band_.FrequencyMHz);
+    if (plan_.empty() || plan_.back() != band_.FrequencyMHz) plan_.push_back(band_.FrequencyMHz);
     plan_.push_back(band_.FrequencyMHz + kBandStep);
     pairDone_ = true;
   }
@@ -42,26 +40,33 @@ class PlanBuilder {
   bool pairDone_ = false;
 };
 
+/// The frequency without what the arithmetic leaves behind its ninth decimal: a record and a table hold decimals, and a
+/// last point of 0.8500000000000001 MHz would lie beyond one that ends at 0.85.
+double Decimal(double frequencyMHz) {
+  constexpr double kParts = 1e9;
+  return std::round(frequencyMHz * kParts) / kParts;
+}
+
 std::vector<double> LinearPlan(double start, double stop, double step, BandSwitch band) {
   std::vector<double> plan;
-  const double count = NearestWhole((stop - start) / step + 1);
-  if (!(step > 0) || !(count >= 1 && count <= static_cast<double>(kMostPoints))) return plan;
+  const std::vector<double> sweep = LinearSweep(start, stop, step);
   band.IfiAmplifier = band.IfiAmplifier && start <= band.FrequencyMHz && band.FrequencyMHz < stop;
   PlanBuilder builder(plan, band);
-  for (int k = 0; k < static_cast<int>(count); ++k) builder.Append(start + k * step);
+  for (const double frequency : sweep) builder.Append(frequency);
   // The last regular point may lie below the switch frequency: there is none to put the pair before.
-  if (band.IfiAmplifier) builder.AppendPair();
+  if (band.IfiAmplifier && !plan.empty()) builder.AppendPair();
   return plan;
 }
 
-std::vector<double> LogPlan(double start, double stop, double step, const BandSwitch& band) {
+std::vector<double> LogPlan(double start, double stop, double step, BandSwitch band) {
   std::vector<double> plan;
-  if (!(step > 0) || !(start > 0) || !std::isfinite(stop)) return plan;
+  std::vector<double> sweep = LogSweep(start, stop, step);
+  if (sweep.empty()) return plan;
+  // Above the switch the lower band is never used.
+  band.IfiAmplifier = band.IfiAmplifier && start <= band.FrequencyMHz;
   PlanBuilder builder(plan, band);
-  for (double f = start; f < stop; f *= 1 + step / 100) {
-    if (plan.size() >= kMostPoints) return {};
-    builder.Append(f);
-  }
+  sweep.pop_back();
+  for (const double frequency : sweep) builder.Append(frequency);
   plan.push_back(stop);
   return plan;
 }
@@ -90,6 +95,25 @@ std::string ReadList(std::string text, const std::string& fileName, std::vector<
 }
 
 }  // namespace
+
+std::vector<double> LinearSweep(double startMHz, double stopMHz, double stepMHz) {
+  const double count = NearestWhole((stopMHz - startMHz) / stepMHz + 1);
+  if (!(stepMHz > 0) || !(count >= 1 && count <= static_cast<double>(kMostSweepPoints))) return {};
+  std::vector<double> sweep(static_cast<std::size_t>(count));
+  for (std::size_t k = 0; k < sweep.size(); ++k) sweep[k] = Decimal(startMHz + static_cast<double>(k) * stepMHz);
+  return sweep;
+}
+
+std::vector<double> LogSweep(double startMHz, double stopMHz, double stepPercent) {
+  if (!(stepPercent > 0) || !(startMHz > 0) || !std::isfinite(stopMHz)) return {};
+  std::vector<double> sweep;
+  for (double f = startMHz; f < stopMHz; f *= 1 + stepPercent / 100) {
+    if (sweep.size() + 1 >= kMostSweepPoints) return {};
+    sweep.push_back(f);
+  }
+  sweep.push_back(stopMHz);
+  return sweep;
+}
 
 int ReadFreq::FileTolist(const std::string& fileName, std::vector<double>& list) {
   if (fileName.empty()) return 0;

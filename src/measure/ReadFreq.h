@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +16,16 @@ struct BandSwitch {
   bool IfiAmplifier = false;
   double FrequencyMHz = 0;
 };
+
+/// The longest sweep; what asks for more (a mistyped step) gives an empty one.
+inline constexpr std::size_t kMostSweepPoints = 1'000'000;
+
+/// The frequencies of a sweep in fixed steps, MHz. Their number is rounded to the nearest (ties to even), so that the
+/// last one may lie half a step above or below the stop frequency. Empty for a step of 0 or less.
+std::vector<double> LinearSweep(double startMHz, double stopMHz, double stepMHz);
+/// The frequencies of a sweep that rises by a percentage; the last one is exactly the stop frequency. Empty for a step
+/// or a start of 0 or less.
+std::vector<double> LogSweep(double startMHz, double stopMHz, double stepPercent);
 
 /// Frequency lists (.lst) and the frequency plans of calibrations; frequencies in MHz.
 class ReadFreq {

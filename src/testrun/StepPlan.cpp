@@ -2,39 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 
 #include "documents/TestDefinition.h"
 #include "measure/ReadFreq.h"
 #include "testrun/LevelTargets.h"
-#include "text/Numbers.h"
 
 namespace hylden {
 
 namespace {
-
-std::vector<PlanStep> PlanLinear(const TestDefinition& test) {
-  std::vector<PlanStep> steps;
-  if (!(test.LinearStep > 0)) return steps;
-  const double count = NearestWhole((test.StopFreq - test.StartFreq) / test.LinearStep + 1);
-  if (!(count >= 1) || count > static_cast<double>(kMostSteps)) return steps;
-  steps.reserve(static_cast<std::size_t>(count));
-  for (std::size_t k = 0; k < static_cast<std::size_t>(count); ++k)
-    steps.push_back({test.StartFreq + static_cast<double>(k) * test.LinearStep, test.SweepDwell});
-  return steps;
-}
-
-std::vector<PlanStep> PlanLog(const TestDefinition& test) {
-  std::vector<PlanStep> steps;
-  if (!(test.LogStep > 0) || !(test.StartFreq > 0) || !std::isfinite(test.StopFreq)) return steps;
-  const double ratio = 1 + test.LogStep / 100;
-  for (double frequency = test.StartFreq; frequency < test.StopFreq; frequency *= ratio) {
-    if (steps.size() + 1 >= kMostSteps) return {};
-    steps.push_back({frequency, test.SweepDwell});
-  }
-  steps.push_back({test.StopFreq, test.SweepDwell});
-  return steps;
-}
 
 double RampSeconds(const TestDefinition& test) {
   if (test.InitLevOffset == 0) return 0;
@@ -44,10 +19,15 @@ double RampSeconds(const TestDefinition& test) {
 }  // namespace
 
 std::vector<PlanStep> PlanSweep(const TestDefinition& test) {
+  std::vector<double> sweep;
   if (!test.FreqSweep) return {};
-  if (test.StepType == static_cast<int>(StepType::Linear)) return PlanLinear(test);
-  if (test.StepType == static_cast<int>(StepType::Log)) return PlanLog(test);
-  return {};
+  if (test.StepType == static_cast<int>(StepType::Linear))
+    sweep = LinearSweep(test.StartFreq, test.StopFreq, test.LinearStep);
+  if (test.StepType == static_cast<int>(StepType::Log)) sweep = LogSweep(test.StartFreq, test.StopFreq, test.LogStep);
+  std::vector<PlanStep> steps;
+  steps.reserve(sweep.size());
+  for (const double frequency : sweep) steps.push_back({frequency, test.SweepDwell});
+  return steps;
 }
 
 void MergeList(std::vector<PlanStep>& steps, std::vector<double> list, const TestDefinition& test) {

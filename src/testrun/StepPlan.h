@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <vector>
 
 namespace hylden {
@@ -14,13 +13,8 @@ struct PlanStep {
   float SigGenLevel = -999;  ///< the generator level reached; -999 until the step has been run
 };
 
-/// The longest plan; a definition that asks for more gives an empty one.
-inline constexpr std::size_t kMostSteps = 1'000'000;
-
-/// The swept steps of a test, each with the sweep dwell. Linear: the number of steps is rounded to the nearest (ties to
-/// even), so that the last one may lie half a step above or below the stop frequency. Logarithmic: rising by the step's
-/// percentage, and a last step at exactly the stop frequency. A step of 0 or less, a logarithmic start of 0 or less and
-/// a test without a sweep give an empty plan.
+/// The swept steps of a test, each with the sweep dwell: a LinearSweep or a LogSweep over the test's range. A test
+/// without a sweep gives an empty plan.
 std::vector<PlanStep> PlanSweep(const TestDefinition& test);
 
 /// Inserts the discrete frequencies that lie within the test's range, each with the discrete dwell, in rising order

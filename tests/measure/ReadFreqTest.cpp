@@ -46,6 +46,7 @@ TEST_F(ReadFreqTest, ABadListIsTakenOrCostsTheListThatWasThere) {
       {"10\r\n1E1", badData},
       {"10\r\n \r\n20", badData},
       {"10\r\n20;\r\n", badData},
+      {"-----\r\n20\r\n", badData},
       {"10\r\n" + std::string(400, '9'), badData},
   };
   List list{5};
@@ -66,6 +67,12 @@ TEST_F(ReadFreqTest, ALinearPlanHasWrongPoints) {
   EXPECT_EQ(Plan(StepType::Linear, 1, 10, 2), (List{1, 3, 5, 7, 9, 11}));
   EXPECT_EQ(Plan(StepType::Linear, 1, 2.4, 1), (List{1, 2}));
   EXPECT_EQ(Plan(StepType::Linear, 5, 5, 1), List{5});
+}
+
+TEST_F(ReadFreqTest, ALinearPlanEndsBesideTheDecimalThatARecordHolds) {
+  EXPECT_EQ(Plan(StepType::Linear, 0.15, 0.85, 0.1).back(), 0.85);
+  EXPECT_EQ(Plan(StepType::Linear, 0.15, 230, 1).back(), 230.15);
+  EXPECT_EQ(Plan(StepType::Linear, 1, 10.4, 0.7).back(), 10.1);
 }
 
 TEST_F(ReadFreqTest, ALogPlanHasWrongPoints) {
@@ -91,11 +98,13 @@ TEST_F(ReadFreqTest, TheBandSwitchPairIsMissingOrMisplaced) {
   };
   const Row rows[] = {
       {StepType::Linear, 10, 200, 50, 80, {10, 60, 80, kAbove80, 110, 160, 210}},
-      {StepType::Linear, 80, 100, 10, 80, {80, 80, kAbove80, 90, 100}},
+      {StepType::Linear, 80, 100, 10, 80, {80, kAbove80, 90, 100}},
       {StepType::Linear, 90, 110, 10, 80, {90, 100, 110}},
       {StepType::Linear, 60, 80, 10, 80, {60, 70, 80}},
       {StepType::Linear, 10, 100, 60, 80, {10, 70, 80, kAbove80}},
-      {StepType::Log, 100, 150, 20, 80, {80, kAbove80, 100, 120, 144, 150}},
+      {StepType::Linear, 10, 100, 70, 80, {10, 80, kAbove80}},
+      {StepType::Log, 100, 150, 20, 80, {100, 120, 144, 150}},
+      {StepType::Log, 80, 150, 50, 80, {80, kAbove80, 120, 150}},
       {StepType::Log, 50, 150, 100, 80, {50, 80, kAbove80, 100, 150}},
       {StepType::Log, 50, 90, 50, 80, {50, 75, 90}},
   };
