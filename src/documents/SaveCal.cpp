@@ -3,6 +3,7 @@
 #include "documents/CalInfo.h"
 #include "documents/clsCalFile.h"
 #include "shell/Shell.h"
+#include "text/Numbers.h"
 #include "text/RecordFile.h"
 
 namespace hylden {
@@ -18,6 +19,10 @@ bool HasDataEnding(const std::string& name) {
 }
 
 }  // namespace
+
+double FrequencyOf(const std::vector<std::string>& row) {
+  return row.empty() ? 0 : LeadingNumber(row.front());
+}
 
 std::string CalDataText(const std::vector<std::vector<std::string>>& rows) {
   std::vector<std::string> lines;
@@ -46,10 +51,14 @@ bool SaveCal(Shell& shell, const std::string& dataFileName, const std::vector<st
     shell.dialogs.Tell("Bad filename for calibration file: " + dataFileName);
     return false;
   }
+  // A list may be visited in any order; a record is looked up in rising frequency.
+  std::vector<std::vector<std::string>> rising = rows;
+  std::stable_sort(rising.begin(), rising.end(),
+                   [](const auto& a, const auto& b) { return FrequencyOf(a) < FrequencyOf(b); });
   const std::string* current = &dataFileName;
   try {
     // The two belong together: neither is replaced unless both can be written.
-    FileReplacement data(dataFileName, CalDataText(rows));
+    FileReplacement data(dataFileName, CalDataText(rising));
     current = &*infoFileName;
     FileReplacement description(*infoFileName, RecordText(info, true));
     current = &dataFileName;

@@ -132,6 +132,9 @@ bool clsCalFile::ReadPoints(LineReader& lines, const std::string& dataFile) {
     points_.push_back(*point);
   }
   if (points_.size() < 2) return Refuse("Unexpected end of calibration file: " + dataFile);
+  // Older records were written in the order of a list, which may fall.
+  std::stable_sort(points_.begin(), points_.end(),
+                   [](const CalPoint& a, const CalPoint& b) { return a.Freq < b.Freq; });
   return true;
 }
 
@@ -162,7 +165,6 @@ bool clsCalFile::LookupValue(double frequency, CalColumn column, float& value) {
 }
 
 void clsCalFile::MoveCursor(double frequency) {
-  // The points are in the order of the file, which nobody checks: the walk is right for any order.
   if (cursor_ >= points_.size()) cursor_ = 0;
   if (cursor_ == 0) cursor_ = 1;
   while (cursor_ > 0 && points_[cursor_ - 1].Freq >= frequency) --cursor_;

@@ -44,7 +44,8 @@ class clsCalFile {
   float GetRevPwr(double frequency);
   /// Forward minus reverse, in watts, as dBm.
   float GetNetPwr(double frequency);
-  /// Appends the points of the .cal file that lies beside the info file. @return false after a message
+  /// Appends the points of the .cal file that lies beside the info file, and sorts them by rising frequency.
+  /// @return false after a message
   bool LoadFile(const std::string& infoFileName);
 
  private:
@@ -61,14 +62,17 @@ class clsCalFile {
   std::size_t cursor_ = 0;
 };
 
+/// The frequency of a row of the run's grid, MHz.
+double FrequencyOf(const std::vector<std::string>& row);
+
 /// The data file's text for rows of five cells; an empty cell stays empty.
 std::string CalDataText(const std::vector<std::vector<std::string>>& rows);
 
 /// The info file that lies beside a record's data file; nothing where its name doesn't end with ".cal".
 std::optional<std::string> InfoFileBeside(const std::string& dataFileName);
 
-/// Writes a calibration record: the data file, one line per row as the run's grid shows it, and the info file beside
-/// it.
+/// Writes a calibration record: the data file, one line per row as the run's grid shows it, in rising frequency, and
+/// the info file beside it.
 /// @param dataFileName  ends with ".cal"
 /// @param rows  the grid's rows without its heading, five cells each; fewer than two: "No data to save"
 /// @return false after a message
