@@ -1,21 +1,40 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace hylden {
 
 class InterpClass;
-class Shell;
 
-/// The frequencies that a run needs of its tables, MHz.
-struct FrequencyRange {
-  double Lowest = 0, Highest = 0;
+/// The frequencies from the first to the last point of a plan, MHz. The last point of a linear plan is rounded and may
+/// lie beyond the stop frequency; where something ends before it, that point is left out.
+class PlanRange {
+ public:
+  /// @param frequencies  of the plan, at least one, in any order
+  /// @param linearStopMHz  the stop frequency of a linear plan; nothing for another
+  PlanRange(std::vector<double> frequencies, std::optional<double> linearStopMHz);
+
+  double Lowest() const { return lowest_; }
+  double Highest() const { return highest_; }
+  /// Whether what reaches from one frequency to the other covers the plan, if need be without its rounded last point.
+  bool IsWithin(double fromMHz, double toMHz);
+  /// The rounded last point, where it is not covered: the plan has to go without it.
+  std::optional<double> LeftOut() const { return leftOut_; }
+  /// What the operator is told about it.
+  std::string LeftOutText() const;
+
+ private:
+  double lowest_, highest_;
+  std::optional<double> withoutLast_;  ///< the highest frequency without the rounded last point
+  std::optional<double> leftOut_;
 };
 
-/// Loads a factor table, which has to cover the range.
-/// @param loadText, coverText  what the operator is told when it can't be loaded, or doesn't cover the range
-/// @return false after the message
-bool LoadCoveringTable(Shell& shell, InterpClass& table, const std::string& path, const FrequencyRange& range,
-                       const char* loadText, const char* coverText);
+/// Loads a factor table, which has to cover the plan.
+/// @param loadText, coverText  what the operator is to be told when it can't be loaded, or doesn't cover the plan
+/// @return the one that holds; empty when neither does
+std::string LoadCoveringTable(InterpClass& table, const std::string& path, PlanRange& plan, const char* loadText,
+                              const char* coverText);
 
 }  // namespace hylden

@@ -1,5 +1,8 @@
 #include "calibration/LevelCalibration.h"
 
+#include <algorithm>
+#include <filesystem>
+
 #include "calibration/CalibrationDisplay.h"
 #include "calibration/FactorLoading.h"
 #include "calibration/FrequencyPlan.h"
@@ -10,8 +13,21 @@
 #include "instruments/Instruments.h"
 #include "platform/FlagRaised.h"
 #include "shell/Shell.h"
+#include "text/Numbers.h"
 
 namespace hylden {
+
+namespace {
+
+/// The range that rows cover, as a record's description has it.
+std::string RangeOf(const std::vector<std::vector<std::string>>& rows) {
+  if (rows.empty()) return {};
+  const auto [lowest, highest] = std::minmax_element(
+      rows.begin(), rows.end(), [](const auto& a, const auto& b) { return FrequencyOf(a) < FrequencyOf(b); });
+  return FreqRangeText(FrequencyOf(*lowest), FrequencyOf(*highest));
+}
+
+}  // namespace
 
 LevelCalibration::LevelCalibration(Shell& shell, Instruments& instruments, Documents& documents,
                                    CalibrationDisplay& display)
@@ -26,7 +42,8 @@ LevelCalibration::LevelCalibration(Shell& shell, Instruments& instruments, Docum
       cableLoss_(shell),
       testLevels_(shell),
       forwardPort_(shell),
-      reversePort_(shell) {}
+      reversePort_(shell),
+      setup_(documents.calSetup.Record) {}
 
 bool LevelCalibration::Halted() const {
   return shell_.delay.HaltRequested();
@@ -38,8 +55,14 @@ bool LevelCalibration::Prepare() {
   couplingFactor_ = documents_.calSetup.CouplingFactor();
   ForgetRows();
   ready_ = false;  // should planning throw
-  ready_ = PlanRun() && LoadTables();
+  ready_ = PlanRun() && LoadTables() && CheckTestLevels();
   return ready_;
+}
+
+bool LevelCalibration::NotReady(const std::string& text) {
+  shell_.dialogs.Tell(text);
+  display_.Status("Not ready: " + text);
+  return false;
 }
 
 void LevelCalibration::ForgetRows() {
@@ -60,12 +83,13 @@ bool LevelCalibration::PlanRun() {
   plan_ = PlanFrequencies(shell_, request).value_or(std::vector<double>());
   setup_.StartFreq = request.StartMHz;
   setup_.StopFreq = request.StopMHz;
-  if (plan_.empty()) {
-    shell_.dialogs.Tell("Error, no frequencies to calibrate? Check setup.");
-    return false;
-  }
-  display_.Plan({static_cast<int>(plan_.size()), setup_.StartFreq, setup_.StopFreq, setup_.Dwell});
+  if (plan_.empty()) return NotReady("Error, no frequencies to calibrate? Check setup.");
+  ShowPlan();
   return true;
+}
+
+void LevelCalibration::ShowPlan() {
+  display_.Plan({static_cast<int>(plan_.size()), setup_.StartFreq, setup_.StopFreq, setup_.Dwell});
 }
 
 bool LevelCalibration::LoadTables() {
@@ -86,14 +110,34 @@ bool LevelCalibration::LoadTables() {
       {setup_.RecordsReverse(), reversePort_, equipment.RevPortFile, "Error loading reverse coupling port file",
        "Reverse port file does not cover frequency range"},
   };
-  const FrequencyRange range{setup_.StartFreq, setup_.StopFreq};
-  for (const auto& t : tables)
-    if (t.wanted && !LoadCoveringTable(shell_, t.table, t.file, range, t.loadText, t.coverText)) return false;
+  const bool linear = setup_.StepType == static_cast<std::int32_t>(StepType::Linear);
+  PlanRange range(plan_, linear ? std::optional(setup_.StopFreq) : std::nullopt);
+  for (const auto& t : tables) {
+    if (!t.wanted) continue;
+    const std::string fault = LoadCoveringTable(t.table, t.file, range, t.loadText, t.coverText);
+    if (!fault.empty()) return NotReady(fault);
+  }
+  if (range.LeftOut()) LeaveOutLast(range);
+  return true;
+}
+
+void LevelCalibration::LeaveOutLast(const PlanRange& range) {
+  plan_.pop_back();
+  setup_.StopFreq = range.Highest();
+  ShowPlan();
+  shell_.dialogs.Tell(range.LeftOutText());
+}
+
+bool LevelCalibration::CheckTestLevels() {
+  for (const double frequency : plan_)
+    if (!TargetDbuv(setup_, testLevels_, frequency))
+      return NotReady("The test level file gives no level at " + ShortestText(frequency) + " MHz:\r\n" +
+                      setup_.LimitFile);
   return true;
 }
 
 void LevelCalibration::Run() {
-  if (IsRunning() || !ready_) return;
+  if (IsRunning() || !ready_ || !MayDropRows()) return;
   guard_.Run(
       "frmRunCal.RunCal", [this] { RunPlan(); }, [this] { End(); });
 }
@@ -163,14 +207,18 @@ void LevelCalibration::AskToSave() {
 }
 
 bool LevelCalibration::MayLeaveRows() {
-  if (!SaveMissed()) return true;
+  return !SaveMissed() || MayDropRows();
+}
+
+bool LevelCalibration::MayDropRows() {
+  if (!HasUnsavedRows()) return true;
   const FlagRaised asking(asking_);
   const MessageAnswer answer =
       shell_.dialogs.Show({"The calibration data has not been saved.\r\nSave it?", question::kSaveCalibration,
                            MessageIcon::Question, MessageButtons::YesNoCancel});
   if (answer == MessageAnswer::Yes) return Save();
-  wanted_ = answer != MessageAnswer::No;
-  return !wanted_;
+  if (answer == MessageAnswer::No) wanted_ = false;
+  return answer == MessageAnswer::No;
 }
 
 bool LevelCalibration::Save() {
@@ -178,9 +226,25 @@ bool LevelCalibration::Save() {
   const FlagRaised asking(asking_);
   const auto path = shell_.dialogs.SaveFile({"Enter Calibration Filename", "Calibration File (*.cal)|*.cal",
                                              shell_.settings.GetDataDir(datakind::kCalibrations)});
-  if (!path || !SaveCal(shell_, *path, CompleteRows(rows_), CalInfoOf(setup_))) return false;
+  if (!path || !MayReplaceInfo(*path)) return false;
+  const auto rows = CompleteRows(rows_);
+  const bool wholePlan = rows.size() >= plan_.size();
+  CalInfoRec info = CalInfoOf(setup_);
+  if (!wholePlan) info.FreqRange = RangeOf(rows);
+  if (!SaveCal(shell_, *path, rows, info)) return false;
   saved_ = true;
+  if (!wholePlan) shell_.dialogs.Tell("The calibration ended early: its record holds " + info.FreqRange + " MHz only.");
   return true;
+}
+
+bool LevelCalibration::MayReplaceInfo(const std::string& dataFile) {
+  const std::optional<std::string> infoFile = InfoFileBeside(dataFile);
+  std::error_code ignored;
+  // Where the data file is there, too, the file dialog has asked about the record.
+  if (!infoFile || !std::filesystem::exists(*infoFile, ignored) || std::filesystem::exists(dataFile, ignored))
+    return true;
+  return shell_.dialogs.Show({*infoFile + " exists. Replace it?", question::kSaveCalibration, MessageIcon::Question,
+                              MessageButtons::YesNo}) == MessageAnswer::Yes;
 }
 
 }  // namespace hylden

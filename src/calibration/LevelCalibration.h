@@ -16,6 +16,7 @@
 namespace hylden {
 
 class CalibrationDisplay;
+class PlanRange;
 class Shell;
 struct Documents;
 struct Instruments;
@@ -30,12 +31,14 @@ class LevelCalibration {
   /// Plans the frequencies and loads the factor tables for the calibration setup as it is now.
   /// @return false after a message: no run can be started
   bool Prepare();
-  /// Runs the calibration; returns when it ended, failed or was halted. Does nothing before Prepare came to true.
+  /// Runs the calibration; returns when it ended, failed or was halted. Does nothing before Prepare came to true, nor
+  /// when the operator wants to keep rows that are not saved.
   void Run();
   /// Asks again about rows that were to be saved and are not. @return false when they have to stay: cancelled, or not
   /// saved
   bool MayLeaveRows();
-  /// Asks for a file and saves the complete rows as a calibration record. @return false when cancelled or failed
+  /// Asks for a file and saves the complete rows as a calibration record. One that does not hold the whole plan is
+  /// told, and names the range that it holds. @return false when cancelled or failed
   bool Save();
 
   bool IsRunning() const { return guard_.IsRunning(); }
@@ -45,7 +48,7 @@ class LevelCalibration {
   bool RowsSaved() const { return saved_; }
   /// The operator wanted the last run's points saved, and the file dialog was cancelled or the file not written. Fewer
   /// than two complete ones make no record.
-  bool SaveMissed() const { return wanted_ && !saved_ && CompleteRows(rows_).size() >= 2; }
+  bool SaveMissed() const { return wanted_ && HasUnsavedRows(); }
   RunOutcome Outcome() const { return outcome_; }
   /// The window's title.
   std::string Title() const { return "CDI Calibration: " + setup_.SetupDescription; }
@@ -68,9 +71,19 @@ class LevelCalibration {
   };
 
   bool Halted() const;
+  bool HasUnsavedRows() const { return !saved_ && CompleteRows(rows_).size() >= 2; }
+  /// Asks about rows that are not saved, whoever drops them. @return false when they have to stay
+  bool MayDropRows();
+  /// Asks before a description is replaced that lies beside a new data file.
+  bool MayReplaceInfo(const std::string& dataFile);
   void ForgetRows();
   bool PlanRun();
+  void ShowPlan();
   bool LoadTables();
+  void LeaveOutLast(const PlanRange& range);
+  bool CheckTestLevels();
+  /// Tells why no run can be started, and leaves it on the display; false.
+  bool NotReady(const std::string& text);
   void RunPlan();
   bool BringUp();
   void Sweep();

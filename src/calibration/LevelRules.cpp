@@ -27,7 +27,9 @@ double ForwardHeadroom(double limitWatts, double forwardWatts) {
 
 std::optional<double> TargetDbuv(const CalSetupRecord& setup, InterpClass& testLevels, double frequencyMHz) {
   float volts = setup.CalLevel;
-  if (setup.HasLevelFile() && !testLevels.InterpVal(frequencyMHz, volts, FreqScale::Log)) return std::nullopt;
+  // Between 0 MHz and the next point there is no logarithmic scale, and no level.
+  if (setup.HasLevelFile() && !(testLevels.InterpVal(frequencyMHz, volts, FreqScale::Log) && volts > 0))
+    return std::nullopt;
   return Conversions::VoltsToDbuv(double{volts});
 }
 

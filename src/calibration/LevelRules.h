@@ -29,7 +29,7 @@ double NextLevelStep(double levelDbuv, double targetDbuv, double toleranceDb);
 double ForwardHeadroom(double limitWatts, double forwardWatts);
 
 /// The wanted level, dBuV: of the setup's test level curve, interpolated over log frequency, or its flat level. Nothing
-/// outside the curve.
+/// outside the curve, and where it gives no level above 0 V.
 std::optional<double> TargetDbuv(const CalSetupRecord& setup, InterpClass& testLevels, double frequencyMHz);
 
 /// Watches over the tries at one frequency: a level that swings from one side of the band to the other again and

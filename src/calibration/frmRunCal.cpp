@@ -32,11 +32,12 @@ frmRunCal::frmRunCal(Shell& shell, Instruments& instruments, Documents& document
 frmRunCal::~frmRunCal() = default;
 
 void frmRunCal::Load() {
-  Guard("Load", [this] { ready_ = calibration_.Prepare(); });
+  // Before anything can fail: a message stands in front of a window that says what it is.
   setWindowTitle(ToQt(calibration_.Title()));
   const bool forward = calibration_.Setup().RecordsForward();
   ui_->lblFwdPwr->setEnabled(forward);
   ui_->lblFwdPwrCap->setEnabled(forward);
+  Guard("Load", [this] { ready_ = calibration_.Prepare(); });
   ui_->cmdStart->setEnabled(ready_);
   if (ready_) ui_->cmdStart->setFocus();
 }

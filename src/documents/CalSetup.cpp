@@ -116,13 +116,17 @@ double CouplingFactorDb(std::int32_t couplingMethod, double userDefinedDb) {
   return 0;
 }
 
+std::string FreqRangeText(double lowestMHz, double highestMHz) {
+  return ShortestText(lowestMHz) + " - " + ShortestText(highestMHz);
+}
+
 CalInfoRec CalInfoOf(const CalSetupRecord& setup) {
   CalInfoRec info;
   info.SetupDescription = setup.SetupDescription;
   info.AmpUsed = setup.AmpUsed;
   info.DeviceDescription = setup.DeviceDescription;
   info.TestLevel = setup.HasLevelFile() ? setup.LimitFile : ShortestText(setup.CalLevel) + "v";
-  info.FreqRange = ShortestText(setup.StartFreq) + " - " + ShortestText(setup.StopFreq);
+  info.FreqRange = FreqRangeText(setup.StartFreq, setup.StopFreq);
   info.CouplingMethod = setup.CouplingMethod;
   return info;
 }

@@ -74,6 +74,9 @@ std::optional<StartFailure> CheckStation(const CalSetupRecord& setup, const Equi
 /// @param couplingMethod  a CouplingMethod code
 double CouplingFactorDb(std::int32_t couplingMethod, double userDefinedDb);
 
+/// A range of frequencies, MHz, as a record's description has it: "0.15 - 80".
+std::string FreqRangeText(double lowestMHz, double highestMHz);
+
 /// What a calibration record tells about a calibration run with this setup.
 CalInfoRec CalInfoOf(const CalSetupRecord& setup);
 

@@ -33,9 +33,15 @@ bool TestSetup::SaveDef(const std::string& path) {
   return true;
 }
 
+TestDefinition TestSetup::AsRun() const {
+  TestDefinition test = Definition;
+  test.FreqList = test.FreqList && !ListUnused;
+  return test;
+}
+
 std::string TestSetup::StringPrintTestSetup() {
   try {
-    return JoinLines(TestSummaryLines(Definition, calInfo_.Record, SummaryForm::Text));
+    return JoinLines(TestSummaryLines(AsRun(), calInfo_.Record, SummaryForm::Text));
   } catch (const std::exception& error) {
     shell_.ReportError(error, "TestSetup.StringPrintTestSetup");
     shell_.dialogs.Tell("Error in TestSetup.StringPrintTestSetup");

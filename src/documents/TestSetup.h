@@ -76,14 +76,18 @@ class TestSetup {
   /// @return false after a report; fields before the fault keep their new values
   bool LoadDef(const std::string& path);
   bool SaveDef(const std::string& path);
-  /// The "Test Run Parameters" summary, lines ended by CR LF; empty after a failure.
+  /// The "Test Run Parameters" summary of the prepared run, lines ended by CR LF; empty after a failure.
   std::string StringPrintTestSetup();
   void PrintTestSetup();
   /// Whether the file last loaded or saved is read-only.
   bool TestFileReadOnly() const;
 
+  /// The definition as the prepared run follows it: without a list that it does not visit.
+  TestDefinition AsRun() const;
+
   TestDefinition Definition;
   std::string TestFileName;
+  bool ListUnused = false;  ///< the prepared run visits nothing of the definition's list: it holds too few frequencies
 
  private:
   Shell& shell_;

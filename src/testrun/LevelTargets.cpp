@@ -20,7 +20,9 @@ constexpr double kLeastStep = 0.1;
 constexpr double kSmallStep = 0.2;
 constexpr double kSlowIncrement = 1;
 
-std::string MissingPowerText(const TestDefinition& test, const CalibratedLevels& levels) {
+std::string MissingText(const TestDefinition& test, const CalibratedLevels& levels) {
+  if (IsMissing(levels.SigGenLevel) || IsMissing(levels.TestLevel))
+    return "Calibration file gives no level at this frequency.";
   if (test.LevelsBy(LevelingMethod::ForwardPower) && IsMissing(levels.FwdPwr))
     return "Forward power data not in calibration file.\r\nThis calibration file can't be used for \r\n"
            "power leveled tests.";
@@ -74,7 +76,7 @@ CalibratedLevels LookUpLevels(clsCalFile& calibration, const TestDefinition& tes
 
 TargetsOrText TargetsFor(const TestDefinition& test, const CalibratedLevels& levels) {
   TargetsOrText result;
-  result.Text = MissingPowerText(test, levels);
+  result.Text = MissingText(test, levels);
   StepTargets& targets = result.Targets;
   const double adjustment = LevelAdjustment(test);
   targets.SigGenCal = static_cast<float>(double{levels.SigGenLevel} + adjustment);

@@ -29,13 +29,13 @@ RunReadiness RunEngine::Prepare() {
     run_.shell.dialogs.Tell("Error, no frequencies to test? Check setup.");
     return RunReadiness::NoSteps;
   }
-  const bool loaded = run_.preparation.LoadCalibration();
+  const bool loaded = run_.preparation.ListReadable() && run_.preparation.LoadCalibration();
   if (loaded) {
     run_.data.Clear();
     run_.display.RowChanged(-1);
-    ready_ = run_.preparation.LoadRunFactors();
+    ready_ = run_.preparation.LoadRunFactors(run_.steps);
   }
-  run_.display.Status("State: Idle");
+  run_.display.Status(ready_ ? "State: Idle" : "State: Not ready");
   if (!ready_) return RunReadiness::NotReady;
   run_.controls.SetHaltMode();
   run_.controls.FileMenuEnabled(true);

@@ -5,9 +5,11 @@
 #include "calibration/FactorLoading.h"
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
+#include "measure/Conversions.h"
 #include "measure/ReadFreq.h"
 #include "shell/Shell.h"
 #include "testrun/RunDisplay.h"
+#include "text/Numbers.h"
 
 namespace hylden {
 
@@ -41,13 +43,28 @@ int RunPreparation::PlanSteps(std::vector<PlanStep>& steps) {
   display_.Status("Calculating frequencies and dwell times...");
   display_.Range(test.StartFreq, test.StopFreq);
   steps = PlanSweep(test);
-  if (test.FreqList) {
-    std::vector<double> list;
-    if (ReadFreq(shell_).FileTolist(test.ListFile, list) >= kLeastListFrequencies)
-      MergeList(steps, std::move(list), test);
-  }
-  display_.Plan(static_cast<int>(steps.size()), EstimateRunSeconds(steps, test) / 60);
+  listReadable_ = true;
+  documents_.testSetup.ListUnused = false;
+  if (test.FreqList) TakeList(steps);
+  ShowPlan(steps);
   return static_cast<int>(steps.size());
+}
+
+void RunPreparation::TakeList(std::vector<PlanStep>& steps) {
+  std::vector<double> list;
+  const int count = ReadFreq(shell_).FileTolist(Test().ListFile, list);
+  listReadable_ = count >= 0;
+  if (count >= kLeastListFrequencies) {
+    MergeList(steps, std::move(list), Test());
+    return;
+  }
+  documents_.testSetup.ListUnused = true;
+  if (count > 0 && !steps.empty())
+    shell_.dialogs.Tell("The frequency list holds one frequency only, and is left out:\r\n" + Test().ListFile);
+}
+
+void RunPreparation::ShowPlan(const std::vector<PlanStep>& steps) {
+  display_.Plan(static_cast<int>(steps.size()), EstimateRunSeconds(steps, Test()) / 60);
 }
 
 bool RunPreparation::LoadCalibration() {
@@ -55,28 +72,64 @@ bool RunPreparation::LoadCalibration() {
   return calibration_->LoadFile(Test().CalInfoFile);
 }
 
-bool RunPreparation::LoadTable(InterpClass& table, const std::string& path, const char* loadText,
-                               const char* coverText) {
-  return LoadCoveringTable(shell_, table, path, {Test().StartFreq, Test().StopFreq}, loadText, coverText);
+bool RunPreparation::LoadRunFactors(std::vector<PlanStep>& steps) {
+  const bool linear = Test().FreqSweep && Test().StepType == static_cast<int>(StepType::Linear);
+  std::vector<double> frequencies;
+  for (const PlanStep& step : steps) frequencies.push_back(step.Freq);
+  PlanRange range(std::move(frequencies), linear ? std::optional(Test().StopFreq) : std::nullopt);
+  if (!RecordCovers(range) || !LoadTables(range)) return false;
+  if (range.LeftOut()) {
+    steps.pop_back();
+    ShowPlan(steps);
+    shell_.dialogs.Tell(range.LeftOutText());
+  }
+  return RecordHasLevels(steps);
 }
 
-bool RunPreparation::LoadRunFactors() {
+bool RunPreparation::RecordCovers(PlanRange& range) {
+  const double first = calibration_->GetStartFreq(), last = calibration_->GetStopFreq();
+  if (range.IsWithin(first, last)) return true;
+  shell_.dialogs.Tell("Calibration file does not cover frequency range:\r\nit goes from " + ShortestText(first) +
+                      " to " + ShortestText(last) + " MHz.");
+  return false;
+}
+
+bool RunPreparation::LoadTables(PlanRange& range) {
   const EquipRecord& equipment = documents_.equip.Record;
-  if (Test().MonitorProbe) {
-    if (!LoadTable(cableLoss_, equipment.CableLossFile, "Error loading cable loss file.",
-                   "Cable loss file does not cover frequency range"))
-      return false;
-    if (!LoadTable(probeFactor_, equipment.ProbeFile, "Error loading probe factor file.",
-                   "Probe factor file does not cover frequency range"))
-      return false;
-  }
-  if (!equipment.FwdPortFile.empty() &&
-      !LoadTable(forwardPort_, equipment.FwdPortFile, "Error loading foward coupling port file",
-                 "Forward port file does not cover frequency range"))
+  const bool probe = Test().MonitorProbe;
+  const struct {
+    bool wanted;
+    InterpClass& table;
+    const std::string& file;
+    const char* loadText;
+    const char* coverText;
+  } tables[] = {
+      {probe, cableLoss_, equipment.CableLossFile, "Error loading cable loss file.",
+       "Cable loss file does not cover frequency range"},
+      {probe, probeFactor_, equipment.ProbeFile, "Error loading probe factor file.",
+       "Probe factor file does not cover frequency range"},
+      {!equipment.FwdPortFile.empty(), forwardPort_, equipment.FwdPortFile, "Error loading foward coupling port file",
+       "Forward port file does not cover frequency range"},
+      {!equipment.RevPortFile.empty(), reversePort_, equipment.RevPortFile, "Error loading reverse coupling port file",
+       "Reverse port file does not cover frequency range"},
+  };
+  for (const auto& t : tables) {
+    if (!t.wanted) continue;
+    const std::string fault = LoadCoveringTable(t.table, t.file, range, t.loadText, t.coverText);
+    if (fault.empty()) continue;
+    shell_.dialogs.Tell(fault);
     return false;
-  return equipment.RevPortFile.empty() ||
-         LoadTable(reversePort_, equipment.RevPortFile, "Error loading reverse coupling port file",
-                   "Reverse port file does not cover frequency range");
+  }
+  return true;
+}
+
+bool RunPreparation::RecordHasLevels(const std::vector<PlanStep>& steps) {
+  for (const PlanStep& step : steps) {
+    if (!IsMissing(calibration_->GetSigGen(step.Freq)) && !IsMissing(calibration_->GetTestLevel(step.Freq))) continue;
+    shell_.dialogs.Tell("Calibration file gives no level at " + ShortestText(step.Freq) + " MHz");
+    return false;
+  }
+  return true;
 }
 
 bool RunPreparation::InitInstruments() {

@@ -11,6 +11,7 @@
 
 namespace hylden {
 
+class PlanRange;
 class RunDisplay;
 class Shell;
 struct Documents;
@@ -23,12 +24,17 @@ class RunPreparation {
  public:
   RunPreparation(Shell& shell, Instruments& instruments, Documents& documents, RunDisplay& display);
 
-  /// Plans the steps and shows their number and the estimated time. @return how many
+  /// Plans the steps and shows their number and the estimated time. A list of one frequency beside a sweep is left out,
+  /// after a message. @return how many
   int PlanSteps(std::vector<PlanStep>& steps);
+  /// Whether the list that the test names, if any, could be read; the operator has been told when not.
+  bool ListReadable() const { return listReadable_; }
   /// Loads the calibration record that the test names. @return false after a message
   bool LoadCalibration();
-  /// Loads the tables that the test needs; each must cover its frequency range. @return false after a message
-  bool LoadRunFactors();
+  /// Loads the tables that the test needs. They and the record must cover the steps, from the first to the last; a
+  /// rounded last step beyond the stop frequency is left out of the plan, after a message, where they don't.
+  /// @return false after a message
+  bool LoadRunFactors(std::vector<PlanStep>& steps);
 
   /// Brings the instruments up in a fixed order: generator 60 dB below 1 mW with the test's modulation and RF off,
   /// power meter, meter, amplifier. @return false after the message of the first failure
@@ -48,7 +54,11 @@ class RunPreparation {
 
  private:
   const TestDefinition& Test() const;
-  bool LoadTable(InterpClass& table, const std::string& path, const char* loadText, const char* coverText);
+  void TakeList(std::vector<PlanStep>& steps);
+  void ShowPlan(const std::vector<PlanStep>& steps);
+  bool RecordCovers(PlanRange& range);
+  bool LoadTables(PlanRange& range);
+  bool RecordHasLevels(const std::vector<PlanStep>& steps);
   bool BringUp();
   bool InitModulation();
   bool InitPowerMeter();
@@ -64,6 +74,7 @@ class RunPreparation {
   InterpClass cableLoss_, probeFactor_, forwardPort_, reversePort_;
   ForwardSensor sensor_;
   InstrumentsUp up_;
+  bool listReadable_ = true;
 };
 
 }  // namespace hylden

@@ -22,8 +22,7 @@ PrintJob DetailedReport(const Documents& documents, const RunData& data) {
   PrintJob job = RunReport(data, false);
   job.lines.front().newPage = true;
   std::vector<PrintedLine> page;
-  for (std::string& line :
-       TestSummaryLines(documents.testSetup.Definition, documents.calInfo.Record, SummaryForm::Page))
+  for (std::string& line : TestSummaryLines(documents.testSetup.AsRun(), documents.calInfo.Record, SummaryForm::Page))
     page.push_back({std::move(line)});
   job.lines.insert(job.lines.begin(), page.begin(), page.end());
   return job;

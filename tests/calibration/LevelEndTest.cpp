@@ -94,6 +94,7 @@ TEST_F(LevelEndTest, ARunThatCannotStartCostsThePointsOfTheOneBefore) {
     rig.t.dialogs.Clear();
     rig.bus.transcript.Clear();
     rig.bus.FailLine(failure.line, gpib::kEnol);
+    rig.t.dialogs.Answer(MessageAnswer::No);  // not to be saved
     rig.level.Run();
     EXPECT_TRUE(rig.t.dialogs.LastText().ends_with(failure.text));
     EXPECT_THAT(rig.t.dialogs.messages, testing::SizeIs(1)) << "a failure is told once";
@@ -106,6 +107,7 @@ TEST_F(LevelEndTest, ARunThatCannotStartCostsThePointsOfTheOneBefore) {
       EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 18"));
     }
   }
+  rig.t.dialogs.Answer(MessageAnswer::No);
   rig.level.Run();
   EXPECT_EQ(rig.Rows(), rows);
 }
@@ -161,7 +163,7 @@ TEST_F(LevelEndTest, ARowThatIsIncompleteSpoilsTheRecord) {
   rig.Run();
   EXPECT_EQ(rig.Rows().size(), 3U);
   EXPECT_EQ(rig.t.directory.Read("a.cal"), "1.0,-10.000,120.00,40.00,30.00,\r\n2.0,-10.000,120.00,40.00,30.00,\r\n");
-  EXPECT_EQ(rig.t.directory.Read("a.hyinfo"), "1 V\r\n\r\n\r\n1v\r\n1 - 4\r\n 2 \r\n");
+  EXPECT_EQ(rig.t.directory.Read("a.hyinfo"), "1 V\r\n\r\n\r\n1v\r\n1 - 2\r\n 2 \r\n");
   const FileRequest& request = rig.t.dialogs.saveRequests.front();
   EXPECT_EQ(request.title, "Enter Calibration Filename");
   EXPECT_EQ(request.filter, "Calibration File (*.cal)|*.cal");

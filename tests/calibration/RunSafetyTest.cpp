@@ -27,6 +27,7 @@ TEST_F(RunSafetyTest, AHaltWhileARunComesUpCostsThePointsOfTheOneBefore) {
   ASSERT_EQ(rows.size(), 3U);
   rig.bus.transcript.Clear();
   rig.t.events.onYield = [&] { rig.t.shell.delay.RequestHalt(); };
+  rig.t.dialogs.Answer(MessageAnswer::No);  // not to be saved
   rig.level.Run();
   EXPECT_EQ(rig.Rows(), rows);
   EXPECT_EQ(rig.level.Outcome(), RunOutcome::EndedEarly);

@@ -63,6 +63,8 @@ TEST(LevelTargets, MissingPowerIsToldAlsoWhenTheCorrectionLiftsTheMarker) {
             "Net power data not in calibration file.\r\nThis calibration file can't be used for \r\n"
             "Net-power leveled tests.");
   EXPECT_EQ(TargetsFor(Method(0), {-10, 120, -999, -999}).Text, "");
+  for (const CalibratedLevels& none : {CalibratedLevels{-999, 120}, CalibratedLevels{-10, -999}})
+    EXPECT_EQ(TargetsFor(Method(0), none).Text, "Calibration file gives no level at this frequency.");
 }
 
 TEST(LevelTargets, TheCurrentLimitFollowsTheImpedance) {

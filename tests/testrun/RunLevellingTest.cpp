@@ -291,16 +291,6 @@ TEST_F(LevellingTest, AStartBelowTheGeneratorsMinimumIsAskedForOnce) {
   EXPECT_EQ(rig.Rows()[2], "4.0, -6.0 **, 120.0, , , ");
 }
 
-TEST_F(LevellingTest, AFrequencyBeyondTheCalibrationEndsTheRun) {
-  rig.test.StopFreq = 6;
-  rig.equipment.FwdPortFile = rig.equipment.RevPortFile = "";
-  rig.Run();
-  EXPECT_TRUE(rig.t.dialogs.WasShownContaining("Calibration sig-gen level = -999"));
-  EXPECT_EQ(rig.Rows().size(), 4U);
-  EXPECT_EQ(rig.Rows()[3], "6.0, , , , , ");
-  EXPECT_FALSE(rig.rfOn);
-}
-
 TEST_F(LevellingTest, OneSensorOnTwoCouplersIsMovedAtTheBandChange) {
   rig.UsePower(LevelingMethod::ForwardPower);
   rig.UseIfi();
