@@ -9,21 +9,30 @@ namespace hylden {
 
 namespace {
 
-/// What the form would refuse is refused. The user-defined factor is not in the file: it comes as it would be typed.
+/// Takes the user-defined coupling factor that was given over the setup's own. @return false after a message
+bool TakeFactor(ConsoleStation& station, CalSetupEntries& entries) {
+  const CalSetupRecord& setup = station.TheDocuments().calSetup.Record;
+  const std::string& factor = station.Options().CouplingFactor;
+  if (factor.empty() && setup.HasOwnFactor() && setup.UserDefinedFactor == 0) {
+    station.Tell(
+        "The setup's coupling method is the user-defined one, without a factor: give it with --coupling-factor.");
+    return false;
+  }
+  if (!factor.empty() && !setup.HasOwnFactor()) {
+    station.Tell("The setup's coupling method is not the user-defined one: it has its own factor.");
+    return false;
+  }
+  if (!factor.empty()) entries.UserDefCF = factor;
+  return true;
+}
+
+/// What the form would refuse is refused.
 bool Validate(ConsoleStation& station) {
   CalSetup& setup = station.TheDocuments().calSetup;
   CalSetupEntries entries;
   const std::vector<std::string> messages = setup.SetupToForm(entries);
   for (const std::string& message : messages) station.Tell(message);
-  if (!messages.empty()) return false;
-  const std::string& factor = station.Options().CouplingFactor;
-  if (!factor.empty()) {
-    if (entries.CouplingMethod != static_cast<std::int32_t>(CouplingMethod::UserDefined)) {
-      station.Tell("The setup's coupling method is not the user-defined one: it has its own factor.");
-      return false;
-    }
-    entries.UserDefCF = factor;
-  }
+  if (!messages.empty() || !TakeFactor(station, entries)) return false;
   if (const auto failure = setup.FormToSetup(entries, true)) {
     station.TellBadEntry(*failure, "calibration setup");
     return false;

@@ -69,7 +69,8 @@ int main(int argc, char** argv) {
                  "File for what is recorded: run data (.run), a calibration record (.cal), an insertion loss (.los)")
       ->required();
   app.add_option("--coupling-factor", options.CouplingFactor,
-                 "Coupling factor for a setup with the user-defined method (default 0)")
+                 "Coupling factor for a setup with the user-defined method, in place of the setup's own; "
+                 "needed where that is 0")
       ->needs("--calibrate")
       ->type_name("DB");
   AddCableOptions(app, options);

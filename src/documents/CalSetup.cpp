@@ -43,6 +43,7 @@ CalSetupShown EntriesOf(const CalSetupRecord& setup, const CalSetupEntries& show
   entries.DeviceDescription = setup.DeviceDescription;
   entries.AmpUsed = setup.AmpUsed;
   entries.SetupDescription = setup.SetupDescription;
+  entries.UserDefCF = ShortestText(setup.UserDefinedFactor);
   ShowChoice(setup.StepType, static_cast<int>(StepType::List), entries.StepType, "frequency step type",
              result.Messages);
   ShowChoice(setup.LimitType, static_cast<int>(LimitType::File), entries.LimitType, "limit type", result.Messages);
@@ -102,7 +103,7 @@ std::optional<StartFailure> CheckStation(const CalSetupRecord& setup, const Equi
   return CheckAmplifier(equipment);
 }
 
-double CouplingFactorDb(std::int32_t couplingMethod, double userDefinedDb) {
+double CouplingFactorDb(std::int32_t couplingMethod, float userDefinedDb) {
   switch (static_cast<CouplingMethod>(couplingMethod)) {
     case CouplingMethod::Clamp150Ohm:
       return 15.5;
@@ -111,7 +112,7 @@ double CouplingFactorDb(std::int32_t couplingMethod, double userDefinedDb) {
     case CouplingMethod::CurrentClampDirect:
       return 0;
     case CouplingMethod::UserDefined:
-      return userDefinedDb;
+      return double{userDefinedDb};
   }
   return 0;
 }
@@ -123,6 +124,9 @@ std::string FreqRangeText(double lowestMHz, double highestMHz) {
 CalInfoRec CalInfoOf(const CalSetupRecord& setup) {
   CalInfoRec info;
   info.SetupDescription = setup.SetupDescription;
+  if (setup.HasOwnFactor())
+    info.SetupDescription += (setup.SetupDescription.empty() ? "" : ", ") + std::string("coupling factor ") +
+                             ShortestText(setup.UserDefinedFactor) + " dB";
   info.AmpUsed = setup.AmpUsed;
   info.DeviceDescription = setup.DeviceDescription;
   info.TestLevel = setup.HasLevelFile() ? setup.LimitFile : ShortestText(setup.CalLevel) + "v";
@@ -169,12 +173,11 @@ void CalSetup::SetOpeningDefaults(const std::string& initialLevel, double meterS
 std::vector<std::string> CalSetup::SetupToForm(CalSetupEntries& entries) const {
   CalSetupShown shown = EntriesOf(Record, entries);
   entries = std::move(shown.Entries);
-  entries.UserDefCF = ShortestText(UserDefinedFactor);
   return std::move(shown.Messages);
 }
 
 std::optional<EntryFailure> CalSetup::FormToSetup(const CalSetupEntries& entries, bool validate) {
-  return ValidateCalSetup(entries, validate, Record, UserDefinedFactor);
+  return ValidateCalSetup(entries, validate, Record);
 }
 
 }  // namespace hylden

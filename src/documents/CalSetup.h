@@ -44,10 +44,8 @@ CalSetupShown EntriesOf(const CalSetupRecord& setup, const CalSetupEntries& show
 
 /// Takes the entries into the setup in the form's order, each field as soon as it has passed.
 /// @param validate  stop at the first failure; otherwise nothing is checked, and what is no number is left out
-/// @param userDefinedFactor  receives the box of the user-defined method, dB
 /// @return the failure; lblListFile and lblLimitFile stand for a file that has to be picked
-std::optional<EntryFailure> ValidateCalSetup(const CalSetupEntries& entries, bool validate, CalSetupRecord& setup,
-                                             double& userDefinedFactor);
+std::optional<EntryFailure> ValidateCalSetup(const CalSetupEntries& entries, bool validate, CalSetupRecord& setup);
 
 /// Which controls of the calibration setup form can be used, given what is chosen.
 struct EnabledCalControls {
@@ -72,12 +70,13 @@ std::optional<StartFailure> CheckStation(const CalSetupRecord& setup, const Equi
 
 /// What the meter's reading at the calibration port lies below the test level, dB.
 /// @param couplingMethod  a CouplingMethod code
-double CouplingFactorDb(std::int32_t couplingMethod, double userDefinedDb);
+double CouplingFactorDb(std::int32_t couplingMethod, float userDefinedDb);
 
 /// A range of frequencies, MHz, as a record's description has it: "0.15 - 80".
 std::string FreqRangeText(double lowestMHz, double highestMHz);
 
-/// What a calibration record tells about a calibration run with this setup.
+/// What a calibration record tells about a calibration run with this setup. A factor of the operator's own stands in
+/// its description.
 CalInfoRec CalInfoOf(const CalSetupRecord& setup);
 
 /// The calibration setup and its file.
@@ -101,11 +100,9 @@ class CalSetup {
   std::optional<EntryFailure> FormToSetup(const CalSetupEntries& entries, bool validate);
 
   /// Of the setup's coupling method, dB.
-  double CouplingFactor() const { return CouplingFactorDb(Record.CouplingMethod, UserDefinedFactor); }
+  double CouplingFactor() const { return CouplingFactorDb(Record.CouplingMethod, Record.UserDefinedFactor); }
 
   CalSetupRecord Record;
-  /// The factor of the user-defined method, dB: of this session, kept in no file.
-  double UserDefinedFactor = 0;
 
  private:
   Shell& shell_;

@@ -35,12 +35,13 @@ struct CalSetupRecord {
   std::string AmpUsed;
   std::int32_t CouplingMethod = 0;  ///< a CouplingMethod code
   std::string SetupDescription;
-  float Reserved2 = 0;
+  float UserDefinedFactor = 0;  ///< of the user-defined coupling method, dB; older files hold 0
 
   bool HasLevelFile() const { return LimitType == static_cast<std::int32_t>(hylden::LimitType::File); }
   /// A limit and the reverse power need the forward power, ticked or not.
   bool RecordsForward() const { return RecordFwdPwr != 0 || RecordRevPwr != 0 || LimitFwdPwr != 0; }
   bool RecordsReverse() const { return RecordRevPwr != 0; }
+  bool HasOwnFactor() const { return CouplingMethod == static_cast<std::int32_t>(hylden::CouplingMethod::UserDefined); }
   bool LimitsForward() const { return LimitFwdPwr != 0; }
 };
 
@@ -68,7 +69,7 @@ void Fields(F& f, CalSetupRecord& c) {
   f.Text(c.AmpUsed);
   f.Int32(c.CouplingMethod);
   f.Text(c.SetupDescription);
-  f.Single(c.Reserved2);
+  f.Single(c.UserDefinedFactor);
   f.SpareLines(9);
 }
 

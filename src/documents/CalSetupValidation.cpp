@@ -18,8 +18,8 @@ float Converted(const std::string& text, float) {
 /// Reads the form's boxes in their order; each step returns false at the first failure.
 class Validator {
  public:
-  Validator(const CalSetupEntries& entries, bool validate, CalSetupRecord& setup, double& userDefinedFactor)
-      : entries_(entries), validate_(validate), setup_(setup), userDefinedFactor_(userDefinedFactor) {}
+  Validator(const CalSetupEntries& entries, bool validate, CalSetupRecord& setup)
+      : entries_(entries), validate_(validate), setup_(setup) {}
 
   std::optional<EntryFailure> Run() {
     static_cast<void>(FrequencyNumbers() && LevelNumbers() && CouplingNumber() && Range() && Step() && TestLevel() &&
@@ -108,7 +108,7 @@ class Validator {
     setup_.AmpUsed = entries_.AmpUsed;
     setup_.SetupDescription = entries_.SetupDescription;
     if (entries_.CouplingMethod != CalSetupEntries::kNoChoice) setup_.CouplingMethod = entries_.CouplingMethod;
-    return !IsUserDefined() || Take("txtUserDefCF", kCoupling, entries_.UserDefCF, userDefinedFactor_);
+    return !IsUserDefined() || Take("txtUserDefCF", kCoupling, entries_.UserDefCF, setup_.UserDefinedFactor);
   }
 
   bool Number(const char* control, Tab tab, const std::string& text) {
@@ -153,15 +153,13 @@ class Validator {
   const CalSetupEntries& entries_;
   const bool validate_;
   CalSetupRecord& setup_;
-  double& userDefinedFactor_;
   std::optional<EntryFailure> failure_;
 };
 
 }  // namespace
 
-std::optional<EntryFailure> ValidateCalSetup(const CalSetupEntries& entries, bool validate, CalSetupRecord& setup,
-                                             double& userDefinedFactor) {
-  return Validator(entries, validate, setup, userDefinedFactor).Run();
+std::optional<EntryFailure> ValidateCalSetup(const CalSetupEntries& entries, bool validate, CalSetupRecord& setup) {
+  return Validator(entries, validate, setup).Run();
 }
 
 }  // namespace hylden

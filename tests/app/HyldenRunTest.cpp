@@ -372,6 +372,18 @@ TEST_F(HyldenRunCalibration, CalibratesALevelIntoARecordOfBothFiles) {
   EXPECT_EQ(ReadLines(directory_.File("out.hyinfo")).size(), 6U);
 }
 
+TEST_F(HyldenRunCalibration, TakesTheCouplingFactorOfTheSetupUnlessItIsGivenOne) {
+  const std::string setup = Setup(
+      [](CalSetupRecord& s) { s.LogStep = 200, s.CalLevel = 1, s.CouplingMethod = 3, s.UserDefinedFactor = 9.5F; });
+  const auto description = [&](const std::vector<std::string>& more) {
+    const Outcome outcome = HyldenRun(Level(setup, more));
+    EXPECT_EQ(outcome.status, kFinished) << outcome.output;
+    return ReadLines(directory_.File("out.hyinfo")).front();
+  };
+  EXPECT_EQ(description({"--yes"}), "10 V, 0.15 to 230 MHz, coupling factor 9.5 dB");
+  EXPECT_EQ(description({"--yes", "--coupling-factor", "0"}), "10 V, 0.15 to 230 MHz, coupling factor 0 dB");
+}
+
 TEST_F(HyldenRunCalibration, KeepsThePointsOfARunThatEndsEarly) {
   const std::string tooLow = Setup([](CalSetupRecord& s) { s.LogStep = 20, s.MaxLevel = -9.5F; });
   const Outcome failed = HyldenRun(Level(tooLow, {"--yes"}));
@@ -458,6 +470,8 @@ TEST_F(HyldenRunCalibration, SwitchesNothingOnUnasked) {
       {"a factor that is none",
        Level(Setup([](CalSetupRecord& s) { s.CouplingMethod = 3; }), {"--yes", "--coupling-factor", "nan"}), kFailed,
        "txtUserDefCF"},
+      {"a method without its factor", Level(Setup([](CalSetupRecord& s) { s.CouplingMethod = 3; }), {"--yes"}), kFailed,
+       "give it with --coupling-factor"},
       {"no calibration setup", Level("bench.txt", {"--yes"}), kFailed, "Error loading calibration setup file"},
       {"a setup that can't be run", Level(Setup([](CalSetupRecord& s) { s.StopFreq = 0.1; }), {"--yes"}), kFailed,
        "txtStopFreq"},

@@ -57,7 +57,7 @@ TEST_F(LevelCalibrationTest, ThePhysicsIsNotFollowed) {
   rig.portDb = 131.9;
   rig.setup.InitLevel = -40;
   rig.setup.CouplingMethod = 3;
-  rig.documents.calSetup.UserDefinedFactor = 3.1;
+  rig.setup.UserDefinedFactor = 3.1F;
   rig.Run();
   EXPECT_EQ(rig.level.Outcome(), RunOutcome::Finished);
   // 120.25 = level + 131.9 + 1 + 3.1

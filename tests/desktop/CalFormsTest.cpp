@@ -65,14 +65,15 @@ TEST_F(CalForms, EveryEntryComesBackFromTheForm) {
   setup.StepType = 2, setup.ListFile = "radio-services.lst", setup.LinearStep = 2, setup.LogStep = 3;
   setup.LimitType = 1, setup.LimitFile = "stepped.lev", setup.CalLevel = 7, setup.MaxLevel = -5, setup.MaxStep = 4;
   setup.InitLevel = -41, setup.RecordFwdPwr = setup.RecordRevPwr = setup.LimitFwdPwr = 1, setup.FwdPwrLimit = 12;
-  setup.Dwell = 0.5, setup.CouplingMethod = 3, setup.AmpUsed = "A", setup.DeviceDescription = "D";
+  setup.Dwell = 0.5, setup.CouplingMethod = 3, setup.UserDefinedFactor = 2.5F, setup.AmpUsed = "A",
+  setup.DeviceDescription = "D";
   const auto form = OpenSetup();
   const std::string before = m.directory.File("before.csu"), after = m.directory.File("after.csu");
   SaveRecord(before, setup);
   setup.Dwell = 9, setup.CouplingMethod = 0, setup.AmpUsed = setup.ListFile = setup.LimitFile = "";
   setup.StepType = setup.LimitType = setup.RecordFwdPwr = setup.RecordRevPwr = setup.LimitFwdPwr = 0;
   setup.StartFreq = setup.StopFreq = 1;
-  setup.MaxLevel = setup.MaxStep = setup.InitLevel = setup.FwdPwrLimit = 0;
+  setup.MaxLevel = setup.MaxStep = setup.InitLevel = setup.FwdPwrLimit = setup.UserDefinedFactor = 0;
   ASSERT_TRUE(form->FormToSetup(true)) << dialogs.LastText();
   SaveRecord(after, setup);
   EXPECT_EQ(ReadLines(after), ReadLines(before));
@@ -205,6 +206,11 @@ TEST_F(CalForms, UserDefinedFactorLowersTheReadingThatIsWanted) {
   Find<QLineEdit>(*setup, "txtUserDefCF").setText("9.5");
   ASSERT_TRUE(setup->FormToSetup(true)) << dialogs.LastText();
   EXPECT_EQ(Cal().CouplingFactor(), 9.5);
+  const std::string file = m.directory.File("own.csu");
+  ASSERT_TRUE(Cal().SaveDef(file));
+  Cal().Record = {};
+  ASSERT_TRUE(Cal().LoadDef(file));
+  EXPECT_EQ(TextOf(*OpenSetup(), "txtUserDefCF"), "9.5");
 }
 
 TEST_F(CalForms, MnemonicsAreApart) {

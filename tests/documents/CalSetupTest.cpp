@@ -34,7 +34,7 @@ CalSetupRecord TenVolts() {
   setup.DeviceDescription = "CDN M2, no. 4711";
   setup.AmpUsed = "25 W";
   setup.SetupDescription = "10 V";
-  setup.Reserved2 = 0.1F;
+  setup.UserDefinedFactor = 0.1F;
   return setup;
 }
 
@@ -71,12 +71,12 @@ TEST_F(CalSetupTest, AShortFileOrABadLineCostsFieldsBehindIt) {
 
   lines.resize(22);
   lines[0] = "1";
-  other.Record.Reserved2 = 5;
+  other.Record.UserDefinedFactor = 5;
   const std::string path = t.directory.Write("22.csu", JoinLines(lines));
   EXPECT_FALSE(other.LoadDef(path));
   EXPECT_EQ(t.dialogs.LastText(), "Error # 62\rInput past end of file\rCalSetup.LoadDef\r" + path);
   EXPECT_EQ(other.Record.StartFreq, 1);
-  EXPECT_EQ(other.Record.Reserved2, 5);
+  EXPECT_EQ(other.Record.UserDefinedFactor, 5);
 
   lines[7] = "ten";
   EXPECT_FALSE(other.LoadDef(t.directory.Write("bad.csu", JoinLines(lines))));
@@ -98,13 +98,14 @@ TEST_F(CalSetupTest, TheFormOpensWithOtherThanItsDefaults) {
 TEST_F(CalSetupTest, ShowingAndTakingASetupChangesIt) {
   setup.Record = TenVolts();
   setup.Record.CouplingMethod = 3;
-  setup.UserDefinedFactor = 9.5;
+  setup.Record.UserDefinedFactor = 9.5;
   Entries entries;
   EXPECT_TRUE(setup.SetupToForm(entries).empty());
   EXPECT_EQ(entries.FinalDwell, "0.3");
   EXPECT_EQ(entries.UserDefCF, "9.5");
   CalSetup other(t.shell);
   other.Record = setup.Record;
+  other.Record.UserDefinedFactor = 0;
   EXPECT_FALSE(other.FormToSetup(entries, true));
   EXPECT_TRUE(SameRecord(other.Record, setup.Record));
   EXPECT_EQ(other.CouplingFactor(), 9.5);
@@ -167,9 +168,8 @@ TEST(CalSetupValidation, ABadEntryIsTakenOrTheWrongBoxIsShown) {
   };
   ExpectRefused(refusals, EntriesOf(TenVolts()).Entries, [](Entries& entries) {
     CalSetupRecord setup;
-    double factor = 0;
-    EXPECT_FALSE(ValidateCalSetup(entries, false, setup, factor)) << "closing the form refuses nothing";
-    return ValidateCalSetup(entries, true, setup, factor);
+    EXPECT_FALSE(ValidateCalSetup(entries, false, setup)) << "closing the form refuses nothing";
+    return ValidateCalSetup(entries, true, setup);
   });
 }
 
@@ -178,15 +178,15 @@ TEST(CalSetupValidation, AHiddenBoxIsCheckedOrAGoodEntryRefused) {
   entries.LinearStep = entries.FwdPwrLimit = entries.UserDefCF = "x";
   entries.FinalDwell = "0";
   CalSetupRecord setup;
-  double factor = 4;
-  EXPECT_FALSE(ValidateCalSetup(entries, true, setup, factor));
+  setup.UserDefinedFactor = 4;
+  EXPECT_FALSE(ValidateCalSetup(entries, true, setup));
   EXPECT_EQ(setup.Dwell, 0);
-  EXPECT_EQ(factor, 4);
+  EXPECT_EQ(setup.UserDefinedFactor, 4);
 
   entries.StepType = 2;
   entries.LimitType = 1;
   entries.LogStep = entries.CalLevel = "x";
-  EXPECT_FALSE(ValidateCalSetup(entries, true, setup, factor));
+  EXPECT_FALSE(ValidateCalSetup(entries, true, setup));
   EXPECT_EQ(setup.ListFile, "/lists/x.lst");
   EXPECT_EQ(setup.LimitFile, "/levels/y.lev");
   EXPECT_TRUE(setup.HasLevelFile());
@@ -197,8 +197,7 @@ TEST(CalSetupValidation, AFailureStoresWhatComesBehindIt) {
   entries.CalLevel = "0";
   entries.MaxLevel = "1";
   CalSetupRecord setup;
-  double factor = 0;
-  EXPECT_TRUE(ValidateCalSetup(entries, true, setup, factor));
+  EXPECT_TRUE(ValidateCalSetup(entries, true, setup));
   EXPECT_EQ(setup.StopFreq, 80);
   EXPECT_EQ(setup.CalLevel, 0);
   EXPECT_EQ(setup.MaxLevel, 0);
@@ -214,14 +213,13 @@ TEST(CalSetupValidation, ClosingTheFormLosesWhatWasTyped) {
   entries.UserDefCF = "11";
   entries.AmpUsed = "another";
   CalSetupRecord setup = TenVolts();
-  double factor = 0;
-  EXPECT_FALSE(ValidateCalSetup(entries, false, setup, factor));
+  EXPECT_FALSE(ValidateCalSetup(entries, false, setup));
   EXPECT_EQ(setup.StartFreq, -5);
   EXPECT_EQ(setup.StopFreq, 80);
   EXPECT_EQ(setup.MaxLevel, 7);
   EXPECT_EQ(setup.StepType, 1);
   EXPECT_EQ(setup.AmpUsed, "another");
-  EXPECT_EQ(factor, 11);
+  EXPECT_EQ(setup.UserDefinedFactor, 11);
 }
 
 TEST(CalSetupControls, ATickLeavesAnImpossibleCombination) {
@@ -301,7 +299,7 @@ TEST(CheckStation, ACalibrationStartsWithoutWhatItNeeds) {
 
 TEST(CouplingFactor, AMethodHasAnotherFactor) {
   const double factors[] = {15.5, 6, 0, 9.25};
-  for (int method = 0; method < 4; ++method) EXPECT_EQ(CouplingFactorDb(method, 9.25), factors[method]) << method;
+  for (int method = 0; method < 4; ++method) EXPECT_EQ(CouplingFactorDb(method, 9.25F), factors[method]) << method;
 }
 
 TEST(CalInfoOfSetup, TheRecordTellsAnotherCalibration) {
@@ -313,6 +311,12 @@ TEST(CalInfoOfSetup, TheRecordTellsAnotherCalibration) {
   EXPECT_EQ(info.DeviceDescription, "CDN M2, no. 4711");
   setup.LimitType = 1;
   EXPECT_EQ(CalInfoOf(setup).TestLevel, "/levels/y.lev");
+  EXPECT_EQ(info.SetupDescription, "10 V");
+  setup.CouplingMethod = 3;
+  setup.UserDefinedFactor = 9.1F;
+  EXPECT_EQ(CalInfoOf(setup).SetupDescription, "10 V, coupling factor 9.1 dB");
+  setup.SetupDescription = "";
+  EXPECT_EQ(CalInfoOf(setup).SetupDescription, "coupling factor 9.1 dB");
 }
 
 }  // namespace
