@@ -42,7 +42,6 @@ class CableLoss {
   ConsoleStation& station_;
   RunCablCal run_;
   ConsoleCalDisplay display_;
-  std::vector<CablePoint> direct_;  ///< what the whole direct pass measured
   RunOutcome outcome_ = RunOutcome::NotRun;
 };
 
@@ -53,13 +52,9 @@ bool CableLoss::Plan() {
 }
 
 ExitState CableLoss::Run() {
-  const std::size_t planned = run_.Points().size();
-  if (Pass(false)) {
-    direct_ = run_.Points();
-    Pass(true);
-  }
+  if (Pass(false)) Pass(true);
   const bool saved = SavedOrPrinted();
-  return station_.End(outcome_, saved, Completed(), planned);
+  return station_.End(outcome_, saved, Completed(), run_.Points().size());
 }
 
 bool CableLoss::Pass(bool inserted) {
@@ -79,16 +74,12 @@ bool CableLoss::Pass(bool inserted) {
   return outcome_ == RunOutcome::Finished;
 }
 
-/// Prints what is in no file: a loss needs both readings at every point, and an insert pass that ended early has cut
-/// the points to those that it measured. @return whether all is in the file
+/// Prints what is in no file: a point without its insert reading has no loss. @return whether all is in the file
 bool CableLoss::SavedOrPrinted() {
-  const auto& points = run_.Points();
-  std::vector<CablePoint> unsaved;
-  if (Completed() < points.size() || !run_.SaveFile()) unsaved = points;
-  for (std::size_t i = points.size(); i < direct_.size(); ++i) unsaved.push_back(direct_[i]);
+  const bool saved = Completed() > 0 && run_.SaveFile();
   std::string text;
-  for (const CablePoint& point : unsaved) {
-    if (!point.HasDirect()) continue;
+  for (const CablePoint& point : run_.Points()) {
+    if (!point.HasDirect() || (saved && point.HasBoth())) continue;
     text += Format(point.Freq, "####0.000###") + " MHz  direct " + Format(point.Direct, "##0.0#");
     if (point.HasBoth()) text += "  insert " + Format(point.Insert, "##0.0#");
     text += " dBuV\n";

@@ -1,6 +1,7 @@
 #include "calibration/CableCalibration.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "calibration/CalibrationDisplay.h"
 #include "calibration/FrequencyPlan.h"
@@ -8,6 +9,7 @@
 #include "calibration/WarbleAlarm.h"
 #include "instruments/Instruments.h"
 #include "shell/Shell.h"
+#include "text/Numbers.h"
 #include "text/TextFile.h"
 
 namespace hylden {
@@ -35,14 +37,14 @@ bool RunCablCal::BuildPlan() {
     return false;
   }
   if (Keeps(*plan)) return true;
-  if (!MayLeavePoints()) return false;
+  if (!MayDropReadings(true)) return false;
   points_.clear();
   for (const double frequency : *plan) points_.push_back({frequency, Setup.Level});
   return true;
 }
 
 bool RunCablCal::Keeps(const std::vector<double>& plan) const {
-  if (saved_ || points_.empty() || !points_.front().HasDirect()) return false;
+  if (points_.empty() || !points_.front().HasDirect() || (saved_ && IsComplete())) return false;
   return std::equal(
       points_.begin(), points_.end(), plan.begin(), plan.end(),
       [&](const CablePoint& p, double frequency) { return p.Freq == frequency && p.SigGenLevel == Setup.Level; });
@@ -52,8 +54,26 @@ bool RunCablCal::IsComplete() const {
   return !points_.empty() && std::all_of(points_.begin(), points_.end(), [](const auto& p) { return p.HasBoth(); });
 }
 
+bool RunCablCal::HasAllDirect() const {
+  return !points_.empty() && std::all_of(points_.begin(), points_.end(), [](const auto& p) { return p.HasDirect(); });
+}
+
+std::vector<CablePoint> RunCablCal::CompletePoints() const {
+  std::vector<CablePoint> complete;
+  std::copy_if(points_.begin(), points_.end(), std::back_inserter(complete), [](const auto& p) { return p.HasBoth(); });
+  return complete;
+}
+
+bool RunCablCal::MayDropReadings(bool dropsDirect) {
+  if (!saved_ && !CompletePoints().empty()) return MayLeavePoints();
+  if (!dropsDirect || IsComplete() || !HasAllDirect()) return true;
+  const MessageAnswer answer = shell_.dialogs.Show({"The direct readings wait for their insert pass.\r\nDrop them?",
+                                                    "Direct Readings", MessageIcon::Question, MessageButtons::YesNo});
+  return answer == MessageAnswer::Yes;
+}
+
 bool RunCablCal::MayLeavePoints() {
-  if (saved_ || !IsComplete()) return true;
+  if (saved_ || CompletePoints().empty()) return true;
   const MessageAnswer answer =
       shell_.dialogs.Show({"The insertion loss that was measured has not been saved.\r\nSave it?",
                            "Save Insertion Loss", MessageIcon::Question, MessageButtons::YesNoCancel});
@@ -63,16 +83,17 @@ bool RunCablCal::MayLeavePoints() {
 }
 
 void RunCablCal::DirectPass(CalibrationDisplay& display) {
-  if (IsRunning() || points_.empty()) return;
+  if (IsRunning() || points_.empty() || !MayDropReadings(true)) return;
   RunPass({display, false}, "RunCblCal.DirectPass");
 }
 
 void RunCablCal::InsertPass(CalibrationDisplay& display) {
   if (IsRunning()) return;
-  if (points_.empty() || !std::all_of(points_.begin(), points_.end(), [](const auto& p) { return p.HasDirect(); })) {
+  if (!HasAllDirect()) {
     shell_.dialogs.Tell("You must take direct readings first");
     return;
   }
+  if (!MayDropReadings(false)) return;
   RunPass({display, true}, "RunCblCal.InsertPass");
 }
 
@@ -154,9 +175,10 @@ bool RunCablCal::Tune(double frequencyMHz, float levelDbm) {
 
 void RunCablCal::Store(const Pass& pass, CablePoint& point, float levelDbm, double reading) {
   saved_ = false;
+  // Readings of two passes of a kind are never mixed.
+  if (current_ == 1)
+    for (CablePoint& p : points_) p = {p.Freq, p.SigGenLevel, pass.Inserted ? p.Direct : kNoValue};
   if (pass.Inserted) {
-    // Readings of two insert passes are never mixed.
-    if (current_ == 1) std::for_each(points_.begin(), points_.end(), [](auto& p) { p.Insert = kNoValue; });
     point.Insert = reading;
     point.Loss = point.Direct - point.Insert;
     return;
@@ -173,18 +195,12 @@ void RunCablCal::EndPass(const Pass& pass) {
     RunAll({[&] { up_.CloseSigGen(); }, [&] { up_.TakeDown(); }});
   });
   guard_.Attempt([&] { pass.Display.Status(""); });
-  guard_.Attempt([&] { CutPlan(pass.Display); });
   guard_.Attempt([&] { pass.Display.Running(false); });
 }
 
-void RunCablCal::CutPlan(CalibrationDisplay& display) {
-  if (outcome_ == RunOutcome::Finished || current_ < 2) return;
-  points_.resize(current_ - 1);
-  display.TableCut(static_cast<int>(points_.size()));
-}
-
 bool RunCablCal::SaveFile() {
-  if (!IsComplete()) {
+  const std::vector<CablePoint> complete = CompletePoints();
+  if (complete.empty()) {
     shell_.dialogs.Tell("Need to run Direct and Insert before file can be saved");
     return false;
   }
@@ -193,12 +209,15 @@ bool RunCablCal::SaveFile() {
                                shell_.settings.GetDataDir(datakind::kInsertionLoss), "*.los"});
   if (!path) return false;
   try {
-    ReplaceFile(*path, InsertionLossText(points_, *path));
+    ReplaceFile(*path, InsertionLossText(complete, *path));
   } catch (const std::exception& error) {
     shell_.ReportError(error, "RunCblCal.SaveFile", *path);
     return false;
   }
   saved_ = true;
+  if (complete.size() < points_.size())
+    shell_.dialogs.Tell("The insert pass ended early: the file holds " + ShortestText(complete.front().Freq) + " - " +
+                        ShortestText(complete.back().Freq) + " MHz only.");
   return true;
 }
 

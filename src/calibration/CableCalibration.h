@@ -35,27 +35,28 @@ std::string InsertionLossText(const std::vector<CablePoint>& points, const std::
 
 /// Measures what a cable loses over frequency: a direct pass with the generator straight at the meter, then an insert
 /// pass through the cable. Setup and points live as long as the program, until the next plan. However a pass ends, RF
-/// is off and the instruments are offline; a pass that ends early at a point behind the first cuts the plan before it.
+/// is off and the instruments are offline. A pass that ends early keeps the plan and what it has measured: a direct
+/// pass has to be taken again, an insert pass costs no direct reading.
 class RunCablCal {
  public:
   RunCablCal(Shell& shell, Instruments& instruments);
 
   CableSetup Setup;
 
-  /// Plans the points of the setup anew. Readings of the same plan that are not saved yet are kept.
-  /// @return false after a message, or when the operator wants to keep a loss that is not saved; the points before are
-  /// then kept
+  /// Plans the points of the setup anew. Readings of the same plan are kept, unless their complete loss is saved.
+  /// @return false after a message, or when the operator wants to keep readings; the points before are then kept
   bool BuildPlan();
   const std::vector<CablePoint>& Points() const { return points_; }
 
-  /// Both return when the pass ended, failed or was halted.
+  /// Both return when the pass ended, failed or was halted. Nothing is done when the operator wants to keep readings
+  /// that it would drop.
   void DirectPass(CalibrationDisplay& display);
   void InsertPass(CalibrationDisplay& display);
 
-  /// Asks for a file and writes the points to it. @return false after a message, or when cancelled
+  /// Asks for a file and writes the complete points to it: those with both readings. @return false after a message, or
+  /// when cancelled
   bool SaveFile();
-  /// Asks whether to save a complete loss that is not. @return false when the points have to stay: cancelled, or not
-  /// saved
+  /// Asks whether to save complete points that are not. @return false when they have to stay: cancelled, or not saved
   bool MayLeavePoints();
 
   bool IsRunning() const { return guard_.IsRunning(); }
@@ -71,6 +72,11 @@ class RunCablCal {
   bool Halted() const;
   bool Keeps(const std::vector<double>& plan) const;
   bool IsComplete() const;
+  bool HasAllDirect() const;
+  std::vector<CablePoint> CompletePoints() const;
+  /// Asks before readings go that are not saved, or that wait for their insert pass. @return false when they have to
+  /// stay
+  bool MayDropReadings(bool dropsDirect);
   void RunPass(const Pass& pass, const char* context);
   bool BringUp(const Pass& pass);
   void ShowPlan(const Pass& pass);
@@ -79,7 +85,6 @@ class RunCablCal {
   bool Tune(double frequencyMHz, float levelDbm);
   void Store(const Pass& pass, CablePoint& point, float levelDbm, double reading);
   void EndPass(const Pass& pass);
-  void CutPlan(CalibrationDisplay& display);
 
   Shell& shell_;
   Instruments& instruments_;

@@ -91,6 +91,11 @@ class CableTest : public testing::Test {
     rig.portDb = 27.25;
     cable.InsertPass(rig.display);
   }
+  /// How many points have been read so far.
+  std::ptrdiff_t Read(bool (CablePoint::*how)() const) const {
+    const auto& points = cable.Points();
+    return std::count_if(points.begin(), points.end(), [&](const CablePoint& p) { return (p.*how)(); });
+  }
   std::vector<double> Frequencies() const {
     std::vector<double> frequencies;
     for (const CablePoint& point : cable.Points()) frequencies.push_back(point.Freq);
@@ -181,25 +186,86 @@ TEST(InsertionLossTextTest, WideNumbersRunTogether) {
   EXPECT_TRUE(text.ends_with("\r\n12345.000001, -29.75,   -120.25,  -90.5\r\n")) << text;
 }
 
-TEST_F(CableTest, AHaltedPassKeepsTooMuchOrTooLittle) {
+TEST_F(CableTest, AHaltedDirectPassKeepsThePlanAndHasToBeTakenAgain) {
+  MeasureBoth();
+  rig.t.dialogs.Answer(MessageAnswer::No);  // not to be saved
   HaltAt(5);
   cable.DirectPass(rig.display);
-  EXPECT_THAT(Frequencies(), ElementsAre(1, 2, 3, 4));
-  EXPECT_EQ(rig.display.rows, 4);
-  EXPECT_TRUE(rig.t.speaker.tones.empty());
+  EXPECT_EQ(Frequencies().size(), 10U);
+  EXPECT_EQ(Read(&CablePoint::HasDirect), 4);
+  EXPECT_EQ(Read(&CablePoint::HasBoth), 0) << "readings of two passes are mixed";
   EXPECT_FALSE(rig.rfOn);
-  rig.onMeterRead = nullptr;
   EXPECT_FALSE(cable.SaveFile());
   EXPECT_EQ(rig.t.dialogs.LastText(), "Need to run Direct and Insert before file can be saved");
-  HaltAt(3);
   cable.InsertPass(rig.display);
-  EXPECT_THAT(Frequencies(), ElementsAre(1, 2));
+  EXPECT_EQ(rig.t.dialogs.LastText(), "You must take direct readings first");
+  rig.onMeterRead = nullptr;
+  cable.DirectPass(rig.display);
+  EXPECT_EQ(Read(&CablePoint::HasDirect), 10);
+}
+
+TEST_F(CableTest, AHaltedInsertPassCostsNoDirectReadingAndSavesWhatIsComplete) {
+  rig.portDb = 30;
+  cable.DirectPass(rig.display);
+  rig.portDb = 27.25;
+  HaltAt(4);
+  cable.InsertPass(rig.display);
+  EXPECT_EQ(Read(&CablePoint::HasDirect), 10);
+  EXPECT_EQ(Read(&CablePoint::HasBoth), 3);
   rig.t.dialogs.AnswerSave(rig.t.directory.File("a.los"));
   EXPECT_TRUE(cable.SaveFile());
+  EXPECT_EQ(rig.t.dialogs.LastText(), "The insert pass ended early: the file holds 1 - 3 MHz only.");
+  EXPECT_EQ(ReadLines(rig.t.directory.File("a.los")).size(), 12U + 3U);
+
+  rig.onMeterRead = nullptr;
+  EXPECT_TRUE(cable.BuildPlan());
+  cable.InsertPass(rig.display);
+  EXPECT_EQ(Read(&CablePoint::HasBoth), 10);
+  EXPECT_EQ(cable.Points().back().Loss, 2.75);
+}
+
+TEST_F(CableTest, ReadingsAreNotDroppedUnasked) {
+  constexpr const char* kDrop = "The direct readings wait for their insert pass.\r\nDrop them?";
+  constexpr const char* kSave = "The insertion loss that was measured has not been saved.\r\nSave it?";
+  const auto direct = [this] { cable.DirectPass(rig.display); };
+  const auto insert = [this] { cable.InsertPass(rig.display); };
+  const auto otherPlan = [this] {
+    cable.Setup.StopFreq = 9;
+    EXPECT_FALSE(cable.BuildPlan());
+  };
+  direct();
+  EXPECT_TRUE(rig.t.dialogs.messages.empty());
+  rig.bus.transcript.Clear();
+  for (const std::function<void()>& drop : {std::function<void()>(direct), std::function<void()>(otherPlan)}) {
+    rig.t.dialogs.Answer(MessageAnswer::No);
+    drop();
+    EXPECT_EQ(rig.t.dialogs.LastText(), kDrop);
+  }
+  EXPECT_EQ(Read(&CablePoint::HasDirect), 10);
+  EXPECT_TRUE(rig.bus.Lines().empty());
+
+  insert();
+  EXPECT_EQ(rig.t.dialogs.messages.size(), 2U) << "an insert pass drops no direct reading";
+  rig.bus.transcript.Clear();
+  for (const std::function<void()>& drop :
+       {std::function<void()>(direct), std::function<void()>(insert), std::function<void()>(otherPlan)}) {
+    rig.t.dialogs.Answer(MessageAnswer::Cancel);
+    drop();
+    EXPECT_EQ(rig.t.dialogs.LastText(), kSave);
+  }
+  EXPECT_EQ(Read(&CablePoint::HasBoth), 10);
+  EXPECT_TRUE(rig.bus.Lines().empty());
+
+  rig.t.dialogs.Answer(MessageAnswer::Yes);
+  rig.t.dialogs.AnswerSave(rig.t.directory.File("a.los"));
+  direct();
+  EXPECT_TRUE(rig.t.directory.Exists("a.los"));
+  EXPECT_EQ(Read(&CablePoint::HasBoth), 0);
 }
 
 TEST_F(CableTest, APassThatEndsAtItsFirstPointCutsThePlanOrMixesPasses) {
   MeasureBoth();
+  rig.t.dialogs.Answer(MessageAnswer::No);  // not to be saved
   cable.Setup.Level = -30;
   rig.bus.FailLine("> 18 OUTP ON", gpib::kEnol);
   cable.DirectPass(rig.display);
@@ -238,7 +304,7 @@ TEST_F(CableTest, ABadReadingLeavesRfOnBehindItsMessage) {
             (std::vector<std::string>{"The level is above the meter's maximum level, check setup",
                                       "Run halted due to errors"}));
   EXPECT_FALSE(rig.rfOnAtMessage);
-  EXPECT_EQ(cable.Points().size(), 3U);
+  EXPECT_EQ(Read(&CablePoint::HasDirect), 3);
   EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 13"));
 }
 
@@ -259,6 +325,7 @@ TEST_F(CableTest, AnInstrumentThatIsNotThereCostsThePoints) {
                                      {"FIND 13", "Error initializing meter"}};
   for (const auto& failure : failures) {
     rig.bus.FailLine(failure[0], gpib::kEnol);
+    if (rig.t.dialogs.messages.empty()) rig.t.dialogs.Answer(MessageAnswer::No);  // not to be saved
     cable.DirectPass(rig.display);
     EXPECT_TRUE(rig.t.dialogs.LastText().ends_with(failure[1]));
     EXPECT_EQ(rig.t.dialogs.messages.back().icon, MessageIcon::Critical);
@@ -277,7 +344,7 @@ TEST_F(CableTest, ADwellOfZeroGoesOnAfterEscape) {
   rig.t.dialogs.Answer(MessageAnswer::Ok);
   rig.t.dialogs.Answer(MessageAnswer::Cancel);
   cable.DirectPass(rig.display);
-  EXPECT_EQ(cable.Points().size(), 2U);
+  EXPECT_EQ(Read(&CablePoint::HasDirect), 2);
 }
 
 TEST_F(CableTest, AnExceptionLeavesRfOn) {

@@ -117,6 +117,7 @@ TEST_F(RunSafetyTest, AnInsertPassLeavesReadingsOfTheOneBefore) {
   rig.t.events.onYield = [&] {
     if (!rig.display.steps.empty()) rig.t.shell.delay.RequestHalt();
   };
+  rig.t.dialogs.Answer(MessageAnswer::No);  // not to be saved
   rig.cable.InsertPass(rig.display);
   ASSERT_EQ(rig.cable.Points().size(), 3U);
   for (const CablePoint& point : rig.cable.Points()) EXPECT_EQ(point.HasBoth(), point.Freq == 1) << point.Freq;

@@ -327,7 +327,8 @@ TEST_F(CableForms, MeasuredLossIsNotLostByClosing) {
   EXPECT_FALSE(RfIsOn());
   EXPECT_TRUE(dialogs.WasShownContaining("has not been saved"));
   EXPECT_TRUE(form->isVisible());
-  EXPECT_EQ(Rows(*form, "lvwData"), 2);
+  EXPECT_EQ(Rows(*form, "lvwData"), 3);
+  EXPECT_EQ(Cell(*form, "lvwData", 2, 4), "") << "it was halted there";
 
   const std::string file = m.directory.File("cable.los");
   dialogs.Answer(MessageAnswer::Yes);
@@ -346,6 +347,9 @@ TEST_F(CableForms, DirectReadingsAreThereWhenTheWindowOpensAgain) {
   ASSERT_EQ(Rows(*form, "lvwData"), 3);
   EXPECT_EQ(Cell(*form, "lvwData", 2, 2), reading);
   calibration.Setup.StopFreq = 3;
+  dialogs.Answer(MessageAnswer::No);
+  ASSERT_FALSE(calibration.BuildPlan());
+  EXPECT_TRUE(calibration.Points().front().HasDirect());
   ASSERT_TRUE(calibration.BuildPlan());
   EXPECT_FALSE(calibration.Points().front().HasDirect());
 }
@@ -357,11 +361,11 @@ TEST_F(CableForms, PassThatComesToNothingHidesNoReading) {
   const std::string loss = Cell(*form, "lvwData", 2, 4);
   ASSERT_NE(loss, "");
   m.bench.Inject({.Kind = FaultKind::Absent, .Who = BenchRole::Meter});
+  dialogs.Answer(MessageAnswer::No);  // not to be saved
   Press(*form, "cmdDirect");
   EXPECT_TRUE(dialogs.LastText().ends_with("\r\nError initializing meter"));
   ASSERT_EQ(Rows(*form, "lvwData"), 3);
   EXPECT_EQ(Cell(*form, "lvwData", 2, 4), loss);
-  dialogs.Answer(MessageAnswer::No);
   EXPECT_TRUE(form->close());
 }
 
