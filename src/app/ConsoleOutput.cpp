@@ -87,12 +87,13 @@ void ConsoleOutput::Note() {
   for (const std::string& file : files_) noted_.push_back(StateOf(file));
 }
 
-std::optional<std::string> ConsoleOutput::Appeared() const {
+std::vector<std::string> ConsoleOutput::Appeared() const {
+  std::vector<std::string> appeared;
   for (std::size_t i = 0; i < noted_.size(); ++i) {
     const auto now = StateOf(files_[i]);
-    if (now && now != noted_[i]) return files_[i];
+    if (now && now != noted_[i]) appeared.push_back(files_[i]);
   }
-  return std::nullopt;
+  return appeared;
 }
 
 void ConsoleOutput::MoveAside() {

@@ -31,8 +31,8 @@ class ConsoleOutput {
 
   /// Keeps in mind what is there now.
   void Note();
-  /// A file that has come, or changed, since.
-  std::optional<std::string> Appeared() const;
+  /// The files that have come, or changed, since.
+  std::vector<std::string> Appeared() const;
   /// Takes a name with a number that nothing has yet: "today-2.run".
   void MoveAside();
   bool IsAside() const { return aside_; }

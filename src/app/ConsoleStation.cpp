@@ -143,15 +143,16 @@ bool ConsoleStation::MayReplace(const std::string& file, const std::string& ques
 /// The file that was asked for. One that has come meanwhile is nobody's to replace unasked, "--yes" or not, and whoever
 /// has stopped the program may not be there to answer: it is kept then, and the data go beside it.
 std::string ConsoleStation::PlaceToSave() {
-  const auto appeared = output_.Appeared();
-  if (!appeared) return output_.Name();
   const bool mayAsk = terminal_ && !options_.Yes && !realEvents_.StopRequested();
-  if (mayAsk && MayReplace(*appeared, " has come or changed meanwhile. Replace it?")) return output_.Name();
-  output_.MoveAside();
-  progress_.End();
-  std::cout << *appeared << " has come or changed meanwhile and is kept.\nWhat was recorded goes to " << output_.Name()
-            << '\n'
-            << std::flush;
+  for (const std::string& file : output_.Appeared()) {
+    if (mayAsk && MayReplace(file, " has come or changed meanwhile. Replace it?")) continue;
+    output_.MoveAside();
+    progress_.End();
+    std::cout << file << " has come or changed meanwhile and is kept.\n"
+              << "What was recorded goes to " << output_.Name() << '\n'
+              << std::flush;
+    break;
+  }
   return output_.Name();
 }
 

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <pty.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/wait.h>
@@ -66,6 +67,29 @@ Outcome HyldenRun(const std::vector<std::string>& arguments,
     if (watch) watch(child, outcome.output);
   }
   close(ends[0]);
+  int status = 0;
+  waitpid(child, &status, 0);
+  outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return outcome;
+}
+
+/// Runs the program at a terminal; `type` gets what it has said since it last typed something.
+Outcome AtTerminal(const std::vector<std::string>& arguments,
+                   const std::function<std::string(const std::string& said)>& type) {
+  int terminal = -1;
+  const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
+  if (child == 0) Become(arguments);
+  Outcome outcome;
+  std::array<char, 4096> block{};
+  std::size_t answered = 0;
+  for (ssize_t count = 0; (count = read(terminal, block.data(), block.size())) > 0;) {
+    outcome.output.append(block.data(), static_cast<std::size_t>(count));
+    const std::string typed = type(outcome.output.substr(answered));
+    if (typed.empty()) continue;
+    answered = outcome.output.size();
+    if (write(terminal, typed.data(), typed.size()) < 0) break;
+  }
+  close(terminal);
   int status = 0;
   waitpid(child, &status, 0);
   outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -283,6 +307,28 @@ TEST_F(HyldenRunProgram, KeepsAFileThatHasComeMeanwhileAndSavesBesideIt) {
   EXPECT_EQ(directory_.Read("out-2.run"), "of yesterday");
   EXPECT_GT(ReadLines(directory_.File("out-3.run")).size(), 6000U);
   EXPECT_EQ(outcome.output.find("This is not in"), std::string::npos);
+}
+
+TEST_F(HyldenRunProgram, AsksAgainAboutAFileThatHasComeMeanwhile) {
+  const struct {
+    const char* answer;
+    int status;
+    std::size_t lines, linesBeside;
+  } rows[] = {{"n\n", kFailed, 1, 67 + 3}, {"y\n", kFinished, 67 + 3, 0}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.answer);
+    for (const char* name : {"out.run", "out-2.run"}) std::filesystem::remove(directory_.File(name));
+    const Outcome outcome = AtTerminal(OnTheBench("substitution-am.tst", {}), [&](const std::string& said) {
+      if (said.find("meanwhile. Replace it?") != std::string::npos && said.ends_with("[Yes/No] "))
+        return std::string(row.answer);
+      if (!said.ends_with("[OK/Cancel] ")) return std::string();
+      directory_.Write("out.run", "of somebody else");
+      return std::string("\n");
+    });
+    EXPECT_EQ(outcome.status, row.status) << outcome.output;
+    EXPECT_EQ(ReadLines(Output()).size(), row.lines);
+    EXPECT_EQ(directory_.Exists("out-2.run") ? ReadLines(directory_.File("out-2.run")).size() : 0, row.linesBeside);
+  }
 }
 
 TEST_F(HyldenRunProgram, HaltsOnSignalsWithTheRowsSaved) {
