@@ -155,6 +155,20 @@ TEST_F(MeterTest, TurnsAnswersIntoLevels) {
   }
 }
 
+TEST_F(MeterTest, AZeroThatWasAnsweredIsToldFromAnAnswerWithoutANumber) {
+  for (const char* answer : {"0", " +0.0", "-.0 DBM", "\r\n0E5", "00:ERR"}) {
+    bus.Answer(13, answer);
+    EXPECT_EQ(meter.MeterRead(ReadMode::Single), 0) << answer;
+    EXPECT_TRUE(meter.Last().HasNumber) << answer;
+  }
+  for (const char* answer : {".", "-", "+.x", "x0", "--0", "+ 0", "E5", " "}) {
+    bus.Answer(13, answer);
+    EXPECT_EQ(meter.MeterRead(ReadMode::Single), 0) << answer;
+    EXPECT_FALSE(meter.Last().HasNumber) << answer;
+    EXPECT_FALSE(meter.Last().Failed) << answer;
+  }
+}
+
 TEST_F(MeterTest, AnAnswerWithoutAUsableValueIsAFailedReading) {
   for (const AnswerCase& c :
        {AnswerCase{"", "", 1, 999}, {"1E999", "", 1, 999}, {"1E308", "", 0, 999}, {"5", "Mid(x, 9, 1)", 1, 999}}) {
