@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace hylden {
 
@@ -20,11 +21,19 @@ struct TwipPlace {
   bool operator==(const TwipPlace&) const = default;
 };
 
-/// Where a window goes as it opens: at its stored place, or centred when that is not wholly on the screen. Edges are
-/// taken to the nearest whole number within 16 bits.
+/// A screen among those of the machine: left or above of the first one its edges are negative.
+struct TwipScreen {
+  TwipPlace place;
+  TwipSize size;
+};
+
+/// Where a window goes as it opens: at its stored place when all its corners are on screens that are there now, or else
+/// centred on the first one. Edges are taken to the nearest whole number.
 /// @param position  "left,top" as stored
+/// @param screens   at least one
 /// @return nothing when the window keeps its designed place: no text, or one that is not two numbers
-std::optional<TwipPlace> SetFormPosition(std::string_view position, TwipSize window, TwipSize screen);
+std::optional<TwipPlace> SetFormPosition(std::string_view position, TwipSize window,
+                                         const std::vector<TwipScreen>& screens);
 
 /// The text that SetFormPosition reads.
 std::string FormPositionText(TwipPlace place);

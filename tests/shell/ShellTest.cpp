@@ -16,7 +16,8 @@ struct PositionCase {
 };
 
 TEST(FormPosition, AWindowNeverOpensOffTheScreen) {
-  const TwipSize window{4000, 3001}, screen{15000, 12000};
+  const TwipSize window{4000, 3001};
+  const std::vector<TwipScreen> screen{{{0, 0}, {15000, 12000}}};
   const TwipPlace centred{5500, 4500};  // 4499.5 goes to the even neighbour
   const PositionCase cases[] = {{"", std::nullopt},
                                 {"1,", std::nullopt},
@@ -41,7 +42,24 @@ TEST(FormPosition, AWindowNeverOpensOffTheScreen) {
 TEST(FormPosition, AWindowComesBackToWhereItsTextWasTaken) {
   const TwipPlace place{1215, 900};
   EXPECT_EQ(FormPositionText(place), "1215,900");
-  EXPECT_EQ(SetFormPosition(FormPositionText(place), {100, 100}, {9000, 9000}), place);
+  EXPECT_EQ(SetFormPosition(FormPositionText(place), {100, 100}, {{{0, 0}, {9000, 9000}}}), place);
+}
+
+TEST(FormPosition, AWindowComesBackOnEveryScreenThatIsThere) {
+  const TwipSize window{4000, 3000};
+  const TwipScreen middle{{0, 0}, {57600, 32400}}, left{{-28800, -1500}, {28800, 16200}},
+      right{{57600, 0}, {28800, 16200}};
+  const std::vector<TwipScreen> all{middle, left, right};
+  const TwipPlace centred{26800, 14700};
+  for (const char* text : {"-28800,-1500", "-2000,100", "50000,29000", "56000,13000", "80000,500"}) {
+    SCOPED_TRACE(text);
+    const auto place = SetFormPosition(text, window, all);
+    ASSERT_TRUE(place);
+    EXPECT_EQ(FormPositionText(*place), text);
+  }
+  for (const char* text : {"-28801,0", "80000,13300", "56000,14000", "-4000,-1600"})
+    EXPECT_EQ(SetFormPosition(text, window, all), centred) << text;
+  EXPECT_EQ(SetFormPosition("80000,500", window, {middle}), centred) << "its screen has gone";
 }
 
 class ShellTest : public testing::Test {

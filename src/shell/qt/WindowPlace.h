@@ -7,7 +7,7 @@ class QWidget;
 
 namespace hylden {
 
-/// Moves a window to its stored place ("left,top" in twips); one that is not wholly on the screen centres it.
+/// Moves a window to its stored place ("left,top" in twips); one that no screen shows centres it.
 void PlaceWindow(QWidget& window, std::string_view position);
 
 /// The text that PlaceWindow reads back.
