@@ -6,6 +6,7 @@
 
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
+#include "platform/qt/CommandWindow.h"
 #include "platform/qt/LabelText.h"
 #include "platform/qt/TableFollower.h"
 #include "platform/qt/ThemeColors.h"
@@ -71,6 +72,7 @@ void frmRunTest::SetUpStatusBar() {
 
 void frmRunTest::ConnectFileMenu() {
   connect(ui_->mnuFileSave, &QAction::triggered, this, [this] {
+    const CommandWindow saving(*this);
     try {
       SaveRunData(shell_, engine_.Data());
     } catch (const std::exception& error) {
@@ -88,6 +90,7 @@ void frmRunTest::ConnectFileMenu() {
 }
 
 void frmRunTest::PrintReport(RunReportKind kind) {
+  const CommandWindow printing(*this);
   try {
     PrintRunReport(shell_, documents_, engine_.Data(), kind);
   } catch (const std::exception& error) {

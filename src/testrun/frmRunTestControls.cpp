@@ -5,6 +5,7 @@
 #include <exception>
 
 #include "instruments/Instruments.h"
+#include "platform/qt/CommandWindow.h"
 #include "platform/qt/QtText.h"
 #include "platform/qt/TableFollower.h"
 #include "shell/Shell.h"
@@ -17,6 +18,7 @@
 namespace hylden {
 
 void frmRunTest::Load() {
+  const CommandWindow loading(*this);
   Status("State: Idle");
   ButtonForm = std::make_unique<frmRunButtons>(shell_, this);
   ButtonForm->setWindowIcon(windowIcon());
@@ -60,6 +62,7 @@ void frmRunTest::PressHalt() {
 
 void frmRunTest::buttonform_RunClick() {
   if (inRun_) return;
+  const CommandWindow running(*this);
   inRun_ = true;
   escape_.Start();
   rfWatch_.start();

@@ -6,6 +6,7 @@
 #include <QPushButton>
 
 #include "desktop/FormDriver.h"
+#include "platform/qt/CommandWindow.h"
 #include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtText.h"
 #include "support/TempDir.h"
@@ -146,6 +147,65 @@ TEST(QtDialogs, SavesUnderANameThatCarriesTheKindsEnding) {
   reader.start(0);
   EXPECT_FALSE(saveAs("what?.cal"));
   EXPECT_TRUE(told.contains("what?.cal")) << told.toStdString();
+}
+
+/// Where the next file dialog begins; it is answered with the file, or cancelled.
+QString BeginsIn(QtDialogs& dialogs, const FileRequest& request, const std::string& chosen = {}) {
+  QString directory;
+  OnModalWindow([&](QWidget& window) {
+    auto& dialog = dynamic_cast<QFileDialog&>(window);
+    directory = dialog.directory().absolutePath();
+    if (!chosen.empty()) {
+      dialog.selectFile(ToQt(chosen));
+      QMetaObject::invokeMethod(&dialog, "accept");
+    }
+    if (dialog.isVisible()) dialog.reject();
+  });
+  dialogs.OpenFile(request);
+  return directory;
+}
+
+TEST(QtDialogs, FileDialogBeginsWhereTheOperatorIsAtWork) {
+  const TempDir loaded, used, configured, other;
+  const std::string filter = "Tables (*.los)|*.los";
+  used.Write("a.los", "1 1\r\n");
+  QtDialogs dialogs;
+  const FileRequest request{"Open", filter, configured.Path()};
+  EXPECT_EQ(BeginsIn(dialogs, request), ToQt(configured.Path()));
+  EXPECT_EQ(BeginsIn(dialogs, request, used.File("a.los")), ToQt(configured.Path())) << "a cancel is no use";
+  EXPECT_EQ(BeginsIn(dialogs, request), ToQt(used.Path()));
+  EXPECT_EQ(BeginsIn(dialogs, {"Open", filter, configured.Path(), loaded.File("b.los")}), ToQt(loaded.Path()));
+  EXPECT_EQ(BeginsIn(dialogs, {"Open", filter, configured.Path(), "/gone/b.los"}), ToQt(used.Path()));
+  EXPECT_EQ(BeginsIn(dialogs, {"Open", "Lists|*.lst", configured.Path()}), ToQt(configured.Path())) << "another kind";
+  EXPECT_EQ(BeginsIn(dialogs, {"Open", filter, other.Path()}), ToQt(other.Path())) << "configured since";
+}
+
+TEST(QtDialogs, BoxBelongsToTheFormWhoseCommandRuns) {
+  QtDialogs dialogs;
+  QWidget form, hidden, beside;
+  form.show();
+  beside.show();
+  QApplication::setActiveWindow(&beside);
+  const auto parent = [&] {
+    const QWidget* found = nullptr;
+    OnModalWindow([&](QWidget& box) {
+      found = box.parentWidget();
+      dynamic_cast<QDialog&>(box).reject();
+    });
+    dialogs.Tell("Something");
+    return found;
+  };
+  EXPECT_EQ(parent(), &beside) << "no command: the active window";
+  const CommandWindow outer(form);
+  EXPECT_EQ(parent(), &form);
+  {
+    const CommandWindow inner(hidden);
+    EXPECT_EQ(parent(), &form) << "a window that can't be seen shows no box";
+  }
+  beside.hide();
+  beside.setWindowModality(Qt::ApplicationModal);
+  beside.show();
+  EXPECT_EQ(parent(), &beside) << "the modal window locks the others";
 }
 
 TEST(QtDialogs, BoxOutlivesTheWindowItStandsOn) {

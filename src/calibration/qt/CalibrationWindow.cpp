@@ -13,6 +13,7 @@
 
 #include "calibration/qt/CalibrationTable.h"
 #include "instruments/SigGen.h"
+#include "platform/qt/CommandWindow.h"
 #include "platform/qt/LabelText.h"
 #include "platform/qt/RfLamp.h"
 #include "platform/qt/TableFollower.h"
@@ -105,6 +106,7 @@ void CalibrationWindow::ClearCountdown() {
 
 void CalibrationWindow::RunFrom(const std::function<void()>& run) {
   if (inRun_) return;
+  const CommandWindow running(*this);
   inRun_ = true;
   escape_.Start();
   rfWatch_.start();
@@ -126,6 +128,7 @@ void CalibrationWindow::RunFrom(const std::function<void()>& run) {
 }
 
 void CalibrationWindow::Guard(const char* name, const std::function<void()>& command) {
+  const CommandWindow running(*this);
   const auto done = qScopeGuard([this] {
     --commands_;
     CloseIfAsked();

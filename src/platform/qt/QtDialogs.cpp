@@ -12,6 +12,7 @@
 #include <QTimer>
 #include <utility>
 
+#include "platform/qt/CommandWindow.h"
 #include "platform/qt/QtText.h"
 
 namespace hylden {
@@ -104,7 +105,7 @@ QString TitleOf(const std::string& title) {
 template <class Dialog>
 class Owned {
  public:
-  Owned() : dialog_(new Dialog(QApplication::activeWindow())) {}
+  Owned() : dialog_(new Dialog(CommandWindow::ForBox())) {}
   ~Owned() { delete dialog_.data(); }
   Owned(const Owned&) = delete;
   Owned& operator=(const Owned&) = delete;
@@ -196,19 +197,32 @@ std::optional<std::string> QtDialogs::InputBox(const std::string& prompt, const 
   return FromQt(box->textValue());
 }
 
+QString QtDialogs::StartOf(const FileRequest& request) const {
+  QStringList places;
+  const QFileInfo offered(ToQt(request.fileName));
+  if (offered.isAbsolute()) places << offered.absolutePath();
+  const QString asked = ToQt(request.directory);
+  const auto last = lastUsed_.find(request.filter);
+  if (last != lastUsed_.end() && last->second.asked == asked) places << last->second.chosen;
+  places << asked;
+  for (const QString& place : places)
+    if (!place.isEmpty() && QDir(place).exists()) return place;
+  return QDir::currentPath();
+}
+
 std::optional<std::string> QtDialogs::AskForFile(QFileDialog& dialog, const FileRequest& request) {
   const QPointer<QFileDialog> alive(&dialog);
   const QFileInfo offered(ToQt(request.fileName));
-  const QString directory = offered.isAbsolute() ? offered.absolutePath() : ToQt(request.directory);
   dialog.setWindowTitle(TitleOf(request.title));
   dialog.setAccessibleName(dialog.windowTitle());
-  dialog.setDirectory(QDir(directory).exists() && !directory.isEmpty() ? directory : QDir::currentPath());
+  dialog.setDirectory(StartOf(request));
   dialog.setNameFilters(QtFilters(request.filter));
   // A name like "*.los" tells what to look for: it is no file's name.
   if (!IsWildcard(offered.fileName())) dialog.selectFile(offered.fileName());
   if (!Run(dialog) || !alive) return std::nullopt;
   const QStringList chosen = dialog.selectedFiles();
   if (chosen.isEmpty()) return std::nullopt;
+  lastUsed_[request.filter] = {ToQt(request.directory), QFileInfo(chosen.first()).absolutePath()};
   return FromQt(QDir::toNativeSeparators(chosen.first()));
 }
 

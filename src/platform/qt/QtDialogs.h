@@ -2,6 +2,7 @@
 
 #include <QStringList>
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -12,7 +13,9 @@ class QFileDialog;
 
 namespace hylden {
 
-/// Message boxes and dialogs on the screen, above the active window.
+/// Message boxes and dialogs on the screen, above the window whose command runs.
+/// A file dialog begins beside the file that it is asked for; without one, where a file of its filter was chosen last
+/// in this session, unless another directory is configured since; else in the directory of the request.
 class QtDialogs : public Dialogs {
  public:
   /// Called when Escape is pressed in any box, before the box closes: a run takes it as Halt.
@@ -28,13 +31,23 @@ class QtDialogs : public Dialogs {
   /// The program has been asked to end: every box on the screen closes as by its close button, and from now on a plain
   /// message closes by itself after a while. Questions still wait for their answer.
   void BeginEnding();
+  /// The program goes on after all.
+  void EndRefused() { ending_ = false; }
 
  private:
+  struct LastUsed {
+    QString asked;   ///< the directory of the request
+    QString chosen;  ///< where the file was
+  };
+
   bool Run(QDialog& dialog);
   std::optional<std::string> WithOnlySuffix(const std::string& path, const FileRequest& request);
   std::optional<std::string> AskForFile(QFileDialog& dialog, const FileRequest& request);
 
+  QString StartOf(const FileRequest& request) const;
+
   bool ending_ = false;
+  std::map<std::string, LastUsed> lastUsed_;  ///< by filter
 };
 
 /// Filters for a Qt file dialog of a common-dialog filter: "Definitions (*.tst)|*.tst|All Files|*.*" becomes

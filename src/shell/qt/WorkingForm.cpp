@@ -5,6 +5,8 @@
 #include <QLabel>
 #include <QToolBar>
 
+#include "platform/qt/CommandWindow.h"
+
 namespace hylden {
 
 WorkingForm::WorkingForm(QWidget* parent) : QMainWindow(parent) {}
@@ -19,6 +21,7 @@ void WorkingForm::OpenFrom(QWidget* caller) {
 }
 
 void WorkingForm::closeEvent(QCloseEvent* event) {
+  const CommandWindow closing(*this);
   if (!QueryUnload()) {
     event->ignore();
     return;

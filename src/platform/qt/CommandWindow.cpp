@@ -1,0 +1,30 @@
+#include "platform/qt/CommandWindow.h"
+
+#include <QApplication>
+#include <QWidget>
+
+namespace hylden {
+
+namespace {
+
+/// Windows belong to the one application, and so does what runs in them.
+CommandWindow* innermost = nullptr;
+
+}  // namespace
+
+CommandWindow::CommandWindow(QWidget& window) : outer_(innermost), window_(&window) {
+  innermost = this;
+}
+
+CommandWindow::~CommandWindow() {
+  innermost = outer_;
+}
+
+QWidget* CommandWindow::ForBox() {
+  if (QWidget* const modal = QApplication::activeModalWidget()) return modal;
+  for (const CommandWindow* command = innermost; command; command = command->outer_)
+    if (command->window_ && command->window_->isVisible()) return command->window_;
+  return QApplication::activeWindow();
+}
+
+}  // namespace hylden
