@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <QDialog>
 #include <QDropEvent>
 #include <QElapsedTimer>
 #include <QMessageBox>
@@ -93,6 +94,22 @@ TEST(QtPrinter, LineWiderThanThePageIsNotCut) {
   for (PrintedLine& line : job.lines) line.text.assign(400, 'x');
   EXPECT_TRUE(printer.Print(job));
   EXPECT_GT(Pages(directory.Read("report.pdf")), 1);
+}
+
+TEST(QtPrinter, PdfIsOfferedInTheResultsDirectory) {
+  const TempDir results;
+  QtPrinter printer;
+  printer.pdfDirectory = [&] { return results.Path(); };
+  PrintJob job;
+  job.title = "Test Run Parameters";
+  job.askForPrinter = true;
+  std::string offered;
+  OnModalWindow([&](QWidget& dialog) {
+    offered = TextOf(dialog, "filename");
+    dynamic_cast<QDialog&>(dialog).reject();
+  });
+  EXPECT_FALSE(printer.Print(job));
+  EXPECT_EQ(offered, results.File("Test Run Parameters.pdf"));
 }
 
 TEST(QtPrinter, FileThatCanNotBeWrittenIsAFailure) {

@@ -1,10 +1,12 @@
 #include "platform/qt/QtPrinter.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFileInfo>
 #include <QFont>
 #include <QFontInfo>
 #include <QFontMetricsF>
+#include <QLineEdit>
 #include <QPainter>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
@@ -13,6 +15,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "platform/qt/CommandWindow.h"
 #include "platform/qt/QtText.h"
 #include "text/RuntimeError.h"
 
@@ -91,9 +94,13 @@ class PageWriter {
   double position_ = 0;
 };
 
-bool ChoosePrinter(QPrinter& printer) {
-  QPrintDialog dialog(&printer, QApplication::activeWindow());
+bool ChoosePrinter(QPrinter& printer, const QString& pdfDirectory) {
+  QPrintDialog dialog(&printer, CommandWindow::ForBox());
   dialog.setWindowTitle(QStringLiteral("Printer"));
+  // Set at the printer itself, the name would choose PDF for those who have one of paper.
+  auto* const file = dialog.findChild<QLineEdit*>(QStringLiteral("filename"));
+  const QString name = printer.docName().isEmpty() ? QStringLiteral("print") : printer.docName();
+  if (file && !pdfDirectory.isEmpty()) file->setText(QDir(pdfDirectory).filePath(name + QLatin1String(".pdf")));
   return dialog.exec() == QDialog::Accepted;
 }
 
@@ -117,7 +124,8 @@ bool QtPrinter::Print(const PrintJob& job) {
   if (!outputFile_.isEmpty()) {
     printer.setOutputFormat(QPrinter::PdfFormat);
     printer.setOutputFileName(outputFile_);
-  } else if ((job.askForPrinter || QPrinterInfo::defaultPrinter().isNull()) && !ChoosePrinter(printer)) {
+  } else if ((job.askForPrinter || QPrinterInfo::defaultPrinter().isNull()) &&
+             !ChoosePrinter(printer, pdfDirectory ? ToQt(pdfDirectory()) : QString())) {
     return false;
   }
   PaintJob(job, printer);
@@ -128,7 +136,7 @@ bool QtPrinter::Print(const PrintJob& job) {
 bool QtPrinter::Preview(const PrintJob& job) {
   QPrinter printer(QPrinter::HighResolution);
   printer.setDocName(ToQt(job.title));
-  QPrintPreviewDialog dialog(&printer, QApplication::activeWindow());
+  QPrintPreviewDialog dialog(&printer, CommandWindow::ForBox());
   dialog.setWindowTitle(QStringLiteral("Print Preview"));
   dialog.resize(900, 700);
   // An exception may not cross the dialog's event handling; it is kept until the dialog has closed.

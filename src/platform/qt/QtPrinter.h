@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QString>
+#include <functional>
+#include <string>
 
 #include "platform/Printer.h"
 
@@ -11,6 +13,9 @@ namespace hylden {
 /// Reports on paper through the system's printers, or as PDF; with a preview.
 class QtPrinter : public Printer {
  public:
+  /// Where the printer dialog offers to put a PDF; the toolkit's own place when it is not set.
+  std::function<std::string()> pdfDirectory;
+
   /// Jobs go to the default printer, or to the one that the operator chooses. Without any printer on the machine the
   /// operator is asked too: PDF is always on offer.
   /// @throws RuntimeError when the printer or the PDF file fails
