@@ -48,6 +48,11 @@ frmPickDir::frmPickDir(Shell& shell, QWidget* parent)
     : QDialog(parent), shell_(shell), ui_(std::make_unique<Ui::frmPickDir>()) {
   ui_->setupUi(this);
   ui_->lstDir->installEventFilter(this);
+  connect(ui_->lstDir, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem* row) {
+    if (row) ui_->txtDir->setText(row->data(kPathRole).toString());
+  });
+  connect(ui_->cmdNew, &QPushButton::clicked, this, &frmPickDir::NewFolder);
+  ui_->lblFor->hide();
   FillDrives();
   ShowDirectory(QDir::currentPath());
   ShowDrive(directory_);
@@ -74,9 +79,38 @@ void frmPickDir::StartDir(const std::string& path) {
 }
 
 void frmPickDir::accept() {
-  const QListWidgetItem* const row = ui_->lstDir->currentItem();
-  pickedDir_ = FromQt(row ? row->data(kPathRole).toString() : directory_);
+  const QString path = Chosen();
+  const std::string text = FromQt(path);
+  if (!QFileInfo(path).isDir()) {
+    const MessageAnswer answer = shell_.dialogs.Show(
+        {text + " does not exist.\r\nCreate it?", {}, MessageIcon::Question, MessageButtons::YesNo});
+    if (answer != MessageAnswer::Yes || !Make(path)) return;
+  }
+  pickedDir_ = text;
   QDialog::accept();
+}
+
+QString frmPickDir::Chosen() const {
+  const QString typed = ui_->txtDir->text().trimmed();
+  return typed.isEmpty() ? directory_ : QDir::cleanPath(QDir(directory_).absoluteFilePath(typed));
+}
+
+bool frmPickDir::Make(const QString& path) {
+  if (QDir().mkpath(path)) return true;
+  shell_.dialogs.Tell("The directory can't be created:\r\n" + FromQt(path), MessageIcon::Exclamation);
+  return false;
+}
+
+void frmPickDir::NewFolder() {
+  const auto name = shell_.dialogs.InputBox("Name of the new folder", "New Folder");
+  if (!name || name->empty()) return;
+  const QString path = QDir(Chosen()).filePath(ToQt(*name));
+  if (Make(path)) ShowDirectory(path);
+}
+
+void frmPickDir::AskFor(const QString& what) {
+  ui_->lblFor->setText(what);
+  ui_->lblFor->show();
 }
 
 void frmPickDir::reject() {

@@ -14,6 +14,7 @@ class frmPickDir;
 }
 
 /// Picks a directory: a list of the directories on the way to the current one and of those below it, and the drives.
+/// The box shows what OK takes: the highlighted directory, or what is typed, which is made when it does not exist yet.
 class frmPickDir : public QDialog {
   Q_OBJECT
 
@@ -21,6 +22,8 @@ class frmPickDir : public QDialog {
   explicit frmPickDir(Shell& shell, QWidget* parent = nullptr);
   ~frmPickDir() override;
 
+  /// Says what the directory is for.
+  void AskFor(const QString& what);
   /// Points the lists at a directory; one that does not exist is told, and the lists stay where they were.
   void StartDir(const std::string& path);
   /// The directory picked with OK; empty after Cancel.
@@ -38,6 +41,9 @@ class frmPickDir : public QDialog {
   void ShowDrive(const QString& path);
   void Open(const QListWidgetItem* row);
   void AddRow(const QString& path, int depth);
+  QString Chosen() const;
+  bool Make(const QString& path);
+  void NewFolder();
 
   Shell& shell_;
   std::unique_ptr<Ui::frmPickDir> ui_;

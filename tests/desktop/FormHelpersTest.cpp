@@ -15,6 +15,7 @@
 #include "platform/qt/ThemeColors.h"
 #include "shell/frmHelp.h"
 #include "shell/frmPickDir.h"
+#include "shell/qt/AboutBox.h"
 #include "shell/qt/FormPrompts.h"
 #include "shell/qt/OptionsMenu.h"
 #include "shell/qt/PathLabel.h"
@@ -139,6 +140,34 @@ TEST_F(FormHelpersTest, PickerOpensDirectoriesByKeys) {
   EXPECT_EQ(Find<PathLabel>(picker, "lblPath").Path(), t.directory.Path());
 }
 
+TEST_F(FormHelpersTest, PickerTakesWhatIsTypedAndMakesWhatIsMissing) {
+  frmPickDir picker(t.shell);
+  picker.StartDir(t.directory.Path());
+  EXPECT_EQ(TextOf(picker, "txtDir"), t.directory.Path()) << "what OK takes is in sight";
+  Find<QLineEdit>(picker, "txtDir").setText("cables/long");
+  t.dialogs.Answer(MessageAnswer::No);
+  picker.accept();
+  EXPECT_EQ(t.dialogs.LastText(), t.directory.File("cables/long") + " does not exist.\r\nCreate it?");
+  EXPECT_EQ(picker.PickedDir(), "");
+  picker.accept();
+  EXPECT_EQ(picker.PickedDir(), t.directory.File("cables/long"));
+  EXPECT_TRUE(std::filesystem::is_directory(t.directory.File("cables/long")));
+
+  t.dialogs.AnswerInput("short");
+  Press(picker, "cmdNew");
+  picker.accept();
+  EXPECT_EQ(picker.PickedDir(), t.directory.File("cables/long/short"));
+  t.dialogs.AnswerInput("a.txt/below");
+  t.directory.Write("cables/long/short/a.txt", "a file");
+  Press(picker, "cmdNew");
+  EXPECT_TRUE(t.dialogs.WasShownContaining("can't be created"));
+}
+
+TEST_F(FormHelpersTest, AboutNamesTheLicence) {
+  ShowAbout(t.dialogs);
+  EXPECT_TRUE(t.dialogs.WasShownContaining("GNU General Public License"));
+}
+
 TEST_F(FormHelpersTest, PickerTellsOfAVanishedDirectoryAndStaysWhereItWas) {
   frmPickDir picker(t.shell);
   picker.StartDir(t.directory.Path());
@@ -160,7 +189,10 @@ class OptionsMenuTest : public FormHelpersTest {
 TEST_F(OptionsMenuTest, PickedDirectoryIsKeptAndCancelKeepsTheOldOne) {
   std::filesystem::create_directories(t.directory.File("losses"));
   t.shell.settings.SaveDataDir(datakind::kCables, t.directory.File("losses"));
-  OnModalWindow([](QWidget& picker) { Press(picker, "cmdOK"); });
+  OnModalWindow([](QWidget& picker) {
+    EXPECT_EQ(TextOf(picker, "lblFor"), "Insertion Loss Output Dir");
+    Press(picker, "cmdOK");
+  });
   Trigger("mnuFileOptInsLossDir");
   EXPECT_EQ(t.shell.settings.GetDataDir(datakind::kInsertionLoss), t.directory.Path());
   OnModalWindow([](QWidget& picker) {

@@ -1,10 +1,11 @@
 #include "shell/qt/OptionsMenu.h"
 
 #include <QAction>
-#include <QApplication>
 #include <QMenu>
+#include <functional>
 #include <string_view>
 
+#include "platform/qt/CommandWindow.h"
 #include "platform/qt/QtText.h"
 #include "shell/Shell.h"
 #include "shell/frmPickDir.h"
@@ -42,13 +43,14 @@ bool FitsSettings(Shell& shell, const std::string& path) {
   return false;
 }
 
-void ChooseDirectory(Shell& shell, QWidget* owner, std::string_view kind) {
+void ChooseDirectory(Shell& shell, const DirectoryEntry& entry) {
   try {
-    frmPickDir picker(shell, owner);
-    picker.StartDir(shell.settings.GetDataDir(kind));
+    frmPickDir picker(shell, CommandWindow::ForBox());
+    picker.AskFor(QString::fromLatin1(entry.caption).remove(QLatin1Char('&')));
+    picker.StartDir(shell.settings.GetDataDir(entry.kind));
     picker.exec();
     const std::string picked = picker.PickedDir();
-    if (!picked.empty() && FitsSettings(shell, picked)) shell.settings.SaveDataDir(kind, picked);
+    if (!picked.empty() && FitsSettings(shell, picked)) shell.settings.SaveDataDir(entry.kind, picked);
   } catch (const std::exception& error) {
     shell.ReportError(error, "INISettings.SaveDataDir");
   }
@@ -69,11 +71,19 @@ void ChooseEquipmentFile(Shell& shell) {
   }
 }
 
+/// The form that the menu hangs on, as the one whose command runs.
+void RunFrom(QMenu& menu, const std::function<void()>& command) {
+  QWidget* owner = &menu;
+  while (owner->parentWidget()) owner = owner->parentWidget();
+  const CommandWindow running(*owner);
+  command();
+}
+
 void AddDirectory(QMenu& menu, Shell& shell, const DirectoryEntry& entry) {
   QAction* const action = menu.addAction(QString::fromLatin1(entry.caption));
   action->setObjectName(QString::fromLatin1(entry.name));
   QObject::connect(action, &QAction::triggered, &menu,
-                   [&shell, kind = entry.kind] { ChooseDirectory(shell, QApplication::activeWindow(), kind); });
+                   [&menu, &shell, &entry] { RunFrom(menu, [&] { ChooseDirectory(shell, entry); }); });
 }
 
 }  // namespace
@@ -82,7 +92,8 @@ void FillOptionsMenu(QMenu& menu, Shell& shell) {
   AddDirectory(menu, shell, kEquipDirectory);
   QAction* const file = menu.addAction(QStringLiteral("&Default Equipment File"));
   file->setObjectName(QStringLiteral("mnuFileOptEquipfile"));
-  QObject::connect(file, &QAction::triggered, &menu, [&shell] { ChooseEquipmentFile(shell); });
+  QObject::connect(file, &QAction::triggered, &menu,
+                   [&menu, &shell] { RunFrom(menu, [&] { ChooseEquipmentFile(shell); }); });
   for (const DirectoryEntry& entry : kDirectories) AddDirectory(menu, shell, entry);
 }
 
