@@ -42,12 +42,13 @@ class Validator {
 
  private:
   bool Calibration(const std::string& calFreqRange) {
+    // A new definition names none, and then there is no info to be checked against either.
+    if (entries_.CalFile.empty()) return Refuse("No calibration setup file specified!", kCalibration);
     const std::optional<FreqLimits> limits = LimitsOf(calFreqRange);
     if (!limits)
       return Refuse("No start/stop frequencies in calibration file.\r\nTry checking calibration file data.",
                     kCalibration);
     limits_ = *limits;
-    if (entries_.CalFile.empty()) return Refuse("No calibration setup file specified!", kCalibration);
     test_.CalInfoFile = entries_.CalFile;
     return true;
   }

@@ -136,6 +136,7 @@ TEST_F(TestDefForm, ARefusalWithoutABoxLeavesItsTabOrTheFormGoesOn) {
       {[&] { documents.calInfo.Record.FreqRange = "80"; },
        "No start/stop frequencies in calibration file.\r\nTry checking calibration file data.", 2},
       {[&] { test().CalInfoFile.clear(); }, "No calibration setup file specified!", 2},
+      {[&] { test() = {}, documents.calInfo.Record = {}; }, "No calibration setup file specified!", 2},
       {[&] { test().FreqSweep = test().FreqList = false; },
        "Either a swept frequency test or \r\na discrete frequency test must be specified", 0},
       {[&] { test().ListFile.clear(); }, "No frequency list file specified", 0},
