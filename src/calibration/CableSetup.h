@@ -23,7 +23,7 @@ struct CableSetup {
 
 /// What the insertion-loss setup form holds; as it is before anything was set up.
 struct CableSetupEntries {
-  std::string StartFreq = "Lowest Frequency", StopFreq = "Highest Frequency";
+  std::string StartFreq, StopFreq;
   std::int32_t StepType = 1;  ///< code of the chosen option
   std::string LinearStep, LogStep = "1";
   std::string ListFile;  ///< full path
@@ -31,7 +31,7 @@ struct CableSetupEntries {
   std::string Level = "-60";
 };
 
-/// The entries that show a setup; the opening ones for a setup without a range.
+/// The entries that show a setup; the opening ones for a setup without a range, which has to be typed.
 CableSetupEntries EntriesOf(const CableSetup& setup);
 
 /// Checks the entries in the form's order; they are taken into the setup when all are good.

@@ -58,7 +58,7 @@ TEST(CableSetupTest, AGoodSetupIsRefusedOrShownDifferently) {
   EXPECT_EQ(again.StartFreq + " " + again.StopFreq + " " + again.LinearStep + " " + again.Dwell + " " + again.Level,
             "1 10 1 0.0 -60");
   EXPECT_EQ(EnabledControlsFor(again), (EnabledCableControls{.LinearStep = true}));
-  EXPECT_EQ(EntriesOf(CableSetup()).StartFreq, "Lowest Frequency");
+  EXPECT_EQ(EntriesOf(CableSetup()).StartFreq, "");
 }
 
 TEST(CableSetupTest, TheStationIsNotChecked) {
