@@ -22,7 +22,11 @@ frmRunCal::frmRunCal(Shell& shell, Instruments& instruments, Documents& document
         {"0.0#####", "##0.00", "##0.00"}, table_);
   ui_->cmdStart->setEnabled(false);
   EnableSave(false);
-  connect(ui_->cmdStart, &QPushButton::clicked, this, [this] { RunFrom([this] { calibration_.Run(); }); });
+  connect(ui_->cmdStart, &QPushButton::clicked, this, [this] {
+    bool mayRun = false;
+    Guard("cmdStart", [&] { mayRun = MayLeavePoints(); });
+    if (mayRun) RunFrom([this] { calibration_.Run(); });
+  });
   connect(ui_->cmdSave, &QPushButton::clicked, this, &frmRunCal::Save);
   connect(ui_->mnuFileSaveAs, &QAction::triggered, this, &frmRunCal::Save);
   connect(ui_->mnuFileExit, &QAction::triggered, this, &QWidget::close);
