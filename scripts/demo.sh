@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# On a screen: builds, and opens the program on the simulated bench, with the demo station and a demo test loaded.
+# On a screen: builds, and opens the program on the simulated bench, with a copy of the demo station (build/demo/desk) and
+# a demo test loaded; what is changed there stays.
 # Without one (or with --console): takes a copy of the demo station through its whole work on the bench, on a virtual
 # clock: measures the meter's cable, calibrates the levels with it and with the IFI amplifiers, and runs every test on
 # these records. Leaves the files and a table of what was applied in build/demo/, and takes pictures of the windows.
@@ -14,10 +15,11 @@ cmake --preset dev >/dev/null
 
 if [ "${1:-}" != --console ] && [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
   cmake --build --preset dev --target hylden
-  mkdir -p "$out/home"
-  printf '[Gpib]\r\nDriver=bench\r\nBench=%s\r\n' "$root/examples/station/bench.txt" >"$out/home/Hylden.ini"
+  mkdir -p "$out/home" "$out/desk"
+  cp -ru examples/station/. "$out/desk"
+  scripts/demo-settings.sh "$out/desk" >"$out/home/Hylden.ini"
   cp help/hylden.md "$out/home/hylden.hlp"
-  cd examples/station
+  cd "$out/desk"
   HYLDEN_HOME=$out/home exec "$root/build/dev/bin/hylden" "/e:station.eqp" "/t:forward-power-constant-peak.tst"
 fi
 

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 #include "shell/INISettings.h"
 #include "shell/Profile.h"
 #include "support/TempDir.h"
@@ -158,6 +160,19 @@ TEST_F(SettingsTest, AProtectedFileIsKeptAndOnlyDeletingComplains) {
     EXPECT_EQ(error.Source(), "CSetting.DeleteKey");
     EXPECT_EQ(error.Description(), "Error Deleting Key (check if file is protected)");
   }
+}
+
+TEST_F(SettingsTest, TheDemosDialogsOpenInItsStation) {
+  const std::string station = HYLDEN_SOURCE_DIR "/examples/station";
+  const std::string command = "bash '" HYLDEN_SOURCE_DIR "/scripts/demo-settings.sh' '" + station + "' > '" +
+                              directory_.File("Hylden.ini") + "'";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  INISettings settings = Settings();
+  for (const std::string_view kind :
+       {datakind::kEquip, datakind::kCalibrations, datakind::kTestSetups, datakind::kTestResults, datakind::kCables,
+        datakind::kFactors, datakind::kProbes, datakind::kFreqList, datakind::kInsertionLoss})
+    EXPECT_EQ(settings.GetDataDir(kind), station) << kind;
+  EXPECT_EQ(settings.Store().GetSettingStr("Gpib", "Driver", ""), "bench");
 }
 
 TEST(clsSettingNames, TheProgramsOwnNameServesUntilInitNamesAnother) {
