@@ -1,5 +1,7 @@
 #include "shell/FormInput.h"
 
+#include "text/Numbers.h"
+
 namespace hylden {
 namespace {
 
@@ -21,6 +23,10 @@ std::string ShortenPath(const std::string& path) {
 std::string FileNameOnly(const std::string& path) {
   const std::size_t last = path.find_last_of(kSeparators);
   return last == std::string::npos ? path : path.substr(last + 1);
+}
+
+bool SameEntry(const std::string& a, const std::string& b) {
+  return a == b || (IsNumeric(a) && IsNumeric(b) && ToDouble(a) == ToDouble(b));
 }
 
 }  // namespace hylden

@@ -12,6 +12,9 @@ std::string ShortenPath(const std::string& path);
 /// The last part of a path.
 std::string FileNameOnly(const std::string& path);
 
+/// Whether two texts of a box stand for the same value: "80" and "80.0" do.
+bool SameEntry(const std::string& a, const std::string& b);
+
 constexpr double MaxOf(double a, double b) {
   return std::max(a, b);
 }

@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 
 #include "platform/qt/QtText.h"
+#include "shell/FormInput.h"
 #include "ui_TopMenu.h"
 
 namespace hylden {
@@ -29,6 +30,14 @@ void TopMenu::SetAvailable(bool configuration, bool calibration, bool test) {
   ui_->cmdConfigSys->setEnabled(configuration);
   ui_->cmdCalibration->setEnabled(calibration);
   ui_->cmdRunTest->setEnabled(test);
+}
+
+void TopMenu::ShowStation(const std::string& equipmentFile, const std::string& testFile) {
+  const auto named = [](const char* what, const std::string& file) {
+    return QString::fromLatin1(what) + (file.empty() ? QStringLiteral("none") : ToQt(FileNameOnly(file)));
+  };
+  ui_->lblStation->setText(named("Station: ", equipmentFile) + QLatin1Char('\n') + named("Test: ", testFile));
+  ui_->lblStation->setToolTip(ToQt(equipmentFile + (testFile.empty() ? "" : "\n" + testFile)));
 }
 
 void TopMenu::OfferBench() {
