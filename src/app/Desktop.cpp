@@ -16,6 +16,7 @@
 #include "documents/frmCalSetup.h"
 #include "documents/frmEquipment.h"
 #include "documents/frmTestDef.h"
+#include "documents/qt/SetupForm.h"
 #include "instruments/Instruments.h"
 #include "platform/qt/QtText.h"
 #include "shell/FormInput.h"
@@ -36,6 +37,7 @@ Desktop::Desktop(Shell& shell, Instruments& instruments, Documents& documents, D
       menu_(std::make_unique<TopMenu>()),
       bench_(std::make_unique<BenchWindows>(options_.bench, menu_->windowIcon())),
       cableCalibration_(std::make_unique<RunCablCal>(shell, instruments)) {
+  QApplication::setWindowIcon(menu_->windowIcon());
   if (bench_->Present()) {
     ShowBenchNotice(*menu_);
     menu_->OfferBench();
@@ -71,6 +73,7 @@ void Desktop::ShowAvailable() {
 
 bool Desktop::Start(const std::string& commandLine) {
   if (!StartUp(shell_, *this, commandLine) || closing_) return false;
+  ShowStation();
   if (open_.isEmpty()) menu_->show();
   return true;
 }
@@ -86,11 +89,18 @@ void Desktop::Open(WorkingForm* form, QWidget* caller) {
   connect(form, &WorkingForm::Unloaded, this, [this, form] {
     open_.removeAll(form);
     form->deleteLater();
+    ShowStation();
     QTimer::singleShot(0, this, &Desktop::KeepBeside);
     if (closing_) QTimer::singleShot(0, this, &Desktop::CloseNext);
   });
+  if (auto* const setup = qobject_cast<SetupForm*>(form))
+    connect(setup, &SetupForm::StaysOpen, this, &Desktop::RefuseEnd);
   form->OpenFrom(caller);
   KeepBeside();
+}
+
+void Desktop::ShowStation() {
+  menu_->ShowStation(documents_.equip.EquipFileName, documents_.testSetup.TestFileName);
 }
 
 void Desktop::OpenArea(WorkingArea area) {
@@ -115,8 +125,7 @@ WorkingForm* Desktop::MakeTestDefinition() {
   auto* const form = new frmTestDef(shell_, documents_);
   connect(form, &frmTestDef::EditEquipmentRequested, this, [this, form](int tab) { OpenEquipment(form, tab, true); });
   connect(form, &frmTestDef::StartRequested, this, [this, form] { OpenTestRun(form); });
-  connect(form, &frmTestDef::PrintPreviewRequested, this,
-          [this] { Preview([this] { documents_.testSetup.PrintTestSetup(); }); });
+  connect(form, &frmTestDef::PrintPreviewRequested, this, [this, form] { Preview([form] { form->Print(); }); });
   return form;
 }
 
@@ -220,7 +229,15 @@ void Desktop::CloseAll() {
   QTimer::singleShot(0, this, &Desktop::CloseNext);
 }
 
+/// What still has to be saved, or has to be thought about, ends the end: the program goes on as before.
+void Desktop::RefuseEnd() {
+  if (!closing_) return;
+  closing_ = false;
+  if (options_.onEndRefused) options_.onEndRefused();
+}
+
 void Desktop::CloseNext() {
+  if (!closing_) return;
   open_.removeAll(nullptr);
   if (!open_.isEmpty()) {
     open_.last()->EndWithProgram();

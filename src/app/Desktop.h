@@ -38,6 +38,8 @@ struct DesktopOptions {
   std::function<void()> onEquipmentApplied = {};
   /// Called when the program has been asked to end: boxes on the screen have to give way.
   std::function<void()> onEnding = {};
+  /// Called when the operator has refused the end, by keeping a form open that holds unsaved entries.
+  std::function<void()> onEndRefused = {};
   /// Runs a print command with the preview window in the printer's place.
   std::function<void(const std::function<void()>& print)> preview = {};
 };
@@ -108,6 +110,9 @@ class Desktop : public QObject, private StartUpSteps {
   bool LoadCalInfo(const std::string& path) override;
 
   void OpenArea(WorkingArea area);
+  /// The main menu says which station and test are loaded.
+  void ShowStation();
+  void RefuseEnd();
   void OpenCableRun(QWidget* caller);
   bool LoadHelp();
   /// Escape in a window that stands beside the work.

@@ -51,11 +51,14 @@ int RunDesktop(DesktopApplication& application, QtDialogs& dialogs, const std::s
   const std::unique_ptr<Bus> bus = MakeBus(programDirectory, clock, dialogs);
   Station station(Platform{dialogs, clock, events, speaker, printer, bus->Driver()}, programDirectory);
 
+  printer.pdfDirectory = [&] { return station.shell.settings.GetDataDir(datakind::kTestResults); };
+
   DesktopOptions options;
   options.bench = bus->SimulatedBench();
   options.anotherInstanceRuns = [&] { return !instance.Claim(); };
   options.onEquipmentApplied = [&] { bus->EquipBench(station.documents.equip.Record, station.instruments); };
   options.onEnding = [&] { dialogs.BeginEnding(); };
+  options.onEndRefused = [&] { dialogs.EndRefused(); };
   options.preview = [&](const std::function<void()>& print) {
     const QtPrinter::Previewing scope(printer);
     print();

@@ -71,7 +71,7 @@ void frmCblSetup::EnableControls() {
 }
 
 void frmCblSetup::SelectListFile() {
-  if (const auto path = AskListFile()) UseList(ToQt(*path));
+  if (const auto path = AskListFile(ui_->lblListFile->Path())) UseList(ToQt(*path));
 }
 
 void frmCblSetup::UseList(const QString& path) {

@@ -142,6 +142,7 @@ bool CalSetup::LoadDef(const std::string& path) {
     shell_.ReportError(error, "CalSetup.LoadDef", path);
     return false;
   }
+  Saved = Record;
   return true;
 }
 
@@ -152,6 +153,7 @@ bool CalSetup::SaveDef(const std::string& path) {
     shell_.ReportError(error, "CalSetup.SaveDef", path);
     return false;
   }
+  Saved = Record;
   return true;
 }
 
@@ -164,10 +166,13 @@ bool CalSetup::LoadFreqList(const std::string& path) {
 }
 
 void CalSetup::SetOpeningDefaults(const std::string& initialLevel, double meterSettling) {
-  if (Record.InitLevel == 0) Record.InitLevel = static_cast<float>(LeadingNumber(initialLevel));
-  if (Record.Dwell == 0) Record.Dwell = meterSettling;
+  // No setup has a range of 0; 0 dBm and no dwell are settings like any other.
+  const bool isNew = Record.StartFreq == 0 && Record.StopFreq == 0;
+  if (isNew && Record.InitLevel == 0) Record.InitLevel = static_cast<float>(LeadingNumber(initialLevel));
+  if (isNew && Record.Dwell == 0) Record.Dwell = meterSettling;
   if (Record.StartFreq == 0) Record.StartFreq = kOpeningStartMHz;
   if (Record.StopFreq == 0) Record.StopFreq = kOpeningStopMHz;
+  if (isNew) Saved = Record;
 }
 
 std::vector<std::string> CalSetup::SetupToForm(CalSetupEntries& entries) const {

@@ -90,7 +90,7 @@ class CalSetup {
   /// Reads a frequency list; its first and last frequency become the setup's range. @return false after a message
   bool LoadFreqList(const std::string& path);
 
-  /// Fills what nobody has set when the form opens.
+  /// Fills what nobody has set when the form opens: in a setup that is not new, the range only.
   /// @param initialLevel  the text of txtInitLev
   /// @param meterSettling  the meter's settling time, seconds
   void SetOpeningDefaults(const std::string& initialLevel, double meterSettling);
@@ -103,6 +103,10 @@ class CalSetup {
   double CouplingFactor() const { return CouplingFactorDb(Record.CouplingMethod, Record.UserDefinedFactor); }
 
   CalSetupRecord Record;
+  /// What was loaded or saved last, or what the form began with.
+  CalSetupRecord Saved;
+  /// The form's current file; empty when there is none.
+  std::string FileName;
 
  private:
   Shell& shell_;

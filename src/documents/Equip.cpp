@@ -1,6 +1,7 @@
 #include "documents/Equip.h"
 
 #include "instruments/Instruments.h"
+#include "shell/FormInput.h"
 #include "shell/Shell.h"
 #include "text/RecordFile.h"
 
@@ -39,6 +40,32 @@ std::optional<StartFailure> CheckAmplifier(const EquipRecord& equipment) {
                       kAmplifierTab};
 }
 
+EquipmentEntries EntriesOf(const EquipRecord& record) {
+  EquipmentEntries entries;
+  entries.SigGenAddress = AddressText(record.SigGenFile, record.SigGenAddress);
+  entries.MeterAddress = AddressText(record.MeterFile, record.MeterAddress);
+  entries.PwrMtrAddress = AddressText(record.PwrMtrFile, record.PwrMtrAddress);
+  entries.IfiBandSwitch = ShortestText(record.IfiBandSwitch);
+  entries.Configuration = static_cast<AmpConfig>(record.AmpConfiguration);
+  entries.Type = static_cast<AmpType>(record.AmplifierType);
+  entries.IfiPower = record.IfiPower;
+  entries.IfiAtten = record.IfiAtten;
+  entries.CableLossFile = record.CableLossFile;
+  entries.FwdPortFile = record.FwdPortFile;
+  entries.RevPortFile = record.RevPortFile;
+  entries.MaxPowerFile = record.MaxPowerFile;
+  entries.ProbeFile = record.ProbeFile;
+  return entries;
+}
+
+bool SameEntries(const EquipmentEntries& a, const EquipmentEntries& b) {
+  return SameEntry(a.SigGenAddress, b.SigGenAddress) && SameEntry(a.MeterAddress, b.MeterAddress) &&
+         SameEntry(a.PwrMtrAddress, b.PwrMtrAddress) && SameEntry(a.IfiBandSwitch, b.IfiBandSwitch) &&
+         a.Configuration == b.Configuration && a.Type == b.Type && a.IfiPower == b.IfiPower &&
+         a.IfiAtten == b.IfiAtten && a.CableLossFile == b.CableLossFile && a.FwdPortFile == b.FwdPortFile &&
+         a.RevPortFile == b.RevPortFile && a.MaxPowerFile == b.MaxPowerFile && a.ProbeFile == b.ProbeFile;
+}
+
 int Equip::LoadDef(const std::string& path) {
   try {
     LoadRecord(path, Record);
@@ -46,6 +73,7 @@ int Equip::LoadDef(const std::string& path) {
     shell_.ReportError(error, "Equip.LoadDef", path);
     return 0;
   }
+  Saved = Record;
   shell_.log.LogFile("Equip file: " + path);
   return 1;
 }
@@ -57,6 +85,7 @@ int Equip::SaveDef(const std::string& path) {
     shell_.ReportError(error, "Equip.SaveDef", path);
     return 0;
   }
+  Saved = Record;
   shell_.log.LogFile("Equip file saved: " + path);
   return 1;
 }
@@ -73,24 +102,6 @@ bool Equip::LoadDefinitions() {
   load(instruments_.pm, Record.PwrMtrFile, Record.PwrMtrAddress);
   if (Record.HasIfiAmplifier()) instruments_.pm.SetBandswitch(Record.IfiBandSwitch);
   return loaded;
-}
-
-EquipmentEntries Equip::Entries() const {
-  EquipmentEntries entries;
-  entries.SigGenAddress = AddressText(Record.SigGenFile, Record.SigGenAddress);
-  entries.MeterAddress = AddressText(Record.MeterFile, Record.MeterAddress);
-  entries.PwrMtrAddress = AddressText(Record.PwrMtrFile, Record.PwrMtrAddress);
-  entries.IfiBandSwitch = ShortestText(Record.IfiBandSwitch);
-  entries.Configuration = static_cast<AmpConfig>(Record.AmpConfiguration);
-  entries.Type = static_cast<AmpType>(Record.AmplifierType);
-  entries.IfiPower = Record.IfiPower;
-  entries.IfiAtten = Record.IfiAtten;
-  entries.CableLossFile = Record.CableLossFile;
-  entries.FwdPortFile = Record.FwdPortFile;
-  entries.RevPortFile = Record.RevPortFile;
-  entries.MaxPowerFile = Record.MaxPowerFile;
-  entries.ProbeFile = Record.ProbeFile;
-  return entries;
 }
 
 std::optional<EntryFailure> Equip::ApplyEquipment(const EquipmentEntries& entries) {

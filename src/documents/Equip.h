@@ -37,6 +37,10 @@ struct StartFailure {
 
 /// The check that every run with the station's amplifier begins with: its band switch.
 std::optional<StartFailure> CheckAmplifier(const EquipRecord& equipment);
+/// The entries that show a record.
+EquipmentEntries EntriesOf(const EquipRecord& record);
+/// Whether both stand for the same values.
+bool SameEntries(const EquipmentEntries& a, const EquipmentEntries& b);
 
 /// The station's equipment configuration, its file, and its hand-over to the drivers.
 class Equip {
@@ -52,11 +56,13 @@ class Equip {
   /// @return false when one of them failed, after its report
   bool LoadDefinitions();
   /// The form's entries as the record has them: what a freshly opened form would show.
-  EquipmentEntries Entries() const;
+  EquipmentEntries Entries() const { return EntriesOf(Record); }
   /// Checks the entries in the form's order and takes them into the record and the drivers, up to the first failure.
   std::optional<EntryFailure> ApplyEquipment(const EquipmentEntries& entries);
 
   EquipRecord Record;
+  /// What was loaded or saved last.
+  EquipRecord Saved;
   /// The current equipment file, as forms show it; empty when there is none.
   std::string EquipFileName;
 

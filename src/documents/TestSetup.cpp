@@ -16,6 +16,7 @@ bool TestSetup::LoadDef(const std::string& path) {
     shell_.ReportError(error, "TestSetup.LoadDef", path);
     return false;
   }
+  Saved = Definition;
   TestFileName = path;
   shell_.log.LogFile("Test file: " + path);
   return true;
@@ -28,6 +29,7 @@ bool TestSetup::SaveDef(const std::string& path) {
     shell_.ReportError(error, "TestSetup.SaveDef", path);
     return false;
   }
+  Saved = Definition;
   TestFileName = path;
   shell_.log.LogFile("Test file saved: " + path);
   return true;
@@ -49,11 +51,11 @@ std::string TestSetup::StringPrintTestSetup() {
   }
 }
 
-void TestSetup::PrintTestSetup() {
+void TestSetup::PrintTestSetup(const TestDefinition& test) {
   try {
     PrintJob job;
     job.title = "Test Run Parameters";
-    for (std::string& line : TestSummaryLines(Definition, calInfo_.Record, SummaryForm::Page))
+    for (std::string& line : TestSummaryLines(test, calInfo_.Record, SummaryForm::Page))
       job.lines.push_back({std::move(line)});
     shell_.printer.Print(job);
   } catch (const std::exception& error) {

@@ -78,7 +78,8 @@ class TestSetup {
   bool SaveDef(const std::string& path);
   /// The "Test Run Parameters" summary of the prepared run, lines ended by CR LF; empty after a failure.
   std::string StringPrintTestSetup();
-  void PrintTestSetup();
+  /// Prints the summary of a definition that need not be the record.
+  void PrintTestSetup(const TestDefinition& test);
   /// Whether the file last loaded or saved is read-only.
   bool TestFileReadOnly() const;
 
@@ -86,6 +87,8 @@ class TestSetup {
   TestDefinition AsRun() const;
 
   TestDefinition Definition;
+  /// What was loaded or saved last.
+  TestDefinition Saved;
   std::string TestFileName;
   bool ListUnused = false;  ///< the prepared run visits nothing of the definition's list: it holds too few frequencies
 

@@ -61,6 +61,8 @@ frmCalSetup::frmCalSetup(Shell& shell, Instruments& instruments, Documents& docu
   documents_.calSetup.SetOpeningDefaults(design.InitLevel, static_cast<double>(instruments_.meter.SettlingTime()));
   SetupToForm();
   ShowFile();
+  WatchEntries();
+  if (HasUnsaved()) kept_ = documents_.calSetup.Record;
 }
 
 frmCalSetup::~frmCalSetup() = default;
@@ -69,7 +71,7 @@ void frmCalSetup::ConnectCommands() {
   OfferFiles(ui_->mnuFileRecent, datakind::kCalibrations, QStringLiteral("csu"),
              [this](const QString& path) { LoadFile(path); });
   On(ui_->mnuFileLoad, [this] { Load(); });
-  On(ui_->mnuFileSave, [this] { Save(); });
+  On(ui_->mnuFileSave, [this] { SaveEntries(); });
   On(ui_->mnuFileSaveAs, [this] { SaveAs(); });
   On(ui_->mnuStart, [this] { Start(); });
   On(ui_->cmdLoad, [this] { Load(); });
@@ -126,8 +128,27 @@ QString frmCalSetup::HelpTopic() const {
 }
 
 bool frmCalSetup::QueryUnload() {
-  Guard(this, [this] { FormToSetup(false); });
-  return true;
+  bool mayClose = true;
+  Guard(this, [&] {
+    mayClose = (kept_ && Shows(*kept_)) || MayDropEntries();
+    if (mayClose) FormToSetup(false);
+  });
+  return mayClose;
+}
+
+bool frmCalSetup::HasUnsaved() const {
+  return !Shows(documents_.calSetup.Saved);
+}
+
+bool frmCalSetup::Shows(const CalSetupRecord& setup) const {
+  CalSetupEntries entries = EntriesOf(setup, Entries()).Entries;
+  bool same = true;
+  WalkEntries(*ui_, entries, EntryComparer{same});
+  return same;
+}
+
+bool frmCalSetup::MayDropEntries() {
+  return MayDrop("Save Calibration Setup", "The calibration setup");
 }
 
 CalSetupEntries frmCalSetup::Entries() const {
@@ -161,13 +182,14 @@ void frmCalSetup::Explain(const EntryFailure& failure) {
     return;
   }
   ui_->tabSetup->setCurrentIndex(failure.Tab);
-  shell_.dialogs.Show({failure.Text, {}, MessageIcon::None, MessageButtons::OkCancel});
-  SelectListFile();
+  const MessageAnswer answer = shell_.dialogs.Show({failure.Text, {}, MessageIcon::None, MessageButtons::OkCancel});
+  if (answer == MessageAnswer::Ok) SelectListFile();
 }
 
 void frmCalSetup::ShowFile() {
-  setWindowTitle(QStringLiteral("Cal Setup File: ") + ToQt(file_));
-  ShowSaveTarget(*ui_->mnuFileSave, file_);
+  const std::string& file = documents_.calSetup.FileName;
+  SetCaption(QStringLiteral("Cal Setup File: ") + ToQt(file));
+  ShowSaveTarget(*ui_->mnuFileSave, file);
 }
 
 void frmCalSetup::EnableControls() {
@@ -182,48 +204,55 @@ void frmCalSetup::EnableControls() {
 }
 
 void frmCalSetup::Load() {
-  const auto path = AskFile("Select Calibration Setup file", kSetupFilter, datakind::kCalibrations);
+  const auto path =
+      AskFile("Select Calibration Setup file", kSetupFilter, datakind::kCalibrations, documents_.calSetup.FileName);
   if (path) LoadFile(ToQt(*path));
 }
 
 void frmCalSetup::LoadFile(const QString& path) {
   Guard(ui_->mnuFileLoad, [&] {
+    if (!MayDropEntries()) return;
     CalSetup& setup = documents_.calSetup;
     const CalSetupRecord previous = setup.Record;
     if (!setup.LoadDef(FromQt(path))) {
       setup.Record = previous;
       return;
     }
-    file_ = FromQt(path);
+    setup.FileName = FromQt(path);
+    kept_.reset();
     ShowFile();
     SetupToForm();
-    AddRecentFile(file_);
+    AddRecentFile(setup.FileName);
   });
 }
 
-void frmCalSetup::Save() {
-  if (file_.empty())
-    SaveAs();
-  else if (FormToSetup(true))
-    SaveTo(file_);
+bool frmCalSetup::SaveEntries() {
+  const std::string file = documents_.calSetup.FileName;
+  if (file.empty()) return SaveAs();
+  return FormToSetup(true) && SaveTo(file);
 }
 
-void frmCalSetup::SaveAs() {
-  if (!FormToSetup(true)) return;
-  const auto path = shell_.dialogs.SaveFile(
-      {"Select Cal Setup file", kSetupFilter, shell_.settings.GetDataDir(datakind::kCalibrations), file_});
-  if (path) SaveTo(*path);
+bool frmCalSetup::SaveAs() {
+  if (!FormToSetup(true)) return false;
+  const auto path =
+      AskSaveFile("Select Cal Setup file", kSetupFilter, datakind::kCalibrations, documents_.calSetup.FileName);
+  return path && SaveTo(*path);
 }
 
-void frmCalSetup::SaveTo(const std::string& path) {
-  if (!documents_.calSetup.SaveDef(path)) return;
-  file_ = path;
+bool frmCalSetup::SaveTo(const std::string& path) {
+  CalSetup& setup = documents_.calSetup;
+  if (!setup.SaveDef(path)) return false;
+  setup.FileName = path;
+  kept_.reset();
+  // What the setup does not take, as the step of a kind that is not chosen, is not in the file.
+  ShowEntries(EntriesOf(setup.Record, Entries()).Entries);
   ShowFile();
-  AddRecentFile(file_);
+  AddRecentFile(path);
+  return true;
 }
 
 void frmCalSetup::SelectListFile() {
-  if (const auto path = AskListFile()) UseList(ToQt(*path));
+  if (const auto path = AskListFile(ui_->lblListFile->Path())) UseList(ToQt(*path));
 }
 
 void frmCalSetup::UseList(const QString& path) {
@@ -235,11 +264,14 @@ void frmCalSetup::UseList(const QString& path) {
   entries.StartFreq = ShortestText(setup.Record.StartFreq);
   entries.StopFreq = ShortestText(setup.Record.StopFreq);
   ShowEntries(entries);
+  ShowMark();
 }
 
 void frmCalSetup::SelectLevelFile() {
-  const auto path = shell_.dialogs.OpenFile(
-      {"Select test level file", kLevelFilter, shell_.settings.GetDataDir(datakind::kCalibrations), "*.lev"});
+  constexpr char kTitle[] = "Select test level file";
+  const std::string loaded = ui_->lblLimitFile->Path(), directory = shell_.settings.GetDataDir(datakind::kCalibrations);
+  const auto path = loaded.empty() ? shell_.dialogs.OpenFile({kTitle, kLevelFilter, directory, "*.lev"})
+                                   : AskFile(kTitle, kLevelFilter, datakind::kCalibrations, loaded);
   if (path) UseLevelFile(ToQt(*path));
 }
 
@@ -250,6 +282,7 @@ void frmCalSetup::UseLevelFile(const QString& path) {
   entries.LimitFile = FromQt(path);
   entries.LimitType = static_cast<std::int32_t>(LimitType::File);
   ShowEntries(entries);
+  ShowMark();
 }
 
 void frmCalSetup::CreateList() {

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "documents/CalSetupRecord.h"
 #include "documents/qt/SetupForm.h"
 
 namespace hylden {
@@ -51,6 +52,8 @@ class frmCalSetup : public SetupForm {
 
  protected:
   bool QueryUnload() override;
+  bool HasUnsaved() const override;
+  bool SaveEntries() override;
 
  private:
   void ConnectCommands();
@@ -61,12 +64,14 @@ class frmCalSetup : public SetupForm {
   void EnableControls();
   void ApplyRule(QAbstractButton* button, void (*rule)(CalSetupEntries&));
   void Explain(const EntryFailure& failure);
+  /// Whether the form shows this setup.
+  bool Shows(const CalSetupRecord& setup) const;
+  bool MayDropEntries();
   void ShowFile();
 
   void Load();
-  void Save();
-  void SaveAs();
-  void SaveTo(const std::string& path);
+  bool SaveAs();
+  bool SaveTo(const std::string& path);
   void SelectListFile();
   void SelectLevelFile();
   void CreateList();
@@ -75,7 +80,8 @@ class frmCalSetup : public SetupForm {
   Instruments& instruments_;
   Documents& documents_;
   std::unique_ptr<Ui::frmCalSetup> ui_;
-  std::string file_;  ///< the current file
+  /// Unsaved when the form opened: it was asked about before, and leaving the form costs none of it.
+  std::optional<CalSetupRecord> kept_;
 };
 
 }  // namespace hylden

@@ -69,6 +69,8 @@ frmEquipment::frmEquipment(Shell& shell, Instruments& instruments, Equip& equip,
   Offer(false, false, false);
   ShowFileName();
   ShowEquipment();
+  WatchEntries();
+  if (HasUnsaved()) kept_ = equip_.Record;
 }
 
 frmEquipment::~frmEquipment() = default;
@@ -78,7 +80,7 @@ void frmEquipment::ConnectFileMenu() {
              [this](const QString& path) { LoadFile(path); });
   FillOptionsMenu(*ui_->mnuFileOptions, shell_);
   On(ui_->mnuEquipFileLoad, [this] { AskAndLoad(); });
-  On(ui_->mnuEquipFileSave, [this] { Save(); });
+  On(ui_->mnuEquipFileSave, [this] { SaveEntries(); });
   On(ui_->mnuEquipFileSaveAs, [this] { SaveAs(); });
   On(ui_->mnuUtilInsertLoss, [this] { RequestInsertionLoss(); });
   connect(ui_->mnuHelpEquipment, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
@@ -206,7 +208,7 @@ void frmEquipment::SelectDefinition(Driver& driver, InstrumentKind kind) {
   const InstrumentRow row = Row(kind);
   const DefinitionDialog dialog = DialogOf(kind);
   driver.SetAddress(row.address);
-  const auto path = AskFile(dialog.title, dialog.filter, datakind::kEquip);
+  const auto path = AskFile(dialog.title, dialog.filter, datakind::kEquip, row.file);
   if (!path) return;
   const auto previous = driver.Definition();
   if (!driver.LoadFile(*path)) {
@@ -226,7 +228,7 @@ void frmEquipment::ClearInstrument(InstrumentKind kind) {
 }
 
 void frmEquipment::SelectTable(const TableRow& row) {
-  const auto path = AskFile(row.title, row.filter, row.directory);
+  const auto path = AskFile(row.title, row.filter, row.directory, equip_.Record.*row.file);
   if (!path) return;
   InterpClass table(shell_);
   if (!table.InitInterp(*path)) return;
@@ -262,7 +264,7 @@ void frmEquipment::ShowRecord() {
 
 void frmEquipment::ShowFileName() {
   const std::string& path = equip_.EquipFileName;
-  setWindowTitle(QStringLiteral("Equipment File: ") + ToQt(path));
+  SetCaption(QStringLiteral("Equipment File: ") + ToQt(path));
   ShowSaveTarget(*ui_->mnuEquipFileSave, FileNameOnly(path));
 }
 
@@ -273,7 +275,7 @@ void frmEquipment::EnableAmplifierControls() {
   ui_->chkIfiPwr->setEnabled(ifi);
   ui_->txtIfiBandSwitch->setEnabled(ifi);
   ui_->lblAmpSwitchFreq->setEnabled(ifi);
-  if (!ifi) ui_->chkIfiAtten->setEnabled(false);
+  ui_->chkIfiAtten->setEnabled(ifi);
 }
 
 void frmEquipment::SetConfiguration(AmpConfig configuration) {
@@ -312,40 +314,68 @@ bool frmEquipment::ApplyEquipment() {
 }
 
 void frmEquipment::AskAndLoad() {
-  if (const auto path = AskFile(kSelectEquipment, kEquipFilter, datakind::kEquip)) LoadFile(ToQt(*path));
+  if (const auto path = AskFile(kSelectEquipment, kEquipFilter, datakind::kEquip, equip_.EquipFileName))
+    LoadFile(ToQt(*path));
 }
 
 void frmEquipment::LoadFile(const QString& path) {
-  const std::string file = FromQt(path);
-  const EquipRecord previous = equip_.Record;
-  if (equip_.LoadDef(file) != 1) {
-    equip_.Record = previous;
-    return;
-  }
-  equip_.EquipFileName = file;
-  ShowFileName();
-  ShowEquipment();
-  AddRecentFile(file);
+  Guard(ui_->mnuEquipFileLoad, [&] {
+    if (!MayDropEntries()) return;
+    const std::string file = FromQt(path);
+    const EquipRecord previous = equip_.Record;
+    if (equip_.LoadDef(file) != 1) {
+      equip_.Record = previous;
+      return;
+    }
+    equip_.EquipFileName = file;
+    kept_.reset();
+    ShowFileName();
+    ShowEquipment();
+    AddRecentFile(file);
+  });
 }
 
-void frmEquipment::Save() {
-  if (equip_.EquipFileName.empty())
-    SaveAs();
-  else
-    SaveTo(equip_.EquipFileName);
+bool frmEquipment::QueryUnload() {
+  bool mayClose = false;
+  // The end of the session does not wait for an entry that can't be taken.
+  Guard(this, [&] {
+    mayClose = (ProgramEnds() || ApplyEquipment()) && ((kept_ && Shows(*kept_)) || MayDropEntries());
+  });
+  return mayClose;
 }
 
-void frmEquipment::SaveAs() {
-  const auto path = shell_.dialogs.SaveFile(
-      {kSelectEquipment, kEquipFilter, shell_.settings.GetDataDir(datakind::kEquip), equip_.EquipFileName});
-  if (path) SaveTo(*path);
+bool frmEquipment::HasUnsaved() const {
+  return !Shows(equip_.Saved);
 }
 
-void frmEquipment::SaveTo(const std::string& path) {
-  if (!ApplyEquipment() || equip_.SaveDef(path) != 1) return;
+bool frmEquipment::Shows(const EquipRecord& record) const {
+  const EquipRecord& now = equip_.Record;
+  return now.SigGenFile == record.SigGenFile && now.MeterFile == record.MeterFile &&
+         now.PwrMtrFile == record.PwrMtrFile && SameEntries(Entries(), EntriesOf(record));
+}
+
+bool frmEquipment::MayDropEntries() {
+  return MayDrop("Save Equipment", "The equipment");
+}
+
+bool frmEquipment::SaveEntries() {
+  const std::string file = equip_.EquipFileName;
+  return file.empty() ? SaveAs() : SaveTo(file);
+}
+
+bool frmEquipment::SaveAs() {
+  const auto path = AskSaveFile(kSelectEquipment, kEquipFilter, datakind::kEquip, equip_.EquipFileName);
+  return path && SaveTo(*path);
+}
+
+bool frmEquipment::SaveTo(const std::string& path) {
+  if (!ApplyEquipment() || equip_.SaveDef(path) != 1) return false;
   equip_.EquipFileName = path;
-  AddRecentFile(path);
+  kept_.reset();
+  ShowRecord();
   ShowFileName();
+  AddRecentFile(path);
+  return true;
 }
 
 void frmEquipment::RequestInsertionLoss() {

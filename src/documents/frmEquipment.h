@@ -49,7 +49,9 @@ class frmEquipment : public SetupForm {
   void InsertionLossRequested();
 
  protected:
-  bool QueryUnload() override { return ProgramEnds() || ApplyEquipment(); }
+  bool QueryUnload() override;
+  bool HasUnsaved() const override;
+  bool SaveEntries() override;
 
  private:
   struct InstrumentRow;
@@ -76,14 +78,18 @@ class frmEquipment : public SetupForm {
   void SetAmplifierType(AmpType type);
   EquipmentEntries Entries() const;
   void AskAndLoad();
-  void Save();
-  void SaveAs();
-  void SaveTo(const std::string& path);
+  /// Whether the form shows this station.
+  bool Shows(const EquipRecord& record) const;
+  bool MayDropEntries();
+  bool SaveAs();
+  bool SaveTo(const std::string& path);
   void RequestInsertionLoss();
 
   Instruments& instruments_;
   Equip& equip_;
   std::unique_ptr<Ui::frmEquipment> ui_;
+  /// Unsaved when the form opened: it was asked about before, and leaving the form costs none of it.
+  std::optional<EquipRecord> kept_;
 };
 
 }  // namespace hylden

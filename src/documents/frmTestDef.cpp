@@ -72,6 +72,8 @@ frmTestDef::frmTestDef(Shell& shell, Documents& documents, QWidget* parent)
   DefToForm();
   ShowCalInfo();
   ShowFile();
+  WatchEntries();
+  if (HasUnsaved()) kept_ = documents_.testSetup.Definition;
 }
 
 frmTestDef::~frmTestDef() = default;
@@ -80,11 +82,11 @@ void frmTestDef::ConnectCommands() {
   OfferFiles(ui_->mnuFileRecent, datakind::kTestSetups, QStringLiteral("tst"),
              [this](const QString& path) { LoadFile(path); });
   On(ui_->mnuFileLoad, [this] { Load(); });
-  On(ui_->mnuFileSave, [this] { Save(); });
+  On(ui_->mnuFileSave, [this] { SaveEntries(); });
   On(ui_->mnuFileSaveAs, [this] { SaveAs(); });
-  On(ui_->mnuFilePrint, [this] { Print(); });
+  connect(ui_->mnuFilePrint, &QAction::triggered, this, &frmTestDef::Print);
   On(ui_->cmdLoad, [this] { Load(); });
-  On(ui_->cmdSave, [this] { Save(); });
+  On(ui_->cmdSave, [this] { SaveEntries(); });
   On(ui_->cmdCalFile, [this] { SelectCalFile(); });
   On(ui_->cmdListFile, [this] { SelectListFile(); });
   On(ui_->cmdCreateList, [this] { CreateList(); });
@@ -96,9 +98,9 @@ void frmTestDef::ConnectCommands() {
 }
 
 void frmTestDef::ConnectRules() {
-  const std::initializer_list<QAbstractButton*> plain = {ui_->optNoMod,       ui_->optAMMod,      ui_->optFMMod,
-                                                         ui_->optPulseMod,    ui_->chkUseAMdepth, ui_->chkMonitorProbe,
-                                                         ui_->chkLimitCurrent};
+  const std::initializer_list<QAbstractButton*> plain = {
+      ui_->optLinStep,  ui_->optLogStep,    ui_->optNoMod,        ui_->optAMMod,       ui_->optFMMod,
+      ui_->optPulseMod, ui_->chkUseAMdepth, ui_->chkMonitorProbe, ui_->chkLimitCurrent};
   for (QAbstractButton* const button : plain)
     connect(button, &QAbstractButton::clicked, this, &frmTestDef::EnableControls);
   ApplyRule(ui_->chkConstPeak, ConstPeakClicked);
@@ -126,10 +128,28 @@ QString frmTestDef::HelpTopic() const {
 }
 
 bool frmTestDef::QueryUnload() {
+  bool mayClose = true;
+  Guard(this, [&] { mayClose = (kept_ && Shows(*kept_)) || MayDropEntries(); });
+  if (!mayClose) return false;
   // A calibration that was chosen, but not taken into the record, is dropped together with its info.
   if (ui_->lblCalFileName->Path() != documents_.testSetup.Definition.CalInfoFile)
     documents_.calInfo.Record = calInfoOfRecord_;
   return true;
+}
+
+bool frmTestDef::HasUnsaved() const {
+  return !Shows(documents_.testSetup.Saved);
+}
+
+bool frmTestDef::Shows(const TestDefinition& test) const {
+  TestDefinitionEntries entries = EntriesOf(test);
+  bool same = true;
+  WalkEntries(*ui_, entries, EntryComparer{same});
+  return same;
+}
+
+bool frmTestDef::MayDropEntries() {
+  return MayDrop("Save Test Definition", "The test definition");
 }
 
 TestDefinitionEntries frmTestDef::Entries() const {
@@ -150,16 +170,22 @@ void frmTestDef::DefToForm() {
 
 bool frmTestDef::FormToDef() {
   TestDefinition& test = documents_.testSetup.Definition;
+  const bool good = TakeInto(test);
+  if (test.CalInfoFile == ui_->lblCalFileName->Path()) calInfoOfRecord_ = documents_.calInfo.Record;
+  if (good) ShowCalInfo();
+  return good;
+}
+
+/// Checks the form and takes it into a definition, up to the first invalid entry, which is pointed out; false then.
+bool frmTestDef::TakeInto(TestDefinition& test) {
   TestDefinitionEntries entries = Entries();
   const TestValidation result = ValidateTestDefinition(entries, documents_.calInfo.Record.FreqRange, test);
-  if (test.CalInfoFile == entries.CalFile) calInfoOfRecord_ = documents_.calInfo.Record;
   for (const std::string& notice : result.Notices) shell_.dialogs.Tell(notice);
   ShowEntries(entries);
   if (result.Failure) {
     PointOut(*this, *result.Failure, shell_.dialogs);
     return false;
   }
-  ShowCalInfo();
   return true;
 }
 
@@ -175,7 +201,7 @@ void frmTestDef::ShowCalInfo() {
 void frmTestDef::ShowFile() {
   const std::string& path = documents_.testSetup.TestFileName;
   const bool readOnly = documents_.testSetup.TestFileReadOnly();
-  setWindowTitle(QStringLiteral("Test Definition File: ") + ToQt(path));
+  SetCaption(QStringLiteral("Test Definition File: ") + ToQt(path));
   ShowSaveTarget(*ui_->mnuFileSave, path);
   EnableAll(!readOnly,
             {ui_->fraFeedback, ui_->fraCalFileData, ui_->fraLevelingMode, ui_->fraLevelRamping, ui_->cmdCalFile});
@@ -183,6 +209,9 @@ void frmTestDef::ShowFile() {
 }
 
 void frmTestDef::EnableControls() {
+  // Both steps are checked, whichever is chosen; Tab goes to the one in use.
+  ui_->txtLinearStep->setFocusPolicy(ui_->optLinStep->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);
+  ui_->txtLogStep->setFocusPolicy(ui_->optLogStep->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);
   const EnabledControls enabled = EnabledControlsFor(Entries());
   EnableAll(enabled.ModOffBetweenFreqs, {ui_->chkModOffBetweenFreqs});
   EnableAll(enabled.AmControls,
@@ -196,18 +225,21 @@ void frmTestDef::EnableControls() {
 }
 
 void frmTestDef::Load() {
-  const auto path = AskFile("Select Test Definition File", kTestFilter, datakind::kTestSetups);
+  const auto path =
+      AskFile("Select Test Definition File", kTestFilter, datakind::kTestSetups, documents_.testSetup.TestFileName);
   if (path) LoadFile(ToQt(*path));
 }
 
 void frmTestDef::LoadFile(const QString& path) {
   Guard(ui_->mnuFileLoad, [&] {
+    if (!MayDropEntries()) return;
     TestSetup& testSetup = documents_.testSetup;
     const TestDefinition previous = testSetup.Definition;
     if (!testSetup.LoadDef(FromQt(path))) {
       testSetup.Definition = previous;
       return;
     }
+    kept_.reset();
     DefToForm();
     ShowFile();
     // Without its own info the test must not be checked against that of the calibration before.
@@ -219,33 +251,37 @@ void frmTestDef::LoadFile(const QString& path) {
   });
 }
 
-void frmTestDef::Save() {
-  const std::string& path = documents_.testSetup.TestFileName;
-  if (path.empty())
-    SaveAs();
-  else
-    SaveTo(path);
+bool frmTestDef::SaveEntries() {
+  const std::string path = documents_.testSetup.TestFileName;
+  return path.empty() ? SaveAs() : SaveTo(path);
 }
 
-void frmTestDef::SaveAs() {
-  const auto path =
-      shell_.dialogs.SaveFile({"Select Test Definition Filename", kTestFilter,
-                               shell_.settings.GetDataDir(datakind::kTestSetups), documents_.testSetup.TestFileName});
-  if (path) SaveTo(*path);
+bool frmTestDef::SaveAs() {
+  const auto path = AskSaveFile("Select Test Definition Filename", kTestFilter, datakind::kTestSetups,
+                                documents_.testSetup.TestFileName);
+  return path && SaveTo(*path);
 }
 
-void frmTestDef::SaveTo(const std::string& path) {
-  if (!FormToDef() || !documents_.testSetup.SaveDef(path)) return;
+bool frmTestDef::SaveTo(const std::string& path) {
+  if (!FormToDef() || !documents_.testSetup.SaveDef(path)) return false;
+  kept_.reset();
+  // What the definition does not take, as an impedance without a probe, is not in the file.
+  DefToForm();
   ShowFile();
   AddRecentFile(documents_.testSetup.TestFileName);
+  return true;
 }
 
 void frmTestDef::Print() {
-  documents_.testSetup.PrintTestSetup();
+  Guard(ui_->mnuFilePrint, [this] {
+    TestDefinition shown = documents_.testSetup.Definition;
+    if (TakeInto(shown)) documents_.testSetup.PrintTestSetup(shown);
+  });
 }
 
 void frmTestDef::SelectCalFile() {
-  const auto path = AskFile("Select Calibration File", kCalFilter, datakind::kCalibrations);
+  const auto path =
+      AskFile("Select Calibration File", kCalFilter, datakind::kCalibrations, ui_->lblCalFileName->Path());
   if (!path) return;
   CalInfo& calInfo = documents_.calInfo;
   const CalInfoRec previous = calInfo.Record;
@@ -258,7 +294,7 @@ void frmTestDef::SelectCalFile() {
 }
 
 void frmTestDef::SelectListFile() {
-  if (const auto path = AskListFile()) UseList(ToQt(*path));
+  if (const auto path = AskListFile(ui_->lblListFile->Path())) UseList(ToQt(*path));
 }
 
 void frmTestDef::UseList(const QString& path) {
@@ -267,6 +303,7 @@ void frmTestDef::UseList(const QString& path) {
   if (ReadFreq(shell_).FileTolist(file, frequencies) < 1) return;
   FitPathLabel(file, *ui_->lblListFile);
   ui_->chkFreqList->setChecked(true);
+  ShowMark();
 }
 
 void frmTestDef::CreateList() {

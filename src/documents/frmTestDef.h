@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "documents/CalInfo.h"
+#include "documents/TestDefinition.h"
 #include "documents/qt/SetupForm.h"
 
 class QLabel;
@@ -34,6 +35,8 @@ class frmTestDef : public SetupForm {
   void LoadFile(const QString& path);
   /// Makes a file the frequency list and asks for the discrete test; one that does not read as a list is refused.
   void UseList(const QString& path);
+  /// Prints what is on the form, when its entries are good.
+  void Print();
   /// Enables the button of the list builder when the program around has one.
   void Offer(bool listBuilder);
 
@@ -46,11 +49,13 @@ class frmTestDef : public SetupForm {
   void EditEquipmentRequested(int tab);
   /// Definition and station are complete: open the test run in the place of this form.
   void StartRequested();
-  /// Show in the preview what PrintTestSetup would print.
+  /// Show in the preview what Print would print.
   void PrintPreviewRequested();
 
  protected:
   bool QueryUnload() override;
+  bool HasUnsaved() const override;
+  bool SaveEntries() override;
 
  private:
   void ConnectCommands();
@@ -58,15 +63,17 @@ class frmTestDef : public SetupForm {
 
   TestDefinitionEntries Entries() const;
   void ShowEntries(TestDefinitionEntries entries);
+  /// Whether the form shows this definition.
+  bool Shows(const TestDefinition& test) const;
+  bool MayDropEntries();
+  bool TakeInto(TestDefinition& test);
   void ShowFile();
   void EnableControls();
   void ApplyRule(QAbstractButton* button, void (*rule)(TestDefinitionEntries&));
 
   void Load();
-  void Save();
-  void SaveAs();
-  void SaveTo(const std::string& path);
-  void Print();
+  bool SaveAs();
+  bool SaveTo(const std::string& path);
   void SelectCalFile();
   void SelectListFile();
   void CreateList();
@@ -77,6 +84,8 @@ class frmTestDef : public SetupForm {
   QLabel* readOnlyNotice_;
   /// The info of the calibration that the record names; the one shown may belong to a file chosen since.
   CalInfoRec calInfoOfRecord_;
+  /// Unsaved when the form opened: it was asked about before, and leaving the form costs none of it.
+  std::optional<TestDefinition> kept_;
 };
 
 }  // namespace hylden

@@ -23,6 +23,7 @@ class CalForms : public testing::Test {
     m.LoadStation();
     ASSERT_TRUE(Cal().LoadDef("cdn-10v.csu"));
     Cal().Record.StartFreq = 1, Cal().Record.StopFreq = 3, Cal().Record.StepType = 0;
+    Cal().Saved = Cal().Record;
   }
   CalSetup& Cal() { return m.station.documents.calSetup; }
   bool RfIsOn() { return m.station.instruments.sigGen.RfIsOn(); }
@@ -120,10 +121,52 @@ TEST_F(CalForms, ClosingKeepsWhatWasTyped) {
   const auto form = OpenSetup();
   Find<QLineEdit>(*form, "txtMaxLev").setText("-99");
   Find<QLineEdit>(*form, "txtStartFreq").setText("nothing");
+  dialogs.Answer(MessageAnswer::No);
   form->close();
-  EXPECT_TRUE(dialogs.messages.empty());
+  EXPECT_EQ(dialogs.messages.size(), 1U);
   EXPECT_EQ(Cal().Record.MaxLevel, -99.0F);
   EXPECT_EQ(Cal().Record.StartFreq, 1);
+}
+
+TEST_F(CalForms, NoDwellAndZeroDbmComeBackWhenTheFormOpensAgain) {
+  Cal().Record.InitLevel = 0, Cal().Record.Dwell = 0;
+  const auto form = OpenSetup();
+  EXPECT_EQ(TextOf(*form, "txtInitLev"), "0");
+  EXPECT_EQ(TextOf(*form, "txtFinalDwell"), "0.0");
+}
+
+TEST_F(CalForms, CancelledPromptForAListOpensNoPicker) {
+  Cal().Record.ListFile.clear();
+  const auto form = OpenSetup();
+  Press(*form, "optListStep");
+  dialogs.Answer(MessageAnswer::Cancel);
+  Press(*form, "cmdStart");
+  EXPECT_EQ(dialogs.LastText(), "Need filename, please pick frequency list file");
+  EXPECT_TRUE(dialogs.openRequests.empty());
+}
+
+TEST_F(CalForms, UnsavedSetupIsMarkedAndAskedAbout) {
+  const auto form = OpenSetup();
+  const std::string file = m.directory.File("own.csu");
+  dialogs.AnswerSave(file);
+  Find<QLineEdit>(*form, "txtLogStep").setText("7");  // of no use in linear steps
+  Press(*form, "cmdSave");
+  const QString title = QString::fromStdString("Cal Setup File: " + file);
+  EXPECT_EQ(form->windowTitle(), title);
+  Find<QLineEdit>(*form, "txtStopFreq").setText("3.00");
+  EXPECT_EQ(form->windowTitle(), title);
+  Press(*form, "chkRecordFP");
+  EXPECT_EQ(form->windowTitle(), title + "*");
+  dialogs.Answer(MessageAnswer::Cancel);
+  form->LoadFile("cdn-10v.csu");
+  EXPECT_EQ(dialogs.LastText(), "The calibration setup has changes that are not saved.\r\nSave them?");
+  EXPECT_EQ(form->windowTitle(), title + "*");
+  dialogs.Answer(MessageAnswer::No);
+  form->close();
+  const auto again = OpenSetup();
+  EXPECT_EQ(again->windowTitle(), title + "*") << "what was typed stays, and so does its file";
+  EXPECT_TRUE(again->close()) << "asked once";
+  EXPECT_EQ(dialogs.UnusedAnswers(), 0U);
 }
 
 TEST_F(CalForms, FileThatDoesNotLoadCostsNothing) {
@@ -225,6 +268,29 @@ TEST_F(CalForms, MnemonicsAreApart) {
   ExpectMnemonicsApart(*OpenRun());
 }
 
+TEST_F(CalForms, NoButtonOfASetupLooksAsIfEnterPressedIt) {
+  RunCablCal calibration(m.station.shell, m.station.instruments);
+  frmCblSetup cableSetup(m.station.shell, m.station.documents, calibration);
+  const auto setup = OpenSetup();
+  for (QMainWindow* const form : std::initializer_list<QMainWindow*>{setup.get(), &cableSetup})
+    for (const QPushButton* button : form->findChildren<QPushButton*>())
+      EXPECT_FALSE(button->isDefault()) << button->objectName().toStdString();
+}
+
+TEST_F(CalForms, StartAsksBeforeItDropsPointsThatWereToBeSaved) {
+  const auto form = OpenRun();
+  Press(*form, "cmdStart");  // to be saved, and the file dialog is cancelled
+  ASSERT_EQ(Rows(*form, "flxCalData"), 3);
+  dialogs.Answer(MessageAnswer::Cancel);
+  Press(*form, "cmdStart");
+  EXPECT_EQ(dialogs.LastText(), "The calibration data has not been saved.\r\nSave it?");
+  EXPECT_EQ(Questions(), 2) << "no second run";
+  EXPECT_EQ(Rows(*form, "flxCalData"), 3);
+  dialogs.Answer(MessageAnswer::No);
+  Press(*form, "cmdStart");
+  EXPECT_EQ(Questions(), 4) << "dropped, run again, asked again";
+}
+
 TEST_F(CalForms, KeyHeldDownStartsNoSecondRun) {
   const auto form = OpenRun();
   auto& start = Find<QPushButton>(*form, "cmdStart");
@@ -291,8 +357,11 @@ TEST_F(CableForms, BothPassesGiveTheLoss) {
   frmCblSetup setup(m.station.shell, m.station.documents, calibration);
   bool started = false;
   QObject::connect(&setup, &frmCblSetup::StartRequested, [&] { started = true; });
-  Find<QLineEdit>(setup, "txtStartFreq").setText("x");
-  Press(setup, "cmdStart");
+  calibration.Setup.StopFreq = 0;
+  frmCblSetup fresh(m.station.shell, m.station.documents, calibration);
+  EXPECT_EQ(TextOf(fresh, "txtStartFreq"), "") << "a placeholder is no value";
+  EXPECT_EQ(Find<QLineEdit>(fresh, "txtStartFreq").placeholderText(), "Lowest Frequency");
+  Press(fresh, "cmdStart");
   EXPECT_EQ(dialogs.LastText(), "Value not a number, re-enter");
   Find<QLineEdit>(setup, "txtStartFreq").setText("1");
   Press(setup, "cmdStart");

@@ -137,6 +137,35 @@ TEST_F(DesktopTest, EndSignalDoesNotWaitForAnEntryThatCanNotBeTaken) {
   EXPECT_TRUE(ended);
 }
 
+TEST_F(DesktopTest, CancelledEndLeavesEverythingAsItWas) {
+  int refused = 0;
+  MakeDesktop({.onEndRefused = [&] { ++refused; }});
+  desktop->Start("\"/e:" + t.directory.File("My station.eqp") + "\"");
+  Press(desktop->Menu(), "cmdConfigSys");
+  Type(*Form(), "txtSigGenAddr", "9");
+  t.dialogs.Answer(MessageAnswer::Cancel);
+  desktop->CloseAll();
+  for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
+  ASSERT_NE(Form(), nullptr);
+  EXPECT_EQ(refused, 1);
+  t.dialogs.Answer(MessageAnswer::No);
+  Form()->close();
+  for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
+  EXPECT_FALSE(ended);
+  EXPECT_TRUE(desktop->Menu().isVisible());
+}
+
+TEST_F(DesktopTest, MainMenuNamesStationAndTest) {
+  desktop->Start("\"/e:" + t.directory.File("My station.eqp") + "\"");
+  EXPECT_EQ(TextOf(desktop->Menu(), "lblStation"), "Station: My station.eqp\nTest: none");
+  Press(desktop->Menu(), "cmdConfigSys");
+  SaveRecord(t.directory.File("Other.eqp"), documents.equip.Record);
+  Form()->LoadFile(QString::fromStdString(t.directory.File("Other.eqp")));
+  Form()->close();
+  EXPECT_EQ(TextOf(desktop->Menu(), "lblStation"), "Station: Other.eqp\nTest: none");
+  EXPECT_FALSE(QApplication::windowIcon().isNull()) << "boxes carry the program's icon";
+}
+
 TEST_F(DesktopTest, MissingHelpFileIsTold) {
   desktop->Start("");
   QTest::keyClick(&desktop->Menu(), Qt::Key_F1);

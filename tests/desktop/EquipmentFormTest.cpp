@@ -37,6 +37,7 @@ class EquipmentFormTest : public testing::Test {
     documents.equip.Record.PwrMtrFile = t.directory.File("power.pm");
     documents.equip.Record.PwrMtrAddress = 13;
     documents.equip.Record.IfiBandSwitch = 220;
+    documents.equip.Saved = documents.equip.Record;
   }
 
   frmEquipment& Open() {
@@ -104,12 +105,12 @@ TEST_F(EquipmentFormTest, ClosingAppliesAndShowsTheCaller) {
   f.OpenFrom(&caller);
   Type(f, "txtSigGenAddr", "30");
   QSignalSpy unloaded(&f, &WorkingForm::Unloaded);
+  t.dialogs.Answer(MessageAnswer::No);
   EXPECT_TRUE(f.close());
   EXPECT_TRUE(caller.isVisible());
   EXPECT_EQ(unloaded.count(), 1);
   EXPECT_EQ(Record().SigGenAddress, 30);
   EXPECT_EQ(instruments.sigGen.Address(), 30);
-  EXPECT_TRUE(t.dialogs.messages.empty());
 }
 
 TEST_F(EquipmentFormTest, AmplifierBandSwitchRulesThePowerMeters) {
@@ -143,6 +144,7 @@ TEST_F(EquipmentFormTest, ChoicesAreStoredAtOnceAndRuleTheirControls) {
   EXPECT_TRUE(enabled("chkIfiPwr") && enabled("txtIfiBandSwitch") && enabled("lblAmpSwitchFreq"));
   Press(f, "chkIfiPwr");
   EXPECT_TRUE(Record().IfiPower);
+  EXPECT_TRUE(enabled("chkIfiAtten")) << "also on a form that was opened with a generic amplifier";
   Press(f, "optGenericAmp");
   EXPECT_FALSE(enabled("chkIfiPwr") || enabled("chkIfiAtten") || enabled("txtIfiBandSwitch"));
 }
@@ -204,6 +206,7 @@ TEST_F(EquipmentFormTest, SavedStationLoadsAgainThroughRecentFiles) {
   auto& recent = Find<QMenu>(f, "mnuFileRecent");
   emit recent.aboutToShow();
   ASSERT_EQ(recent.actions().size(), 1);
+  t.dialogs.Answer(MessageAnswer::No);
   recent.actions().first()->trigger();
   EXPECT_EQ(TextOf(f, "txtSigGenAddr"), "5");
 }
@@ -214,7 +217,7 @@ TEST_F(EquipmentFormTest, InvalidEntryIsNotSaved) {
   t.dialogs.AnswerSave(t.directory.File("lab.eqp"));
   Choose(f, "mnuEquipFileSaveAs");
   EXPECT_FALSE(t.directory.Exists("lab.eqp"));
-  EXPECT_EQ(f.windowTitle(), "Equipment File: ");
+  EXPECT_EQ(f.windowTitle(), "Equipment File: *");
 }
 
 TEST_F(EquipmentFormTest, VanishedFileLeavesTheStationAsItWas) {
@@ -231,8 +234,9 @@ TEST_F(EquipmentFormTest, BrokenFileLeavesStationAndEntriesAsTheyWere) {
   frmEquipment& f = Open();
   Type(f, "txtSigGenAddr", "7");
   t.dialogs.AnswerOpen(t.directory.Write("half.eqp", "other.sg\r\n 3 \r\nother.mtr\r\n"));
+  t.dialogs.Answer(MessageAnswer::No);
   Choose(f, "mnuEquipFileLoad");
-  EXPECT_EQ(t.dialogs.messages.size(), 1u);
+  EXPECT_EQ(t.dialogs.messages.size(), 2u);
   EXPECT_EQ(Record().SigGenFile, before.SigGenFile);
   EXPECT_EQ(Record().MeterFile, before.MeterFile);
   EXPECT_EQ(TextOf(f, "txtSigGenAddr"), "7");
@@ -249,6 +253,36 @@ TEST_F(EquipmentFormTest, CableCalibrationNeedsGeneratorAndMeter) {
   Type(f, "txtMeterAddr", "20");
   Choose(f, "mnuUtilInsertLoss");
   EXPECT_EQ(requested.count(), 1);
+}
+
+TEST_F(EquipmentFormTest, MarksAndAsksForWhatIsNotSaved) {
+  documents.equip.EquipFileName = t.directory.File("lab.eqp");
+  const QString title = QString::fromStdString("Equipment File: " + documents.equip.EquipFileName);
+  frmEquipment& f = Open();
+  EXPECT_EQ(f.windowTitle(), title);
+  const struct {
+    const char* name;
+    std::function<void()> change, back;
+  } changes[] = {{"address", [&] { Type(f, "txtSigGenAddr", "7"); }, [&] { Type(f, "txtSigGenAddr", "19"); }},
+                 {"choice", [&] { Press(f, "optDualSplit"); }, [&] { Press(f, "optSingle"); }},
+                 {"band switch", [&] { f.ShowTab(2), Press(f, "optIFIAmp"), Type(f, "txtIfiBandSwitch", "215"); },
+                  [&] { Type(f, "txtIfiBandSwitch", "220"), Press(f, "optGenericAmp"); }}};
+  for (const auto& c : changes) {
+    SCOPED_TRACE(c.name);
+    c.change();
+    EXPECT_EQ(f.windowTitle(), title + "*");
+    c.back();
+    EXPECT_EQ(f.windowTitle(), title);
+  }
+  Press(f, "cmdNoPwrMtr");
+  EXPECT_EQ(f.windowTitle(), title + "*");
+  t.dialogs.Answer(MessageAnswer::Cancel);
+  EXPECT_FALSE(f.close());
+  EXPECT_EQ(t.dialogs.LastText(), "The equipment has changes that are not saved.\r\nSave them?");
+  EXPECT_TRUE(f.close()) << "Yes";
+  EquipRecord saved;
+  LoadRecord(t.directory.File("lab.eqp"), saved);
+  EXPECT_EQ(saved.PwrMtrFile, "");
 }
 
 /// Every box and choice says what it is to those who can't see it, and fits a small screen.

@@ -18,7 +18,7 @@ TEST_F(TestDefForm, ALoadedFileShowsOnlyInPart) {
   documents.testSetup.TestFileName.clear();
   const TestDefinition saved = test();
   const std::string path = WriteTest("A & B.tst", saved);
-  test() = {};
+  test() = documents.testSetup.Saved = {};
   documents.calInfo.Record = {};
   t.shell.settings.SaveDataDir(datakind::kTestSetups, t.directory.Path());
   EXPECT_EQ(form().windowTitle(), "Test Definition File: ");
@@ -36,6 +36,7 @@ TEST_F(TestDefForm, ALoadedFileShowsOnlyInPart) {
   emit Find<QMenu>("mnuFileRecent").aboutToShow();
   ASSERT_EQ(Find<QMenu>("mnuFileRecent").actions().size(), 1);
   Type("txtStopFreq", "7");
+  t.dialogs.Answer(MessageAnswer::No);
   Find<QMenu>("mnuFileRecent").actions().first()->trigger();
   EXPECT_EQ(Box("txtStopFreq").text(), "80");
 }
@@ -91,7 +92,7 @@ TEST_F(TestDefForm, AnInvalidOrFailedSaveCostsTheFileThatWasThere) {
   Type("txtStopFreq", "60");
   t.dialogs.AnswerSave(t.directory.File("nowhere/x.tst"));
   EXPECT_THAT(Told("mnuFileSaveAs"), ElementsAre(testing::HasSubstr("TestSetup.SaveDef")));
-  EXPECT_EQ(form().windowTitle(), "Test Definition File: ");
+  EXPECT_EQ(form().windowTitle(), "Test Definition File: *");
 }
 
 TEST_F(TestDefForm, ACancelledDialogChangesSomething) {
@@ -131,6 +132,7 @@ TEST_F(TestDefForm, ACalibrationThatWasDroppedStandsBesideTheRecord) {
   const std::string path = t.directory.Write("other.hyinfo", "Other\r\nA2\r\nD2\r\n3v\r\n1 - 30\r\n 1 \r\n");
   t.dialogs.AnswerOpen(path);
   Press("cmdCalFile");
+  t.dialogs.Answer(MessageAnswer::No);
   Press("cmdExit");
   EXPECT_FALSE(form().isVisible());
   EXPECT_EQ(documents.calInfo.Record.FreqRange, "0.15 - 230");
@@ -139,6 +141,7 @@ TEST_F(TestDefForm, ACalibrationThatWasDroppedStandsBesideTheRecord) {
   Open();
   Press("cmdCalFile");
   ASSERT_TRUE(form().FormToDef());
+  t.dialogs.Answer(MessageAnswer::No);
   Choose("mnuFileExit");
   EXPECT_EQ(test().CalInfoFile, path);
   EXPECT_EQ(documents.calInfo.Record.FreqRange, "1 - 30");
@@ -204,6 +207,93 @@ TEST_F(TestDefForm, AFailingPrinterEndsTheProgram) {
   EXPECT_THAT(Told("mnuFilePrint"), ElementsAre(testing::HasSubstr("TestSetup.PrintTestSetup")));
   Choose("mnuFilePreview");
   EXPECT_EQ(requests().previews, 1);
+}
+
+TEST_F(TestDefForm, PrintsWhatIsOnTheScreen) {
+  Type("txtStopFreq", "60");
+  Choose("mnuFilePrint");
+  ASSERT_EQ(t.printer.jobs.size(), 1U);
+  EXPECT_THAT(t.printer.Lines(), testing::Contains("          Freq Range: 0.2 - 60.0"));
+  EXPECT_EQ(test().StopFreq, 80) << "printing takes nothing over";
+  Type("txtStopFreq", "x");
+  EXPECT_THAT(Told("mnuFilePrint"), ElementsAre(kNotANumber));
+  EXPECT_EQ(t.printer.jobs.size(), 1U) << "a page that shows another test than the screen";
+}
+
+TEST_F(TestDefForm, MarksWhatIsNotSavedByItsValues) {
+  documents.testSetup.TestFileName = t.directory.File("a.tst");
+  const QString title = ToQt("Test Definition File: " + t.directory.File("a.tst"));
+  EXPECT_EQ(form().windowTitle(), title);
+  Type("txtStopFreq", "80.0");
+  EXPECT_EQ(form().windowTitle(), title) << "the same value";
+  Type("txtStopFreq", "70");
+  EXPECT_EQ(form().windowTitle(), title + "*");
+  Type("txtStopFreq", "80");
+  EXPECT_EQ(form().windowTitle(), title);
+  Press("optFMMod");
+  EXPECT_EQ(form().windowTitle(), title + "*");
+  Type("txtInitLevOffset", "6");
+  Press("chkMonitorProbe");
+  Type("txtEUTCircuitImpedance", "70");
+  EXPECT_THAT(Told("mnuFileSave"), IsEmpty());
+  EXPECT_EQ(form().windowTitle(), title) << "the form shows what the file holds";
+  EXPECT_EQ(Box("txtInitLevOffset").text(), "-6");
+}
+
+TEST_F(TestDefForm, AsksBeforeUnsavedEntriesAreDropped) {
+  const std::string path = WriteTest("a.tst", test());
+  documents.testSetup.TestFileName = path;
+  Type("txtStopFreq", "70");
+  t.dialogs.Answer(MessageAnswer::Cancel);
+  t.dialogs.AnswerOpen(path);
+  EXPECT_THAT(Told("cmdLoad"), ElementsAre("The test definition has changes that are not saved.\r\nSave them?"));
+  EXPECT_EQ(t.dialogs.messages.back().title, "Save Test Definition");
+  EXPECT_EQ(Box("txtStopFreq").text(), "70");
+
+  Type("txtStartFreq", "x");
+  Press("cmdExit");
+  EXPECT_EQ(t.dialogs.LastText(), kNotANumber) << "Yes, but it can't be saved";
+  EXPECT_TRUE(form().isVisible());
+  Type("txtStartFreq", "0.2");
+  Press("cmdExit");
+  EXPECT_FALSE(form().isVisible());
+  TestDefinition saved;
+  LoadRecord(path, saved);
+  EXPECT_EQ(saved.StopFreq, 70);
+}
+
+TEST_F(TestDefForm, AsksOnceAboutWhatStaysInTheSession) {
+  Type("txtStopFreq", "70");
+  Press("cmdStart");
+  t.dialogs.Answer(MessageAnswer::No);
+  Press("cmdExit");
+  Open();
+  EXPECT_EQ(form().windowTitle(), "Test Definition File: *");
+  EXPECT_THAT(Told("cmdExit"), IsEmpty());
+  EXPECT_FALSE(form().isVisible());
+}
+
+TEST_F(TestDefForm, TabSkipsTheStepThatIsNotChosen) {
+  EXPECT_FALSE(Box("txtLinearStep").focusPolicy() & Qt::TabFocus);
+  EXPECT_TRUE(Box("txtLogStep").focusPolicy() & Qt::TabFocus);
+  Press("optLinStep");
+  EXPECT_TRUE(Box("txtLinearStep").focusPolicy() & Qt::TabFocus);
+  EXPECT_FALSE(Box("txtLogStep").focusPolicy() & Qt::TabFocus);
+}
+
+TEST_F(TestDefForm, DialogsBeginBesideTheFileThatIsLoaded) {
+  const WorkingDirectory here(t.directory.Path());
+  t.shell.settings.SaveDataDir(datakind::kTestSetups, "/configured");
+  documents.testSetup.TestFileName = "a.tst";
+  Told("cmdLoad");
+  EXPECT_EQ(t.dialogs.openRequests.back().fileName, t.directory.File("a.tst")) << "named without its directory";
+  EXPECT_EQ(t.dialogs.openRequests.back().directory, "/configured");
+  Told("mnuFileSaveAs");
+  EXPECT_EQ(t.dialogs.saveRequests.back().fileName, t.directory.File("a.tst"));
+  Told("cmdCalFile");
+  EXPECT_EQ(t.dialogs.openRequests.back().fileName, test().CalInfoFile);
+  Told("cmdListFile");
+  EXPECT_EQ(t.dialogs.openRequests.back().fileName, test().ListFile);
 }
 
 TEST_F(TestDefForm, HelpOpensOnAnotherPage) {

@@ -62,6 +62,7 @@ class TestDefForm : public testing::Test {
     t.directory.Write("cal.hyinfo", "Setup <b>1</b>\r\nAmp\r\nCDN\r\n10v\r\n0.15 - 230\r\n 1 \r\n");
     t.directory.Write("list.lst", "1.0\r\n2.0\r\n");
     test() = GoodDefinition(t.directory);
+    documents.testSetup.Saved = test();
     documents.calInfo.LoadDef(test().CalInfoFile);
     EquipRecord& equip = documents.equip.Record;
     equip.SigGenFile = equip.MeterFile = equip.PwrMtrFile = "x";

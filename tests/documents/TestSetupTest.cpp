@@ -180,7 +180,7 @@ TEST_F(TestSetupTest, ALineOfTheSummaryDependsOnTheWrongField) {
 TEST_F(TestSetupTest, ThePrintedPageDiffersFromTheText) {
   setup.Definition = AmSweep();
   setup.Definition.UseAMdepth = true;
-  setup.PrintTestSetup();
+  setup.PrintTestSetup(setup.Definition);
   const std::vector<std::string> lines = t.printer.Lines();
   const auto at = std::find(lines.begin(), lines.end(), "Modulation off between frequencies");
   ASSERT_NE(at, lines.end());
@@ -189,7 +189,7 @@ TEST_F(TestSetupTest, ThePrintedPageDiffersFromTheText) {
   EXPECT_EQ(lines.back(), "     Leveling Method: Signal Generator values");
 
   t.printer.failure = ErrorNumber::DeviceIoError;
-  setup.PrintTestSetup();
+  setup.PrintTestSetup(setup.Definition);
   EXPECT_TRUE(t.dialogs.WasShownContaining("\rTestSetup.PrintTestSetup\r"));
 }
 

@@ -213,6 +213,7 @@ void PictureCalibration(Desktop& desktop, Tour& tour, QtVirtualEventLoop& events
   PictureRun(tour, events, Window("frmRunCal"), "cmdStart", "100.0", "calibration");
   Window("frmRunCal").close();
   Settle();
+  tour.OnBox("Save Calibration Setup", "unsaved-question", QMessageBox::No);
   setup.close();
   Settle();
 }

@@ -4,6 +4,7 @@
 #include <QRadioButton>
 
 #include "platform/qt/QtText.h"
+#include "shell/FormInput.h"
 #include "shell/qt/PathLabel.h"
 
 namespace hylden {
@@ -55,6 +56,23 @@ void EntryReader::operator()(Options options, std::int32_t& code) const {
     ++code;
   }
   if (NoChoice) code = *NoChoice;
+}
+
+void EntryComparer::operator()(const PathLabel& label, const std::string& path) const {
+  AllSame = AllSame && label.Path() == path;
+}
+
+void EntryComparer::operator()(const QLineEdit& box, const std::string& text) const {
+  AllSame = AllSame && SameEntry(FromQt(box.text()), text);
+}
+
+void EntryComparer::operator()(const QAbstractButton& button, bool chosen) const {
+  AllSame = AllSame && button.isChecked() == chosen;
+}
+
+void EntryComparer::operator()(Options options, std::int32_t code) const {
+  std::int32_t option = 0;
+  for (const QRadioButton* const button : options) (*this)(*button, option++ == code);
 }
 
 }  // namespace hylden

@@ -41,4 +41,15 @@ struct EntryReader {
   void operator()(Options options, std::int32_t& code) const;
 };
 
+/// Compares the controls with entries, by value.
+struct EntryComparer {
+  bool& AllSame;  ///< becomes false at the first difference
+
+  void operator()(const PathLabel& label, const std::string& path) const;
+  void operator()(const QLineEdit& box, const std::string& text) const;
+  void operator()(const QAbstractButton& button, bool chosen) const;
+  /// Codes that no option stands for are all the same.
+  void operator()(Options options, std::int32_t code) const;
+};
+
 }  // namespace hylden

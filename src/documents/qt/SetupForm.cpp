@@ -2,22 +2,39 @@
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QFileInfo>
+#include <QLineEdit>
 #include <exception>
 #include <utility>
 
+#include "platform/qt/CommandWindow.h"
 #include "platform/qt/FileDrop.h"
 #include "platform/qt/QtText.h"
 #include "shell/Shell.h"
 #include "shell/qt/RecentFilesMenu.h"
+#include "text/TextFile.h"
 
 namespace hylden {
 
+namespace {
+
+/// A file that was named without its directory lies below the working directory.
+std::string WholePath(const std::string& path) {
+  return path.empty() ? path : FromQt(QFileInfo(ToQt(ExistingPath(path))).absoluteFilePath());
+}
+
+}  // namespace
+
 void SetupForm::Guard(const QObject* control, const std::function<void()>& command) {
+  const CommandWindow running(*this);
+  ++commands_;
   try {
     command();
   } catch (const std::exception& error) {
     shell_.ReportError(error, FromQt(objectName() + QLatin1Char('.') + control->objectName()));
   }
+  --commands_;
+  ShowMark();
 }
 
 void SetupForm::On(QAction* entry, std::function<void()> command) {
@@ -44,12 +61,46 @@ void SetupForm::ShowSaveTarget(QAction& save, const std::string& path) {
   save.setText(name.isEmpty() ? QStringLiteral("&Save") : QStringLiteral("&Save ") + name);
 }
 
-std::optional<std::string> SetupForm::AskFile(const char* title, const char* filter, std::string_view kind) {
-  return shell_.dialogs.OpenFile({title, filter, shell_.settings.GetDataDir(kind)});
+void SetupForm::SetCaption(const QString& caption) {
+  caption_ = caption;
+  ShowMark();
 }
 
-std::optional<std::string> SetupForm::AskListFile() {
-  return AskFile("Select frequency list file", "Frequency List (*.lst)|*.lst|All Files|*.*", datakind::kFreqList);
+void SetupForm::WatchEntries() {
+  for (const QLineEdit* const box : findChildren<QLineEdit*>())
+    connect(box, &QLineEdit::textChanged, this, &SetupForm::ShowMark);
+  for (const QAbstractButton* const button : findChildren<QAbstractButton*>())
+    if (button->isCheckable()) connect(button, &QAbstractButton::toggled, this, &SetupForm::ShowMark);
+  ShowMark();
+}
+
+void SetupForm::ShowMark() {
+  if (caption_.isEmpty() || commands_ > 0) return;  // half of what is being loaded is no change
+  setWindowTitle(HasUnsaved() ? caption_ + QLatin1Char('*') : caption_);
+}
+
+bool SetupForm::MayDrop(const char* title, const std::string& what) {
+  if (!HasUnsaved()) return true;
+  const MessageAnswer answer = shell_.dialogs.Show({what + " has changes that are not saved.\r\nSave them?", title,
+                                                    MessageIcon::Question, MessageButtons::YesNoCancel});
+  const bool mayDrop = answer == MessageAnswer::Yes ? SaveEntries() : answer == MessageAnswer::No;
+  if (!mayDrop) emit StaysOpen();
+  return mayDrop;
+}
+
+std::optional<std::string> SetupForm::AskFile(const char* title, const char* filter, std::string_view kind,
+                                              const std::string& loaded) {
+  return shell_.dialogs.OpenFile({title, filter, shell_.settings.GetDataDir(kind), WholePath(loaded)});
+}
+
+std::optional<std::string> SetupForm::AskListFile(const std::string& loaded) {
+  return AskFile("Select frequency list file", "Frequency List (*.lst)|*.lst|All Files|*.*", datakind::kFreqList,
+                 loaded);
+}
+
+std::optional<std::string> SetupForm::AskSaveFile(const char* title, const char* filter, std::string_view kind,
+                                                  const std::string& loaded) {
+  return shell_.dialogs.SaveFile({title, filter, shell_.settings.GetDataDir(kind), WholePath(loaded)});
 }
 
 }  // namespace hylden
