@@ -202,6 +202,9 @@ TEST(QtDialogs, BoxBelongsToTheFormWhoseCommandRuns) {
     const CommandWindow inner(hidden);
     EXPECT_EQ(parent(), &form) << "a window that can't be seen shows no box";
   }
+  QWidget onTop(&form, Qt::Window | Qt::WindowStaysOnTopHint);
+  onTop.show();
+  EXPECT_EQ(parent(), &onTop) << "it would cover the box";
   beside.hide();
   beside.setWindowModality(Qt::ApplicationModal);
   beside.show();

@@ -16,7 +16,7 @@ class CommandWindow {
   CommandWindow& operator=(const CommandWindow&) = delete;
 
   /// The window that a box belongs to now: the modal one, which locks all others; else the window whose command began
-  /// last and that can be seen; else the active one. Null when there is none.
+  /// last and that can be seen, or one of its own that stays on top; else the active one. Null when there is none.
   static QWidget* ForBox();
 
  private:
