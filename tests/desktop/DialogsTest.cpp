@@ -66,6 +66,20 @@ TEST(QtDialogs, ShowsLinesAndTheProgramsOwnTitle) {
   EXPECT_EQ(dialogs.Show({"one\r\ntwo\rthree <b>", {}, MessageIcon::None, MessageButtons::YesNo}), MessageAnswer::Yes);
 }
 
+TEST(QtDialogs, PointsAtABoxWhileTheProgramIsBusy) {
+  QtDialogs dialogs;
+  const auto shape = [] { return QApplication::overrideCursor() ? QApplication::overrideCursor()->shape() : -1; };
+  QApplication::setOverrideCursor(Qt::WaitCursor);
+  OnModalWindow([&](QWidget& box) {
+    EXPECT_EQ(shape(), Qt::ArrowCursor);
+    QTest::keyClick(&box, Qt::Key_Escape);
+  });
+  dialogs.Tell("Error initializing meter");
+  EXPECT_EQ(shape(), Qt::WaitCursor);
+  QApplication::restoreOverrideCursor();
+  EXPECT_EQ(shape(), -1);
+}
+
 TEST(QtDialogs, EnterHeldDownFromBeforeAnswersNothing) {
   QtDialogs dialogs;
   OnModalWindow([](QWidget& window) {

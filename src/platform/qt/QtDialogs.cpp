@@ -117,6 +117,22 @@ class Owned {
   QPointer<Dialog> dialog_;
 };
 
+/// The pointer over a box that waits for an answer, whatever the program is busy with.
+class ArrowPointer {
+ public:
+  ArrowPointer() : busy_(QApplication::overrideCursor() != nullptr) {
+    if (busy_) QApplication::setOverrideCursor(Qt::ArrowCursor);
+  }
+  ~ArrowPointer() {
+    if (busy_) QApplication::restoreOverrideCursor();
+  }
+  ArrowPointer(const ArrowPointer&) = delete;
+  ArrowPointer& operator=(const ArrowPointer&) = delete;
+
+ private:
+  bool busy_;
+};
+
 /// "*.tst;*.txt" as Qt writes it, in both cases: on Linux "A.TST" is another name than "a.tst".
 QString Patterns(const QString& patterns) {
   QStringList both;
@@ -162,6 +178,7 @@ QString DefaultSuffix(std::string_view filter) {
 }
 
 bool QtDialogs::Run(QDialog& dialog) {
+  const ArrowPointer arrow;
   new KeyWatch(dialog, onEscape);
   return dialog.exec() == QDialog::Accepted;
 }
