@@ -15,6 +15,10 @@ std::string SensorPrompt(double previousMHz, double frequencyMHz, double bandSwi
   return high ? "Move sensor(s) to high freq coupler" : "Move sensor(s) to low freq coupler";
 }
 
+double LinePower(double readingDbm, double factorDb) {
+  return IsMissing(readingDbm) ? kNoValue : readingDbm + factorDb;
+}
+
 double ForwardSensor::Read(double frequencyMHz) {
   if (shell_.delay.HaltRequested()) return kNoReading;
   if (!equipment_.HasIfiAmplifier()) return instruments_.pm.ReadPower(1);

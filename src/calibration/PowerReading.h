@@ -13,6 +13,10 @@ struct Instruments;
 /// @param previousMHz  frequency of the reading before; 0 before the first
 std::string SensorPrompt(double previousMHz, double frequencyMHz, double bandSwitchMHz);
 
+/// The power on the line, dBm: the sensor's reading and the coupler's factor. A reading of 0 W is no level (-999), with
+/// whatever factor.
+double LinePower(double readingDbm, double factorDb);
+
 /// The forward power sensor of the station: which channel it is on, and where the operator has to move it when one
 /// sensor serves both couplers of an IFI amplifier.
 class ForwardSensor {

@@ -161,7 +161,7 @@ bool StepRunner::ReadForward() {
   float factor = 0;
   if (!run_.preparation.ForwardPort().InterpVal(state_.Freq, factor, FreqScale::Linear))
     return Fail("Error interpolating forward coupler factor");
-  state_.Result.FwdPwr = reading + double{factor};
+  state_.Result.FwdPwr = LinePower(reading, double{factor});
   run_.display.Power(*state_.Result.FwdPwr);
   return true;
 }
@@ -175,7 +175,7 @@ bool StepRunner::ReadReverse() {
   float factor = 0;
   if (!run_.preparation.ReversePort().InterpVal(state_.Freq, factor, FreqScale::Linear))
     return Fail("Error interpolating reverse coupler factor");
-  state_.Result.RevPwr = reading + double{factor};
+  state_.Result.RevPwr = LinePower(reading, double{factor});
   return true;
 }
 

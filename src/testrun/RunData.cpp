@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "measure/Conversions.h"
 #include "shell/Shell.h"
 #include "text/Pattern.h"
 #include "text/TextFile.h"
@@ -19,8 +20,9 @@ std::string& Cell(RunRow& row, RunColumn column) {
   return row[static_cast<std::size_t>(column)];
 }
 
-std::string PowerText(const std::optional<double>& levelDb) {
-  return levelDb ? Format(*levelDb, kLevelPattern) : std::string();
+/// Empty for what was not measured, and for what has no decibels (0 W).
+std::string LevelText(const std::optional<double>& levelDb) {
+  return levelDb && !IsMissing(*levelDb) ? Format(*levelDb, kLevelPattern) : std::string();
 }
 
 std::string Joined(const RunRow& row, std::size_t cells) {
@@ -45,9 +47,9 @@ void RunData::FillStep(int row, const StepResult& result) {
   const StepMarks& marks = result.Marks;
   Cell(cells, RunColumn::SigGen) = Format(result.SigGenLevel, kLevelPattern);
   Cell(cells, RunColumn::TestLevel) = Format(result.TestLevel, kLevelPattern);
-  Cell(cells, RunColumn::Induced) = PowerText(result.Induced);
-  Cell(cells, RunColumn::FwdPwr) = PowerText(result.FwdPwr);
-  Cell(cells, RunColumn::RevPwr) = PowerText(result.RevPwr);
+  Cell(cells, RunColumn::Induced) = LevelText(result.Induced);
+  Cell(cells, RunColumn::FwdPwr) = LevelText(result.FwdPwr);
+  Cell(cells, RunColumn::RevPwr) = LevelText(result.RevPwr);
   if (marks.SigGenAtCalibration) Cell(cells, RunColumn::SigGen) += kMark;
   if (marks.InducedAboveLimit) Cell(cells, RunColumn::Induced) += kMark;
   if (marks.ForwardCapHeld)

@@ -127,7 +127,8 @@ ShownLevel ShowInducedLevel(double levelDbua, double limitDbua, RunUnit unit, fl
 }
 
 ShownLevel ShowPower(double powerDbm, RunUnit unit) {
-  if (unit != RunUnit::Watts) return {"Forward Power\r\n(dBm)", Format(powerDbm, kLevelPattern)};
+  if (unit != RunUnit::Watts)
+    return {"Forward Power\r\n(dBm)", IsMissing(powerDbm) ? kNotAvailable : Format(powerDbm, kLevelPattern)};
   return {"Forward Power\r\n(watts)", ShownValue(true, [&] { return Format(DbmToWatts(powerDbm), "##0.000"); })};
 }
 

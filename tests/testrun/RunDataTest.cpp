@@ -164,6 +164,8 @@ TEST(RunUnits, ALevelWithoutAValueIsShownAsNotAvailable) {
 TEST(RunUnits, PowerIsShownInDbmOrWatts) {
   EXPECT_EQ(ShowPower(40, RunUnit::Dbm).Value, "40.0");
   EXPECT_EQ(ShowPower(40, RunUnit::Watts).Value, "10.000");
+  EXPECT_EQ(ShowPower(-999, RunUnit::Dbm).Value, "na") << "0 W has no dBm";
+  EXPECT_EQ(ShowPower(-999, RunUnit::Watts).Value, "0.000");
   EXPECT_EQ(ShowPower(40, RunUnit::Watts).Caption, "Forward Power\r\n(watts)");
 }
 

@@ -291,6 +291,19 @@ TEST_F(LevellingTest, AStartBelowTheGeneratorsMinimumIsAskedForOnce) {
   EXPECT_EQ(rig.Rows()[2], "4.0, -6.0 **, 120.0, , , ");
 }
 
+TEST_F(LevellingTest, APowerOf0WIsNoLevelInTheRunData) {
+  rig.UsePower(LevelingMethod::NetPower);
+  Redefine(rig.pm, [](auto& d) { d.Units = 0; });  // watts
+  rig.t.directory.Write("bench.cal", "1,-10,120,50,30,\r\n4,-10,120,50,30,\r\n");
+  rig.equipment.RevPortFile = rig.t.directory.Write("port.fac", "1 40\r\n4 41\r\n");
+  rig.equipment.FwdPortFile = rig.t.directory.Write("forward.fac", "1 0\r\n2 0\r\n4 0\r\n");
+  rig.gainDb = 150;
+  rig.returnLossDb = 1000;
+  rig.Run();
+  ASSERT_EQ(rig.engine.Outcome(), RunOutcome::Finished) << rig.t.dialogs.LastText();
+  for (const std::string& row : rig.Rows()) EXPECT_TRUE(row.ends_with(", ")) << row;
+}
+
 TEST_F(LevellingTest, OneSensorOnTwoCouplersIsMovedAtTheBandChange) {
   rig.UsePower(LevelingMethod::ForwardPower);
   rig.UseIfi();
