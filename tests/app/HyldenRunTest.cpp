@@ -105,6 +105,13 @@ std::string LogTime() {
   return text.data();
 }
 
+/// How often the text holds the part.
+std::size_t Count(const std::string& text, const std::string& part) {
+  std::size_t count = 0;
+  for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos; at += part.size()) ++count;
+  return count;
+}
+
 /// Arguments that the program does not run with, its status and a part of what it says.
 struct Refusal {
   const char* name;
@@ -418,6 +425,68 @@ TEST_F(HyldenRunCalibration, CalibratesALevelIntoARecordOfBothFiles) {
   EXPECT_EQ(ReadLines(directory_.File("out.hyinfo")).size(), 6U);
 }
 
+/// The everyday sweep, 0.15 to 230 MHz by 1 MHz: the number of its steps is rounded up to 231, the last is at 230.15
+/// MHz.
+/// @param cableLossEndsAt  where the cable loss table ends, MHz
+struct EverydayCase {
+  const char* name;
+  int cableLossEndsAt;
+  const char* calibrated;
+  const char* tested;
+  std::size_t leftOut;  ///< how often that step is told to be left out
+};
+class HyldenRunEveryday : public HyldenRunCalibration, public testing::WithParamInterface<EverydayCase> {};
+
+TEST_P(HyldenRunEveryday, CalibratesAndTestsToItsEnd) {
+  const std::string station = directory_.File("station");
+  std::filesystem::copy(kStation, station);
+  directory_.Write("station/meter-cable.los",
+                   "0.15, 0.05\r\n" + std::to_string(GetParam().cableLossEndsAt) + ", 1.4\r\n");
+  CalSetupRecord setup;
+  LoadRecord(station + "/cdn-10v.csu", setup);
+  setup.StepType = 0, setup.LinearStep = 1;
+  SaveRecord(station + "/everyday.csu", setup, true);
+  TestDefinition test;
+  LoadRecord(station + "/substitution-am.tst", test);
+  test.CalInfoFile = "everyday.hyinfo";
+  test.StopFreq = 230, test.StepType = 0, test.LinearStep = 1, test.MonitorProbe = true;
+  SaveRecord(station + "/everyday.tst", test);
+
+  const std::vector<std::string> bench = {"--equipment", "station.eqp",    "--bench",
+                                          "bench.txt",   "--virtual-time", "--yes"};
+  const auto run = [&](std::vector<std::string> job) {
+    job.insert(job.end(), bench.begin(), bench.end());
+    return HyldenRun(job, {}, station);
+  };
+  const Outcome calibration = run({"--calibrate", "everyday.csu", "--output", "everyday.cal"});
+  EXPECT_EQ(calibration.status, kFinished) << calibration.output;
+  EXPECT_NE(calibration.output.find(GetParam().calibrated), std::string::npos) << calibration.output;
+  const Outcome tested = run({"--test", "everyday.tst", "--output", "everyday.run"});
+  EXPECT_EQ(tested.status, kFinished) << tested.output;
+  EXPECT_NE(tested.output.find(GetParam().tested), std::string::npos) << tested.output;
+  EXPECT_EQ(Count(calibration.output + tested.output, "The last step, 230.15 MHz"), GetParam().leftOut);
+  const std::string kept = directory_.Read("station/everyday.cal") + directory_.Read("station/everyday.run");
+  EXPECT_EQ((calibration.output + tested.output + kept).find("-999"), std::string::npos);
+}
+
+INSTANTIATE_TEST_SUITE_P(, HyldenRunEveryday,
+                         testing::Values(EverydayCase{"where_everything_covers_it", 1000, "231 of 231", "231 of 231",
+                                                      0},
+                                         EverydayCase{"where_a_table_ends_at_230", 230, "230 of 230", "230 of 230", 1}),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(HyldenRunCalibration, TestsByItsRecordLeavingOutTheStepBeyondIt) {
+  TestDefinition test;
+  LoadRecord(std::string(kStation) + "/substitution-am.tst", test);
+  test.StopFreq = 230, test.StepType = 0, test.LinearStep = 1;
+  SaveRecord(directory_.File("everyday.tst"), test);
+  const Outcome outcome = HyldenRun(
+      OnTheBench({"--test", directory_.File("everyday.tst"), "--output", directory_.File("everyday.run")}, {"--yes"}));
+  EXPECT_EQ(outcome.status, kFinished) << outcome.output;
+  EXPECT_EQ(Count(outcome.output, "The last step, 230.15 MHz"), 1U);
+  EXPECT_NE(outcome.output.find("Finished: 230 of 230"), std::string::npos) << outcome.output;
+}
+
 TEST_F(HyldenRunCalibration, TakesTheCouplingFactorOfTheSetupUnlessItIsGivenOne) {
   const std::string setup = Setup(
       [](CalSetupRecord& s) { s.LogStep = 200, s.CalLevel = 1, s.CouplingMethod = 3, s.UserDefinedFactor = 9.5F; });
@@ -485,8 +554,7 @@ TEST_F(HyldenRunCalibration, KeepsEveryReadingOfAHaltedInsertPass) {
   const Outcome outcome = Interrupted(Cable({"--log-step", "0.05", "--yes"}), "Insert pass");
   EXPECT_EQ(outcome.status, kHalted);
   const std::size_t inFile = directory_.Exists("out.los") ? ReadLines(directory_.File("out.los")).size() - 12 : 0;
-  std::size_t printed = 0;
-  for (std::size_t at = 0; (at = outcome.output.find("MHz  direct", at)) != std::string::npos; ++at) ++printed;
+  const std::size_t printed = Count(outcome.output, "MHz  direct");
   EXPECT_GT(printed, 1000U);
   EXPECT_EQ(inFile + printed, 12'563U);
 }

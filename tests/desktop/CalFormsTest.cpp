@@ -237,8 +237,12 @@ TEST_F(CalForms, EscapeHaltsAndClosingWaitsForTheEnd) {
 
 TEST_F(CalForms, RunThatCanNotBePreparedCanNotBeStarted) {
   Cal().Record.StopFreq = 5000;
+  std::string title;
+  dialogs.onShow = [&](const Message&) { title = OpenWindow<frmRunCal>()->windowTitle().toStdString(); };
   const auto form = OpenRun();
   EXPECT_EQ(dialogs.LastText(), "Cable loss file does not cover frequency range");
+  EXPECT_EQ(title, "CDI Calibration: 10 V, 0.15 to 230 MHz");
+  EXPECT_EQ(TextOf(*form, "pnlStatus"), "Not ready: Cable loss file does not cover frequency range");
   EXPECT_FALSE(Find<QWidget>(*form, "cmdStart").isEnabled());
 }
 
