@@ -61,7 +61,7 @@ bool LevelCalibration::Prepare() {
 
 bool LevelCalibration::NotReady(const std::string& text) {
   shell_.dialogs.Tell(text);
-  display_.Status("Not ready: " + text);
+  display_.Status("Not ready: " + text.substr(0, text.find('\r')));
   return false;
 }
 

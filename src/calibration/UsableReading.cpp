@@ -22,7 +22,8 @@ std::string WhyNoReading(const Meter& meter, double levelDbuv) {
   const LastReading& last = meter.Last();
   if (last.Failed) return {};
   if (!last.HasNumber) return Refusal("meter", "holds no number", last.Answer);
-  if (last.Value >= kNoMeasurement) return Refusal("meter", "is no level", last.Answer);
+  // A voltage below 0 has no level either.
+  if (last.Value >= kNoMeasurement || IsMissing(levelDbuv)) return Refusal("meter", "is no level", last.Answer);
   if (IsNoReading(levelDbuv)) return "The level is above the meter's maximum level, check setup";
   return {};
 }

@@ -316,7 +316,17 @@ TEST_F(CableTest, AnAnswerWithoutANumberIsTakenForAReading) {
   EXPECT_EQ(rig.t.dialogs.Texts(), (std::vector<std::string>{"The meter's answer holds no number:\r\n\"ERR 15\"",
                                                              "Run halted due to errors"}));
   EXPECT_FALSE(rig.rfOnAtMessage);
-  EXPECT_EQ(cable.Points().size(), 1U);
+  EXPECT_EQ(Read(&CablePoint::HasDirect), 1);
+}
+
+TEST_F(CableTest, AVoltageBelowZeroIsNoReading) {
+  Redefine(rig.meter, [](auto& d) { d.Units = 0; });  // volts
+  rig.portDb = 10;
+  cable.DirectPass(rig.display);
+  EXPECT_TRUE(rig.t.dialogs.Texts().front().starts_with("The meter's answer is no level:\r\n"));
+  EXPECT_EQ(rig.t.dialogs.LastText(), "Run halted due to errors");
+  EXPECT_EQ(Read(&CablePoint::HasDirect), 0);
+  EXPECT_FALSE(rig.rfOnAtMessage);
 }
 
 TEST_F(CableTest, AnInstrumentThatIsNotThereCostsThePoints) {

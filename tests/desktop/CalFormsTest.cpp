@@ -243,6 +243,7 @@ TEST_F(CalForms, RunThatCanNotBePreparedCanNotBeStarted) {
   EXPECT_EQ(dialogs.LastText(), "Cable loss file does not cover frequency range");
   EXPECT_EQ(title, "CDI Calibration: 10 V, 0.15 to 230 MHz");
   EXPECT_EQ(TextOf(*form, "pnlStatus"), "Not ready: Cable loss file does not cover frequency range");
+  EXPECT_EQ(TextOf(*form, "lblState"), "Not ready");
   EXPECT_FALSE(Find<QWidget>(*form, "cmdStart").isEnabled());
 }
 

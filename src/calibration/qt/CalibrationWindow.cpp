@@ -82,6 +82,7 @@ void CalibrationWindow::SetUpStatusBar() {
     return label;
   };
   statusPanel_ = panel("pnlStatus", "State of the run");
+  statusPanel_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);  // a long reason makes no window wide
   stepPanel_ = panel("pnlStep", "The frequency that was completed last");
   dwellPanel_ = panel("pnlDwell", "What is left of the wait, seconds");
   statusBar()->addWidget(statusPanel_, 1);
@@ -187,7 +188,7 @@ void CalibrationWindow::Running(bool running) {
 void CalibrationWindow::Status(const std::string& text) {
   const QString shown = text.empty() ? QString::fromLatin1(kIdle) : ToQt(text);
   ShowText(*statusPanel_, shown);
-  ShowText(*controls_.State, shown);
+  ShowText(*controls_.State, shown.section(QLatin1Char(':'), 0, 0));  // the reason stands in the status bar
   ClearCountdown();
   ShowRf();
 }
