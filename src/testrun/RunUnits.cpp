@@ -109,9 +109,10 @@ std::string ShownValue(bool possible, Function value) {
 
 ShownLevel ShowTestLevel(double levelDbuv, RunUnit unit, float impedanceOhms) {
   const bool hasImpedance = impedanceOhms > 0;
-  ShownLevel shown{TestLevelCaption(unit), ShownValue(hasImpedance || !NeedsImpedance(unit, RunUnit::DbuV),
-                                                      [&] { return TestLevelValue(levelDbuv, unit, impedanceOhms); })};
-  if (hasImpedance)
+  ShownLevel shown{TestLevelCaption(unit),
+                   ShownValue(!IsMissing(levelDbuv) && (hasImpedance || !NeedsImpedance(unit, RunUnit::DbuV)),
+                              [&] { return TestLevelValue(levelDbuv, unit, impedanceOhms); })};
+  if (hasImpedance && !IsMissing(levelDbuv))
     shown.ToolTip = Format(DbuvToDbua(levelDbuv, impedanceOhms), kLevelPattern) + " dBua current in a " +
                     Format(impedanceOhms, kLevelPattern) + " ohm system";
   else if (NeedsImpedance(unit, RunUnit::DbuV))
@@ -121,7 +122,7 @@ ShownLevel ShowTestLevel(double levelDbuv, RunUnit unit, float impedanceOhms) {
 
 ShownLevel ShowInducedLevel(double levelDbua, double limitDbua, RunUnit unit, float impedanceOhms) {
   ShownLevel shown = InducedCaption(unit);
-  shown.Value = ShownValue(impedanceOhms > 0 || !NeedsImpedance(unit, RunUnit::DbuA),
+  shown.Value = ShownValue(!IsMissing(levelDbua) && (impedanceOhms > 0 || !NeedsImpedance(unit, RunUnit::DbuA)),
                            [&] { return InducedValue(levelDbua, limitDbua, unit, impedanceOhms); });
   return shown;
 }

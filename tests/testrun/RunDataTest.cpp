@@ -158,6 +158,10 @@ TEST(RunUnits, ALevelWithoutAValueIsShownAsNotAvailable) {
   EXPECT_EQ(ShowTestLevel(120, RunUnit::Volts, 0).ToolTip, "");
   EXPECT_EQ(ShowTestLevel(120, RunUnit::Volts, 0).Value, "1.00");
   EXPECT_EQ(ShowInducedLevel(80, 80, RunUnit::Dbm, 0).Value, "na");
+  for (const RunUnit unit : {RunUnit::DbuV, RunUnit::DbuA, RunUnit::Dbm, RunUnit::Milliwatts, RunUnit::Volts}) {
+    EXPECT_EQ(ShowTestLevel(-999, unit, 150).Value + ShowTestLevel(-999, unit, 150).ToolTip, "na");
+    EXPECT_EQ(ShowInducedLevel(-999, 80, unit, 150).Value, "na");
+  }
   EXPECT_EQ(ShowPower(1e6, RunUnit::Watts).Value, "na");
 }
 
