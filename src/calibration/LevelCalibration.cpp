@@ -67,7 +67,7 @@ bool LevelCalibration::NotReady(const std::string& text) {
 
 void LevelCalibration::ForgetRows() {
   rows_.clear();
-  wanted_ = saved_ = false;
+  wanted_ = saved_ = letGo_ = false;
   display_.TableCut(0);
 }
 
@@ -217,12 +217,13 @@ bool LevelCalibration::MayDropRows() {
       shell_.dialogs.Show({"The calibration data has not been saved.\r\nSave it?", question::kSaveCalibration,
                            MessageIcon::Question, MessageButtons::YesNoCancel});
   if (answer == MessageAnswer::Yes) return Save();
-  if (answer == MessageAnswer::No) wanted_ = false;
-  return answer == MessageAnswer::No;
+  letGo_ = answer == MessageAnswer::No;
+  return letGo_;
 }
 
 bool LevelCalibration::Save() {
   wanted_ = true;
+  letGo_ = false;
   const FlagRaised asking(asking_);
   const auto path = shell_.dialogs.SaveFile({"Enter Calibration Filename", "Calibration File (*.cal)|*.cal",
                                              shell_.settings.GetDataDir(datakind::kCalibrations)});

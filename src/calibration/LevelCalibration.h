@@ -71,7 +71,7 @@ class LevelCalibration {
   };
 
   bool Halted() const;
-  bool HasUnsavedRows() const { return !saved_ && CompleteRows(rows_).size() >= 2; }
+  bool HasUnsavedRows() const { return !saved_ && !letGo_ && CompleteRows(rows_).size() >= 2; }
   /// Asks about rows that are not saved, whoever drops them. @return false when they have to stay
   bool MayDropRows();
   /// Asks before a description is replaced that lies beside a new data file.
@@ -131,6 +131,7 @@ class LevelCalibration {
   bool asking_ = false;
   bool wanted_ = false;  ///< the operator asked for the rows to be saved
   bool saved_ = false;
+  bool letGo_ = false;  ///< the operator was asked before the rows were dropped, and does not want them
   RunOutcome outcome_ = RunOutcome::NotRun;
 };
 
