@@ -199,6 +199,7 @@ void LevelCalibration::End() {
 }
 
 void LevelCalibration::AskToSave() {
+  if (rows_.empty()) return;
   const FlagRaised asking(asking_);
   const MessageAnswer answer =
       shell_.dialogs.Show({"Would you like to save the calibration data?", question::kSaveCalibration,

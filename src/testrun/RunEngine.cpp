@@ -1,8 +1,8 @@
 #include "testrun/RunEngine.h"
 
 #include <algorithm>
-#include "calibration/RunQuestions.h"
 
+#include "calibration/RunQuestions.h"
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
 #include "shell/Shell.h"
@@ -153,6 +153,7 @@ void RunEngine::EndRun() {
 }
 
 void RunEngine::AskToSave() {
+  if (run_.data.IsEmpty()) return;
   const MessageAnswer answer =
       run_.shell.dialogs.Show({"Would you like to save the testrun data?", question::kSaveRunData,
                                MessageIcon::Question, MessageButtons::YesNo});
