@@ -1,5 +1,7 @@
 #include "testrun/ManualMode.h"
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "documents/Documents.h"
@@ -45,20 +47,30 @@ void ManualMode::Enter(int step, int highestStep, float constantPeakOffset) {
   highestStep_ = highestStep;
   levelOffset_ = 0;
   constantPeakOffset_ = constantPeakOffset;
+  standing_ = {StepNow().Freq, 0};
+  modulationOn_ = run_.documents.testSetup.Definition.ModType != 0 && !run_.modulationSilenced;
   active_ = true;
+  ShowStep();
 }
 
-void ManualMode::Handle(const std::function<bool()>& change) {
-  if (!active_ || busy_ || run_.shell.delay.HaltRequested()) return;
+float ManualMode::MostRise() const {
+  return static_cast<float>(MaximumIncrement(run_.documents.testSetup.Definition));
+}
+
+bool ManualMode::Handle(const std::function<bool()>& change) {
+  if (!active_ || busy_ || run_.shell.delay.HaltRequested()) return false;
   const FlagRaised busy(busy_);
+  bool applied = false;
   try {
     run_.shell.ForgetFailure();
-    if (!change()) SwitchRfOff();
+    applied = change();
+    if (!applied) SwitchRfOff();
     run_.shell.ShowFailure();
     run_.controls.ManualRf(run_.instruments.sigGen.RfIsOn());
   } catch (const std::exception& error) {
     Trap(error);
   }
+  return applied;
 }
 
 /// The operator's events come in from the windows, so an exception ends here: RF off, and the run is halted.
@@ -81,33 +93,45 @@ bool ManualMode::SetLevel() {
   if (run_.shell.delay.HaltRequested()) return true;
   const float level = StepNow().SigGenLevel + levelOffset_ + constantPeakOffset_;
   if (!run_.instruments.sigGen.SetFreqLevel(StepNow().Freq, level)) return false;
+  standing_ = {StepNow().Freq, levelOffset_};
   run_.display.SigGenLevel(level);
+  ShowLevel();
   return true;
 }
 
-void ManualMode::manStepNumChange(int step) {
-  Handle([&] { return GoToStep(step); });
+/// Also where the generator refuses the step: it is the one that RF comes back with.
+void ManualMode::ShowStep() {
+  run_.controls.ManualFreq(StepNow().Freq);
+  run_.display.Frequency(StepNow().Freq);
+  run_.display.ManualStep(returnStep_, StepNow().Row);
+}
+
+void ManualMode::ShowLevel() {
+  if (!IsMissing(StepNow().TestLevel)) run_.display.TestLevel(StepNow().TestLevel + levelOffset_);
+}
+
+bool ManualMode::manStepNumChange(int step) {
+  return Handle([&] { return GoToStep(step); });
 }
 
 bool ManualMode::GoToStep(int step) {
   const bool reached = step >= 1 && step <= highestStep_ && step <= static_cast<int>(run_.steps.size());
   if (!reached || IsMissing(run_.steps[static_cast<std::size_t>(step - 1)].SigGenLevel)) return true;
   returnStep_ = step;
-  const double frequency = StepNow().Freq;
-  if (run_.documents.equip.Record.HasIfiAmplifier() && !run_.instruments.ifiAmp.IfiSetBand(frequency)) {
+  ShowStep();
+  if (run_.documents.equip.Record.HasIfiAmplifier() && !run_.instruments.ifiAmp.IfiSetBand(StepNow().Freq)) {
     run_.shell.delay.RequestHalt();
     return false;
   }
-  if (!SetLevel()) return false;
-  run_.controls.ManualFreq(frequency);
-  run_.display.Frequency(frequency);
-  return true;
+  return SetLevel();
 }
 
-void ManualMode::manLevOffsetChange(float offsetDb) {
-  Handle([&] {
-    levelOffset_ = offsetDb;
-    return SetLevel();
+bool ManualMode::manLevOffsetChange(float offsetDb) {
+  return Handle([&] {
+    const float before = std::exchange(levelOffset_, offsetDb);
+    const bool taken = SetLevel();
+    if (!taken) levelOffset_ = before;
+    return taken;
   });
 }
 
@@ -127,6 +151,7 @@ bool ManualMode::SwitchRf(bool on) {
 
 void ManualMode::manModOn(bool on) {
   Handle([&] { return SwitchModulation(on); });
+  run_.controls.ManualMod(modulationOn_);
 }
 
 bool ManualMode::SwitchModulation(bool on) {
@@ -134,17 +159,20 @@ bool ManualMode::SwitchModulation(bool on) {
   const TestDefinition& test = run_.documents.testSetup.Definition;
   if (!on) {
     run_.modulationSilenced = true;
-    return sigGen.ModOff();
+    if (!sigGen.ModOff()) return false;
+    modulationOn_ = false;
+    return true;
   }
   const bool constantPeak = test.ModType == static_cast<int>(Modulation::Am) && test.ConstPeak;
   if (constantPeak && !SetLevel()) return false;
   if (!StepRunner::SwitchModulationOn(sigGen, test)) return false;
   run_.modulationSilenced = false;
+  modulationOn_ = true;
   return true;
 }
 
 void ManualMode::manThresholdClick(const std::string& frequencyText, float offsetDb) {
-  if (!active_) return;
+  if (!active_ || busy_) return;
   try {
     const int row = run_.data.AddThreshold(frequencyText, double{offsetDb});
     run_.display.RowChanged(row);
@@ -164,7 +192,7 @@ void ManualMode::manExitClick() {
 void ManualPanel::Open(const ManualStart& start) {
   highestStep_ = start.HighestStep;
   scroll_ = {start.Step, static_cast<int>(start.LevelOffset * 10)};
-  stepChanged_ = levelChanged_ = false;
+  stepChanged_ = levelChanged_ = rising_ = false;
 }
 
 bool ManualPanel::MoveStep(int step) {
@@ -188,8 +216,40 @@ bool ManualPanel::Key(ArrowKey key) {
 
 void ManualPanel::Tick() {
   if (mode_.IsBusy()) return;
-  if (std::exchange(stepChanged_, false)) mode_.manStepNumChange(scroll_.Step);
-  if (std::exchange(levelChanged_, false)) mode_.manLevOffsetChange(OffsetDb());
+  const bool step = std::exchange(stepChanged_, false), level = std::exchange(levelChanged_, false);
+  if (!Apply(step, level)) {
+    EndRise();
+    return;
+  }
+  rising_ = level && OffsetDb() > mode_.LevelOffset();
+  if (rising_) levelChanged_ = true;
+}
+
+bool ManualPanel::Apply(bool step, bool level) {
+  const float offset = std::min(OffsetDb(), mode_.LevelOffset() + mode_.MostRise());
+  // The higher of two levels never stands at the step that it was not meant for.
+  const bool levelFirst = offset < mode_.LevelOffset();
+  if (level && levelFirst && !mode_.manLevOffsetChange(offset)) return false;
+  if (step && !mode_.manStepNumChange(scroll_.Step)) return false;
+  return !level || levelFirst || mode_.manLevOffsetChange(offset);
+}
+
+void ManualPanel::EndRise() {
+  levelChanged_ = rising_ = false;
+  scroll_.OffsetTenths = static_cast<int>(std::lround(mode_.LevelOffset() * 10));
+}
+
+std::optional<ManualStanding> ManualPanel::Threshold() {
+  if (mode_.IsBusy()) return std::nullopt;
+  if (!rising_) Tick();
+  EndRise();
+  return mode_.Standing();
+}
+
+void ManualPanel::Leave() {
+  if (mode_.IsBusy()) return;
+  if (OffsetDb() > mode_.LevelOffset()) EndRise();
+  Tick();
 }
 
 std::string ManualPanel::OffsetText() const {

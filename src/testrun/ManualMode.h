@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "testrun/RunContext.h"
@@ -26,6 +27,12 @@ struct ManualScroll {
 /// nothing.
 ManualScroll MoveByKey(ManualScroll now, ArrowKey key, int highestStep);
 
+/// What stands at the product in manual mode.
+struct ManualStanding {
+  double Freq = 0;   ///< MHz
+  float Offset = 0;  ///< dB from the level reached at the step
+};
+
 /// Manual mode as the run sees it: what the operator's events do to the instruments and the run data. A failing
 /// instrument ends with RF off; nothing raises the level once a halt was requested. Offsets in dB.
 class ManualMode {
@@ -39,20 +46,34 @@ class ManualMode {
   /// An event is being worked on; changes wait for the next tick of the timer.
   bool IsBusy() const { return busy_; }
   int ReturnStep() const { return returnStep_; }
+  /// The last offset that the generator took.
   float LevelOffset() const { return levelOffset_; }
+  /// The last frequency and offset that the generator took.
+  const ManualStanding& Standing() const { return standing_; }
+  /// The most that the level may rise at once: the test's level increment.
+  float MostRise() const;
+  bool ModulationIsOn() const { return modulationOn_; }
 
-  void manStepNumChange(int step);
-  void manLevOffsetChange(float offsetDb);
+  /// Goes to a step that has been run, at the present offset. A generator that refuses stays there with RF off.
+  /// @return false when it was refused or not listened to
+  bool manStepNumChange(int step);
+  /// A generator that refuses ends with RF off, and the offset is the one before.
+  /// @return false when it was refused or not listened to
+  bool manLevOffsetChange(float offsetDb);
   void manRfOn(bool on);
   void manModOn(bool on);
+  /// Notes a threshold and asks for a comment; without one the row stays. Nothing while an event is being worked on:
+  /// nothing stands at the product while the amplifiers change over.
   void manThresholdClick(const std::string& frequencyText, float offsetDb);
   void manExitClick();
 
  private:
-  void Handle(const std::function<bool()>& change);
+  bool Handle(const std::function<bool()>& change);
   void Trap(const std::exception& error);
   bool GoToStep(int step);
   bool SetLevel();
+  void ShowStep();
+  void ShowLevel();
   bool SwitchRf(bool on);
   bool SwitchModulation(bool on);
   void SwitchRfOff();
@@ -65,6 +86,8 @@ class ManualMode {
   int highestStep_ = 1;
   float levelOffset_ = 0;
   float constantPeakOffset_ = 0;
+  ManualStanding standing_;
+  bool modulationOn_ = false;
 };
 
 /// Manual mode as the operator's form holds it: the scroll bars and what has changed since the last tick of its timer.
@@ -77,8 +100,13 @@ class ManualPanel {
   bool MoveStep(int step);
   bool MoveOffset(int tenths);
   bool Key(ArrowKey key);
-  /// The timer: applies what has changed, the step before the level.
+  /// The timer: applies what has changed, the lower of two levels first. A rise takes as many ticks as the test's level
+  /// increment makes of it; what the generator refuses is given up, and the bar goes back to what stands.
   void Tick();
+  /// What a threshold notes: what waits is applied, a rise under way ends here. None while an event is being worked on.
+  std::optional<ManualStanding> Threshold();
+  /// The test goes on: a step that waits is gone to, but nothing is raised any more.
+  void Leave();
 
   const ManualScroll& Scroll() const { return scroll_; }
   int HighestStep() const { return highestStep_; }
@@ -86,11 +114,15 @@ class ManualPanel {
   std::string OffsetText() const;
 
  private:
+  bool Apply(bool step, bool level);
+  void EndRise();
+
   ManualMode& mode_;
   ManualScroll scroll_;
   int highestStep_ = 1;
   bool stepChanged_ = false;
   bool levelChanged_ = false;
+  bool rising_ = false;  ///< the last tick left a part of the rise to the next one
 };
 
 }  // namespace hylden

@@ -9,6 +9,7 @@ struct ManualStart {
   float LevelOffset = 0;  ///< dB
   double Freq = 0;        ///< MHz
   bool ModEnabled = false;
+  bool ModOn = false;
   bool RfOn = false;
 };
 
@@ -36,6 +37,8 @@ class RunControls {
   virtual void ManualFreq(double) {}
   /// Whether RF is on, after manual mode changed it or an instrument refused.
   virtual void ManualRf(bool) {}
+  /// Whether the modulation is on, after manual mode was to change it.
+  virtual void ManualMod(bool) {}
 };
 
 }  // namespace hylden

@@ -17,6 +17,8 @@ class RunDisplay : public CountdownWindow {
   void Countdown(double /*seconds*/) override {}
   virtual void Status(const std::string& /*text*/) {}
   virtual void Step(int /*step*/) {}
+  /// Manual mode went to this step; its row of the run data is the one to look at until manual mode ends.
+  virtual void ManualStep(int /*step*/, int /*row*/) {}
   virtual void Frequency(double /*frequencyMHz*/) {}
   virtual void SigGenLevel(float /*levelDbm*/) {}
   virtual void TestLevel(float /*levelDbuv*/) {}

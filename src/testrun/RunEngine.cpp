@@ -123,6 +123,7 @@ void RunEngine::OpenManual() {
                             .LevelOffset = 0,
                             .Freq = run_.steps[static_cast<std::size_t>(currentStep_ - 1)].Freq,
                             .ModEnabled = test.ModType != 0,
+                            .ModOn = manual_.ModulationIsOn(),
                             .RfOn = run_.instruments.sigGen.RfIsOn()});
   run_.display.Status("Manual Mode");
   run_.controls.ButtonsVisible(false);

@@ -3,6 +3,7 @@
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
 #include "shell/Shell.h"
+#include "text/Pattern.h"
 
 namespace hylden {
 
@@ -161,13 +162,27 @@ bool StepRunner::SwitchModulationOn(SigGen& sigGen, const TestDefinition& test) 
 }
 
 bool StepRunner::HoldForDwell() {
-  if (run_.manualRequested) return !Halted();
-  run_.display.Status("Finishing Final Dwell...");
-  return run_.shell.delay.WaitDelay(true, &run_.display) && !Halted();
+  if (!run_.manualRequested) {
+    run_.display.Status("Finishing Final Dwell...");
+    if (!run_.shell.delay.WaitDelay(true, &run_.display)) return false;
+  }
+  if (Halted()) return false;
+  if (run_.manualRequested) LogCutDwell();
+  return true;
+}
+
+/// The record shows the step as run; the log tells that the product was not exposed for the whole dwell.
+void StepRunner::LogCutDwell() {
+  const double held = static_cast<double>(run_.shell.clock.TickMs() - state_.DwellStartMs) / 1000;
+  if (held >= state_.Dwell) return;
+  run_.shell.log.LogFile("Dwell cut short by Manual at " + Format(state_.Freq, "#0.0#####") + " MHz: held " +
+                         Format(held, "##0.0##") + " s of " + Format(state_.Dwell, "##0.0##") + " s");
 }
 
 void StepRunner::Record(PlanStep& step) {
   step.SigGenLevel = DriveLevel();
+  step.TestLevel = state_.Targets.TestLevel;
+  step.Row = state_.Row;
   previous_ = {state_.Freq, state_.KeptOffset};
   state_.Result.SigGenLevel = step.SigGenLevel;
   run_.data.FillStep(state_.Row, state_.Result);
@@ -182,6 +197,7 @@ bool StepRunner::Wait(double seconds, const std::string& status) {
 
 void StepRunner::StartDwell() {
   run_.shell.delay.StartDelay(state_.Dwell);
+  state_.DwellStartMs = run_.shell.clock.TickMs();
 }
 
 void StepRunner::Mark(bool& mark, RunDisplay::Quantity quantity) {

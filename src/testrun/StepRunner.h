@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -45,6 +46,7 @@ class StepRunner {
     ProbePath Probe = {};
     StepResult Result = {};
     bool RfSwitchedOff = false;
+    std::int64_t DwellStartMs = 0;  ///< when the level was reached
   };
 
   const TestDefinition& Test() const;
@@ -85,6 +87,7 @@ class StepRunner {
 
   bool Wait(double seconds, const std::string& status);
   void StartDwell();
+  void LogCutDwell();
   void Mark(bool& mark, RunDisplay::Quantity quantity);
   void SwitchRfOff();
   /// RF off, then the message; false.

@@ -31,12 +31,14 @@ struct ManualTest : testing::Test {
   RunRig rig;
   ManualPanel panel{rig.engine.Manual()};
   std::vector<std::function<void()>> manual;
+  std::function<void()> onYield;  ///< besides
   std::size_t sentBefore = 0;
 
   void SetUp() override { rig.test.InitLevOffset = -6; }
 
   void Run() {
-    rig.t.events.onYield = [this, next = std::size_t{0}, asked = false]() mutable {
+    rig.t.events.onYield = [this, next = std::size_t{0}, asked = false, other = onYield]() mutable {
+      if (other) other();
       if (!asked && rig.engine.CurrentStepNumber() == 2) {
         asked = true;
         rig.commands.Manual();
@@ -77,20 +79,138 @@ TEST_F(ManualTest, OpensAfterTheStepAndTheRunGoesOn) {
   EXPECT_EQ(rig.Rows().size(), 3U);
 }
 
-TEST_F(ManualTest, ChangesWaitForTheTimerAndTheStepComesFirst) {
+TEST_F(ManualTest, ChangesWaitForTheTimerAndTheLowerLevelComesFirst) {
+  std::vector<std::string> up, down;
   manual = {[&] {
               EXPECT_TRUE(panel.MoveOffset(15));
               EXPECT_TRUE(panel.MoveStep(1));
               EXPECT_EQ(panel.OffsetText(), "1.5");
               EXPECT_EQ(rig.Sent(18).size(), sentBefore);
             },
-            [&] { panel.Tick(); }, [&] { panel.Tick(); }};
+            [&] { panel.Tick(); },
+            [&] {
+              panel.Tick();  // nothing has changed since
+              up = Sent();
+              panel.MoveStep(2);
+              panel.MoveOffset(-5);
+              panel.Tick();
+              down = Sent();
+              down.erase(down.begin(), down.begin() + static_cast<std::ptrdiff_t>(up.size()));
+            }};
   Run();
-  const auto sent = Sent();
-  EXPECT_EQ(sent[0], "POW -10.0 DBM");  // the lower level first, then the frequency
-  EXPECT_EQ(sent[1], "FREQ 1.0 MHZ");
-  EXPECT_EQ(sent[2], "POW -8.5 DBM");
-  EXPECT_EQ(rig.controls.manualFreq, 1);
+  EXPECT_THAT(up, ElementsAre("POW -10.0 DBM", "FREQ 1.0 MHZ", "POW -8.5 DBM"));
+  EXPECT_THAT(down, ElementsAre("POW -10.5 DBM", "FREQ 2.0 MHZ", "POW -8.5 DBM"));
+}
+
+TEST_F(ManualTest, TheLevelRisesByTheTestsIncrementPerTickAndFallsAtOnce) {
+  rig.test.LevelInc = 4;
+  manual = {[&] {
+    panel.MoveOffset(kHighestOffsetTenths);
+    for (int tick = 0; tick < 4; ++tick) panel.Tick();
+    panel.MoveOffset(-80);
+    panel.Tick();
+  }};
+  Run();
+  auto sent = Sent();
+  sent.resize(4);
+  EXPECT_THAT(sent, ElementsAre("POW -4.0 DBM", "POW 0.0 DBM", "POW 2.0 DBM", "POW -16.0 DBM"));
+}
+
+TEST_F(ManualTest, AThresholdNotesWhatStandsAndEndsTheRise) {
+  manual = {[&] {
+    panel.MoveOffset(95);
+    panel.Tick();
+    const auto standing = panel.Threshold();
+    ASSERT_TRUE(standing);
+    EXPECT_EQ(standing->Freq, 2);
+    EXPECT_EQ(standing->Offset, 6);
+    EXPECT_EQ(panel.OffsetText(), "6.0") << "the bar goes back to what stands";
+    panel.Tick();
+    EXPECT_EQ(rig.generatorDbm, -8 + 6);
+  }};
+  Run();
+}
+
+TEST_F(ManualTest, TheDisplayShowsTheStepAndOffsetThatStand) {
+  manual = {[&] {
+    EXPECT_EQ(rig.display.manual, std::pair(2, 2));
+    panel.MoveStep(1);
+    panel.MoveOffset(-15);
+    panel.Tick();
+    EXPECT_EQ(rig.display.manual, std::pair(1, 1));
+    EXPECT_EQ(rig.display.testLevel, 118.5);
+    EXPECT_EQ(rig.display.frequencies.back(), 1);
+  }};
+  Run();
+}
+
+TEST_F(ManualTest, ARefusedStepShowsTheFrequencyThatRfComesBackWith) {
+  manual = {[&] {
+    rig.bus.FailLine("> 18 FREQ", gpib::kEnol);
+    panel.MoveStep(1);
+    panel.Tick();
+    EXPECT_FALSE(rig.rfOn);
+    EXPECT_EQ(rig.controls.manualFreq, 1);
+    EXPECT_EQ(rig.display.frequencies.back(), 1);
+    EXPECT_EQ(panel.Threshold()->Freq, 2) << "the product never saw the other";
+    rig.engine.Manual().manRfOn(true);
+    EXPECT_TRUE(rig.rfOn);
+    EXPECT_EQ(rig.frequencyMHz, 1);
+    EXPECT_EQ(panel.Threshold()->Freq, 1);
+  }};
+  Run();
+}
+
+TEST_F(ManualTest, ARefusedOffsetIsGivenUp) {
+  rig.test.LevelInc = 10;
+  Redefine(rig.sigGen, [](auto& d) { d.MaximumLevel = 0; });
+  manual = {[&] {
+    panel.MoveOffset(70);
+    panel.Tick();
+    panel.MoveOffset(90);
+    panel.Tick();
+    EXPECT_FALSE(rig.rfOn);
+    EXPECT_EQ(panel.OffsetText(), "7.0");
+    for (int tick = 0; tick < 3; ++tick) panel.Tick();
+    EXPECT_EQ(rig.Shown("Level requested outside of range of instrument"), 1);
+    EXPECT_EQ(panel.Threshold()->Offset, 7);
+    rig.engine.Manual().manRfOn(true);
+    EXPECT_EQ(rig.generatorDbm, -1);
+  }};
+  Run();
+}
+
+TEST_F(ManualTest, ReturningRaisesNothingAnyMore) {
+  manual = {[&] {
+    panel.MoveStep(1);
+    panel.MoveOffset(50);
+    panel.Leave();
+    EXPECT_EQ(rig.engine.Manual().ReturnStep(), 1);
+  }};
+  Run();
+  EXPECT_EQ(rig.highestAt[1], -10);
+}
+
+TEST_F(ManualTest, NoThresholdWhileTheAmplifiersChangeOver) {
+  rig.UseIfi(1.5);
+  bool changingOver = false;
+  manual = {[&] {
+    changingOver = true;
+    panel.MoveStep(1);
+    panel.Tick();
+    changingOver = false;
+  }};
+  int asked = 0;
+  onYield = [&] {
+    if (!changingOver) return;
+    ++asked;
+    EXPECT_FALSE(panel.Threshold());
+    rig.engine.Manual().manThresholdClick("2.0", 0);
+  };
+  Run();
+  EXPECT_GT(asked, 0);
+  EXPECT_TRUE(rig.t.dialogs.inputs.empty());
+  EXPECT_EQ(rig.Rows().size(), 4U) << "three steps, the second of them twice";
 }
 
 TEST_F(ManualTest, OnlyStepsThatWereRunCanBeReached) {
@@ -120,14 +240,31 @@ TEST_F(ManualTest, RfAndModulationFollowTheOperator) {
   manual = {[&] { rig.engine.Manual().manModOn(false); }, [&] { rig.engine.Manual().manRfOn(false); },
             [&] {
               EXPECT_FALSE(rig.controls.manualRf);
+              EXPECT_FALSE(rig.controls.manualMod);
               rig.engine.Manual().manLevOffsetChange(-3);
             },
             [&] { rig.engine.Manual().manRfOn(true); }, [&] { rig.engine.Manual().manModOn(true); }};
   Run();
-  EXPECT_TRUE(rig.controls.opened.ModEnabled);
+  EXPECT_TRUE(rig.controls.opened.ModEnabled && rig.controls.opened.ModOn && rig.controls.manualMod);
   auto sent = Sent();
   sent.resize(5);
   EXPECT_THAT(sent, ElementsAre("MOD OFF", "OUTP OFF", "POW -16.1 DBM", "OUTP ON", "AM ON"));
+}
+
+TEST_F(ManualTest, ModulationThatTheGeneratorRefusesIsNotShownAsSwitched) {
+  rig.UseAm(true, false);
+  manual = {[&] {
+    rig.bus.FailLine("> 18 MOD OFF", gpib::kEnol);
+    rig.engine.Manual().manModOn(false);
+    EXPECT_TRUE(rig.controls.manualMod);
+    rig.engine.Manual().manModOn(false);
+    EXPECT_FALSE(rig.controls.manualMod);
+    rig.bus.FailLine("> 18 AM ON", gpib::kEnol);
+    rig.engine.Manual().manModOn(true);
+    EXPECT_FALSE(rig.controls.manualMod);
+    EXPECT_FALSE(rig.rfOn);
+  }};
+  Run();
 }
 
 TEST_F(ManualTest, ModulationSwitchedOffByHandIsBackForTheNextStep) {

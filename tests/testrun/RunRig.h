@@ -3,6 +3,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/StationRig.h"
@@ -21,7 +22,9 @@ class RecordingDisplay : public RunDisplay {
   }
   void Step(int step) override { steps.push_back(step); }
   void Frequency(double frequencyMHz) override { frequencies.push_back(frequencyMHz); }
+  void ManualStep(int step, int row) override { manual = {step, row}; }
   void SigGenLevel(float levelDbm) override { levels.push_back(levelDbm); }
+  void TestLevel(float levelDbuv) override { testLevel = levelDbuv; }
   void InducedLevel(double levelDbua, double limitDbua) override {
     induced = levelDbua;
     limit = limitDbua;
@@ -43,7 +46,8 @@ class RecordingDisplay : public RunDisplay {
   std::vector<double> frequencies, elapsed, remaining;
   std::vector<float> levels;
   std::map<Quantity, bool> highlights;
-  double induced = 0, limit = 0, power = 0, estimatedMinutes = 0;
+  std::pair<int, int> manual;  ///< step and row
+  double testLevel = 0, induced = 0, limit = 0, power = 0, estimatedMinutes = 0;
   int planned = 0;
 };
 
@@ -63,11 +67,12 @@ class RecordingControls : public RunControls {
   void CloseManual() override { calls.push_back("manual closed"); }
   void ManualFreq(double frequencyMHz) override { manualFreq = frequencyMHz; }
   void ManualRf(bool on) override { manualRf = on; }
+  void ManualMod(bool on) override { manualMod = on; }
 
   std::vector<std::string> calls;
   ManualStart opened;
   double manualFreq = 0;
-  bool manualRf = false;
+  bool manualRf = false, manualMod = false;
 };
 
 /// A station with a test run. The probe reads 90 dB over the generator's level. The test definition holds three steps,
