@@ -54,7 +54,7 @@ void RunEngine::Reset() {
   run_.display.RowChanged(-1);
   for (PlanStep& step : run_.steps) step.SigGenLevel = PlanStep{}.SigGenLevel;
   ended_.assign(run_.steps.size(), {});
-  currentStep_ = highestStep_ = 0;
+  currentStep_ = highestStep_ = timedSteps_ = 0;
   run_.manualRequested = run_.modulationSilenced = false;
   stepRunner_.StartRun();
 }
@@ -73,13 +73,11 @@ void RunEngine::Sweep() {
   const int count = static_cast<int>(run_.steps.size());
   for (currentStep_ = 1; currentStep_ <= count; ++currentStep_) {
     if (Halted()) return;
-    // The first step is not timed: it starts from far below the level.
-    if (currentStep_ == 2) elapsed_.Start();
     run_.display.Step(currentStep_);
-    if (!RunStep(currentStep_ == 1)) return;
+    if (!RunTimedStep()) return;
     highestStep_ = std::max(highestStep_, currentStep_);
     if (run_.manualRequested && !ManualPhase()) return;
-    if (currentStep_ >= 3) ShowTimes();
+    if (timedSteps_ >= 2) ShowTimes();
   }
   currentStep_ = count;
   outcome_ = RunOutcome::Finished;
@@ -95,19 +93,29 @@ bool RunEngine::RunStep(bool first) {
   return true;
 }
 
+bool RunEngine::RunTimedStep() {
+  const bool first = currentStep_ == 1;
+  if (!first && timedSteps_ == 0) elapsed_.Start();
+  if (!RunStep(first)) return false;
+  if (!first) ++timedSteps_;
+  return true;
+}
+
 void RunEngine::ShowTimes() {
   const double minutes = elapsed_.Minutes();
-  const int timed = currentStep_ - 1;
+  const double left = static_cast<double>(run_.steps.size()) - (currentStep_ - 1);
   run_.display.Elapsed(minutes);
-  run_.display.Remaining((static_cast<double>(run_.steps.size()) - timed) * minutes / timed);
+  run_.display.Remaining(left * minutes / timedSteps_);
 }
 
 bool RunEngine::ManualPhase() {
+  elapsed_.Pause();
   OpenManual();
   while (manual_.IsActive() && !Halted()) run_.shell.delay.Yield();
   const bool halted = Halted();
   if (!halted) run_.shell.log.LogFile("Manual mode exited, test continued");
   CloseManual();
+  elapsed_.Resume();
   if (halted) return false;
   currentStep_ = manual_.ReturnStep();
   stepRunner_.ResumeFrom(ended_[static_cast<std::size_t>(currentStep_ - 1)]);

@@ -24,6 +24,8 @@ enum class RunReadiness {
 class RunEngine {
  public:
   RunEngine(Shell& shell, Instruments& instruments, Documents& documents, RunDisplay& display, RunControls& controls);
+  RunEngine(const RunEngine&) = delete;
+  RunEngine& operator=(const RunEngine&) = delete;
 
   /// Plans the steps, loads the calibration record and the factor tables, and sets the run data up afresh. What fails
   /// has been shown.
@@ -55,6 +57,7 @@ class RunEngine {
   bool ManualPhase();
   void OpenManual();
   void CloseManual();
+  bool RunTimedStep();
   void ShowTimes();
   void EndRun();
   void AskToSave();
@@ -70,7 +73,8 @@ class RunEngine {
   bool manualOpen_ = false;
   int currentStep_ = 0;
   int highestStep_ = 0;
-  ElapsedTime elapsed_;
+  ElapsedTime elapsed_;  ///< without manual mode
+  int timedSteps_ = 0;   ///< steps that it covers; not the first, which starts from far below the level
 };
 
 }  // namespace hylden

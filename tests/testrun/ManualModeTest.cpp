@@ -341,5 +341,62 @@ TEST_F(ManualTest, TheManualButtonCutsALongDwellToOneIntermediateDwell) {
   EXPECT_EQ(rig.controls.opened.Step, 1);
 }
 
+TEST_F(ManualTest, TheRunLogTellsHowLongACutDwellWasHeld) {
+  const WorkingDirectory here(rig.t.directory.Path());
+  rig.t.shell.settings.Store().SaveSettingStr("System", "LogToFile", "1");
+  rig.test.SweepDwell = 60;
+  ASSERT_EQ(rig.Prepare(), RunReadiness::Ready);
+  rig.AtStatus(
+      "Intermediate dwell...",
+      [&] {
+        const std::int64_t levelReached = rig.t.clock.TickMs();
+        rig.t.events.At(levelReached + 1500, [&] { rig.commands.Manual(); });
+        rig.t.events.At(levelReached + 2100, [&] { rig.engine.Manual().manExitClick(); });
+      },
+      4);
+  rig.engine.RunCdiTest();
+  const std::string log = rig.t.directory.Read("runlog.hyl");
+  EXPECT_THAT(log, testing::HasSubstr("Dwell cut short by Manual at 2.0 MHz: held 2.0 s of 60.0 s\r\n"));
+  EXPECT_EQ(log.find("cut short"), log.rfind("cut short")) << "the others were held to their end";
+}
+
+TEST_F(ManualTest, ElapsedAndRemainingTimeLeaveManualModeOut) {
+  std::vector<double> elapsed, remaining;
+  for (const std::int64_t minutes : {0, 10}) {
+    SCOPED_TRACE(minutes);
+    RunRig timed;
+    timed.test.StopFreq = 3;
+    timed.test.StepType = 0;
+    timed.test.LinearStep = 0.25;
+    ASSERT_EQ(timed.Prepare(), RunReadiness::Ready);
+    timed.t.events.onYield = [&, asked = false]() mutable {
+      if (!asked && timed.engine.CurrentStepNumber() == 4) {
+        asked = true;
+        timed.commands.Manual();
+      }
+      if (!timed.engine.Manual().IsActive()) return;
+      timed.t.clock.Advance(minutes * 60000);
+      timed.engine.Manual().manExitClick();
+    };
+    timed.engine.RunCdiTest();
+    elapsed.push_back(timed.display.elapsed.back());
+    remaining.push_back(timed.display.remaining.at(timed.display.remaining.size() - 3));
+  }
+  EXPECT_NEAR(elapsed[0], elapsed[1], 0.01);
+  EXPECT_NEAR(remaining[0], remaining[1], 0.01);
+}
+
+TEST_F(ManualTest, StepsThatAreRunAgainCountInTheTimePerStep) {
+  rig.test.InitLevOffset = 0;
+  manual = {[&] {
+    panel.MoveStep(1);
+    panel.Tick();
+  }};
+  Run();
+  // Steps 2, 2 and 3 are timed, 2.5 s each but for the cut dwell; after the last, one step is still counted as left.
+  const double minutes = rig.display.elapsed.back();
+  EXPECT_NEAR(*(rig.display.remaining.end() - 2), minutes / 3, 1e-9);
+}
+
 }  // namespace
 }  // namespace hylden
