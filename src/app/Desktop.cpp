@@ -50,7 +50,7 @@ Desktop::Desktop(Shell& shell, Instruments& instruments, Documents& documents, D
   connect(menu_.get(), &TopMenu::BenchRequested, this, &Desktop::ShowBenchPanel);
   connect(menu_.get(), &TopMenu::HelpRequested, this, &Desktop::ShowHelp);
   connect(bench_.get(), &BenchWindows::HelpRequested, this, &Desktop::ShowHelp);
-  connect(bench_.get(), &BenchWindows::EscapePressed, this, [this] { HaltOrClose([this] { bench_->ClosePanel(); }); });
+  connect(bench_.get(), &BenchWindows::EscapePressed, this, &Desktop::EscapeInPanel);
   connect(menu_.get(), &TopMenu::Closed, this, [this] {
     if (help_) help_->close();
     bench_->ClosePanel();
@@ -177,12 +177,12 @@ void Desktop::ShowBenchPanel() {
   bench_->ShowPanel();
 }
 
-/// Beside a run Escape is Halt in every window; only without one it closes the window that it was pressed in.
-void Desktop::HaltOrClose(const std::function<void()>& close) {
+/// While a run is on, Escape is Halt in the bench panel; without one it closes it.
+void Desktop::EscapeInPanel() {
   if (shell_.InstrumentsClaimed())
     emit EscapePressed();
   else
-    close();
+    bench_->ClosePanel();
 }
 
 void Desktop::KeepBeside() {
@@ -196,7 +196,6 @@ bool Desktop::LoadHelp() {
   const QString beside = QCoreApplication::applicationDirPath() + QStringLiteral("/") + ToQt(FileNameOnly(helpFile_));
   if (!help->LoadFile(ToQt(helpFile_)) && !help->LoadFile(beside)) return false;
   help->setWindowIcon(menu_->windowIcon());
-  connect(help.get(), &frmHelp::EscapePressed, this, [this] { HaltOrClose([this] { help_->close(); }); });
   help_ = std::move(help);
   return true;
 }

@@ -115,8 +115,7 @@ class Desktop : public QObject, private StartUpSteps {
   void RefuseEnd();
   void OpenCableRun(QWidget* caller);
   bool LoadHelp();
-  /// Escape in a window that stands beside the work.
-  void HaltOrClose(const std::function<void()>& close);
+  void EscapeInPanel();
   void KeepBeside();
   void ShowAvailable();
   void CloseNext();

@@ -153,10 +153,19 @@ void frmHelp::MarkPlaces(const QString& text) {
 }
 
 void frmHelp::keyPressEvent(QKeyEvent* event) {
-  if (event->key() == Qt::Key_Escape)
-    emit EscapePressed();
-  else
+  if (event->key() != Qt::Key_Escape)
     QMainWindow::keyPressEvent(event);
+  else if (!event->isAutoRepeat())
+    LeaveSearchOrClose();
+}
+
+void frmHelp::LeaveSearchOrClose() {
+  if (!ui_->txtSearch->hasFocus() || ui_->txtSearch->text().isEmpty()) {
+    close();
+    return;
+  }
+  ui_->txtSearch->clear();
+  ui_->txtHelp->setFocus();
 }
 
 }  // namespace hylden

@@ -29,10 +29,6 @@ class frmHelp : public QMainWindow {
   /// none or the text is empty.
   void OpenTopic(const QString& topic);
 
- signals:
-  /// Whoever opened the window knows whether the key means it or a run.
-  void EscapePressed();
-
  protected:
   void keyPressEvent(QKeyEvent* event) override;
 
@@ -45,6 +41,7 @@ class frmHelp : public QMainWindow {
   void Follow(const QUrl& link);
   void FindNext();
   void MarkPlaces(const QString& text);
+  void LeaveSearchOrClose();
 
   std::unique_ptr<Ui::frmHelp> ui_;
   QMap<QString, int> topics_, anchors_;    ///< places in the text

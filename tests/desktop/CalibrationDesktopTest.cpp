@@ -124,8 +124,6 @@ TEST_P(HelpBesideAModalRun, LeavesHaltInReach) {
   Press(passes, "cmdDirect");
   EXPECT_FALSE(RfIsOn());
   EXPECT_EQ(m.ActionsLeft(), 1U);
-  EXPECT_NE(OpenWindow<frmHelp>(), nullptr) << "Escape was Halt";
-
   passes.close();
   Opened<frmCblSetup>().close();
   Opened<frmEquipment>().close();
@@ -133,15 +131,38 @@ TEST_P(HelpBesideAModalRun, LeavesHaltInReach) {
   ClickOnScreen(desktop->Menu(), "cmdConfigSys");
   EXPECT_NE(OpenWindow<frmEquipment>(), nullptr) << "the manual locks nothing";
   QTest::keyClick(Opened<frmHelp>().windowHandle(), Qt::Key_Escape);
-  EXPECT_EQ(OpenWindow<frmHelp>(), nullptr) << "without a run Escape closes it";
+  EXPECT_EQ(OpenWindow<frmHelp>(), nullptr);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     , HelpBesideAModalRun,
     testing::Values(HaltCase{"button", [](frmRunCablCal& passes, frmHelp&) { ClickOnScreen(passes, "cmdHalt"); }},
-                    HaltCase{"escape", [](frmRunCablCal&,
-                                          frmHelp& help) { QTest::keyClick(help.windowHandle(), Qt::Key_Escape); }}),
+                    HaltCase{"escape", [](frmRunCablCal& passes,
+                                          frmHelp&) { QTest::keyClick(passes.windowHandle(), Qt::Key_Escape); }}),
     [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(CalibrationDesktop, EscapeInTheManualLeavesItsSearchAndThenTheManualButNotTheRun) {
+  std::filesystem::copy_file(HYLDEN_SOURCE_DIR "/help/hylden.md", m.directory.File("hylden.hlp"));
+  desktop->OpenCalibrationSetup();
+  Press(Opened<frmCalSetup>(), "cmdStart");
+  auto& run = Opened<frmRunCal>();
+  m.When([&] { return RfIsOn(); }, [&] { QTest::keyClick(&run, Qt::Key_F1); });
+  m.When([&] { return OpenWindow<frmHelp>() != nullptr; },
+         [&] {
+           auto& manual = Opened<frmHelp>();
+           auto& search = Find<QLineEdit>(manual, "txtSearch");
+           search.setFocus();
+           QTest::keyClicks(&search, "halt");
+           QTest::keyClick(&search, Qt::Key_Escape);
+           EXPECT_TRUE(search.text().isEmpty() && manual.isVisible());
+           QTest::keyClick(&manual, Qt::Key_Escape);
+           EXPECT_FALSE(manual.isVisible());
+           EXPECT_FALSE(m.station.shell.delay.HaltRequested());
+           run.PressHalt();
+         });
+  Press(run, "cmdStart");
+  EXPECT_EQ(m.ActionsLeft(), 0U);
+}
 
 TEST_F(CalibrationDesktop, EndOfTheProgramHaltsALevelRunAndKeepsItsQuestionStanding) {
   desktop->OpenCalibrationSetup();

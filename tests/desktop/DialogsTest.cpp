@@ -80,18 +80,30 @@ TEST(QtDialogs, PointsAtABoxWhileTheProgramIsBusy) {
   EXPECT_EQ(shape(), -1);
 }
 
-TEST(QtDialogs, EnterHeldDownFromBeforeAnswersNothing) {
+class HeldKeyTest : public testing::TestWithParam<Qt::Key> {};
+
+TEST_P(HeldKeyTest, HeldDownFromBeforeAnswersNothing) {
   QtDialogs dialogs;
+  int halts = 0;
+  dialogs.onEscape = [&] { ++halts; };
   OnModalWindow([](QWidget& window) {
     auto& box = dynamic_cast<QMessageBox&>(window);
     for (QObject* const target : {static_cast<QObject*>(box.button(QMessageBox::Ok)), static_cast<QObject*>(&box)}) {
-      QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QStringLiteral("\r"), true);
+      QKeyEvent held(QEvent::KeyPress, GetParam(), Qt::NoModifier, QString(), true);
       QCoreApplication::sendEvent(target, &held);
       EXPECT_TRUE(box.isVisible());
     }
     box.button(QMessageBox::Cancel)->click();
   });
   EXPECT_EQ(dialogs.Show({"Sure?", {}, MessageIcon::None, MessageButtons::OkCancel}), MessageAnswer::Cancel);
+  EXPECT_EQ(halts, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(, HeldKeyTest, testing::Values(Qt::Key_Return, Qt::Key_Escape),
+                         [](const auto& row) { return row.param == Qt::Key_Return ? "enter" : "escape"; });
+
+TEST(QtDialogs, EnterAnswers) {
+  QtDialogs dialogs;
   OnModalWindow([](QWidget& box) { QTest::keyClick(&box, Qt::Key_Return); });
   EXPECT_EQ(dialogs.Show({"Sure?", {}, MessageIcon::None, MessageButtons::OkCancel}), MessageAnswer::Ok);
 }
@@ -105,8 +117,14 @@ TEST(QtDialogs, InputBoxTellsCancelFromEmptyText) {
     QTest::keyClick(edit, Qt::Key_Return);
   });
   EXPECT_EQ(dialogs.InputBox("Level", "", "10"), std::optional<std::string>(""));
-  OnModalWindow([](QWidget& box) { QTest::keyClick(&box, Qt::Key_Escape); });
+  int halts = 0;
+  dialogs.onEscape = [&] { ++halts; };
+  OnModalWindow([](QWidget& box) {
+    EXPECT_GE(box.width(), 400) << "no room for a comment";
+    QTest::keyClick(&box, Qt::Key_Escape);
+  });
   EXPECT_EQ(dialogs.InputBox("Level", "", "10"), std::nullopt);
+  EXPECT_EQ(halts, 0) << "in a text Escape just leaves the text";
 }
 
 TEST(QtDialogs, SavesUnderANameThatCarriesTheKindsEnding) {

@@ -235,13 +235,6 @@ INSTANTIATE_TEST_SUITE_P(
                  [](frmRunTest& form, frmRunButtons&) {
                    QTest::keyClick(&Find<QPushButton>(form, "cmdManual"), Qt::Key_Escape);
                  }},
-        HaltCase{"escape_in_a_menu", false,
-                 [](frmRunTest& form, frmRunButtons&) {
-                   QMenu& menu = OpenUnitsMenu(form);
-                   EXPECT_TRUE(menu.isVisible());
-                   QTest::keyClick(&menu, Qt::Key_Escape);
-                   EXPECT_FALSE(menu.isVisible());
-                 }},
         HaltCase{"escape_in_a_box", false, [](frmRunTest& form, frmRunButtons&) { form.PressHalt(); }},
         HaltCase{"run_window_closed", true, [](frmRunTest& form, frmRunButtons&) { EXPECT_FALSE(form.close()); }},
         HaltCase{"buttons_closed", true, [](frmRunTest&, frmRunButtons& buttons) { EXPECT_FALSE(buttons.close()); }}),

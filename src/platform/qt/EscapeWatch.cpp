@@ -1,8 +1,8 @@
 #include "platform/qt/EscapeWatch.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QKeyEvent>
-#include <QMenu>
+#include <QMenuBar>
 #include <utility>
 
 namespace hylden {
@@ -22,14 +22,12 @@ bool EscapeWatch::eventFilter(QObject* watched, QEvent* event) {
   const bool asked = event->type() == QEvent::ShortcutOverride;
   if ((!asked && event->type() != QEvent::KeyPress) || static_cast<QKeyEvent*>(event)->key() != Qt::Key_Escape)
     return false;
-  if (qobject_cast<QMenu*>(watched)) {
-    if (!asked) onEscape_();
-    return false;  // the menu closes, too
-  }
+  const bool menu = QApplication::activePopupWidget() || qobject_cast<QMenuBar*>(watched);
   const auto* const widget = qobject_cast<const QWidget*>(watched);
-  if (!widget || !isOurs_(*widget->window())) return false;
+  if (menu || !widget || !isOurs_(*widget->window())) return false;
   event->accept();
-  if (!asked) onEscape_();
+  // Held down since it closed a menu or a text box, the key means no run.
+  if (!asked && !static_cast<QKeyEvent*>(event)->isAutoRepeat()) onEscape_();
   return true;
 }
 

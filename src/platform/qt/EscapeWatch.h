@@ -7,7 +7,7 @@ class QWidget;
 
 namespace hylden {
 
-/// Sees Escape wherever the focus is in the windows of a run; an open menu closes besides.
+/// Sees Escape wherever the focus is in the windows of a run; in a menu it just leaves the menu.
 class EscapeWatch : public QObject {
  public:
   /// @param isOurs  whether a window belongs to the run

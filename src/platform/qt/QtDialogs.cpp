@@ -21,11 +21,12 @@ namespace {
 
 constexpr char kProgramTitle[] = "Hylden";
 constexpr int kEndingMessageMs = 3000;
+constexpr int kInputBoxWidth = 460;
 
 /// Sees the keys on their way to a box.
 class KeyWatch : public QObject {
  public:
-  KeyWatch(QDialog& box, const std::function<void()>& onEscape) : QObject(&box), onEscape_(onEscape) {
+  KeyWatch(QDialog& box, std::function<void()> onEscape) : QObject(&box), onEscape_(std::move(onEscape)) {
     box.installEventFilter(this);
     for (QAbstractButton* const button : box.findChildren<QAbstractButton*>()) button->installEventFilter(this);
   }
@@ -34,15 +35,16 @@ class KeyWatch : public QObject {
   bool eventFilter(QObject* watched, QEvent* event) override {
     if (event->type() != QEvent::KeyPress) return false;
     const auto& press = static_cast<const QKeyEvent&>(*event);
-    const bool enter = press.key() == Qt::Key_Return || press.key() == Qt::Key_Enter;
-    // Enter still held down from before the box opened would answer it unread, and may switch RF on.
-    if (enter && press.isAutoRepeat()) return true;
+    const bool answers = press.key() == Qt::Key_Return || press.key() == Qt::Key_Enter || press.key() == Qt::Key_Escape;
+    // A key still held down from before the box opened would answer it unread: Enter may switch RF on, Escape may
+    // throw away what was recorded.
+    if (answers && press.isAutoRepeat()) return true;
     if (watched == parent() && press.key() == Qt::Key_Escape && onEscape_) onEscape_();
     return false;
   }
 
  private:
-  const std::function<void()>& onEscape_;
+  std::function<void()> onEscape_;
 };
 
 QMessageBox::Icon IconOf(MessageIcon icon) {
@@ -210,7 +212,10 @@ std::optional<std::string> QtDialogs::InputBox(const std::string& prompt, const 
   box->setTextValue(ToQt(text));
   box->setAccessibleName(box->windowTitle());
   box->setAccessibleDescription(ScreenText(prompt));
-  if (!Run(*box) || !box.Alive()) return std::nullopt;
+  // A comment is more than a word; and the title has to be read.
+  box->resize(kInputBoxWidth, box->sizeHint().height());
+  new KeyWatch(*box, {});
+  if (box->exec() != QDialog::Accepted || !box.Alive()) return std::nullopt;
   return FromQt(box->textValue());
 }
 

@@ -18,7 +18,8 @@ namespace hylden {
 /// in this session, unless another directory is configured since; else in the directory of the request.
 class QtDialogs : public Dialogs {
  public:
-  /// Called when Escape is pressed in any box, before the box closes: a run takes it as Halt.
+  /// Called when Escape is pressed in a box, before the box closes: a run takes it as Halt. In an input box Escape just
+  /// leaves the text.
   std::function<void()> onEscape;
 
   MessageAnswer Show(const Message& message) override;
