@@ -1,6 +1,7 @@
 #include "testrun/frmManual.h"
 
 #include <QCloseEvent>
+#include <QKeyEvent>
 
 #include "platform/qt/QtText.h"
 #include "shell/Shell.h"
@@ -12,8 +13,12 @@
 
 namespace hylden {
 
+namespace {
+constexpr std::string_view kFreqPattern = "#0.0#####";
+}
+
 frmManual::frmManual(Shell& shell, ManualMode& mode, QWidget* parent)
-    : QWidget(parent, Qt::Tool | Qt::WindowStaysOnTopHint),
+    : QWidget(parent, Qt::Tool | Qt::WindowStaysOnTopHint | kRunFrame),
       shell_(shell),
       ui_(std::make_unique<Ui::frmManual>()),
       panel_(mode),
@@ -26,7 +31,7 @@ frmManual::frmManual(Shell& shell, ManualMode& mode, QWidget* parent)
   ui_->scrDbOffset->setRange(kLowestOffsetTenths, kHighestOffsetTenths);
   timer1_.setObjectName(QStringLiteral("Timer1"));
   timer1_.setInterval(kManualTimerMs);
-  connect(&timer1_, &QTimer::timeout, this, [this] { panel_.Tick(); });
+  connect(&timer1_, &QTimer::timeout, this, &frmManual::Tick);
   connect(ui_->scrFreqStep, &QScrollBar::valueChanged, this, [this](int step) { panel_.MoveStep(step); });
   connect(ui_->scrDbOffset, &QScrollBar::valueChanged, this, [this](int tenths) {
     panel_.MoveOffset(tenths);
@@ -35,10 +40,8 @@ frmManual::frmManual(Shell& shell, ManualMode& mode, QWidget* parent)
   connect(ui_->scrDbOffset, &QScrollBar::sliderMoved, this, &frmManual::ShowOffset);
   connect(ui_->chkRfOn, &QCheckBox::clicked, this, &frmManual::manRfOn);
   connect(ui_->chkModOn, &QCheckBox::clicked, this, &frmManual::manModOn);
-  connect(ui_->cmdThreshold, &QPushButton::clicked, this, [this] {
-    panel_.Tick();  // what is noted is what stands at the product
-    emit manThresholdClick(ui_->lblFreq->text(), panel_.OffsetDb());
-  });
+  connect(ui_->cmdThreshold, &QPushButton::clicked, this, &frmManual::NoteThreshold);
+  connect(ui_->cmdManualHalt, &QPushButton::clicked, this, &frmManual::HaltClick);
   connect(ui_->cmdReturn, &QPushButton::clicked, this, &frmManual::close);
 }
 
@@ -51,7 +54,7 @@ void frmManual::Open(const ManualStart& start) {
   SetManualFreq(start.Freq);
   SetRfOn(start.RfOn);
   ui_->chkModOn->setEnabled(start.ModEnabled);
-  ui_->chkModOn->setChecked(start.ModEnabled);
+  SetModOn(start.ModOn);
   RestorePlace(shell_, windowkey::kManualForm, *this);
   show();
   hook_.Install(shell_.dialogs);
@@ -66,18 +69,36 @@ void frmManual::Unload() {
 }
 
 void frmManual::SetManualFreq(double frequencyMHz) {
-  ui_->lblFreq->setText(ToQt(Format(frequencyMHz, "#0.0#####")));
+  ui_->lblFreq->setText(ToQt(Format(frequencyMHz, kFreqPattern)));
 }
 
 void frmManual::SetRfOn(bool on) {
   ui_->chkRfOn->setChecked(on);
 }
 
+void frmManual::SetModOn(bool on) {
+  ui_->chkModOn->setChecked(on);
+}
+
 void frmManual::SetSimulated() {
   ShowBenchNotice(*ui_->lblBench);
 }
 
+void frmManual::Tick() {
+  panel_.Tick();
+  ShowScroll();
+}
+
+void frmManual::NoteThreshold() {
+  const std::optional<ManualStanding> standing = panel_.Threshold();
+  if (!standing) return;
+  ShowScroll();
+  emit manThresholdClick(ToQt(Format(standing->Freq, kFreqPattern)), standing->Offset);
+}
+
 void frmManual::ShowScroll() {
+  // A bar that is being dragged stays in the operator's hand.
+  if (ui_->scrDbOffset->isSliderDown() || ui_->scrFreqStep->isSliderDown()) return;
   ui_->scrFreqStep->setValue(panel_.Scroll().Step);
   ui_->scrDbOffset->setValue(panel_.Scroll().OffsetTenths);
   ShowOffset(panel_.Scroll().OffsetTenths);
@@ -89,8 +110,15 @@ void frmManual::ShowOffset(int tenths) {
 
 void frmManual::closeEvent(QCloseEvent* event) {
   event->ignore();  // the run takes the form away
-  panel_.Tick();
+  panel_.Leave();
   emit manExitClick();
+}
+
+void frmManual::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_F1)
+    emit HelpRequested();
+  else
+    QWidget::keyPressEvent(event);
 }
 
 }  // namespace hylden

@@ -8,6 +8,7 @@
 #include "testrun/qt/ArrowKeyHook.h"
 
 class QCloseEvent;
+class QKeyEvent;
 
 namespace hylden {
 
@@ -35,6 +36,8 @@ class frmManual : public QWidget {
   void SetManualFreq(double frequencyMHz);
   /// Whether RF is on.
   void SetRfOn(bool on);
+  /// Whether the modulation is on.
+  void SetModOn(bool on);
   /// Shows the notice of the simulated bench.
   void SetSimulated();
 
@@ -43,11 +46,17 @@ class frmManual : public QWidget {
   void manExitClick();
   void manRfOn(bool on);
   void manModOn(bool on);
+  /// Its Halt was pressed.
+  void HaltClick();
+  void HelpRequested();
 
  protected:
+  void keyPressEvent(QKeyEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
 
  private:
+  void Tick();
+  void NoteThreshold();
   void ShowScroll();
   void ShowOffset(int tenths);
 

@@ -3,7 +3,6 @@
 #include <QCloseEvent>
 #include <QKeyEvent>
 
-#include "platform/qt/ThemeColors.h"
 #include "shell/Shell.h"
 #include "shell/qt/WorkingForm.h"
 #include "testrun/qt/RunWindowPlace.h"
@@ -12,13 +11,13 @@
 namespace hylden {
 
 frmRunButtons::frmRunButtons(Shell& shell, QWidget* parent)
-    : QWidget(parent, Qt::Window), shell_(shell), ui_(std::make_unique<Ui::frmRunButtons>()) {
+    // A dialog of the run window stays above it.
+    : QWidget(parent, Qt::Dialog | kRunFrame), shell_(shell), ui_(std::make_unique<Ui::frmRunButtons>()) {
   ui_->setupUi(this);
   ui_->cmdRun->setEnabled(false);
   ui_->cmdManual->setEnabled(false);
   ui_->cmdHalt->setEnabled(false);
   ui_->cmdHalt->hide();
-  ColourHalt();
   connect(ui_->cmdExit, &QPushButton::clicked, this, &frmRunButtons::ExitClick);
   connect(ui_->cmdManual, &QPushButton::clicked, this, &frmRunButtons::ManualClick);
   connect(ui_->cmdRun, &QPushButton::clicked, this, &frmRunButtons::RunClick);
@@ -27,6 +26,7 @@ frmRunButtons::frmRunButtons(Shell& shell, QWidget* parent)
   // Over the lower right corner of the run window: beside the figures, on every screen.
   adjustSize();
   move(parent->frameGeometry().bottomRight() - QPoint(width() + 30, height() + 60));
+  KeepFrame(*this);
 }
 
 frmRunButtons::~frmRunButtons() = default;
@@ -60,7 +60,7 @@ void frmRunButtons::SetHaltMode() {
 }
 
 void frmRunButtons::SetHalting() {
-  for (QPushButton* const button : {ui_->cmdRun, ui_->cmdManual, ui_->cmdExit, ui_->cmdHalt}) button->setEnabled(false);
+  for (QPushButton* const button : findChildren<QPushButton*>()) button->setEnabled(false);
 }
 
 void frmRunButtons::PressHalt() {
@@ -94,22 +94,12 @@ void frmRunButtons::keyPressEvent(QKeyEvent* event) {
       // A key still held down from a box before starts nothing, and a disabled button can't be pressed.
       if (!repeated && ui_->cmdExit->isEnabled()) DefaultButton().click();
       return;
+    case Qt::Key_F1:
+      emit HelpRequested();
+      return;
     default:
       QWidget::keyPressEvent(event);
   }
-}
-
-/// Halt is found at a glance, in every theme.
-void frmRunButtons::ColourHalt() {
-  QPalette red;
-  for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive})
-    red.setColor(group, QPalette::ButtonText, HighlightRed(palette()));
-  ui_->cmdHalt->setPalette(red);
-}
-
-void frmRunButtons::changeEvent(QEvent* event) {
-  QWidget::changeEvent(event);
-  if (event->type() == QEvent::PaletteChange && ui_->cmdHalt) ColourHalt();
 }
 
 void frmRunButtons::closeEvent(QCloseEvent* event) {

@@ -43,15 +43,14 @@ class frmRunButtons : public QWidget {
   void ManualClick();
   void RunClick();
   void HaltClick();
+  void HelpRequested();
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
-  void changeEvent(QEvent* event) override;
 
  private:
   QPushButton& DefaultButton() const;
-  void ColourHalt();
 
   Shell& shell_;
   std::unique_ptr<Ui::frmRunButtons> ui_;

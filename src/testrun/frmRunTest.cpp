@@ -42,7 +42,8 @@ frmRunTest::frmRunTest(Shell& shell, Instruments& instruments, Documents& docume
   SetUpStatusBar();
   ConnectFileMenu();
   ConnectUnits();
-  connect(ui_->mnuHelpRun, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
+  connect(ui_->mnuHelpRun, &QAction::triggered, this, &frmRunTest::AskForHelp);
+  connect(ui_->cmdRunHalt, &QPushButton::clicked, this, &frmRunTest::PressHalt);
   rfWatch_.setInterval(kRfWatchMs);
   connect(&rfWatch_, &QTimer::timeout, this, &frmRunTest::ShowRf);
   StartAfresh();
@@ -157,6 +158,7 @@ void frmRunTest::StartAfresh() {
   ShowInducedLevelNow();
   ShowPowerNow();
   ClearCountdown();
+  Remaining(estimatedMinutes_);
   step_ = filledRows_ = 0;
   follower_->StartAfresh();
   ui_->prgSteps->setValue(0);
@@ -183,6 +185,11 @@ void frmRunTest::Status(const std::string& text) {
 void frmRunTest::Step(int step) {
   step_ = step;
   ShowText(*ui_->lblStep, QStringLiteral("Step# %1").arg(step));
+}
+
+void frmRunTest::ManualStep(int step, int row) {
+  ShowText(*ui_->lblStep, QStringLiteral("Step# %1").arg(step));
+  follower_->Hold(row - 1);
 }
 
 void frmRunTest::Frequency(double frequencyMHz) {
@@ -266,6 +273,7 @@ void frmRunTest::Dwell(double seconds) {
 void frmRunTest::Plan(int steps, double estimatedMinutes) {
   ShowText(*ui_->lblSteps, QString::number(steps));
   ui_->prgSteps->setRange(0, std::max(1, steps));
+  estimatedMinutes_ = estimatedMinutes;
   Remaining(estimatedMinutes);
 }
 

@@ -50,7 +50,7 @@ class frmRunTest : public WorkingForm, private RunDisplay, private RunControls {
   bool AsksToSave() const { return askingToSave_; }
 
   const RunEngine& Engine() const { return engine_; }
-  QString HelpTopic() const override { return QStringLiteral("Running a test"); }
+  QString HelpTopic() const override;
 
  signals:
   /// Show in the preview what PrintReport would print.
@@ -74,6 +74,7 @@ class frmRunTest : public WorkingForm, private RunDisplay, private RunControls {
   void Countdown(double seconds) override;
   void Status(const std::string& text) override;
   void Step(int step) override;
+  void ManualStep(int step, int row) override;
   void Frequency(double frequencyMHz) override;
   void SigGenLevel(float levelDbm) override;
   void TestLevel(float levelDbuv) override;
@@ -99,6 +100,7 @@ class frmRunTest : public WorkingForm, private RunDisplay, private RunControls {
   void CloseManual() override;
   void ManualFreq(double frequencyMHz) override;
   void ManualRf(bool on) override;
+  void ManualMod(bool on) override;
 
   // What the run buttons and the manual form raise.
   void buttonform_RunClick();
@@ -123,6 +125,7 @@ class frmRunTest : public WorkingForm, private RunDisplay, private RunControls {
   void ShowRf();
   void ShowMarks();
   void ClearCountdown();
+  void AskForHelp() { emit HelpRequested(HelpTopic()); }
   void EndRun();
   bool IsOurs(const QWidget& window) const;
 
@@ -147,7 +150,8 @@ class frmRunTest : public WorkingForm, private RunDisplay, private RunControls {
   double inducedLimitDbua_ = 0;
   std::optional<double> powerDbm_;
   std::vector<Marked> marks_;
-  QTimer rfWatch_{this};  ///< RF can go off under a message box
+  QTimer rfWatch_{this};         ///< RF can go off under a message box
+  double estimatedMinutes_ = 0;  ///< of the whole run
   int step_ = 0;
   int filledRows_ = 0;
   bool simulated_ = false;

@@ -27,6 +27,7 @@ void frmRunTest::Load() {
   connect(ButtonForm.get(), &frmRunButtons::HaltClick, this, &frmRunTest::buttonform_HaltClick);
   connect(ButtonForm.get(), &frmRunButtons::ManualClick, this, &frmRunTest::buttonform_ManualClick);
   connect(ButtonForm.get(), &frmRunButtons::ExitClick, this, &frmRunTest::buttonform_exitclick);
+  connect(ButtonForm.get(), &frmRunButtons::HelpRequested, this, &frmRunTest::AskForHelp);
   ButtonForm->show();
   try {
     if (engine_.Prepare() == RunReadiness::NoSteps) close();
@@ -103,10 +104,12 @@ void frmRunTest::buttonform_exitclick() {
 }
 
 void frmRunTest::SetRunMode() {
+  ui_->cmdRunHalt->setEnabled(true);
   if (ButtonForm) ButtonForm->SetRunMode();
 }
 
 void frmRunTest::SetHaltMode() {
+  ui_->cmdRunHalt->setEnabled(false);
   if (ButtonForm) ButtonForm->SetHaltMode();
   Status("State: Idle");
   ClearCountdown();
@@ -115,6 +118,7 @@ void frmRunTest::SetHaltMode() {
 }
 
 void frmRunTest::SetHalting() {
+  ui_->cmdRunHalt->setEnabled(false);
   if (ButtonForm) ButtonForm->SetHalting();
   Status("Halting...");
 }
@@ -134,6 +138,10 @@ void frmRunTest::ButtonsVisible(bool visible) {
   if (ButtonForm) ButtonForm->ButtonsVisible(visible);
 }
 
+QString frmRunTest::HelpTopic() const {
+  return ManForm ? QStringLiteral("Manual mode") : QStringLiteral("Running a test");
+}
+
 void frmRunTest::OpenManual(const ManualStart& start) {
   ClearCountdown();
   ManForm = std::make_unique<frmManual>(shell_, engine_.Manual(), this);
@@ -142,6 +150,8 @@ void frmRunTest::OpenManual(const ManualStart& start) {
   connect(ManForm.get(), &frmManual::manExitClick, this, &frmRunTest::manform_manExitClick);
   connect(ManForm.get(), &frmManual::manRfOn, this, &frmRunTest::manform_manRfOn);
   connect(ManForm.get(), &frmManual::manModOn, this, &frmRunTest::manform_manModOn);
+  connect(ManForm.get(), &frmManual::HaltClick, this, &frmRunTest::PressHalt);
+  connect(ManForm.get(), &frmManual::HelpRequested, this, &frmRunTest::AskForHelp);
   ManForm->Open(start);
 }
 
@@ -149,6 +159,7 @@ void frmRunTest::CloseManual() {
   if (!ManForm) return;
   ManForm->Unload();
   ManForm.reset();
+  follower_->Release();
 }
 
 void frmRunTest::ManualFreq(double frequencyMHz) {
@@ -158,6 +169,10 @@ void frmRunTest::ManualFreq(double frequencyMHz) {
 void frmRunTest::ManualRf(bool on) {
   if (ManForm) ManForm->SetRfOn(on);
   ShowRf();
+}
+
+void frmRunTest::ManualMod(bool on) {
+  if (ManForm) ManForm->SetModOn(on);
 }
 
 void frmRunTest::manform_manThresholdClick(const QString& frequencyText, float offsetDb) {

@@ -1,10 +1,17 @@
 #include <gmock/gmock.h>
 
 #include <QCheckBox>
+#include <QMenu>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QSlider>
+#include <QTableView>
+#include <QTextBrowser>
 
 #include "desktop/RunForms.h"
+#include "platform/qt/TableFollower.h"
+#include "shell/frmHelp.h"
 #include "testrun/qt/ArrowKeyHook.h"
 
 namespace hylden {
@@ -38,6 +45,7 @@ class ManualForm : public RunForms {
   }
   QScrollBar& Bar(const char* name) { return Find<QScrollBar>(*Manual(), name); }
   const GeneratorState& Generator() { return m.bench.State().Generator; }
+  int CurrentRow() { return Find<QTableView>(*form, "flxTestData").currentIndex().row(); }
   float LevelOf(int step) { return form->Engine().Steps()[static_cast<std::size_t>(step - 1)].SigGenLevel; }
 };
 
@@ -98,8 +106,8 @@ TEST_F(ManualForm, OperatorFindsAThresholdAndTheTestGoesOn) {
 }
 
 TEST_F(ManualForm, ArrowKeysBelongToManualModeWhereverTheFocusIs) {
-  QLineEdit elsewhere;
-  elsewhere.setText("abc");
+  QSlider elsewhere;
+  elsewhere.setValue(50);
   elsewhere.show();
   Then([&] {
     QTest::keyClick(&elsewhere, Qt::Key_Left);
@@ -108,9 +116,9 @@ TEST_F(ManualForm, ArrowKeysBelongToManualModeWhereverTheFocusIs) {
     QTest::keyClick(&elsewhere, Qt::Key_Left);
     for (int i = 0; i < 4; ++i) QTest::keyClick(form.get(), Qt::Key_Up);
     QTest::keyClick(&Bar("scrDbOffset"), Qt::Key_Down);
-    EXPECT_EQ(elsewhere.cursorPosition(), 3) << "the press was passed on";
+    EXPECT_EQ(elsewhere.value(), 50) << "the press was passed on";
     QTest::keyClick(&elsewhere, Qt::Key_Home);
-    EXPECT_EQ(elsewhere.cursorPosition(), 0) << "another key was swallowed";
+    EXPECT_EQ(elsewhere.value(), 0) << "another key was swallowed";
     EXPECT_EQ(Bar("scrFreqStep").value(), 10);
     EXPECT_EQ(Bar("scrDbOffset").value(), 3);
     EXPECT_EQ(TextOf(*Manual(), "lblOffset"), "0.3");
@@ -121,7 +129,102 @@ TEST_F(ManualForm, ArrowKeysBelongToManualModeWhereverTheFocusIs) {
   });
   Run();
   QTest::keyClick(&elsewhere, Qt::Key_Right);
-  EXPECT_EQ(elsewhere.cursorPosition(), 1) << "still caught after manual mode";
+  EXPECT_EQ(elsewhere.value(), 1) << "still caught after manual mode";
+}
+
+TEST_F(ManualForm, ArrowKeysStayWithATextABoxAMenuAndTheManual) {
+  QWidget panel;
+  QLineEdit text("abc", &panel);
+  QMessageBox box;
+  QMenu menu;
+  menu.addAction("one");
+  frmHelp manual;
+  const auto press = [](QWidget& window, QWidget& target) {
+    window.show();
+    for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Up, Qt::Key_Left}) QTest::keyClick(&target, key);
+    window.hide();
+  };
+  Then([&] {
+    panel.show();
+    panel.activateWindow();
+    text.setFocus();
+    press(panel, text);
+    EXPECT_EQ(text.cursorPosition(), 2);
+    press(box, box);
+    press(menu, menu);
+    press(manual, Find<QTextBrowser>(manual, "txtHelp"));
+    form->activateWindow();
+    form->menuBar()->setFocus();
+    QTest::keyClick(form->menuBar(), Qt::Key_Left);
+  });
+  Then([&] {
+    EXPECT_EQ(Bar("scrFreqStep").value(), 12);
+    EXPECT_EQ(Bar("scrDbOffset").value(), 0);
+    EXPECT_NEAR(Generator().LevelDbm, double{LevelOf(12)}, 0.051);
+    form->PressHalt();
+  });
+  Run();
+}
+
+TEST_F(ManualForm, WindowShowsTheStepAndTheLevelThatStand) {
+  Then([&] {
+    EXPECT_EQ(CurrentRow(), 11);
+    Bar("scrFreqStep").setValue(3);
+    Bar("scrDbOffset").setValue(-15);
+  });
+  Then([&] {
+    EXPECT_EQ(CurrentRow(), 2);
+    EXPECT_EQ(Text("lblStep"), "Step# 3");
+    EXPECT_NEAR(std::stod(Text("lblTestLevel")), std::stod(Rows()[3][2]) - 1.5, 0.051);
+    Press(*Manual(), "cmdThreshold");
+  });
+  Then([&] {
+    form->findChild<TableFollower*>()->Follow();
+    EXPECT_EQ(CurrentRow(), 2) << "the row added is not where the run stands";
+    Press(*Manual(), "cmdReturn");
+  });
+  m.When(AtStep(5), [&] {
+    EXPECT_GT(CurrentRow(), 11);
+    form->PressHalt();
+  });
+  Run();
+}
+
+TEST_F(ManualForm, LevelThatTheGeneratorRefusesGoesBackOnTheBar) {
+  Then([&] { Bar("scrDbOffset").setValue(-10); });
+  Then([&] {
+    m.driver.FailLine("> 18 POW", gpib::kEnol);
+    Bar("scrDbOffset").setValue(-20);
+  });
+  Then([&] {
+    EXPECT_EQ(Bar("scrDbOffset").value(), -10);
+    EXPECT_EQ(TextOf(*Manual(), "lblOffset"), "-1.0");
+    form->PressHalt();
+  });
+  Run();
+}
+
+TEST_F(ManualForm, HasAHaltOfItsOwnAndStaysWithTheRunWindow) {
+  Then([&] {
+    EXPECT_EQ(Manual()->windowHandle()->transientParent(), form->windowHandle());
+    EXPECT_FALSE(Manual()->windowFlags().testFlag(Qt::WindowMinimizeButtonHint));
+    Press(*Manual(), "cmdManualHalt");
+    EXPECT_TRUE(m.station.shell.delay.HaltRequested());
+  });
+  Run();
+}
+
+TEST_F(ManualForm, F1OpensItsChapterOfTheManual) {
+  QStringList topics;
+  QObject::connect(form.get(), &WorkingForm::HelpRequested, [&](const QString& topic) { topics << topic; });
+  Then([&] {
+    QTest::keyClick(Manual(), Qt::Key_F1);
+    QTest::keyClick(form.get(), Qt::Key_F1);
+    form->PressHalt();
+  });
+  Run();
+  QTest::keyClick(&Buttons(), Qt::Key_F1);
+  EXPECT_EQ(topics, (QStringList{"Manual mode", "Manual mode", "Running a test"}));
 }
 
 TEST_F(ManualForm, KeysStopAtTheHighestStepReached) {

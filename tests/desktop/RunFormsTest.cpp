@@ -12,6 +12,7 @@
 #include <QTableView>
 #include <cmath>
 
+#include "testrun/qt/RunWindowPlace.h"
 #include "text/Pattern.h"
 
 namespace hylden {
@@ -195,7 +196,8 @@ TEST_P(HaltTest, RunEndsInOrderWithRfOff) {
          [&] {
            GetParam().act(*form, Buttons());
            EXPECT_TRUE(m.station.shell.delay.HaltRequested());
-           EXPECT_FALSE(Enabled("cmdHalt") || Enabled("cmdRun") || Enabled("cmdManual") || Enabled("cmdExit"));
+           EXPECT_FALSE(Enabled("cmdHalt") || Enabled("cmdRunHalt") || Enabled("cmdRun") || Enabled("cmdManual") ||
+                        Enabled("cmdExit"));
            EXPECT_TRUE(Find<QPushButton>(*form, "cmdHalt").isVisible());
            EXPECT_TRUE(form->isVisible()) << "closed with the run still going on";
          });
@@ -235,10 +237,77 @@ INSTANTIATE_TEST_SUITE_P(
                  [](frmRunTest& form, frmRunButtons&) {
                    QTest::keyClick(&Find<QPushButton>(form, "cmdManual"), Qt::Key_Escape);
                  }},
+        HaltCase{"button_of_the_run_window", false,
+                 [](frmRunTest& form, frmRunButtons&) { Press(form, "cmdRunHalt"); }},
         HaltCase{"escape_in_a_box", false, [](frmRunTest& form, frmRunButtons&) { form.PressHalt(); }},
         HaltCase{"run_window_closed", true, [](frmRunTest& form, frmRunButtons&) { EXPECT_FALSE(form.close()); }},
         HaltCase{"buttons_closed", true, [](frmRunTest&, frmRunButtons& buttons) { EXPECT_FALSE(buttons.close()); }}),
     [](const testing::TestParamInfo<HaltCase>& halt) { return halt.param.name; });
+
+TEST_F(RunForms, EscapeInAMenuJustClosesTheMenu) {
+  Open("substitution-am.tst");
+  m.When(AtStep(2), [&] {
+    QMenu& menu = OpenUnitsMenu(*form);
+    EXPECT_TRUE(menu.isVisible());
+    QTest::keyClick(&menu, Qt::Key_Escape);
+    EXPECT_FALSE(menu.isVisible());
+    QTest::keyClick(form->menuBar(), Qt::Key_Escape);
+    QKeyEvent held(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier, QString(), true);
+    QCoreApplication::sendEvent(form.get(), &held);  // the press that closed the menu
+    EXPECT_FALSE(m.station.shell.delay.HaltRequested());
+  });
+  m.When(AtStep(3), [&] { QTest::keyClick(form.get(), Qt::Key_Escape); });
+  Press(*form, "cmdRun");
+  EXPECT_EQ(m.ActionsLeft(), 0u);
+  EXPECT_EQ(form->Engine().CompletedSteps(), 2);
+}
+
+TEST_F(RunForms, HaltIsInSightAsLongAsTheRunIsOn) {
+  Open("substitution-am.tst");
+  ExpectMnemonicsApart(*form);
+  EXPECT_EQ(Buttons().windowHandle()->transientParent(), form->windowHandle());
+  EXPECT_EQ(Buttons().windowType(), Qt::Dialog) << "it would go below the run window";
+  EXPECT_FALSE(Buttons().windowFlags().testFlag(Qt::WindowMinimizeButtonHint));
+  EXPECT_TRUE(Shown("cmdRunHalt"));
+  EXPECT_FALSE(Enabled("cmdRunHalt"));
+  m.When(AtStep(2), [&] {
+    EXPECT_TRUE(Enabled("cmdRunHalt"));
+    Press(*form, "cmdRunHalt");
+  });
+  Press(*form, "cmdRun");
+  EXPECT_FALSE(Enabled("cmdRunHalt"));
+}
+
+TEST_F(RunForms, SecondRunStartsFromTheEstimate) {
+  Open("substitution-am.tst");
+  const std::string estimate = Text("lblEstTime");
+  m.When(AtStep(20), [&] {
+    EXPECT_NE(Text("lblEstTime"), estimate);
+    form->PressHalt();
+  });
+  Press(*form, "cmdRun");
+  m.When(AtStep(1), [&] {
+    EXPECT_EQ(Text("lblEstTime"), estimate);
+    EXPECT_EQ(Text("lblElapsed"), "--");
+    form->PressHalt();
+  });
+  Press(*form, "cmdRun");
+  EXPECT_EQ(m.ActionsLeft(), 0u);
+}
+
+TEST_F(RunForms, WindowThatIsPlacedByItsContentsGoesWhereItsFrameBelongs) {
+  QWidget window;
+  window.move(200, 150);
+  KeepFrame(window);
+  window.show();
+  window.windowHandle()->setPosition(200, 150);  // as a window manager may do it
+  ASSERT_GT(window.windowHandle()->frameMargins().top(), 0);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(window.frameGeometry().topLeft(), QPoint(200, 150));
+  window.move(60, 40);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(window.frameGeometry().topLeft(), QPoint(60, 40)) << "once is enough";
+}
 
 TEST_F(RunForms, EscapeAtAPromptHaltsTheRun) {
   m.LoadTest("substitution-am.tst");

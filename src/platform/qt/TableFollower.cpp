@@ -32,9 +32,19 @@ void TableFollower::RowChanged() {
 
 void TableFollower::Follow() {
   const QAbstractItemModel* const rows = table_.model();
-  if (!following_ || !rows || rows->rowCount() == 0) return;
+  if (held_ || !following_ || !rows || rows->rowCount() == 0) return;
   table_.setCurrentIndex(rows->index(rows->rowCount() - 1, 0));
   table_.scrollToBottom();
+}
+
+void TableFollower::Hold(int row) {
+  held_ = true;
+  if (table_.model()) table_.setCurrentIndex(table_.model()->index(row, 0));
+}
+
+void TableFollower::Release() {
+  StartAfresh();
+  Follow();
 }
 
 }  // namespace hylden

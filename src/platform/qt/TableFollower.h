@@ -19,13 +19,21 @@ class TableFollower : public QObject {
   void RowChanged();
   /// Goes to the last row at once.
   void Follow();
+  /// Goes to this row, counted from 0, and stays there until it is released, whatever is added.
+  void Hold(int row);
+  /// The last row is the one to be seen again.
+  void Release();
   /// The table is new: the last row is wanted again.
-  void StartAfresh() { following_ = true; }
+  void StartAfresh() {
+    held_ = false;
+    following_ = true;
+  }
 
  private:
   QTableView& table_;
   QTimer timer_{this};
   bool following_ = true;
+  bool held_ = false;
 };
 
 }  // namespace hylden

@@ -1,11 +1,14 @@
 #include "testrun/qt/ArrowKeyHook.h"
 
-#include <QCoreApplication>
+#include <QApplication>
+#include <QDialog>
 #include <QKeyEvent>
+#include <QMenuBar>
 #include <optional>
 #include <utility>
 
 #include "platform/Dialogs.h"
+#include "shell/frmHelp.h"
 
 namespace hylden {
 
@@ -24,6 +27,19 @@ std::optional<ArrowKey> ArrowOf(const QKeyEvent& event) {
     default:
       return std::nullopt;
   }
+}
+
+bool NeedsArrows(const QWidget& widget) {
+  const QWidget& window = *widget.window();
+  return QApplication::activePopupWidget() || qobject_cast<const QMenuBar*>(&widget) ||
+         qobject_cast<const QDialog*>(&window) || qobject_cast<const frmHelp*>(&window) ||
+         widget.testAttribute(Qt::WA_InputMethodEnabled);  // takes text
+}
+
+/// Also on the way up from such a widget: what it leaves alone goes to its parents.
+bool IsForOthers(const QWidget& widget) {
+  const QWidget* const focus = widget.window()->focusWidget();
+  return NeedsArrows(widget) || (focus && widget.isAncestorOf(focus) && NeedsArrows(*focus));
 }
 
 }  // namespace
@@ -47,12 +63,14 @@ void ArrowKeyHook::Remove() {
   setParent(nullptr);
 }
 
-bool ArrowKeyHook::eventFilter(QObject*, QEvent* event) {
+bool ArrowKeyHook::eventFilter(QObject* watched, QEvent* event) {
   // The override is asked for first: accepted, no shortcut takes the press away.
   const bool asked = event->type() == QEvent::ShortcutOverride;
   if (!asked && event->type() != QEvent::KeyPress) return false;
   const auto arrow = ArrowOf(*static_cast<QKeyEvent*>(event));
-  if (!arrow) return false;
+  const auto* const widget = qobject_cast<const QWidget*>(watched);
+  // The window system's own windows pass the press on to the widget that has the focus.
+  if (!arrow || !widget || IsForOthers(*widget)) return false;
   event->accept();
   if (!asked) onKey_(*arrow);
   return true;

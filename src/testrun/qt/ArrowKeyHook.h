@@ -9,8 +9,9 @@ namespace hylden {
 
 class Dialogs;
 
-/// Catches the arrow keys wherever the focus is in the program. A press goes to the one who installed the hook and
-/// nowhere else; releases and all other keys pass on.
+/// Catches the arrow keys wherever the focus is in the program, but for what needs them itself: a box, a menu, a text
+/// input, the manual. A press goes to the one who installed the hook and nowhere else; releases and all other keys pass
+/// on.
 class ArrowKeyHook : public QObject {
   Q_OBJECT
 

@@ -1,16 +1,53 @@
 #include "testrun/qt/RunWindowPlace.h"
 
+#include <QEvent>
 #include <QWidget>
+#include <QWindow>
 
 #include "shell/Shell.h"
 #include "shell/qt/WindowPlace.h"
 
 namespace hylden {
 
+namespace {
+
+/// Puts a window right, once, that the window manager has put by its contents where its frame should be: remembered by
+/// its frame, it would creep by a title bar at each opening.
+class FrameKeeper : public QObject {
+ public:
+  explicit FrameKeeper(QWidget& window) : QObject(&window), window_(window), place_(window.pos()) {
+    window.installEventFilter(this);
+  }
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    QWindow* const handle = window_.windowHandle();
+    if (watched == &window_ && event->type() == QEvent::Show) handle->installEventFilter(this);
+    if (watched != handle || event->type() != QEvent::Expose || !handle->isExposed()) return false;
+    const QMargins frame = handle->frameMargins();
+    if (handle->position() == place_) handle->setPosition(place_ + QPoint(frame.left(), frame.top()));
+    handle->removeEventFilter(this);
+    window_.removeEventFilter(this);
+    deleteLater();
+    return false;
+  }
+
+ private:
+  QWidget& window_;
+  QPoint place_;
+};
+
+}  // namespace
+
+void KeepFrame(QWidget& window) {
+  new FrameKeeper(window);
+}
+
 bool RestorePlace(Shell& shell, std::string_view windowKey, QWidget& window) {
   try {
     const std::string position = shell.settings.GetFormPosition(windowKey);
     PlaceWindow(window, position);
+    if (!position.empty()) KeepFrame(window);
     return !position.empty();
   } catch (const RuntimeError&) {
     return false;

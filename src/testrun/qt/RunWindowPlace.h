@@ -2,12 +2,21 @@
 
 #include <string_view>
 
+#include <QtCore/qnamespace.h>
+
 class QWidget;
 
 namespace hylden {
 
 class Shell;
 
+/// What the small windows around a run have in their title bars: minimised, Halt would be out of reach. They go and
+/// come back with the run window, which they stand above.
+inline constexpr Qt::WindowFlags kRunFrame =
+    Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
+
+/// Has the frame of a window that has been moved, and is not shown yet, stand where it was moved to.
+void KeepFrame(QWidget& window);
 /// Puts a run window at its remembered place. @return false when there is none
 bool RestorePlace(Shell& shell, std::string_view windowKey, QWidget& window);
 /// Remembers where a run window is. Settings that can't be written lose the place and disturb no run.
