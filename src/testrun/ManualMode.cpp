@@ -16,6 +16,8 @@ namespace hylden {
 
 namespace {
 
+constexpr float kTenthMargin = 1e-3F;  ///< 2.3 is 2.2999999 as a single
+
 bool InRange(const ManualScroll& scroll, int highestStep) {
   return scroll.Step >= 1 && scroll.Step <= highestStep && scroll.OffsetTenths >= kLowestOffsetTenths &&
          scroll.OffsetTenths <= kHighestOffsetTenths;
@@ -48,6 +50,7 @@ void ManualMode::Enter(int step, int highestStep, float constantPeakOffset) {
   levelOffset_ = 0;
   constantPeakOffset_ = constantPeakOffset;
   standing_ = {StepNow().Freq, 0};
+  exposedOffset_ = 0;
   modulationOn_ = run_.documents.testSetup.Definition.ModType != 0 && !run_.modulationSilenced;
   active_ = true;
   ShowStep();
@@ -94,6 +97,7 @@ bool ManualMode::SetLevel() {
   const float level = StepNow().SigGenLevel + levelOffset_ + constantPeakOffset_;
   if (!run_.instruments.sigGen.SetFreqLevel(StepNow().Freq, level)) return false;
   standing_ = {StepNow().Freq, levelOffset_};
+  if (run_.instruments.sigGen.RfIsOn()) exposedOffset_ = levelOffset_;
   run_.display.SigGenLevel(level);
   ShowLevel();
   return true;
@@ -145,8 +149,12 @@ void ManualMode::manRfOn(bool on) {
 
 bool ManualMode::SwitchRf(bool on) {
   if (!on) return run_.instruments.sigGen.SilenceRf();
+  // What was raised while RF was off comes by the increment, too.
+  levelOffset_ = std::min(levelOffset_, exposedOffset_ + MostRise());
   // A generator without an RF-off command fell back to its minimum level: the level is asked for again.
-  return SetLevel() && run_.instruments.sigGen.RfOn();
+  if (!SetLevel() || !run_.instruments.sigGen.RfOn()) return false;
+  exposedOffset_ = levelOffset_;
+  return true;
 }
 
 void ManualMode::manModOn(bool on) {
@@ -216,13 +224,12 @@ bool ManualPanel::Key(ArrowKey key) {
 
 void ManualPanel::Tick() {
   if (mode_.IsBusy()) return;
-  const bool step = std::exchange(stepChanged_, false), level = std::exchange(levelChanged_, false);
-  if (!Apply(step, level)) {
+  const bool step = std::exchange(stepChanged_, false);
+  const bool level = std::exchange(levelChanged_, false) || OffsetDb() > mode_.LevelOffset();
+  if (Apply(step, level))
+    rising_ = OffsetDb() > mode_.LevelOffset();
+  else
     EndRise();
-    return;
-  }
-  rising_ = level && OffsetDb() > mode_.LevelOffset();
-  if (rising_) levelChanged_ = true;
 }
 
 bool ManualPanel::Apply(bool step, bool level) {
@@ -236,7 +243,8 @@ bool ManualPanel::Apply(bool step, bool level) {
 
 void ManualPanel::EndRise() {
   levelChanged_ = rising_ = false;
-  scroll_.OffsetTenths = static_cast<int>(std::lround(mode_.LevelOffset() * 10));
+  // Never above what stands: the next tick would raise it.
+  scroll_.OffsetTenths = static_cast<int>(std::floor(mode_.LevelOffset() * 10 + kTenthMargin));
 }
 
 std::optional<ManualStanding> ManualPanel::Threshold() {

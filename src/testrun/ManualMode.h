@@ -87,6 +87,7 @@ class ManualMode {
   float levelOffset_ = 0;
   float constantPeakOffset_ = 0;
   ManualStanding standing_;
+  float exposedOffset_ = 0;  ///< the last offset that stood there with RF on
   bool modulationOn_ = false;
 };
 

@@ -116,6 +116,31 @@ TEST_F(ManualTest, TheLevelRisesByTheTestsIncrementPerTickAndFallsAtOnce) {
   EXPECT_THAT(sent, ElementsAre("POW -4.0 DBM", "POW 0.0 DBM", "POW 2.0 DBM", "POW -16.0 DBM"));
 }
 
+TEST_F(ManualTest, RfThatComesBackDoesNotJumpToWhatWasRaisedMeanwhile) {
+  rig.test.LevelInc = 4;
+  manual = {[&] {
+    rig.engine.Manual().manRfOn(false);
+    panel.MoveOffset(kHighestOffsetTenths);
+    for (int tick = 0; tick < 3; ++tick) panel.Tick();
+    rig.engine.Manual().manRfOn(true);
+    EXPECT_EQ(rig.generatorDbm, -8 + 4);
+    panel.Tick();
+    EXPECT_EQ(rig.generatorDbm, -8 + 8);
+    panel.Tick();
+    EXPECT_EQ(rig.generatorDbm, -8 + 10);
+    rig.engine.Manual().manRfOn(false);
+    panel.MoveOffset(-300);
+    panel.Tick();
+    rig.engine.Manual().manRfOn(true);
+    rig.engine.Manual().manRfOn(false);
+    panel.MoveOffset(0);
+    for (int tick = 0; tick < 8; ++tick) panel.Tick();
+    rig.engine.Manual().manRfOn(true);
+    EXPECT_EQ(rig.generatorDbm, -8 - 26);
+  }};
+  Run();
+}
+
 TEST_F(ManualTest, AThresholdNotesWhatStandsAndEndsTheRise) {
   manual = {[&] {
     panel.MoveOffset(95);
