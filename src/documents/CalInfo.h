@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace hylden {
 
@@ -16,6 +17,10 @@ struct CalInfoRec {
   std::string FreqRange;  ///< "0.15 - 80", MHz
   std::int32_t CouplingMethod = 0;
 };
+
+constexpr std::string_view FileKind(const CalInfoRec&) {
+  return "calibration info file";
+}
 
 template <class F>
 void Fields(F& f, CalInfoRec& c) {

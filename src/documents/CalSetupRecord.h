@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace hylden {
 
@@ -45,6 +47,10 @@ struct CalSetupRecord {
   bool LimitsForward() const { return LimitFwdPwr != 0; }
 };
 
+constexpr std::string_view FileKind(const CalSetupRecord&) {
+  return "calibration setup";
+}
+
 template <class F>
 void Fields(F& f, CalSetupRecord& c) {
   f.Double(c.StartFreq);
@@ -71,6 +77,11 @@ void Fields(F& f, CalSetupRecord& c) {
   f.Text(c.SetupDescription);
   f.Single(c.UserDefinedFactor);
   f.SpareLines(9);
+}
+
+/// The fields that name other files.
+inline std::vector<std::string*> FileFields(CalSetupRecord& r) {
+  return {&r.ListFile, &r.LimitFile};
 }
 
 }  // namespace hylden

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace hylden {
 
@@ -39,6 +41,10 @@ struct EquipRecord {
   bool Is(AmpConfig config) const { return AmpConfiguration == static_cast<std::int32_t>(config); }
 };
 
+constexpr std::string_view FileKind(const EquipRecord&) {
+  return "equipment file";
+}
+
 template <class F>
 void Fields(F& f, EquipRecord& e) {
   f.Text(e.SigGenFile);
@@ -59,6 +65,12 @@ void Fields(F& f, EquipRecord& e) {
   f.Flag(e.IfiAtten);
   f.Double(e.IfiBandSwitch);
   f.SpareLines(9);
+}
+
+/// The fields that name other files.
+inline std::vector<std::string*> FileFields(EquipRecord& r) {
+  return {&r.SigGenFile,  &r.MeterFile,   &r.PwrMtrFile,   &r.CableLossFile,
+          &r.FwdPortFile, &r.RevPortFile, &r.MaxPowerFile, &r.ProbeFile};
 }
 
 }  // namespace hylden

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace hylden {
 
@@ -48,6 +50,10 @@ struct TestDefinition {
   }
 };
 
+constexpr std::string_view FileKind(const TestDefinition&) {
+  return "test definition";
+}
+
 template <class F>
 void Fields(F& f, TestDefinition& t) {
   f.Text(t.CalInfoFile);
@@ -82,11 +88,16 @@ void Fields(F& f, TestDefinition& t) {
   f.Single(t.EUTCircuitImpedance);
   f.FlagOrEmpty(t.ModOffBetweenFreqs);
   f.FlagOrEmpty(t.UseAMdepth);
-  f.Text(t.Spare1);
-  f.Text(t.Spare2);
-  f.Text(t.Spare3);
-  f.Text(t.Spare4);
-  f.Text(t.Spare5);
+  f.OptionalText(t.Spare1);
+  f.OptionalText(t.Spare2);
+  f.OptionalText(t.Spare3);
+  f.OptionalText(t.Spare4);
+  f.OptionalText(t.Spare5);
+}
+
+/// The fields that name other files.
+inline std::vector<std::string*> FileFields(TestDefinition& r) {
+  return {&r.CalInfoFile, &r.ListFile};
 }
 
 }  // namespace hylden

@@ -23,6 +23,7 @@ std::optional<FreqLimits> LimitsOf(std::string_view range) {
   if (separator == std::string_view::npos) return std::nullopt;
   const std::string_view first = range.substr(0, separator), second = range.substr(separator + length);
   if (first.find_first_of("0123456789") == std::string_view::npos) return std::nullopt;
+  if (range.find(',') != std::string_view::npos) return std::nullopt;  // somebody's decimal sign
   const FreqLimits limits{LeadingNumber(first), LeadingNumber(second)};
   if (limits.highest <= 0 || limits.highest < limits.lowest) return std::nullopt;
   return limits;

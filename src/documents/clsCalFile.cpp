@@ -61,7 +61,11 @@ float ValueOf(const CalPoint& point, CalColumn column) {
 std::optional<CalPoint> ParseCalLine(std::string_view line) {
   const std::vector<std::string_view> pieces = SplitAtCommas(line);
   if (pieces.size() < 5) return std::nullopt;
-  if (!std::all_of(pieces.begin(), pieces.begin() + 3, IsNumeric)) return std::nullopt;
+  if (!std::all_of(pieces.begin(), pieces.begin() + 3, [](std::string_view piece) { return IsNumeric(piece); }))
+    return std::nullopt;
+  // A sixth value shows that the commas stand for decimal points.
+  if (std::any_of(pieces.begin() + 5, pieces.end(), [](std::string_view piece) { return !Trim(piece).empty(); }))
+    return std::nullopt;
   try {
     CalPoint point{ToDouble(pieces[0]), ToSingle(pieces[1]), ToSingle(pieces[2]), kMissing, kMissing};
     if (IsNumeric(pieces[3])) point.FwdPwr = ToSingle(pieces[3]);
@@ -127,6 +131,7 @@ bool clsCalFile::ReadPoints(LineReader& lines, const std::string& dataFile) {
   for (bool first = true; first || !lines.AtEnd(); first = false) {
     const std::string line = lines.AtEnd() ? std::string() : lines.ReadLine();
     if (first && lines.AtEnd()) return Refuse("Unexpected end of file in " + dataFile);
+    if (line.empty() && lines.AtEnd()) break;  // an editor's last touch
     const std::optional<CalPoint> point = ParseCalLine(line);
     if (!point) return Refuse("Bad data in calibration file: " + dataFile);
     points_.push_back(*point);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace hylden {
 
@@ -23,6 +24,10 @@ struct MeterDefinition {
   std::int32_t EndOfString = 0;
   std::string ParseCmd;
 };
+
+constexpr std::string_view FileKind(const MeterDefinition&) {
+  return "meter definition";
+}
 
 template <class F>
 void Fields(F& f, MeterDefinition& d) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace hylden {
 
@@ -23,6 +24,10 @@ struct PowerMeterDefinition {
   std::int32_t EndOfString = 0;
   std::string ParsingCmd;
 };
+
+constexpr std::string_view FileKind(const PowerMeterDefinition&) {
+  return "power meter definition";
+}
 
 template <class F>
 void Fields(F& f, PowerMeterDefinition& d) {

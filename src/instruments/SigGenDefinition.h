@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace hylden {
 
@@ -23,6 +24,10 @@ struct SigGenDefinition {
   std::int32_t EndOfString = 0;
   std::int16_t AmCapable = 0, FmCapable = 0, PulseCapable = 0;
 };
+
+constexpr std::string_view FileKind(const SigGenDefinition&) {
+  return "signal generator definition";
+}
 
 template <class F>
 void Fields(F& f, SigGenDefinition& d) {

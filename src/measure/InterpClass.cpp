@@ -13,6 +13,8 @@
 namespace hylden {
 namespace {
 
+constexpr const char* kBadData = "Bad data in calibration file";
+
 /// 1 for a number character, 0 for a separator, -1 otherwise.
 int CharClass(char character) {
   if (character >= '0' && character <= '9') return 1;
@@ -31,6 +33,36 @@ std::string_view NextToken(std::string_view& line) {
   return token;
 }
 
+bool IsDigit(char character) {
+  return character >= '0' && character <= '9';
+}
+
+/// How many commas stand between two digits, without a blank.
+int GluingCommas(std::string_view text) {
+  int commas = 0;
+  for (std::size_t at = text.find(','); at != std::string_view::npos; at = text.find(',', at + 1))
+    if (at > 0 && at + 1 < text.size() && IsDigit(text[at - 1]) && IsDigit(text[at + 1])) ++commas;
+  return commas;
+}
+
+/// Whether a comma in a line of numbers may be somebody's decimal sign: "10,5 2,3" could be two numbers or four. A
+/// point in the same group of numbers shows that its commas only separate, and so does a line that is no more than the
+/// wanted pair ("10,5").
+/// @param wanted  how many numbers the line is read for
+bool MayHoldDecimalComma(std::string_view line, std::size_t wanted) {
+  if (GluingCommas(line) == 0 || std::any_of(line.begin(), line.end(), [](char c) { return CharClass(c) < 0; }))
+    return false;
+  const std::string_view all = Trim(line);
+  if (wanted == 2 && GluingCommas(all) == 1 && all.find_first_of(" \t") == std::string_view::npos) return false;
+  for (std::size_t start = 0; start < all.size();) {
+    const std::size_t end = std::min(all.find_first_of(" \t", start), all.size());
+    const std::string_view group = all.substr(start, end - start);
+    if (GluingCommas(group) > 0 && group.find('.') == std::string_view::npos) return true;
+    start = end + 1;
+  }
+  return false;
+}
+
 bool FitsSingle(double value) {
   return std::abs(value) <= static_cast<double>(std::numeric_limits<float>::max());
 }
@@ -44,12 +76,14 @@ class TableReader {
   std::string Read(std::vector<FactorPoint>& points) {
     ParsedFactorLine next;
     do {
-      if (!lines_.AtEnd()) next = ParseFactorLine(lines_.NextLine());
+      const std::string_view line = lines_.AtEnd() ? std::string_view() : lines_.NextLine();
+      if (MayHoldDecimalComma(line, 2)) return kBadData;
+      next = ParseFactorLine(line);
       if (lines_.AtEnd()) return "Unexpected end of file in " + fileName_;
     } while (!next.Ok);
     points.push_back({next.Freq, next.Value});
     while (!lines_.AtEnd())
-      if (!ReadPoint(points.emplace_back())) return "Bad data in calibration file";
+      if (!ReadPoint(points.emplace_back())) return kBadData;
     if (points.size() < 2) return "Unexpected end of interpolation file";
     return {};
   }
@@ -110,6 +144,7 @@ float PickDuplicate(float a, float b, DuplicateRule rule) {
 
 bool ReadNumbers(std::string_view line, std::initializer_list<double*> numbers) {
   if (std::any_of(line.begin(), line.end(), [](char c) { return CharClass(c) < 0; })) return false;
+  if (MayHoldDecimalComma(line, numbers.size())) return false;
   for (double* const number : numbers) {
     const std::string_view token = NextToken(line);
     // The line under a heading, "----- -----", holds no number.

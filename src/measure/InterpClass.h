@@ -33,7 +33,7 @@ struct ParsedFactorLine {
 };
 ParsedFactorLine ParseFactorLine(std::string_view line);
 /// Reads the first numbers of a line that consists of numbers and separators. @return false for any other line, for one
-/// with fewer numbers, and for a number that is too large
+/// with fewer numbers, for a number that is too large, and where a comma may be a decimal sign ("10,5 2,3")
 bool ReadNumbers(std::string_view line, std::initializer_list<double*> numbers);
 
 /// A frequency-indexed factor table loaded from a text file (.los .fac .prb .pwr .lev), sorted by rising frequency

@@ -45,12 +45,30 @@ std::string WithoutCurrencySign(std::string_view text) {
 }
 
 std::optional<double> DecimalNumber(std::string_view text) {
-  if (!IsNumeric(text)) return std::nullopt;
-  try {
-    return hylden::ToDouble(text);
-  } catch (const RuntimeError&) {
-    return std::nullopt;
+  if (!IsNumeric(text, Commas::Grouping)) return std::nullopt;
+  return hylden::ToDouble(text, Commas::Grouping);
+}
+
+/// What is left of a number whose sign stands at its end ("5-") or in parentheses ("(5)"), and that sign. Nothing when
+/// there is a second sign.
+struct SignedText {
+  std::string_view digits;
+  double sign = 1;
+};
+std::optional<SignedText> WithoutSignAtEnd(std::string_view text) {
+  SignedText number{text};
+  const bool inParentheses = text.size() > 1 && text.front() == '(' && text.back() == ')';
+  if (inParentheses) {
+    number = {Trim(text.substr(1, text.size() - 2)), -1};
+  } else if (text.back() == '-' || text.back() == '+') {
+    number = {Trim(text.substr(0, text.size() - 1)), text.back() == '-' ? -1.0 : 1.0};
+  } else {
+    return number;
   }
+  const bool signedTwice =
+      number.digits.empty() || std::string_view("+-(").find(number.digits.front()) != std::string_view::npos;
+  if (signedTwice || number.digits.front() == '&') return std::nullopt;
+  return number;
 }
 
 [[noreturn]] void RaiseMismatch(const Value& value) {
@@ -122,8 +140,10 @@ std::optional<double> NumberOf(std::u16string_view text) {
     narrow.push_back(static_cast<char>(c));
   }
   if (narrow.size() > 2 && narrow[0] == '&') return RadixNumber(narrow);
-  if (narrow.find('$') != std::string::npos) return DecimalNumber(WithoutCurrencySign(narrow));
-  return DecimalNumber(narrow);
+  const std::optional<SignedText> parts = WithoutSignAtEnd(narrow);
+  if (!parts) return std::nullopt;
+  const std::optional<double> number = DecimalNumber(WithoutCurrencySign(parts->digits));
+  return number ? std::optional(parts->sign * *number) : std::nullopt;
 }
 
 double ToDouble(const Value& value) {

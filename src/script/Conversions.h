@@ -27,7 +27,8 @@ double ToDate(const Value& value, int yearWhenMissing);
 Value ToText(const Value& value);
 
 /// The number that the whole text stands for: decimal, with grouping commas, a currency sign, an exponent, or &H and &O
-/// forms, blanks and line ends around it. Nothing when it is no number.
+/// forms, blanks and line ends around it. A minus may stand behind it, too, or as parentheses around it. Nothing when
+/// it is no number.
 std::optional<double> NumberOf(std::u16string_view text);
 
 /// Raises the failure that the kind (Null, array, object...) causes when a plain value is needed.

@@ -16,6 +16,11 @@ bool Exists(const std::string& path) {
   return fs::exists(path, ignored);
 }
 
+/// A drive counts wherever the program runs: the name comes from another machine then.
+bool IsAbsolute(std::string_view path) {
+  return path.starts_with('/') || path.starts_with('\\') || (path.size() > 1 && path[1] == ':');
+}
+
 /// Small letters for ASCII and for the accented letters of Western Europe in UTF-8.
 std::string Folded(std::string_view name) {
   std::string folded(name);
@@ -78,6 +83,16 @@ std::string ExistingPath(const std::string& path) {
   std::replace(slashed.begin(), slashed.end(), '\\', '/');
   const std::string found = Follow(slashed[0] == '/' ? "/" : "", Parts(slashed), 0);
   return found.empty() || !Exists(found) ? path : found;
+}
+
+std::string PathNamedIn(const std::string& namingFile, const std::string& name) {
+  if (name.empty() || IsAbsolute(name) || Exists(ExistingPath(name))) return name;
+  const std::string beside = DirectoryOf(namingFile) + name;
+  return Exists(ExistingPath(beside)) ? beside : name;
+}
+
+std::string DirectoryOf(const std::string& path) {
+  return path.substr(0, path.find_last_of("/\\") + 1);
 }
 
 }  // namespace hylden

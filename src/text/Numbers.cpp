@@ -176,11 +176,11 @@ std::optional<std::uint64_t> PrefixedWhole(std::string_view text) {
   return value;
 }
 
-std::optional<double> WholeTextNumber(std::string_view text) {
+std::optional<double> WholeTextNumber(std::string_view text, Commas commas) {
   const std::string_view number = Trim(text);
   if (const auto plain = ReadPlain(number); plain && plain->end == number.size()) return plain->value;
   if (const auto prefixed = PrefixedWhole(number)) return static_cast<double>(*prefixed);
-  const Scan scan = ScanNumber(number, true);
+  const Scan scan = ScanNumber(number, commas == Commas::Grouping);
   if (!scan.found || scan.end != number.size()) return std::nullopt;
   return ValueOf(scan.digits);
 }
@@ -228,13 +228,13 @@ double LeadingNumber(std::string_view text) {
   return scan.found ? ValueOf(scan.digits) : 0;
 }
 
-bool IsNumeric(std::string_view text) {
-  const auto value = WholeTextNumber(text);
+bool IsNumeric(std::string_view text, Commas commas) {
+  const auto value = WholeTextNumber(text, commas);
   return value && std::isfinite(*value);
 }
 
-double ToDouble(std::string_view text) {
-  const auto value = WholeTextNumber(text);
+double ToDouble(std::string_view text, Commas commas) {
+  const auto value = WholeTextNumber(text, commas);
   if (!value) throw RuntimeError(ErrorNumber::TypeMismatch);
   if (!std::isfinite(*value)) throw RuntimeError(ErrorNumber::Overflow);
   return *value;

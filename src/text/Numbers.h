@@ -22,15 +22,18 @@ std::string PrintText(std::int32_t value);
 /// exponent (E or D). A text without a leading number gives 0; a number too large for a double gives infinity.
 double LeadingNumber(std::string_view text);
 
+/// What a comma between the digits before the point is. It may well be somebody's decimal sign, so a number that is
+/// typed or stands in a file has none; only a script's conversions pass over it.
+enum class Commas { Refused, Grouping };
+
 /// Whether the whole text is a number that a double can hold: surrounding blanks, one sign, digits with a point, an
-/// exponent (E or D), and grouping commas between the digits before the point; or "&H1F", "&O17". An empty text is
-/// none.
-bool IsNumeric(std::string_view text);
+/// exponent (E or D); or "&H1F", "&O17". An empty text is none.
+bool IsNumeric(std::string_view text, Commas commas = Commas::Refused);
 
 /// Conversions of a whole text (what IsNumeric accepts). Whole numbers are taken to the nearest, ties to even; "&HFFFF"
 /// fills the bits of its type. @throws RuntimeError TypeMismatch when it is no number, Overflow when the type cannot
 /// hold it.
-double ToDouble(std::string_view text);
+double ToDouble(std::string_view text, Commas commas = Commas::Refused);
 float ToSingle(std::string_view text);
 std::int16_t ToInt16(std::string_view text);
 std::int32_t ToInt32(std::string_view text);

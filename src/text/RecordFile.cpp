@@ -1,5 +1,6 @@
 #include "text/RecordFile.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace hylden {
@@ -15,39 +16,65 @@ std::string OneLine(const std::string& field) {
   return line;
 }
 
+/// The start of a line for a message: the line may be that of any file.
+std::string Quoted(std::string_view line) {
+  constexpr std::size_t kShown = 60;
+  std::size_t end = std::min(line.size(), kShown);
+  while (end < line.size() && end > 0 && (static_cast<unsigned char>(line[end]) & 0xC0) == 0x80) --end;
+  std::string shown(line.substr(0, end));
+  std::replace_if(
+      shown.begin(), shown.end(), [](unsigned char c) { return c < ' '; }, ' ');
+  return "\"" + shown + (end < line.size() ? "..." : "") + "\"";
+}
+
 }  // namespace
 
+std::string RecordReader::NextLine() {
+  ++line_;
+  return lines_.ReadLine();
+}
+
+template <class Conversion>
+auto RecordReader::Converted(Conversion convert) {
+  const std::string line = NextLine();
+  try {
+    return convert(line);
+  } catch (const RuntimeError& error) {
+    const std::string place = ", line " + std::to_string(line_) + " of the " + kind_ + ": ";
+    throw RuntimeError(error.Number(), error.Description() + place + Quoted(line));
+  }
+}
+
 void RecordReader::Text(std::string& field) {
-  field = lines_.ReadLine();
+  field = NextLine();
 }
 
 void RecordReader::Int16(std::int16_t& field) {
-  field = ToInt16(lines_.ReadLine());
+  field = Converted(ToInt16);
 }
 
 void RecordReader::Int32(std::int32_t& field) {
-  field = ToInt32(lines_.ReadLine());
+  field = Converted(ToInt32);
 }
 
 void RecordReader::Single(float& field) {
-  field = ToSingle(lines_.ReadLine());
+  field = Converted(ToSingle);
 }
 
 void RecordReader::Double(double& field) {
-  field = ToDouble(lines_.ReadLine());
+  field = Converted([](const std::string& line) { return ToDouble(line); });
 }
 
 void RecordReader::Flag(bool& field) {
-  field = ToFlag(lines_.ReadLine());
+  field = Converted(ToFlag);
 }
 
 void RecordReader::FlagOrEmpty(bool& field) {
-  const std::string line = lines_.ReadLine();
-  field = !Trim(line).empty() && ToFlag(line);
+  field = !lines_.AtEnd() && Converted([](const std::string& line) { return !Trim(line).empty() && ToFlag(line); });
 }
 
 void RecordReader::OptionalText(std::string& field) {
-  field = lines_.AtEnd() ? std::string() : lines_.ReadLine();
+  field = lines_.AtEnd() ? std::string() : NextLine();
 }
 
 void RecordWriter::Text(const std::string& field) {

@@ -1,20 +1,25 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "text/Numbers.h"
+#include "text/RuntimeError.h"
 #include "text/TextFile.h"
 
 namespace hylden {
 
 /// Walks a record's field list over the lines of a file, one field per line. Numeric and flag lines are converted as
-/// whole lines; a field read before a failure keeps its new value.
+/// whole lines; a field read before a failure keeps its new value. What is no value of its field is named
+/// with its line.
 /// A record is described once: `template <class F> void Fields(F& f, Record& r) { f.Text(r.Name); ... }`.
 class RecordReader {
  public:
-  explicit RecordReader(std::string text) : lines_(std::move(text)) {}
+  /// @param kind  what the file is, e.g. "test definition"; failures name it
+  explicit RecordReader(std::string text, std::string_view kind = "file") : lines_(std::move(text)), kind_(kind) {}
 
   void Text(std::string& field);
   void Int16(std::int16_t& field);
@@ -22,7 +27,7 @@ class RecordReader {
   void Single(float& field);
   void Double(double& field);
   void Flag(bool& field);
-  /// An empty line reads as false.
+  /// An empty line reads as false, and so does a file that has ended: some editors cut empty lines at the end.
   void FlagOrEmpty(bool& field);
   /// A Text field that files of an older form lack: empty when the file has ended.
   void OptionalText(std::string& field);
@@ -30,8 +35,24 @@ class RecordReader {
   void SpareLines(int) {}
 
  private:
+  std::string NextLine();
+  /// The next line through a conversion of text/Numbers.h.
+  template <class Conversion>
+  auto Converted(Conversion convert);
+
   LineReader lines_;
+  std::string kind_;
+  std::size_t line_ = 0;  ///< number of the line read last
 };
+
+/// What a record's file is called in a report; a record of no name is a file.
+template <class Record>
+std::string_view FileKindOf(const Record& record) {
+  if constexpr (requires { FileKind(record); })
+    return FileKind(record);
+  else
+    return "file";
+}
 
 /// Writes a record's fields as lines, in the form RecordReader reads: numbers in print style, flags as True or False.
 class RecordWriter {
@@ -62,7 +83,7 @@ class RecordWriter {
 /// new values.
 template <class Record>
 void LoadRecord(const std::string& path, Record& record) {
-  RecordReader reader(ReadTextFile(path));
+  RecordReader reader(ReadTextFile(path), FileKindOf(record));
   Fields(reader, record);
 }
 

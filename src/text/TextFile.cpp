@@ -64,8 +64,15 @@ bool IsFolder(const std::string& path) {
   return fs::is_directory(path, ignored);
 }
 
+/// Opening it would wait for somebody at the other end.
+bool IsPipe(const std::string& path) {
+  std::error_code ignored;
+  const fs::file_type type = fs::status(path, ignored).type();
+  return type == fs::file_type::fifo || type == fs::file_type::socket;
+}
+
 File OpenForReading(const std::string& path) {
-  if (IsFolder(path)) Fail(ErrorNumber::PathFileAccessError);
+  if (IsFolder(path) || IsPipe(path)) Fail(ErrorNumber::PathFileAccessError);
   File file(std::fopen(path.c_str(), "rb"));
   if (file) {
     std::error_code unknown;  // a device has no size
@@ -112,7 +119,7 @@ fs::path LinkTarget(fs::path path) {
 void CheckWritable(const fs::path& path, fs::perms permissions) {
   constexpr fs::perms kAnyWrite = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
   if ((permissions & kAnyWrite) == fs::perms::none) Fail(ErrorNumber::PermissionDenied);
-  if (const File file{std::fopen(path.c_str(), "r+b")}; file) return;
+  if (const File file{std::fopen(path.string().c_str(), "r+b")}; file) return;
   if (errno == EACCES || errno == EPERM) Fail(ErrorNumber::PermissionDenied);
   FailWith(errno);
 }
@@ -123,7 +130,7 @@ std::pair<fs::path, File> NewFileBeside(const fs::path& target) {
   RemoveLeftovers(target.parent_path());
   for (int i = 0; i < kMostAtOnce; ++i) {
     const fs::path path = target.parent_path() / TemporaryName(i);
-    if (File file{std::fopen(path.c_str(), "wbx")}; file) return {path, std::move(file)};
+    if (File file{std::fopen(path.string().c_str(), "wbx")}; file) return {path, std::move(file)};
     if (errno != EEXIST) FailWith(errno);
   }
   Fail(ErrorNumber::PathFileAccessError);
@@ -131,10 +138,17 @@ std::pair<fs::path, File> NewFileBeside(const fs::path& target) {
 
 }  // namespace
 
-std::string ReadTextFile(const std::string& path) {
+std::string ReadFileBytes(const std::string& path) {
   CheckName(path);
   const File file = OpenForReading(ExistingPath(path));
-  return DecodeText(ReadAll(file.get()));
+  return ReadAll(file.get());
+}
+
+std::string ReadTextFile(const std::string& path) {
+  constexpr char kDosEndOfFile = '\x1A';
+  std::string bytes = ReadFileBytes(path);
+  while (bytes.ends_with(kDosEndOfFile)) bytes.pop_back();
+  return DecodeText(bytes);
 }
 
 LineReader::LineReader(std::string text) : text_(std::move(text)) {}

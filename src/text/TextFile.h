@@ -15,9 +15,13 @@ std::string DecodeText(std::string_view bytes);
 /// UTF-8 as Windows-1252 bytes; a character outside that code page becomes "?".
 std::string EncodeWindows1252(std::string_view utf8);
 
-/// The file's text as UTF-8. The path falls back to a match without regard to case (see ExistingPath).
-/// @throws RuntimeError FileNotFound, PathNotFound, PathFileAccessError (a directory, no permission), OutOfMemory class
-/// failures as PathFileAccessError for files beyond 256 MiB.
+/// The file's bytes. The path falls back to a match without regard to case (see ExistingPath).
+/// @throws RuntimeError FileNotFound, PathNotFound, DeviceIoError (a read that fails), PathFileAccessError (a
+/// directory, a pipe, no permission, more than 256 MiB)
+std::string ReadFileBytes(const std::string& path);
+
+/// The file's text as UTF-8, without the end-of-file character of DOS at its end.
+/// @throws RuntimeError as ReadFileBytes
 std::string ReadTextFile(const std::string& path);
 
 /// Reads a text line by line; CR LF, LF and CR end a line, a last line may lack its end.
@@ -78,5 +82,12 @@ std::string JoinLines(const std::vector<std::string>& lines);
 /// The path as it exists on this machine: unchanged when it exists; otherwise, with "\" taken as separator too, a match
 /// without regard to case; unchanged again when there is none.
 std::string ExistingPath(const std::string& path);
+
+/// Where a file is that another file names. A relative name that leads nowhere from the working directory is looked for
+/// beside the file that names it. @return the name itself where it exists, or is found in neither place
+std::string PathNamedIn(const std::string& namingFile, const std::string& name);
+
+/// The directory of a path, with the separator at its end; empty when the path has none.
+std::string DirectoryOf(const std::string& path);
 
 }  // namespace hylden

@@ -80,7 +80,8 @@ TEST_P(TestDefBox, ABadEntryStartsATestOrAnotherBoxIsShown) {
   const BoxCase& c = GetParam();
   if (c.prepare) c.prepare(test());
   Open();
-  for (const char* text : {"", "abc", "1.2.3", "5 V", "0.5,5", "1e400", "--1"}) ExpectPrompt(text, kNotANumber);
+  for (const char* text : {"", "abc", "1.2.3", "5 V", "0.5,5", "0,15", "1,000", "1e400", "--1"})
+    ExpectPrompt(text, kNotANumber);
   for (const std::string& text : c.outOfRange) ExpectPrompt(text, kOutOfRange);
 }
 
@@ -93,7 +94,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         BoxCase{"txtStartFreq", 0, {}, {"0", "-1", "-1e5"}}, BoxCase{"txtStopFreq", 0, {}, {"0.2", "2E-1", "0", "-80"}},
         BoxCase{"txtLinearStep", 0, kLinear, {"0", "-0.1"}}, BoxCase{"txtLogStep", 0, {}, {"0", "-1"}},
-        BoxCase{"txtSweepDwell", 0, {}, {"-0.001", "-1,000"}}, BoxCase{"txtDiscreteDwell", 0, {}, {"-1"}},
+        BoxCase{"txtSweepDwell", 0, {}, {"-0.001", "-1000"}}, BoxCase{"txtDiscreteDwell", 0, {}, {"-1"}},
         BoxCase{"txtAmDepth", 1, {}, {"0", "100.5", "-1", "1e39"}}, BoxCase{"txtAmModFreq", 1, {}, {"0", "-1"}},
         BoxCase{"txtFmDev", 1, kFm, {"0", "-1"}}, BoxCase{"txtFmModFreq", 1, kFm, {"0", "-1", "1e39"}},
         BoxCase{"txtPulseWidth", 1, kPulse, {"0", "-1"}}, BoxCase{"txtPulsePeriod", 1, kPulse, {"0", "-1"}},
@@ -104,7 +105,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(TestDefForm, ANumberInAnotherSpellingIsRefusedOrMisread) {
   Type("txtStopFreq", " +8E1 ");
-  Type("txtSweepDwell", "1,000");
+  Type("txtSweepDwell", "1000");
   Type("txtAmDepth", "1d2");
   Type("txtInitLevOffset", "6");
   Type("txtLevelInc", "-2");

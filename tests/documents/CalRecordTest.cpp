@@ -86,7 +86,8 @@ TEST_F(CalRecordTest, ABadInfoFileIsTaken) {
   EXPECT_EQ(t.dialogs.LastText(), "WARNING: \rNo calibration filename specified\rin test definition file.");
   const std::string path = t.directory.Write("x.hyinfo", "a\r\nb\r\nc\r\nd\r\n1 - 2\r\nmethod\r\n");
   EXPECT_FALSE(calInfo.LoadDef(path));
-  EXPECT_EQ(t.dialogs.LastText(), "Error # 13\rType mismatch\rCalInfo.LoadDef\r" + path);
+  EXPECT_EQ(t.dialogs.LastText(),
+            "Error # 13\rType mismatch, line 6 of the calibration info file: \"method\"\rCalInfo.LoadDef\r" + path);
   EXPECT_EQ(calInfo.Record.FreqRange, "1 - 2");
   EXPECT_EQ(calInfo.Record.CouplingMethod, 1);
   EXPECT_FALSE(calInfo.LoadDef(t.directory.Write("x.hyinfo", "a\r\n")));
@@ -162,7 +163,20 @@ TEST_F(CalRecordTest, ALineIsReadWrongly) {
   EXPECT_EQ(point->FwdPwr, -999);
   EXPECT_EQ(point->RevPwr, -999);
   EXPECT_TRUE(ParseCalLine("1,2,3,4,5"));
+  EXPECT_TRUE(ParseCalLine("1,2,3,4,5, ,"));
   EXPECT_FALSE(ParseCalLine("1,2,3,4"));
+  EXPECT_FALSE(ParseCalLine("1,2,3,4,5,6")) << "decimal commas";
+  EXPECT_FALSE(ParseCalLine("0,15,-12,345,129,54,33,10,na,")) << "decimal commas";
+}
+
+TEST_F(CalRecordTest, WhatEditorsLeaveAtTheEndDoesNoHarm) {
+  const std::string good = "1,-1,3,4,5,\r\n2,-2,3,4,5,\r\n";
+  for (const char* end : {"\r\n", "\x1A", "\r\n\x1A"}) {
+    clsCalFile fresh(t.shell);
+    t.directory.Write("x.cal", good + end);
+    EXPECT_TRUE(fresh.LoadFile(t.directory.File("x.hyinfo")));
+    EXPECT_EQ(fresh.GetNumSteps(), 1);
+  }
 }
 
 TEST_F(CalRecordTest, ALookupGivesTheWrongValue) {

@@ -31,13 +31,13 @@ Entries GoodEntries() {
 TEST(TestValidationTest, ABadEntryIsTakenOrTheWrongBoxIsShown) {
   constexpr auto kNumber = Kind::NotANumber, kOutside = Kind::OutOfRange;
   constexpr Refusal<Entries> refusals[] = {
-      {[](auto& e) { e.StartFreq = "x"; }, "txtStartFreq", 0, kNumber},
+      {[](auto& e) { e.StartFreq = "0,15"; }, "txtStartFreq", 0, kNumber},
       {[](auto& e) { e.StopFreq = ""; }, "txtStopFreq", 0, kNumber},
       {[](auto& e) { e.LinearStep = "."; }, "txtLinearStep", 0, kNumber},
       {[](auto& e) { e.LogStep = "1%"; }, "txtLogStep", 0, kNumber},
       {[](auto& e) { e.SweepDwell = "-"; }, "txtSweepDwell", 0, kNumber},
       {[](auto& e) { e.DiscreteDwell = "x"; }, "txtDiscreteDwell", 0, kNumber},
-      {[](auto& e) { e.AmDepth = "x"; }, "txtAmDepth", 1, kNumber},
+      {[](auto& e) { e.AmDepth = "80,5"; }, "txtAmDepth", 1, kNumber},
       {[](auto& e) { e.AmModFreq = "x"; }, "txtAmModFreq", 1, kNumber},
       {[](auto& e) { e.FmDev = "x"; }, "txtFmDev", 1, kNumber},
       {[](auto& e) { e.FmModFreq = "x"; }, "txtFmModFreq", 1, kNumber},
@@ -87,6 +87,8 @@ TEST(TestValidationTest, AMissingChoiceGivesTheWrongMessage) {
       {[](Entries&) {}, "0.15 to 80", 2, noRange},
       {[](Entries&) {}, "low - high", 2, noRange},
       {[](Entries&) {}, "80 - 0.15", 2, noRange},
+      {[](Entries&) {}, "0,15 - 80", 2, noRange},
+      {[](Entries&) {}, "0.15 - 79,5", 2, noRange},
       {[](Entries& e) { e.CalFile = ""; }, kRange, 2, "No calibration setup file specified!"},
       {[](Entries& e) { e.FreqSweep = false; }, kRange, 0,
        "Either a swept frequency test or \r\na discrete frequency test must be specified"},
@@ -157,7 +159,7 @@ TEST(TestValidationTest, AnEntryIsStoredDifferently) {
   entries.ModType = 9;
   entries.RealTimeLevel = true;
   entries.FreqList = true;
-  entries.DiscreteDwell = "1,000";
+  entries.DiscreteDwell = "1000";
   entries.EUTCircuitImpedance = "not asked for";
   entries.LimitMargin = "-3";
   TestDefinition test;

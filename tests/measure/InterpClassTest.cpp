@@ -125,6 +125,11 @@ TEST_F(InterpClassTest, ABadFileIsTakenOrItsFaultIsMisreported) {
       {"letters within a run", "1,2\r\n2,2\r\n3,x\r\n", badData},
       {"one number", "1,2\r\n2\r\n", badData},
       {"foreign character", "1,2\r\n2,3\r\n3,4\xB5\r\n", badData},
+      {"decimal commas", "10,5 2,3\r\n20,5 2,4\r\n", badData},
+      {"decimal commas behind a header", "Freq Loss\r\n10 2\r\n20,5 2.4\r\n", badData},
+      {"decimal comma in the value", "10 2,3\r\n20 2,4\r\n", badData},
+      {"decimal commas as columns", "10,5,2,3\r\n20,5,2,4\r\n", badData},
+      {"grouped thousands", "1,000 2\r\n2,000 3\r\n", badData},
       {"value too large", "1,2\r\n2,9" + std::string(60, '9') + "\r\n", badData},
       {"binary",
        std::string("\x7F"
@@ -159,6 +164,10 @@ TEST_F(InterpClassTest, AFileThatCannotBeReadIsNotReported) {
 }
 
 TEST_F(InterpClassTest, AnOddButValidFileIsRefused) {
+  ASSERT_TRUE(Load("0.15,0.5,7\n30,1\n100,1.5\t60,60.5\n"));
+  EXPECT_EQ(At(0.15), 0.5F);
+  EXPECT_EQ(At(30), 1);
+  EXPECT_EQ(At(100), 1.5F);
   ASSERT_TRUE(Load("_Freq_ 1E3\n----- -----\n\n5\n,,1\t ,0.5,7\n+2 -.5 9\n"));
   EXPECT_EQ(table.MinFreq(), 1);
   EXPECT_EQ(At(1), 0.5F);

@@ -47,6 +47,8 @@ TEST_F(ReadFreqTest, ABadListIsTakenOrCostsTheListThatWasThere) {
       {"10\r\n \r\n20", badData},
       {"10\r\n20;\r\n", badData},
       {"-----\r\n20\r\n", badData},
+      {"10,5\r\n20,5\r\n", badData},
+      {"10\r\n20, 30,5\r\n", badData},
       {"10\r\n" + std::string(400, '9'), badData},
   };
   List list{5};

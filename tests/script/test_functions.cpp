@@ -66,10 +66,14 @@ TEST_F(Functions, SplitIndexAndJoin) {
 }
 
 TEST_F(Functions, ConvertBetweenKinds) {
-  Expect(R"(
+  Expect(R"~(
     CInt(2.5) & CInt(3.5) & CLng("-0.5") -> 240 | CInt(" 12 ") -> 12 | CDbl("72.669" & vbCrLf) -> 72.669
     CDbl("1,234.5") -> 1234.5 | CDbl("&HFF") -> 255 | CDbl("-$5.25") -> -5.25 | CDbl("") -> #13
     CDbl("72.669 DBUV") -> #13 | CInt(32768) -> #6 | CByte(-1) -> #6 | CByte(True) -> 255
+    CDbl("(5)") & CDbl("5-") & CDbl("5 -") & CDbl("( $5.5 )") & CDbl("5+") -> -5-5-5-5.55
+    IsNumeric("(5)") & IsNumeric("5-") & IsNumeric("1,234.5-") -> TrueTrueTrue
+    IsNumeric("(-5)") & IsNumeric("-5-") & IsNumeric("((5))") & IsNumeric("()") & IsNumeric("-") -> FalseFalseFalseFalseFalse
+    IsNumeric("&H5-") & IsNumeric("(5") & IsNumeric("5)") & IsNumeric("(5)-") -> FalseFalseFalseFalse
     CBool("true") & CBool(0) & CBool("2") -> TrueFalseTrue | CSng("0.1") -> 0.1 | CSng(1E300) -> #6
     CCur(1.23456) & " " & CCur(-2) -> 1.2346 -2 | CStr(1/3) -> 0.333333333333333
     CStr(1E15) & " " & CStr(1E-5) -> 1E+15 0.00001 | CStr(Null) -> #94 | CDbl(#1/5/2026 12:00 PM#) -> 46027.5
@@ -80,7 +84,7 @@ TEST_F(Functions, ConvertBetweenKinds) {
     TypeName(Null) & TypeName(Nothing) & TypeName(MathLib) & TypeName(q) -> NullNothingclsHyLibEmpty
     VarType(Array()) & VarType("") & VarType(True) & VarType(CByte(1)) -> 820481117
     vbArray + vbVariant = VarType(Array()) -> True
-  )");
+  )~");
 }
 
 TEST_F(Functions, Calculate) {

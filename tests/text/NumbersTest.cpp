@@ -89,11 +89,22 @@ TEST(LeadingNumber, StopsAtTheFirstCharacterThatCannotContinueANumber) {
 }
 
 TEST(IsNumeric, TakesWholeTextsOnly) {
-  for (const char* text : {"0", " 5 ", "\t-5.", "+.5", "1E5", "1d-5", "1,234.5", "1,2", "&H1F", "- 3", "1e-400"})
+  for (const char* text : {"0", " 5 ", "\t-5.", "+.5", "1E5", "1d-5", "&H1F", "- 3", "1e-400"})
     EXPECT_TRUE(IsNumeric(text)) << text;
   for (const char* text : {"",      " ",    ".",  "-",   "--5", "5 6",  "5 MHz", "E5",  "1E", ",5",    "5,",
                            "1.5,5", "1,,2", "na", "inf", "nan", "True", "&H",    "&HG", "&",  "1e400", "0x10"})
     EXPECT_FALSE(IsNumeric(text)) << text;
+}
+
+TEST(IsNumeric, TakesACommaForSomebodysDecimalSignOutsideScripts) {
+  for (const char* text : {"10,5", "0,15", "1,234.5", "1,234,567"}) {
+    EXPECT_FALSE(IsNumeric(text)) << text;
+    EXPECT_EQ(ErrorOf([&] { ToSingle(text); }), 13) << text;
+    EXPECT_EQ(ErrorOf([&] { ToInt32(text); }), 13) << text;
+    EXPECT_EQ(ErrorOf([&] { ToFlag(text); }), 13) << text;
+  }
+  EXPECT_TRUE(IsNumeric("1,234.5", Commas::Grouping));
+  EXPECT_EQ(ToDouble("1,234.5", Commas::Grouping), 1234.5);
 }
 
 TEST(Conversions, RoundWholeNumbersToTheEvenNeighbour) {

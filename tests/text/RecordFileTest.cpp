@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/ErrorOf.h"
+#include "support/TempDir.h"
 
 namespace hylden {
 namespace {
@@ -80,6 +81,39 @@ TEST(RecordFile, AFaultKeepsTheFieldsBeforeItAndTellsItsNumber) {
     EXPECT_EQ(sample.Freq, 0.5);
     EXPECT_EQ(sample.Level, -12.5F);
   }
+}
+
+constexpr std::string_view FileKind(const Sample&) {
+  return "sample";
+}
+
+TEST(RecordFile, AFaultNamesItsLineAndTheKindOfFile) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"new\n0,15\n", "Type mismatch, line 2 of the sample: \"0,15\""},
+      {"new\n1\n1E39\n", "Overflow, line 3 of the sample: \"1E39\""},
+      {"new\n1\n", "Input past end of file"},
+      {"new\nb\1nary\n", "Type mismatch, line 2 of the sample: \"b nary\""},
+  };
+  TempDir directory;
+  for (const auto& [text, description] : rows) {
+    const std::string path = directory.Write("a.txt", text);
+    Sample sample;
+    try {
+      LoadRecord(path, sample);
+      FAIL() << text;
+    } catch (const RuntimeError& error) {
+      EXPECT_EQ(error.Description(), description);
+    }
+  }
+  const std::string path = directory.Write("a.txt", "new\n" + std::string(59, 'x') + "\xC3\xA4\n");
+  Sample sample;
+  EXPECT_EQ(ErrorOf([&] { LoadRecord(path, sample); }), 13) << "a character is not cut in two";
+}
+
+TEST(RecordFile, EmptyLinesAtTheEndMayBeMissing) {
+  const Sample sample = Read("n\n1\n1\n1\n1\nTrue\n");
+  EXPECT_TRUE(sample.On);
+  EXPECT_FALSE(sample.Late);
 }
 
 TEST(RecordFile, ALineEndWithinATextDoesNotShiftTheFields) {

@@ -204,6 +204,25 @@ TEST_F(TextFileTest, AFullDiskIsToldAsSuch) {
   EXPECT_EQ(ErrorOf([] { ReplaceFile("/dev/full", "new"); }), 61);
 }
 
+TEST_F(TextFileTest, AFileThatOpensButCannotBeReadIsToldAsSuch) {
+  if (!fs::exists("/proc/self/mem")) GTEST_SKIP() << "no file that opens and then fails";
+  EXPECT_EQ(ErrorOf([] { ReadTextFile("/proc/self/mem"); }), 57);
+}
+
+TEST_F(TextFileTest, APipeIsRefusedInsteadOfWaitedFor) {
+  ASSERT_EQ(mkfifo(At("pipe.tst").c_str(), 0600), 0);
+  EXPECT_EQ(ErrorOf([&] { ReadTextFile(At("pipe.tst")); }), 75);
+}
+
+TEST_F(TextFileTest, TheEndOfFileCharacterOfDosBelongsToNoLine) {
+  folder_.Write("dos.tst",
+                "a\r\nb\x1A"
+                "c\r\n\x1A\x1A");
+  EXPECT_EQ(ReadTextFile(At("dos.tst")),
+            "a\r\nb\x1A"
+            "c\r\n");
+}
+
 TEST_F(TextFileTest, ASymbolicLinkStaysALinkToTheReplacedFile) {
   folder_.Write("real/a.tst", "old");
   fs::create_symlink("real/a.tst", At("link.tst"));
