@@ -113,11 +113,15 @@ Value Sum(const Value& left, const Value& right, Budget& budget) {
   return AddLike(Operator::Add, left, right);
 }
 
+/// A quotient is a Double, but no more exact than a Single next to which nothing wider stands.
 Value Quotient(const Value& left, const Value& right) {
-  RequireNumbers(left, right);
+  const Kind first = ArithmeticKind(left), second = ArithmeticKind(right);
   const double dividend = ToDouble(left), divisor = ToDouble(right);
   if (divisor == 0) Raise(dividend == 0 ? Failure::Overflow : Failure::DivisionByZero);
-  return RealResult(dividend / divisor);
+  const double result = dividend / divisor;
+  const bool isSingle = std::max(first, second) == Kind::Single && std::min(first, second) != Kind::Long;
+  if (isSingle && std::isfinite(static_cast<float>(result))) return Value::Single(static_cast<float>(result));
+  return RealResult(result);
 }
 
 /// WholeDivide and Modulo: operands are rounded to whole numbers first.

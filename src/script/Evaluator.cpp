@@ -35,6 +35,11 @@ Value Evaluator::Run(const Program& program) {
   return result;
 }
 
+void Evaluator::ChargeTexts(std::size_t count) {
+  for (std::size_t i = stack_.size() - count; i < stack_.size(); ++i)
+    if (stack_[i].Is(Kind::String)) session_.budget.Charge(stack_[i].Chars().size());
+}
+
 void Evaluator::Execute(const Program& program, const Instruction& step) {
   switch (step.action) {
     case Action::PushConstant:
@@ -52,14 +57,19 @@ void Evaluator::Execute(const Program& program, const Instruction& step) {
     case Action::TakeMember:
       return TakeMember(program, step);
     case Action::Negate:
+      ChargeTexts(1);
       return Replace(1, Negated(Top()));
     case Action::Complement:
+      ChargeTexts(1);
       return Replace(1, Complement(Top()));
     case Action::Calculate:
+      ChargeTexts(2);
       return Replace(2, Calculate(step.operation, Left(), Top(), session_.budget));
     case Action::Combine:
+      ChargeTexts(2);
       return Replace(2, Combine(step.operation, Left(), Top()));
     case Action::Compare: {
+      ChargeTexts(2);
       const auto order = Order(Left(), Top(), step.leftIsLiteral, step.rightIsLiteral, session_.budget);
       return Replace(2, Compared(step.operation, order));
     }
@@ -87,6 +97,7 @@ void Evaluator::PushRetString() {
 }
 
 void Evaluator::CallFunction(const Instruction& step) {
+  ChargeTexts(step.count);
   const std::span<const Value> arguments(stack_.data() + stack_.size() - step.count, step.count);
   Replace(step.count, Invoke(*step.function, Call(arguments, session_)));
 }
@@ -97,6 +108,7 @@ void Evaluator::TakeElement(const Program& program, const Instruction& step) {
   if (owner.Is(Kind::Object)) Raise(Failure::WrongNumberOfArguments, name);
   if (!owner.Is(Kind::Array)) Raise(Failure::TypeMismatch, name);
   if (step.count != 1) Raise(Failure::SubscriptOutOfRange, name);
+  ChargeTexts(1);
   const std::int32_t subscript = ToLong(Top());
   const std::vector<Value>& elements = owner.Elements();
   if (subscript < 0 || static_cast<std::size_t>(subscript) >= elements.size()) {

@@ -17,6 +17,8 @@ class Evaluator {
   Value Run(const Program& program);
 
  private:
+  /// Charges for the texts among the topmost values, which the next instruction reads.
+  void ChargeTexts(std::size_t count);
   void Execute(const Program& program, const Instruction& step);
   void PushRetString();
   void CallFunction(const Instruction& step);

@@ -100,6 +100,10 @@ TEST_F(Engine, BoundsWhatAnExpressionMayUse) {
     UBound(Split(Space(1000000))) -> #7 Out of memory | InStr(Space(500000), Space(250000) & "x") -> #7 Out of memory
     InStrRev(Space(500000), "x" & Space(250000)) -> 0
   )");
+  EXPECT_EQ(StatementError("s = Space(1000000)"), 0);
+  for (const char* reading : {"IsNumeric(s)", "IsDate(s)", "Len(s)", "Len(Mid(s, 2))", "(s < s)"})
+    EXPECT_EQ(Result("0" + Repeat(std::string("+") + reading, 100)), "#7 Out of memory") << reading;
+  EXPECT_EQ(Result("IsNumeric(s)"), "False");
   std::string nested = "1";
   for (int i = 0; i < 100; ++i) nested = "Array(" + nested + ")";
   EXPECT_EQ(Result("IsArray(" + nested + ")"), "#28 Out of stack space");

@@ -25,6 +25,9 @@ TEST_F(Operators, WholeNumbersWidenInsteadOfOverflowing) {
     TypeName(True + True) -> Integer | TypeName(CSng(1) + 1) -> Single | TypeName(CSng(1) + 100000) -> Double
     TypeName(CCur(1) + 1.5) -> Currency | TypeName(CCur(1) * 1.5) -> Double | CCur("1.5") * CCur("0.0001") -> 0.0002
     TypeName(#1/5/2026# + 1) -> Date | TypeName(#1/5/2026# - #1/1/2026#) -> Double | TypeName(4 / 2) -> Double
+    TypeName(CSng(1) / CSng(3)) & (CSng(1) / CSng(3)) -> Single0.3333333 | TypeName(CSng(1) / 3) -> Single
+    TypeName(CSng(1) / CLng(3)) & TypeName(CSng(1) / "3") & TypeName(CSng(1) / CDbl(3)) -> DoubleDoubleDouble
+    TypeName(CSng(1E30) / CSng(1E-30)) -> Double
     TypeName(-CInt(-32768)) -> Long | TypeName(7.6 \ 2) -> Long | 7.5 \ 2 -> 4 | 2.5 Mod 2 -> 0 | -7 Mod 3 -> -1
     -7 \ 2 -> -3 | TypeName(&HFFFF) -> Integer | &HFFFF -> -1 | &HFFFF& -> 65535 | &H10000 -> 65536 | &O17 -> 15
     1e3 -> 1000 | .5 -> 0.5 | 1.5E-3 -> 0.0015
