@@ -46,7 +46,7 @@ class CableLoss {
 };
 
 bool CableLoss::Plan() {
-  const auto failure = CheckCableStation(station_.TheDocuments().equip.Record);
+  const auto failure = CheckCableStation(station_.TheDocuments().equip);
   if (failure) station_.Tell(failure->Text);
   return !failure && run_.BuildPlan() && station_.MayMakeOutput(run_.Points().size());
 }

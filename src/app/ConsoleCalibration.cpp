@@ -37,7 +37,7 @@ bool Validate(ConsoleStation& station) {
     station.TellBadEntry(*failure, "calibration setup");
     return false;
   }
-  if (const auto failure = CheckStation(setup.Record, station.TheDocuments().equip.Record)) {
+  if (const auto failure = CheckStation(setup.Record, station.TheDocuments().equip)) {
     station.Tell(failure->Text);
     return false;
   }

@@ -20,7 +20,7 @@ bool Validate(ConsoleStation& station) {
     station.TellBadEntry(*validation.Failure, "test definition");
     return false;
   }
-  if (const auto failure = CheckStart(test, documents.equip.Record)) {
+  if (const auto failure = CheckStart(test, documents.equip)) {
     station.Tell(failure->Text);
     return false;
   }

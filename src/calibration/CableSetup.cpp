@@ -94,4 +94,9 @@ std::optional<StartFailure> CheckCableStation(const EquipRecord& equipment) {
   return StartFailure{"The signal generator and meter must both be selected", 0};
 }
 
+std::optional<StartFailure> CheckCableStation(const Equip& equipment) {
+  if (auto failure = CheckCableStation(equipment.Record)) return failure;
+  return equipment.CheckDefinitions(true, false);
+}
+
 }  // namespace hylden

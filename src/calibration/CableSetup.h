@@ -47,5 +47,7 @@ EnabledCableControls EnabledControlsFor(const CableSetupEntries& entries);
 
 /// Whether the station has what the calibration needs.
 std::optional<StartFailure> CheckCableStation(const EquipRecord& equipment);
+/// The same, and whether the definitions of the instruments could be loaded.
+std::optional<StartFailure> CheckCableStation(const Equip& equipment);
 
 }  // namespace hylden

@@ -88,7 +88,7 @@ void frmCblSetup::CreateList() {
 }
 
 void frmCblSetup::Start() {
-  if (const auto missing = CheckCableStation(documents_.equip.Record)) {
+  if (const auto missing = CheckCableStation(documents_.equip)) {
     shell_.dialogs.Tell(missing->Text);
     emit EditEquipmentRequested(missing->EquipmentTab);
     return;

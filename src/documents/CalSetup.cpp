@@ -103,6 +103,11 @@ std::optional<StartFailure> CheckStation(const CalSetupRecord& setup, const Equi
   return CheckAmplifier(equipment);
 }
 
+std::optional<StartFailure> CheckStation(const CalSetupRecord& setup, const Equip& equipment) {
+  if (auto failure = CheckStation(setup, equipment.Record)) return failure;
+  return equipment.CheckDefinitions(true, setup.RecordsForward());
+}
+
 double CouplingFactorDb(std::int32_t couplingMethod, float userDefinedDb) {
   switch (static_cast<CouplingMethod>(couplingMethod)) {
     case CouplingMethod::Clamp150Ohm:
@@ -138,6 +143,8 @@ CalInfoRec CalInfoOf(const CalSetupRecord& setup) {
 bool CalSetup::LoadDef(const std::string& path) {
   try {
     LoadRecord(path, Record);
+    files_ = FilesBeside(path);
+    FindFiles(Record, files_);
   } catch (const std::exception& error) {
     shell_.ReportError(error, "CalSetup.LoadDef", path);
     return false;
@@ -148,7 +155,7 @@ bool CalSetup::LoadDef(const std::string& path) {
 
 bool CalSetup::SaveDef(const std::string& path) {
   try {
-    SaveRecord(path, Record, true);
+    SaveRecord(path, WithFileNames(Record, files_, path), true);
   } catch (const std::exception& error) {
     shell_.ReportError(error, "CalSetup.SaveDef", path);
     return false;

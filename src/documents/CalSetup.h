@@ -67,6 +67,8 @@ void ListFileChanged(CalSetupEntries& entries);
 
 /// Whether the station has what the calibration needs; the first thing missing, in checking order.
 std::optional<StartFailure> CheckStation(const CalSetupRecord& setup, const EquipRecord& equipment);
+/// The same, and whether the definitions of the instruments could be loaded.
+std::optional<StartFailure> CheckStation(const CalSetupRecord& setup, const Equip& equipment);
 
 /// What the meter's reading at the calibration port lies below the test level, dB.
 /// @param couplingMethod  a CouplingMethod code
@@ -84,6 +86,7 @@ class CalSetup {
  public:
   explicit CalSetup(Shell& shell) : shell_(shell) {}
 
+  /// Files named without a directory are also looked for beside the setup.
   /// @return false after a report; fields before the fault keep their new values
   bool LoadDef(const std::string& path);
   bool SaveDef(const std::string& path);
@@ -110,6 +113,7 @@ class CalSetup {
 
  private:
   Shell& shell_;
+  FilesBeside files_;
 };
 
 }  // namespace hylden

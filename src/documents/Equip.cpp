@@ -1,5 +1,7 @@
 #include "documents/Equip.h"
 
+#include <utility>
+
 #include "instruments/Instruments.h"
 #include "shell/FormInput.h"
 #include "shell/Shell.h"
@@ -68,7 +70,12 @@ bool SameEntries(const EquipmentEntries& a, const EquipmentEntries& b) {
 
 int Equip::LoadDef(const std::string& path) {
   try {
-    LoadRecord(path, Record);
+    EquipRecord read;
+    LoadRecord(path, read);
+    FilesBeside files(path);
+    FindFiles(read, files);
+    Record = std::move(read);
+    files_ = std::move(files);
   } catch (const std::exception& error) {
     shell_.ReportError(error, "Equip.LoadDef", path);
     return 0;
@@ -80,7 +87,7 @@ int Equip::LoadDef(const std::string& path) {
 
 int Equip::SaveDef(const std::string& path) {
   try {
-    SaveRecord(path, Record);
+    SaveRecord(path, WithFileNames(Record, files_, path));
   } catch (const std::exception& error) {
     shell_.ReportError(error, "Equip.SaveDef", path);
     return 0;
@@ -91,9 +98,11 @@ int Equip::SaveDef(const std::string& path) {
 }
 
 bool Equip::LoadDefinitions() {
+  // The command that ends RF goes with the definition.
+  if (instruments_.sigGen.RfIsOn()) instruments_.sigGen.SilenceRf();
   bool loaded = true;
   const auto load = [&loaded](auto& driver, const std::string& file, int address) {
-    if (file.empty()) return;
+    if (file.empty()) return driver.Forget();
     loaded = driver.LoadFile(file) && loaded;
     driver.SetAddress(address);  // the station's address rules, not the definition's
   };
@@ -102,6 +111,17 @@ bool Equip::LoadDefinitions() {
   load(instruments_.pm, Record.PwrMtrFile, Record.PwrMtrAddress);
   if (Record.HasIfiAmplifier()) instruments_.pm.SetBandswitch(Record.IfiBandSwitch);
   return loaded;
+}
+
+std::optional<StartFailure> Equip::CheckDefinitions(bool meter, bool powerMeter) const {
+  const auto missing = [](const auto& driver, const std::string& file) -> std::optional<StartFailure> {
+    if (driver.HasDefinition()) return std::nullopt;
+    return StartFailure{"The " + std::string(FileKind(driver.Definition())) + " could not be loaded:\r\n" + file, 0};
+  };
+  if (auto failure = missing(instruments_.sigGen, Record.SigGenFile)) return failure;
+  if (meter)
+    if (auto failure = missing(instruments_.meter, Record.MeterFile)) return failure;
+  return powerMeter ? missing(instruments_.pm, Record.PwrMtrFile) : std::nullopt;
 }
 
 std::optional<EntryFailure> Equip::ApplyEquipment(const EquipmentEntries& entries) {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "documents/EquipRecord.h"
+#include "documents/FilesBeside.h"
 
 namespace hylden {
 
@@ -47,14 +48,19 @@ class Equip {
  public:
   Equip(Shell& shell, Instruments& instruments) : shell_(shell), instruments_(instruments) {}
 
-  /// 1 when all fields were read, 0 after a report; fields read so far then keep their new values.
+  /// 1 when all fields were read, 0 after a report; the record is then as it was: half a station drives nothing. Files
+  /// named without a directory are also looked for beside the equipment file.
   int LoadDef(const std::string& path);
   int SaveDef(const std::string& path);
 
-  /// Loads the definition files of the three instruments into the drivers (those that are named); the equipment's
-  /// addresses rule over the definitions', and with an IFI amplifier its band switch over the power meter's.
+  /// Loads the definition files of the three instruments into the drivers; one that is not named or fails leaves its
+  /// driver without a definition. The equipment's addresses rule over the definitions', and with an IFI amplifier its
+  /// band switch over the power meter's.
   /// @return false when one of them failed, after its report
   bool LoadDefinitions();
+  /// Whether the instruments that a run needs have their definitions: the generator always, the others as asked for.
+  /// @return the first one whose file could not be loaded
+  std::optional<StartFailure> CheckDefinitions(bool meter, bool powerMeter) const;
   /// The form's entries as the record has them: what a freshly opened form would show.
   EquipmentEntries Entries() const { return EntriesOf(Record); }
   /// Checks the entries in the form's order and takes them into the record and the drivers, up to the first failure.
@@ -72,6 +78,7 @@ class Equip {
 
   Shell& shell_;
   Instruments& instruments_;
+  FilesBeside files_;
 };
 
 }  // namespace hylden

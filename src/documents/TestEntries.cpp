@@ -89,4 +89,9 @@ std::optional<StartFailure> CheckStart(const TestDefinition& test, const EquipRe
   return CheckAmplifier(equipment);
 }
 
+std::optional<StartFailure> CheckStart(const TestDefinition& test, const Equip& equipment) {
+  if (auto failure = CheckStart(test, equipment.Record)) return failure;
+  return equipment.CheckDefinitions(test.MonitorProbe, test.LevelsByPower());
+}
+
 }  // namespace hylden

@@ -12,6 +12,8 @@ namespace hylden {
 bool TestSetup::LoadDef(const std::string& path) {
   try {
     LoadRecord(path, Definition);
+    files_ = FilesBeside(path);
+    FindFiles(Definition, files_);
   } catch (const std::exception& error) {
     shell_.ReportError(error, "TestSetup.LoadDef", path);
     return false;
@@ -24,7 +26,7 @@ bool TestSetup::LoadDef(const std::string& path) {
 
 bool TestSetup::SaveDef(const std::string& path) {
   try {
-    SaveRecord(path, Definition);
+    SaveRecord(path, WithFileNames(Definition, files_, path));
   } catch (const std::exception& error) {
     shell_.ReportError(error, "TestSetup.SaveDef", path);
     return false;

@@ -67,12 +67,15 @@ void ModOffBetweenFreqsClicked(TestDefinitionEntries& entries);
 
 /// Whether the station has what the test needs; the first thing missing, in checking order.
 std::optional<StartFailure> CheckStart(const TestDefinition& test, const EquipRecord& equipment);
+/// The same, and whether the definitions of the instruments could be loaded.
+std::optional<StartFailure> CheckStart(const TestDefinition& test, const Equip& equipment);
 
 /// The test definition, its file, and its printed summary.
 class TestSetup {
  public:
   TestSetup(Shell& shell, const CalInfo& calInfo) : shell_(shell), calInfo_(calInfo) {}
 
+  /// Files named without a directory are also looked for beside the definition.
   /// @return false after a report; fields before the fault keep their new values
   bool LoadDef(const std::string& path);
   bool SaveDef(const std::string& path);
@@ -95,6 +98,7 @@ class TestSetup {
  private:
   Shell& shell_;
   const CalInfo& calInfo_;
+  FilesBeside files_;
 };
 
 }  // namespace hylden

@@ -291,7 +291,7 @@ void frmCalSetup::CreateList() {
 
 void frmCalSetup::Start() {
   if (!FormToSetup(true)) return;
-  const auto failure = CheckStation(documents_.calSetup.Record, documents_.equip.Record);
+  const auto failure = CheckStation(documents_.calSetup.Record, documents_.equip);
   if (!failure) {
     emit StartRequested();
     return;

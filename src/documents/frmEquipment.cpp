@@ -5,6 +5,7 @@
 #include "instruments/Instruments.h"
 #include "measure/InterpClass.h"
 #include "platform/qt/QtText.h"
+#include "platform/qt/ThemeColors.h"
 #include "shell/FormInput.h"
 #include "shell/Shell.h"
 #include "shell/qt/AboutBox.h"
@@ -35,6 +36,19 @@ DefinitionDialog DialogOf(InstrumentKind kind) {
       break;
   }
   return {"Select Power Meter File", "PMeters (*.pm)|*.pm|All Files|*.*"};
+}
+
+/// Red and struck through: a path to nothing that can be used.
+void MarkFailed(QLabel& label, bool failed) {
+  label.setFont({});
+  label.setPalette({});
+  if (!failed) return;
+  QFont font = label.font();
+  font.setStrikeOut(true);
+  label.setFont(font);
+  QPalette palette = label.palette();
+  palette.setColor(QPalette::WindowText, HighlightRed(palette));
+  label.setPalette(palette);
 }
 
 }  // namespace
@@ -183,7 +197,13 @@ void frmEquipment::ShowInstrument(InstrumentKind kind, const Driver& driver) {
   const InstrumentRow row = Row(kind);
   FitPathLabel(row.file, row.label);
   row.box.setText(row.file.empty() ? QString() : QString::number(row.address));
-  if (!row.file.empty()) row.label.setToolTip(ToQt(driver.InstrumentName()));
+  const bool failed = !row.file.empty() && !driver.HasDefinition();
+  MarkFailed(row.label, failed);
+  if (failed)
+    row.label.setToolTip(QStringLiteral("This definition could not be loaded, so the instrument can't be used:\n") +
+                         ToQt(row.file));
+  else if (!row.file.empty())
+    row.label.setToolTip(ToQt(driver.InstrumentName()));
 }
 
 void frmEquipment::ShowInstruments() {
@@ -210,11 +230,7 @@ void frmEquipment::SelectDefinition(Driver& driver, InstrumentKind kind) {
   driver.SetAddress(row.address);
   const auto path = AskFile(dialog.title, dialog.filter, datakind::kEquip, row.file);
   if (!path) return;
-  const auto previous = driver.Definition();
-  if (!driver.LoadFile(*path)) {
-    driver.PutDefinition(previous);
-    return;
-  }
+  if (!driver.LoadFileOrKeep(*path)) return;
   row.file = driver.FileName();
   row.address = static_cast<std::int16_t>(driver.Address());
   ShowInstrument(kind, driver);
@@ -224,6 +240,7 @@ void frmEquipment::ClearInstrument(InstrumentKind kind) {
   const InstrumentRow row = Row(kind);
   row.file.clear();
   FitPathLabel({}, row.label);
+  MarkFailed(row.label, false);
   row.box.clear();
 }
 

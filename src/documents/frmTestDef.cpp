@@ -312,7 +312,7 @@ void frmTestDef::CreateList() {
 
 void frmTestDef::Start() {
   if (!FormToDef()) return;
-  const auto failure = CheckStart(documents_.testSetup.Definition, documents_.equip.Record);
+  const auto failure = CheckStart(documents_.testSetup.Definition, documents_.equip);
   if (!failure) {
     emit StartRequested();
     return;

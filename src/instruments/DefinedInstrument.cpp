@@ -42,10 +42,33 @@ bool DefinedInstrument<Record>::Reported(const char* context, const std::string&
 
 template <class Record>
 bool DefinedInstrument<Record>::LoadFile(const std::string& path) {
+  if (LoadFileOrKeep(path)) return true;
+  Forget();
   fileName_ = path;
-  const bool loaded = Reported(NamesOf(definition_).Load, path, [&] { LoadRecord(path, definition_); });
-  if (loaded) terminator_.Derive(definition_.EndOfString);
-  return loaded;
+  return false;
+}
+
+template <class Record>
+bool DefinedInstrument<Record>::LoadFileOrKeep(const std::string& path) {
+  Record read;
+  if (!Reported(NamesOf(read).Load, path, [&] { LoadRecord(path, read); })) return false;
+  PutDefinition(read);
+  fileName_ = path;
+  return true;
+}
+
+template <class Record>
+void DefinedInstrument<Record>::Forget() {
+  PutDefinition({});
+  fileName_.clear();
+  hasDefinition_ = false;
+}
+
+template <class Record>
+bool DefinedInstrument<Record>::Ready() {
+  if (!hasDefinition_)
+    shell_.TellFailure("There is no " + std::string(FileKind(definition_)) + " to work with.\r\n" + fileName_);
+  return hasDefinition_;
 }
 
 template <class Record>
@@ -65,6 +88,7 @@ template <class Record>
 void DefinedInstrument<Record>::PutDefinition(const Record& definition) {
   definition_ = definition;
   terminator_.Derive(definition_.EndOfString);
+  hasDefinition_ = true;
 }
 
 template <class Record>

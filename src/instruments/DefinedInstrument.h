@@ -9,15 +9,21 @@ namespace hylden {
 class Shell;
 
 /// An instrument that is driven through its definition: the definition, the file it came from, the terminator it asks
-/// for. Failures are reported here; callers add nothing.
+/// for. Without one it refuses to be opened. Failures are reported here; callers add nothing.
 template <class Record>
 class DefinedInstrument {
  public:
   DefinedInstrument(const DefinedInstrument&) = delete;
   DefinedInstrument& operator=(const DefinedInstrument&) = delete;
 
-  /// Fields read before a failure keep their new values.
+  /// A file that fails leaves no definition: another instrument's commands and limits would be worse than none.
   bool LoadFile(const std::string& path);
+  /// The same, but a file that fails leaves everything as it was.
+  bool LoadFileOrKeep(const std::string& path);
+  /// Drops definition and file.
+  void Forget();
+  /// False after LoadFile has failed and after Forget, until a definition comes in.
+  bool HasDefinition() const { return hasDefinition_; }
   /// A failure leaves the old file whole.
   bool SaveFile(const std::string& path);
   /// The definition's listing on the printer.
@@ -36,6 +42,8 @@ class DefinedInstrument {
   DefinedInstrument(Shell& shell, Gpib& gpib) : shell_(shell), gpib_(gpib) {}
   ~DefinedInstrument() = default;
 
+  /// Whether there is a definition to work with; tells where there is none.
+  bool Ready();
   bool HasFreqCommand() const { return !definition_.FreqSetPrefix.empty() || !definition_.FreqSetSuffix.empty(); }
 
   Shell& shell_;
@@ -48,6 +56,7 @@ class DefinedInstrument {
   bool Reported(const char* context, const std::string& path, Operation operation);
 
   std::string fileName_;
+  bool hasDefinition_ = true;
 };
 
 }  // namespace hylden

@@ -33,6 +33,7 @@ std::optional<double> NextReferenceLevel(double levelDbuv, double referenceDbuv,
 }
 
 bool Meter::InitMeter() {
+  if (!Ready()) return false;
   const std::string init = definition_.InitString.empty() ? "" : definition_.InitString + terminator_.Text;
   if (!gpib_.GpibOpen(Address(), init, kName)) return false;
   currentFreq_ = 0;

@@ -20,6 +20,7 @@ const std::string& OfChannel(int channel, const std::string& first, const std::s
 }  // namespace
 
 bool PM::InitPwrMtr() {
+  if (!Ready()) return false;
   const std::string init = definition_.InitString.empty() ? "" : definition_.InitString + terminator_.Text;
   if (!gpib_.GpibOpen(Address(), init, kName)) return false;
   currentFreq_ = 0;

@@ -13,6 +13,7 @@ constexpr const char* kWriteFailed = "Error in writing command to Signal Generat
 }  // namespace
 
 bool SigGen::InitSigGen(double frequencyMHz, float levelDbm) {
+  if (!Ready()) return false;
   rf_ = Rf::Unknown;  // whatever state the generator is found in, it has to be switched off
   // An empty Init String still sends the terminator: it ends a command left half-typed in the generator.
   if (!gpib_.GpibOpen(Address(), definition_.InitString + terminator_.Text, kName)) return false;
@@ -83,6 +84,7 @@ void SigGen::ForgetSent() {
 }
 
 bool SigGen::RfOn() {
+  if (!Ready()) return false;
   if (rf_ != Rf::On) {
     rf_ = Rf::On;
     if (!SetFreqLevel(requestedFreq_, requestedLevel_)) return false;
@@ -112,6 +114,7 @@ bool SigGen::SilenceOrReport() {
 }
 
 bool SigGen::TrySilence() {
+  if (!HasDefinition()) return rf_ == Rf::Off;
   const bool sent =
       definition_.RfOff.empty() ? LowerToMinimum() : gpib_.Send(Address(), definition_.RfOff + terminator_.Text);
   // After the send: had it thrown, the output would still count as on. What was off stays off.

@@ -158,6 +158,14 @@ TEST_F(HyldenRunProgram, FinishesWithARowForEveryStep) {
   EXPECT_EQ(JoinLines(lines).find("BENCH"), std::string::npos);
 }
 
+TEST_F(HyldenRunProgram, FindsTheFilesOfAStationBesideItFromAnywhere) {
+  const std::string station = std::string(kStation) + "/";
+  const Outcome outcome = HyldenRun({"--equipment", station + "station.eqp", "--test", station + "substitution-am.tst",
+                                     "--output", Output(), "--bench", station + "bench.txt", "--virtual-time", "--yes"},
+                                    {}, "/");
+  EXPECT_EQ(outcome.status, kFinished) << outcome.output;
+}
+
 TEST_F(HyldenRunProgram, SwitchesNothingOnWithoutATerminalAndWithoutYes) {
   const Outcome outcome = HyldenRun(OnTheBench("substitution-am.tst", {}));
   EXPECT_EQ(outcome.status, kFailed);

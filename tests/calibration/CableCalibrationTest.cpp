@@ -31,7 +31,7 @@ TEST(CableSetupTest, ABadEntryIsTakenOrTheWrongBoxIsShown) {
       {[](auto& e) { e.LinearStep = ""; }, "txtLinearStep", -1, kNumber},
       {[](auto& e) { e.StepType = 1, e.LogStep = "1%"; }, "txtLogStep", -1, kNumber},
       {[](auto& e) { e.Dwell = "x", e.StartFreq = "0"; }, "txtDwell", -1, kNumber},
-      {[](auto& e) { e.Level = "x"; }, "txtLev", -1, kNumber},
+      {[](auto& e) { e.Level = "-20,5"; }, "txtLev", -1, kNumber},
       {[](auto& e) { e.StartFreq = "0"; }, "txtStartFreq", -1, kOutside},
       {[](auto& e) { e.StopFreq = "1"; }, "txtStopFreq", -1, kOutside},
       {[](auto& e) { e.StepType = 1, e.LogStep = "0"; }, "txtLogStep", -1, kOutside},
@@ -68,6 +68,14 @@ TEST(CableSetupTest, TheStationIsNotChecked) {
   EXPECT_EQ(CheckCableStation(equipment)->Text, "The signal generator and meter must both be selected");
   equipment.MeterFile = "y";
   EXPECT_FALSE(CheckCableStation(equipment));
+
+  TestShell t;
+  Instruments instruments(t.shell);
+  Equip equip(t.shell, instruments);
+  equip.Record = equipment;
+  EXPECT_FALSE(CheckCableStation(equip));
+  instruments.meter.Forget();
+  EXPECT_EQ(CheckCableStation(equip)->Text, "The meter definition could not be loaded:\r\n" + equipment.MeterFile);
 }
 
 class CableTest : public testing::Test {

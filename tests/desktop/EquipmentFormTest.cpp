@@ -73,6 +73,18 @@ TEST_F(EquipmentFormTest, ShowsTheStation) {
   EXPECT_EQ(instruments.sigGen.Address(), 19) << "the station's address rules";
 }
 
+TEST_F(EquipmentFormTest, MarksAnInstrumentWhoseDefinitionDoesNotLoad) {
+  Record().MeterFile = t.directory.File("missing.mtr");
+  frmEquipment& f = Open();
+  const PathLabel& meter = Find<PathLabel>(f, "lblMeter");
+  EXPECT_TRUE(meter.font().strikeOut());
+  EXPECT_TRUE(meter.toolTip().contains("could not be loaded"));
+  EXPECT_EQ(meter.Path(), Record().MeterFile);
+  EXPECT_FALSE(Find<PathLabel>(f, "lblSigGen").font().strikeOut());
+  Find<QAbstractButton>(f, "cmdNoMeter").click();
+  EXPECT_FALSE(meter.font().strikeOut());
+}
+
 struct AddressCase {
   const char* text;
   const char* message;

@@ -56,9 +56,20 @@ TEST_F(CalSetupTest, AFieldIsLostOrMovedInTheFile) {
 }
 
 TEST_F(CalSetupTest, TheDemoSetupComesBackChanged) {
-  ASSERT_TRUE(setup.LoadDef(HYLDEN_SOURCE_DIR "/examples/station/cdn-10v.csu"));
+  const std::string demo = ReadTextFile(HYLDEN_SOURCE_DIR "/examples/station/cdn-10v.csu");
+  t.directory.Write("stepped.lev", "0.15 10\r\n80 10\r\n");
+  ASSERT_TRUE(setup.LoadDef(t.directory.Write("cdn-10v.csu", demo)));
   ASSERT_TRUE(setup.SaveDef(t.directory.File("again.csu")));
-  EXPECT_EQ(t.directory.Read("again.csu"), ReadTextFile(HYLDEN_SOURCE_DIR "/examples/station/cdn-10v.csu"));
+  EXPECT_EQ(t.directory.Read("again.csu"), demo);
+}
+
+TEST_F(CalSetupTest, ALevelFileBesideTheSetupIsFound) {
+  const std::string levels = t.directory.Write("lab/y.lev", "0.15 10\r\n80 10\r\n");
+  setup.Record = TenVolts();
+  setup.Record.LimitFile = "y.lev";
+  ASSERT_TRUE(setup.SaveDef(t.directory.File("lab/a.csu")));
+  ASSERT_TRUE(setup.LoadDef(t.directory.File("lab/a.csu")));
+  EXPECT_EQ(setup.Record.LimitFile, levels);
 }
 
 TEST_F(CalSetupTest, AShortFileOrABadLineCostsFieldsBehindIt) {
@@ -141,12 +152,12 @@ TEST_F(CalSetupTest, AListDoesNotSetTheRange) {
 TEST(CalSetupValidation, ABadEntryIsTakenOrTheWrongBoxIsShown) {
   constexpr auto kNumber = Kind::NotANumber, kOutside = Kind::OutOfRange, kMessage = Kind::Message;
   constexpr Refusal<Entries> refusals[] = {
-      {[](auto& e) { e.StartFreq = "x"; }, "txtStartFreq", 0, kNumber},
+      {[](auto& e) { e.StartFreq = "0,15"; }, "txtStartFreq", 0, kNumber},
       {[](auto& e) { e.StopFreq = ""; }, "txtStopFreq", 0, kNumber},
       {[](auto& e) { e.StepType = 0, e.LinearStep = "x"; }, "txtLinearStep", 0, kNumber},
       {[](auto& e) { e.LogStep = "1%"; }, "txtLogStep", 0, kNumber},
       {[](auto& e) { e.CalLevel = "10v"; }, "txtCalLevel", 1, kNumber},
-      {[](auto& e) { e.MaxLevel = "x"; }, "txtMaxLev", 1, kNumber},
+      {[](auto& e) { e.MaxLevel = "-1,5"; }, "txtMaxLev", 1, kNumber},
       {[](auto& e) { e.MaxStep = "x"; }, "txtMaxStep", 1, kNumber},
       {[](auto& e) { e.InitLevel = "x"; }, "txtInitLev", 1, kNumber},
       {[](auto& e) { e.RecordFwdPwr = e.LimitFwdPwr = true, e.FwdPwrLimit = ""; }, "txtFwdPwrLimit", 1, kNumber},

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "documents/CalSetup.h"
 #include "documents/RoundTrip.h"
+#include "documents/TestSetup.h"
 #include "instruments/Instruments.h"
 #include "support/TestShell.h"
 
@@ -86,8 +88,7 @@ TEST_F(EquipTest, ABadFileIsTakenAsGood) {
     EXPECT_TRUE(t.dialogs.LastText().starts_with("Error # " + std::to_string(row.error) + "\r"))
         << t.dialogs.LastText();
     EXPECT_TRUE(t.dialogs.LastText().ends_with("\rEquip.LoadDef\r" + path));
-    EXPECT_EQ(equip.Record.MeterAddress, 13) << "a field behind the fault has changed";
-    EXPECT_EQ(equip.Record.SigGenAddress, row.bytes.starts_with("new") ? 7 : 18);
+    EXPECT_TRUE(SameRecord(equip.Record, Station())) << "half a station drives nothing";
   }
   EXPECT_EQ(equip.LoadDef(t.directory.Path()), 0);
   EXPECT_EQ(equip.LoadDef(t.directory.File("missing.eqp")), 0);
@@ -138,6 +139,65 @@ TEST_F(EquipTest, ADriverKeepsTheDefinitionsAddress) {
   EXPECT_EQ(t.dialogs.messages.size(), 1U);
 }
 
+TEST_F(EquipTest, AStationWithoutADefinitionRunsWithNobodyElses) {
+  SigGenDefinition former;
+  former.InstrumentName = "Former";
+  instruments.sigGen.PutDefinition(former);
+  instruments.meter.PutDefinition({});
+  equip.Record.SigGenFile = t.directory.File("missing.sg");
+  EXPECT_FALSE(equip.LoadDefinitions());
+  EXPECT_EQ(instruments.sigGen.InstrumentName(), "");
+  EXPECT_FALSE(instruments.meter.HasDefinition()) << "the station has no meter";
+
+  const auto failure = CheckStart(TestDefinition{}, equip);
+  ASSERT_TRUE(failure);
+  EXPECT_EQ(failure->Text, "The signal generator definition could not be loaded:\r\n" + equip.Record.SigGenFile);
+  EXPECT_EQ(failure->EquipmentTab, 0);
+}
+
+TEST_F(EquipTest, StartAsksForTheDefinitionsThatTheRunNeeds) {
+  equip.Record = Station();
+  equip.Record.FwdPortFile = "forward.fac";
+  instruments.meter.LoadFile("missing.mtr");
+  instruments.pm.LoadFile("missing.pm");
+  TestDefinition test;
+  CalSetupRecord setup;
+  EXPECT_FALSE(CheckStart(test, equip));
+  test.MonitorProbe = true;
+  EXPECT_EQ(CheckStart(test, equip).value().Text, "The meter definition could not be loaded:\r\n/lab/meter.mtr");
+  EXPECT_EQ(CheckStation(setup, equip).value().Text, "The meter definition could not be loaded:\r\n/lab/meter.mtr");
+  test.MonitorProbe = false;
+  test.LevelingMethod = 1;
+  EXPECT_EQ(CheckStart(test, equip).value().Text, "The power meter definition could not be loaded:\r\n/lab/power.pm");
+  instruments.meter.PutDefinition({});
+  EXPECT_FALSE(CheckStation(setup, equip));
+  setup.RecordFwdPwr = 1;
+  EXPECT_EQ(CheckStation(setup, equip).value().Text,
+            "The power meter definition could not be loaded:\r\n/lab/power.pm");
+}
+
+TEST_F(EquipTest, FilesBesideTheEquipmentFileAreFoundFromAnywhere) {
+  SigGenDefinition generator;
+  generator.InstrumentName = "Beside";
+  SaveRecord((t.directory.Write("lab/a.eqp", ""), t.directory.File("lab/gen.sg")), generator);
+  t.directory.Write("lab/cable.los", "1 1\r\n2 2\r\n");
+  equip.Record.SigGenFile = "gen.sg";
+  equip.Record.CableLossFile = "cable.los";
+  equip.Record.ProbeFile = "nowhere.prb";
+  ASSERT_EQ(equip.SaveDef(t.directory.File("lab/a.eqp")), 1);
+  ASSERT_EQ(equip.LoadDef(t.directory.File("lab/a.eqp")), 1);
+  EXPECT_TRUE(equip.LoadDefinitions());
+  EXPECT_EQ(instruments.sigGen.InstrumentName(), "Beside");
+  EXPECT_EQ(equip.Record.CableLossFile, t.directory.File("lab/cable.los"));
+  EXPECT_EQ(equip.Record.ProbeFile, "nowhere.prb");
+
+  // Where the program was started a file of that name still comes first.
+  t.directory.Write("here/cable.los", "1 1\r\n2 2\r\n");
+  const WorkingDirectory here(t.directory.File("here"));
+  ASSERT_EQ(equip.LoadDef(t.directory.File("lab/a.eqp")), 1);
+  EXPECT_EQ(equip.Record.CableLossFile, "cable.los");
+}
+
 TEST_F(EquipTest, ABadAddressReachesADriver) {
   struct Row {
     const char* text;
@@ -150,6 +210,7 @@ TEST_F(EquipTest, ABadAddressReachesADriver) {
                       {"1E9", Kind::OutOfRange},
                       {"30.4", Kind::OutOfRange},
                       {"", Kind::NotANumber},
+                      {"1,5", Kind::NotANumber},
                       {"x", Kind::NotANumber}};
   equip.Record = Station();
   equip.Record.AmplifierType = 0;

@@ -77,6 +77,10 @@ TEST_F(TestSetupTest, ALineIsConvertedWrongly) {
   EXPECT_TRUE(other.Definition.UseAMdepth);
   ASSERT_TRUE(other.LoadDef(FileWithLine(t.directory, 2, "  +1.5E-1  ")));
   EXPECT_EQ(other.Definition.StartFreq, 0.15);
+  std::vector<std::string> lines = ReadLines(t.directory.File("a.tst"));
+  lines.resize(32);
+  ASSERT_TRUE(other.LoadDef(t.directory.Write("cut.tst", JoinLines(lines))));
+  EXPECT_EQ(other.Definition.EUTCircuitImpedance, AmSweep().EUTCircuitImpedance);
   ASSERT_TRUE(other.LoadDef(FileWithLine(t.directory, 33, "kept")));
   EXPECT_EQ(other.Definition.Spare1, "kept");
 }
@@ -87,8 +91,8 @@ TEST_F(TestSetupTest, ABadLineIsTakenOrChangesWhatFollows) {
   const std::string before = setup.TestFileName;
   setup.Definition.StartFreq = 7;
   setup.Definition.EUTCircuitImpedance = 7;
-  const std::pair<int, const char*> rows[] = {{3, ""},      {4, "yes"},        {9, ""},
-                                              {13, "1E39"}, {5, "3000000000"}, {26, "- "}};
+  const std::pair<int, const char*> rows[] = {{3, ""},           {4, "yes"}, {9, ""},    {13, "1E39"},
+                                              {5, "3000000000"}, {26, "- "}, {3, "80,5"}};
   for (const auto& [line, text] : rows) {
     EXPECT_FALSE(setup.LoadDef(FileWithLine(t.directory, line, text))) << line;
     EXPECT_TRUE(t.dialogs.LastText().ends_with("\rTestSetup.LoadDef\r" + t.directory.File("changed.tst")));
@@ -101,6 +105,25 @@ TEST_F(TestSetupTest, ABadLineIsTakenOrChangesWhatFollows) {
   EXPECT_FALSE(setup.SaveDef(t.directory.Path()));
   EXPECT_TRUE(t.dialogs.LastText().ends_with("\rTestSetup.SaveDef\r" + t.directory.Path()));
   EXPECT_EQ(setup.TestFileName, before);
+}
+
+TEST_F(TestSetupTest, FilesBesideTheDefinitionAreFound) {
+  const std::string info = t.directory.Write("lab/x.hyinfo", "");
+  const std::string list = t.directory.Write("lab/lists/x.lst", "10\r\n");
+  setup.Definition = AmSweep();
+  setup.Definition.CalInfoFile = "X.hyinfo";
+  setup.Definition.ListFile = "lists\\x.lst";
+  ASSERT_TRUE(setup.SaveDef(t.directory.File("lab/a.tst")));
+  const std::string written = t.directory.Read("lab/a.tst");
+  ASSERT_TRUE(setup.LoadDef(t.directory.File("lab/a.tst")));
+  EXPECT_EQ(ExistingPath(setup.Definition.CalInfoFile), info);
+  EXPECT_EQ(ExistingPath(setup.Definition.ListFile), list);
+  ASSERT_TRUE(setup.SaveDef(t.directory.File("lab/b.tst")));
+  EXPECT_EQ(t.directory.Read("lab/b.tst"), written) << "the set can still be moved";
+  ASSERT_TRUE(setup.SaveDef(t.directory.File("c.tst")));
+  TestSetup other(t.shell, calInfo);
+  ASSERT_TRUE(other.LoadDef(t.directory.File("c.tst")));
+  EXPECT_EQ(ExistingPath(other.Definition.CalInfoFile), info) << "from elsewhere it needs the whole path";
 }
 
 TEST_F(TestSetupTest, TheRunLogMissesALoad) {

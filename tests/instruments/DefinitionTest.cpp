@@ -67,7 +67,7 @@ TYPED_TEST(DefinitionFileTest, KeepsEveryFieldThroughAFile) {
   }
 }
 
-TYPED_TEST(DefinitionFileTest, AFileThatIsTooShortIsReportedAndItsFirstFieldsStay) {
+TYPED_TEST(DefinitionFileTest, AFileThatIsTooShortIsReportedAndLeavesNoDefinition) {
   auto other = TypeParam::Sample();
   other.InstrumentName = "Other";
   this->driver.PutDefinition(other);
@@ -81,12 +81,21 @@ TYPED_TEST(DefinitionFileTest, AFileThatIsTooShortIsReportedAndItsFirstFieldsSta
   const std::string cut = this->directory.Write("cut.def", Head(content, TypeParam::kLinesNeeded - 1));
   this->driver.PutDefinition(TypeParam::Sample());
   EXPECT_FALSE(this->driver.LoadFile(cut));
-  EXPECT_EQ(this->driver.InstrumentName(), "Other");
+  EXPECT_FALSE(this->driver.HasDefinition());
+  EXPECT_EQ(this->driver.InstrumentName(), "");
   EXPECT_EQ(this->driver.FileName(), cut);
   const Message& message = this->s.t.dialogs.messages.at(0);
   EXPECT_EQ(message.text, "Error # 62\rInput past end of file\r" + std::string(TypeParam::kLoad) + "\r" + cut);
   EXPECT_EQ(message.title, "Error");
   EXPECT_EQ(message.icon, MessageIcon::Critical);
+}
+
+TYPED_TEST(DefinitionFileTest, AChosenFileThatFailsLeavesTheDefinitionThatWasThere) {
+  ASSERT_TRUE(this->driver.SaveFile(this->path));
+  EXPECT_FALSE(this->driver.LoadFileOrKeep(this->directory.File("missing.def")));
+  EXPECT_TRUE(this->driver.HasDefinition());
+  EXPECT_TRUE(SameRecord(this->driver.Definition(), TypeParam::Sample()));
+  EXPECT_EQ(this->driver.FileName(), this->path);
 }
 
 TYPED_TEST(DefinitionFileTest, AFailedSaveKeepsTheFileName) {
@@ -118,6 +127,31 @@ TEST(Definition, LoadingDerivesTheTerminator) {
   EXPECT_EQ(s.sigGen.Address(), 5);
   EXPECT_TRUE(s.sigGen.RfOff());
   EXPECT_EQ(s.Took(), (Strings{"> 5 OUTP OFF\\r\\n"}));
+}
+
+TEST(Definition, WithoutOneAnInstrumentIsNeverAddressed) {
+  TestStation s;
+  for (const bool failed : {true, false}) {
+    s.t.dialogs.Clear();
+    if (failed) {
+      EXPECT_FALSE(s.sigGen.LoadFile("missing.sg"));
+      EXPECT_FALSE(s.meter.LoadFile("missing.mtr"));
+      EXPECT_FALSE(s.pm.LoadFile("missing.pm"));
+    } else {
+      s.sigGen.Forget();
+      s.meter.Forget();
+      s.pm.Forget();
+    }
+    EXPECT_FALSE(s.sigGen.InitSigGen(1, -30));
+    EXPECT_FALSE(s.sigGen.SetFreqLevel(1, -30));
+    EXPECT_FALSE(s.sigGen.RfOn());
+    EXPECT_FALSE(s.meter.InitMeter());
+    EXPECT_FALSE(s.pm.InitPwrMtr());
+    EXPECT_EQ(s.Took(), Strings{});
+    EXPECT_FALSE(s.sigGen.RfIsOn());
+    const std::string file = failed ? "missing.sg" : "";
+    EXPECT_TRUE(s.t.dialogs.WasShownContaining("There is no signal generator definition to work with.\r\n" + file));
+  }
 }
 
 TEST(DefinitionListing, PrintsAMeterInGroups) {
