@@ -22,9 +22,10 @@ bool SaysBench(std::string driver) {
 
 BenchEquipment OnTheBench(const EquipRecord& equipment, const Instruments& instruments) {
   BenchEquipment bench;
-  if (!equipment.SigGenFile.empty()) bench.SigGen = instruments.sigGen.Definition();
-  if (!equipment.MeterFile.empty()) bench.Meter = instruments.meter.Definition();
-  if (!equipment.PwrMtrFile.empty()) bench.PowerMeter = instruments.pm.Definition();
+  if (instruments.sigGen.HasDefinition() && !equipment.SigGenFile.empty())
+    bench.SigGen = instruments.sigGen.Definition();
+  if (instruments.meter.HasDefinition() && !equipment.MeterFile.empty()) bench.Meter = instruments.meter.Definition();
+  if (instruments.pm.HasDefinition() && !equipment.PwrMtrFile.empty()) bench.PowerMeter = instruments.pm.Definition();
   bench.SigGenAddress = equipment.SigGenAddress;
   bench.MeterAddress = equipment.MeterAddress;
   bench.PowerMeterAddress = equipment.PwrMtrAddress;
@@ -37,8 +38,7 @@ BenchEquipment OnTheBench(const EquipRecord& equipment, const Instruments& instr
 }  // namespace
 
 BusChoice ChosenBus(INISettings& settings) {
-  clsSetting& store = settings.Store();
-  return {SaysBench(store.GetSettingStr(kSection, "Driver", "native")), store.GetSettingStr(kSection, "Bench", "")};
+  return {SaysBench(settings.Get(kSection, "Driver", "native")), settings.Get(kSection, "Bench", "")};
 }
 
 Bus::Bus() : native_(std::make_unique<NativeGpib>()) {}

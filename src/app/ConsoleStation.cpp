@@ -69,23 +69,13 @@ ConsoleDialogsOptions ConsoleStation::DialogOptions() {
 bool ConsoleStation::SetUp() {
   if (!MakeBus()) return false;
   station_ = std::make_unique<Station>(Platform{dialogs_, TheClock(), TheLoop(), speaker_, printer_, bus_->Driver()},
-                                       ProgramDirectory());
+                                       ProgramDirectories());
   if (options_.UseBench) {
     TheShell().runNotice = kSimulatedBenchText;
-    std::cout << kSimulatedBenchText << '\n' << std::flush;
+    std::cout << kSimulatedBenchText << '
+' << std::flush;
   }
-  return SettingsReadable() && LoadEquipment();
-}
-
-/// Saving looks for its directory there: a failure at the end would cost what was recorded.
-bool ConsoleStation::SettingsReadable() {
-  try {
-    TheShell().settings.GetDataDir(datakind::kTestResults);
-    return true;
-  } catch (const SettingError& error) {
-    Tell("The settings file Hylden.ini can't be read: " + error.Description());
-    return false;
-  }
+  return LoadEquipment();
 }
 
 bool ConsoleStation::MakeBus() {

@@ -77,7 +77,6 @@ class ConsoleStation {
   EventLoop& TheLoop();
   ConsoleDialogsOptions DialogOptions();
   bool MakeBus();
-  bool SettingsReadable();
   bool MayReplace(const std::string& file, const std::string& question);
   std::string PlaceToSave();
   bool LoadEquipment();

@@ -22,11 +22,21 @@ namespace hylden {
 
 namespace {
 
-/// The bench as the settings name it; a relative path starts at the program directory. A file that can't be used is
-/// told, and leaves the bench its ordinary values: never the machine's own bus.
-BenchConfig ConfiguredBench(const std::string& file, const std::string& programDirectory, Dialogs& dialogs) {
+/// A relative path starts at the program directory, or beside the settings of all users.
+std::string BenchPath(const std::string& file, const Directories& directories) {
+  const std::filesystem::path common = std::filesystem::path(directories.Common) / file;
+  const std::filesystem::path own = std::filesystem::path(directories.Program) / file;
+  std::error_code ignored;
+  const bool useCommon =
+      !directories.Common.empty() && !std::filesystem::exists(own, ignored) && std::filesystem::exists(common, ignored);
+  return useCommon ? common.string() : own.string();
+}
+
+/// The bench as the settings name it. A file that can't be used is told, and leaves the bench its ordinary values:
+/// never the machine's own bus.
+BenchConfig ConfiguredBench(const std::string& file, const Directories& directories, Dialogs& dialogs) {
   if (file.empty()) return {};
-  const std::string path = (std::filesystem::path(programDirectory) / file).string();
+  const std::string path = BenchPath(file, directories);
   const BenchFile bench = LoadBenchFile(path);
   if (bench.Ok()) return bench.Config;
   dialogs.Tell("The bench file can't be used; the bench has its ordinary values.\r\n" + path + "\r\n" + bench.Error,
@@ -34,11 +44,11 @@ BenchConfig ConfiguredBench(const std::string& file, const std::string& programD
   return {};
 }
 
-std::unique_ptr<Bus> MakeBus(const std::string& programDirectory, const Clock& clock, Dialogs& dialogs) {
-  INISettings settings(programDirectory);
+std::unique_ptr<Bus> MakeBus(const Directories& directories, const Clock& clock, Dialogs& dialogs) {
+  INISettings settings(directories);
   const BusChoice choice = ChosenBus(settings);
   if (!choice.UseBench) return std::make_unique<Bus>();
-  return std::make_unique<Bus>(clock, ConfiguredBench(choice.BenchFile, programDirectory, dialogs));
+  return std::make_unique<Bus>(clock, ConfiguredBench(choice.BenchFile, directories, dialogs));
 }
 
 int RunDesktop(DesktopApplication& application, QtDialogs& dialogs, const std::string& commandLine) {
@@ -47,9 +57,9 @@ int RunDesktop(DesktopApplication& application, QtDialogs& dialogs, const std::s
   QtSpeaker speaker;
   QtPrinter printer;
   SingleInstance instance;
-  const std::string programDirectory = ProgramDirectory();
-  const std::unique_ptr<Bus> bus = MakeBus(programDirectory, clock, dialogs);
-  Station station(Platform{dialogs, clock, events, speaker, printer, bus->Driver()}, programDirectory);
+  const Directories directories = ProgramDirectories();
+  const std::unique_ptr<Bus> bus = MakeBus(directories, clock, dialogs);
+  Station station(Platform{dialogs, clock, events, speaker, printer, bus->Driver()}, directories);
 
   printer.pdfDirectory = [&] { return station.shell.settings.GetDataDir(datakind::kTestResults); };
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
 #include "shell/Shell.h"
@@ -10,8 +8,8 @@ namespace hylden {
 
 /// One station: what the whole program shares, built once over one machine.
 struct Station {
-  Station(const Platform& platform, const std::string& programDirectory)
-      : shell(platform, programDirectory), instruments(shell), documents(shell, instruments) {}
+  Station(const Platform& platform, const Directories& directories)
+      : shell(platform, directories), instruments(shell), documents(shell, instruments) {}
 
   Shell shell;
   Instruments instruments;

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "text/TextFile.h"
+
 namespace hylden {
 
 namespace {
@@ -15,37 +17,87 @@ std::string DirectoryName(std::string path) {
 
 }  // namespace
 
-INISettings::INISettings(std::string programDirectory)
-    : programDirectory_(DirectoryName(std::move(programDirectory))), store_(programDirectory_, "hylden") {
+INISettings::INISettings(Directories directories)
+    : directories_(std::move(directories)), store_(DirectoryName(directories_.Program), "hylden", directories_.Common) {
+  directories_.Program = DirectoryName(directories_.Program);
+  directories_.Data = DirectoryName(directories_.Data);
   store_.Init("Hylden", 1);
 }
 
+template <class Value, class Read>
+Value INISettings::Guarded(Value fallback, Read read) {
+  try {
+    fallback = read();
+  } catch (const SettingError& error) {
+    Remember(unreadable_, "The settings can't be read; the program goes on with its defaults.\r\n" + store_.Path() +
+                              "\r\n" + error.Description());
+  }
+  TellTroubles();
+  return fallback;
+}
+
+void INISettings::Remember(Trouble& trouble, const std::string& text) {
+  if (trouble.Text.empty()) trouble.Text = text;
+}
+
+void INISettings::TellTroubles() {
+  for (Trouble* const trouble : {&unreadable_, &notKept_}) {
+    if (trouble->Told || trouble->Text.empty() || !onTrouble) continue;
+    trouble->Told = true;  // what shows it may ask for settings
+    trouble->Told = onTrouble(trouble->Text);
+  }
+}
+
+std::string INISettings::Get(const std::string& section, const std::string& key, const std::string& fallback) {
+  return Guarded(fallback, [&] { return store_.GetSettingStr(section, key, fallback); });
+}
+
+std::vector<std::pair<std::string, std::string>> INISettings::GetAll(const std::string& section) {
+  return Guarded(std::vector<std::pair<std::string, std::string>>(), [&] { return store_.GetSettingAll(section); });
+}
+
+void INISettings::Save(const std::string& section, const std::string& key, const std::string& value) {
+  bool kept = false;
+  try {
+    kept = store_.SaveSettingStr(section, key, value);
+  } catch (const SettingError&) {
+    // Told as the rest.
+  }
+  if (!kept) Remember(notKept_, "A setting could not be kept: this file can't be written.\r\n" + store_.Path());
+  TellTroubles();
+}
+
 std::string INISettings::GetDataDir(std::string_view kind) {
-  return store_.GetSettingStr(std::string(kind), "Dir", programDirectory_);
+  const std::string chosen = Get(std::string(kind), "Dir", "");
+  if (!chosen.empty()) return chosen;
+  return directories_.Data.empty() ? directories_.Program : directories_.Data;
 }
 
 void INISettings::SaveDataDir(std::string_view kind, const std::string& path) {
-  store_.SaveSettingStr(std::string(kind), "Dir", path);
+  Save(std::string(kind), "Dir", path);
 }
 
 std::string INISettings::GetDefaultEquipFile() {
-  return store_.GetSettingStr("Equip", "File", "");
+  const std::string name = Get("Equip", "File", "");
+  const std::string path = PathNamedIn(directories_.Program + "/", name);
+  // Settings that were taken over still mean the files beside the administrator's.
+  return path != name || directories_.Common.empty() ? path : PathNamedIn(directories_.Common + "/", name);
 }
 
 void INISettings::SaveDefaultEquipFile(const std::string& path) {
-  store_.SaveSettingStr("Equip", "File", path);
+  Save("Equip", "File", path);
 }
 
 std::int16_t INISettings::GetLogToFile() {
-  return store_.GetSettingInt("System", "LogToFile", 0);
+  return Guarded(std::int16_t{0}, [&] { return store_.GetSettingInt("System", "LogToFile", 0); });
 }
 
 std::string INISettings::GetFormPosition(std::string_view window) {
-  return store_.GetSettingStr(std::string(window), "Position", "");
+  return Get(std::string(window), "Position", "");
 }
 
 void INISettings::SaveFormPosition(std::string_view window, const std::string& position) {
-  store_.SaveSettingStr(std::string(window), "Position", position);
+  Save(std::string(window), "Position", position);
 }
 
 }  // namespace hylden

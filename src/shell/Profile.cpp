@@ -72,6 +72,8 @@ class Lines {
 };
 
 std::optional<Line> FindKey(std::string_view text, std::string_view section, std::string_view key) {
+  section = Trim(section);
+  key = Trim(key);
   Lines lines(text);
   Line line;
   while (lines.Next(line)) {
@@ -129,6 +131,7 @@ std::optional<std::string> Value(std::string_view text, std::string_view section
 }
 
 std::vector<std::string> Keys(std::string_view text, std::string_view section) {
+  section = Trim(section);
   std::vector<std::string> keys;
   Lines lines(text);
   Line line;
@@ -152,6 +155,8 @@ std::vector<std::string> Sections(std::string_view text) {
 }
 
 std::string WithValue(std::string_view text, std::string_view section, std::string_view key, std::string_view value) {
+  section = Trim(section);
+  key = Trim(key);
   std::string result(text);
   const std::string written = OnOneLine(EncodedFor(text, value));
   if (const auto line = FindKey(text, section, key)) {

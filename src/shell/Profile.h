@@ -8,7 +8,7 @@
 namespace hylden::profile {
 
 // Sections and keys in the text of a settings file. The text is the file's bytes; names and values go in and out as
-// UTF-8. Names match without regard to ASCII case. A section that stands twice counts as one.
+// UTF-8. Names match without regard to ASCII case and blanks around them. A section that stands twice counts as one.
 
 /// The key's value without blanks and one matching pair of quotes around it; nothing when there is no such key.
 std::optional<std::string> Value(std::string_view text, std::string_view section, std::string_view key);

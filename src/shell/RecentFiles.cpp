@@ -11,7 +11,6 @@ namespace hylden {
 namespace {
 
 constexpr char kSection[] = "RecentFiles";
-constexpr std::size_t kLongestValue = 127;
 
 bool Exists(const std::string& path) {
   std::error_code error;
@@ -21,23 +20,33 @@ bool Exists(const std::string& path) {
 }  // namespace
 
 std::vector<std::string> RecentFiles::List() const {
+  std::map<std::string, std::string> kept = Kept();
   std::vector<std::string> files;
   for (int number = 1; number <= kMost; ++number) {
-    std::string path = settings_.Store().GetSettingStr(kSection, Key(number), "");
+    std::string& path = kept[Key(number)];
     if (!path.empty() && Exists(path)) files.push_back(std::move(path));
   }
   return files;
 }
 
+std::map<std::string, std::string> RecentFiles::Kept() const {
+  std::map<std::string, std::string> kept;
+  for (auto& [key, path] : settings_.GetAll(kSection)) kept.emplace(key, path);
+  return kept;
+}
+
 void RecentFiles::Add(const std::string& path) {
-  if (path.empty() || path.size() > kLongestValue) return;
+  if (path.empty() || !clsSetting::Fits(path)) return;
   std::vector<std::string> files = List();
   if (!files.empty() && files.front() == path) return;
   std::erase(files, path);
   files.insert(files.begin(), path);
   files.resize(kMost);
-  for (int number = 1; number <= kMost; ++number)
-    settings_.Store().SaveSettingStr(kSection, Key(number), files[static_cast<std::size_t>(number - 1)]);
+  std::map<std::string, std::string> kept = Kept();
+  for (int number = 1; number <= kMost; ++number) {
+    const std::string& file = files[static_cast<std::size_t>(number - 1)];
+    if (kept[Key(number)] != file) settings_.Save(kSection, Key(number), file);
+  }
 }
 
 }  // namespace hylden

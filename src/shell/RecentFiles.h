@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,6 +24,8 @@ class RecentFiles {
 
  private:
   std::string Key(int number) const { return kind_ + std::to_string(number); }
+  /// The paths as the settings have them, by their keys.
+  std::map<std::string, std::string> Kept() const;
 
   INISettings& settings_;
   std::string kind_;

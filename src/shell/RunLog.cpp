@@ -1,6 +1,7 @@
 #include "shell/RunLog.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <string>
@@ -22,20 +23,23 @@ std::string TimeStamp(const LocalTime& time) {
   return text;
 }
 
+/// Opening it would wait for a reader.
+bool IsPipe() {
+  std::error_code error;
+  return std::filesystem::is_fifo(kLogFile, error);
+}
+
 }  // namespace
 
 void RunLog::LogFile(std::string_view message) {
-  std::string trouble = "it can't be written";
-  try {
-    if (settings_.GetLogToFile() <= 0) return;
+  if (settings_.GetLogToFile() <= 0) return;
+  if (!IsPipe()) {
     std::ofstream file(kLogFile, std::ios::app | std::ios::binary);
     file << TimeStamp(clock_.Now()) << " - " << message << "\r\n";
     file.close();
     if (file) return;
-  } catch (const SettingError& error) {
-    trouble = error.Description();
   }
-  if (!complained_) std::cerr << "run log " << kLogFile << ": " << trouble << '\n';
+  if (!complained_) std::cerr << "run log " << kLogFile << ": it can't be written\n";
   complained_ = true;
 }
 

@@ -13,16 +13,22 @@ constexpr int kInternalError = 51;
 
 }  // namespace
 
-Shell::Shell(const Platform& platform, const std::string& programDirectory)
+Shell::Shell(const Platform& platform, const Directories& directories)
     : dialogs(platform.dialogs),
       clock(platform.clock),
       events(platform.events),
       speaker(platform.speaker),
       printer(platform.printer),
       gpib(platform.gpib),
-      settings(programDirectory),
+      settings(directories),
       log(settings, clock),
-      delay(dialogs, clock, events) {}
+      delay(dialogs, clock, events) {
+  settings.onTrouble = [this](const std::string& text) {
+    if (InstrumentsClaimed()) return false;  // RF may be on, and no setting is worth a box then
+    dialogs.Tell(text, MessageIcon::Exclamation);
+    return true;
+  };
+}
 
 bool Shell::ClaimInstruments(std::function<void()> makeSafe) {
   if (makeSafe_) return false;

@@ -21,7 +21,7 @@ namespace hylden {
 /// What every part of the program shares: the machine, the settings, the run log, the waits.
 class Shell {
  public:
-  Shell(const Platform& platform, const std::string& programDirectory);
+  Shell(const Platform& platform, const Directories& directories);
 
   Dialogs& dialogs;
   Clock& clock;

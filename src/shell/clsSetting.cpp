@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <limits>
 #include <optional>
 #include <string_view>
@@ -17,7 +15,6 @@ namespace hylden {
 
 namespace {
 
-constexpr std::size_t kLongestValue = 127;
 constexpr std::size_t kLongestList = 2047;
 
 constexpr unsigned kErrorBase = 0x80040000u;
@@ -44,16 +41,14 @@ auto Trapped(int number, const char* name, const char* what, Operation operation
   }
 }
 
-/// The file's bytes; empty when there is no file. @throws RuntimeError when a file is there but can't be read
-std::string FileBytes(const std::string& path) {
+bool IsMissing(const std::string& path) {
   std::error_code error;
-  const auto status = std::filesystem::status(path, error);
-  if (status.type() == std::filesystem::file_type::not_found) return {};
-  std::ifstream file(path, std::ios::binary);
-  if (std::filesystem::is_directory(status) || !file) throw RuntimeError(ErrorNumber::PathFileAccessError);
-  std::string bytes(std::istreambuf_iterator<char>(file), {});
-  if (file.bad()) throw RuntimeError(ErrorNumber::DeviceIoError);
-  return bytes;
+  return std::filesystem::status(path, error).type() == std::filesystem::file_type::not_found;
+}
+
+std::size_t CharacterCount(std::string_view text) {
+  return static_cast<std::size_t>(
+      std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
 /// At most so many characters of UTF-8.
@@ -68,7 +63,7 @@ std::string FirstCharacters(std::string_view text, std::size_t most) {
 
 /// A value as it comes out of the read buffer.
 std::string ThroughBuffer(std::string_view value) {
-  const std::string cut = FirstCharacters(value, kLongestValue);
+  const std::string cut = FirstCharacters(value, clsSetting::kLongestValue);
   const std::string_view trimmed = Trim(cut);
   return std::string(trimmed.substr(0, trimmed.find('\0')));
 }
@@ -80,11 +75,9 @@ std::vector<std::string> ThroughListBuffer(const std::vector<std::string>& names
   for (const std::string& name : names) {
     std::string part = FirstCharacters(name, room);
     if (part.empty()) break;
-    const auto characters =
-        std::count_if(part.begin(), part.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; });
-    kept.push_back(std::move(part));
     // The name's terminator takes its place, too.
-    room -= std::min(room, static_cast<std::size_t>(characters) + 1);
+    room -= std::min(room, CharacterCount(part) + 1);
+    kept.push_back(std::move(part));
   }
   return kept;
 }
@@ -107,8 +100,10 @@ std::string SettingsPath(const std::string& directory, const std::string& applic
 
 }  // namespace
 
-clsSetting::clsSetting(std::string programDirectory, std::string programName)
-    : programDirectory_(std::move(programDirectory)), programName_(std::move(programName)) {}
+clsSetting::clsSetting(std::string programDirectory, std::string programName, std::string commonDirectory)
+    : programDirectory_(std::move(programDirectory)),
+      programName_(std::move(programName)),
+      commonDirectory_(std::move(commonDirectory)) {}
 
 void clsSetting::Init(const std::string& applicationName, int saveMode) {
   applicationName_ = std::string(Trim(applicationName));
@@ -121,21 +116,31 @@ std::string clsSetting::Path() {
   return SettingsPath(programDirectory_, applicationName_);
 }
 
+std::string clsSetting::Text() {
+  std::string path = Path();
+  if (IsMissing(path) && !commonDirectory_.empty()) path = SettingsPath(commonDirectory_, applicationName_);
+  return IsMissing(path) ? std::string() : ReadFileBytes(path);
+}
+
+bool clsSetting::Fits(std::string_view value) {
+  return CharacterCount(value) <= kLongestValue;
+}
+
 std::string clsSetting::GetSettingStr(const std::string& section, const std::string& key, const std::string& fallback) {
   return Trapped(kReadError, "GetSettingStr", "Error reading Setting",
-                 [&] { return ThroughBuffer(profile::Value(FileBytes(Path()), section, key).value_or(fallback)); });
+                 [&] { return ThroughBuffer(profile::Value(Text(), section, key).value_or(fallback)); });
 }
 
 std::int16_t clsSetting::GetSettingInt(const std::string& section, const std::string& key, std::int16_t fallback) {
   return Trapped(kReadError, "GetSettingInt", "Error reading Setting", [&] {
-    const auto value = profile::Value(FileBytes(Path()), section, key);
+    const auto value = profile::Value(Text(), section, key);
     return value ? LeadingInt16(*value) : fallback;
   });
 }
 
 std::vector<std::pair<std::string, std::string>> clsSetting::GetSettingAll(const std::string& section) {
   return Trapped(kSectionError, "GetSettingAll", "Error reading Section", [&] {
-    const std::string text = FileBytes(Path());
+    const std::string text = Text();
     std::vector<std::pair<std::string, std::string>> rows;
     for (const std::string& key : ThroughListBuffer(profile::Keys(text, section))) {
       rows.emplace_back(key, ThroughBuffer(profile::Value(text, section, key).value_or("")));
@@ -146,35 +151,33 @@ std::vector<std::pair<std::string, std::string>> clsSetting::GetSettingAll(const
 
 std::vector<std::string> clsSetting::GetSectionNames() {
   return Trapped(kSectionError, "GetSectionNames", "Error reading Section",
-                 [&] { return ThroughListBuffer(profile::Sections(FileBytes(Path()))); });
+                 [&] { return ThroughListBuffer(profile::Sections(Text())); });
 }
 
-void clsSetting::SaveSettingStr(const std::string& section, const std::string& key, const std::string& value) {
-  Trapped(kWriteError, "SaveSettingStr", "Error writing Setting", [&] { Write(section, key, value); });
+bool clsSetting::SaveSettingStr(const std::string& section, const std::string& key, const std::string& value) {
+  return Trapped(kWriteError, "SaveSettingStr", "Error writing Setting", [&] { return Write(section, key, value); });
 }
 
-void clsSetting::SaveSettingInt(const std::string& section, const std::string& key, std::int16_t value) {
-  Trapped(kWriteError, "SaveSettingInt", "Error writing Setting", [&] { Write(section, key, std::to_string(value)); });
+bool clsSetting::SaveSettingInt(const std::string& section, const std::string& key, std::int16_t value) {
+  return Trapped(kWriteError, "SaveSettingInt", "Error writing Setting",
+                 [&] { return Write(section, key, std::to_string(value)); });
 }
 
 bool clsSetting::Write(const std::string& section, const std::string& key, const std::string& value) {
   try {
-    const std::string path = Path();
-    ReplaceFile(path, profile::WithValue(FileBytes(path), section, key, value));
+    ReplaceFile(Path(), profile::WithValue(Text(), section, key, value));
     return true;
   } catch (const RuntimeError&) {
-    // A setting that can't be kept holds nobody up; the file is as it was.
-    return false;
+    return false;  // the file is as it was
   }
 }
 
 void clsSetting::DeleteKey(const std::string& section, const std::string& key) {
   Trapped(kDeleteError, "DeleteKey", "Error Deleting Key", [&] {
-    const std::string path = Path();
-    const auto text = profile::WithoutKey(FileBytes(path), section, key);
+    const auto text = profile::WithoutKey(Text(), section, key);
     if (!text) return;
     try {
-      ReplaceFile(path, *text);
+      ReplaceFile(Path(), *text);
     } catch (const RuntimeError&) {
       throw SettingError(kDeleteError, "CSetting.DeleteKey", "Error Deleting Key (check if file is protected)");
     }

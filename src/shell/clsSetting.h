@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -24,13 +26,17 @@ class SettingError : public RuntimeError {
 /// pair of quotes around it drop on reading; lines that begin with ";" are comments. A write changes its own line and
 /// leaves the rest of the file as it was. A value read is cut to 127 characters, a list to 2047. A missing file,
 /// section or key is no error: the default comes back; a file that is there but can't be read is one. A value that
-/// can't be written is let go in silence, a key that can't be deleted is not. @throws SettingError
+/// can't be written is no error here, a key that can't be deleted is one. @throws SettingError
 class clsSetting {
  public:
   static constexpr int kKeepSaveMode = 999;
 
+  static constexpr std::size_t kLongestValue = 127;
+
   /// @param programDirectory  where the file lies, without a trailing separator
-  clsSetting(std::string programDirectory, std::string programName);
+  /// @param commonDirectory  where a file lies that is read as long as there is none in the program directory, and
+  /// taken over into it by the first write; may be empty
+  clsSetting(std::string programDirectory, std::string programName, std::string commonDirectory = {});
 
   /// 1: settings live in the file; 0: in a per-user store. The program only ever uses 1, and keeps no other store: the
   /// file serves for either.
@@ -43,17 +49,23 @@ class clsSetting {
   /// Key and value of every key of the section, in file order.
   std::vector<std::pair<std::string, std::string>> GetSettingAll(const std::string& section);
   std::vector<std::string> GetSectionNames();
-  void SaveSettingStr(const std::string& section, const std::string& key, const std::string& value);
-  void SaveSettingInt(const std::string& section, const std::string& key, std::int16_t value);
+  /// @return whether the value is in the file now; so for the next
+  bool SaveSettingStr(const std::string& section, const std::string& key, const std::string& value);
+  bool SaveSettingInt(const std::string& section, const std::string& key, std::int16_t value);
   void DeleteKey(const std::string& section, const std::string& key);
-
- private:
   /// The settings file; initialises the object when nobody has.
   std::string Path();
+  /// Whether a value comes back whole.
+  static bool Fits(std::string_view value);
+
+ private:
+  /// The bytes of the settings; empty when there is no file.
+  std::string Text();
   bool Write(const std::string& section, const std::string& key, const std::string& value);
 
   std::string programDirectory_;
   std::string programName_;
+  std::string commonDirectory_;
   std::string applicationName_;
 };
 

@@ -42,5 +42,14 @@ TEST_F(RecentFilesTest, PathTooLongForTheSettingsIsNotKept) {
   EXPECT_EQ(recent.List(), Files{});
 }
 
+TEST_F(RecentFilesTest, ALongNameOfAccentedLettersIsKept) {
+  std::string name;
+  for (std::size_t i = directory.Path().size(); i < 100; ++i) name += "\xC3\xBC";
+  const std::string path = directory.Write(name + ".eqp", "x");
+  ASSERT_GT(path.size(), 127U);
+  recent.Add(path);
+  EXPECT_EQ(recent.List(), Files{path});
+}
+
 }  // namespace
 }  // namespace hylden

@@ -27,7 +27,12 @@ TEST(Profile, AKeyIsReadAsWritten) {
        "fung\n",
        "C:\\Prüfung"},
   };
-  for (const auto& [text, expected] : rows) EXPECT_EQ(profile::Value(text, "Equip", "Dir"), expected) << text;
+  for (const auto& [text, expected] : rows) {
+    EXPECT_EQ(profile::Value(text, "Equip", "Dir"), expected) << text;
+    EXPECT_EQ(profile::Value(text, " Equip\t", " Dir "), expected) << text;
+  }
+  EXPECT_EQ(profile::Keys("[Equip]\nDir=x\n", " Equip "), std::vector<std::string>{"Dir"});
+  EXPECT_EQ(profile::WithValue("[Equip]\nDir=x\n", " Equip ", " Dir ", "y"), "[Equip]\nDir=y\n");
 }
 
 TEST(Profile, AWriteChangesItsOwnLineOnly) {
@@ -134,7 +139,7 @@ TEST_F(SettingsTest, AFileThatCannotBeReadIsReportedAndLeftAlone) {
   directory_.Write("Hylden.ini/inside", "x");  // a directory of that name
   INISettings settings = Settings();
   try {
-    settings.GetDefaultEquipFile();
+    settings.Store().GetSettingStr("Equip", "File", "");
     FAIL() << "no error";
   } catch (const SettingError& error) {
     EXPECT_EQ(error.Number(), static_cast<int>(0x80040203u));
@@ -144,6 +149,75 @@ TEST_F(SettingsTest, AFileThatCannotBeReadIsReportedAndLeftAlone) {
   EXPECT_NO_THROW(settings.SaveDefaultEquipFile("/a.eqp"));
   EXPECT_THROW(settings.Store().DeleteKey("Equip", "File"), SettingError);
   EXPECT_TRUE(directory_.Exists("Hylden.ini/inside"));
+}
+
+TEST_F(SettingsTest, TheProgramGoesOnWithoutItsSettingsAndTellsOnce) {
+  for (const char* unreadable : {"a directory", "a failing disk"}) {
+    std::filesystem::remove_all(directory_.File("Hylden.ini"));
+    if (unreadable == std::string_view("a directory"))
+      directory_.Write("Hylden.ini/inside", "x");
+    else
+      std::filesystem::create_symlink("/proc/self/mem", directory_.File("Hylden.ini"));  // opens, and can't be read
+    SCOPED_TRACE(unreadable);
+    INISettings settings = Settings();
+    std::vector<std::string> told;
+    bool mayTell = false;
+    settings.onTrouble = [&](const std::string& text) {
+      if (mayTell) told.push_back(text);
+      return mayTell;
+    };
+    EXPECT_EQ(settings.GetDefaultEquipFile(), "");
+    EXPECT_EQ(settings.GetLogToFile(), 0);
+    EXPECT_TRUE(told.empty()) << "not the moment for it";
+    mayTell = true;
+    EXPECT_EQ(settings.GetDataDir(datakind::kEquip), directory_.Path());
+    EXPECT_EQ(settings.GetFormPosition(windowkey::kManualForm), "");
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_TRUE(told[0].starts_with("The settings can't be read; the program goes on with its defaults.\r\n" +
+                                    directory_.File("Hylden.ini")));
+    settings.SaveFormPosition(windowkey::kManualForm, "1,2");
+    settings.SaveDefaultEquipFile("/a.eqp");
+    ASSERT_EQ(told.size(), 2U);
+    EXPECT_EQ(told[1], "A setting could not be kept: this file can't be written.\r\n" + directory_.File("Hylden.ini"));
+  }
+}
+
+TEST_F(SettingsTest, UntilTheyAreSetDataDirectoriesAreWhereTheUserFindsThem) {
+  Directories directories(directory_.File("hidden"));
+  directories.Data = directory_.File("Documents/Hylden/");
+  INISettings settings(directories);
+  EXPECT_EQ(settings.GetDataDir(datakind::kCables), directory_.File("Documents/Hylden"));
+  std::filesystem::create_directories(directories.Program);
+  settings.SaveDataDir(datakind::kCables, "/cables");
+  EXPECT_EQ(settings.GetDataDir(datakind::kCables), "/cables");
+  EXPECT_TRUE(directory_.Exists("hidden/Hylden.ini"));
+
+  const std::string deep = "/" + std::string(200, 'd');
+  EXPECT_EQ(INISettings(deep).GetDataDir(datakind::kCables), deep) << "only what is read from a file is cut";
+}
+
+TEST_F(SettingsTest, TheAdministratorsSettingsServeAUserUntilTheFirstWrite) {
+  const std::string common = "[Equip]\r\nFile=/lab/a.eqp\r\n[System]\r\nLogToFile=1\r\n";
+  directory_.Write("bin/hylden.ini", common);
+  Directories directories(directory_.File("user"));
+  directories.Common = directory_.File("bin");
+  INISettings settings(directories);
+  EXPECT_EQ(settings.GetDefaultEquipFile(), "/lab/a.eqp");
+  std::filesystem::create_directories(directories.Program);
+  settings.SaveDefaultEquipFile("/lab/b.eqp");
+  EXPECT_EQ(settings.GetDefaultEquipFile(), "/lab/b.eqp");
+  EXPECT_EQ(settings.GetLogToFile(), 1) << "the first write takes all of them over";
+  EXPECT_EQ(directory_.Read("bin/hylden.ini"), common);
+}
+
+TEST_F(SettingsTest, AnEquipmentFileBesideTheSettingsIsFound) {
+  const std::string file = directory_.Write("lab.eqp", "");
+  directory_.Write("Hylden.ini", "[Equip]\nFile=lab.eqp\n");
+  EXPECT_EQ(Settings().GetDefaultEquipFile(), file);
+
+  Directories user(directory_.File("user"));
+  user.Common = directory_.Path();
+  EXPECT_EQ(INISettings(user).GetDefaultEquipFile(), file);
 }
 
 TEST_F(SettingsTest, AProtectedFileIsKeptAndOnlyDeletingComplains) {

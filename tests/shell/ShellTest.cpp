@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <new>
@@ -99,6 +100,26 @@ TEST_F(ShellTest, ARunLogThatCannotBeWrittenDisturbsNobodyAndComplainsOnce) {
   EXPECT_EQ(std::count(complaint.begin(), complaint.end(), '\n'), 1);
   EXPECT_NE(complaint.find("runlog.hyl"), std::string::npos);
   EXPECT_TRUE(t_.dialogs.messages.empty());
+}
+
+TEST_F(ShellTest, ARunLogThatIsAPipeHoldsNobodyUp) {
+  Logging("1");
+  ASSERT_EQ(mkfifo("runlog.hyl", 0600), 0);
+  testing::internal::CaptureStderr();
+  t_.shell.log.LogFile("one");
+  EXPECT_NE(testing::internal::GetCapturedStderr().find("runlog.hyl"), std::string::npos);
+}
+
+TEST_F(ShellTest, SettingsThatCannotBeReadAreToldOnceAndNeverDuringARun) {
+  t_.directory.Write("Hylden.ini/inside", "");  // a directory of that name
+  ASSERT_TRUE(t_.shell.ClaimInstruments([] {}));
+  t_.shell.log.LogFile("Test run started");
+  EXPECT_TRUE(t_.dialogs.messages.empty());
+  t_.shell.ReleaseInstruments();
+  t_.shell.log.LogFile("Instruments taken offline");
+  t_.shell.log.LogFile("once more");
+  ASSERT_EQ(t_.dialogs.messages.size(), 1U);
+  EXPECT_NE(t_.dialogs.LastText().find(t_.directory.File("Hylden.ini")), std::string::npos);
 }
 
 TEST_F(ShellTest, ATrappedFailureIsReportedWithNumberContextAndPath) {

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "testrun/RunRig.h"
 
 namespace hylden {
@@ -201,6 +203,14 @@ TEST_F(RunEndTest, TheRunLogTellsTheStory) {
   EXPECT_LT(started, finished);
   EXPECT_LT(finished, offline);
   EXPECT_NE(offline, std::string::npos);
+}
+
+TEST_F(RunEndTest, SettingsThatOpenAndCannotBeReadEndNoRun) {
+  std::filesystem::create_symlink("/proc/self/mem", rig.t.directory.File("Hylden.ini"));
+  rig.Run();
+  EXPECT_EQ(rig.Rows().size(), 3U);
+  EXPECT_EQ(rig.engine.Outcome(), RunOutcome::Finished);
+  EXPECT_FALSE(rig.t.dialogs.WasShownContaining("Error # "));
 }
 
 TEST_F(RunEndTest, TheRunIsConfirmedFirst) {

@@ -4,6 +4,8 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <string_view>
 #include <system_error>
 
 namespace hylden {
@@ -22,24 +24,64 @@ std::string WithoutTrailingSeparator(std::string path) {
   return path;
 }
 
-fs::path UserConfiguration() {
+fs::path ConfigurationFolder() {
   const std::string config = Environment("XDG_CONFIG_HOME");
-  if (!config.empty()) return fs::path(config) / "hylden";
+  if (!config.empty()) return config;
   const std::string home = Environment("HOME");
-  return fs::path(home.empty() ? "." : home) / ".config" / "hylden";
+  return fs::path(home.empty() ? "." : home) / ".config";
+}
+
+/// The executable's own directory; empty when it is not known.
+std::string OwnDirectory() {
+  std::error_code error;
+  return fs::read_symlink("/proc/self/exe", error).parent_path().string();
+}
+
+/// The folder of the user's documents, whose name depends on the user's language.
+fs::path DocumentsFolder() {
+  constexpr std::string_view kEntry = "XDG_DOCUMENTS_DIR=\"", kHome = "$HOME";
+  const std::string home = Environment("HOME");
+  std::ifstream folders(ConfigurationFolder() / "user-dirs.dirs");
+  for (std::string line; std::getline(folders, line);) {
+    if (!line.starts_with(kEntry)) continue;
+    std::string path = line.substr(kEntry.size(), line.find('"', kEntry.size()) - kEntry.size());
+    if (path.starts_with(kHome)) path.replace(0, kHome.size(), home);
+    return path;
+  }
+  return fs::path(home) / "Documents";
+}
+
+/// Empty when there is no place for it.
+std::string UserDataFolder() {
+  const std::string home = Environment("HOME");
+  if (home.empty()) return {};
+  std::error_code error;
+  const fs::path documents = DocumentsFolder();
+  const fs::path folder = (fs::is_directory(documents, error) ? documents : fs::path(home)) / "Hylden";
+  fs::create_directories(folder, error);
+  return fs::is_directory(folder, error) ? folder.string() : std::string();
 }
 
 }  // namespace
 
 std::string ProgramDirectory() {
+  return ProgramDirectories().Program;
+}
+
+Directories ProgramDirectories() {
+  return ProgramDirectories(OwnDirectory());
+}
+
+Directories ProgramDirectories(const std::string& executableDirectory) {
   if (const std::string chosen = Environment("HYLDEN_HOME"); !chosen.empty()) return WithoutTrailingSeparator(chosen);
+  if (!executableDirectory.empty() && access(executableDirectory.c_str(), W_OK) == 0) return executableDirectory;
+  const fs::path user = ConfigurationFolder() / "hylden";
   std::error_code error;
-  const fs::path executable = fs::read_symlink("/proc/self/exe", error);
-  const fs::path own = executable.parent_path();
-  if (!error && !own.empty() && access(own.c_str(), W_OK) == 0) return own.string();
-  const fs::path user = UserConfiguration();
   fs::create_directories(user, error);
-  return user.string();
+  Directories directories(user.string());
+  directories.Data = UserDataFolder();
+  directories.Common = executableDirectory;
+  return directories;
 }
 
 }  // namespace hylden
