@@ -72,8 +72,7 @@ bool ConsoleStation::SetUp() {
                                        ProgramDirectories());
   if (options_.UseBench) {
     TheShell().runNotice = kSimulatedBenchText;
-    std::cout << kSimulatedBenchText << '
-' << std::flush;
+    std::cout << kSimulatedBenchText << '\n' << std::flush;
   }
   return LoadEquipment();
 }

@@ -339,11 +339,7 @@ void frmEquipment::LoadFile(const QString& path) {
   Guard(ui_->mnuEquipFileLoad, [&] {
     if (!MayDropEntries()) return;
     const std::string file = FromQt(path);
-    const EquipRecord previous = equip_.Record;
-    if (equip_.LoadDef(file) != 1) {
-      equip_.Record = previous;
-      return;
-    }
+    if (equip_.LoadDef(file) != 1) return;
     equip_.EquipFileName = file;
     kept_.reset();
     ShowFileName();
@@ -355,9 +351,8 @@ void frmEquipment::LoadFile(const QString& path) {
 bool frmEquipment::QueryUnload() {
   bool mayClose = false;
   // The end of the session does not wait for an entry that can't be taken.
-  Guard(this, [&] {
-    mayClose = (ProgramEnds() || ApplyEquipment()) && ((kept_ && Shows(*kept_)) || MayDropEntries());
-  });
+  Guard(this,
+        [&] { mayClose = (ProgramEnds() || ApplyEquipment()) && ((kept_ && Shows(*kept_)) || MayDropEntries()); });
   return mayClose;
 }
 

@@ -90,7 +90,8 @@ double Meter::MeterRead(ReadMode mode, double settlingSeconds) {
     const auto level = ReadLevel();
     if (!level) return ReadFailed();
     if (*level > MaximumLevel()) return kOverRange;
-    if (mode == ReadMode::Single || !HasLevelCommand() || !Last().HasNumber) return *level;
+    const bool isLevel = Last().HasNumber && !IsMissing(*level);  // nothing else says which way to range
+    if (mode == ReadMode::Single || !HasLevelCommand() || !isLevel) return *level;
     const auto reference = NextReferenceLevel(*level, currentReference_, MinimumLevel(), MaximumLevel());
     if (!reference) return *level;
     if (turn == kMostRangings) return RangingFailed(*level);

@@ -115,7 +115,7 @@ ShownLevel ShowTestLevel(double levelDbuv, RunUnit unit, float impedanceOhms) {
   if (hasImpedance && !IsMissing(levelDbuv))
     shown.ToolTip = Format(DbuvToDbua(levelDbuv, impedanceOhms), kLevelPattern) + " dBua current in a " +
                     Format(impedanceOhms, kLevelPattern) + " ohm system";
-  else if (NeedsImpedance(unit, RunUnit::DbuV))
+  else if (!hasImpedance && NeedsImpedance(unit, RunUnit::DbuV))
     shown.ToolTip = "The test definition has no circuit impedance";
   return shown;
 }

@@ -331,7 +331,8 @@ TEST_F(CableTest, AVoltageBelowZeroIsNoReading) {
   Redefine(rig.meter, [](auto& d) { d.Units = 0; });  // volts
   rig.portDb = 10;
   cable.DirectPass(rig.display);
-  EXPECT_TRUE(rig.t.dialogs.Texts().front().starts_with("The meter's answer is no level:\r\n"));
+  EXPECT_TRUE(rig.t.dialogs.Texts().front().starts_with("The meter's answer is no level:\r\n"))
+      << rig.t.dialogs.Texts().front();
   EXPECT_EQ(rig.t.dialogs.LastText(), "Run halted due to errors");
   EXPECT_EQ(Read(&CablePoint::HasDirect), 0);
   EXPECT_FALSE(rig.rfOnAtMessage);
