@@ -51,6 +51,7 @@ void RunEngine::RunCdiTest() {
 void RunEngine::Reset() {
   run_.shell.delay.ClearHalt();
   run_.data.Clear();
+  wanted_ = saved_ = letGo_ = false;
   run_.display.RowChanged(-1);
   for (PlanStep& step : run_.steps) step.SigGenLevel = PlanStep{}.SigGenLevel;
   ended_.assign(run_.steps.size(), {});
@@ -166,8 +167,24 @@ void RunEngine::AskToSave() {
   const MessageAnswer answer =
       run_.shell.dialogs.Show({"Would you like to save the testrun data?", question::kSaveRunData,
                                MessageIcon::Question, MessageButtons::YesNo});
-  saveMissed_ = answer == MessageAnswer::Yes;  // also should saving throw
-  if (saveMissed_) saveMissed_ = !SaveRunData(run_.shell, run_.data);
+  if (answer == MessageAnswer::Yes) Save();
+}
+
+bool RunEngine::Save() {
+  wanted_ = true;
+  const bool written = SaveRunData(run_.shell, run_.data);
+  saved_ = saved_ || written;  // what is in a file stays there
+  return written;
+}
+
+bool RunEngine::MayDropRows() {
+  if (!HasUnsavedRows()) return true;
+  const MessageAnswer answer =
+      run_.shell.dialogs.Show({"The run data has not been saved.\r\nSave it?", question::kSaveRunData,
+                               MessageIcon::Question, MessageButtons::YesNoCancel});
+  if (answer == MessageAnswer::Yes) return Save();
+  letGo_ = answer == MessageAnswer::No;
+  return letGo_;
 }
 
 }  // namespace hylden

@@ -37,8 +37,14 @@ class RunEngine {
   int CurrentStepNumber() const { return currentStep_; }
 
   bool IsRunning() const { return guard_.IsRunning(); }
+  /// The save command: asks for a file and writes all rows to it. @return false when there were rows and they were not
+  /// written
+  bool Save();
   /// The operator wanted the last run's data saved, and the file dialog was cancelled or the file not written.
-  bool SaveMissed() const { return saveMissed_; }
+  bool SaveMissed() const { return wanted_ && HasUnsavedRows(); }
+  /// Asks, once for the rows of a run, before rows that are in no file are dropped. @return false when they have to
+  /// stay: cancelled, or not saved
+  bool MayDropRows();
   RunOutcome Outcome() const { return outcome_; }
   /// The highest step reached in the last run.
   int CompletedSteps() const { return highestStep_; }
@@ -61,6 +67,7 @@ class RunEngine {
   void ShowTimes();
   void EndRun();
   void AskToSave();
+  bool HasUnsavedRows() const { return !saved_ && !letGo_ && !run_.data.IsEmpty(); }
 
   RunContext run_;
   RunGuard guard_;
@@ -68,7 +75,9 @@ class RunEngine {
   ManualMode manual_;
   std::vector<PreviousStep> ended_;  ///< where each step ended, for a run that goes on from an earlier one
   bool ready_ = false;
-  bool saveMissed_ = false;
+  bool wanted_ = false;  ///< the operator asked for the rows to be saved
+  bool saved_ = false;
+  bool letGo_ = false;  ///< the operator lets the rows go
   RunOutcome outcome_ = RunOutcome::NotRun;
   bool manualOpen_ = false;
   int currentStep_ = 0;

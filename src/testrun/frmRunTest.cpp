@@ -75,7 +75,7 @@ void frmRunTest::ConnectFileMenu() {
   connect(ui_->mnuFileSave, &QAction::triggered, this, [this] {
     const CommandWindow saving(*this);
     try {
-      SaveRunData(shell_, engine_.Data());
+      engine_.Save();
     } catch (const std::exception& error) {
       shell_.ReportError(error, "mnuFileSave");
     }

@@ -48,6 +48,7 @@ bool frmRunTest::QueryUnload() {
     PressHalt();
     return false;
   }
+  if (engine_.SaveMissed() && !engine_.MayDropRows()) return false;
   RememberPlace(shell_, windowkey::kRunTestForm, *this);
   if (ButtonForm) ButtonForm->Unload();
   return true;

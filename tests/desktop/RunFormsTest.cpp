@@ -128,6 +128,7 @@ TEST_F(RunForms, SecondRunStartsWithAnEmptyRecord) {
            EXPECT_EQ(Find<QTableView>(*form, "flxTestData").model()->rowCount(), 1);
            Press(*form, "cmdHalt");
          });
+  dialogs.Answer(MessageAnswer::No);  // the rows may go
   Press(*form, "cmdRun");
   EXPECT_EQ(m.ActionsLeft(), 0u);
   EXPECT_EQ(Rows().size(), 2u);
@@ -173,6 +174,8 @@ TEST_F(RunForms, EnterRunsAndEscapeExitsWhenReady) {
     QTest::keyClick(&Buttons(), Qt::Key_Return);  // no meaning during a run
     Press(*form, "cmdHalt");
   });
+  dialogs.Answer(MessageAnswer::Ok);
+  dialogs.Answer(MessageAnswer::No);  // not to be saved
   QTest::keyClick(&Find<QPushButton>(*form, "cmdRun"), Qt::Key_Return);
   EXPECT_EQ(Asked("MAKE SURE!!!"), 1u);
   EXPECT_EQ(Asked("Save Run Data"), 1u);
@@ -291,6 +294,7 @@ TEST_F(RunForms, SecondRunStartsFromTheEstimate) {
     EXPECT_EQ(Text("lblElapsed"), "--");
     form->PressHalt();
   });
+  dialogs.Answer(MessageAnswer::No);  // the rows may go
   Press(*form, "cmdRun");
   EXPECT_EQ(m.ActionsLeft(), 0u);
 }
@@ -447,6 +451,9 @@ TEST_F(RunForms, WindowPlacesAreRemembered) {
          });
   Press(*form, "cmdRun");
   EXPECT_EQ(Buttons().pos(), QPoint(120, 40)) << "shown again where it was hidden";
+  form->close();
+  EXPECT_TRUE(form->isVisible()) << "the rows were to be saved and are not";
+  dialogs.Answer(MessageAnswer::No);  // they may go
   form->close();
   EXPECT_NE(m.station.shell.settings.GetFormPosition(windowkey::kRunTestForm), "");
   OpenForm();

@@ -191,6 +191,29 @@ TEST_F(RunEndTest, ASecondRunStartsAfresh) {
   EXPECT_EQ(rig.Shown(kSaveQuestion), 2);
 }
 
+TEST_F(RunEndTest, AnotherRunAsksBeforeItDropsRowsThatAreInNoFile) {
+  constexpr auto kOk = MessageAnswer::Ok, kYes = MessageAnswer::Yes, kNo = MessageAnswer::No;
+  const std::string question = "The run data has not been saved.\r\nSave it?";
+  const auto press = [&](std::vector<MessageAnswer> answers) {
+    for (const MessageAnswer answer : answers) rig.t.dialogs.Answer(answer);
+    rig.commands.Run();
+    EXPECT_EQ(rig.t.dialogs.UnusedAnswers(), 0U);
+  };
+  ASSERT_EQ(rig.Prepare(), RunReadiness::Ready);
+  press({kOk, kNo});
+  EXPECT_EQ(rig.Shown(question), 0);
+  press({MessageAnswer::Cancel});
+  EXPECT_EQ(rig.Rows().size(), 3U);
+  rig.t.dialogs.AnswerSave(rig.t.directory.File("kept.run"));
+  press({kYes, MessageAnswer::Cancel});
+  EXPECT_EQ(rig.t.directory.Read("kept.run"), RunFileText(rig.engine.Data(), false));
+  press({kOk, kNo});  // what is in a file needs no question
+  EXPECT_EQ(rig.Shown(question), 2);
+  press({kNo, MessageAnswer::Cancel});
+  press({kOk, kNo});  // nor what the operator has let go
+  EXPECT_EQ(rig.Shown(question), 3);
+}
+
 TEST_F(RunEndTest, TheRunLogTellsTheStory) {
   const WorkingDirectory here(rig.t.directory.Path());
   rig.t.shell.settings.Store().SaveSettingStr("System", "LogToFile", "1");
