@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iostream>
 #include <string>
+#include <utility>
 
 #include "platform/Clock.h"
 #include "shell/INISettings.h"
@@ -32,10 +33,20 @@ bool IsPipe() {
 }  // namespace
 
 void RunLog::LogFile(std::string_view message) {
-  if (settings_.GetLogToFile() <= 0) return;
+  held_.append(TimeStamp(clock_.Now())).append(" - ").append(message).append("\r\n");
+  if (!holding_) Release();
+}
+
+void RunLog::Release() {
+  holding_ = false;
+  const std::string entries = std::exchange(held_, {});
+  if (!entries.empty() && settings_.GetLogToFile() > 0) Append(entries);
+}
+
+void RunLog::Append(std::string_view entries) {
   if (!IsPipe()) {
     std::ofstream file(kLogFile, std::ios::app | std::ios::binary);
-    file << TimeStamp(clock_.Now()) << " - " << message << "\r\n";
+    file << entries;
     file.close();
     if (file) return;
   }

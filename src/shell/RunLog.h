@@ -17,11 +17,20 @@ class RunLog {
   /// Appends date, time and the message when logging is on. A log that can't be written never disturbs a run: one line
   /// on standard error, once.
   void LogFile(std::string_view message);
+  /// From now on entries wait in memory, with the time at which they came: a run that has RF on must not hang on a log
+  /// that lies on a share.
+  void Hold() { holding_ = true; }
+  /// Writes what waits, in order.
+  void Release();
 
  private:
+  void Append(std::string_view entries);
+
   INISettings& settings_;
   const Clock& clock_;
   bool complained_ = false;
+  bool holding_ = false;
+  std::string held_;
 };
 
 }  // namespace hylden

@@ -67,6 +67,7 @@ void RunEngine::RunTest() {
   run_.controls.SetRunMode();
   if (!run_.preparation.InitInstruments() || Halted()) return;
   run_.shell.log.LogFile("Test run started\r\n" + run_.documents.testSetup.StringPrintTestSetup());
+  run_.shell.log.Hold();
   Sweep();
 }
 
@@ -82,9 +83,8 @@ void RunEngine::Sweep() {
   }
   currentStep_ = count;
   outcome_ = RunOutcome::Finished;
-  run_.preparation.SwitchRfOff();  // the log may stand on a share that stalls
+  run_.preparation.SwitchRfOff();
   run_.display.Remaining(0);
-  run_.shell.log.LogFile("Frequency sweep finished");
 }
 
 bool RunEngine::RunStep(bool first) {
@@ -150,8 +150,8 @@ void RunEngine::CloseManual() {
 
 void RunEngine::EndRun() {
   guard_.Attempt([&] { run_.preparation.SwitchRfOff(); });
-  guard_.Attempt([&] { run_.shell.log.LogFile("Instruments taken offline"); });
   guard_.Attempt([&] { run_.preparation.ShutdownInstruments(); });
+  guard_.Attempt([&] { LogEnd(); });
   guard_.Attempt([&] { CloseManual(); });
   guard_.Attempt([&] { run_.shell.speaker.Beep(1000, 2000); });
   run_.shell.delay.RequestHalt();
@@ -160,6 +160,13 @@ void RunEngine::EndRun() {
   guard_.Attempt([&] { run_.controls.ButtonsEnabled(true); });
   guard_.Attempt([&] { run_.controls.FileMenuEnabled(true); });
   guard_.Attempt([&] { run_.controls.SetHaltMode(); });
+}
+
+/// Not before the instruments are offline: the log may lie on a share that stalls.
+void RunEngine::LogEnd() {
+  run_.shell.log.Release();
+  if (outcome_ == RunOutcome::Finished) run_.shell.log.LogFile("Frequency sweep finished");
+  run_.shell.log.LogFile("Instruments taken offline");
 }
 
 void RunEngine::AskToSave() {

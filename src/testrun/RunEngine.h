@@ -66,6 +66,7 @@ class RunEngine {
   bool RunTimedStep();
   void ShowTimes();
   void EndRun();
+  void LogEnd();
   void AskToSave();
   bool HasUnsavedRows() const { return !saved_ && !letGo_ && !run_.data.IsEmpty(); }
 

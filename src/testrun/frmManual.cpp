@@ -5,6 +5,7 @@
 
 #include "platform/qt/QtText.h"
 #include "shell/Shell.h"
+#include "shell/qt/WindowPlace.h"
 #include "shell/qt/WorkingForm.h"
 #include "testrun/RunControls.h"
 #include "testrun/qt/RunWindowPlace.h"
@@ -47,7 +48,7 @@ frmManual::frmManual(Shell& shell, ManualMode& mode, QWidget* parent)
 
 frmManual::~frmManual() = default;
 
-void frmManual::Open(const ManualStart& start) {
+void frmManual::Open(const ManualStart& start, const std::string& place) {
   panel_.Open(start);
   ui_->scrFreqStep->setRange(1, start.HighestStep);
   ShowScroll();
@@ -55,17 +56,18 @@ void frmManual::Open(const ManualStart& start) {
   SetRfOn(start.RfOn);
   ui_->chkModOn->setEnabled(start.ModEnabled);
   SetModOn(start.ModOn);
-  RestorePlace(shell_, windowkey::kManualForm, *this);
+  RestorePlace(place, *this);
   show();
   hook_.Install(shell_.dialogs);
   timer1_.start();
 }
 
-void frmManual::Unload() {
+std::string frmManual::Unload() {
   hook_.Remove();
   timer1_.stop();
-  RememberPlace(shell_, windowkey::kManualForm, *this);
+  const std::string place = WindowPosition(*this);
   hide();
+  return place;
 }
 
 void frmManual::SetManualFreq(double frequencyMHz) {

@@ -28,9 +28,11 @@ class frmManual : public QWidget {
   ~frmManual() override;
 
   /// Shows the form without taking the focus, catches the arrow keys and starts the timer.
-  void Open(const ManualStart& start);
-  /// Gives the arrow keys free, stops the timer, keeps the place in the settings, and goes.
-  void Unload();
+  /// @param place  where it was left, as the settings keep it
+  void Open(const ManualStart& start, const std::string& place);
+  /// Gives the arrow keys free, stops the timer, and goes. RF is on: the settings, which may lie on a share that
+  /// stalls, have to wait. @return its place, as the settings keep it
+  std::string Unload();
 
   /// The frequency in MHz.
   void SetManualFreq(double frequencyMHz);

@@ -50,6 +50,7 @@ frmRunTest::frmRunTest(Shell& shell, Instruments& instruments, Documents& docume
   ShowRf();
   FileMenuEnabled(false);
   RestorePlace(shell_, windowkey::kRunTestForm, *this);
+  manualPlace_ = shell_.settings.GetFormPosition(windowkey::kManualForm);
 }
 
 frmRunTest::~frmRunTest() = default;

@@ -138,6 +138,7 @@ class frmRunTest : public WorkingForm, private RunDisplay, private RunControls {
   RunDataModel model_;
   std::unique_ptr<frmRunButtons> ButtonForm;
   std::unique_ptr<frmManual> ManForm;
+  std::string manualPlace_;  ///< where it was left, as the settings keep it
   EscapeWatch escape_;
   TableFollower* follower_ = nullptr;
   QLabel* statusPanel_ = nullptr;

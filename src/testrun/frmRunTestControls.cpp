@@ -85,6 +85,7 @@ void frmRunTest::EndRun() {
   rfWatch_.stop();
   escape_.Stop();
   inRun_ = false;
+  RememberPlace(shell_, windowkey::kManualForm, manualPlace_);
   ShowRf();
   // Not before the press of Run has returned: the button that was pressed goes with the form.
   // Nor while it holds data that were to be saved and are not.
@@ -153,12 +154,12 @@ void frmRunTest::OpenManual(const ManualStart& start) {
   connect(ManForm.get(), &frmManual::manModOn, this, &frmRunTest::manform_manModOn);
   connect(ManForm.get(), &frmManual::HaltClick, this, &frmRunTest::PressHalt);
   connect(ManForm.get(), &frmManual::HelpRequested, this, &frmRunTest::AskForHelp);
-  ManForm->Open(start);
+  ManForm->Open(start, manualPlace_);
 }
 
 void frmRunTest::CloseManual() {
   if (!ManForm) return;
-  ManForm->Unload();
+  manualPlace_ = ManForm->Unload();
   ManForm.reset();
   follower_->Release();
 }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <utility>
 
 #include "testrun/RunRig.h"
 
@@ -217,13 +218,20 @@ TEST_F(RunEndTest, AnotherRunAsksBeforeItDropsRowsThatAreInNoFile) {
 TEST_F(RunEndTest, TheRunLogTellsTheStory) {
   const WorkingDirectory here(rig.t.directory.Path());
   rig.t.shell.settings.Store().SaveSettingStr("System", "LogToFile", "1");
+  rig.t.events.onYield = [&, once = false]() mutable {
+    if (!rig.rfOn) return;
+    if (!std::exchange(once, true)) rig.t.shell.log.LogFile("said while RF is on");
+    EXPECT_EQ(rig.t.directory.Read("runlog.hyl").find("RF is on"), std::string::npos) << "the log may stall";
+  };
   rig.Run();
   const std::string log = rig.t.directory.Read("runlog.hyl");
+  const auto said = log.find("said while RF is on");
   const auto started = log.find("Test run started\r\n                 Test Run Parameters");
   const auto finished = log.find("Frequency sweep finished");
   const auto offline = log.find("Instruments taken offline");
   EXPECT_NE(started, std::string::npos);
-  EXPECT_LT(started, finished);
+  EXPECT_LT(started, said);
+  EXPECT_LT(said, finished);
   EXPECT_LT(finished, offline);
   EXPECT_NE(offline, std::string::npos);
 }

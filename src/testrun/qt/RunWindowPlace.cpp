@@ -45,18 +45,25 @@ void KeepFrame(QWidget& window) {
 
 bool RestorePlace(Shell& shell, std::string_view windowKey, QWidget& window) {
   try {
-    const std::string position = shell.settings.GetFormPosition(windowKey);
-    PlaceWindow(window, position);
-    if (!position.empty()) KeepFrame(window);
-    return !position.empty();
+    return RestorePlace(shell.settings.GetFormPosition(windowKey), window);
   } catch (const RuntimeError&) {
     return false;
   }
 }
 
+bool RestorePlace(const std::string& position, QWidget& window) {
+  PlaceWindow(window, position);
+  if (!position.empty()) KeepFrame(window);
+  return !position.empty();
+}
+
 void RememberPlace(Shell& shell, std::string_view windowKey, const QWidget& window) {
+  RememberPlace(shell, windowKey, WindowPosition(window));
+}
+
+void RememberPlace(Shell& shell, std::string_view windowKey, const std::string& position) {
   try {
-    shell.settings.SaveFormPosition(windowKey, WindowPosition(window));
+    if (!position.empty()) shell.settings.SaveFormPosition(windowKey, position);
   } catch (const RuntimeError&) {
     // The next one opens where it was designed.
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include <QtCore/qnamespace.h>
@@ -19,7 +20,10 @@ inline constexpr Qt::WindowFlags kRunFrame =
 void KeepFrame(QWidget& window);
 /// Puts a run window at its remembered place. @return false when there is none
 bool RestorePlace(Shell& shell, std::string_view windowKey, QWidget& window);
+/// The same for a place as the settings keep it.
+bool RestorePlace(const std::string& position, QWidget& window);
 /// Remembers where a run window is. Settings that can't be written lose the place and disturb no run.
 void RememberPlace(Shell& shell, std::string_view windowKey, const QWidget& window);
+void RememberPlace(Shell& shell, std::string_view windowKey, const std::string& position);
 
 }  // namespace hylden
