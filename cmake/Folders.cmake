@@ -2,8 +2,10 @@
 # A folder that holds only headers so far becomes an interface library.
 function(hylden_folder name)
   cmake_parse_arguments(ARG "" "" "USES" ${ARGN})
-  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${name}/*.cpp)
+  # Relative: the checkout itself may lie in a folder "qt".
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/src/${name}/*.cpp)
   list(FILTER sources EXCLUDE REGEX "/qt/|/frm[A-Z][^/]*$|/TopMenu[^/]*$")
+  list(TRANSFORM sources PREPEND ${PROJECT_SOURCE_DIR}/)
   if(sources)
     add_library(hylden_${name} STATIC ${sources})
     set(scope PUBLIC)
