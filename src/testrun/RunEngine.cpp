@@ -5,6 +5,7 @@
 #include "calibration/RunQuestions.h"
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
+#include "platform/FlagRaised.h"
 #include "shell/Shell.h"
 
 namespace hylden {
@@ -171,6 +172,7 @@ void RunEngine::LogEnd() {
 
 void RunEngine::AskToSave() {
   if (run_.data.IsEmpty()) return;
+  const FlagRaised asking(asking_);
   const MessageAnswer answer =
       run_.shell.dialogs.Show({"Would you like to save the testrun data?", question::kSaveRunData,
                                MessageIcon::Question, MessageButtons::YesNo});
@@ -186,6 +188,7 @@ bool RunEngine::Save() {
 
 bool RunEngine::MayDropRows() {
   if (!HasUnsavedRows()) return true;
+  const FlagRaised asking(asking_);
   const MessageAnswer answer =
       run_.shell.dialogs.Show({"The run data has not been saved.\r\nSave it?", question::kSaveRunData,
                                MessageIcon::Question, MessageButtons::YesNoCancel});

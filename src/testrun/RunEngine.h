@@ -42,6 +42,8 @@ class RunEngine {
   bool Save();
   /// The operator wanted the last run's data saved, and the file dialog was cancelled or the file not written.
   bool SaveMissed() const { return wanted_ && HasUnsavedRows(); }
+  /// A question whether to save the rows waits for an answer.
+  bool AsksToSave() const { return asking_; }
   /// Asks, once for the rows of a run, before rows that are in no file are dropped. @return false when they have to
   /// stay: cancelled, or not saved
   bool MayDropRows();
@@ -78,6 +80,7 @@ class RunEngine {
   bool ready_ = false;
   bool wanted_ = false;  ///< the operator asked for the rows to be saved
   bool saved_ = false;
+  bool asking_ = false;
   bool letGo_ = false;  ///< the operator lets the rows go
   RunOutcome outcome_ = RunOutcome::NotRun;
   bool manualOpen_ = false;

@@ -46,8 +46,8 @@ class frmRunTest : public WorkingForm, private RunDisplay, private RunControls {
   /// Halts the run as its button does; nothing when there is none.
   void PressHalt();
   void PrintReport(RunReportKind kind);
-  /// The run is over, and the question whether to save its data stands on the screen.
-  bool AsksToSave() const { return askingToSave_; }
+  /// The question whether to save the data of a run that is over stands on the screen.
+  bool AsksToSave() const { return engine_.AsksToSave(); }
 
   const RunEngine& Engine() const { return engine_; }
   QString HelpTopic() const override;
@@ -127,6 +127,7 @@ class frmRunTest : public WorkingForm, private RunDisplay, private RunControls {
   void ClearCountdown();
   void AskForHelp() { emit HelpRequested(HelpTopic()); }
   void EndRun();
+  bool MayDropRows();
   bool IsOurs(const QWidget& window) const;
 
   Shell& shell_;
@@ -157,7 +158,6 @@ class frmRunTest : public WorkingForm, private RunDisplay, private RunControls {
   int filledRows_ = 0;
   bool simulated_ = false;
   bool inRun_ = false;  ///< a press of Run has not returned yet
-  bool askingToSave_ = false;
   bool closePending_ = false;
 };
 

@@ -48,10 +48,21 @@ bool frmRunTest::QueryUnload() {
     PressHalt();
     return false;
   }
-  if (engine_.SaveMissed() && !engine_.MayDropRows()) return false;
+  if (!MayDropRows()) return false;
   RememberPlace(shell_, windowkey::kRunTestForm, *this);
   if (ButtonForm) ButtonForm->Unload();
   return true;
+}
+
+/// Rows that were to be saved and are not are asked about once more; a question that stands is enough.
+bool frmRunTest::MayDropRows() {
+  if (engine_.AsksToSave()) return false;
+  try {
+    return !engine_.SaveMissed() || engine_.MayDropRows();
+  } catch (const std::exception& error) {
+    shell_.ReportError(error, "mnuFileSave");
+    return false;
+  }
 }
 
 bool frmRunTest::IsOurs(const QWidget& window) const {
@@ -132,7 +143,6 @@ void frmRunTest::FileMenuEnabled(bool enabled) {
 }
 
 void frmRunTest::ButtonsEnabled(bool enabled) {
-  askingToSave_ = !enabled;
   if (ButtonForm) ButtonForm->setEnabled(enabled);
 }
 

@@ -134,6 +134,24 @@ TEST_F(RunForms, SecondRunStartsWithAnEmptyRecord) {
   EXPECT_EQ(Rows().size(), 2u);
 }
 
+TEST_F(RunForms, RowsThatWereToBeSavedStayUntilTheOperatorLetsThemGo) {
+  Open("substitution-am.tst");
+  m.When(AtStep(3), [&] { form->PressHalt(); });
+  Press(*form, "cmdRun");  // to be saved, and the file dialog cancelled
+  ASSERT_EQ(Rows().size(), 4u);
+  for (const char* button : {"cmdRun", "cmdExit"}) {
+    dialogs.Answer(MessageAnswer::Cancel);
+    Press(*form, button);
+    EXPECT_EQ(dialogs.LastText(), "The run data has not been saved.\r\nSave it?");
+    EXPECT_EQ(Rows().size(), 4u);
+    EXPECT_TRUE(form->isVisible());
+  }
+  dialogs.Answer(MessageAnswer::No);
+  Press(*form, "cmdExit");
+  EXPECT_EQ(Asked("Save Run Data"), 4u);
+  EXPECT_FALSE(form->isVisible());
+}
+
 TEST_F(RunForms, CancelledConfirmationStartsNothing) {
   Open("substitution-am.tst");
   dialogs.Answer(MessageAnswer::Cancel);
