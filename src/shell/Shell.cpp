@@ -69,7 +69,9 @@ void Shell::ShowFailure(const std::string& text, MessageIcon icon) {
     if (!text.empty()) shown += "\r\n";
   }
   shown += text;
-  if (!shown.empty()) dialogs.Tell(shown, icon);
+  if (shown.empty()) return;
+  MakeSafe();
+  dialogs.Tell(shown, icon);
 }
 
 void Shell::ReportError(const RuntimeError& error, std::string_view context, std::string_view path) {

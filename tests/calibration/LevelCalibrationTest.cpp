@@ -120,6 +120,10 @@ TEST_F(LevelCalibrationTest, ARunEndsWithAnotherMessageOrRfOnOrPointsLost) {
        },
        "The power meter's answer is no power:\r\n\"9.91E+37\"", 1},
       {[](auto& r) {
+         r.setup.RecordFwdPwr = 1, r.levels = {120.25}, r.bus.Answers(7, {"40", "-9.9E+37"});
+       },
+       "The power meter's answer is no power:\r\n\"-9.9E+37\"", 1},
+      {[](auto& r) {
          r.setup.RecordRevPwr = 1, r.levels = {120.25, 120.25}, r.bus.Answers(7, {"40", "30", "40", "B:"});
        },
        "The power meter's answer holds no number:\r\n\"B:\"", 2},
