@@ -10,6 +10,7 @@ add_library(hylden_desktop STATIC ${desktopSources})
 set_target_properties(hylden_desktop PROPERTIES AUTOMOC ON AUTOUIC ON
   AUTOGEN_TARGET_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/hylden_desktop_autogen.dir/AutogenInfo.json)
 target_link_libraries(hylden_desktop PUBLIC hylden_core Qt6::Widgets Qt6::PrintSupport)
+target_precompile_headers(hylden_desktop PRIVATE <QtWidgets>)
 
 # The manual stands beside the program.
 configure_file(${PROJECT_SOURCE_DIR}/help/hylden.md ${PROJECT_BINARY_DIR}/bin/hylden.hlp COPYONLY)

@@ -38,7 +38,7 @@ TEST_F(RecentFilesTest, ListIsBoundedAndForgetsVanishedFiles) {
 }
 
 TEST_F(RecentFilesTest, PathTooLongForTheSettingsIsNotKept) {
-  recent.Add(directory.Write(std::string(120, 'd') + "/long.eqp", "x"));
+  recent.Add(directory.Write(std::string(120, 'd').append("/long.eqp"), "x"));
   EXPECT_EQ(recent.List(), Files{});
 }
 
