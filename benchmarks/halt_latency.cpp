@@ -20,7 +20,7 @@
 #include "support/FakePrinter.h"
 #include "support/FakeSpeaker.h"
 #include "support/TempDir.h"
-#include "testrun/frmRunTest.h"
+#include "testrun/qt/frmRunTest.h"
 
 namespace hylden {
 namespace {

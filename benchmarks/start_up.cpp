@@ -22,7 +22,7 @@
 #include "platform/qt/QtEventLoop.h"
 #include "platform/qt/QtPrinter.h"
 #include "platform/qt/QtSpeaker.h"
-#include "shell/TopMenu.h"
+#include "shell/qt/TopMenu.h"
 #include "support/TempDir.h"
 
 namespace hylden {

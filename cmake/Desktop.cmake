@@ -1,9 +1,9 @@
-# hylden_desktop: the windows, on Qt. Everything in a folder's qt/, the forms frm*, and the main menu.
+# hylden_desktop: the windows, on Qt. Everything in a folder's qt/, and widgets/.
 find_package(Qt6 6.4 REQUIRED COMPONENTS Widgets PrintSupport)
 
 file(GLOB_RECURSE desktopSources CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
   ${PROJECT_SOURCE_DIR}/src/*.cpp ${PROJECT_SOURCE_DIR}/src/*.h ${PROJECT_SOURCE_DIR}/src/*.ui)
-list(FILTER desktopSources INCLUDE REGEX "/qt/|/frm[A-Z][^/]*$|/TopMenu[^/]*$")
+list(FILTER desktopSources INCLUDE REGEX "^src/([a-z]+/qt|widgets)/")
 list(TRANSFORM desktopSources PREPEND ${PROJECT_SOURCE_DIR}/)
 add_library(hylden_desktop STATIC ${desktopSources})
 # The list of sources is a dependency of its own: a form that is added later is seen by the next build.

@@ -1,10 +1,10 @@
-# hylden_folder(name [USES folder...]): the library hylden_<name> of src/<name>, without its Qt parts (qt/, frm*).
+# hylden_folder(name [USES folder...]): the library hylden_<name> of src/<name>, without its Qt parts (qt/).
 # A folder that holds only headers so far becomes an interface library.
 function(hylden_folder name)
   cmake_parse_arguments(ARG "" "" "USES" ${ARGN})
   # Relative: the checkout itself may lie in a folder "qt".
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/src/${name}/*.cpp)
-  list(FILTER sources EXCLUDE REGEX "/qt/|/frm[A-Z][^/]*$|/TopMenu[^/]*$")
+  list(FILTER sources EXCLUDE REGEX "^src/[a-z]+/qt/")
   list(TRANSFORM sources PREPEND ${PROJECT_SOURCE_DIR}/)
   if(sources)
     add_library(hylden_${name} STATIC ${sources})

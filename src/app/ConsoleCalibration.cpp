@@ -2,8 +2,8 @@
 #include "app/ConsoleJobs.h"
 #include "app/ConsoleStation.h"
 #include "calibration/LevelCalibration.h"
-#include "calibration/RunQuestions.h"
 #include "documents/clsCalFile.h"
+#include "run/RunQuestions.h"
 
 namespace hylden {
 

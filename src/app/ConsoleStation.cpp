@@ -6,9 +6,9 @@
 #include <iostream>
 
 #include "app/BusChoice.h"
-#include "calibration/RunQuestions.h"
 #include "platform/FlagRaised.h"
 #include "platform/native/ProgramDirectory.h"
+#include "run/RunQuestions.h"
 #include "shell/StartUp.h"
 #include "text/Pattern.h"
 #include "text/TextFile.h"

@@ -10,7 +10,6 @@
 #include "app/ProgressLine.h"
 #include "app/Station.h"
 #include "bench/Bench.h"
-#include "calibration/RunOutcome.h"
 #include "platform/VirtualTime.h"
 #include "platform/console/ConsoleClock.h"
 #include "platform/console/ConsoleDialogs.h"
@@ -18,6 +17,7 @@
 #include "platform/console/ConsolePrinter.h"
 #include "platform/console/ConsoleSpeaker.h"
 #include "platform/native/SingleInstance.h"
+#include "run/RunOutcome.h"
 
 namespace hylden {
 

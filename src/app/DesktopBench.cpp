@@ -8,7 +8,7 @@
 
 #include "app/DesktopBeside.h"
 #include "bench/Bench.h"
-#include "bench/frmBench.h"
+#include "bench/qt/frmBench.h"
 #include "shell/qt/WorkingForm.h"
 
 namespace hylden {

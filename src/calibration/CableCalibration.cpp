@@ -5,9 +5,9 @@
 
 #include "calibration/CalibrationDisplay.h"
 #include "calibration/FrequencyPlan.h"
-#include "calibration/UsableReading.h"
 #include "calibration/WarbleAlarm.h"
 #include "instruments/Instruments.h"
+#include "run/UsableReading.h"
 #include "shell/Shell.h"
 #include "text/Numbers.h"
 #include "text/TextFile.h"

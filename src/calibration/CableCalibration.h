@@ -4,11 +4,11 @@
 #include <vector>
 
 #include "calibration/CableSetup.h"
-#include "calibration/ElapsedTime.h"
-#include "calibration/InstrumentsUp.h"
-#include "calibration/RunGuard.h"
-#include "calibration/RunOutcome.h"
 #include "measure/Conversions.h"
+#include "run/ElapsedTime.h"
+#include "run/InstrumentsUp.h"
+#include "run/RunGuard.h"
+#include "run/RunOutcome.h"
 
 namespace hylden {
 

@@ -4,14 +4,14 @@
 #include <filesystem>
 
 #include "calibration/CalibrationDisplay.h"
-#include "calibration/FactorLoading.h"
 #include "calibration/FrequencyPlan.h"
-#include "calibration/RunQuestions.h"
 #include "calibration/WarbleAlarm.h"
 #include "documents/Documents.h"
 #include "documents/clsCalFile.h"
 #include "instruments/Instruments.h"
 #include "platform/FlagRaised.h"
+#include "run/FactorLoading.h"
+#include "run/RunQuestions.h"
 #include "shell/Shell.h"
 #include "text/Numbers.h"
 

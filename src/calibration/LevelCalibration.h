@@ -4,14 +4,14 @@
 #include <string>
 #include <vector>
 
-#include "calibration/ElapsedTime.h"
-#include "calibration/InstrumentsUp.h"
 #include "calibration/LevelRules.h"
-#include "calibration/PowerReading.h"
-#include "calibration/RunGuard.h"
-#include "calibration/RunOutcome.h"
 #include "documents/CalSetupRecord.h"
 #include "measure/InterpClass.h"
+#include "run/ElapsedTime.h"
+#include "run/ForwardSensor.h"
+#include "run/InstrumentsUp.h"
+#include "run/RunGuard.h"
+#include "run/RunOutcome.h"
 
 namespace hylden {
 

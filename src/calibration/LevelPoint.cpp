@@ -4,10 +4,10 @@
 
 #include "calibration/CalibrationDisplay.h"
 #include "calibration/LevelCalibration.h"
-#include "calibration/UsableReading.h"
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
 #include "measure/Conversions.h"
+#include "run/UsableReading.h"
 #include "shell/Shell.h"
 #include "text/Pattern.h"
 

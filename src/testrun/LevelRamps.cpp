@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "calibration/UsableReading.h"
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
+#include "run/UsableReading.h"
 #include "shell/Shell.h"
 #include "testrun/StepRunner.h"
 #include "text/Pattern.h"

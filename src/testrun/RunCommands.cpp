@@ -1,7 +1,7 @@
 #include "testrun/RunCommands.h"
 
-#include "calibration/RunQuestions.h"
 #include "documents/Documents.h"
+#include "run/RunQuestions.h"
 #include "shell/Shell.h"
 #include "testrun/RunControls.h"
 #include "testrun/RunEngine.h"

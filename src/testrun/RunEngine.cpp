@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "calibration/RunQuestions.h"
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
 #include "platform/FlagRaised.h"
+#include "run/RunQuestions.h"
 #include "shell/Shell.h"
 
 namespace hylden {

@@ -2,9 +2,9 @@
 
 #include <vector>
 
-#include "calibration/ElapsedTime.h"
-#include "calibration/RunGuard.h"
-#include "calibration/RunOutcome.h"
+#include "run/ElapsedTime.h"
+#include "run/RunGuard.h"
+#include "run/RunOutcome.h"
 #include "testrun/ManualMode.h"
 #include "testrun/RunContext.h"
 #include "testrun/StepRunner.h"

@@ -2,11 +2,11 @@
 
 #include <utility>
 
-#include "calibration/FactorLoading.h"
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
 #include "measure/Conversions.h"
 #include "measure/ReadFreq.h"
+#include "run/FactorLoading.h"
 #include "shell/Shell.h"
 #include "testrun/RunDisplay.h"
 #include "text/Numbers.h"

@@ -3,10 +3,10 @@
 #include <memory>
 #include <vector>
 
-#include "calibration/InstrumentsUp.h"
-#include "calibration/PowerReading.h"
 #include "documents/clsCalFile.h"
 #include "measure/InterpClass.h"
+#include "run/ForwardSensor.h"
+#include "run/InstrumentsUp.h"
 #include "testrun/StepPlan.h"
 
 namespace hylden {

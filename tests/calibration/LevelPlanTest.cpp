@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "calibration/CalibrationRig.h"
-#include "calibration/FactorLoading.h"
+#include "run/FactorLoading.h"
 
 namespace hylden {
 namespace {

@@ -7,10 +7,10 @@
 #include <limits>
 
 #include "calibration/FrequencyPlan.h"
-#include "calibration/PowerReading.h"
 #include "calibration/WarbleAlarm.h"
 #include "documents/CalSetupRecord.h"
 #include "measure/InterpClass.h"
+#include "run/ForwardSensor.h"
 #include "support/TestShell.h"
 
 namespace hylden {

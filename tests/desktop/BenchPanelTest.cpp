@@ -1,6 +1,6 @@
 // The bench panel among the program's windows, on the demo station.
 
-#include "bench/frmBench.h"
+#include "bench/qt/frmBench.h"
 
 #include <gmock/gmock.h>
 
@@ -14,11 +14,11 @@
 #include "app/Desktop.h"
 #include "bench/BenchTexts.h"
 #include "desktop/RunForms.h"
-#include "documents/frmEquipment.h"
+#include "documents/qt/frmEquipment.h"
 #include "instruments/Instruments.h"
-#include "shell/TopMenu.h"
-#include "shell/frmHelp.h"
+#include "shell/qt/TopMenu.h"
 #include "shell/qt/WorkingForm.h"
+#include "shell/qt/frmHelp.h"
 #include "text/Pattern.h"
 
 namespace hylden {

@@ -6,11 +6,11 @@
 #include <QTabWidget>
 #include <QTableView>
 
-#include "calibration/frmCblSetup.h"
-#include "calibration/frmRunCablCal.h"
-#include "calibration/frmRunCal.h"
+#include "calibration/qt/frmCblSetup.h"
+#include "calibration/qt/frmRunCablCal.h"
+#include "calibration/qt/frmRunCal.h"
 #include "desktop/RunForms.h"
-#include "documents/frmCalSetup.h"
+#include "documents/qt/frmCalSetup.h"
 #include "text/RecordFile.h"
 #include "text/TextFile.h"
 

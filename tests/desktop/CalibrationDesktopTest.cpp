@@ -7,14 +7,14 @@
 #include <filesystem>
 
 #include "app/Desktop.h"
-#include "calibration/frmCblSetup.h"
-#include "calibration/frmRunCablCal.h"
-#include "calibration/frmRunCal.h"
+#include "calibration/qt/frmCblSetup.h"
+#include "calibration/qt/frmRunCablCal.h"
+#include "calibration/qt/frmRunCal.h"
 #include "desktop/RunForms.h"
-#include "documents/frmCalSetup.h"
-#include "documents/frmEquipment.h"
-#include "shell/TopMenu.h"
-#include "shell/frmHelp.h"
+#include "documents/qt/frmCalSetup.h"
+#include "documents/qt/frmEquipment.h"
+#include "shell/qt/TopMenu.h"
+#include "shell/qt/frmHelp.h"
 #include "text/TextFile.h"
 
 namespace hylden {

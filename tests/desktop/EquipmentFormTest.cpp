@@ -10,12 +10,12 @@
 
 #include "desktop/FormDriver.h"
 #include "documents/Documents.h"
-#include "documents/frmEquipment.h"
+#include "documents/qt/frmEquipment.h"
 #include "instruments/Instruments.h"
-#include "shell/qt/PathLabel.h"
 #include "support/ScriptedBus.h"
 #include "support/TestShell.h"
 #include "text/RecordFile.h"
+#include "widgets/PathLabel.h"
 
 namespace hylden {
 namespace {

@@ -11,17 +11,17 @@
 #include <filesystem>
 
 #include "desktop/FormDriver.h"
-#include "platform/qt/RfLamp.h"
-#include "platform/qt/ThemeColors.h"
-#include "shell/frmHelp.h"
-#include "shell/frmPickDir.h"
 #include "shell/qt/AboutBox.h"
 #include "shell/qt/FormPrompts.h"
 #include "shell/qt/OptionsMenu.h"
-#include "shell/qt/PathLabel.h"
-#include "shell/qt/WindowPlace.h"
+#include "shell/qt/frmHelp.h"
+#include "shell/qt/frmPickDir.h"
 #include "support/ScriptedBus.h"
 #include "support/TestShell.h"
+#include "widgets/PathLabel.h"
+#include "widgets/RfLamp.h"
+#include "widgets/ThemeColors.h"
+#include "widgets/WindowPlace.h"
 
 namespace hylden {
 namespace {

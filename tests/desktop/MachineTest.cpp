@@ -15,13 +15,13 @@
 #include "desktop/FormDriver.h"
 #include "platform/console/ConsoleClock.h"
 #include "platform/qt/EndSignals.h"
-#include "platform/qt/FileDrop.h"
 #include "platform/qt/QtEventLoop.h"
 #include "platform/qt/QtPrinter.h"
 #include "platform/qt/QtSpeaker.h"
-#include "platform/qt/ThemeColors.h"
 #include "support/TempDir.h"
 #include "text/RuntimeError.h"
+#include "widgets/FileDrop.h"
+#include "widgets/ThemeColors.h"
 
 namespace hylden {
 namespace {

@@ -10,9 +10,9 @@
 #include <QTextBrowser>
 
 #include "desktop/RunForms.h"
-#include "platform/qt/TableFollower.h"
-#include "shell/frmHelp.h"
+#include "shell/qt/frmHelp.h"
 #include "testrun/qt/ArrowKeyHook.h"
+#include "widgets/TableFollower.h"
 
 namespace hylden {
 namespace {

@@ -15,9 +15,9 @@
 #include "support/FakePrinter.h"
 #include "support/FakeSpeaker.h"
 #include "support/TempDir.h"
-#include "testrun/frmManual.h"
-#include "testrun/frmRunButtons.h"
-#include "testrun/frmRunTest.h"
+#include "testrun/qt/frmManual.h"
+#include "testrun/qt/frmRunButtons.h"
+#include "testrun/qt/frmRunTest.h"
 
 namespace hylden {
 

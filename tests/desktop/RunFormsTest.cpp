@@ -12,7 +12,7 @@
 #include <QTableView>
 #include <cmath>
 
-#include "testrun/qt/RunWindowPlace.h"
+#include "run/qt/RunWindowPlace.h"
 #include "text/Pattern.h"
 
 namespace hylden {

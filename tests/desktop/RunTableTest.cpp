@@ -7,9 +7,9 @@
 #include <QTest>
 
 #include "desktop/RunForms.h"
-#include "platform/qt/TableFollower.h"
 #include "testrun/RunData.h"
 #include "testrun/qt/RunDataModel.h"
+#include "widgets/TableFollower.h"
 
 namespace hylden {
 namespace {

@@ -8,13 +8,13 @@
 
 #include "desktop/FormDriver.h"
 #include "documents/Documents.h"
-#include "documents/frmTestDef.h"
+#include "documents/qt/frmTestDef.h"
 #include "instruments/Instruments.h"
 #include "platform/qt/QtText.h"
-#include "shell/qt/PathLabel.h"
 #include "support/ScriptedBus.h"
 #include "support/TestShell.h"
 #include "text/RecordFile.h"
+#include "widgets/PathLabel.h"
 
 namespace hylden {
 

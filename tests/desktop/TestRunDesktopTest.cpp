@@ -10,10 +10,10 @@
 
 #include "app/Desktop.h"
 #include "desktop/RunForms.h"
-#include "documents/frmTestDef.h"
+#include "documents/qt/frmTestDef.h"
 #include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtText.h"
-#include "shell/TopMenu.h"
+#include "shell/qt/TopMenu.h"
 
 namespace hylden {
 namespace {

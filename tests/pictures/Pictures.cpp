@@ -25,15 +25,15 @@
 #include "app/Desktop.h"
 #include "app/Station.h"
 #include "bench/BenchConfig.h"
-#include "bench/frmBench.h"
-#include "documents/frmCalSetup.h"
-#include "documents/frmTestDef.h"
+#include "bench/qt/frmBench.h"
+#include "documents/qt/frmCalSetup.h"
+#include "documents/qt/frmTestDef.h"
 #include "platform/VirtualTime.h"
 #include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtEventLoop.h"
 #include "platform/qt/QtPrinter.h"
-#include "shell/TopMenu.h"
-#include "testrun/frmRunTest.h"
+#include "shell/qt/TopMenu.h"
+#include "testrun/qt/frmRunTest.h"
 
 namespace hylden {
 namespace {

@@ -4,8 +4,8 @@
 
 #include <limits>
 
-#include "calibration/PowerReading.h"
 #include "documents/TestDefinition.h"
+#include "run/ForwardSensor.h"
 
 namespace hylden {
 namespace {

@@ -14,10 +14,10 @@
 #include "calibration/qt/CalibrationTable.h"
 #include "instruments/SigGen.h"
 #include "platform/qt/CommandWindow.h"
-#include "platform/qt/LabelText.h"
-#include "platform/qt/RfLamp.h"
-#include "platform/qt/TableFollower.h"
 #include "shell/Shell.h"
+#include "widgets/LabelText.h"
+#include "widgets/RfLamp.h"
+#include "widgets/TableFollower.h"
 
 namespace hylden {
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "calibration/CalibrationDisplay.h"
-#include "platform/qt/EscapeWatch.h"
 #include "shell/qt/WorkingForm.h"
+#include "widgets/EscapeWatch.h"
 
 class QAbstractButton;
 class QLabel;

@@ -8,11 +8,11 @@
 #include <utility>
 
 #include "platform/qt/CommandWindow.h"
-#include "platform/qt/FileDrop.h"
 #include "platform/qt/QtText.h"
 #include "shell/Shell.h"
-#include "shell/qt/RecentFilesMenu.h"
 #include "text/TextFile.h"
+#include "widgets/FileDrop.h"
+#include "widgets/RecentFilesMenu.h"
 
 namespace hylden {
 

@@ -8,7 +8,7 @@
 #include "platform/qt/CommandWindow.h"
 #include "platform/qt/QtText.h"
 #include "shell/Shell.h"
-#include "shell/frmPickDir.h"
+#include "shell/qt/frmPickDir.h"
 
 namespace hylden {
 

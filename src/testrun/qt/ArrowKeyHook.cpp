@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "platform/Dialogs.h"
-#include "shell/frmHelp.h"
+#include "shell/qt/frmHelp.h"
 
 namespace hylden {
 

@@ -1,0 +1,88 @@
+#include "calibration/qt/frmRunCal.h"
+
+#include "instruments/Instruments.h"
+#include "text/Numbers.h"
+#include "ui_frmRunCal.h"
+#include "widgets/LabelText.h"
+
+namespace hylden {
+
+frmRunCal::frmRunCal(Shell& shell, Instruments& instruments, Documents& documents, QWidget* parent)
+    : CalibrationWindow(shell, instruments.sigGen, parent),
+      ui_(std::make_unique<Ui::frmRunCal>()),
+      calibration_(shell, instruments, documents, *this),
+      table_({kCalHeadings.begin(), kCalHeadings.end()}, [this](std::size_t row, std::size_t column) {
+        return row < calibration_.Rows().size() ? calibration_.Rows()[row][column] : std::string();
+      }) {
+  ui_->setupUi(this);
+  testLevelTip_ = ui_->lblTestLevel->toolTip();
+  SetUp({ui_->lblFreq, ui_->lblSigGen, ui_->lblMeterLevel, ui_->lblCountdown, ui_->lblStep, ui_->lblSteps,
+         ui_->lblStart, ui_->lblStop, ui_->lblDwell, ui_->lblElapsed, ui_->lblEstTime, ui_->lblState, ui_->lblRf,
+         ui_->prgSteps, ui_->flxCalData, ui_->mnuFile, ui_->cmdHalt, ui_->cmdExit},
+        {"0.0#####", "##0.00", "##0.00"}, table_);
+  ui_->cmdStart->setEnabled(false);
+  EnableSave(false);
+  connect(ui_->cmdStart, &QPushButton::clicked, this, [this] {
+    bool mayRun = false;
+    Guard("cmdStart", [&] { mayRun = MayLeavePoints(); });
+    if (mayRun) RunFrom([this] { calibration_.Run(); });
+  });
+  connect(ui_->cmdSave, &QPushButton::clicked, this, &frmRunCal::Save);
+  connect(ui_->mnuFileSaveAs, &QAction::triggered, this, &frmRunCal::Save);
+  connect(ui_->mnuFileExit, &QAction::triggered, this, &QWidget::close);
+  connect(ui_->mnuHelpRun, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
+}
+
+frmRunCal::~frmRunCal() = default;
+
+void frmRunCal::Load() {
+  // Before anything can fail: a message stands in front of a window that says what it is.
+  setWindowTitle(ToQt(calibration_.Title()));
+  const bool forward = calibration_.Setup().RecordsForward();
+  ui_->lblFwdPwr->setEnabled(forward);
+  ui_->lblFwdPwrCap->setEnabled(forward);
+  Guard("Load", [this] { ready_ = calibration_.Prepare(); });
+  ui_->cmdStart->setEnabled(ready_);
+  if (ready_) ui_->cmdStart->setFocus();
+}
+
+void frmRunCal::StartAfresh() {
+  CalibrationWindow::StartAfresh();
+  for (QLabel* const label :
+       {static_cast<QLabel*>(ui_->lblTestLevel), static_cast<QLabel*>(ui_->lblFwdPwr), ui_->lblCableLoss})
+    ShowText(*label, QString::fromLatin1(kNoFigure));
+  ui_->lblTestLevel->setToolTip(testLevelTip_);
+}
+
+void frmRunCal::Running(bool running) {
+  ui_->cmdStart->setEnabled(!running && ready_);
+  CalibrationWindow::Running(running);
+  EnableSave(!running);
+  if (running) return;
+  const bool unsaved = !calibration_.Rows().empty() && !calibration_.RowsSaved();
+  (unsaved ? ui_->cmdSave : ui_->cmdExit)->setFocus();
+}
+
+void frmRunCal::EnableSave(bool enabled) {
+  ui_->cmdSave->setEnabled(enabled);
+  ui_->mnuFileSaveAs->setEnabled(enabled);
+}
+
+void frmRunCal::TestLevel(double volts) {
+  ShowNumber(*ui_->lblTestLevel, volts, "##0.000");
+  ui_->lblTestLevel->setToolTip(ToQt(ShortestText(volts)));
+}
+
+void frmRunCal::CableLoss(double db) {
+  ShowNumber(*ui_->lblCableLoss, db, "#0.00");
+}
+
+void frmRunCal::ForwardPower(double watts) {
+  ShowNumber(*ui_->lblFwdPwr, watts, "0.000");
+}
+
+void frmRunCal::Save() {
+  Guard("cmdSave", [this] { calibration_.Save(); });
+}
+
+}  // namespace hylden

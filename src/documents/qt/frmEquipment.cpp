@@ -1,0 +1,401 @@
+#include "documents/qt/frmEquipment.h"
+
+#include "documents/Equip.h"
+#include "documents/qt/EntryPrompt.h"
+#include "instruments/Instruments.h"
+#include "measure/InterpClass.h"
+#include "platform/qt/QtText.h"
+#include "shell/FormInput.h"
+#include "shell/Shell.h"
+#include "shell/qt/AboutBox.h"
+#include "shell/qt/OptionsMenu.h"
+#include "text/Numbers.h"
+#include "ui_frmEquipment.h"
+#include "widgets/ThemeColors.h"
+
+namespace hylden {
+
+namespace {
+
+constexpr char kEquipFilter[] = "Equipment Setup Files (*.eqp)|*.eqp|All Files|*.*";
+constexpr char kSelectEquipment[] = "Select equipment file";
+constexpr char kFactorFilter[] = "Factor File (*.fac)|*.fac", kFactorTitle[] = "Select coupling factor file";
+
+struct DefinitionDialog {
+  const char* title;
+  const char* filter;
+};
+
+DefinitionDialog DialogOf(InstrumentKind kind) {
+  switch (kind) {
+    case InstrumentKind::SigGen:
+      return {"Select signal generator definition file", "Signal Generators (*.sg)|*.sg|All Files|*.*"};
+    case InstrumentKind::Meter:
+      return {"Select meter definition file", "Meters (*.mtr)|*.mtr|All Files|*.*"};
+    case InstrumentKind::PwrMtr:
+      break;
+  }
+  return {"Select Power Meter File", "PMeters (*.pm)|*.pm|All Files|*.*"};
+}
+
+/// Red and struck through: a path to nothing that can be used.
+void MarkFailed(QLabel& label, bool failed) {
+  label.setFont({});
+  label.setPalette({});
+  if (!failed) return;
+  QFont font = label.font();
+  font.setStrikeOut(true);
+  label.setFont(font);
+  QPalette palette = label.palette();
+  palette.setColor(QPalette::WindowText, HighlightRed(palette));
+  label.setPalette(palette);
+}
+
+}  // namespace
+
+/// An instrument's place in the record and on the form.
+struct frmEquipment::InstrumentRow {
+  std::string& file;
+  std::int16_t& address;
+  PathLabel& label;
+  QLineEdit& box;
+};
+
+/// A table's place in the record and on the form, and the dialog that chooses it.
+struct frmEquipment::TableRow {
+  QPushButton* button;
+  QAction* entry;
+  QToolButton* clear;
+  PathLabel* label;
+  std::string EquipRecord::*file;
+  std::string_view directory;
+  const char* filter;
+  const char* title;
+};
+
+frmEquipment::frmEquipment(Shell& shell, Instruments& instruments, Equip& equip, QWidget* parent)
+    : SetupForm(shell, parent), instruments_(instruments), equip_(equip), ui_(std::make_unique<Ui::frmEquipment>()) {
+  ui_->setupUi(this);
+  ConnectFileMenu();
+  ConnectInstruments();
+  ConnectTables();
+  ConnectAmplifier();
+  Offer(false, false, false);
+  ShowFileName();
+  ShowEquipment();
+  WatchEntries();
+  if (HasUnsaved()) kept_ = equip_.Record;
+}
+
+frmEquipment::~frmEquipment() = default;
+
+void frmEquipment::ConnectFileMenu() {
+  OfferFiles(ui_->mnuFileRecent, datakind::kEquip, QStringLiteral("eqp"),
+             [this](const QString& path) { LoadFile(path); });
+  FillOptionsMenu(*ui_->mnuFileOptions, shell_);
+  On(ui_->mnuEquipFileLoad, [this] { AskAndLoad(); });
+  On(ui_->mnuEquipFileSave, [this] { SaveEntries(); });
+  On(ui_->mnuEquipFileSaveAs, [this] { SaveAs(); });
+  On(ui_->mnuUtilInsertLoss, [this] { RequestInsertionLoss(); });
+  connect(ui_->mnuHelpEquipment, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
+  On(ui_->mnuHelpAbout, [this] { ShowAbout(shell_.dialogs); });
+}
+
+void frmEquipment::ConnectInstruments() {
+  struct {
+    InstrumentKind kind;
+    QPushButton* button;
+    QToolButton* clear;
+    QAction* select;
+    QAction* define;
+  } const rows[] = {
+      {InstrumentKind::SigGen, ui_->cmdSigGen, ui_->cmdNoSigGen, ui_->mnuInstSelSigGen, ui_->mnuInstDefineSigGen},
+      {InstrumentKind::Meter, ui_->cmdMeter, ui_->cmdNoMeter, ui_->mnuInstSelMeter, ui_->mnuInstDefineMeter},
+      {InstrumentKind::PwrMtr, ui_->cmdPwrMtr, ui_->cmdNoPwrMtr, ui_->mnuInstSelPwrMtr, ui_->mnuInstDefinePwrMtr},
+  };
+  for (const auto& row : rows) {
+    const auto select = [this, kind = row.kind] { SelectInstrument(kind); };
+    On(row.button, select);
+    On(row.select, select);
+    On(row.clear, [this, kind = row.kind] { ClearInstrument(kind); });
+    connect(row.define, &QAction::triggered, this, [this, kind = row.kind] { emit DefineInstrumentRequested(kind); });
+  }
+}
+
+void frmEquipment::ConnectTables() {
+  const TableRow rows[] = {
+      {ui_->cmdCalCable, ui_->mnuFactorsSelectCalCable, ui_->cmdNoCalCable, ui_->lblCalCable,
+       &EquipRecord::CableLossFile, datakind::kCables, "Cable Loss File (*.los)|*.los", "Select cable loss file"},
+      {ui_->cmdFwdPort, ui_->mnuFactorsSelectFwdPort, ui_->cmdNoFwdPort, ui_->lblFwdPort, &EquipRecord::FwdPortFile,
+       datakind::kFactors, kFactorFilter, kFactorTitle},
+      {ui_->cmdRevPort, ui_->mnuFactorsSelectRevPort, ui_->cmdNoRevPort, ui_->lblRevPort, &EquipRecord::RevPortFile,
+       datakind::kFactors, kFactorFilter, kFactorTitle},
+      {ui_->cmdMaxPower, ui_->mnuFactorsSelectMaxPower, ui_->cmdNoMaxPower, ui_->lblMaxPower,
+       &EquipRecord::MaxPowerFile, datakind::kEquip, "Amp Power File (*.pwr)|*.pwr", "Select Max Amp Power file"},
+      {ui_->cmdProbe, ui_->mnuFactorsSelectProbe, ui_->cmdNoProbe, ui_->lblProbeFile, &EquipRecord::ProbeFile,
+       datakind::kProbes, "Probe File (*.prb)|*.prb", "Select Monitor Probe Factor file"},
+  };
+  for (const TableRow& row : rows) {
+    On(row.button, [this, row] { SelectTable(row); });
+    On(row.entry, [this, row] { SelectTable(row); });
+    On(row.clear, [this, row] {
+      (equip_.Record.*row.file).clear();
+      FitPathLabel({}, *row.label);
+    });
+  }
+  connect(ui_->mnuFactorEditFactor, &QAction::triggered, this,
+          [this] { emit EditFactorRequested(FactorKind::Factor); });
+  connect(ui_->mnuFactorEditLevel, &QAction::triggered, this, [this] { emit EditFactorRequested(FactorKind::Level); });
+  connect(ui_->mnuFactorEditLoss, &QAction::triggered, this, [this] { emit EditFactorRequested(FactorKind::Loss); });
+}
+
+void frmEquipment::ConnectAmplifier() {
+  On(ui_->optSingle, [this] { SetConfiguration(AmpConfig::Single); });
+  On(ui_->optDualFwdRev, [this] { SetConfiguration(AmpConfig::DualFwdRev); });
+  On(ui_->optDualSplit, [this] { SetConfiguration(AmpConfig::DualSplit); });
+  On(ui_->optGenericAmp, [this] { SetAmplifierType(AmpType::Generic); });
+  On(ui_->optIFIAmp, [this] { SetAmplifierType(AmpType::Ifi); });
+  connect(ui_->chkIfiPwr, &QCheckBox::clicked, this, [this](bool ticked) { equip_.Record.IfiPower = ticked; });
+  connect(ui_->chkIfiAtten, &QCheckBox::clicked, this, [this](bool ticked) { equip_.Record.IfiAtten = ticked; });
+}
+
+void frmEquipment::ShowTab(int tab) {
+  ui_->tabSetup->setCurrentIndex(tab);
+}
+
+void frmEquipment::Offer(bool instrumentEditors, bool factorEditor, bool insertionLoss) {
+  const auto offer = [](std::initializer_list<QAction*> entries, bool available) {
+    for (QAction* const entry : entries) {
+      entry->setEnabled(available);
+      entry->setToolTip(available ? QString() : QStringLiteral("This version has no form for it"));
+    }
+  };
+  offer({ui_->mnuInstDefineSigGen, ui_->mnuInstDefineMeter, ui_->mnuInstDefinePwrMtr}, instrumentEditors);
+  offer({ui_->mnuFactorEditFactor, ui_->mnuFactorEditLevel, ui_->mnuFactorEditLoss}, factorEditor);
+  offer({ui_->mnuUtilInsertLoss}, insertionLoss);
+}
+
+QString frmEquipment::HelpTopic() const {
+  return QStringLiteral("Setting up a station");
+}
+
+frmEquipment::InstrumentRow frmEquipment::Row(InstrumentKind kind) {
+  EquipRecord& record = equip_.Record;
+  switch (kind) {
+    case InstrumentKind::SigGen:
+      return {record.SigGenFile, record.SigGenAddress, *ui_->lblSigGen, *ui_->txtSigGenAddr};
+    case InstrumentKind::Meter:
+      return {record.MeterFile, record.MeterAddress, *ui_->lblMeter, *ui_->txtMeterAddr};
+    case InstrumentKind::PwrMtr:
+      break;
+  }
+  return {record.PwrMtrFile, record.PwrMtrAddress, *ui_->lblPwrMtr, *ui_->txtPwrMtrAddr};
+}
+
+template <class Driver>
+void frmEquipment::ShowInstrument(InstrumentKind kind, const Driver& driver) {
+  const InstrumentRow row = Row(kind);
+  FitPathLabel(row.file, row.label);
+  row.box.setText(row.file.empty() ? QString() : QString::number(row.address));
+  const bool failed = !row.file.empty() && !driver.HasDefinition();
+  MarkFailed(row.label, failed);
+  if (failed)
+    row.label.setToolTip(QStringLiteral("This definition could not be loaded, so the instrument can't be used:\n") +
+                         ToQt(row.file));
+  else if (!row.file.empty())
+    row.label.setToolTip(ToQt(driver.InstrumentName()));
+}
+
+void frmEquipment::ShowInstruments() {
+  ShowInstrument(InstrumentKind::SigGen, instruments_.sigGen);
+  ShowInstrument(InstrumentKind::Meter, instruments_.meter);
+  ShowInstrument(InstrumentKind::PwrMtr, instruments_.pm);
+}
+
+void frmEquipment::SelectInstrument(InstrumentKind kind) {
+  switch (kind) {
+    case InstrumentKind::SigGen:
+      return SelectDefinition(instruments_.sigGen, kind);
+    case InstrumentKind::Meter:
+      return SelectDefinition(instruments_.meter, kind);
+    case InstrumentKind::PwrMtr:
+      return SelectDefinition(instruments_.pm, kind);
+  }
+}
+
+template <class Driver>
+void frmEquipment::SelectDefinition(Driver& driver, InstrumentKind kind) {
+  const InstrumentRow row = Row(kind);
+  const DefinitionDialog dialog = DialogOf(kind);
+  driver.SetAddress(row.address);
+  const auto path = AskFile(dialog.title, dialog.filter, datakind::kEquip, row.file);
+  if (!path) return;
+  if (!driver.LoadFileOrKeep(*path)) return;
+  row.file = driver.FileName();
+  row.address = static_cast<std::int16_t>(driver.Address());
+  ShowInstrument(kind, driver);
+}
+
+void frmEquipment::ClearInstrument(InstrumentKind kind) {
+  const InstrumentRow row = Row(kind);
+  row.file.clear();
+  FitPathLabel({}, row.label);
+  MarkFailed(row.label, false);
+  row.box.clear();
+}
+
+void frmEquipment::SelectTable(const TableRow& row) {
+  const auto path = AskFile(row.title, row.filter, row.directory, equip_.Record.*row.file);
+  if (!path) return;
+  InterpClass table(shell_);
+  if (!table.InitInterp(*path)) return;
+  equip_.Record.*row.file = *path;
+  FitPathLabel(*path, *row.label);
+}
+
+void frmEquipment::ShowEquipment() {
+  equip_.LoadDefinitions();
+  ShowRecord();
+}
+
+void frmEquipment::ShowRecord() {
+  const EquipRecord& record = equip_.Record;
+  ShowInstruments();
+  const QString bandSwitch = ToQt(ShortestText(record.IfiBandSwitch));
+  ui_->txtPmBandSwitchFreq->setText(record.PwrMtrFile.empty() ? QString() : bandSwitch);
+  FitPathLabel(record.CableLossFile, *ui_->lblCalCable);
+  FitPathLabel(record.FwdPortFile, *ui_->lblFwdPort);
+  FitPathLabel(record.RevPortFile, *ui_->lblRevPort);
+  FitPathLabel(record.MaxPowerFile, *ui_->lblMaxPower);
+  FitPathLabel(record.ProbeFile, *ui_->lblProbeFile);
+  ui_->optSingle->setChecked(record.Is(AmpConfig::Single));
+  ui_->optDualFwdRev->setChecked(record.Is(AmpConfig::DualFwdRev));
+  ui_->optDualSplit->setChecked(record.Is(AmpConfig::DualSplit));
+  ui_->optGenericAmp->setChecked(!record.HasIfiAmplifier());
+  ui_->optIFIAmp->setChecked(record.HasIfiAmplifier());
+  ui_->txtIfiBandSwitch->setText(bandSwitch);
+  ui_->chkIfiPwr->setChecked(record.IfiPower);
+  ui_->chkIfiAtten->setChecked(record.IfiAtten);
+  EnableAmplifierControls();
+}
+
+void frmEquipment::ShowFileName() {
+  const std::string& path = equip_.EquipFileName;
+  SetCaption(QStringLiteral("Equipment File: ") + ToQt(path));
+  ShowSaveTarget(*ui_->mnuEquipFileSave, FileNameOnly(path));
+}
+
+void frmEquipment::EnableAmplifierControls() {
+  ui_->lblBandSwitchFreq->setEnabled(equip_.Record.Is(AmpConfig::DualSplit));
+  ui_->txtPmBandSwitchFreq->setEnabled(false);  // it shows what the amplifier's band switch says
+  const bool ifi = equip_.Record.HasIfiAmplifier();
+  ui_->chkIfiPwr->setEnabled(ifi);
+  ui_->txtIfiBandSwitch->setEnabled(ifi);
+  ui_->lblAmpSwitchFreq->setEnabled(ifi);
+  ui_->chkIfiAtten->setEnabled(ifi);
+}
+
+void frmEquipment::SetConfiguration(AmpConfig configuration) {
+  equip_.Record.AmpConfiguration = static_cast<std::int32_t>(configuration);
+  EnableAmplifierControls();
+}
+
+void frmEquipment::SetAmplifierType(AmpType type) {
+  equip_.Record.AmplifierType = static_cast<std::int32_t>(type);
+  EnableAmplifierControls();
+}
+
+EquipmentEntries frmEquipment::Entries() const {
+  EquipmentEntries entries;
+  entries.SigGenAddress = FromQt(ui_->txtSigGenAddr->text());
+  entries.MeterAddress = FromQt(ui_->txtMeterAddr->text());
+  entries.PwrMtrAddress = FromQt(ui_->txtPwrMtrAddr->text());
+  entries.IfiBandSwitch = FromQt(ui_->txtIfiBandSwitch->text());
+  if (ui_->optDualFwdRev->isChecked()) entries.Configuration = AmpConfig::DualFwdRev;
+  if (ui_->optDualSplit->isChecked()) entries.Configuration = AmpConfig::DualSplit;
+  if (ui_->optIFIAmp->isChecked()) entries.Type = AmpType::Ifi;
+  entries.IfiPower = ui_->chkIfiPwr->isChecked();
+  entries.IfiAtten = ui_->chkIfiAtten->isChecked();
+  entries.CableLossFile = ui_->lblCalCable->Path();
+  entries.FwdPortFile = ui_->lblFwdPort->Path();
+  entries.RevPortFile = ui_->lblRevPort->Path();
+  entries.MaxPowerFile = ui_->lblMaxPower->Path();
+  entries.ProbeFile = ui_->lblProbeFile->Path();
+  return entries;
+}
+
+bool frmEquipment::ApplyEquipment() {
+  const auto failure = equip_.ApplyEquipment(Entries());
+  if (failure) PointOut(*this, *failure, shell_.dialogs);
+  return !failure;
+}
+
+void frmEquipment::AskAndLoad() {
+  if (const auto path = AskFile(kSelectEquipment, kEquipFilter, datakind::kEquip, equip_.EquipFileName))
+    LoadFile(ToQt(*path));
+}
+
+void frmEquipment::LoadFile(const QString& path) {
+  Guard(ui_->mnuEquipFileLoad, [&] {
+    if (!MayDropEntries()) return;
+    const std::string file = FromQt(path);
+    if (equip_.LoadDef(file) != 1) return;
+    equip_.EquipFileName = file;
+    kept_.reset();
+    ShowFileName();
+    ShowEquipment();
+    AddRecentFile(file);
+  });
+}
+
+bool frmEquipment::QueryUnload() {
+  bool mayClose = false;
+  // The end of the session does not wait for an entry that can't be taken.
+  Guard(this,
+        [&] { mayClose = (ProgramEnds() || ApplyEquipment()) && ((kept_ && Shows(*kept_)) || MayDropEntries()); });
+  return mayClose;
+}
+
+bool frmEquipment::HasUnsaved() const {
+  return !Shows(equip_.Saved);
+}
+
+bool frmEquipment::Shows(const EquipRecord& record) const {
+  const EquipRecord& now = equip_.Record;
+  return now.SigGenFile == record.SigGenFile && now.MeterFile == record.MeterFile &&
+         now.PwrMtrFile == record.PwrMtrFile && SameEntries(Entries(), EntriesOf(record));
+}
+
+bool frmEquipment::MayDropEntries() {
+  return MayDrop("Save Equipment", "The equipment");
+}
+
+bool frmEquipment::SaveEntries() {
+  const std::string file = equip_.EquipFileName;
+  return file.empty() ? SaveAs() : SaveTo(file);
+}
+
+bool frmEquipment::SaveAs() {
+  const auto path = AskSaveFile(kSelectEquipment, kEquipFilter, datakind::kEquip, equip_.EquipFileName);
+  return path && SaveTo(*path);
+}
+
+bool frmEquipment::SaveTo(const std::string& path) {
+  if (!ApplyEquipment() || equip_.SaveDef(path) != 1) return false;
+  equip_.EquipFileName = path;
+  kept_.reset();
+  ShowRecord();
+  ShowFileName();
+  AddRecentFile(path);
+  return true;
+}
+
+void frmEquipment::RequestInsertionLoss() {
+  if (equip_.Record.SigGenFile.empty() || equip_.Record.MeterFile.empty()) {
+    shell_.dialogs.Tell("The signal generator and meter must both be selected first");
+    return;
+  }
+  if (ApplyEquipment()) emit InsertionLossRequested();
+}
+
+}  // namespace hylden

@@ -1,0 +1,72 @@
+#include "run/qt/RunWindowPlace.h"
+
+#include <QEvent>
+#include <QWidget>
+#include <QWindow>
+
+#include "shell/Shell.h"
+#include "widgets/WindowPlace.h"
+
+namespace hylden {
+
+namespace {
+
+/// Puts a window right, once, that the window manager has put by its contents where its frame should be: remembered by
+/// its frame, it would creep by a title bar at each opening.
+class FrameKeeper : public QObject {
+ public:
+  explicit FrameKeeper(QWidget& window) : QObject(&window), window_(window), place_(window.pos()) {
+    window.installEventFilter(this);
+  }
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    QWindow* const handle = window_.windowHandle();
+    if (watched == &window_ && event->type() == QEvent::Show) handle->installEventFilter(this);
+    if (watched != handle || event->type() != QEvent::Expose || !handle->isExposed()) return false;
+    const QMargins frame = handle->frameMargins();
+    if (handle->position() == place_) handle->setPosition(place_ + QPoint(frame.left(), frame.top()));
+    handle->removeEventFilter(this);
+    window_.removeEventFilter(this);
+    deleteLater();
+    return false;
+  }
+
+ private:
+  QWidget& window_;
+  QPoint place_;
+};
+
+}  // namespace
+
+void KeepFrame(QWidget& window) {
+  new FrameKeeper(window);
+}
+
+bool RestorePlace(Shell& shell, std::string_view windowKey, QWidget& window) {
+  try {
+    return RestorePlace(shell.settings.GetFormPosition(windowKey), window);
+  } catch (const RuntimeError&) {
+    return false;
+  }
+}
+
+bool RestorePlace(const std::string& position, QWidget& window) {
+  PlaceWindow(window, position);
+  if (!position.empty()) KeepFrame(window);
+  return !position.empty();
+}
+
+void RememberPlace(Shell& shell, std::string_view windowKey, const QWidget& window) {
+  RememberPlace(shell, windowKey, WindowPosition(window));
+}
+
+void RememberPlace(Shell& shell, std::string_view windowKey, const std::string& position) {
+  try {
+    if (!position.empty()) shell.settings.SaveFormPosition(windowKey, position);
+  } catch (const RuntimeError&) {
+    // The next one opens where it was designed.
+  }
+}
+
+}  // namespace hylden

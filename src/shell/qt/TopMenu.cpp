@@ -1,0 +1,59 @@
+#include "shell/qt/TopMenu.h"
+
+#include <QCloseEvent>
+#include <QKeyEvent>
+
+#include "platform/qt/QtText.h"
+#include "shell/FormInput.h"
+#include "ui_TopMenu.h"
+
+namespace hylden {
+
+TopMenu::TopMenu(QWidget* parent) : QMainWindow(parent), ui_(std::make_unique<Ui::TopMenu>()) {
+  ui_->setupUi(this);
+  setWindowIcon(LogoPixmap(64));
+  connect(ui_->cmdConfigSys, &QPushButton::clicked, this, &TopMenu::ConfigureRequested);
+  connect(ui_->cmdCalibration, &QPushButton::clicked, this, &TopMenu::CalibrationRequested);
+  connect(ui_->cmdRunTest, &QPushButton::clicked, this, &TopMenu::RunTestRequested);
+  connect(ui_->cmdBench, &QPushButton::clicked, this, &TopMenu::BenchRequested);
+  ui_->cmdBench->hide();
+}
+
+TopMenu::~TopMenu() = default;
+
+void TopMenu::SetTitle(const std::string& title) {
+  setWindowTitle(ToQt(title));
+  ui_->Label1->setText(ScreenText(title + "\r\nConducted RF Immunity"));
+}
+
+void TopMenu::SetAvailable(bool configuration, bool calibration, bool test) {
+  ui_->cmdConfigSys->setEnabled(configuration);
+  ui_->cmdCalibration->setEnabled(calibration);
+  ui_->cmdRunTest->setEnabled(test);
+}
+
+void TopMenu::ShowStation(const std::string& equipmentFile, const std::string& testFile) {
+  const auto named = [](const char* what, const std::string& file) {
+    return QString::fromLatin1(what) + (file.empty() ? QStringLiteral("none") : ToQt(FileNameOnly(file)));
+  };
+  ui_->lblStation->setText(named("Station: ", equipmentFile) + QLatin1Char('\n') + named("Test: ", testFile));
+  ui_->lblStation->setToolTip(ToQt(equipmentFile + (testFile.empty() ? "" : "\n" + testFile)));
+}
+
+void TopMenu::OfferBench() {
+  ui_->cmdBench->show();
+}
+
+void TopMenu::closeEvent(QCloseEvent* event) {
+  event->accept();
+  emit Closed();
+}
+
+void TopMenu::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_F1)
+    emit HelpRequested({});
+  else
+    QMainWindow::keyPressEvent(event);
+}
+
+}  // namespace hylden

@@ -1,0 +1,207 @@
+// The test run form and the windows around it: loading, the run buttons, manual mode, unloading.
+
+#include <QApplication>
+#include <QMenu>
+#include <exception>
+
+#include "instruments/Instruments.h"
+#include "platform/qt/CommandWindow.h"
+#include "platform/qt/QtText.h"
+#include "run/qt/RunWindowPlace.h"
+#include "shell/Shell.h"
+#include "testrun/qt/frmManual.h"
+#include "testrun/qt/frmRunButtons.h"
+#include "testrun/qt/frmRunTest.h"
+#include "ui_frmRunTest.h"
+#include "widgets/TableFollower.h"
+
+namespace hylden {
+
+void frmRunTest::Load() {
+  const CommandWindow loading(*this);
+  Status("State: Idle");
+  ButtonForm = std::make_unique<frmRunButtons>(shell_, this);
+  ButtonForm->setWindowIcon(windowIcon());
+  if (simulated_) ButtonForm->SetSimulated();
+  connect(ButtonForm.get(), &frmRunButtons::RunClick, this, &frmRunTest::buttonform_RunClick);
+  connect(ButtonForm.get(), &frmRunButtons::HaltClick, this, &frmRunTest::buttonform_HaltClick);
+  connect(ButtonForm.get(), &frmRunButtons::ManualClick, this, &frmRunTest::buttonform_ManualClick);
+  connect(ButtonForm.get(), &frmRunButtons::ExitClick, this, &frmRunTest::buttonform_exitclick);
+  connect(ButtonForm.get(), &frmRunButtons::HelpRequested, this, &frmRunTest::AskForHelp);
+  ButtonForm->show();
+  try {
+    if (engine_.Prepare() == RunReadiness::NoSteps) close();
+  } catch (const std::exception& error) {
+    shell_.ReportError(error, "frmRunTest.Load");
+  }
+}
+
+void frmRunTest::SetSimulated() {
+  simulated_ = true;
+  ShowBenchNotice(*this);
+  if (ButtonForm) ButtonForm->SetSimulated();
+}
+
+bool frmRunTest::QueryUnload() {
+  if (inRun_) {
+    closePending_ = true;
+    PressHalt();
+    return false;
+  }
+  if (!MayDropRows()) return false;
+  RememberPlace(shell_, windowkey::kRunTestForm, *this);
+  if (ButtonForm) ButtonForm->Unload();
+  return true;
+}
+
+/// Rows that were to be saved and are not are asked about once more; a question that stands is enough.
+bool frmRunTest::MayDropRows() {
+  if (engine_.AsksToSave()) return false;
+  try {
+    return !engine_.SaveMissed() || engine_.MayDropRows();
+  } catch (const std::exception& error) {
+    shell_.ReportError(error, "mnuFileSave");
+    return false;
+  }
+}
+
+bool frmRunTest::IsOurs(const QWidget& window) const {
+  return &window == this || &window == ButtonForm.get() || &window == ManForm.get();
+}
+
+void frmRunTest::PressHalt() {
+  if (ButtonForm) ButtonForm->PressHalt();
+}
+
+void frmRunTest::buttonform_RunClick() {
+  if (inRun_) return;
+  const CommandWindow running(*this);
+  inRun_ = true;
+  escape_.Start();
+  rfWatch_.start();
+  std::exception_ptr programEnd;
+  try {
+    commands_.Run();
+  } catch (...) {
+    programEnd = std::current_exception();
+  }
+  EndRun();
+  // It goes on to the application from its event loop, since nothing may cross the button that was pressed.
+  if (programEnd)
+    QMetaObject::invokeMethod(
+        qApp, [programEnd] { std::rethrow_exception(programEnd); }, Qt::QueuedConnection);
+}
+
+void frmRunTest::EndRun() {
+  rfWatch_.stop();
+  escape_.Stop();
+  inRun_ = false;
+  RememberPlace(shell_, windowkey::kManualForm, manualPlace_);
+  ShowRf();
+  // Not before the press of Run has returned: the button that was pressed goes with the form.
+  // Nor while it holds data that were to be saved and are not.
+  if (closePending_ && !engine_.SaveMissed()) QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+  closePending_ = false;
+}
+
+void frmRunTest::buttonform_HaltClick() {
+  commands_.Halt();
+}
+
+void frmRunTest::buttonform_ManualClick() {
+  commands_.Manual();
+}
+
+void frmRunTest::buttonform_exitclick() {
+  close();
+}
+
+void frmRunTest::SetRunMode() {
+  ui_->cmdRunHalt->setEnabled(true);
+  if (ButtonForm) ButtonForm->SetRunMode();
+}
+
+void frmRunTest::SetHaltMode() {
+  ui_->cmdRunHalt->setEnabled(false);
+  if (ButtonForm) ButtonForm->SetHaltMode();
+  Status("State: Idle");
+  ClearCountdown();
+  ui_->prgSteps->setValue(engine_.CompletedSteps());
+  follower_->Follow();
+}
+
+void frmRunTest::SetHalting() {
+  ui_->cmdRunHalt->setEnabled(false);
+  if (ButtonForm) ButtonForm->SetHalting();
+  Status("Halting...");
+}
+
+void frmRunTest::FileMenuEnabled(bool enabled) {
+  ui_->mnuFile->setEnabled(enabled);
+  for (const QMenu* const menu : {ui_->mnuFile, ui_->mnuFilePrint, ui_->mnuFilePreview})
+    for (QAction* const action : menu->actions()) action->setEnabled(enabled);
+}
+
+void frmRunTest::ButtonsEnabled(bool enabled) {
+  if (ButtonForm) ButtonForm->setEnabled(enabled);
+}
+
+void frmRunTest::ButtonsVisible(bool visible) {
+  if (ButtonForm) ButtonForm->ButtonsVisible(visible);
+}
+
+QString frmRunTest::HelpTopic() const {
+  return ManForm ? QStringLiteral("Manual mode") : QStringLiteral("Running a test");
+}
+
+void frmRunTest::OpenManual(const ManualStart& start) {
+  ClearCountdown();
+  ManForm = std::make_unique<frmManual>(shell_, engine_.Manual(), this);
+  if (simulated_) ManForm->SetSimulated();
+  connect(ManForm.get(), &frmManual::manThresholdClick, this, &frmRunTest::manform_manThresholdClick);
+  connect(ManForm.get(), &frmManual::manExitClick, this, &frmRunTest::manform_manExitClick);
+  connect(ManForm.get(), &frmManual::manRfOn, this, &frmRunTest::manform_manRfOn);
+  connect(ManForm.get(), &frmManual::manModOn, this, &frmRunTest::manform_manModOn);
+  connect(ManForm.get(), &frmManual::HaltClick, this, &frmRunTest::PressHalt);
+  connect(ManForm.get(), &frmManual::HelpRequested, this, &frmRunTest::AskForHelp);
+  ManForm->Open(start, manualPlace_);
+}
+
+void frmRunTest::CloseManual() {
+  if (!ManForm) return;
+  manualPlace_ = ManForm->Unload();
+  ManForm.reset();
+  follower_->Release();
+}
+
+void frmRunTest::ManualFreq(double frequencyMHz) {
+  if (ManForm) ManForm->SetManualFreq(frequencyMHz);
+}
+
+void frmRunTest::ManualRf(bool on) {
+  if (ManForm) ManForm->SetRfOn(on);
+  ShowRf();
+}
+
+void frmRunTest::ManualMod(bool on) {
+  if (ManForm) ManForm->SetModOn(on);
+}
+
+void frmRunTest::manform_manThresholdClick(const QString& frequencyText, float offsetDb) {
+  engine_.Manual().manThresholdClick(FromQt(frequencyText), offsetDb);
+}
+
+void frmRunTest::manform_manRfOn(bool on) {
+  engine_.Manual().manRfOn(on);
+  ManualRf(instruments_.sigGen.RfIsOn());  // also where the run took no notice of the switch
+}
+
+void frmRunTest::manform_manModOn(bool on) {
+  engine_.Manual().manModOn(on);
+}
+
+void frmRunTest::manform_manExitClick() {
+  engine_.Manual().manExitClick();
+}
+
+}  // namespace hylden

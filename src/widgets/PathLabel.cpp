@@ -1,0 +1,58 @@
+#include "widgets/PathLabel.h"
+
+#include <QEvent>
+#include <QFontMetrics>
+
+#include "platform/qt/QtText.h"
+#include "shell/FormInput.h"
+
+namespace hylden {
+
+namespace {
+
+constexpr int kUsualCharacters = 40, kFewestCharacters = 12;
+
+}  // namespace
+
+PathLabel::PathLabel(QWidget* parent) : QLabel(parent) {
+  setTextFormat(Qt::PlainText);
+  setMargin(3);
+  setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+QSize PathLabel::sizeHint() const {
+  return {fontMetrics().averageCharWidth() * kUsualCharacters, QLabel::sizeHint().height()};
+}
+
+QSize PathLabel::minimumSizeHint() const {
+  return {fontMetrics().averageCharWidth() * kFewestCharacters, QLabel::minimumSizeHint().height()};
+}
+
+void PathLabel::resizeEvent(QResizeEvent* event) {
+  QLabel::resizeEvent(event);
+  Fit();
+}
+
+void PathLabel::changeEvent(QEvent* event) {
+  QLabel::changeEvent(event);
+  if (event->type() == QEvent::FontChange) Fit();
+}
+
+void PathLabel::Fit() {
+  const int room = contentsRect().width() - 2 * margin();
+  const auto fits = [&](const QString& text) { return fontMetrics().horizontalAdvance(text) <= room; };
+  const QString shortened = ToQt(ShortenPath(Path()));
+  if (fits(tag_))
+    setText(tag_);
+  else
+    setText(fits(shortened) ? shortened : ToQt(FileNameOnly(Path())));
+}
+
+void FitPathLabel(const std::string& path, PathLabel& label) {
+  label.tag_ = ToQt(path);
+  label.setToolTip(label.tag_);
+  label.setAccessibleDescription(label.tag_);
+  label.Fit();
+}
+
+}  // namespace hylden
