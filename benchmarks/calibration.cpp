@@ -2,8 +2,8 @@
 #include <string>
 
 #include "benchmarks/BenchRun.h"
-#include "calibration/CalibrationDisplay.h"
 #include "calibration/LevelCalibration.h"
+#include "run/RunDisplay.h"
 #include "text/Numbers.h"
 
 namespace hylden {
@@ -39,7 +39,7 @@ class CalibrationRun {
  private:
   std::size_t points_;
   DemoStation station_;
-  CalibrationDisplay display_;
+  RunDisplay display_;
   LevelCalibration calibration_{station_.machine.shell, station_.instruments, station_.documents, display_};
   bool ready_ = false;
 };

@@ -1,7 +1,7 @@
 #include <string>
 
 #include "benchmarks/BenchRun.h"
-#include "testrun/RunDisplay.h"
+#include "testrun/ManualControls.h"
 #include "testrun/RunEngine.h"
 
 namespace hylden {
@@ -53,8 +53,8 @@ class TestRun {
  private:
   DemoStation station_;
   RunDisplay display_;
-  RunControls controls_;
-  RunEngine engine_{station_.machine.shell, station_.instruments, station_.documents, display_, controls_};
+  ManualControls manual_;
+  RunEngine engine_{station_.machine.shell, station_.instruments, station_.documents, display_, manual_};
   bool ready_ = false;
 };
 

@@ -41,7 +41,7 @@ class CableLoss {
 
   ConsoleStation& station_;
   RunCablCal run_;
-  ConsoleCalDisplay display_;
+  ConsoleDisplay display_;
   RunOutcome outcome_ = RunOutcome::NotRun;
 };
 

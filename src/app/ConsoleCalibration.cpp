@@ -79,7 +79,7 @@ ExitState RunLevelCalibration(ConsoleStation& station) {
   }
   if (!station.SetUp() || !Load(station)) return ExitState::Failed;
   station.ConnectMeter(MeterAt::Port);
-  ConsoleCalDisplay display(station.Progress());
+  ConsoleDisplay display(station.Progress());
   LevelCalibration calibration(station.TheShell(), station.TheInstruments(), station.TheDocuments(), display);
   if (!calibration.Prepare() || !station.MayMakeOutput(calibration.Frequencies().size())) return ExitState::Failed;
   if (Connected(station)) station.Run([&] { calibration.Run(); });

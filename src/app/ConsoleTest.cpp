@@ -1,8 +1,8 @@
 #include "app/ConsoleDisplay.h"
 #include "app/ConsoleJobs.h"
 #include "app/ConsoleStation.h"
+#include "testrun/ManualControls.h"
 #include "testrun/RunCommands.h"
-#include "testrun/RunControls.h"
 #include "testrun/RunEngine.h"
 #include "text/TextFile.h"
 
@@ -64,15 +64,12 @@ ExitState RunTest(ConsoleStation& station) {
   // The product is connected, with the monitor probe around its cable.
   station.ConnectMeter(MeterAt::Probe);
   ConsoleDisplay display(station.Progress());
-  RunControls controls;
-  RunEngine engine(station.TheShell(), station.TheInstruments(), station.TheDocuments(), display, controls);
-  RunCommands commands(station.TheShell(), station.TheDocuments(), engine, controls);
+  ManualControls manual;
+  RunEngine engine(station.TheShell(), station.TheInstruments(), station.TheDocuments(), display, manual);
+  RunCommands commands(station.TheShell(), station.TheDocuments(), engine, display);
   if (engine.Prepare() != RunReadiness::Ready) return ExitState::Failed;
   if (!station.MayMakeOutput(engine.Steps().size())) return ExitState::Failed;
-  station.Run([&] {
-    commands.Run();
-    display.Finish();
-  });
+  station.Run([&] { commands.Run(); });
   const bool saved = SavedOrPrinted(station, engine);
   return station.End(engine.Outcome(), saved, static_cast<std::size_t>(engine.CompletedSteps()), engine.Steps().size());
 }

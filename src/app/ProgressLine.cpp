@@ -40,7 +40,7 @@ void ProgressLine::End() {
 
 std::string ProgressLine::Text() const {
   return "step " + std::to_string(now_.Step) + " of " + std::to_string(now_.Steps) + "  " +
-         Format(now_.FrequencyMHz, "0.0#####") + " MHz  " + Format(double{now_.LevelDbm}, "##0.0") + " dBm  elapsed " +
+         Format(now_.FrequencyMHz, "0.0#####") + " MHz  " + Format(now_.LevelDbm, "##0.0") + " dBm  elapsed " +
          Format(now_.ElapsedMinutes, "##0.0") + " min  remaining " + Format(now_.RemainingMinutes, "##0.0") + " min";
 }
 

@@ -10,7 +10,7 @@ namespace hylden {
 struct RunProgress {
   int Step = 0, Steps = 0;
   double FrequencyMHz = 0;
-  float LevelDbm = 0;
+  double LevelDbm = 0;
   double ElapsedMinutes = 0, RemainingMinutes = 0;
 };
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <iterator>
 
-#include "calibration/CalibrationDisplay.h"
 #include "calibration/FrequencyPlan.h"
 #include "calibration/WarbleAlarm.h"
 #include "instruments/Instruments.h"
+#include "run/RunDisplay.h"
 #include "run/UsableReading.h"
 #include "shell/Shell.h"
 #include "text/Numbers.h"
@@ -82,12 +82,12 @@ bool RunCablCal::MayLeavePoints() {
   return saved_;
 }
 
-void RunCablCal::DirectPass(CalibrationDisplay& display) {
+void RunCablCal::DirectPass(RunDisplay& display) {
   if (IsRunning() || points_.empty() || !MayDropReadings(true)) return;
   RunPass({display, false}, "RunCblCal.DirectPass");
 }
 
-void RunCablCal::InsertPass(CalibrationDisplay& display) {
+void RunCablCal::InsertPass(RunDisplay& display) {
   if (IsRunning()) return;
   if (!HasAllDirect()) {
     shell_.dialogs.Tell("You must take direct readings first");
@@ -102,8 +102,9 @@ void RunCablCal::RunPass(const Pass& pass, const char* context) {
     outcome_ = RunOutcome::EndedEarly;
     current_ = 0;
     shell_.delay.ClearHalt();
-    pass.Display.Running(true);
+    pass.Display.Phase(RunPhase::BringingUp);
     if (!BringUp(pass)) return;
+    pass.Display.Phase(RunPhase::Running);
     ShowPlan(pass);
     Sweep(pass);
   };
@@ -111,7 +112,6 @@ void RunCablCal::RunPass(const Pass& pass, const char* context) {
 }
 
 bool RunCablCal::BringUp(const Pass& pass) {
-  const BusyDisplay busy(pass.Display);
   pass.Display.Status("Initializing instruments...");
   return up_.BringUpSigGen() && up_.BringUpMeter();
 }
@@ -120,7 +120,7 @@ void RunCablCal::ShowPlan(const Pass& pass) {
   const double settling = static_cast<double>(instruments_.meter.SettlingTime());
   pass.Display.Plan({static_cast<int>(points_.size()), points_.front().Freq, points_.back().Freq, Setup.Dwell,
                      (Setup.Dwell + settling) * static_cast<double>(points_.size()) / 60});
-  pass.Display.TableCut(0);
+  pass.Display.RowChanged(0);
 }
 
 void RunCablCal::Sweep(const Pass& pass) {
@@ -138,8 +138,9 @@ bool RunCablCal::MeasurePoint(const Pass& pass, std::size_t index) {
   CablePoint& point = points_[index];
   const float levelDbm = pass.Inserted ? point.SigGenLevel : Setup.Level;
   const int row = static_cast<int>(index) + 1;
-  pass.Display.Frequency(point.Freq);
-  pass.Display.SigGenLevel(levelDbm);
+  pass.Display.Step(row);
+  pass.Display.Show(Readout::Frequency, point.Freq);
+  pass.Display.Show(Readout::SigGenLevel, levelDbm);
   pass.Display.RowChanged(row);
   if (Halted() || !Tune(point.Freq, levelDbm)) return false;
   pass.Display.Status("Dwelling...");
@@ -158,12 +159,12 @@ bool RunCablCal::MeasurePoint(const Pass& pass, std::size_t index) {
   }
   if (instruments_.sigGen.RfState() != Rf::On) return false;
   Store(pass, point, levelDbm, reading);
-  pass.Display.MeterLevel(reading);
+  pass.Display.Show(Readout::MeterLevel, reading);
   pass.Display.RowChanged(row);
   const double minutes = elapsed_.Minutes();
-  pass.Display.Elapsed(minutes);
-  pass.Display.Remaining(minutes / row * static_cast<double>(points_.size() - current_));
-  pass.Display.Step(row);
+  pass.Display.Show(Readout::Elapsed, minutes);
+  pass.Display.Show(Readout::Remaining, minutes / row * static_cast<double>(points_.size() - current_));
+  pass.Display.StepDone(row);
   if (pass.Inserted) shell_.delay.Yield();
   return !Halted();
 }
@@ -190,12 +191,10 @@ void RunCablCal::Store(const Pass& pass, CablePoint& point, float levelDbm, doub
 void RunCablCal::EndPass(const Pass& pass) {
   guard_.Attempt([&] { up_.SwitchRfOff(); });
   guard_.Attempt([&] { pass.Display.Status("Shutting down instruments..."); });
-  guard_.Attempt([&] {
-    const BusyDisplay busy(pass.Display);
-    RunAll({[&] { up_.CloseSigGen(); }, [&] { up_.TakeDown(); }});
-  });
+  guard_.Attempt([&] { pass.Display.Phase(RunPhase::TakingDown); });
+  guard_.Attempt([&] { RunAll({[&] { up_.CloseSigGen(); }, [&] { up_.TakeDown(); }}); });
   guard_.Attempt([&] { pass.Display.Status(""); });
-  guard_.Attempt([&] { pass.Display.Running(false); });
+  guard_.Attempt([&] { pass.Display.Phase(RunPhase::Ready); });
 }
 
 bool RunCablCal::SaveFile() {

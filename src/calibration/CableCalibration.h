@@ -12,7 +12,7 @@
 
 namespace hylden {
 
-class CalibrationDisplay;
+class RunDisplay;
 class Shell;
 struct Instruments;
 
@@ -50,8 +50,8 @@ class RunCablCal {
 
   /// Both return when the pass ended, failed or was halted. Nothing is done when the operator wants to keep readings
   /// that it would drop.
-  void DirectPass(CalibrationDisplay& display);
-  void InsertPass(CalibrationDisplay& display);
+  void DirectPass(RunDisplay& display);
+  void InsertPass(RunDisplay& display);
 
   /// Asks for a file and writes the complete points to it: those with both readings. @return false after a message, or
   /// when cancelled
@@ -65,7 +65,7 @@ class RunCablCal {
  private:
   /// One of the two passes.
   struct Pass {
-    CalibrationDisplay& Display;
+    RunDisplay& Display;
     bool Inserted;
   };
 

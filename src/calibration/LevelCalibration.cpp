@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "calibration/CalibrationDisplay.h"
 #include "calibration/FrequencyPlan.h"
 #include "calibration/WarbleAlarm.h"
 #include "documents/Documents.h"
@@ -11,6 +10,7 @@
 #include "instruments/Instruments.h"
 #include "platform/FlagRaised.h"
 #include "run/FactorLoading.h"
+#include "run/RunDisplay.h"
 #include "run/RunQuestions.h"
 #include "shell/Shell.h"
 #include "text/Numbers.h"
@@ -29,8 +29,7 @@ std::string RangeOf(const std::vector<std::vector<std::string>>& rows) {
 
 }  // namespace
 
-LevelCalibration::LevelCalibration(Shell& shell, Instruments& instruments, Documents& documents,
-                                   CalibrationDisplay& display)
+LevelCalibration::LevelCalibration(Shell& shell, Instruments& instruments, Documents& documents, RunDisplay& display)
     : shell_(shell),
       instruments_(instruments),
       documents_(documents),
@@ -68,7 +67,7 @@ bool LevelCalibration::NotReady(const std::string& text) {
 void LevelCalibration::ForgetRows() {
   rows_.clear();
   wanted_ = saved_ = letGo_ = false;
-  display_.TableCut(0);
+  display_.RowChanged(0);
 }
 
 bool LevelCalibration::PlanRun() {
@@ -145,10 +144,11 @@ void LevelCalibration::Run() {
 void LevelCalibration::RunPlan() {
   started_ = false;
   outcome_ = RunOutcome::EndedEarly;
-  display_.Running(true);
+  display_.Phase(RunPhase::BringingUp);
   shell_.delay.ClearHalt();
   if (!BringUp()) return;
   started_ = true;
+  display_.Phase(RunPhase::Running);
   // Up to here the points of an earlier run are kept: a run that did not get to its first point costs nothing.
   if (Halted()) return;
   ForgetRows();
@@ -156,7 +156,6 @@ void LevelCalibration::RunPlan() {
 }
 
 bool LevelCalibration::BringUp() {
-  const BusyDisplay busy(display_);
   display_.Status("Initializing instruments...");
   if (!up_.BringUpSigGen()) return false;
   if (setup_.RecordsForward()) {
@@ -170,6 +169,7 @@ void LevelCalibration::Sweep() {
   sigGenLevel_ = setup_.InitLevel;
   elapsed_.Start();
   for (std::size_t i = 0; i < plan_.size(); ++i) {
+    display_.Step(static_cast<int>(i + 1));
     if (!CalibratePoint(plan_[i])) return;
     ShowTimes(i + 1);
   }
@@ -178,24 +178,23 @@ void LevelCalibration::Sweep() {
 
 void LevelCalibration::ShowTimes(std::size_t done) {
   const double minutes = elapsed_.Minutes();
-  display_.Elapsed(minutes);
-  display_.Remaining(minutes / static_cast<double>(done) * static_cast<double>(plan_.size() - done));
-  display_.Step(static_cast<int>(done));
+  display_.Show(Readout::Elapsed, minutes);
+  display_.Show(Readout::Remaining, minutes / static_cast<double>(done) * static_cast<double>(plan_.size() - done));
+  display_.StepDone(static_cast<int>(done));
 }
 
 void LevelCalibration::End() {
   guard_.Attempt([&] { up_.SwitchRfOff(); });
   guard_.Attempt([&] { display_.Status("Shutting down instruments..."); });
-  guard_.Attempt([&] {
-    const BusyDisplay busy(display_);
-    up_.TakeDown();
-  });
+  guard_.Attempt([&] { display_.Phase(RunPhase::TakingDown); });
+  guard_.Attempt([&] { up_.TakeDown(); });
+  guard_.Attempt([&] { display_.Phase(RunPhase::Asking); });
   guard_.Attempt([&] { display_.Status(""); });
   if (started_) {
     guard_.Attempt([&] { WarbleAlarm(shell_.speaker); });
     guard_.Attempt([&] { AskToSave(); });
   }
-  guard_.Attempt([&] { display_.Running(false); });
+  guard_.Attempt([&] { display_.Phase(RunPhase::Ready); });
 }
 
 void LevelCalibration::AskToSave() {

@@ -15,7 +15,7 @@
 
 namespace hylden {
 
-class CalibrationDisplay;
+class RunDisplay;
 class PlanRange;
 class Shell;
 struct Documents;
@@ -26,7 +26,7 @@ struct Instruments;
 /// recorded so far are there, and the operator has been asked once whether to save them.
 class LevelCalibration {
  public:
-  LevelCalibration(Shell& shell, Instruments& instruments, Documents& documents, CalibrationDisplay& display);
+  LevelCalibration(Shell& shell, Instruments& instruments, Documents& documents, RunDisplay& display);
 
   /// Plans the frequencies and loads the factor tables for the calibration setup as it is now.
   /// @return false after a message: no run can be started
@@ -113,7 +113,7 @@ class LevelCalibration {
   Shell& shell_;
   Instruments& instruments_;
   Documents& documents_;
-  CalibrationDisplay& display_;
+  RunDisplay& display_;
   RunGuard guard_;
   InstrumentsUp up_;
   ForwardSensor sensor_;

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
-#include "calibration/CalibrationDisplay.h"
 #include "calibration/LevelCalibration.h"
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
 #include "measure/Conversions.h"
+#include "run/RunDisplay.h"
 #include "run/UsableReading.h"
 #include "shell/Shell.h"
 #include "text/Pattern.h"
@@ -30,7 +30,7 @@ std::string PowerText(double powerDbm) {
 bool LevelCalibration::CalibratePoint(double frequencyMHz) {
   point_ = {};
   point_.Freq = frequencyMHz;
-  display_.Frequency(frequencyMHz);
+  display_.Show(Readout::Frequency, frequencyMHz);
   if (documents_.equip.Record.HasIfiAmplifier() && !instruments_.ifiAmp.IfiSetBand(frequencyMHz)) return false;
   if (!FindTarget() || !TuneMeter() || !TuneGenerator() || !TunePowerMeter() || !FindLevel()) return false;
   if (Halted()) {
@@ -47,7 +47,7 @@ bool LevelCalibration::FindTarget() {
   if (!cableLoss_.InterpVal(point_.Freq, loss, FreqScale::Linear)) return Fail("error interpolating cable loss");
   point_.Target = *target;
   point_.CableLoss = double{loss};
-  display_.CableLoss(point_.CableLoss);
+  display_.Show(Readout::CableLoss, point_.CableLoss);
   return true;
 }
 
@@ -90,7 +90,7 @@ bool LevelCalibration::FindLevel() {
 bool LevelCalibration::SetLevelAndDwell() {
   display_.Status("Setting level...");
   const bool set = instruments_.sigGen.SetFreqLevel(point_.Freq, sigGenLevel_);
-  display_.SigGenLevel(sigGenLevel_);
+  display_.Show(Readout::SigGenLevel, sigGenLevel_);
   if (!set) return false;
   display_.Status("Dwelling...");
   shell_.delay.StartDelay(setup_.Dwell);
@@ -118,7 +118,7 @@ bool LevelCalibration::ReadForwardPower() {
   const double powerDbm = reading + point_.ForwardFactor;
   point_.ForwardDbm = IsMissing(reading) ? std::nullopt : std::optional(powerDbm);
   point_.ForwardWatts = Conversions::DbmToWatts(powerDbm);
-  display_.ForwardPower(point_.ForwardWatts);
+  display_.Show(Readout::ForwardPower, powerDbm);
   if (!setup_.LimitsForward() || point_.ForwardWatts <= double{setup_.FwdPwrLimit}) return true;
   return Fail("Forward power limit exceeded");
 }
@@ -126,9 +126,9 @@ bool LevelCalibration::ReadForwardPower() {
 bool LevelCalibration::ReadMeter() {
   const double reading = instruments_.meter.MeterRead(ReadMode::Single);
   if (!Usable(reading, WhyNoReading(instruments_.meter, reading))) return false;
-  display_.MeterLevel(reading);
+  display_.Show(Readout::MeterLevel, reading);
   point_.Level = reading + couplingFactor_ + point_.CableLoss;
-  display_.TestLevel(Conversions::DbuvToVolts(point_.Level));
+  display_.Show(Readout::TestLevel, point_.Level);
   return true;
 }
 

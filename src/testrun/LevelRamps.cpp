@@ -27,7 +27,7 @@ bool StepRunner::RampToTarget() {
       reached = LimitsCurrent(Test()) ? RampSigGenWithLimit() : RampSigGen();
   }
   if (!reached) return false;
-  if (state_.Now.Offset <= 0) Mark(state_.Result.Marks.SigGenAtCalibration, RunDisplay::Quantity::SigGenLevel);
+  if (state_.Now.Offset <= 0) Mark(state_.Result.Marks.SigGenAtCalibration, Readout::SigGenLevel);
   state_.KeptOffset = state_.Now.Offset;
   return true;
 }
@@ -52,7 +52,7 @@ bool StepRunner::RampSigGenWithLimit() {
     if (!ReadProbe("Getting feedback...")) return false;
   }
   if (*state_.Result.Induced > state_.Probe.LimitDbua)
-    Mark(state_.Result.Marks.InducedAboveLimit, RunDisplay::Quantity::InducedLevel);
+    Mark(state_.Result.Marks.InducedAboveLimit, Readout::InducedLevel);
   return true;
 }
 
@@ -84,7 +84,7 @@ bool StepRunner::RampNetPower() {
     const double cap = state_.Targets.ForwardReference - *state_.Result.FwdPwr + kForwardCapDb;
     if (cap < kLeastCapHeadroomDb) {
       StartDwell();
-      Mark(state_.Result.Marks.ForwardCapHeld, RunDisplay::Quantity::ForwardPower);
+      Mark(state_.Result.Marks.ForwardCapHeld, Readout::ForwardPower);
       break;
     }
     state_.Now = Raise(state_.Now, std::min(RampStep(headroom, state_.Now.MaximumIncrement), cap));
@@ -100,12 +100,12 @@ bool StepRunner::FinishPowerRamp(double powerDbm) {
   const bool limited = LimitsCurrent(Test());
   if (Test().MonitorProbe && !ReadProbe(limited ? "Getting feedback..." : "Reading Meter...")) return false;
   if (limited && *state_.Result.Induced > state_.Probe.LimitDbua)
-    Mark(state_.Result.Marks.InducedAboveLimit, RunDisplay::Quantity::InducedLevel);
+    Mark(state_.Result.Marks.InducedAboveLimit, Readout::InducedLevel);
 
   state_.KeptOffset = state_.Now.Offset;
   const double overshoot = powerDbm - state_.Targets.PowerTarget;
   if (overshoot > 0) {
-    Mark(state_.Result.Marks.PowerAboveTarget, RunDisplay::Quantity::ForwardPower);
+    Mark(state_.Result.Marks.PowerAboveTarget, Readout::ForwardPower);
     state_.KeptOffset += overshoot;  // the next step starts correspondingly lower
   }
   return true;
@@ -117,7 +117,7 @@ bool StepRunner::LimitByCurrent(double& headroom, bool& held) {
   held = *state_.Result.Induced > state_.Probe.LimitDbua;
   if (held) {
     StartDwell();
-    Mark(state_.Result.Marks.InducedAboveLimit, RunDisplay::Quantity::InducedLevel);
+    Mark(state_.Result.Marks.InducedAboveLimit, Readout::InducedLevel);
   }
   headroom = std::min(headroom, state_.Probe.LimitDbua - *state_.Result.Induced);
   return true;
@@ -139,7 +139,7 @@ bool StepRunner::CheckGain() {
 
 bool StepRunner::RaiseAndDwell(const std::string& dwellStatus) {
   if (Halted()) return false;
-  run_.display.SigGenLevel(DriveLevel());
+  run_.display.Show(Readout::SigGenLevel, DriveLevel());
   run_.display.Status("Raising sig-gen level...");
   if (Halted() || !run_.instruments.sigGen.SetFreqLevel(state_.Freq, DriveLevel())) return false;
   return Wait(double{Test().InterDwell}, dwellStatus);
@@ -150,7 +150,8 @@ bool StepRunner::ReadProbe(const std::string& status) {
   const double reading = run_.instruments.meter.MeterRead(ReadMode::AutoRange);
   if (!Usable(reading, WhyNoReading(run_.instruments.meter, reading))) return false;
   state_.Result.Induced = reading + state_.Probe.Factors;
-  run_.display.InducedLevel(*state_.Result.Induced, state_.Probe.LimitDbua);
+  run_.display.Show(Readout::InducedLimit, state_.Probe.LimitDbua);
+  run_.display.Show(Readout::InducedLevel, state_.Result.Induced);
   return true;
 }
 
@@ -162,7 +163,7 @@ bool StepRunner::ReadForward() {
   if (!run_.preparation.ForwardPort().InterpVal(state_.Freq, factor, FreqScale::Linear))
     return Fail("Error interpolating forward coupler factor");
   state_.Result.FwdPwr = LinePower(reading, double{factor});
-  run_.display.Power(*state_.Result.FwdPwr);
+  run_.display.Show(Readout::ForwardPower, state_.Result.FwdPwr);
   return true;
 }
 

@@ -69,7 +69,7 @@ bool ManualMode::Handle(const std::function<bool()>& change) {
     applied = change();
     if (!applied) SwitchRfOff();
     run_.shell.ShowFailure();
-    run_.controls.ManualRf(run_.instruments.sigGen.RfIsOn());
+    run_.manual.ManualRf(run_.instruments.sigGen.RfIsOn());
   } catch (const std::exception& error) {
     Trap(error);
   }
@@ -98,20 +98,19 @@ bool ManualMode::SetLevel() {
   if (!run_.instruments.sigGen.SetFreqLevel(StepNow().Freq, level)) return false;
   standing_ = {StepNow().Freq, levelOffset_};
   if (run_.instruments.sigGen.RfIsOn()) exposedOffset_ = levelOffset_;
-  run_.display.SigGenLevel(level);
+  run_.display.Show(Readout::SigGenLevel, level);
   ShowLevel();
   return true;
 }
 
 /// Also where the generator refuses the step: it is the one that RF comes back with.
 void ManualMode::ShowStep() {
-  run_.controls.ManualFreq(StepNow().Freq);
-  run_.display.Frequency(StepNow().Freq);
-  run_.display.ManualStep(returnStep_, StepNow().Row);
+  run_.display.Show(Readout::Frequency, StepNow().Freq);
+  run_.manual.ManualStep(returnStep_, StepNow().Row, StepNow().Freq);
 }
 
 void ManualMode::ShowLevel() {
-  if (!IsMissing(StepNow().TestLevel)) run_.display.TestLevel(StepNow().TestLevel + levelOffset_);
+  if (!IsMissing(StepNow().TestLevel)) run_.display.Show(Readout::TestLevel, StepNow().TestLevel + levelOffset_);
 }
 
 bool ManualMode::manStepNumChange(int step) {
@@ -159,7 +158,7 @@ bool ManualMode::SwitchRf(bool on) {
 
 void ManualMode::manModOn(bool on) {
   Handle([&] { return SwitchModulation(on); });
-  run_.controls.ManualMod(modulationOn_);
+  run_.manual.ManualMod(modulationOn_);
 }
 
 bool ManualMode::SwitchModulation(bool on) {

@@ -1,9 +1,9 @@
 #include "testrun/RunCommands.h"
 
 #include "documents/Documents.h"
+#include "run/RunDisplay.h"
 #include "run/RunQuestions.h"
 #include "shell/Shell.h"
-#include "testrun/RunControls.h"
 #include "testrun/RunEngine.h"
 
 namespace hylden {
@@ -23,7 +23,7 @@ void RunCommands::Run() {
 
 void RunCommands::Halt() {
   shell_.delay.RequestHalt();
-  controls_.SetHalting();
+  display_.Phase(RunPhase::Halting);
 }
 
 void RunCommands::Manual() {

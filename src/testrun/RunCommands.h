@@ -2,7 +2,7 @@
 
 namespace hylden {
 
-class RunControls;
+class RunDisplay;
 class RunEngine;
 class Shell;
 struct Documents;
@@ -10,8 +10,8 @@ struct Documents;
 /// What the run buttons do.
 class RunCommands {
  public:
-  RunCommands(Shell& shell, Documents& documents, RunEngine& engine, RunControls& controls)
-      : shell_(shell), documents_(documents), engine_(engine), controls_(controls) {}
+  RunCommands(Shell& shell, Documents& documents, RunEngine& engine, RunDisplay& display)
+      : shell_(shell), documents_(documents), engine_(engine), display_(display) {}
 
   /// Has the operator check amplifier and coupling device, then runs the test; returns when the run has ended.
   void Run();
@@ -26,7 +26,7 @@ class RunCommands {
   Shell& shell_;
   Documents& documents_;
   RunEngine& engine_;
-  RunControls& controls_;
+  RunDisplay& display_;
 };
 
 }  // namespace hylden

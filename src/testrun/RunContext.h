@@ -2,9 +2,9 @@
 
 #include <vector>
 
-#include "testrun/RunControls.h"
+#include "run/RunDisplay.h"
+#include "testrun/ManualControls.h"
 #include "testrun/RunData.h"
-#include "testrun/RunDisplay.h"
 #include "testrun/RunPreparation.h"
 
 namespace hylden {
@@ -16,19 +16,19 @@ struct Instruments;
 /// What the parts of one run share: the engine, its steps and manual mode.
 struct RunContext {
   RunContext(Shell& theShell, Instruments& theInstruments, Documents& theDocuments, RunDisplay& theDisplay,
-             RunControls& theControls)
+             ManualControls& theManual)
       : shell(theShell),
         instruments(theInstruments),
         documents(theDocuments),
         display(theDisplay),
-        controls(theControls),
+        manual(theManual),
         preparation(theShell, theInstruments, theDocuments, theDisplay) {}
 
   Shell& shell;
   Instruments& instruments;
   Documents& documents;
   RunDisplay& display;
-  RunControls& controls;
+  ManualControls& manual;
   RunPreparation preparation;
   RunData data;
   std::vector<PlanStep> steps;  ///< step i of the run is steps[i - 1]

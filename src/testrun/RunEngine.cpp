@@ -11,8 +11,8 @@
 namespace hylden {
 
 RunEngine::RunEngine(Shell& shell, Instruments& instruments, Documents& documents, RunDisplay& display,
-                     RunControls& controls)
-    : run_(shell, instruments, documents, display, controls),
+                     ManualControls& manual)
+    : run_(shell, instruments, documents, display, manual),
       guard_(shell, instruments.sigGen),
       stepRunner_(run_),
       manual_(run_),
@@ -33,13 +33,12 @@ RunReadiness RunEngine::Prepare() {
   const bool loaded = run_.preparation.ListReadable() && run_.preparation.LoadCalibration();
   if (loaded) {
     run_.data.Clear();
-    run_.display.RowChanged(-1);
+    run_.display.RowChanged(0);
     ready_ = run_.preparation.LoadRunFactors(run_.steps);
   }
   run_.display.Status(ready_ ? "State: Idle" : "State: Not ready");
   if (!ready_) return RunReadiness::NotReady;
-  run_.controls.SetHaltMode();
-  run_.controls.FileMenuEnabled(true);
+  run_.display.Phase(RunPhase::Ready);
   return RunReadiness::Ready;
 }
 
@@ -53,7 +52,7 @@ void RunEngine::Reset() {
   run_.shell.delay.ClearHalt();
   run_.data.Clear();
   wanted_ = saved_ = letGo_ = false;
-  run_.display.RowChanged(-1);
+  run_.display.RowChanged(0);
   for (PlanStep& step : run_.steps) step.SigGenLevel = PlanStep{}.SigGenLevel;
   ended_.assign(run_.steps.size(), {});
   currentStep_ = highestStep_ = timedSteps_ = 0;
@@ -64,9 +63,9 @@ void RunEngine::Reset() {
 void RunEngine::RunTest() {
   outcome_ = RunOutcome::EndedEarly;
   Reset();
-  run_.controls.FileMenuEnabled(false);
-  run_.controls.SetRunMode();
+  run_.display.Phase(RunPhase::BringingUp);
   if (!run_.preparation.InitInstruments() || Halted()) return;
+  run_.display.Phase(RunPhase::Running);
   run_.shell.log.LogFile("Test run started\r\n" + run_.documents.testSetup.StringPrintTestSetup());
   run_.shell.log.Hold();
   Sweep();
@@ -81,11 +80,12 @@ void RunEngine::Sweep() {
     highestStep_ = std::max(highestStep_, currentStep_);
     if (run_.manualRequested && !ManualPhase()) return;
     if (timedSteps_ >= 2) ShowTimes();
+    run_.display.StepDone(currentStep_);
   }
   currentStep_ = count;
   outcome_ = RunOutcome::Finished;
   run_.preparation.SwitchRfOff();
-  run_.display.Remaining(0);
+  run_.display.Show(Readout::Remaining, 0);
 }
 
 bool RunEngine::RunStep(bool first) {
@@ -106,8 +106,8 @@ bool RunEngine::RunTimedStep() {
 void RunEngine::ShowTimes() {
   const double minutes = elapsed_.Minutes();
   const double left = static_cast<double>(run_.steps.size()) - (currentStep_ - 1);
-  run_.display.Elapsed(minutes);
-  run_.display.Remaining(left * minutes / timedSteps_);
+  run_.display.Show(Readout::Elapsed, minutes);
+  run_.display.Show(Readout::Remaining, left * minutes / timedSteps_);
 }
 
 bool RunEngine::ManualPhase() {
@@ -128,15 +128,14 @@ void RunEngine::OpenManual() {
   const TestDefinition& test = run_.documents.testSetup.Definition;
   manual_.Enter(currentStep_, highestStep_, ConstPeakOffset(test));
   manualOpen_ = true;
-  run_.controls.OpenManual({.Step = currentStep_,
-                            .HighestStep = highestStep_,
-                            .LevelOffset = 0,
-                            .Freq = run_.steps[static_cast<std::size_t>(currentStep_ - 1)].Freq,
-                            .ModEnabled = test.ModType != 0,
-                            .ModOn = manual_.ModulationIsOn(),
-                            .RfOn = run_.instruments.sigGen.RfIsOn()});
+  run_.manual.OpenManual({.Step = currentStep_,
+                          .HighestStep = highestStep_,
+                          .LevelOffset = 0,
+                          .Freq = run_.steps[static_cast<std::size_t>(currentStep_ - 1)].Freq,
+                          .ModEnabled = test.ModType != 0,
+                          .ModOn = manual_.ModulationIsOn(),
+                          .RfOn = run_.instruments.sigGen.RfIsOn()});
   run_.display.Status("Manual Mode");
-  run_.controls.ButtonsVisible(false);
   run_.shell.log.LogFile("Manual mode entered");
 }
 
@@ -145,22 +144,20 @@ void RunEngine::CloseManual() {
   manualOpen_ = false;
   run_.manualRequested = false;
   manual_.Leave();
-  run_.controls.ButtonsVisible(true);
-  run_.controls.CloseManual();
+  run_.manual.CloseManual();
 }
 
 void RunEngine::EndRun() {
   guard_.Attempt([&] { run_.preparation.SwitchRfOff(); });
+  guard_.Attempt([&] { run_.display.Phase(RunPhase::TakingDown); });
   guard_.Attempt([&] { run_.preparation.ShutdownInstruments(); });
   guard_.Attempt([&] { LogEnd(); });
   guard_.Attempt([&] { CloseManual(); });
   guard_.Attempt([&] { run_.shell.speaker.Beep(1000, 2000); });
   run_.shell.delay.RequestHalt();
-  guard_.Attempt([&] { run_.controls.ButtonsEnabled(false); });
+  guard_.Attempt([&] { run_.display.Phase(RunPhase::Asking); });
   guard_.Attempt([&] { AskToSave(); });
-  guard_.Attempt([&] { run_.controls.ButtonsEnabled(true); });
-  guard_.Attempt([&] { run_.controls.FileMenuEnabled(true); });
-  guard_.Attempt([&] { run_.controls.SetHaltMode(); });
+  guard_.Attempt([&] { run_.display.Phase(RunPhase::Ready); });
 }
 
 /// Not before the instruments are offline: the log may lie on a share that stalls.

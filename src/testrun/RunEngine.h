@@ -23,7 +23,7 @@ enum class RunReadiness {
 /// that an operator of the station knows.
 class RunEngine {
  public:
-  RunEngine(Shell& shell, Instruments& instruments, Documents& documents, RunDisplay& display, RunControls& controls);
+  RunEngine(Shell& shell, Instruments& instruments, Documents& documents, RunDisplay& display, ManualControls& manual);
   RunEngine(const RunEngine&) = delete;
   RunEngine& operator=(const RunEngine&) = delete;
 

@@ -7,8 +7,8 @@
 #include "measure/Conversions.h"
 #include "measure/ReadFreq.h"
 #include "run/FactorLoading.h"
+#include "run/RunDisplay.h"
 #include "shell/Shell.h"
-#include "testrun/RunDisplay.h"
 #include "text/Numbers.h"
 
 namespace hylden {
@@ -41,7 +41,6 @@ const TestDefinition& RunPreparation::Test() const {
 int RunPreparation::PlanSteps(std::vector<PlanStep>& steps) {
   const TestDefinition& test = Test();
   display_.Status("Calculating frequencies and dwell times...");
-  display_.Range(test.StartFreq, test.StopFreq);
   steps = PlanSweep(test);
   listReadable_ = true;
   documents_.testSetup.ListUnused = false;
@@ -64,7 +63,10 @@ void RunPreparation::TakeList(std::vector<PlanStep>& steps) {
 }
 
 void RunPreparation::ShowPlan(const std::vector<PlanStep>& steps) {
-  display_.Plan(static_cast<int>(steps.size()), EstimateRunSeconds(steps, Test()) / 60);
+  display_.Plan({.Steps = static_cast<int>(steps.size()),
+                 .StartMHz = Test().StartFreq,
+                 .StopMHz = Test().StopFreq,
+                 .EstimatedMinutes = EstimateRunSeconds(steps, Test()) / 60});
 }
 
 bool RunPreparation::LoadCalibration() {

@@ -52,11 +52,10 @@ void StepRunner::Begin(const PlanStep& step, bool first) {
   state_.Dwell = step.Dwell;
   state_.Row = run_.data.AddStep(step.Freq);
   run_.display.RowChanged(state_.Row);
-  run_.display.Frequency(step.Freq);
-  run_.display.ForgetReadings();
-  for (const auto quantity :
-       {RunDisplay::Quantity::SigGenLevel, RunDisplay::Quantity::InducedLevel, RunDisplay::Quantity::ForwardPower})
-    run_.display.Highlight(quantity, false);
+  run_.display.Show(Readout::Frequency, step.Freq);
+  for (const auto reading : {Readout::InducedLevel, Readout::ForwardPower}) run_.display.Show(reading, std::nullopt);
+  for (const auto held : {Readout::SigGenLevel, Readout::InducedLevel, Readout::ForwardPower})
+    run_.display.Mark(held, false);
 }
 
 bool StepRunner::FindTargets() {
@@ -94,10 +93,10 @@ bool StepRunner::SetUpFeedback() {
 bool StepRunner::ChooseStart(bool first) {
   state_.Now.Offset = StartingOffset(Test(), first ? PreviousStep{} : previous_, state_.Freq);
   state_.Now.MaximumIncrement = MaximumIncrement(Test());
-  run_.display.Dwell(state_.Dwell);
+  run_.display.Show(Readout::Dwell, state_.Dwell);
   if (!AcceptConflict()) return false;
-  run_.display.SigGenLevel(DriveLevel());
-  run_.display.TestLevel(state_.Targets.TestLevel);
+  run_.display.Show(Readout::SigGenLevel, DriveLevel());
+  run_.display.Show(Readout::TestLevel, state_.Targets.TestLevel);
   return true;
 }
 
@@ -140,7 +139,7 @@ bool StepRunner::ModulationOn() {
     // The carrier drops before the modulation's peaks come on top of it.
     const float level = DriveLevel() + state_.Targets.ConstantPeakOffset;
     if (!sigGen.SetFreqLevel(state_.Freq, level)) return false;
-    run_.display.SigGenLevel(level);
+    run_.display.Show(Readout::SigGenLevel, level);
     if (!run_.shell.delay.Delay(kConstantPeakWait, true)) return false;
   }
   if (Halted() || !SwitchModulationOn(sigGen, test)) return false;
@@ -200,9 +199,9 @@ void StepRunner::StartDwell() {
   state_.DwellStartMs = run_.shell.clock.TickMs();
 }
 
-void StepRunner::Mark(bool& mark, RunDisplay::Quantity quantity) {
+void StepRunner::Mark(bool& mark, Readout readout) {
   mark = true;
-  run_.display.Highlight(quantity, true);
+  run_.display.Mark(readout, true);
 }
 
 void StepRunner::SwitchRfOff() {

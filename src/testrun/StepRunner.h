@@ -88,7 +88,7 @@ class StepRunner {
   bool Wait(double seconds, const std::string& status);
   void StartDwell();
   void LogCutDwell();
-  void Mark(bool& mark, RunDisplay::Quantity quantity);
+  void Mark(bool& mark, Readout readout);
   void SwitchRfOff();
   /// RF off, then the message; false.
   bool Fail(const std::string& text);

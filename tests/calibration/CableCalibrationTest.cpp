@@ -144,7 +144,9 @@ TEST_F(CableTest, TheLossIsNotTheDifferenceOfTheReadings) {
   EXPECT_NEAR(rig.display.plan.EstimatedMinutes, (1 + 0.1) * 10 / 60, 1e-6);
   EXPECT_EQ(rig.t.speaker.tones.size(), 80U);
   EXPECT_TRUE(rig.t.dialogs.messages.empty());
-  EXPECT_EQ(rig.display.states, (std::vector<bool>{true, false, true, false}));
+  EXPECT_EQ(rig.display.phases,
+            (std::vector<RunPhase>{RunPhase::BringingUp, RunPhase::Running, RunPhase::TakingDown, RunPhase::Ready,
+                                   RunPhase::BringingUp, RunPhase::Running, RunPhase::TakingDown, RunPhase::Ready}));
   EXPECT_FALSE(rig.rfOn);
   EXPECT_EQ(rig.bus.Lines().back(), "LOCAL 13");
   EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 18"));
@@ -348,7 +350,7 @@ TEST_F(CableTest, AnInstrumentThatIsNotThereCostsThePoints) {
     cable.DirectPass(rig.display);
     EXPECT_TRUE(rig.t.dialogs.LastText().ends_with(failure[1]));
     EXPECT_EQ(rig.t.dialogs.messages.back().icon, MessageIcon::Critical);
-    EXPECT_EQ(rig.display.states.back(), false);
+    EXPECT_EQ(rig.display.phases.back(), RunPhase::Ready);
   }
   EXPECT_EQ(cable.Points().size(), 10U);
   EXPECT_TRUE(cable.Points().back().HasBoth());

@@ -24,15 +24,16 @@ TEST_F(LevelCalibrationTest, APointIsRecordedAsItWasMeasuredInsteadOfAtTheMiddle
   // -10 dBm, -9.85, -9.85: sent in tenths, which the sensors see.
   EXPECT_THAT(rig.Rows(), ElementsAre("1.0,-9.850,120.00,40.15,30.15,", "2.0,-9.850,120.00,40.10,30.10,",
                                       "4.0,-10.000,120.00,39.95,29.95,"));
-  EXPECT_THAT(rig.display.steps, ElementsAre(1, 2, 3));
+  EXPECT_THAT(rig.display.done, ElementsAre(1, 2, 3));
   EXPECT_EQ(rig.display.rows, 3);
-  EXPECT_EQ(rig.display.plan.Points, 3);
-  EXPECT_EQ(rig.display.cableLoss, 1);
-  EXPECT_NEAR(rig.display.forwardWatts, 10.2329, 1e-3);  // 40.1 dBm
-  EXPECT_NEAR(rig.display.testLevel, 1.0471, 1e-3);      // 120.4 dBuV
-  EXPECT_GT(rig.display.elapsed, 3 * 0.5 / 60);
-  EXPECT_EQ(rig.display.remaining, 0);
-  EXPECT_EQ(rig.display.states, (std::vector<bool>{true, false}));
+  EXPECT_EQ(rig.display.plan.Steps, 3);
+  EXPECT_EQ(rig.display.Now(Readout::CableLoss), 1);
+  EXPECT_NEAR(rig.display.Now(Readout::ForwardPower), 40.1, 1e-3);
+  EXPECT_NEAR(rig.display.Now(Readout::TestLevel), 120.4, 1e-3);
+  EXPECT_GT(rig.display.Now(Readout::Elapsed), 3 * 0.5 / 60);
+  EXPECT_EQ(rig.display.Now(Readout::Remaining), 0);
+  EXPECT_THAT(rig.display.phases, ElementsAre(RunPhase::BringingUp, RunPhase::Running, RunPhase::TakingDown,
+                                              RunPhase::Asking, RunPhase::Ready));
   EXPECT_EQ(rig.level.Title(), "CDI Calibration: 1 V");
 }
 
@@ -42,15 +43,15 @@ TEST_F(LevelCalibrationTest, ALevelOutsideTheBandIsTakenOrChangedWrongly) {
   rig.RunWithLevels({119.9, 120.6, 117, 100, 120.25, 120.25});
   // +0.4, -0.35, +2.333, +10
   const std::vector<double> expected = {-10, -9.6, -9.95, -7.61667, 2.38333, 2.38333};
-  EXPECT_THAT(rig.display.levels, testing::Pointwise(testing::FloatNear(1e-4F), expected));
+  EXPECT_THAT(rig.display.All(Readout::SigGenLevel), testing::Pointwise(testing::DoubleNear(1e-4), expected));
   EXPECT_THAT(rig.Rows(), ElementsAre("1.0,2.383,120.00,na,na,", "1.5,2.383,120.00,na,na,"));
 }
 
 TEST_F(LevelCalibrationTest, TheLargestStepIsExceededOrHoldsBackFallingSteps) {
   rig.setup.MaxStep = 1;
   rig.RunWithLevels({117, 125, 120.25, 120.25, 120.25});
-  EXPECT_THAT(std::vector<float>(rig.display.levels.begin(), rig.display.levels.begin() + 3),
-              ElementsAre(-10.F, -9.F, -13.75F));
+  const std::vector<double> levels = rig.display.All(Readout::SigGenLevel);
+  EXPECT_THAT(std::vector<double>(levels.begin(), levels.begin() + 3), ElementsAre(-10, -9, -13.75));
 }
 
 TEST_F(LevelCalibrationTest, ThePhysicsIsNotFollowed) {
@@ -187,7 +188,7 @@ TEST_F(LevelCalibrationTest, AHaltIsOverheardOrRaisesTheLevel) {
   };
   rig.Run();
   EXPECT_EQ(rig.Rows().size(), 1U);
-  EXPECT_EQ(rig.display.levels.size(), 2U);
+  EXPECT_EQ(rig.display.All(Readout::SigGenLevel).size(), 2U);
 
   // Within the tolerance band: the point is not recorded, and the request is spent.
   rig.levels = {120.25, 120.25};
@@ -201,7 +202,7 @@ TEST_F(LevelCalibrationTest, TheMiddleOfTheBandTakesTheNextFrequencyAboveTheHigh
   rig.setup.MaxLevel = -9.9F;
   rig.RunWithLevels({120.05});  // the middle is at -9.8 dBm
   EXPECT_EQ(rig.level.Rows().front()[1], "-9.800");
-  for (const float levelDbm : rig.display.levels) EXPECT_LE(levelDbm, -9.9F);
+  for (const double levelDbm : rig.display.All(Readout::SigGenLevel)) EXPECT_LE(levelDbm, -9.9 + 1e-6);
 }
 
 TEST_F(LevelCalibrationTest, AMeterThatIsAlsoThePowerMeterIsTriggeredTooEarly) {

@@ -74,7 +74,7 @@ TEST_F(LevelEndTest, InstrumentsAreTakenDownInAnotherOrder) {
   EXPECT_GT(last("LOCAL 7"), last("LOCAL 18"));
   EXPECT_EQ(last("LOCAL 18"), 0);
   EXPECT_EQ(rig.t.speaker.tones.size(), 40U);
-  EXPECT_EQ(rig.display.busy, 0);
+  EXPECT_EQ(rig.display.phases.back(), RunPhase::Ready);
 }
 
 TEST_F(LevelEndTest, ARunThatCannotStartCostsThePointsOfTheOneBefore) {
@@ -104,7 +104,7 @@ TEST_F(LevelEndTest, ARunThatCannotStartCostsThePointsOfTheOneBefore) {
     EXPECT_EQ(rig.Shown(kSaveQuestion), 0);
     EXPECT_EQ(rig.Rows(), rows);
     EXPECT_FALSE(rig.rfOn);
-    EXPECT_EQ(rig.display.states.back(), false);
+    EXPECT_EQ(rig.display.phases.back(), RunPhase::Ready);
     if (failure.line != std::string("FIND 18")) {
       EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 18"));
     }
@@ -139,7 +139,7 @@ TEST_F(LevelEndTest, AnExceptionInTheEndKeepsInstrumentsUp) {
   rig.Run();
   EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 18"));
   EXPECT_EQ(rig.Shown(kSaveQuestion), 1);
-  EXPECT_EQ(rig.display.states.back(), false);
+  EXPECT_EQ(rig.display.phases.back(), RunPhase::Ready);
 }
 
 TEST_F(LevelEndTest, TheEndOfTheProgramIsSwallowedOrCostsPoints) {

@@ -73,7 +73,7 @@ TEST_F(LevelPlanTest, ARoundedLastPointThatIsNotCoveredIsLeftOutAndToldOnce) {
   EXPECT_EQ(rig.level.Outcome(), RunOutcome::Finished);
   EXPECT_EQ(rig.t.dialogs.messages.size(), 2U);
   EXPECT_THAT(rig.t.dialogs.Texts().front(), HasSubstr("The last step, 5 MHz, lies beyond the stop frequency"));
-  EXPECT_EQ(rig.display.plan.Points, 2);
+  EXPECT_EQ(rig.display.plan.Steps, 2);
   EXPECT_EQ(rig.display.plan.StopMHz, 3);
   EXPECT_THAT(Record(), HasSubstr("\r\n1 - 3\r\n"));
 }

@@ -113,9 +113,9 @@ TEST_F(RunSafetyTest, TwoRunsShareTheInstruments) {
 TEST_F(RunSafetyTest, AnInsertPassLeavesReadingsOfTheOneBefore) {
   rig.cable.DirectPass(rig.display);
   rig.cable.InsertPass(rig.display);
-  rig.display.steps.clear();
+  rig.display.done.clear();
   rig.t.events.onYield = [&] {
-    if (!rig.display.steps.empty()) rig.t.shell.delay.RequestHalt();
+    if (!rig.display.done.empty()) rig.t.shell.delay.RequestHalt();
   };
   rig.t.dialogs.Answer(MessageAnswer::No);  // not to be saved
   rig.cable.InsertPass(rig.display);

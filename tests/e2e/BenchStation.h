@@ -6,13 +6,12 @@
 
 #include "bench/Bench.h"
 #include "calibration/CableCalibration.h"
-#include "calibration/CalibrationDisplay.h"
 #include "calibration/LevelCalibration.h"
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
 #include "support/DriverWrappers.h"
 #include "support/TestShell.h"
-#include "testrun/RunDisplay.h"
+#include "testrun/ManualControls.h"
 #include "testrun/RunEngine.h"
 
 namespace hylden {
@@ -29,11 +28,11 @@ class WatchedDisplay : public RunDisplay {
 };
 
 /// Tells of recorded points; RF is still on.
-class WatchedCalibration : public CalibrationDisplay {
+class WatchedCalibration : public RunDisplay {
  public:
   std::function<void(int step)> onStep;
 
-  void Step(int step) override {
+  void StepDone(int step) override {
     if (onStep) onStep(step);
   }
 };
@@ -76,8 +75,8 @@ class BenchStation {
   Instruments instruments{machine.shell};
   Documents documents{machine.shell, instruments};
   WatchedDisplay display;
-  RunControls controls;
-  RunEngine engine{machine.shell, instruments, documents, display, controls};
+  ManualControls manual;
+  RunEngine engine{machine.shell, instruments, documents, display, manual};
   WatchedCalibration calibrationDisplay;
   LevelCalibration level{machine.shell, instruments, documents, calibrationDisplay};
   RunCablCal cable{machine.shell, instruments};

@@ -45,7 +45,7 @@ struct ManualTest : testing::Test {
       }
       if (!rig.engine.Manual().IsActive()) return;
       if (next == 0) {
-        panel.Open(rig.controls.opened);
+        panel.Open(rig.manual.opened);
         sentBefore = rig.Sent(18).size();
       }
       if (next < manual.size())
@@ -66,16 +66,15 @@ struct ManualTest : testing::Test {
 TEST_F(ManualTest, OpensAfterTheStepAndTheRunGoesOn) {
   manual = {[] {}};
   Run();
-  EXPECT_EQ(rig.controls.opened.Step, 2);
-  EXPECT_EQ(rig.controls.opened.HighestStep, 2);
-  EXPECT_EQ(rig.controls.opened.Freq, 2);
-  EXPECT_EQ(rig.controls.opened.LevelOffset, 0);
-  EXPECT_TRUE(rig.controls.opened.RfOn);
-  EXPECT_FALSE(rig.controls.opened.ModEnabled);
+  EXPECT_EQ(rig.manual.opened.Step, 2);
+  EXPECT_EQ(rig.manual.opened.HighestStep, 2);
+  EXPECT_EQ(rig.manual.opened.Freq, 2);
+  EXPECT_EQ(rig.manual.opened.LevelOffset, 0);
+  EXPECT_TRUE(rig.manual.opened.RfOn);
+  EXPECT_FALSE(rig.manual.opened.ModEnabled);
   EXPECT_EQ(rig.display.steps, (std::vector<int>{1, 2, 3}));
   EXPECT_THAT(rig.display.statuses, Contains("Manual Mode"));
-  EXPECT_THAT(std::vector<std::string>(rig.controls.calls.begin() + 4, rig.controls.calls.begin() + 8),
-              ElementsAre("manual opened", "buttons hidden", "buttons shown", "manual closed"));
+  EXPECT_THAT(rig.manual.calls, ElementsAre("manual opened", "manual closed"));
   EXPECT_EQ(rig.Rows().size(), 3U);
 }
 
@@ -158,13 +157,13 @@ TEST_F(ManualTest, AThresholdNotesWhatStandsAndEndsTheRise) {
 
 TEST_F(ManualTest, TheDisplayShowsTheStepAndOffsetThatStand) {
   manual = {[&] {
-    EXPECT_EQ(rig.display.manual, std::pair(2, 2));
+    EXPECT_EQ(rig.manual.at, std::pair(2, 2));
     panel.MoveStep(1);
     panel.MoveOffset(-15);
     panel.Tick();
-    EXPECT_EQ(rig.display.manual, std::pair(1, 1));
-    EXPECT_EQ(rig.display.testLevel, 118.5);
-    EXPECT_EQ(rig.display.frequencies.back(), 1);
+    EXPECT_EQ(rig.manual.at, std::pair(1, 1));
+    EXPECT_EQ(rig.display.Now(Readout::TestLevel), 118.5);
+    EXPECT_EQ(rig.display.Now(Readout::Frequency), 1);
   }};
   Run();
 }
@@ -175,8 +174,8 @@ TEST_F(ManualTest, ARefusedStepShowsTheFrequencyThatRfComesBackWith) {
     panel.MoveStep(1);
     panel.Tick();
     EXPECT_FALSE(rig.rfOn);
-    EXPECT_EQ(rig.controls.manualFreq, 1);
-    EXPECT_EQ(rig.display.frequencies.back(), 1);
+    EXPECT_EQ(rig.manual.freq, 1);
+    EXPECT_EQ(rig.display.Now(Readout::Frequency), 1);
     EXPECT_EQ(panel.Threshold()->Freq, 2) << "the product never saw the other";
     rig.engine.Manual().manRfOn(true);
     EXPECT_TRUE(rig.rfOn);
@@ -264,13 +263,13 @@ TEST_F(ManualTest, RfAndModulationFollowTheOperator) {
   rig.UseAm(true, true);
   manual = {[&] { rig.engine.Manual().manModOn(false); }, [&] { rig.engine.Manual().manRfOn(false); },
             [&] {
-              EXPECT_FALSE(rig.controls.manualRf);
-              EXPECT_FALSE(rig.controls.manualMod);
+              EXPECT_FALSE(rig.manual.rf);
+              EXPECT_FALSE(rig.manual.mod);
               rig.engine.Manual().manLevOffsetChange(-3);
             },
             [&] { rig.engine.Manual().manRfOn(true); }, [&] { rig.engine.Manual().manModOn(true); }};
   Run();
-  EXPECT_TRUE(rig.controls.opened.ModEnabled && rig.controls.opened.ModOn && rig.controls.manualMod);
+  EXPECT_TRUE(rig.manual.opened.ModEnabled && rig.manual.opened.ModOn && rig.manual.mod);
   auto sent = Sent();
   sent.resize(5);
   EXPECT_THAT(sent, ElementsAre("MOD OFF", "OUTP OFF", "POW -16.1 DBM", "OUTP ON", "AM ON"));
@@ -281,12 +280,12 @@ TEST_F(ManualTest, ModulationThatTheGeneratorRefusesIsNotShownAsSwitched) {
   manual = {[&] {
     rig.bus.FailLine("> 18 MOD OFF", gpib::kEnol);
     rig.engine.Manual().manModOn(false);
-    EXPECT_TRUE(rig.controls.manualMod);
+    EXPECT_TRUE(rig.manual.mod);
     rig.engine.Manual().manModOn(false);
-    EXPECT_FALSE(rig.controls.manualMod);
+    EXPECT_FALSE(rig.manual.mod);
     rig.bus.FailLine("> 18 AM ON", gpib::kEnol);
     rig.engine.Manual().manModOn(true);
-    EXPECT_FALSE(rig.controls.manualMod);
+    EXPECT_FALSE(rig.manual.mod);
     EXPECT_FALSE(rig.rfOn);
   }};
   Run();
@@ -320,7 +319,7 @@ TEST_F(ManualTest, ALevelThatTheGeneratorRefusesEndsWithRfOffAndTheOperatorGoesO
   manual = {[&] { rig.engine.Manual().manLevOffsetChange(50); },
             [&] {
               EXPECT_FALSE(rig.rfOn);
-              EXPECT_FALSE(rig.controls.manualRf);
+              EXPECT_FALSE(rig.manual.rf);
               EXPECT_TRUE(rig.engine.Manual().IsActive());
             }};
   Run();
@@ -331,7 +330,7 @@ TEST_F(ManualTest, AHaltEndsTheRunAndRemovesTheForm) {
   manual = {[&] { rig.commands.Halt(); }, [&] { rig.engine.Manual().manLevOffsetChange(3); }};
   Run();
   EXPECT_EQ(rig.Rows().size(), 2U);
-  EXPECT_THAT(rig.controls.calls, Contains("manual closed"));
+  EXPECT_THAT(rig.manual.calls, Contains("manual closed"));
   EXPECT_FALSE(rig.rfOn);
   EXPECT_EQ(rig.highestDbm, -8);
 }
@@ -363,7 +362,7 @@ TEST_F(ManualTest, TheManualButtonCutsALongDwellToOneIntermediateDwell) {
   };
   rig.engine.RunCdiTest();
   EXPECT_EQ(rig.Rows().size(), 1U);
-  EXPECT_EQ(rig.controls.opened.Step, 1);
+  EXPECT_EQ(rig.manual.opened.Step, 1);
 }
 
 TEST_F(ManualTest, TheRunLogTellsHowLongACutDwellWasHeld) {
@@ -404,8 +403,9 @@ TEST_F(ManualTest, ElapsedAndRemainingTimeLeaveManualModeOut) {
       timed.engine.Manual().manExitClick();
     };
     timed.engine.RunCdiTest();
-    elapsed.push_back(timed.display.elapsed.back());
-    remaining.push_back(timed.display.remaining.at(timed.display.remaining.size() - 3));
+    elapsed.push_back(timed.display.Now(Readout::Elapsed));
+    const std::vector<double> shown = timed.display.All(Readout::Remaining);
+    remaining.push_back(shown.at(shown.size() - 2));
   }
   EXPECT_NEAR(elapsed[0], elapsed[1], 0.01);
   EXPECT_NEAR(remaining[0], remaining[1], 0.01);
@@ -419,8 +419,8 @@ TEST_F(ManualTest, StepsThatAreRunAgainCountInTheTimePerStep) {
   }};
   Run();
   // Steps 2, 2 and 3 are timed, 2.5 s each but for the cut dwell; after the last, one step is still counted as left.
-  const double minutes = rig.display.elapsed.back();
-  EXPECT_NEAR(*(rig.display.remaining.end() - 2), minutes / 3, 1e-9);
+  const double minutes = rig.display.Now(Readout::Elapsed);
+  EXPECT_NEAR(*(rig.display.All(Readout::Remaining).end() - 2), minutes / 3, 1e-9);
 }
 
 }  // namespace

@@ -25,9 +25,9 @@ void UseEverything(RunRig& rig) {
 void ExpectEnded(const RunRig& rig) {
   EXPECT_EQ(rig.Shown(kSaveQuestion), rig.Rows().empty() ? 0 : 1);
   EXPECT_EQ(rig.t.speaker.tones.back(), (FakeSpeaker::Tone{1000, 2000}));
-  ASSERT_GE(rig.controls.calls.size(), 4U);
-  EXPECT_EQ(std::vector<std::string>(rig.controls.calls.end() - 4, rig.controls.calls.end()),
-            (std::vector<std::string>{"buttons off", "buttons on", "file menu on", "halt mode"}));
+  ASSERT_GE(rig.display.phases.size(), 3U);
+  EXPECT_EQ(std::vector<RunPhase>(rig.display.phases.end() - 3, rig.display.phases.end()),
+            (std::vector<RunPhase>{RunPhase::TakingDown, RunPhase::Asking, RunPhase::Ready}));
   EXPECT_TRUE(rig.t.shell.delay.HaltRequested());
   EXPECT_FALSE(rig.engine.IsRunning());
 }
@@ -124,7 +124,7 @@ TEST_P(HaltTest, NothingRaisesTheLevelAnyMore) {
   EXPECT_LE(rig.highestDbm, atHalt);
   EXPECT_LE(rig.Rows().size(), 1U);
   EXPECT_GT(rig.t.clock.TickMs(), start);
-  EXPECT_THAT(rig.controls.calls, testing::Contains("halting"));
+  EXPECT_THAT(rig.display.phases, testing::Contains(RunPhase::Halting));
   ExpectEndedWithRfOff(rig);
 }
 
@@ -248,11 +248,11 @@ TEST_F(RunEndTest, TheRunIsConfirmedFirst) {
   rig.documents.calInfo.Record.AmpUsed = "75 W broadband";
   rig.documents.calInfo.Record.DeviceDescription = "CDN M3";
   ASSERT_EQ(rig.Prepare(), RunReadiness::Ready);
-  EXPECT_THAT(rig.controls.calls, testing::ElementsAre("halt mode", "file menu on"));
+  EXPECT_THAT(rig.display.phases, testing::ElementsAre(RunPhase::Ready));
   rig.t.dialogs.Answer(MessageAnswer::Cancel);
   rig.commands.Run();
   EXPECT_EQ(rig.bus.Calls(), 0);
-  EXPECT_EQ(rig.controls.calls.size(), 2U);
+  EXPECT_EQ(rig.display.phases.size(), 1U);
   EXPECT_EQ(rig.t.dialogs.messages[0].title, "MAKE SURE!!!");
   EXPECT_EQ(rig.t.dialogs.messages[0].text,
             "Make sure proper amp is hooked up,\r\n75 W broadband\r\n"

@@ -147,7 +147,7 @@ TEST_F(LevellingTest, ByGeneratorTheLevelRisesFromBelowAtEachFrequency) {
                                  "POW -20.0 DBM", "FREQ 2.0 MHZ", "OUTP ON", "POW -14.0 DBM", "POW -8.0 DBM",   //
                                  "OUTP OFF", "POW -120.0 DBM", "FREQ 0.1 MHZ", "OUTP OFF"}));
   EXPECT_EQ(rig.Rows(), (Lines{"1.0, -10.0 **, 120.0, , , ", "2.0, -8.0 **, 120.0, , , "}));
-  EXPECT_TRUE(rig.display.highlights[RunDisplay::Quantity::SigGenLevel]);
+  EXPECT_TRUE(rig.display.marked[Readout::SigGenLevel]);
   EXPECT_EQ(rig.engine.Steps()[1].SigGenLevel, -8);
   EXPECT_THAT(rig.t.dialogs.Texts(), ElementsAre("Would you like to save the testrun data?"));
 }
@@ -172,11 +172,11 @@ TEST_F(LevellingTest, WithoutAnIncrementTheRampGoesBy6Db) {
 TEST_F(LevellingTest, TheDwellIsHeldAtTheLevelAndElapsedTimeCountsFromTheSecondStep) {
   rig.Run();
   // Each step: three intermediate dwells of 0.5 s and 2 s at the level.
-  ASSERT_EQ(rig.display.elapsed.size(), 1U);
-  EXPECT_NEAR(rig.display.elapsed[0], 7.0 / 60, 1e-9);
-  EXPECT_NEAR(rig.display.remaining[0], 1 * 3.5 / 60, 1e-9);
-  EXPECT_EQ(rig.display.planned, 3);
-  EXPECT_NEAR(rig.display.estimatedMinutes, 3 * (1 + 2) / 60.0, 1e-9);
+  ASSERT_EQ(rig.display.All(Readout::Elapsed).size(), 1U);
+  EXPECT_NEAR(rig.display.All(Readout::Elapsed)[0], 7.0 / 60, 1e-9);
+  EXPECT_NEAR(rig.display.All(Readout::Remaining)[0], 1 * 3.5 / 60, 1e-9);
+  EXPECT_EQ(rig.display.plan.Steps, 3);
+  EXPECT_NEAR(rig.display.plan.EstimatedMinutes, 3 * (1 + 2) / 60.0, 1e-9);
 }
 
 TEST_F(LevellingTest, ByGeneratorWithCurrentLimitTheRampStopsAtTheLimit) {
@@ -186,8 +186,8 @@ TEST_F(LevellingTest, ByGeneratorWithCurrentLimitTheRampStopsAtTheLimit) {
   ASSERT_THAT(rig.Rows(), testing::SizeIs(1));
   EXPECT_EQ(rig.Rows()[0], "1.0, -16.0, 120.0, 75.0 **, , ");
   EXPECT_LE(rig.highestDbm, -16 + 0.1 + 1e-6);
-  EXPECT_TRUE(rig.display.highlights[RunDisplay::Quantity::InducedLevel]);
-  EXPECT_FALSE(rig.display.highlights[RunDisplay::Quantity::SigGenLevel]);
+  EXPECT_TRUE(rig.display.marked[Readout::InducedLevel]);
+  EXPECT_FALSE(rig.display.marked[Readout::SigGenLevel]);
   // 60 dB below first; the reference level is the reading expected at the limit, and 2 dB.
   EXPECT_THAT(Between(rig.Sent(18), "FREQ 1.0 MHZ", "OUTP ON"), ElementsAre("POW -70.0 DBM"));
   EXPECT_THAT(rig.Sent(13), testing::Contains(testing::StartsWith("RL 75.99")));
@@ -205,7 +205,7 @@ TEST_F(LevellingTest, ByForwardPowerTheRampEndsJustAboveTheTarget) {
       Between(sent, "OUTP ON", "OUTP OFF"),
       ElementsAre("POW -64.0 DBM", "POW -58.0 DBM", "POW -52.0 DBM", "POW -46.0 DBM", "POW -40.0 DBM", "POW -34.0 DBM",
                   "POW -28.0 DBM", "POW -22.0 DBM", "POW -16.0 DBM", "POW -10.0 DBM", "POW -9.9 DBM"));
-  EXPECT_TRUE(rig.display.highlights[RunDisplay::Quantity::ForwardPower]);
+  EXPECT_TRUE(rig.display.marked[Readout::ForwardPower]);
 }
 
 TEST_F(LevellingTest, ByForwardPowerTheNextStepStartsLowerByWhatWasTooMuch) {
@@ -254,10 +254,10 @@ TEST_F(LevellingTest, TheReadingsShownAreNeverThoseOfTheStepBefore) {
   rig.UsePower(LevelingMethod::ForwardPower);
   double shown = -1;
   rig.AtStatus(
-      "Intermediate dwell...", [&] { shown = rig.display.power; }, 2);
+      "Intermediate dwell...", [&] { shown = rig.display.Now(Readout::ForwardPower); }, 2);
   rig.Run();
   EXPECT_EQ(shown, 0);
-  EXPECT_NEAR(rig.display.power, 44.1, 0.01);
+  EXPECT_NEAR(rig.display.Now(Readout::ForwardPower), 44.1, 0.01);
 }
 
 TEST_F(LevellingTest, WithConstantPeakTheCarrierDropsBeforeModulationGoesOn) {
@@ -266,7 +266,7 @@ TEST_F(LevellingTest, WithConstantPeakTheCarrierDropsBeforeModulationGoesOn) {
   rig.Run();
   EXPECT_THAT(Between(rig.Sent(18), "POW -16.0 DBM", "OUTP OFF"),
               ElementsAre("POW -10.0 DBM", "POW -15.1 DBM", "AM ON"));
-  EXPECT_NEAR(rig.display.levels.back(), -15.1, 0.01);
+  EXPECT_NEAR(rig.display.Now(Readout::SigGenLevel), -15.1, 0.01);
   EXPECT_EQ(rig.engine.Steps()[0].SigGenLevel, -10);  // what manual mode starts from
 }
 

@@ -42,7 +42,7 @@ TEST_F(RunPreparationTest, ARoundedLastStepThatIsNotCoveredIsLeftOutAndToldOnce)
   rig.Run();
   EXPECT_EQ(rig.engine.Outcome(), RunOutcome::Finished);
   EXPECT_THAT(Planned(), ElementsAre(1, 3, 5));
-  EXPECT_EQ(rig.display.planned, 3);
+  EXPECT_EQ(rig.display.plan.Steps, 3);
   EXPECT_EQ(rig.t.dialogs.messages.size(), 2U);
   EXPECT_EQ(rig.t.dialogs.Texts().front(),
             "The last step, 7 MHz, lies beyond the stop frequency, and tables or calibration do not cover it.\r\n"

@@ -9,19 +9,16 @@ namespace hylden {
 CalibrationTable::CalibrationTable(std::vector<std::string> headings, CellText cell, QObject* parent)
     : QAbstractTableModel(parent), headings_(std::move(headings)), cell_(std::move(cell)) {}
 
-void CalibrationTable::Cut(int rows) {
-  if (rows >= rows_) return;
-  beginRemoveRows({}, rows, rows_ - 1);
-  rows_ = rows;
-  endRemoveRows();
-}
-
 void CalibrationTable::RowChanged(int row) {
-  if (row > rows_) {
+  if (row == 0) {
+    beginResetModel();
+    rows_ = 0;
+    endResetModel();
+  } else if (row > rows_) {
     beginInsertRows({}, rows_, row - 1);
     rows_ = row;
     endInsertRows();
-  } else if (row > 0) {
+  } else {
     emit dataChanged(index(row - 1, 0), index(row - 1, columnCount() - 1));
   }
 }

@@ -16,9 +16,7 @@ class CalibrationTable : public QAbstractTableModel {
   using CellText = std::function<std::string(std::size_t row, std::size_t column)>;
   CalibrationTable(std::vector<std::string> headings, CellText cell, QObject* parent = nullptr);
 
-  /// Keeps the first rows only.
-  void Cut(int rows);
-  /// This row (counted from 1) is there or has changed; it may be one beyond the last.
+  /// This row (counted from 1) is there or has changed; it may be one beyond the last. 0: there are none any more.
   void RowChanged(int row);
 
   int rowCount(const QModelIndex& parent = {}) const override;

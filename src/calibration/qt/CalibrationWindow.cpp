@@ -10,6 +10,7 @@
 #include <QTableView>
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 #include "calibration/qt/CalibrationTable.h"
 #include "instruments/SigGen.h"
@@ -24,7 +25,7 @@ namespace hylden {
 namespace {
 
 constexpr int kRfWatchMs = 100;
-constexpr std::string_view kRange = "####0.0#####", kDwell = "##0.0##", kMinutes = "###0.0#";
+constexpr std::string_view kRange = "####0.0#####", kDwell = "##0.0##", kMinutes = "###0.0#", kRemaining = "###0.0";
 constexpr char kIdle[] = "Idle";
 
 /// A key that is held down presses a button once.
@@ -170,7 +171,13 @@ bool CalibrationWindow::QueryUnload() {
   return false;
 }
 
-void CalibrationWindow::Running(bool running) {
+void CalibrationWindow::Phase(RunPhase phase) {
+  ShowBusy(phase == RunPhase::BringingUp || phase == RunPhase::TakingDown);
+  if (phase == RunPhase::BringingUp) SetRunning(true);
+  if (phase == RunPhase::Ready) SetRunning(false);
+}
+
+void CalibrationWindow::SetRunning(bool running) {
   controls_.Halt->setEnabled(running);
   controls_.Exit->setEnabled(!running);
   controls_.File->setEnabled(!running);
@@ -197,21 +204,22 @@ void CalibrationWindow::ShowRf() {
   controls_.Rf->ShowRf(sigGen_.RfIsOn(), sigGen_.RfState() != Rf::Unknown);
 }
 
-void CalibrationWindow::Busy(bool busy) {
+void CalibrationWindow::ShowBusy(bool busy) {
+  if (busy == std::exchange(busy_, busy)) return;
   if (busy)
     QApplication::setOverrideCursor(Qt::WaitCursor);
   else
     QApplication::restoreOverrideCursor();
 }
 
-void CalibrationWindow::Plan(const CalibrationPlan& plan) {
-  ShowText(*controls_.Steps, QString::number(plan.Points));
+void CalibrationWindow::Plan(const RunPlan& plan) {
+  ShowText(*controls_.Steps, QString::number(plan.Steps));
   ShowNumber(*controls_.Start, plan.StartMHz, kRange);
   ShowNumber(*controls_.Stop, plan.StopMHz, kRange);
   ShowNumber(*controls_.Dwell, plan.DwellSeconds, kDwell);
-  controls_.Progress->setRange(0, std::max(1, plan.Points));
+  controls_.Progress->setRange(0, std::max(1, plan.Steps));
   controls_.Progress->setValue(0);
-  if (plan.EstimatedMinutes > 0) Remaining(plan.EstimatedMinutes);
+  if (plan.EstimatedMinutes > 0) Show(Readout::Remaining, plan.EstimatedMinutes);
 }
 
 void CalibrationWindow::Countdown(double seconds) {
@@ -220,35 +228,29 @@ void CalibrationWindow::Countdown(double seconds) {
   ShowText(*dwellPanel_, QStringLiteral("Dwelling ") + left);
 }
 
-void CalibrationWindow::Frequency(double frequencyMHz) {
-  ShowNumber(*controls_.Freq, frequencyMHz, patterns_.Freq);
+void CalibrationWindow::Show(Readout readout, std::optional<double> value) {
+  const double number = value.value_or(0);
+  switch (readout) {
+    case Readout::Frequency:
+      return ShowNumber(*controls_.Freq, number, patterns_.Freq);
+    case Readout::SigGenLevel:
+      ShowRf();
+      return ShowNumber(*controls_.SigGen, number, patterns_.SigGen);
+    case Readout::MeterLevel:
+      return ShowNumber(*controls_.MeterLevel, number, patterns_.MeterLevel);
+    case Readout::Elapsed:
+      return ShowNumber(*controls_.Elapsed, number, kMinutes);
+    case Readout::Remaining:
+      return ShowNumber(*controls_.Remaining, number, kRemaining);
+    default:
+      return;
+  }
 }
 
-void CalibrationWindow::SigGenLevel(float levelDbm) {
-  ShowNumber(*controls_.SigGen, double{levelDbm}, patterns_.SigGen);
-  ShowRf();
-}
-
-void CalibrationWindow::MeterLevel(double levelDbuv) {
-  ShowNumber(*controls_.MeterLevel, levelDbuv, patterns_.MeterLevel);
-}
-
-void CalibrationWindow::Step(int step) {
+void CalibrationWindow::StepDone(int step) {
   ShowText(*controls_.Step, QString::number(step));
   ShowText(*stepPanel_, QStringLiteral("Step Number %1").arg(step));
   controls_.Progress->setValue(step);
-}
-
-void CalibrationWindow::Elapsed(double minutes) {
-  ShowNumber(*controls_.Elapsed, minutes, kMinutes);
-}
-
-void CalibrationWindow::Remaining(double minutes) {
-  ShowNumber(*controls_.Remaining, minutes, "###0.0");
-}
-
-void CalibrationWindow::TableCut(int rows) {
-  if (table_) table_->Cut(rows);
 }
 
 void CalibrationWindow::RowChanged(int row) {

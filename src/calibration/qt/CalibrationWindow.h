@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "calibration/CalibrationDisplay.h"
+#include "run/RunDisplay.h"
 #include "shell/qt/WorkingForm.h"
 #include "widgets/EscapeWatch.h"
 
@@ -25,7 +25,7 @@ class TableFollower;
 
 /// What the windows of a running calibration have in common: figures, progress, table, status bar, and a run inside
 /// the press of a button. Escape halts a run; closing the window during it halts it, lets it end in order, then closes.
-class CalibrationWindow : public WorkingForm, protected CalibrationDisplay {
+class CalibrationWindow : public WorkingForm, protected RunDisplay {
   Q_OBJECT
 
  public:
@@ -68,19 +68,16 @@ class CalibrationWindow : public WorkingForm, protected CalibrationDisplay {
   bool QueryUnload() override;
 
   // The display.
-  void Running(bool running) override;
+  void Phase(RunPhase phase) override;
   void Status(const std::string& text) override;
-  void Busy(bool busy) override;
-  void Plan(const CalibrationPlan& plan) override;
+  void Plan(const RunPlan& plan) override;
   void Countdown(double seconds) override;
-  void Frequency(double frequencyMHz) override;
-  void SigGenLevel(float levelDbm) override;
-  void MeterLevel(double levelDbuv) override;
-  void Step(int step) override;
-  void Elapsed(double minutes) override;
-  void Remaining(double minutes) override;
-  void TableCut(int rows) override;
+  void StepDone(int step) override;
+  void Show(Readout readout, std::optional<double> value) override;
   void RowChanged(int row) override;
+
+  /// Running: only Halt can be pressed. Otherwise a run can be started, and what was measured saved.
+  virtual void SetRunning(bool running);
 
   Shell& shell_;
 
@@ -88,6 +85,7 @@ class CalibrationWindow : public WorkingForm, protected CalibrationDisplay {
   void SetUpStatusBar();
   void CloseIfAsked();
   void ShowRf();
+  void ShowBusy(bool busy);
   void ClearCountdown();
 
   SigGen& sigGen_;
@@ -100,6 +98,7 @@ class CalibrationWindow : public WorkingForm, protected CalibrationDisplay {
   QLabel* dwellPanel_ = nullptr;
   EscapeWatch escape_;
   QTimer rfWatch_{this};  ///< RF can go off under a message box
+  bool busy_ = false;     ///< the wait cursor is shown
   bool inRun_ = false;    ///< the press that started a run has not returned yet
   int commands_ = 0;      ///< that have not returned yet
   bool closePending_ = false;

@@ -55,10 +55,10 @@ void frmRunCablCal::StartPass(bool inserted) {
   });
 }
 
-void frmRunCablCal::Running(bool running) {
+void frmRunCablCal::SetRunning(bool running) {
   passing_ = running;
   EnablePasses(!running);
-  CalibrationWindow::Running(running);
+  CalibrationWindow::SetRunning(running);
   if (running) return;
   ShowReadings();
   (inserted_ ? ui_->cmdSave : ui_->cmdInsert)->setFocus();
@@ -68,7 +68,7 @@ void frmRunCablCal::Running(bool running) {
 void frmRunCablCal::ShowReadings() {
   const auto& points = run_.Points();
   const auto read = std::count_if(points.begin(), points.end(), [](const CablePoint& p) { return p.HasDirect(); });
-  table_.Cut(0);
+  CalibrationWindow::RowChanged(0);
   CalibrationWindow::RowChanged(static_cast<int>(read));
 }
 
@@ -76,14 +76,14 @@ void frmRunCablCal::EnablePasses(bool enabled) {
   for (QPushButton* const button : {ui_->cmdDirect, ui_->cmdInsert, ui_->cmdSave}) button->setEnabled(enabled);
 }
 
-void frmRunCablCal::MeterLevel(double levelDbuv) {
-  ++measured_;
-  CalibrationWindow::MeterLevel(levelDbuv);
+void frmRunCablCal::Show(Readout readout, std::optional<double> value) {
+  if (readout == Readout::MeterLevel) ++measured_;
+  CalibrationWindow::Show(readout, value);
 }
 
-void frmRunCablCal::TableCut(int rows) {
-  if (rows == 0) measured_ = 0;
-  CalibrationWindow::TableCut(rows);
+void frmRunCablCal::RowChanged(int row) {
+  if (row == 0) measured_ = 0;
+  CalibrationWindow::RowChanged(row);
 }
 
 /// During a pass readings of an earlier one are not shown as this one's.

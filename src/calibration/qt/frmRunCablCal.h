@@ -29,9 +29,9 @@ class frmRunCablCal : public CalibrationWindow {
 
  private:
   bool MayLeavePoints() override { return run_.MayLeavePoints(); }
-  void Running(bool running) override;
-  void MeterLevel(double levelDbuv) override;
-  void TableCut(int rows) override;
+  void SetRunning(bool running) override;
+  void Show(Readout readout, std::optional<double> value) override;
+  void RowChanged(int row) override;
 
   void StartPass(bool inserted);
   void EnablePasses(bool enabled);

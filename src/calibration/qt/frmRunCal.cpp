@@ -1,6 +1,7 @@
 #include "calibration/qt/frmRunCal.h"
 
 #include "instruments/Instruments.h"
+#include "measure/Conversions.h"
 #include "text/Numbers.h"
 #include "ui_frmRunCal.h"
 #include "widgets/LabelText.h"
@@ -54,9 +55,9 @@ void frmRunCal::StartAfresh() {
   ui_->lblTestLevel->setToolTip(testLevelTip_);
 }
 
-void frmRunCal::Running(bool running) {
+void frmRunCal::SetRunning(bool running) {
   ui_->cmdStart->setEnabled(!running && ready_);
-  CalibrationWindow::Running(running);
+  CalibrationWindow::SetRunning(running);
   EnableSave(!running);
   if (running) return;
   const bool unsaved = !calibration_.Rows().empty() && !calibration_.RowsSaved();
@@ -68,17 +69,15 @@ void frmRunCal::EnableSave(bool enabled) {
   ui_->mnuFileSaveAs->setEnabled(enabled);
 }
 
-void frmRunCal::TestLevel(double volts) {
+void frmRunCal::Show(Readout readout, std::optional<double> value) {
+  CalibrationWindow::Show(readout, value);
+  if (!value) return;
+  if (readout == Readout::CableLoss) ShowNumber(*ui_->lblCableLoss, *value, "#0.00");
+  if (readout == Readout::ForwardPower) ShowNumber(*ui_->lblFwdPwr, Conversions::DbmToWatts(*value), "0.000");
+  if (readout != Readout::TestLevel) return;
+  const double volts = Conversions::DbuvToVolts(*value);
   ShowNumber(*ui_->lblTestLevel, volts, "##0.000");
   ui_->lblTestLevel->setToolTip(ToQt(ShortestText(volts)));
-}
-
-void frmRunCal::CableLoss(double db) {
-  ShowNumber(*ui_->lblCableLoss, db, "#0.00");
-}
-
-void frmRunCal::ForwardPower(double watts) {
-  ShowNumber(*ui_->lblFwdPwr, watts, "0.000");
 }
 
 void frmRunCal::Save() {

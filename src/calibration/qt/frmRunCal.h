@@ -31,10 +31,8 @@ class frmRunCal : public CalibrationWindow {
  private:
   bool MayLeavePoints() override { return calibration_.MayLeaveRows(); }
   void StartAfresh() override;
-  void Running(bool running) override;
-  void TestLevel(double volts) override;
-  void CableLoss(double db) override;
-  void ForwardPower(double watts) override;
+  void SetRunning(bool running) override;
+  void Show(Readout readout, std::optional<double> value) override;
 
   void EnableSave(bool enabled);
   void Save();

@@ -17,7 +17,7 @@ int DataRow(int tableRow) {
 
 void RunDataModel::RowChanged(int row) {
   const int held = static_cast<int>(data_.Rows().size()) - 1;
-  if (row < 0 || held < rows_) {
+  if (row == 0 || held < rows_) {
     beginResetModel();
     rows_ = held;
     endResetModel();
@@ -27,7 +27,7 @@ void RunDataModel::RowChanged(int row) {
     beginInsertRows({}, rows_, held - 1);
     rows_ = held;
     endInsertRows();
-  } else if (row > 0 && row <= rows_) {
+  } else if (row <= rows_) {
     emit dataChanged(index(row - 1, 0), index(row - 1, kColumns - 1));
   }
 }

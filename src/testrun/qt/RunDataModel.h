@@ -15,7 +15,7 @@ class RunDataModel : public QAbstractTableModel {
   /// The data must outlive the model.
   explicit RunDataModel(const RunData& data, QObject* parent = nullptr) : QAbstractTableModel(parent), data_(data) {}
 
-  /// The data was set up afresh (-1), or this row of it, counted from the header, was added or changed.
+  /// This row of the data, counted from 1, was added or changed. 0: they were set up afresh.
   void RowChanged(int row);
   /// Whether the row of the table, counted from 0, is a threshold.
   bool IsThreshold(int row) const;

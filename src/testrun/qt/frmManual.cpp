@@ -7,7 +7,7 @@
 #include "run/qt/RunWindowPlace.h"
 #include "shell/Shell.h"
 #include "shell/qt/WorkingForm.h"
-#include "testrun/RunControls.h"
+#include "testrun/ManualControls.h"
 #include "text/Pattern.h"
 #include "ui_frmManual.h"
 #include "widgets/WindowPlace.h"

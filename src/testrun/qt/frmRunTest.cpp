@@ -21,6 +21,7 @@ namespace hylden {
 namespace {
 
 constexpr int kRfWatchMs = 100;
+constexpr std::string_view kMinutes = "##0.0";
 constexpr int kCommentColumn = static_cast<int>(RunColumn::TestLevel);
 
 }  // namespace
@@ -36,7 +37,9 @@ frmRunTest::frmRunTest(Shell& shell, Instruments& instruments, Documents& docume
       model_(engine_.Data()),
       escape_([this](const QWidget& window) { return IsOurs(window); }, [this] { PressHalt(); }) {
   ui_->setupUi(this);
-  marks_ = {{ui_->lblSigGenLevel, false}, {ui_->lblInducedLevel, false}, {ui_->lblPower, false}};
+  marks_ = {{Readout::SigGenLevel, ui_->lblSigGenLevel},
+            {Readout::InducedLevel, ui_->lblInducedLevel},
+            {Readout::ForwardPower, ui_->lblPower}};
   ui_->flxTestData->setModel(&model_);
   follower_ = new TableFollower(*ui_->flxTestData);
   SetUpStatusBar();
@@ -48,7 +51,7 @@ frmRunTest::frmRunTest(Shell& shell, Instruments& instruments, Documents& docume
   connect(&rfWatch_, &QTimer::timeout, this, &frmRunTest::ShowRf);
   StartAfresh();
   ShowRf();
-  FileMenuEnabled(false);
+  EnableFileMenu(false);
   RestorePlace(shell_, windowkey::kRunTestForm, *this);
   manualPlace_ = shell_.settings.GetFormPosition(windowkey::kManualForm);
 }
@@ -159,8 +162,8 @@ void frmRunTest::StartAfresh() {
   ShowInducedLevelNow();
   ShowPowerNow();
   ClearCountdown();
-  Remaining(estimatedMinutes_);
-  step_ = filledRows_ = 0;
+  Show(Readout::Remaining, estimatedMinutes_);
+  filledRows_ = 0;
   follower_->StartAfresh();
   ui_->prgSteps->setValue(0);
   ui_->flxTestData->clearSpans();
@@ -184,50 +187,47 @@ void frmRunTest::Status(const std::string& text) {
 }
 
 void frmRunTest::Step(int step) {
-  step_ = step;
   ShowText(*ui_->lblStep, QStringLiteral("Step# %1").arg(step));
 }
 
-void frmRunTest::ManualStep(int step, int row) {
-  ShowText(*ui_->lblStep, QStringLiteral("Step# %1").arg(step));
-  follower_->Hold(row - 1);
+void frmRunTest::StepDone(int step) {
+  ui_->prgSteps->setValue(step);
 }
 
-void frmRunTest::Frequency(double frequencyMHz) {
-  ShowNumber(*ui_->lblFreq, frequencyMHz, "#0.0#####");
-  ShowText(*frequencyPanel_, ToQt(Format(frequencyMHz, "0.0#####")) + QStringLiteral(" MHz"));
-}
-
-void frmRunTest::SigGenLevel(float levelDbm) {
-  ShowNumber(*ui_->lblSigGenLevel, double{levelDbm}, "##0.0");
-}
-
-void frmRunTest::TestLevel(float levelDbuv) {
-  testLevelDbuv_ = levelDbuv;
-  ShowTestLevelNow();
-}
-
-void frmRunTest::InducedLevel(double levelDbua, double limitDbua) {
-  inducedDbua_ = levelDbua;
-  inducedLimitDbua_ = limitDbua;
-  ShowInducedLevelNow();
-}
-
-void frmRunTest::Power(double powerDbm) {
-  powerDbm_ = powerDbm;
-  ShowPowerNow();
-}
-
-void frmRunTest::ForgetReadings() {
-  inducedDbua_.reset();
-  powerDbm_.reset();
-  ShowInducedLevelNow();
-  ShowPowerNow();
+void frmRunTest::Show(Readout readout, std::optional<double> value) {
+  const double number = value.value_or(0);
+  switch (readout) {
+    case Readout::Frequency:
+      ShowNumber(*ui_->lblFreq, number, "#0.0#####");
+      return ShowText(*frequencyPanel_, ToQt(Format(number, "0.0#####")) + QStringLiteral(" MHz"));
+    case Readout::SigGenLevel:
+      return ShowNumber(*ui_->lblSigGenLevel, number, "##0.0");
+    case Readout::TestLevel:
+      testLevelDbuv_ = value;
+      return ShowTestLevelNow();
+    case Readout::InducedLimit:
+      inducedLimitDbua_ = number;
+      return;
+    case Readout::InducedLevel:
+      inducedDbua_ = value;
+      return ShowInducedLevelNow();
+    case Readout::ForwardPower:
+      powerDbm_ = value;
+      return ShowPowerNow();
+    case Readout::Dwell:
+      return ShowNumber(*ui_->lblDwell, number, "###0.00");
+    case Readout::Elapsed:
+      return ShowNumber(*ui_->lblElapsed, number, kMinutes);
+    case Readout::Remaining:
+      return ShowNumber(*ui_->lblEstTime, number, kMinutes);
+    default:
+      return;
+  }
 }
 
 void frmRunTest::ShowTestLevelNow() {
-  const ShownLevel shown = ShowTestLevel(double{testLevelDbuv_.value_or(0)}, units_.TestLevel,
-                                         documents_.testSetup.Definition.EUTCircuitImpedance);
+  const ShownLevel shown =
+      ShowTestLevel(testLevelDbuv_.value_or(0), units_.TestLevel, documents_.testSetup.Definition.EUTCircuitImpedance);
   ShowText(*ui_->lblTestLevelCap, ScreenText(shown.Caption));
   ShowText(*ui_->lblTestLevel, testLevelDbuv_ ? ToQt(shown.Value) : QString::fromLatin1(kNoFigure));
   ui_->lblTestLevel->setToolTip(testLevelDbuv_ ? ToQt(shown.ToolTip) : QString());
@@ -247,8 +247,9 @@ void frmRunTest::ShowPowerNow() {
   ShowText(*ui_->lblPower, powerDbm_ ? ToQt(shown.Value) : QString::fromLatin1(kNoFigure));
 }
 
-void frmRunTest::Highlight(Quantity quantity, bool red) {
-  marks_[static_cast<std::size_t>(quantity)].red = red;
+void frmRunTest::Mark(Readout readout, bool held) {
+  for (Marked& mark : marks_)
+    if (mark.readout == readout) mark.red = held;
   ShowMarks();
 }
 
@@ -267,33 +268,18 @@ void frmRunTest::ShowRf() {
   ui_->lblRf->ShowRf(instruments_.sigGen.RfIsOn(), instruments_.sigGen.RfState() != Rf::Unknown);
 }
 
-void frmRunTest::Dwell(double seconds) {
-  ShowNumber(*ui_->lblDwell, seconds, "###0.00");
-}
-
-void frmRunTest::Plan(int steps, double estimatedMinutes) {
-  ShowText(*ui_->lblSteps, QString::number(steps));
-  ui_->prgSteps->setRange(0, std::max(1, steps));
-  estimatedMinutes_ = estimatedMinutes;
-  Remaining(estimatedMinutes);
-}
-
-void frmRunTest::Range(double startMHz, double stopMHz) {
-  ShowNumber(*ui_->lblStartFreq, startMHz, "#0.0#####");
-  ShowNumber(*ui_->lblStopFreq, stopMHz, "#0.0#####");
-}
-
-void frmRunTest::Elapsed(double minutes) {
-  ShowNumber(*ui_->lblElapsed, minutes, "##0.0");
-}
-
-void frmRunTest::Remaining(double minutes) {
-  ShowNumber(*ui_->lblEstTime, minutes, "##0.0");
+void frmRunTest::Plan(const RunPlan& plan) {
+  ShowText(*ui_->lblSteps, QString::number(plan.Steps));
+  ShowNumber(*ui_->lblStartFreq, plan.StartMHz, "#0.0#####");
+  ShowNumber(*ui_->lblStopFreq, plan.StopMHz, "#0.0#####");
+  ui_->prgSteps->setRange(0, std::max(1, plan.Steps));
+  estimatedMinutes_ = plan.EstimatedMinutes;
+  Show(Readout::Remaining, estimatedMinutes_);
 }
 
 void frmRunTest::RowChanged(int row) {
   model_.RowChanged(row);
-  if (row < 0) {
+  if (row == 0) {
     StartAfresh();
     return;
   }
@@ -301,7 +287,6 @@ void frmRunTest::RowChanged(int row) {
   filledRows_ = std::max(filledRows_, row);
   const bool threshold = model_.IsThreshold(row - 1);
   if (threshold && added) ui_->flxTestData->setSpan(row - 1, kCommentColumn, 1, model_.columnCount() - kCommentColumn);
-  if (!threshold && !added) ui_->prgSteps->setValue(step_);
   follower_->RowChanged();
 }
 

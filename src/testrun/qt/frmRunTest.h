@@ -5,10 +5,10 @@
 #include <optional>
 #include <vector>
 
+#include "run/RunDisplay.h"
 #include "shell/qt/WorkingForm.h"
+#include "testrun/ManualControls.h"
 #include "testrun/RunCommands.h"
-#include "testrun/RunControls.h"
-#include "testrun/RunDisplay.h"
 #include "testrun/RunEngine.h"
 #include "testrun/RunReport.h"
 #include "testrun/RunUnits.h"
@@ -31,7 +31,7 @@ class frmRunTest;
 /// The running test: its figures, its data and its menus, with the run buttons and the manual form as windows of their
 /// own. A run goes on inside the press of Run; closing a window during it halts the run, lets it end in order and then
 /// closes.
-class frmRunTest : public WorkingForm, private RunDisplay, private RunControls {
+class frmRunTest : public WorkingForm, private RunDisplay, private ManualControls {
   Q_OBJECT
 
  public:
@@ -66,39 +66,26 @@ class frmRunTest : public WorkingForm, private RunDisplay, private RunControls {
     RunUnit unit;
   };
   struct Marked {
+    Readout readout;
     QLabel* label;
-    bool red;
+    bool red = false;
   };
 
   // The display.
   void Countdown(double seconds) override;
+  void Phase(RunPhase phase) override;
   void Status(const std::string& text) override;
+  void Plan(const RunPlan& plan) override;
   void Step(int step) override;
-  void ManualStep(int step, int row) override;
-  void Frequency(double frequencyMHz) override;
-  void SigGenLevel(float levelDbm) override;
-  void TestLevel(float levelDbuv) override;
-  void InducedLevel(double levelDbua, double limitDbua) override;
-  void Power(double powerDbm) override;
-  void ForgetReadings() override;
-  void Highlight(Quantity quantity, bool red) override;
-  void Dwell(double seconds) override;
-  void Plan(int steps, double estimatedMinutes) override;
-  void Range(double startMHz, double stopMHz) override;
-  void Elapsed(double minutes) override;
-  void Remaining(double minutes) override;
+  void StepDone(int step) override;
+  void Show(Readout readout, std::optional<double> value) override;
+  void Mark(Readout readout, bool held) override;
   void RowChanged(int row) override;
 
-  // The windows around the run.
-  void SetRunMode() override;
-  void SetHaltMode() override;
-  void SetHalting() override;
-  void FileMenuEnabled(bool enabled) override;
-  void ButtonsEnabled(bool enabled) override;
-  void ButtonsVisible(bool visible) override;
+  // Manual mode.
   void OpenManual(const ManualStart& start) override;
   void CloseManual() override;
-  void ManualFreq(double frequencyMHz) override;
+  void ManualStep(int step, int row, double frequencyMHz) override;
   void ManualRf(bool on) override;
   void ManualMod(bool on) override;
 
@@ -118,6 +105,10 @@ class frmRunTest : public WorkingForm, private RunDisplay, private RunControls {
   void OpenOnRightClick(QMenu* menu, const std::vector<QWidget*>& labels);
   void SetUpStatusBar();
 
+  void SetRunMode();
+  void SetHaltMode();
+  void SetHalting();
+  void EnableFileMenu(bool enabled);
   void StartAfresh();
   void ShowTestLevelNow();
   void ShowInducedLevelNow();
@@ -147,14 +138,13 @@ class frmRunTest : public WorkingForm, private RunDisplay, private RunControls {
   QLabel* dwellPanel_ = nullptr;
 
   RunUnitChoice units_;
-  std::optional<float> testLevelDbuv_;
+  std::optional<double> testLevelDbuv_;
   std::optional<double> inducedDbua_;
   double inducedLimitDbua_ = 0;
   std::optional<double> powerDbm_;
   std::vector<Marked> marks_;
   QTimer rfWatch_{this};         ///< RF can go off under a message box
   double estimatedMinutes_ = 0;  ///< of the whole run
-  int step_ = 0;
   int filledRows_ = 0;
   bool simulated_ = false;
   bool inRun_ = false;  ///< a press of Run has not returned yet

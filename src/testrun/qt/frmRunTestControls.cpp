@@ -116,6 +116,25 @@ void frmRunTest::buttonform_exitclick() {
   close();
 }
 
+void frmRunTest::Phase(RunPhase phase) {
+  switch (phase) {
+    case RunPhase::BringingUp:
+      EnableFileMenu(false);
+      return SetRunMode();
+    case RunPhase::Halting:
+      return SetHalting();
+    case RunPhase::Asking:
+      if (ButtonForm) ButtonForm->setEnabled(false);
+      return;
+    case RunPhase::Ready:
+      if (ButtonForm) ButtonForm->setEnabled(true);
+      EnableFileMenu(true);
+      return SetHaltMode();
+    default:
+      return;
+  }
+}
+
 void frmRunTest::SetRunMode() {
   ui_->cmdRunHalt->setEnabled(true);
   if (ButtonForm) ButtonForm->SetRunMode();
@@ -136,18 +155,10 @@ void frmRunTest::SetHalting() {
   Status("Halting...");
 }
 
-void frmRunTest::FileMenuEnabled(bool enabled) {
+void frmRunTest::EnableFileMenu(bool enabled) {
   ui_->mnuFile->setEnabled(enabled);
   for (const QMenu* const menu : {ui_->mnuFile, ui_->mnuFilePrint, ui_->mnuFilePreview})
     for (QAction* const action : menu->actions()) action->setEnabled(enabled);
-}
-
-void frmRunTest::ButtonsEnabled(bool enabled) {
-  if (ButtonForm) ButtonForm->setEnabled(enabled);
-}
-
-void frmRunTest::ButtonsVisible(bool visible) {
-  if (ButtonForm) ButtonForm->ButtonsVisible(visible);
 }
 
 QString frmRunTest::HelpTopic() const {
@@ -165,16 +176,21 @@ void frmRunTest::OpenManual(const ManualStart& start) {
   connect(ManForm.get(), &frmManual::HaltClick, this, &frmRunTest::PressHalt);
   connect(ManForm.get(), &frmManual::HelpRequested, this, &frmRunTest::AskForHelp);
   ManForm->Open(start, manualPlace_);
+  ui_->prgSteps->setValue(start.HighestStep);
+  if (ButtonForm) ButtonForm->ButtonsVisible(false);
 }
 
 void frmRunTest::CloseManual() {
   if (!ManForm) return;
+  if (ButtonForm) ButtonForm->ButtonsVisible(true);
   manualPlace_ = ManForm->Unload();
   ManForm.reset();
   follower_->Release();
 }
 
-void frmRunTest::ManualFreq(double frequencyMHz) {
+void frmRunTest::ManualStep(int step, int row, double frequencyMHz) {
+  Step(step);
+  follower_->Hold(row - 1);
   if (ManForm) ManForm->SetManualFreq(frequencyMHz);
 }
 
