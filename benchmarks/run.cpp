@@ -46,8 +46,9 @@ class TestRun {
     const std::int64_t start = station_.clock.TickMs();
     engine_.RunCdiTest();
     const auto steps = static_cast<std::int64_t>(engine_.Steps().size());
-    if (station_.clock.TickMs() - start < steps * 1000 || engine_.Data().Rows().back()[1] != "-18.0 **") return false;
-    return engine_.Outcome() == RunOutcome::Finished && engine_.Data().Rows().size() == engine_.Steps().size() + 1;
+    if (station_.clock.TickMs() - start < steps * 1000 || CellsOf(engine_.Data().Entries().back())[1] != "-18.0 **")
+      return false;
+    return engine_.Outcome() == RunOutcome::Finished && engine_.Data().Entries().size() == engine_.Steps().size();
   }
 
  private:

@@ -49,7 +49,7 @@ void ManualMode::Enter(int step, int highestStep, float constantPeakOffset) {
   highestStep_ = highestStep;
   levelOffset_ = 0;
   constantPeakOffset_ = constantPeakOffset;
-  standing_ = {StepNow().Freq, 0};
+  standing_ = {FreqNow(), 0};
   exposedOffset_ = 0;
   modulationOn_ = run_.documents.testSetup.Definition.ModType != 0 && !run_.modulationSilenced;
   active_ = true;
@@ -95,8 +95,8 @@ void ManualMode::SwitchRfOff() {
 bool ManualMode::SetLevel() {
   if (run_.shell.delay.HaltRequested()) return true;
   const float level = StepNow().SigGenLevel + levelOffset_ + constantPeakOffset_;
-  if (!run_.instruments.sigGen.SetFreqLevel(StepNow().Freq, level)) return false;
-  standing_ = {StepNow().Freq, levelOffset_};
+  if (!run_.instruments.sigGen.SetFreqLevel(FreqNow(), level)) return false;
+  standing_ = {FreqNow(), levelOffset_};
   if (run_.instruments.sigGen.RfIsOn()) exposedOffset_ = levelOffset_;
   run_.display.Show(Readout::SigGenLevel, level);
   ShowLevel();
@@ -105,12 +105,12 @@ bool ManualMode::SetLevel() {
 
 /// Also where the generator refuses the step: it is the one that RF comes back with.
 void ManualMode::ShowStep() {
-  run_.display.Show(Readout::Frequency, StepNow().Freq);
-  run_.manual.ManualStep(returnStep_, StepNow().Row, StepNow().Freq);
+  run_.display.Show(Readout::Frequency, FreqNow());
+  run_.manual.ManualStep(returnStep_, StepNow().Row, FreqNow());
 }
 
 void ManualMode::ShowLevel() {
-  if (!IsMissing(StepNow().TestLevel)) run_.display.Show(Readout::TestLevel, StepNow().TestLevel + levelOffset_);
+  run_.display.Show(Readout::TestLevel, StepNow().TestLevel + levelOffset_);
 }
 
 bool ManualMode::manStepNumChange(int step) {
@@ -118,11 +118,11 @@ bool ManualMode::manStepNumChange(int step) {
 }
 
 bool ManualMode::GoToStep(int step) {
-  const bool reached = step >= 1 && step <= highestStep_ && step <= static_cast<int>(run_.steps.size());
-  if (!reached || IsMissing(run_.steps[static_cast<std::size_t>(step - 1)].SigGenLevel)) return true;
+  const bool inRange = step >= 1 && step <= highestStep_ && step <= static_cast<int>(run_.steps.size());
+  if (!inRange || !run_.reached[static_cast<std::size_t>(step - 1)]) return true;
   returnStep_ = step;
   ShowStep();
-  if (run_.documents.equip.Record.HasIfiAmplifier() && !run_.instruments.ifiAmp.IfiSetBand(StepNow().Freq)) {
+  if (run_.documents.equip.Record.HasIfiAmplifier() && !run_.instruments.ifiAmp.IfiSetBand(FreqNow())) {
     run_.shell.delay.RequestHalt();
     return false;
   }
@@ -178,10 +178,10 @@ bool ManualMode::SwitchModulation(bool on) {
   return true;
 }
 
-void ManualMode::manThresholdClick(const std::string& frequencyText, float offsetDb) {
+void ManualMode::manThresholdClick(double frequencyMHz, float offsetDb) {
   if (!active_ || busy_) return;
   try {
-    const int row = run_.data.AddThreshold(frequencyText, double{offsetDb});
+    const int row = run_.data.AddThreshold(frequencyMHz, double{offsetDb});
     run_.display.RowChanged(row);
     const auto comment = run_.shell.dialogs.InputBox("Enter comments", "Threshold Comment");
     if (!comment) return;

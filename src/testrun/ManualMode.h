@@ -64,7 +64,7 @@ class ManualMode {
   void manModOn(bool on);
   /// Notes a threshold and asks for a comment; without one the row stays. Nothing while an event is being worked on:
   /// nothing stands at the product while the amplifiers change over.
-  void manThresholdClick(const std::string& frequencyText, float offsetDb);
+  void manThresholdClick(double frequencyMHz, float offsetDb);
   void manExitClick();
 
  private:
@@ -77,7 +77,8 @@ class ManualMode {
   bool SwitchRf(bool on);
   bool SwitchModulation(bool on);
   void SwitchRfOff();
-  PlanStep& StepNow() { return run_.steps[static_cast<std::size_t>(returnStep_ - 1)]; }
+  double FreqNow() const { return run_.steps[static_cast<std::size_t>(returnStep_ - 1)].Freq; }
+  const ReachedStep& StepNow() const { return *run_.reached[static_cast<std::size_t>(returnStep_ - 1)]; }
 
   RunContext& run_;
   bool active_ = false;

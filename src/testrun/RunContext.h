@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "run/RunDisplay.h"
@@ -12,6 +13,14 @@ namespace hylden {
 class Shell;
 struct Documents;
 struct Instruments;
+
+/// What a step came to: the level that stood for its dwell.
+struct ReachedStep {
+  float SigGenLevel = 0;  ///< dBm
+  float TestLevel = 0;    ///< dBuV
+  double Offset = 0;      ///< how far below its calibrated level the next step is to begin, dB
+  int Row = 0;            ///< of the run data
+};
 
 /// What the parts of one run share: the engine, its steps and manual mode.
 struct RunContext {
@@ -31,7 +40,8 @@ struct RunContext {
   ManualControls& manual;
   RunPreparation preparation;
   RunData data;
-  std::vector<PlanStep> steps;  ///< step i of the run is steps[i - 1]
+  std::vector<PlanStep> steps;                      ///< step i of the run is steps[i - 1]
+  std::vector<std::optional<ReachedStep>> reached;  ///< the same for what they came to when they were run last
 
   bool manualRequested = false;     ///< manual mode was asked for, or is going on
   bool modulationSilenced = false;  ///< manual mode left the modulation off

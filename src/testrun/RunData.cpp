@@ -11,7 +11,7 @@ namespace hylden {
 
 namespace {
 
-constexpr std::string_view kLevelPattern = "##0.0";
+constexpr std::string_view kFreqPattern = "#0.0#####", kLevelPattern = "##0.0";
 constexpr std::string_view kMark = " **";
 constexpr std::string_view kCapMark = " +2";
 constexpr std::size_t kThresholdCells = 3;
@@ -25,6 +25,29 @@ std::string LevelText(const std::optional<double>& levelDb) {
   return levelDb && !IsMissing(*levelDb) ? Format(*levelDb, kLevelPattern) : std::string();
 }
 
+RunRow Cells(const ThresholdEntry& threshold) {
+  return {Format(threshold.Freq, kFreqPattern), "Threshold " + Format(threshold.OffsetDb, "#0.0") + "dB",
+          threshold.Comment};
+}
+
+RunRow Cells(const StepEntry& step) {
+  RunRow cells{Format(step.Freq, kFreqPattern)};
+  if (!step.Result) return cells;
+  const StepMarks& marks = step.Result->Marks;
+  Cell(cells, RunColumn::SigGen) = Format(step.Result->SigGenLevel, kLevelPattern);
+  Cell(cells, RunColumn::TestLevel) = Format(step.Result->TestLevel, kLevelPattern);
+  Cell(cells, RunColumn::Induced) = LevelText(step.Result->Induced);
+  Cell(cells, RunColumn::FwdPwr) = LevelText(step.Result->FwdPwr);
+  Cell(cells, RunColumn::RevPwr) = LevelText(step.Result->RevPwr);
+  if (marks.SigGenAtCalibration) Cell(cells, RunColumn::SigGen) += kMark;
+  if (marks.InducedAboveLimit) Cell(cells, RunColumn::Induced) += kMark;
+  if (marks.ForwardCapHeld)
+    Cell(cells, RunColumn::FwdPwr) += kCapMark;
+  else if (marks.PowerAboveTarget)
+    Cell(cells, RunColumn::FwdPwr) += kMark;
+  return cells;
+}
+
 std::string Joined(const RunRow& row, std::size_t cells) {
   std::string line = row[0];
   for (std::size_t i = 1; i < cells; ++i) line.append(", ").append(row[i]);
@@ -33,44 +56,28 @@ std::string Joined(const RunRow& row, std::size_t cells) {
 
 }  // namespace
 
-void RunData::Clear() {
-  rows_.assign(1, {"Freq MHz", "SG,dBm", "Lev dBuv", "Meas dBuA", "FPwr dBm", "RPwr dBm"});
+RunRow CellsOf(const RunEntry& entry) {
+  return std::visit([](const auto& e) { return Cells(e); }, entry);
 }
 
 int RunData::AddStep(double frequencyMHz) {
-  rows_.push_back({Format(frequencyMHz, "#0.0#####")});
-  return static_cast<int>(rows_.size()) - 1;
+  entries_.emplace_back(std::in_place_type<StepEntry>, frequencyMHz);
+  return static_cast<int>(entries_.size());
 }
 
 void RunData::FillStep(int row, const StepResult& result) {
-  RunRow& cells = rows_.at(static_cast<std::size_t>(row));
-  const StepMarks& marks = result.Marks;
-  Cell(cells, RunColumn::SigGen) = Format(result.SigGenLevel, kLevelPattern);
-  Cell(cells, RunColumn::TestLevel) = Format(result.TestLevel, kLevelPattern);
-  Cell(cells, RunColumn::Induced) = LevelText(result.Induced);
-  Cell(cells, RunColumn::FwdPwr) = LevelText(result.FwdPwr);
-  Cell(cells, RunColumn::RevPwr) = LevelText(result.RevPwr);
-  if (marks.SigGenAtCalibration) Cell(cells, RunColumn::SigGen) += kMark;
-  if (marks.InducedAboveLimit) Cell(cells, RunColumn::Induced) += kMark;
-  if (marks.ForwardCapHeld)
-    Cell(cells, RunColumn::FwdPwr) += kCapMark;
-  else if (marks.PowerAboveTarget)
-    Cell(cells, RunColumn::FwdPwr) += kMark;
+  At<StepEntry>(row).Result = result;
 }
 
-int RunData::AddThreshold(const std::string& frequencyText, double offsetDb) {
-  rows_.push_back({frequencyText, "Threshold " + Format(offsetDb, "#0.0") + "dB"});
-  return static_cast<int>(rows_.size()) - 1;
+int RunData::AddThreshold(double frequencyMHz, double offsetDb) {
+  entries_.emplace_back(std::in_place_type<ThresholdEntry>, frequencyMHz, offsetDb);
+  return static_cast<int>(entries_.size());
 }
 
 void RunData::SetComment(int row, std::string comment) {
   std::replace_if(
       comment.begin(), comment.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
-  rows_.at(static_cast<std::size_t>(row))[2] = std::move(comment);
-}
-
-bool RunData::IsThreshold(const RunRow& row) {
-  return !row[1].empty() && row[1].front() == 'T';
+  At<ThresholdEntry>(row).Comment = std::move(comment);
 }
 
 std::vector<std::string> RunHeaderLines(bool thresholdsOnly) {
@@ -81,11 +88,11 @@ std::vector<std::string> RunHeaderLines(bool thresholdsOnly) {
 
 std::vector<std::string> RunRowLines(const RunData& data, bool thresholdsOnly) {
   std::vector<std::string> lines;
-  lines.reserve(data.Rows().size());
-  for (std::size_t i = 1; i < data.Rows().size(); ++i) {
-    const RunRow& row = data.Rows()[i];
-    const bool threshold = RunData::IsThreshold(row);
-    if (threshold || !thresholdsOnly) lines.push_back(Joined(row, threshold ? kThresholdCells : row.size()));
+  lines.reserve(data.Entries().size());
+  for (const RunEntry& entry : data.Entries()) {
+    const bool threshold = IsThreshold(entry);
+    const RunRow cells = CellsOf(entry);
+    if (threshold || !thresholdsOnly) lines.push_back(Joined(cells, threshold ? kThresholdCells : cells.size()));
   }
   return lines;
 }

@@ -4,15 +4,18 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 namespace hylden {
 
 class Shell;
 
-/// The columns of the run data.
+/// The columns of the run data, as table and file show them.
 enum class RunColumn : int { Freq = 0, SigGen = 1, TestLevel = 2, Induced = 3, FwdPwr = 4, RevPwr = 5 };
 using RunRow = std::array<std::string, 6>;
+inline constexpr std::array<const char*, 6> kRunHeadings = {"Freq MHz",  "SG,dBm",   "Lev dBuv",
+                                                            "Meas dBuA", "FPwr dBm", "RPwr dBm"};
 
 /// Which quantities first met a step's levelling criterion.
 struct StepMarks {
@@ -32,29 +35,48 @@ struct StepResult {
   StepMarks Marks = {};
 };
 
-/// The record of a test run: a header row, then a row for each step and each marked threshold, in the order in which
-/// they happened. Rows are only ever added at the end; row numbers stay valid until Clear.
+/// A step of the run; its result once it is complete.
+struct StepEntry {
+  double Freq = 0;  ///< MHz
+  std::optional<StepResult> Result = {};
+};
+/// A susceptibility threshold that the operator marked.
+struct ThresholdEntry {
+  double Freq = 0;      ///< MHz
+  double OffsetDb = 0;  ///< from the level reached at the step
+  std::string Comment = {};
+};
+using RunEntry = std::variant<StepEntry, ThresholdEntry>;
+
+inline bool IsThreshold(const RunEntry& entry) {
+  return std::holds_alternative<ThresholdEntry>(entry);
+}
+/// The cells of an entry, as table and file show them. A threshold has three.
+RunRow CellsOf(const RunEntry& entry);
+
+/// What a test run recorded: the steps and the marked thresholds, in the order in which they happened. Rows are only
+/// ever added at the end; their numbers, counted from 1, stay valid until Clear.
 class RunData {
  public:
-  RunData() { Clear(); }
-
-  /// The header row only.
-  void Clear();
-  const std::vector<RunRow>& Rows() const { return rows_; }
-  bool IsEmpty() const { return rows_.size() < 2; }
+  void Clear() { entries_.clear(); }
+  const std::vector<RunEntry>& Entries() const { return entries_; }
+  bool IsEmpty() const { return entries_.empty(); }
 
   /// A row for a step that begins; returns its number.
   int AddStep(double frequencyMHz);
   void FillStep(int row, const StepResult& result);
-  /// A row for a threshold, level offset in dB; returns its number.
-  int AddThreshold(const std::string& frequencyText, double offsetDb);
+  /// A row for a threshold; returns its number.
+  int AddThreshold(double frequencyMHz, double offsetDb);
   /// Line ends in the comment become blanks, so that a threshold stays on one line of the file.
   void SetComment(int row, std::string comment);
 
-  static bool IsThreshold(const RunRow& row);
-
  private:
-  std::vector<RunRow> rows_;
+  template <class Entry>
+  Entry& At(int row) {
+    return std::get<Entry>(entries_.at(static_cast<std::size_t>(row - 1)));
+  }
+
+  std::vector<RunEntry> entries_;
 };
 
 /// The first line of the run data file and of the printed reports.

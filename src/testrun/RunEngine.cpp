@@ -53,8 +53,7 @@ void RunEngine::Reset() {
   run_.data.Clear();
   wanted_ = saved_ = letGo_ = false;
   run_.display.RowChanged(0);
-  for (PlanStep& step : run_.steps) step.SigGenLevel = PlanStep{}.SigGenLevel;
-  ended_.assign(run_.steps.size(), {});
+  run_.reached.assign(run_.steps.size(), {});
   currentStep_ = highestStep_ = timedSteps_ = 0;
   run_.manualRequested = run_.modulationSilenced = false;
   stepRunner_.StartRun();
@@ -90,9 +89,9 @@ void RunEngine::Sweep() {
 
 bool RunEngine::RunStep(bool first) {
   const auto index = static_cast<std::size_t>(currentStep_ - 1);
-  if (!stepRunner_.Run(run_.steps.at(index), first)) return false;
-  ended_[index] = stepRunner_.Previous();
-  return true;
+  const std::optional<ReachedStep> reached = stepRunner_.Run(run_.steps.at(index), first);
+  if (reached) run_.reached[index] = reached;
+  return reached.has_value();
 }
 
 bool RunEngine::RunTimedStep() {
@@ -120,7 +119,8 @@ bool RunEngine::ManualPhase() {
   elapsed_.Resume();
   if (halted) return false;
   currentStep_ = manual_.ReturnStep();
-  stepRunner_.ResumeFrom(ended_[static_cast<std::size_t>(currentStep_ - 1)]);
+  const auto index = static_cast<std::size_t>(currentStep_ - 1);
+  stepRunner_.ResumeFrom({run_.steps[index].Freq, run_.reached[index]->Offset});
   return true;
 }
 

@@ -56,6 +56,10 @@ class RunEngine {
   ManualMode& Manual() { return manual_; }
   const RunData& Data() const { return run_.data; }
   const std::vector<PlanStep>& Steps() const { return run_.steps; }
+  /// What a step (counted from 1) came to; nothing before it was run.
+  const std::optional<ReachedStep>& Reached(int step) const {
+    return run_.reached.at(static_cast<std::size_t>(step - 1));
+  }
 
  private:
   bool Halted() const;
@@ -76,7 +80,6 @@ class RunEngine {
   RunGuard guard_;
   StepRunner stepRunner_;
   ManualMode manual_;
-  std::vector<PreviousStep> ended_;  ///< where each step ended, for a run that goes on from an earlier one
   bool ready_ = false;
   bool wanted_ = false;  ///< the operator asked for the rows to be saved
   bool saved_ = false;

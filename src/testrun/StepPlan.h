@@ -6,13 +6,10 @@ namespace hylden {
 
 struct TestDefinition;
 
-/// A planned step of a test run: MHz, seconds; and what it came to when it was run last.
+/// A planned step of a test run: MHz, seconds.
 struct PlanStep {
   double Freq = 0;
   double Dwell = 0;
-  float SigGenLevel = -999;  ///< the generator level reached, dBm; -999 until the step has been run
-  float TestLevel = -999;    ///< the test level there, dBuV
-  int Row = 0;               ///< its row of the run data
 };
 
 /// The swept steps of a test, each with the sweep dwell: a LinearSweep or a LogSweep over the test's range. A test

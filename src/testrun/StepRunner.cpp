@@ -24,25 +24,23 @@ void StepRunner::StartRun() {
   conflictAccepted_ = false;
 }
 
-bool StepRunner::Run(PlanStep& step, bool first) {
+std::optional<ReachedStep> StepRunner::Run(const PlanStep& step, bool first) {
   state_ = {};
   try {
-    if (Procedure(step, first)) return true;
+    if (Procedure(step, first)) return Record();
   } catch (...) {
     SwitchRfOff();
     throw;
   }
   SwitchRfOff();
   run_.display.Status("");
-  return false;
+  return std::nullopt;
 }
 
-bool StepRunner::Procedure(PlanStep& step, bool first) {
+bool StepRunner::Procedure(const PlanStep& step, bool first) {
   Begin(step, first);
   if (!FindTargets() || !SetUpFeedback() || !ChooseStart(first)) return false;
-  if (!Retune() || !RampToTarget() || !ModulationOn() || !HoldForDwell()) return false;
-  Record(step);
-  return true;
+  return Retune() && RampToTarget() && ModulationOn() && HoldForDwell();
 }
 
 void StepRunner::Begin(const PlanStep& step, bool first) {
@@ -178,14 +176,12 @@ void StepRunner::LogCutDwell() {
                          Format(held, "##0.0##") + " s of " + Format(state_.Dwell, "##0.0##") + " s");
 }
 
-void StepRunner::Record(PlanStep& step) {
-  step.SigGenLevel = DriveLevel();
-  step.TestLevel = state_.Targets.TestLevel;
-  step.Row = state_.Row;
+ReachedStep StepRunner::Record() {
   previous_ = {state_.Freq, state_.KeptOffset};
-  state_.Result.SigGenLevel = step.SigGenLevel;
+  state_.Result.SigGenLevel = DriveLevel();
   run_.data.FillStep(state_.Row, state_.Result);
   run_.display.RowChanged(state_.Row);
+  return {DriveLevel(), state_.Targets.TestLevel, state_.KeptOffset, state_.Row};
 }
 
 bool StepRunner::Wait(double seconds, const std::string& status) {

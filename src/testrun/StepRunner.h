@@ -20,12 +20,10 @@ class StepRunner {
 
   /// A run begins: nothing is known of earlier steps, and no question has been answered.
   void StartRun();
-  /// @return false when the run is to end; RF is off then, and the reason has been shown
-  bool Run(PlanStep& step, bool first);
+  /// @return what it came to; nothing when the run is to end: RF is off then, and the reason has been shown
+  std::optional<ReachedStep> Run(const PlanStep& step, bool first);
   /// The run goes on from an earlier step, which manual mode returned to.
   void ResumeFrom(const PreviousStep& step) { previous_ = step; }
-  /// Where the last completed step ended.
-  const PreviousStep& Previous() const { return previous_; }
 
   /// Switches the test's modulation on.
   static bool SwitchModulationOn(SigGen& sigGen, const TestDefinition& test);
@@ -54,7 +52,7 @@ class StepRunner {
   float DriveLevel() const { return static_cast<float>(double{state_.Targets.SigGenCal} - state_.Now.Offset); }
 
   // The step as a procedure; each part is false when the step fails.
-  bool Procedure(PlanStep& step, bool first);
+  bool Procedure(const PlanStep& step, bool first);
   void Begin(const PlanStep& step, bool first);
   bool FindTargets();
   bool SetUpFeedback();
@@ -64,7 +62,7 @@ class StepRunner {
   bool RampToTarget();
   bool ModulationOn();
   bool HoldForDwell();
-  void Record(PlanStep& step);
+  ReachedStep Record();
 
   // The ramps (LevelRamps.cpp).
   bool RampSigGen();

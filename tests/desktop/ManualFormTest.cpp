@@ -46,7 +46,7 @@ class ManualForm : public RunForms {
   QScrollBar& Bar(const char* name) { return Find<QScrollBar>(*Manual(), name); }
   const GeneratorState& Generator() { return m.bench.State().Generator; }
   int CurrentRow() { return Find<QTableView>(*form, "flxTestData").currentIndex().row(); }
-  float LevelOf(int step) { return form->Engine().Steps()[static_cast<std::size_t>(step - 1)].SigGenLevel; }
+  float LevelOf(int step) { return form->Engine().Reached(step)->SigGenLevel; }
 };
 
 TEST_F(ManualForm, OperatorFindsAThresholdAndTheTestGoesOn) {
@@ -64,8 +64,8 @@ TEST_F(ManualForm, OperatorFindsAThresholdAndTheTestGoesOn) {
   });
   Then([&] {
     EXPECT_NEAR(Generator().FreqMHz, form->Engine().Steps()[10].Freq, 1e-6);
-    EXPECT_EQ(TextOf(*Manual(), "lblFreq"), Rows()[11][0]);
-    EXPECT_EQ(Text("lblFreq"), Rows()[11][0]);
+    EXPECT_EQ(TextOf(*Manual(), "lblFreq"), Row(11)[0]);
+    EXPECT_EQ(Text("lblFreq"), Row(11)[0]);
     Bar("scrDbOffset").setValue(15);
     EXPECT_EQ(TextOf(*Manual(), "lblOffset"), "1.5");
   });
@@ -95,8 +95,8 @@ TEST_F(ManualForm, OperatorFindsAThresholdAndTheTestGoesOn) {
   ASSERT_EQ(dialogs.inputs.size(), 1u);
   EXPECT_EQ(dialogs.inputs[0].title, "Threshold Comment");
   EXPECT_EQ(dialogs.inputs[0].prompt, "Enter comments");
-  const RunRow& threshold = Rows()[13];
-  EXPECT_EQ(threshold[0], Rows()[11][0]);
+  const RunRow threshold = Row(13);
+  EXPECT_EQ(threshold[0], Row(11)[0]);
   EXPECT_EQ(threshold[1], "Threshold 1.5dB");
   EXPECT_EQ(threshold[2], "display flickers");
   EXPECT_THAT(m.directory.Read("manual.run"),
@@ -175,7 +175,7 @@ TEST_F(ManualForm, WindowShowsTheStepAndTheLevelThatStand) {
   Then([&] {
     EXPECT_EQ(CurrentRow(), 2);
     EXPECT_EQ(Text("lblStep"), "Step# 3");
-    EXPECT_NEAR(std::stod(Text("lblTestLevel")), std::stod(Rows()[3][2]) - 1.5, 0.051);
+    EXPECT_NEAR(std::stod(Text("lblTestLevel")), std::stod(Row(3)[2]) - 1.5, 0.051);
     Press(*Manual(), "cmdThreshold");
   });
   Then([&] {

@@ -113,7 +113,9 @@ class RunForms : public testing::Test {
   std::function<bool()> AtValue(int step, const char* label) {
     return [this, at = AtStep(step), label] { return at() && Text(label) != "--"; };
   }
-  const std::vector<RunRow>& Rows() const { return form->Engine().Data().Rows(); }
+  const std::vector<RunEntry>& Rows() const { return form->Engine().Data().Entries(); }
+  /// A row as the table shows it, counted from 1.
+  RunRow Row(std::size_t row) const { return CellsOf(Rows().at(row - 1)); }
 
   FakeDialogs dialogs;
   BenchMachine m{dialogs};

@@ -53,7 +53,7 @@ TEST(RunTable, ModelKeepsItsPromisesToViews) {
   RunDataModel model(data);
   const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
   model.RowChanged(data.AddStep(1));
-  model.RowChanged(data.AddThreshold("1.0", 1.5));
+  model.RowChanged(data.AddThreshold(1, 1.5));
   data.SetComment(2, "<b>fails</b>");
   model.RowChanged(2);
   EXPECT_EQ(model.rowCount(), 2);
@@ -61,7 +61,7 @@ TEST(RunTable, ModelKeepsItsPromisesToViews) {
   EXPECT_EQ(model.index(1, 2).data(Qt::ToolTipRole).toString(), "&lt;b&gt;fails&lt;/b&gt;");
   EXPECT_TRUE(model.IsThreshold(1));
   data.Clear();
-  model.RowChanged(-1);
+  model.RowChanged(0);
   EXPECT_EQ(model.rowCount(), 0);
 }
 

@@ -114,7 +114,7 @@ TEST_F(DesktopRun, EscapeInARealBoxHaltsTheRun) {
   Press(run, "cmdRun");
   EXPECT_TRUE(halted);
   EXPECT_FALSE(m->bench.State().Generator.RfOn);
-  EXPECT_EQ(run.Engine().Data().Rows().size(), 2u);
+  EXPECT_EQ(run.Engine().Data().Entries().size(), 1u);
 }
 
 TEST_F(DesktopRun, EndOfTheProgramHaltsTheRunAndKeepsTheQuestionStanding) {

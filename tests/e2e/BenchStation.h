@@ -52,7 +52,11 @@ class BenchStation {
   void Run();
 
   TestDefinition& Test() { return documents.testSetup.Definition; }
-  const std::vector<RunRow>& Rows() const { return engine.Data().Rows(); }
+  const std::vector<RunEntry>& Rows() const { return engine.Data().Entries(); }
+  /// Whether the step of this row, counted from 1, has been completed.
+  bool IsComplete(int row) const {
+    return std::get<StepEntry>(Rows().at(static_cast<std::size_t>(row - 1))).Result.has_value();
+  }
   /// The calibrated test level at a frequency, adjusted as the test has it, dBuV.
   double TargetDbuv(double frequencyMHz);
 

@@ -63,7 +63,7 @@ void ExpectReplayed(BenchStation& station, const std::string& testFile, const st
   station.Test().ConstPeak = station.Test().ModOffBetweenFreqs = false;
   int levelled = 0;
   station.display.onRow = [&](int row) {
-    if (station.Rows()[static_cast<std::size_t>(row)][1].empty()) return;  // the step only begins
+    if (!station.IsComplete(row)) return;  // the step only begins
     ++levelled;
     const BenchState& state = station.bench.State();
     EXPECT_GT(state.TestLevelDbuv, kTargetDbuv) << state.Generator.FreqMHz << " MHz";

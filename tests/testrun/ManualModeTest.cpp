@@ -229,7 +229,7 @@ TEST_F(ManualTest, NoThresholdWhileTheAmplifiersChangeOver) {
     if (!changingOver) return;
     ++asked;
     EXPECT_FALSE(panel.Threshold());
-    rig.engine.Manual().manThresholdClick("2.0", 0);
+    rig.engine.Manual().manThresholdClick(2, 0);
   };
   Run();
   EXPECT_GT(asked, 0);
@@ -300,7 +300,7 @@ TEST_F(ManualTest, ModulationSwitchedOffByHandIsBackForTheNextStep) {
 
 TEST_F(ManualTest, AThresholdIsRecordedBetweenTheStepsWithItsComment) {
   rig.t.dialogs.AnswerInput("display flickers");
-  manual = {[&] { rig.engine.Manual().manThresholdClick("2.0", -1.5F); }};
+  manual = {[&] { rig.engine.Manual().manThresholdClick(2, -1.5F); }};
   Run();
   ASSERT_EQ(rig.Rows().size(), 4U);
   EXPECT_EQ(rig.Rows()[2], "2.0, Threshold -1.5dB, display flickers");
@@ -310,7 +310,7 @@ TEST_F(ManualTest, AThresholdIsRecordedBetweenTheStepsWithItsComment) {
 
 TEST_F(ManualTest, AThresholdWithoutACommentIsKept) {
   rig.t.dialogs.AnswerInput(std::nullopt);
-  manual = {[&] { rig.engine.Manual().manThresholdClick("2.0", 0); }};
+  manual = {[&] { rig.engine.Manual().manThresholdClick(2, 0); }};
   Run();
   EXPECT_EQ(rig.Rows()[2], "2.0, Threshold 0.0dB, ");
 }

@@ -15,7 +15,7 @@ RunData Example() {
   StepResult first{-10.04F, 120.05F, 76.449, 40.1, {}, {}};
   first.Marks.SigGenAtCalibration = true;
   data.FillStep(data.AddStep(0.15), first);
-  data.SetComment(data.AddThreshold("0.15", -1.5), "display, flickers\r\nbadly");
+  data.SetComment(data.AddThreshold(0.15, -1.5), "display, flickers\r\nbadly");
   StepResult second{-8, 120, {}, 42.0, 31.96, {}};
   second.Marks.ForwardCapHeld = second.Marks.PowerAboveTarget = true;
   data.FillStep(data.AddStep(80), second);

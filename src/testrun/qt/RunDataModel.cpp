@@ -9,14 +9,10 @@ namespace {
 
 constexpr int kColumns = static_cast<int>(std::tuple_size_v<RunRow>);
 
-int DataRow(int tableRow) {
-  return tableRow + 1;  // the first is the header
-}
-
 }  // namespace
 
 void RunDataModel::RowChanged(int row) {
-  const int held = static_cast<int>(data_.Rows().size()) - 1;
+  const int held = static_cast<int>(data_.Entries().size());
   if (row == 0 || held < rows_) {
     beginResetModel();
     rows_ = held;
@@ -33,7 +29,7 @@ void RunDataModel::RowChanged(int row) {
 }
 
 bool RunDataModel::IsThreshold(int row) const {
-  return RunData::IsThreshold(data_.Rows()[static_cast<std::size_t>(DataRow(row))]);
+  return hylden::IsThreshold(data_.Entries()[static_cast<std::size_t>(row)]);
 }
 
 int RunDataModel::rowCount(const QModelIndex& parent) const {
@@ -45,19 +41,13 @@ int RunDataModel::columnCount(const QModelIndex& parent) const {
 }
 
 QVariant RunDataModel::data(const QModelIndex& index, int role) const {
-  const auto row = static_cast<std::size_t>(DataRow(index.row()));
-  if (!index.isValid() || row >= data_.Rows().size()) return {};
-  const std::string& cell = data_.Rows()[row][static_cast<std::size_t>(index.column())];
-  switch (role) {
-    case Qt::DisplayRole:
-      return ToQt(cell);
-    case Qt::ToolTipRole:
-      return cell.empty() ? QVariant() : ToQt(cell).toHtmlEscaped();
-    case Qt::TextAlignmentRole:
-      return Alignment(index);
-    default:
-      return {};
-  }
+  const auto row = static_cast<std::size_t>(index.row());
+  if (!index.isValid() || row >= data_.Entries().size()) return {};
+  if (role == Qt::TextAlignmentRole) return Alignment(index);
+  if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
+  const std::string cell = CellsOf(data_.Entries()[row])[static_cast<std::size_t>(index.column())];
+  if (role == Qt::DisplayRole) return ToQt(cell);
+  return cell.empty() ? QVariant() : ToQt(cell).toHtmlEscaped();
 }
 
 QVariant RunDataModel::Alignment(const QModelIndex& index) const {
@@ -67,7 +57,7 @@ QVariant RunDataModel::Alignment(const QModelIndex& index) const {
 
 QVariant RunDataModel::headerData(int section, Qt::Orientation orientation, int role) const {
   if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section >= kColumns) return {};
-  return ToQt(data_.Rows().front()[static_cast<std::size_t>(section)]);
+  return QString::fromLatin1(kRunHeadings[static_cast<std::size_t>(section)]);
 }
 
 }  // namespace hylden

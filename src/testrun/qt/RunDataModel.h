@@ -6,7 +6,7 @@ namespace hylden {
 
 class RunData;
 
-/// The run data as a table: the header row is the header, the steps and thresholds are the rows. A row that is added
+/// The run data as a table, a row for each step and threshold. A row that is added
 /// or changed costs the same however many there are.
 class RunDataModel : public QAbstractTableModel {
   Q_OBJECT

@@ -95,7 +95,7 @@ void frmManual::NoteThreshold() {
   const std::optional<ManualStanding> standing = panel_.Threshold();
   if (!standing) return;
   ShowScroll();
-  emit manThresholdClick(ToQt(Format(standing->Freq, kFreqPattern)), standing->Offset);
+  emit manThresholdClick(standing->Freq, standing->Offset);
 }
 
 void frmManual::ShowScroll() {

@@ -44,7 +44,7 @@ class frmManual : public QWidget {
   void SetSimulated();
 
  signals:
-  void manThresholdClick(const QString& frequencyText, float offsetDb);
+  void manThresholdClick(double frequencyMHz, float offsetDb);
   void manExitClick();
   void manRfOn(bool on);
   void manModOn(bool on);

@@ -94,7 +94,7 @@ class frmRunTest : public WorkingForm, private RunDisplay, private ManualControl
   void buttonform_HaltClick();
   void buttonform_ManualClick();
   void buttonform_exitclick();
-  void manform_manThresholdClick(const QString& frequencyText, float offsetDb);
+  void manform_manThresholdClick(double frequencyMHz, float offsetDb);
   void manform_manRfOn(bool on);
   void manform_manModOn(bool on);
   void manform_manExitClick();

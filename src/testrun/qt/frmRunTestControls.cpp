@@ -203,8 +203,8 @@ void frmRunTest::ManualMod(bool on) {
   if (ManForm) ManForm->SetModOn(on);
 }
 
-void frmRunTest::manform_manThresholdClick(const QString& frequencyText, float offsetDb) {
-  engine_.Manual().manThresholdClick(FromQt(frequencyText), offsetDb);
+void frmRunTest::manform_manThresholdClick(double frequencyMHz, float offsetDb) {
+  engine_.Manual().manThresholdClick(frequencyMHz, offsetDb);
 }
 
 void frmRunTest::manform_manRfOn(bool on) {
