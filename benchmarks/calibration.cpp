@@ -4,7 +4,6 @@
 #include "benchmarks/BenchRun.h"
 #include "calibration/LevelCalibration.h"
 #include "run/RunDisplay.h"
-#include "text/Numbers.h"
 
 namespace hylden {
 namespace {
@@ -32,8 +31,8 @@ class CalibrationRun {
         static_cast<double>(station_.clock.TickMs() - start) < leastMs)
       return false;
     const CalRow& last = calibration_.Rows().back();
-    const CalibrationReading truth = station_.bench.Path().CalibrationPort(ToDouble(last[0]), ToDouble(last[1]));
-    return std::abs(truth.TestLevelDbuv - 140.25) < 0.25 && std::abs(truth.ReverseDbm - ToDouble(last[4])) < 0.25;
+    const CalibrationReading truth = station_.bench.Path().CalibrationPort(last.Freq, last.SigGenLevel);
+    return std::abs(truth.TestLevelDbuv - 140.25) < 0.25 && std::abs(truth.ReverseDbm - last.RevPwr.value_or(0)) < 0.25;
   }
 
  private:

@@ -2,7 +2,7 @@
 #include "app/ConsoleJobs.h"
 #include "app/ConsoleStation.h"
 #include "calibration/LevelCalibration.h"
-#include "documents/clsCalFile.h"
+#include "documents/SaveCal.h"
 #include "run/RunQuestions.h"
 
 namespace hylden {
@@ -63,9 +63,9 @@ bool Connected(ConsoleStation& station) {
 
 /// Prints the rows that are in no record. @return whether there are none
 bool SavedOrPrinted(ConsoleStation& station, const LevelCalibration& calibration) {
-  std::vector<std::vector<std::string>> unsaved;
+  CalRows unsaved;
   for (const CalRow& row : calibration.Rows())
-    if (!calibration.RowsSaved() || !IsComplete(row)) unsaved.emplace_back(row.begin(), row.end());
+    if (!calibration.RowsSaved() || !row.Complete) unsaved.push_back(row);
   if (!unsaved.empty()) station.PrintUnsaved(CalDataText(unsaved));
   return unsaved.empty();
 }

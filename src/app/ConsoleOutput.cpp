@@ -4,7 +4,7 @@
 #include <system_error>
 
 #include "documents/Documents.h"
-#include "documents/clsCalFile.h"
+#include "documents/SaveCal.h"
 #include "text/TextFile.h"
 
 namespace hylden {

@@ -1,12 +1,10 @@
 #include "calibration/LevelCalibration.h"
 
-#include <algorithm>
 #include <filesystem>
 
 #include "calibration/FrequencyPlan.h"
 #include "calibration/WarbleAlarm.h"
 #include "documents/Documents.h"
-#include "documents/clsCalFile.h"
 #include "instruments/Instruments.h"
 #include "platform/FlagRaised.h"
 #include "run/FactorLoading.h"
@@ -16,18 +14,6 @@
 #include "text/Numbers.h"
 
 namespace hylden {
-
-namespace {
-
-/// The range that rows cover, as a record's description has it.
-std::string RangeOf(const std::vector<std::vector<std::string>>& rows) {
-  if (rows.empty()) return {};
-  const auto [lowest, highest] = std::minmax_element(
-      rows.begin(), rows.end(), [](const auto& a, const auto& b) { return FrequencyOf(a) < FrequencyOf(b); });
-  return FreqRangeText(FrequencyOf(*lowest), FrequencyOf(*highest));
-}
-
-}  // namespace
 
 LevelCalibration::LevelCalibration(Shell& shell, Instruments& instruments, Documents& documents, RunDisplay& display)
     : shell_(shell),
@@ -228,7 +214,7 @@ bool LevelCalibration::Save() {
   const auto path = shell_.dialogs.SaveFile({"Enter Calibration Filename", "Calibration File (*.cal)|*.cal",
                                              shell_.settings.GetDataDir(datakind::kCalibrations)});
   if (!path || !MayReplaceInfo(*path)) return false;
-  const auto rows = CompleteRows(rows_);
+  const CalRows rows = CompleteRows(rows_);
   const bool wholePlan = rows.size() >= plan_.size();
   CalInfoRec info = CalInfoOf(setup_);
   if (!wholePlan) info.FreqRange = RangeOf(rows);

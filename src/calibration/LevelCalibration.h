@@ -6,6 +6,7 @@
 
 #include "calibration/LevelRules.h"
 #include "documents/CalSetupRecord.h"
+#include "documents/SaveCal.h"
 #include "measure/InterpClass.h"
 #include "run/ElapsedTime.h"
 #include "run/ForwardSensor.h"
@@ -55,7 +56,7 @@ class LevelCalibration {
   const CalSetupRecord& Setup() const { return setup_; }
   const std::vector<double>& Frequencies() const { return plan_; }
   /// One row for each frequency recorded, in order.
-  const std::vector<CalRow>& Rows() const { return rows_; }
+  const CalRows& Rows() const { return rows_; }
 
  private:
   /// What is known at one frequency.
@@ -106,7 +107,7 @@ class LevelCalibration {
   bool Usable(double reading, const std::string& whyNot);
   bool ChangeLevel(double stepDb);
   bool Record();
-  bool ReadReversePower(double excessDb, std::string& cell);
+  bool ReadReversePower(double excessDb, CalRow& row);
   /// RF off, then the message; false.
   bool Fail(const std::string& text);
 
@@ -123,7 +124,7 @@ class LevelCalibration {
   CalSetupRecord setup_;  ///< as it was when the run was prepared, with the range planned
   double couplingFactor_ = 0;
   std::vector<double> plan_;
-  std::vector<CalRow> rows_;
+  CalRows rows_;
   Point point_;
   float sigGenLevel_ = 0;  ///< dBm
   bool ready_ = false;

@@ -9,23 +9,8 @@
 #include "run/RunDisplay.h"
 #include "run/UsableReading.h"
 #include "shell/Shell.h"
-#include "text/Pattern.h"
 
 namespace hylden {
-
-namespace {
-
-constexpr const char* kNotRecorded = "na";
-
-std::string& Cell(CalRow& row, CalGridColumn column) {
-  return row[static_cast<std::size_t>(column)];
-}
-
-std::string PowerText(double powerDbm) {
-  return Format(powerDbm, "##0.00");
-}
-
-}  // namespace
 
 bool LevelCalibration::CalibratePoint(double frequencyMHz) {
   point_ = {};
@@ -152,32 +137,26 @@ bool LevelCalibration::Record() {
   // A test could not replay it.
   if (levelDbm > double{instruments_.sigGen.MaximumLevel()})
     return Fail("The level found is above the signal generator's maximum level, check setup");
-  CalRow& row = rows_.emplace_back();
+  CalRow& row = rows_.emplace_back(CalRow{point_.Freq, levelDbm, point_.Target});
   const int number = static_cast<int>(rows_.size());
-  Cell(row, CalGridColumn::Freq) = Format(point_.Freq, "0.0#####");
-  Cell(row, CalGridColumn::SigGen) = Format(levelDbm, "###0.000");
-  Cell(row, CalGridColumn::TestLevel) = Format(point_.Target, "##0.00");
-  Cell(row, CalGridColumn::FwdPwr) = point_.ForwardDbm ? PowerText(*point_.ForwardDbm - excessDb) : kNotRecorded;
+  if (point_.ForwardDbm) row.FwdPwr = *point_.ForwardDbm - excessDb;
+  row.Complete = !setup_.RecordsReverse();
   display_.RowChanged(number);
-  if (!ReadReversePower(excessDb, Cell(row, CalGridColumn::RevPwr))) return false;
+  if (!row.Complete && !ReadReversePower(excessDb, row)) return false;
   display_.RowChanged(number);
   // The correction never takes the next frequency above the highest level allowed.
   sigGenLevel_ = std::min(static_cast<float>(levelDbm), setup_.MaxLevel);
   return true;
 }
 
-bool LevelCalibration::ReadReversePower(double excessDb, std::string& cell) {
-  if (!setup_.RecordsReverse()) {
-    cell = kNotRecorded;
-    return true;
-  }
+bool LevelCalibration::ReadReversePower(double excessDb, CalRow& row) {
   if (!documents_.equip.Record.Is(AmpConfig::DualFwdRev))
     return Fail("Equipment file says power meter not configured for reverse power readings.");
   const double reading = instruments_.pm.ReadPower(2);
   // RF that went off meanwhile, when the program had to end, left nothing to be read.
   if (instruments_.sigGen.RfState() != Rf::On || !Usable(reading, WhyNoReading(instruments_.pm, reading))) return false;
-  cell = IsMissing(reading) ? kNotRecorded : PowerText(reading + point_.ReverseFactor - excessDb);
-  return true;
+  if (!IsMissing(reading)) row.RevPwr = reading + point_.ReverseFactor - excessDb;
+  return row.Complete = true;
 }
 
 bool LevelCalibration::Fail(const std::string& text) {

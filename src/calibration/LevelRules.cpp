@@ -1,6 +1,5 @@
 #include "calibration/LevelRules.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include "documents/CalSetupRecord.h"
@@ -38,17 +37,6 @@ bool Convergence::GoesOn(double stepDb) {
   if (stepDb * lastStepDb_ < 0) ++turns_;
   lastStepDb_ = stepDb;
   return ++tries_ < kMostTries && turns_ < kMostTurns;
-}
-
-bool IsComplete(const CalRow& row) {
-  return std::none_of(row.begin(), row.end(), [](const std::string& cell) { return cell.empty(); });
-}
-
-std::vector<std::vector<std::string>> CompleteRows(const std::vector<CalRow>& rows) {
-  std::vector<std::vector<std::string>> complete;
-  for (const CalRow& row : rows)
-    if (IsComplete(row)) complete.emplace_back(row.begin(), row.end());
-  return complete;
 }
 
 }  // namespace hylden

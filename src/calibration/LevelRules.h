@@ -1,10 +1,6 @@
 #pragma once
 
-#include <array>
-#include <cstddef>
 #include <optional>
-#include <string>
-#include <vector>
 
 namespace hylden {
 
@@ -47,17 +43,5 @@ class Convergence {
   int tries_ = 0, turns_ = 0;
   double lastStepDb_ = 0;
 };
-
-/// The columns of the calibration grid.
-enum class CalGridColumn : std::size_t { Freq = 0, SigGen = 1, TestLevel = 2, FwdPwr = 3, RevPwr = 4 };
-/// A row of the grid: a calibrated frequency as the window shows it and the record keeps it. A cell is empty until it
-/// has been measured.
-using CalRow = std::array<std::string, 5>;
-inline constexpr std::array<const char*, 5> kCalHeadings = {"Freq MHz", "SG,dBm", "Lev dBuv", "FPwr dBm", "RPwr dBm"};
-
-/// Whether every cell was measured.
-bool IsComplete(const CalRow& row);
-/// The rows that a calibration record can be made of: the complete ones.
-std::vector<std::vector<std::string>> CompleteRows(const std::vector<CalRow>& rows);
 
 }  // namespace hylden

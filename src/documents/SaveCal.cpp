@@ -1,16 +1,20 @@
+#include "documents/SaveCal.h"
+
 #include <algorithm>
+#include <iterator>
 
 #include "documents/CalInfo.h"
-#include "documents/clsCalFile.h"
+#include "documents/CalSetup.h"
 #include "shell/Shell.h"
 #include "text/Numbers.h"
+#include "text/Pattern.h"
 #include "text/RecordFile.h"
 
 namespace hylden {
 namespace {
 
 constexpr std::string_view kDataEnding = ".cal";
-constexpr std::size_t kColumns = 5;
+constexpr const char* kNotRecorded = "na";
 
 bool HasDataEnding(const std::string& name) {
   if (name.size() < kDataEnding.size()) return false;
@@ -18,17 +22,43 @@ bool HasDataEnding(const std::string& name) {
                     [](char wanted, char c) { return (c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c) == wanted; });
 }
 
-}  // namespace
-
-double FrequencyOf(const std::vector<std::string>& row) {
-  return row.empty() ? 0 : LeadingNumber(row.front());
+std::string PowerText(const std::optional<double>& powerDbm) {
+  return powerDbm ? Format(*powerDbm, "##0.00") : kNotRecorded;
 }
 
-std::string CalDataText(const std::vector<std::vector<std::string>>& rows) {
+bool IsLower(const CalRow& a, const CalRow& b) {
+  return a.Freq < b.Freq;
+}
+
+/// As the data file has it.
+double RecordedFreq(const CalRow& row) {
+  return LeadingNumber(CellsOf(row).front());
+}
+
+}  // namespace
+
+std::array<std::string, 5> CellsOf(const CalRow& row) {
+  return {Format(row.Freq, "0.0#####"), Format(row.SigGenLevel, "###0.000"), Format(row.TestLevel, "##0.00"),
+          PowerText(row.FwdPwr), row.Complete ? PowerText(row.RevPwr) : std::string()};
+}
+
+CalRows CompleteRows(const CalRows& rows) {
+  CalRows complete;
+  std::copy_if(rows.begin(), rows.end(), std::back_inserter(complete), [](const CalRow& row) { return row.Complete; });
+  return complete;
+}
+
+std::string RangeOf(const CalRows& rows) {
+  if (rows.empty()) return {};
+  const auto [lowest, highest] = std::minmax_element(rows.begin(), rows.end(), IsLower);
+  return FreqRangeText(RecordedFreq(*lowest), RecordedFreq(*highest));
+}
+
+std::string CalDataText(const CalRows& rows) {
   std::vector<std::string> lines;
-  for (const std::vector<std::string>& row : rows) {
+  for (const CalRow& row : rows) {
     std::string line;
-    for (std::size_t column = 0; column < kColumns; ++column) line += (column < row.size() ? row[column] : "") + ",";
+    for (const std::string& cell : CellsOf(row)) line += cell + ",";
     lines.push_back(std::move(line));
   }
   return JoinLines(lines);
@@ -39,8 +69,7 @@ std::optional<std::string> InfoFileBeside(const std::string& dataFileName) {
   return dataFileName.substr(0, dataFileName.size() - kDataEnding.size()) + ".hyinfo";
 }
 
-bool SaveCal(Shell& shell, const std::string& dataFileName, const std::vector<std::vector<std::string>>& rows,
-             const CalInfoRec& info) {
+bool SaveCal(Shell& shell, const std::string& dataFileName, const CalRows& rows, const CalInfoRec& info) {
   if (rows.size() < 2) {
     shell.dialogs.Tell("No data to save");
     return false;
@@ -52,9 +81,8 @@ bool SaveCal(Shell& shell, const std::string& dataFileName, const std::vector<st
     return false;
   }
   // A list may be visited in any order; a record is looked up in rising frequency.
-  std::vector<std::vector<std::string>> rising = rows;
-  std::stable_sort(rising.begin(), rising.end(),
-                   [](const auto& a, const auto& b) { return FrequencyOf(a) < FrequencyOf(b); });
+  CalRows rising = rows;
+  std::stable_sort(rising.begin(), rising.end(), IsLower);
   const std::string* current = &dataFileName;
   try {
     // The two belong together: neither is replaced unless both can be written.

@@ -10,7 +10,6 @@ namespace hylden {
 
 class LineReader;
 class Shell;
-struct CalInfoRec;
 
 /// One calibrated frequency: MHz, dBm, dBuV, dBm, dBm; a power that was not recorded is -999.
 struct CalPoint {
@@ -61,22 +60,5 @@ class clsCalFile {
   std::vector<CalPoint> points_;
   std::size_t cursor_ = 0;
 };
-
-/// The frequency of a row of the run's grid, MHz.
-double FrequencyOf(const std::vector<std::string>& row);
-
-/// The data file's text for rows of five cells; an empty cell stays empty.
-std::string CalDataText(const std::vector<std::vector<std::string>>& rows);
-
-/// The info file that lies beside a record's data file; nothing where its name doesn't end with ".cal".
-std::optional<std::string> InfoFileBeside(const std::string& dataFileName);
-
-/// Writes a calibration record: the data file, one line per row as the run's grid shows it, in rising frequency, and
-/// the info file beside it.
-/// @param dataFileName  ends with ".cal"
-/// @param rows  the grid's rows without its heading, five cells each; fewer than two: "No data to save"
-/// @return false after a message
-bool SaveCal(Shell& shell, const std::string& dataFileName, const std::vector<std::vector<std::string>>& rows,
-             const CalInfoRec& info);
 
 }  // namespace hylden

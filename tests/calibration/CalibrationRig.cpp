@@ -32,7 +32,7 @@ std::vector<std::string> CalibrationRig::Rows() const {
   std::vector<std::string> rows;
   for (const CalRow& row : level.Rows()) {
     std::string& text = rows.emplace_back();
-    for (const std::string& cell : row) text += cell + ",";
+    for (const std::string& cell : CellsOf(row)) text += cell + ",";
   }
   return rows;
 }

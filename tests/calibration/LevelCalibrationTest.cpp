@@ -62,7 +62,7 @@ TEST_F(LevelCalibrationTest, ThePhysicsIsNotFollowed) {
   rig.Run();
   EXPECT_EQ(rig.level.Outcome(), RunOutcome::Finished);
   // 120.25 = level + 131.9 + 1 + 3.1
-  for (const CalRow& row : rig.level.Rows()) EXPECT_NEAR(std::stod(row[1]), -15.75, 0.051) << row[0];
+  for (const CalRow& row : rig.level.Rows()) EXPECT_NEAR(row.SigGenLevel, -15.75, 0.051) << row.Freq;
   // The reference level is the reading expected: 120 - 1 - 3.1, and 2 dB of margin.
   EXPECT_THAT(rig.Sent(13), testing::Contains("RL 117.9 DB"));
 }
@@ -72,7 +72,7 @@ TEST_F(LevelCalibrationTest, TheLevelCurveIsNotFollowed) {
   rig.setup.LimitFile = rig.t.directory.Write("curve.lev", "1 1\r\n4 3\r\n");
   rig.Run();
   std::vector<std::string> targets;
-  for (const CalRow& row : rig.level.Rows()) targets.push_back(row[2]);
+  for (const CalRow& row : rig.level.Rows()) targets.push_back(CellsOf(row)[2]);
   EXPECT_THAT(targets, ElementsAre("120.00", "126.02", "129.54"));
 }
 
@@ -201,7 +201,7 @@ TEST_F(LevelCalibrationTest, AHaltIsOverheardOrRaisesTheLevel) {
 TEST_F(LevelCalibrationTest, TheMiddleOfTheBandTakesTheNextFrequencyAboveTheHighestLevel) {
   rig.setup.MaxLevel = -9.9F;
   rig.RunWithLevels({120.05});  // the middle is at -9.8 dBm
-  EXPECT_EQ(rig.level.Rows().front()[1], "-9.800");
+  EXPECT_EQ(CellsOf(rig.level.Rows().front())[1], "-9.800");
   for (const double levelDbm : rig.display.All(Readout::SigGenLevel)) EXPECT_LE(levelDbm, -9.9 + 1e-6);
 }
 

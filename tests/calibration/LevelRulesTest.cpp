@@ -60,12 +60,6 @@ TEST(ConvergenceTest, AnEndlessSearchIsNotEnded) {
   EXPECT_FALSE(noNumber.GoesOn(std::numeric_limits<double>::quiet_NaN()));
 }
 
-TEST(CompleteRowsTest, ARowWithAnEmptyCellReachesTheRecord) {
-  const auto rows = CompleteRows({{"1", "2", "3", "4", "5"}, {"1", "2", "3", "4", ""}, {"2", "2", "3", "na", "na"}});
-  ASSERT_EQ(rows.size(), 2U);
-  EXPECT_EQ(rows[1], (std::vector<std::string>{"2", "2", "3", "na", "na"}));
-}
-
 TEST(WarbleAlarmTest, TheAlarmIsAnotherOne) {
   FakeSpeaker speaker;
   WarbleAlarm(speaker);

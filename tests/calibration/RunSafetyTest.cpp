@@ -47,7 +47,7 @@ TEST_F(RunSafetyTest, APowerReadAfterRfWentOffIsRecorded) {
   };
   rig.Run();
   ASSERT_EQ(rig.Rows().size(), 3U);
-  EXPECT_EQ(rig.level.Rows()[2][4], "");
+  EXPECT_EQ(CellsOf(rig.level.Rows()[2])[4], "");
   EXPECT_EQ(CompleteRows(rig.level.Rows()).size(), 2U);
 }
 

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "documents/CalInfo.h"
+#include "documents/SaveCal.h"
 #include "documents/clsCalFile.h"
 #include "support/FieldChanger.h"
 #include "support/TestShell.h"
@@ -11,8 +12,6 @@
 
 namespace hylden {
 namespace {
-
-using Rows = std::vector<std::vector<std::string>>;
 
 const CalInfoRec kInfo{"BCI, 10 V", "Amp \"A\"", "CDN-M2", "10v", "0.15 - 80", 1};
 
@@ -28,7 +27,7 @@ class CalRecordTest : public testing::Test {
 };
 
 TEST_F(CalRecordTest, ASavedRecordReadsBackDifferently) {
-  const Rows rows{{"0.15", "-12.345", "129.54", "33.10", "na"}, {"80.0", "-10.000", "130.00", "na", "20.00"}};
+  const CalRows rows{{0.15, -12.345, 129.54, 33.1}, {80, -10, 130, {}, 20}};
   ASSERT_TRUE(SaveCal(t.shell, t.directory.File("Run 1.cal"), rows, kInfo));
   EXPECT_EQ(t.directory.Read("Run 1.cal"), "0.15,-12.345,129.54,33.10,na,\r\n80.0,-10.000,130.00,na,20.00,\r\n");
   EXPECT_EQ(t.directory.Read("Run 1.hyinfo"), "BCI, 10 V\r\nAmp \"A\"\r\nCDN-M2\r\n10v\r\n0.15 - 80\r\n 1 \r\n");
@@ -46,7 +45,7 @@ TEST_F(CalRecordTest, ASavedRecordReadsBackDifferently) {
 }
 
 TEST_F(CalRecordTest, AFieldOfTheInfoIsLostOrMoved) {
-  const Rows rows{{"1", "0", "1", "na", "na"}, {"2", "0", "1", "na", "na"}};
+  const CalRows rows{{1, 0, 1}, {2, 0, 1}};
   CalInfo calInfo(t.shell);
   for (int field = 0; field < FieldCount(kInfo); ++field) {
     const CalInfoRec changed = WithChangedField(kInfo, field);
@@ -57,13 +56,13 @@ TEST_F(CalRecordTest, AFieldOfTheInfoIsLostOrMoved) {
 }
 
 TEST_F(CalRecordTest, AFailedSaveCostsTheRecordThatWasThere) {
-  const Rows one{{"1", "0", "1", "na", "na"}};
+  const CalRows one{{1, 0, 1}};
   t.directory.Write("x.cal", "kept");
   EXPECT_FALSE(SaveCal(t.shell, t.directory.File("x.cal"), one, kInfo));
   EXPECT_EQ(t.dialogs.LastText(), "No data to save");
   EXPECT_EQ(t.directory.Read("x.cal"), "kept");
 
-  const Rows two{one[0], one[0]};
+  const CalRows two{one[0], one[0]};
   EXPECT_FALSE(SaveCal(t.shell, t.directory.File("x.dat"), two, kInfo));
   EXPECT_FALSE(t.directory.Exists("x.dat"));
 

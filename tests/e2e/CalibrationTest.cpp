@@ -40,14 +40,13 @@ void WatchBand(BenchStation& station, int& recorded) {
 /// The recorded generator level brings the port into the tolerance band, and the powers are those seen there.
 void ExpectTrueRecord(const BenchStation& station) {
   for (const CalRow& row : station.level.Rows()) {
-    const double frequency = std::stod(row[0]);
     const CalibrationReading truth =
-        station.bench.Path().CalibrationPort(frequency, std::stod(row[1]), AmplifierAt(station, frequency));
-    EXPECT_GT(truth.TestLevelDbuv, kTargetDbuv) << row[0] << " MHz";
-    EXPECT_LT(truth.TestLevelDbuv, kTargetDbuv + kToleranceDb) << row[0] << " MHz";
-    EXPECT_NEAR(truth.ForwardDbm, std::stod(row[3]), 0.25) << row[0] << " MHz";
-    if (row[4] != "na") {
-      EXPECT_NEAR(truth.ReverseDbm, std::stod(row[4]), 0.25) << row[0] << " MHz";
+        station.bench.Path().CalibrationPort(row.Freq, row.SigGenLevel, AmplifierAt(station, row.Freq));
+    EXPECT_GT(truth.TestLevelDbuv, kTargetDbuv) << row.Freq << " MHz";
+    EXPECT_LT(truth.TestLevelDbuv, kTargetDbuv + kToleranceDb) << row.Freq << " MHz";
+    EXPECT_NEAR(truth.ForwardDbm, row.FwdPwr.value_or(kNoValue), 0.25) << row.Freq << " MHz";
+    if (row.RevPwr) {
+      EXPECT_NEAR(truth.ReverseDbm, *row.RevPwr, 0.25) << row.Freq << " MHz";
     }
   }
 }

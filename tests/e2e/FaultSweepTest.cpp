@@ -46,7 +46,10 @@ std::vector<std::string> CompletedSteps(const BenchStation& station) {
 
 std::vector<std::string> CalibratedRows(const BenchStation& station) {
   std::vector<std::string> rows;
-  for (const auto& cells : CompleteRows(station.level.Rows())) rows.push_back(Joined(cells));
+  for (const CalRow& row : CompleteRows(station.level.Rows())) {
+    const auto cells = CellsOf(row);
+    rows.push_back(Joined({cells.begin(), cells.end()}));
+  }
   return rows;
 }
 

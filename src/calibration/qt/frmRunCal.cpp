@@ -12,8 +12,8 @@ frmRunCal::frmRunCal(Shell& shell, Instruments& instruments, Documents& document
     : CalibrationWindow(shell, instruments.sigGen, parent),
       ui_(std::make_unique<Ui::frmRunCal>()),
       calibration_(shell, instruments, documents, *this),
-      table_({kCalHeadings.begin(), kCalHeadings.end()}, [this](std::size_t row, std::size_t column) {
-        return row < calibration_.Rows().size() ? calibration_.Rows()[row][column] : std::string();
+      table_({"Freq MHz", "SG,dBm", "Lev dBuv", "FPwr dBm", "RPwr dBm"}, [this](std::size_t row, std::size_t column) {
+        return row < calibration_.Rows().size() ? CellsOf(calibration_.Rows()[row])[column] : std::string();
       }) {
   ui_->setupUi(this);
   testLevelTip_ = ui_->lblTestLevel->toolTip();
