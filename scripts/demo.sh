@@ -3,27 +3,29 @@
 # a demo test loaded; what is changed there stays.
 # Without one (or with --console): takes a copy of the demo station through its whole work on the bench, on a virtual
 # clock: measures the meter's cable, calibrates the levels with it and with the IFI amplifiers, and runs every test on
-# these records. Leaves the files and a table of what was applied in build/demo/, and takes pictures of the windows.
+# these records. Leaves the files and a table of what was applied in build/demo/, and takes pictures of the windows
+# (unless --console --no-pictures). HYLDEN_PRESET names another build than dev.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$PWD
 scripts/setup.sh
+preset=${HYLDEN_PRESET:-dev}
 
 out=$root/build/demo
 mkdir -p "$out"
-cmake --preset dev >/dev/null
+cmake --preset "$preset" >/dev/null
 
 if [ "${1:-}" != --console ] && [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
-  cmake --build --preset dev --target hylden
+  cmake --build --preset "$preset" --target hylden
   mkdir -p "$out/home" "$out/desk"
   cp -ru examples/station/. "$out/desk"
   scripts/demo-settings.sh "$out/desk" >"$out/home/Hylden.ini"
   cp help/hylden.md "$out/home/hylden.hlp"
   cd "$out/desk"
-  HYLDEN_HOME=$out/home exec "$root/build/dev/bin/hylden" "/e:station.eqp" "/t:forward-power-constant-peak.tst"
+  HYLDEN_HOME=$out/home exec "$root/build/$preset/bin/hylden" "/e:station.eqp" "/t:forward-power-constant-peak.tst"
 fi
 
-cmake --build --preset dev --target hylden-run
+cmake --build --preset "$preset" --target hylden-run
 
 # the station of each calibration and test; the others are on station.eqp
 declare -A station=([ifi-10v]=ifi-station.eqp [ifi-band-change]=ifi-station.eqp)
@@ -33,7 +35,7 @@ run() {
   local name=$1
   shift
   echo "== $name"
-  "$root/build/dev/bin/hylden-run" --equipment "${station[$name]:-station.eqp}" --bench bench.txt --virtual-time --yes \
+  "$root/build/$preset/bin/hylden-run" --equipment "${station[$name]:-station.eqp}" --bench bench.txt --virtual-time --yes \
     "$@" | tee "$name.log" | grep -vE '^step ' || true
   grep -q '^Finished: ' "$name.log" || { echo "demo: $name did not finish" >&2; exit 1; }
 }
@@ -64,4 +66,4 @@ for test in *.tst; do
 done
 printf '\n%s\n\nCable loss, calibration records and run data: build/demo/station\n' "$table"
 cd "$root"
-scripts/pictures.sh
+[ "${2:-}" = --no-pictures ] || scripts/pictures.sh

@@ -6,7 +6,7 @@ packages=(
   g++ cmake ninja-build ccache git python3
   libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev
   qt6-base-dev xvfb xauth poppler-utils fonts-dejavu-core fonts-liberation
-  clang-format
+  clang-format clang-tidy
 )
 
 missing=()
@@ -17,7 +17,10 @@ done
 
 as_root=()
 if [ "$(id -u)" -ne 0 ]; then
-  command -v sudo >/dev/null || { echo "setup: run as root, or install sudo" >&2; exit 1; }
+  command -v sudo >/dev/null || {
+    echo "setup: missing: ${missing[*]}; install them as root: apt-get install ${missing[*]}" >&2
+    exit 1
+  }
   as_root=(sudo)
 fi
 echo "setup: installing ${missing[*]}"

@@ -42,8 +42,8 @@ void LoadNamedTest(Shell& shell, StartUpSteps& steps, const std::string& path) {
 
 }  // namespace
 
-std::string VersionTitle(int major, int minor) {
-  return "Hylden " + std::to_string(major) + "." + std::to_string(minor);
+std::string VersionTitle() {
+  return "Hylden " + std::to_string(HYLDEN_MAJOR) + "." + std::to_string(HYLDEN_MINOR);
 }
 
 std::string HelpFilePath(std::string_view programDirectory) {

@@ -8,13 +8,11 @@ namespace hylden {
 
 class Shell;
 
-inline constexpr int kMajorVersion = 1, kMinorVersion = 1;
-
 /// What a second instance on one computer says.
 inline constexpr const char* kAnotherInstanceText = "This application is already running on this computer";
 
 /// "Hylden 1.1": the caption of the main menu.
-std::string VersionTitle(int major = kMajorVersion, int minor = kMinorVersion);
+std::string VersionTitle();
 
 /// The help file's full path in the program directory.
 std::string HelpFilePath(std::string_view programDirectory);
