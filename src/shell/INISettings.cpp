@@ -29,7 +29,7 @@ Value INISettings::Guarded(Value fallback, Read read) {
   try {
     fallback = read();
   } catch (const SettingError& error) {
-    Remember(unreadable_, "The settings can't be read; the program goes on with its defaults.\r\n" + store_.Path() +
+    Remember(unreadable_, "The settings can't be read; the program goes on with its defaults.\r\n" + store_.PathRead() +
                               "\r\n" + error.Description());
   }
   TellTroubles();

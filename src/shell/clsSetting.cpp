@@ -116,10 +116,25 @@ std::string clsSetting::Path() {
   return SettingsPath(programDirectory_, applicationName_);
 }
 
+std::string clsSetting::PathRead() {
+  const std::string own = Path();
+  if (commonDirectory_.empty() || !IsMissing(own)) return own;
+  const std::string common = SettingsPath(commonDirectory_, applicationName_);
+  return IsMissing(common) ? own : common;
+}
+
 std::string clsSetting::Text() {
-  std::string path = Path();
-  if (IsMissing(path) && !commonDirectory_.empty()) path = SettingsPath(commonDirectory_, applicationName_);
+  const std::string path = PathRead();
   return IsMissing(path) ? std::string() : ReadFileBytes(path);
+}
+
+std::string clsSetting::TextToChange() {
+  try {
+    return Text();
+  } catch (const RuntimeError&) {
+    if (PathRead() == Path()) throw;
+    return {};  // the user's own settings begin without the common ones
+  }
 }
 
 bool clsSetting::Fits(std::string_view value) {
@@ -165,7 +180,7 @@ bool clsSetting::SaveSettingInt(const std::string& section, const std::string& k
 
 bool clsSetting::Write(const std::string& section, const std::string& key, const std::string& value) {
   try {
-    ReplaceFile(Path(), profile::WithValue(Text(), section, key, value));
+    ReplaceFile(Path(), profile::WithValue(TextToChange(), section, key, value));
     return true;
   } catch (const RuntimeError&) {
     return false;  // the file is as it was

@@ -35,7 +35,7 @@ class clsSetting {
 
   /// @param programDirectory  where the file lies, without a trailing separator
   /// @param commonDirectory  where a file lies that is read as long as there is none in the program directory, and
-  /// taken over into it by the first write; may be empty
+  /// taken over into it by the first write, where it can be read; may be empty
   clsSetting(std::string programDirectory, std::string programName, std::string commonDirectory = {});
 
   /// 1: settings live in the file; 0: in a per-user store. The program only ever uses 1, and keeps no other store: the
@@ -55,12 +55,16 @@ class clsSetting {
   void DeleteKey(const std::string& section, const std::string& key);
   /// The settings file; initialises the object when nobody has.
   std::string Path();
+  /// The file that is read at present: the one in the common directory as long as there is no other.
+  std::string PathRead();
   /// Whether a value comes back whole.
   static bool Fits(std::string_view value);
 
  private:
   /// The bytes of the settings; empty when there is no file.
   std::string Text();
+  /// The bytes that a write begins with; a common file that can't be read does not hold it up.
+  std::string TextToChange();
   bool Write(const std::string& section, const std::string& key, const std::string& value);
 
   std::string programDirectory_;

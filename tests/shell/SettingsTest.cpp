@@ -210,6 +210,27 @@ TEST_F(SettingsTest, TheAdministratorsSettingsServeAUserUntilTheFirstWrite) {
   EXPECT_EQ(directory_.Read("bin/hylden.ini"), common);
 }
 
+TEST_F(SettingsTest, TheAdministratorsSettingsThatCannotBeReadAreNamedAndBlockNoWrite) {
+  directory_.Write("bin/Hylden.ini/inside", "x");  // a directory of that name
+  Directories directories(directory_.File("user"));
+  directories.Common = directory_.File("bin");
+  std::filesystem::create_directories(directories.Program);
+  INISettings settings(directories);
+  std::vector<std::string> told;
+  settings.onTrouble = [&](const std::string& text) {
+    told.push_back(text);
+    return true;
+  };
+  EXPECT_EQ(settings.GetDefaultEquipFile(), "");
+  ASSERT_EQ(told.size(), 1U);
+  EXPECT_TRUE(told[0].starts_with("The settings can't be read; the program goes on with its defaults.\r\n" +
+                                  directory_.File("bin/Hylden.ini") + "\r\n"))
+      << told[0];
+  settings.SaveDefaultEquipFile("/lab/b.eqp");
+  EXPECT_EQ(settings.GetDefaultEquipFile(), "/lab/b.eqp");
+  EXPECT_EQ(told.size(), 1U);
+}
+
 TEST_F(SettingsTest, AnEquipmentFileBesideTheSettingsIsFound) {
   const std::string file = directory_.Write("lab.eqp", "");
   directory_.Write("Hylden.ini", "[Equip]\nFile=lab.eqp\n");
