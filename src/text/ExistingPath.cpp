@@ -91,6 +91,15 @@ std::string PathNamedIn(const std::string& namingFile, const std::string& name) 
   return Exists(ExistingPath(beside)) ? beside : name;
 }
 
+std::string FullPath(const std::string& path) {
+  if (path.empty() || IsAbsolute(path)) return path;
+  std::error_code failed;
+  const fs::path working = fs::current_path(failed);
+  std::string slashed = path;
+  std::replace(slashed.begin(), slashed.end(), '\\', '/');
+  return failed ? path : (working / slashed).lexically_normal().string();
+}
+
 std::string DirectoryOf(const std::string& path) {
   return path.substr(0, path.find_last_of("/\\") + 1);
 }

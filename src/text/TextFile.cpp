@@ -64,18 +64,18 @@ bool IsFolder(const std::string& path) {
   return fs::is_directory(path, ignored);
 }
 
-/// Opening it would wait for somebody at the other end.
-bool IsPipe(const std::string& path) {
+/// Reading a pipe or a terminal would wait for somebody at the other end.
+bool IsNoOrdinaryFile(const std::string& path) {
   std::error_code ignored;
-  const fs::file_type type = fs::status(path, ignored).type();
-  return type == fs::file_type::fifo || type == fs::file_type::socket;
+  const fs::file_status status = fs::status(path, ignored);
+  return fs::exists(status) && !fs::is_regular_file(status);
 }
 
 File OpenForReading(const std::string& path) {
-  if (IsFolder(path) || IsPipe(path)) Fail(ErrorNumber::PathFileAccessError);
+  if (IsNoOrdinaryFile(path)) Fail(ErrorNumber::PathFileAccessError);
   File file(std::fopen(path.c_str(), "rb"));
   if (file) {
-    std::error_code unknown;  // a device has no size
+    std::error_code unknown;
     if (const auto size = fs::file_size(path, unknown); !unknown && size > kLargestFile)
       Fail(ErrorNumber::PathFileAccessError);
     return file;

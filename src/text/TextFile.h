@@ -17,7 +17,7 @@ std::string EncodeWindows1252(std::string_view utf8);
 
 /// The file's bytes. The path falls back to a match without regard to case (see ExistingPath).
 /// @throws RuntimeError FileNotFound, PathNotFound, DeviceIoError (a read that fails), PathFileAccessError (a
-/// directory, a pipe, no permission, more than 256 MiB)
+/// directory, a pipe, a device, no permission, more than 256 MiB)
 std::string ReadFileBytes(const std::string& path);
 
 /// The file's text as UTF-8, without the end-of-file character of DOS at its end.
@@ -86,6 +86,10 @@ std::string ExistingPath(const std::string& path);
 /// Where a file is that another file names. A relative name that leads nowhere from the working directory is looked for
 /// beside the file that names it. @return the name itself where it exists, or is found in neither place
 std::string PathNamedIn(const std::string& namingFile, const std::string& name);
+
+/// The path from the root of the machine, with "/" between its parts where it was relative: such a one begins in the
+/// working directory.
+std::string FullPath(const std::string& path);
 
 /// The directory of a path, with the separator at its end; empty when the path has none.
 std::string DirectoryOf(const std::string& path);
