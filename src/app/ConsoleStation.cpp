@@ -153,7 +153,7 @@ bool ConsoleStation::LoadEquipment() {
   }
   if (!equip.LoadDefinitions()) return false;
   if (const auto failure = equip.ApplyEquipment(equip.Entries())) {
-    TellBadEntry(*failure, "equipment file");
+    Tell(BadEntryText(*failure, equip.Record, options_.EquipmentFile));
     return false;
   }
   bus_->EquipBench(equip.Record, TheInstruments());

@@ -264,8 +264,7 @@ void Desktop::ApplyEquipment() {
   Equip& equip = documents_.equip;
   equip.LoadDefinitions();
   if (const auto failure = equip.ApplyEquipment(equip.Entries()))
-    ShowEntryPrompt(shell_.dialogs,
-                    failure->Reason == EntryFailure::Kind::NotANumber ? kNotANumberText : kOutOfRangeText);
+    shell_.dialogs.Tell(BadEntryText(*failure, equip.Record, equip.EquipFileName), MessageIcon::Exclamation);
   if (options_.onEquipmentApplied) options_.onEquipmentApplied();
 }
 

@@ -10,8 +10,10 @@
 namespace hylden {
 namespace {
 
-constexpr int kHighestAddress = 30;
+constexpr int kLowestAddress = 0, kHighestAddress = 30;
 constexpr int kAmplifierTab = 2;
+constexpr const char *kSigGenBox = "txtSigGenAddr", *kMeterBox = "txtMeterAddr", *kPwrMtrBox = "txtPwrMtrAddr",
+                     *kBandSwitchBox = "txtIfiBandSwitch";
 /// A shorter path counts as none.
 constexpr std::size_t kShortestPath = 2;
 
@@ -22,10 +24,19 @@ std::optional<EntryFailure> ApplyAddress(const char* control, const std::string&
   if (file.size() < kShortestPath) return std::nullopt;
   if (!IsNumeric(text)) return EntryFailure{control, -1, EntryFailure::Kind::NotANumber};
   const double number = ToDouble(text);
-  if (number < 0 || number > kHighestAddress) return EntryFailure{control, -1, EntryFailure::Kind::OutOfRange};
+  if (number < kLowestAddress || number > kHighestAddress || number != NearestWhole(number))
+    return EntryFailure{control, -1, EntryFailure::Kind::OutOfRange};
   address = ToInt16(text);
   driver.SetAddress(address);
   return std::nullopt;
+}
+
+std::string RangeText(double lowest, double highest, const char* unit) {
+  return "from " + ShortestText(lowest) + " to " + ShortestText(highest) + unit;
+}
+
+std::string BandSwitchRange() {
+  return RangeText(EquipRecord::kLowestBandSwitchMHz, EquipRecord::kHighestBandSwitchMHz, " MHz");
 }
 
 std::string AddressText(const std::string& file, std::int16_t address) {
@@ -37,8 +48,7 @@ std::string AddressText(const std::string& file, std::int16_t address) {
 std::optional<StartFailure> CheckAmplifier(const EquipRecord& equipment) {
   if (equipment.HasGoodBandSwitch()) return std::nullopt;
   return StartFailure{"The band switch of the IFI amplifier, " + ShortestText(equipment.IfiBandSwitch) +
-                          " MHz, is not\r\nfrom " + ShortestText(EquipRecord::kLowestBandSwitchMHz) + " to " +
-                          ShortestText(EquipRecord::kHighestBandSwitchMHz) + " MHz",
+                          " MHz, is not\r\n" + BandSwitchRange(),
                       kAmplifierTab};
 }
 
@@ -58,6 +68,24 @@ EquipmentEntries EntriesOf(const EquipRecord& record) {
   entries.MaxPowerFile = record.MaxPowerFile;
   entries.ProbeFile = record.ProbeFile;
   return entries;
+}
+
+std::string BadEntryText(const EntryFailure& failure, const EquipRecord& station, const std::string& file) {
+  const std::string addresses = RangeText(kLowestAddress, kHighestAddress, "");
+  const struct {
+    const char* control;
+    const char* name;
+    double value;
+    std::string range;
+  } entries[] = {{kSigGenBox, "address of the signal generator", static_cast<double>(station.SigGenAddress), addresses},
+                 {kMeterBox, "address of the meter", static_cast<double>(station.MeterAddress), addresses},
+                 {kPwrMtrBox, "address of the power meter", static_cast<double>(station.PwrMtrAddress), addresses},
+                 {kBandSwitchBox, "band switch of the IFI amplifier", station.IfiBandSwitch, BandSwitchRange()}};
+  std::string text = "The equipment file holds an entry that can't be used:\r\n" + file;
+  for (const auto& entry : entries)
+    if (failure.Control == entry.control)
+      text += "\r\nThe " + std::string(entry.name) + ", " + ShortestText(entry.value) + ", is not " + entry.range;
+  return text;
 }
 
 bool SameEntries(const EquipmentEntries& a, const EquipmentEntries& b) {
@@ -141,25 +169,24 @@ std::optional<EntryFailure> Equip::ApplyEquipment(const EquipmentEntries& entrie
 }
 
 std::optional<EntryFailure> Equip::ApplyAddresses(const EquipmentEntries& entries) {
-  if (auto failure = ApplyAddress("txtSigGenAddr", Record.SigGenFile, entries.SigGenAddress, Record.SigGenAddress,
-                                  instruments_.sigGen))
+  if (auto failure =
+          ApplyAddress(kSigGenBox, Record.SigGenFile, entries.SigGenAddress, Record.SigGenAddress, instruments_.sigGen))
     return failure;
   if (auto failure =
-          ApplyAddress("txtMeterAddr", Record.MeterFile, entries.MeterAddress, Record.MeterAddress, instruments_.meter))
+          ApplyAddress(kMeterBox, Record.MeterFile, entries.MeterAddress, Record.MeterAddress, instruments_.meter))
     return failure;
-  return ApplyAddress("txtPwrMtrAddr", Record.PwrMtrFile, entries.PwrMtrAddress, Record.PwrMtrAddress, instruments_.pm);
+  return ApplyAddress(kPwrMtrBox, Record.PwrMtrFile, entries.PwrMtrAddress, Record.PwrMtrAddress, instruments_.pm);
 }
 
 std::optional<EntryFailure> Equip::ApplyBandSwitch(const std::string& text) {
-  constexpr const char* kControl = "txtIfiBandSwitch";
-  if (!IsNumeric(text)) return EntryFailure{kControl, kAmplifierTab, EntryFailure::Kind::NotANumber};
+  if (!IsNumeric(text)) return EntryFailure{kBandSwitchBox, kAmplifierTab, EntryFailure::Kind::NotANumber};
   const double bandSwitch = ToDouble(text);
   // Amplifier and power meter change their band together.
   Record.IfiBandSwitch = bandSwitch;
   Record.PmBandSwitch = bandSwitch;
   instruments_.pm.SetBandswitch(bandSwitch);
   if (!(bandSwitch >= EquipRecord::kLowestBandSwitchMHz && bandSwitch <= EquipRecord::kHighestBandSwitchMHz))
-    return EntryFailure{kControl, kAmplifierTab, EntryFailure::Kind::OutOfRange};
+    return EntryFailure{kBandSwitchBox, kAmplifierTab, EntryFailure::Kind::OutOfRange};
   return std::nullopt;
 }
 

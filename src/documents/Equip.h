@@ -40,6 +40,8 @@ struct StartFailure {
 std::optional<StartFailure> CheckAmplifier(const EquipRecord& equipment);
 /// The entries that show a record.
 EquipmentEntries EntriesOf(const EquipRecord& record);
+/// Tells of an entry of a loaded station that can't be used: file, entry, value and range.
+std::string BadEntryText(const EntryFailure& failure, const EquipRecord& station, const std::string& file);
 /// Whether both stand for the same values.
 bool SameEntries(const EquipmentEntries& a, const EquipmentEntries& b);
 

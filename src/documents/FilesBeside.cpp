@@ -1,8 +1,12 @@
 #include "documents/FilesBeside.h"
 
+#include <filesystem>
+
 #include "text/TextFile.h"
 
 namespace hylden {
+
+FilesBeside::FilesBeside(const std::string& document) : document_(FullPath(document)) {}
 
 std::string FilesBeside::Find(const std::string& name) {
   const std::string path = PathNamedIn(document_, name);
@@ -11,7 +15,10 @@ std::string FilesBeside::Find(const std::string& name) {
 }
 
 std::string FilesBeside::NameFor(const std::string& path, const std::string& savedAs) const {
-  if (DirectoryOf(savedAs) != DirectoryOf(document_)) return path;
+  if (DirectoryOf(FullPath(savedAs)) != DirectoryOf(document_)) {
+    std::error_code ignored;
+    return std::filesystem::exists(ExistingPath(path), ignored) ? FullPath(path) : path;
+  }
   for (const Found& file : found_)
     if (file.Path == path) return file.Name;
   return path;

@@ -8,11 +8,12 @@ namespace hylden {
 
 /// The files that a document names without their directory. In memory they have the path at which they were found
 /// beside it; saved in the same directory, the document names them as it did before, so that the set can be moved.
+/// Saved elsewhere, it names them by their full path, whatever the working directory was.
 class FilesBeside {
  public:
   FilesBeside() = default;
   /// @param document  the path from which the document was loaded
-  explicit FilesBeside(std::string document) : document_(std::move(document)) {}
+  explicit FilesBeside(const std::string& document);
 
   /// The path for a name as it stands in the document.
   std::string Find(const std::string& name);

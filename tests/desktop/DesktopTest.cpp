@@ -72,6 +72,18 @@ TEST_F(DesktopTest, StationOfTheCommandLineReachesTheDriversAndTheForm) {
   EXPECT_EQ(applied, 2);
 }
 
+TEST_F(DesktopTest, StationThatCanNotBeUsedIsToldWithItsFileAndEntry) {
+  EquipRecord station;
+  LoadRecord(t.directory.File("My station.eqp"), station);
+  station.SigGenAddress = 31;
+  SaveRecord(t.directory.File("bad.eqp"), station);
+  EXPECT_TRUE(desktop->Start("\"/e:" + t.directory.File("bad.eqp") + "\""));
+  EXPECT_EQ(t.dialogs.Texts(),
+            std::vector<std::string>{"The equipment file holds an entry that can't be used:\r\n" +
+                                     t.directory.File("bad.eqp") +
+                                     "\r\nThe address of the signal generator, 31, is not from 0 to 30"});
+}
+
 TEST_F(DesktopTest, WrongCommandLineGivesAnIdleMenu) {
   t.shell.settings.SaveDefaultEquipFile(t.directory.File("My station.eqp"));
   EXPECT_TRUE(desktop->Start("\"/x:abc\""));

@@ -191,11 +191,50 @@ TEST_F(EquipTest, FilesBesideTheEquipmentFileAreFoundFromAnywhere) {
   EXPECT_EQ(equip.Record.CableLossFile, t.directory.File("lab/cable.los"));
   EXPECT_EQ(equip.Record.ProbeFile, "nowhere.prb");
 
+  // Loaded by a relative path and saved elsewhere, the names hold from anywhere.
+  const std::string before = t.directory.Read("lab/a.eqp");
+  const std::pair<const char*, const char*> rows[] = {{"lab", "a.eqp"}, {"", "./lab/a.eqp"}, {"", "lab\\a.eqp"}};
+  for (const auto& [folder, name] : rows) {
+    SCOPED_TRACE(name);
+    {
+      const WorkingDirectory here(t.directory.File(folder));
+      ASSERT_EQ(equip.LoadDef(name), 1);
+      ASSERT_EQ(equip.SaveDef(t.directory.File("b.eqp")), 1);
+      ASSERT_EQ(equip.SaveDef(t.directory.File("lab/a.eqp")), 1);
+      EXPECT_EQ(t.directory.Read("lab/a.eqp"), before) << "the set can still be moved";
+    }
+    ASSERT_EQ(equip.LoadDef(t.directory.File("b.eqp")), 1);
+    EXPECT_EQ(equip.Record.SigGenFile, t.directory.File("lab/gen.sg"));
+    EXPECT_EQ(equip.Record.CableLossFile, t.directory.File("lab/cable.los"));
+    EXPECT_EQ(equip.Record.ProbeFile, "nowhere.prb");
+  }
+
   // Where the program was started a file of that name still comes first.
   t.directory.Write("here/cable.los", "1 1\r\n2 2\r\n");
   const WorkingDirectory here(t.directory.File("here"));
   ASSERT_EQ(equip.LoadDef(t.directory.File("lab/a.eqp")), 1);
   EXPECT_EQ(equip.Record.CableLossFile, "cable.los");
+}
+
+TEST_F(EquipTest, AStationThatCannotBeUsedIsToldWithoutItsFileEntryOrRange) {
+  const struct {
+    std::function<void(EquipRecord&)> spoil;
+    const char* told;
+  } rows[] = {
+      {[](EquipRecord& r) { r.SigGenAddress = 31; }, "address of the signal generator, 31, is not from 0 to 30"},
+      {[](EquipRecord& r) { r.MeterAddress = -1; }, "address of the meter, -1, is not from 0 to 30"},
+      {[](EquipRecord& r) { r.PwrMtrAddress = 99; }, "address of the power meter, 99, is not from 0 to 30"},
+      {[](EquipRecord& r) { r.IfiBandSwitch = 80.5; },
+       "band switch of the IFI amplifier, 80.5, is not from 200 to 230 MHz"},
+  };
+  for (const auto& row : rows) {
+    equip.Record = Station();
+    row.spoil(equip.Record);
+    const auto failure = Apply(equip.Entries());
+    ASSERT_TRUE(failure) << row.told;
+    EXPECT_EQ(BadEntryText(*failure, equip.Record, "/lab/a.eqp"),
+              "The equipment file holds an entry that can't be used:\r\n/lab/a.eqp\r\nThe " + std::string(row.told));
+  }
 }
 
 TEST_F(EquipTest, ABadAddressReachesADriver) {
@@ -209,6 +248,8 @@ TEST_F(EquipTest, ABadAddressReachesADriver) {
                       {"-1", Kind::OutOfRange},
                       {"1E9", Kind::OutOfRange},
                       {"30.4", Kind::OutOfRange},
+                      {"1.5", Kind::OutOfRange},
+                      {"2.0", {}},
                       {"", Kind::NotANumber},
                       {"1,5", Kind::NotANumber},
                       {"x", Kind::NotANumber}};

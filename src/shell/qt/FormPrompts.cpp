@@ -13,15 +13,11 @@ void Prompt(QLineEdit& box, Dialogs& dialogs, const char* text) {
     box.setFocus();
     box.selectAll();
   }
-  ShowEntryPrompt(dialogs, text);
-}
-
-}  // namespace
-
-void ShowEntryPrompt(Dialogs& dialogs, const char* text) {
   // The answer changes nothing: the command stops either way and the operator edits the text.
   dialogs.Show({text, {}, MessageIcon::Exclamation, MessageButtons::RetryCancel});
 }
+
+}  // namespace
 
 void NotANumberPrompt(QLineEdit& box, Dialogs& dialogs) {
   Prompt(box, dialogs, kNotANumberText);

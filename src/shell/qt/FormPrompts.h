@@ -14,7 +14,4 @@ void NotANumberPrompt(QLineEdit& box, Dialogs& dialogs);
 /// The same for a number outside its range.
 void OutOfRangePrompt(QLineEdit& box, Dialogs& dialogs);
 
-/// Only the message, where no box is on the screen.
-void ShowEntryPrompt(Dialogs& dialogs, const char* text);
-
 }  // namespace hylden
