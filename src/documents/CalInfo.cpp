@@ -1,5 +1,7 @@
 #include "documents/CalInfo.h"
 
+#include <utility>
+
 #include "shell/Shell.h"
 #include "text/RecordFile.h"
 
@@ -11,7 +13,9 @@ bool CalInfo::LoadDef(const std::string& path) {
     return false;
   }
   try {
-    LoadRecord(path, Record);
+    CalInfoRec read;
+    LoadRecord(path, read);
+    Record = std::move(read);
   } catch (const std::exception& error) {
     shell_.ReportError(error, "CalInfo.LoadDef", path);
     return false;

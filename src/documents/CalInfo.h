@@ -37,7 +37,7 @@ class CalInfo {
  public:
   explicit CalInfo(Shell& shell) : shell_(shell) {}
 
-  /// @return false after a message; fields before the failing line then have their new values
+  /// @return false after a message; the record is then as it was
   bool LoadDef(const std::string& path);
 
   CalInfoRec Record;

@@ -1,5 +1,7 @@
 #include "documents/CalSetup.h"
 
+#include <utility>
+
 #include "measure/ReadFreq.h"
 #include "shell/Shell.h"
 #include "text/Numbers.h"
@@ -142,9 +144,12 @@ CalInfoRec CalInfoOf(const CalSetupRecord& setup) {
 
 bool CalSetup::LoadDef(const std::string& path) {
   try {
-    LoadRecord(path, Record);
-    files_ = FilesBeside(path);
-    FindFiles(Record, files_);
+    CalSetupRecord read;
+    LoadRecord(path, read);
+    FilesBeside files(path);
+    FindFiles(read, files);
+    Record = std::move(read);
+    files_ = std::move(files);
   } catch (const std::exception& error) {
     shell_.ReportError(error, "CalSetup.LoadDef", path);
     return false;

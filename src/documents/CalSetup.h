@@ -87,7 +87,7 @@ class CalSetup {
   explicit CalSetup(Shell& shell) : shell_(shell) {}
 
   /// Files named without a directory are also looked for beside the setup.
-  /// @return false after a report; fields before the fault keep their new values
+  /// @return false after a report; the setup is then as it was
   bool LoadDef(const std::string& path);
   bool SaveDef(const std::string& path);
   /// Reads a frequency list; its first and last frequency become the setup's range. @return false after a message

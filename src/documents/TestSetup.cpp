@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include "documents/TestSummary.h"
 #include "shell/Shell.h"
@@ -11,9 +12,12 @@ namespace hylden {
 
 bool TestSetup::LoadDef(const std::string& path) {
   try {
-    LoadRecord(path, Definition);
-    files_ = FilesBeside(path);
-    FindFiles(Definition, files_);
+    TestDefinition read;
+    LoadRecord(path, read);
+    FilesBeside files(path);
+    FindFiles(read, files);
+    Definition = std::move(read);
+    files_ = std::move(files);
   } catch (const std::exception& error) {
     shell_.ReportError(error, "TestSetup.LoadDef", path);
     return false;

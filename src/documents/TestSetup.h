@@ -76,7 +76,7 @@ class TestSetup {
   TestSetup(Shell& shell, const CalInfo& calInfo) : shell_(shell), calInfo_(calInfo) {}
 
   /// Files named without a directory are also looked for beside the definition.
-  /// @return false after a report; fields before the fault keep their new values
+  /// @return false after a report; the definition is then as it was
   bool LoadDef(const std::string& path);
   bool SaveDef(const std::string& path);
   /// The "Test Run Parameters" summary of the prepared run, lines ended by CR LF; empty after a failure.

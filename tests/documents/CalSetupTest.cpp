@@ -72,7 +72,7 @@ TEST_F(CalSetupTest, ALevelFileBesideTheSetupIsFound) {
   EXPECT_EQ(setup.Record.LimitFile, levels);
 }
 
-TEST_F(CalSetupTest, AShortFileOrABadLineCostsFieldsBehindIt) {
+TEST_F(CalSetupTest, AShortFileOrABadLineStaysHalfLoaded) {
   setup.Record = TenVolts();
   ASSERT_TRUE(setup.SaveDef(t.directory.File("a.csu")));
   std::vector<std::string> lines = ReadLines(t.directory.File("a.csu"));
@@ -86,7 +86,7 @@ TEST_F(CalSetupTest, AShortFileOrABadLineCostsFieldsBehindIt) {
   const std::string path = t.directory.Write("22.csu", JoinLines(lines));
   EXPECT_FALSE(other.LoadDef(path));
   EXPECT_EQ(t.dialogs.LastText(), "Error # 62\rInput past end of file\rCalSetup.LoadDef\r" + path);
-  EXPECT_EQ(other.Record.StartFreq, 1);
+  EXPECT_EQ(other.Record.StartFreq, setup.Record.StartFreq);
   EXPECT_EQ(other.Record.UserDefinedFactor, 5);
 
   lines[7] = "ten";

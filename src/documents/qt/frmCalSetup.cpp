@@ -213,11 +213,7 @@ void frmCalSetup::LoadFile(const QString& path) {
   Guard(ui_->mnuFileLoad, [&] {
     if (!MayDropEntries()) return;
     CalSetup& setup = documents_.calSetup;
-    const CalSetupRecord previous = setup.Record;
-    if (!setup.LoadDef(FromQt(path))) {
-      setup.Record = previous;
-      return;
-    }
+    if (!setup.LoadDef(FromQt(path))) return;
     setup.FileName = FromQt(path);
     kept_.reset();
     ShowFile();

@@ -234,11 +234,7 @@ void frmTestDef::LoadFile(const QString& path) {
   Guard(ui_->mnuFileLoad, [&] {
     if (!MayDropEntries()) return;
     TestSetup& testSetup = documents_.testSetup;
-    const TestDefinition previous = testSetup.Definition;
-    if (!testSetup.LoadDef(FromQt(path))) {
-      testSetup.Definition = previous;
-      return;
-    }
+    if (!testSetup.LoadDef(FromQt(path))) return;
     kept_.reset();
     DefToForm();
     ShowFile();
@@ -283,12 +279,7 @@ void frmTestDef::SelectCalFile() {
   const auto path =
       AskFile("Select Calibration File", kCalFilter, datakind::kCalibrations, ui_->lblCalFileName->Path());
   if (!path) return;
-  CalInfo& calInfo = documents_.calInfo;
-  const CalInfoRec previous = calInfo.Record;
-  if (!calInfo.LoadDef(*path)) {
-    calInfo.Record = previous;
-    return;
-  }
+  if (!documents_.calInfo.LoadDef(*path)) return;
   FitPathLabel(*path, *ui_->lblCalFileName);
   ShowCalInfo();
 }
