@@ -61,11 +61,10 @@ float ValueOf(const CalPoint& point, CalColumn column) {
 std::optional<CalPoint> ParseCalLine(std::string_view line) {
   const std::vector<std::string_view> pieces = SplitAtCommas(line);
   if (pieces.size() < 5) return std::nullopt;
-  if (!std::all_of(pieces.begin(), pieces.begin() + 3, [](std::string_view piece) { return IsNumeric(piece); }))
-    return std::nullopt;
-  // A sixth value shows that the commas stand for decimal points.
-  if (std::any_of(pieces.begin() + 5, pieces.end(), [](std::string_view piece) { return !Trim(piece).empty(); }))
-    return std::nullopt;
+  const auto isNumber = [](std::string_view piece) { return IsNumeric(piece); };
+  if (!std::all_of(pieces.begin(), pieces.begin() + 3, isNumber)) return std::nullopt;
+  // A sixth number shows that the commas stand for decimal points; somebody's note does no harm.
+  if (std::any_of(pieces.begin() + 5, pieces.end(), isNumber)) return std::nullopt;
   try {
     CalPoint point{ToDouble(pieces[0]), ToSingle(pieces[1]), ToSingle(pieces[2]), kMissing, kMissing};
     if (IsNumeric(pieces[3])) point.FwdPwr = ToSingle(pieces[3]);

@@ -162,6 +162,7 @@ TEST_F(CalRecordTest, ALineIsReadWrongly) {
   EXPECT_EQ(point->RevPwr, -999);
   EXPECT_TRUE(ParseCalLine("1,2,3,4,5"));
   EXPECT_TRUE(ParseCalLine("1,2,3,4,5, ,"));
+  EXPECT_TRUE(ParseCalLine("1,2,3,4,5,measured again")) << "a note";
   EXPECT_FALSE(ParseCalLine("1,2,3,4"));
   EXPECT_FALSE(ParseCalLine("1,2,3,4,5,6")) << "decimal commas";
   EXPECT_FALSE(ParseCalLine("0,15,-12,345,129,54,33,10,na,")) << "decimal commas";
