@@ -189,8 +189,9 @@ FileReplacement::FileReplacement(const std::string& path, std::string_view conte
   std::error_code ignored, failed;
   const fs::file_status status = fs::status(chosen, failed);
   if (failed == std::errc::filename_too_long) Fail(ErrorNumber::BadFileName);
-  if (fs::is_directory(status)) Fail(ErrorNumber::PathFileAccessError);
-  if (fs::exists(status) && !fs::is_regular_file(status)) {  // a device or a pipe has nothing to keep whole
+  // Writing to a pipe would wait for somebody who reads it.
+  if (fs::is_directory(status) || fs::is_fifo(status)) Fail(ErrorNumber::PathFileAccessError);
+  if (fs::exists(status) && !fs::is_regular_file(status)) {  // a device has nothing to keep whole
     File device(std::fopen(chosen.c_str(), "wb"));
     if (!device) FailWith(errno);
     WriteAndClose(std::move(device), content);

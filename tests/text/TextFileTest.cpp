@@ -212,6 +212,7 @@ TEST_F(TextFileTest, AFileThatOpensButCannotBeReadIsToldAsSuch) {
 TEST_F(TextFileTest, APipeIsRefusedInsteadOfWaitedFor) {
   ASSERT_EQ(mkfifo(At("pipe.tst").c_str(), 0600), 0);
   EXPECT_EQ(ErrorOf([&] { ReadTextFile(At("pipe.tst")); }), 75);
+  EXPECT_EQ(ErrorOf([&] { ReplaceFile(At("pipe.tst"), "x"); }), 75);
   EXPECT_EQ(ErrorOf([] { ReadTextFile("/dev/null"); }), 75) << "a terminal would be waited for, too";
 }
 
