@@ -40,8 +40,9 @@ class PlanBuilder {
   bool pairDone_ = false;
 };
 
-/// The frequency without what the arithmetic leaves behind its ninth decimal: a record and a table hold decimals, and a
-/// last point of 0.8500000000000001 MHz would lie beyond one that ends at 0.85.
+/// The frequency without what the arithmetic leaves behind its ninth decimal. A record, a table and the band switch are
+/// decimals: 0.8500000000000001 MHz would lie beyond a record that ends at 0.85, and 220.00000000000003 MHz in the band
+/// above a switch at 220.
 double Decimal(double frequencyMHz) {
   constexpr double kParts = 1e9;
   return std::round(frequencyMHz * kParts) / kParts;
@@ -107,9 +108,9 @@ std::vector<double> LinearSweep(double startMHz, double stopMHz, double stepMHz)
 std::vector<double> LogSweep(double startMHz, double stopMHz, double stepPercent) {
   if (!(stepPercent > 0) || !(startMHz > 0) || !std::isfinite(stopMHz)) return {};
   std::vector<double> sweep;
-  for (double f = startMHz; f < stopMHz; f *= 1 + stepPercent / 100) {
+  for (double f = startMHz; Decimal(f) < stopMHz; f *= 1 + stepPercent / 100) {
     if (sweep.size() + 1 >= kMostSweepPoints) return {};
-    sweep.push_back(f);
+    sweep.push_back(Decimal(f));
   }
   sweep.push_back(stopMHz);
   return sweep;

@@ -80,6 +80,7 @@ TEST_F(ReadFreqTest, ALinearPlanEndsBesideTheDecimalThatARecordHolds) {
 TEST_F(ReadFreqTest, ALogPlanHasWrongPoints) {
   EXPECT_EQ(Plan(StepType::Log, 1, 2, 50), (List{1, 1.5, 2}));
   EXPECT_EQ(Plan(StepType::Log, 1, 3, 100), (List{1, 2, 3}));
+  EXPECT_EQ(Plan(StepType::Log, 10, 14.4, 20), (List{10, 12, 14.4})) << "the last point stands there once";
   EXPECT_EQ(Plan(StepType::Log, 0.15, 80, 1).size(), 633U);
   EXPECT_EQ(Plan(StepType::Log, 0.15, 230, 1).size(), 739U);
 }
@@ -109,6 +110,7 @@ TEST_F(ReadFreqTest, TheBandSwitchPairIsMissingOrMisplaced) {
       {StepType::Log, 80, 150, 50, 80, {80, kAbove80, 120, 150}},
       {StepType::Log, 50, 150, 100, 80, {50, 80, kAbove80, 100, 150}},
       {StepType::Log, 50, 90, 50, 80, {50, 75, 90}},
+      {StepType::Log, 200, 245, 10, 220, {200, 220, 220 + 0.000001, 242, 245}},
   };
   for (const Row& row : rows) {
     EXPECT_EQ(Plan(row.type, row.start, row.stop, row.step, {true, row.band}), row.plan);
