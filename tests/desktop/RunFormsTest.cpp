@@ -299,6 +299,30 @@ TEST_F(RunForms, HaltIsInSightAsLongAsTheRunIsOn) {
   EXPECT_FALSE(Enabled("cmdRunHalt"));
 }
 
+TEST_F(RunForms, RunControlsKeepTheirSizeAndTakeTheKeysWhenARunBegins) {
+  Open("substitution-am.tst");
+  QCoreApplication::processEvents();
+  const QSize ready = Buttons().size();
+  form->activateWindow();  // as the confirmation leaves it
+  m.When(AtStep(2), [&] {
+    EXPECT_EQ(QApplication::activeWindow(), &Buttons());
+    EXPECT_EQ(Buttons().size(), ready);
+    Press(*form, "cmdHalt");
+  });
+  Press(*form, "cmdRun");
+  QCoreApplication::processEvents();
+  EXPECT_EQ(Buttons().size(), ready);
+}
+
+TEST(RunWindowPlace, RunControlsOpenBesideTheRunWindowWhereThereIsRoom) {
+  const QSize controls(360, 60);
+  const QRect window(0, 0, 900, 680);
+  EXPECT_GT(PlaceBeside(window, controls, {0, 0, 1280, 1024}).y(), window.bottom());
+  EXPECT_GT(PlaceBeside(window, controls, {0, 0, 1366, 768}).x(), window.right());
+  const QRect over(PlaceBeside(window, controls, {0, 0, 1024, 768}), controls);
+  EXPECT_TRUE(window.contains(over)) << "beside the figures";
+}
+
 TEST_F(RunForms, SecondRunStartsFromTheEstimate) {
   Open("substitution-am.tst");
   const std::string estimate = Text("lblEstTime");

@@ -39,6 +39,15 @@ class FrameKeeper : public QObject {
 
 }  // namespace
 
+QPoint PlaceBeside(const QRect& runWindow, QSize size, const QRect& screen) {
+  constexpr int kGap = 8, kFrame = 60;  // its title bar and the notice of the bench come on top of its size
+  const int width = size.width() + kGap, height = size.height() + kFrame;
+  const QPoint corner = runWindow.bottomRight();
+  if (corner.y() + kGap + height <= screen.bottom()) return {corner.x() - width, corner.y() + kGap};
+  if (corner.x() + kGap + width <= screen.right()) return {corner.x() + kGap, corner.y() - height};
+  return corner - QPoint(width + 30, height);
+}
+
 void KeepFrame(QWidget& window) {
   new FrameKeeper(window);
 }

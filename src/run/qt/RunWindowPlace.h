@@ -3,7 +3,9 @@
 #include <string>
 #include <string_view>
 
-#include <QtCore/qnamespace.h>
+#include <QPoint>
+#include <QRect>
+#include <QSize>
 
 class QWidget;
 
@@ -16,6 +18,9 @@ class Shell;
 inline constexpr Qt::WindowFlags kRunFrame =
     Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
 
+/// Where a small window opens that has no remembered place: below the run window, else to its right, where the screen
+/// has room; else over its lower right corner, beside the figures.
+QPoint PlaceBeside(const QRect& runWindow, QSize size, const QRect& screen);
 /// Has the frame of a window that has been moved, and is not shown yet, stand where it was moved to.
 void KeepFrame(QWidget& window);
 /// Puts a run window at its remembered place. @return false when there is none

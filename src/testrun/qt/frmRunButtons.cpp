@@ -2,6 +2,7 @@
 
 #include <QCloseEvent>
 #include <QKeyEvent>
+#include <QScreen>
 
 #include "run/qt/RunWindowPlace.h"
 #include "shell/Shell.h"
@@ -23,9 +24,8 @@ frmRunButtons::frmRunButtons(Shell& shell, QWidget* parent)
   connect(ui_->cmdRun, &QPushButton::clicked, this, &frmRunButtons::RunClick);
   connect(ui_->cmdHalt, &QPushButton::clicked, this, &frmRunButtons::HaltClick);
   if (RestorePlace(shell_, windowkey::kRunButtons, *this) || !parent) return;
-  // Over the lower right corner of the run window: beside the figures, on every screen.
   adjustSize();
-  move(parent->frameGeometry().bottomRight() - QPoint(width() + 30, height() + 60));
+  move(PlaceBeside(parent->frameGeometry(), size(), parent->screen()->availableGeometry()));
   KeepFrame(*this);
 }
 
@@ -39,21 +39,23 @@ void frmRunButtons::ButtonsVisible(bool visible) {
 }
 
 void frmRunButtons::SetRunMode() {
+  ui_->cmdRun->hide();  // first: four buttons would widen the form for good
+  ui_->cmdRun->setEnabled(false);
   ui_->cmdHalt->show();
   ui_->cmdHalt->setEnabled(true);
   ui_->cmdHalt->setFocus();
-  ui_->cmdRun->hide();
-  ui_->cmdRun->setEnabled(false);
   ui_->cmdManual->setEnabled(true);
   ui_->cmdExit->setEnabled(false);
+  // The confirmation has left the keys to the run window, which has no Manual.
+  if (isVisible()) activateWindow();
 }
 
 void frmRunButtons::SetHaltMode() {
+  ui_->cmdHalt->hide();
+  ui_->cmdHalt->setEnabled(false);
   ui_->cmdRun->show();
   ui_->cmdRun->setEnabled(true);
   ui_->cmdRun->setFocus();
-  ui_->cmdHalt->hide();
-  ui_->cmdHalt->setEnabled(false);
   ui_->cmdManual->setEnabled(false);
   ui_->cmdExit->setEnabled(true);
   if (isVisible()) activateWindow();
