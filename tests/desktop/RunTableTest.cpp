@@ -9,6 +9,7 @@
 #include "desktop/RunForms.h"
 #include "testrun/RunData.h"
 #include "testrun/qt/RunDataModel.h"
+#include "widgets/AlignedNumbers.h"
 #include "widgets/TableFollower.h"
 
 namespace hylden {
@@ -63,6 +64,19 @@ TEST(RunTable, ModelKeepsItsPromisesToViews) {
   data.Clear();
   model.RowChanged(0);
   EXPECT_EQ(model.rowCount(), 0);
+}
+
+TEST(RunTable, NumbersOfAColumnHaveTheirPointsBelowEachOther) {
+  const QString digit = QStringLiteral(u"\u2007"), mark = QStringLiteral(u" \u2002\u2002");
+  const struct {
+    const char* text;
+    NumberColumn column;
+    QString behind;
+  } rows[] = {{"80.0", {3}, digit + digit}, {"0.165", {3}, {}},    {"-9.9 **", {1, true}, {}},
+              {"-10.0", {1, true}, mark},   {"na", {2, true}, {}}, {"", {2, true}, {}}};
+  for (const auto& row : rows)
+    EXPECT_EQ(Aligned(QString::fromLatin1(row.text), row.column), QString::fromLatin1(row.text) + row.behind);
+  EXPECT_EQ(Aligned(QStringLiteral("34.2 +2"), {2, true}), QStringLiteral("34.2") + digit + QStringLiteral(" +2"));
 }
 
 TEST_F(RunForms, TableFollowsTheRunUnlessTheOperatorLooksBack) {

@@ -5,6 +5,7 @@
 #include "instruments/Instruments.h"
 #include "shell/Shell.h"
 #include "ui_frmRunCablCal.h"
+#include "widgets/AlignedNumbers.h"
 #include "widgets/LabelText.h"
 
 namespace hylden {
@@ -30,6 +31,7 @@ frmRunCablCal::frmRunCablCal(Shell& shell, Instruments& instruments, RunCablCal&
          ui_->lblStart, ui_->lblStop, ui_->lblDwell, ui_->lblElapsed, ui_->lblEstTime, ui_->lblState, ui_->lblRf,
          ui_->prgSteps, ui_->lvwData, ui_->mnuFile, ui_->cmdHalt, ui_->cmdExit},
         {"####0.0####", "##0.0#", "##0.0#"}, table_);
+  new AlignedNumbers(*ui_->lvwData, {{5}, {2}, {2}, {2}, {2}});
   connect(ui_->cmdDirect, &QPushButton::clicked, this, [this] { StartPass(false); });
   connect(ui_->cmdInsert, &QPushButton::clicked, this, [this] { StartPass(true); });
   connect(ui_->cmdSave, &QPushButton::clicked, this, &frmRunCablCal::Save);

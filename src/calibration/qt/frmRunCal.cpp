@@ -4,6 +4,7 @@
 #include "measure/Conversions.h"
 #include "text/Numbers.h"
 #include "ui_frmRunCal.h"
+#include "widgets/AlignedNumbers.h"
 #include "widgets/LabelText.h"
 
 namespace hylden {
@@ -21,6 +22,7 @@ frmRunCal::frmRunCal(Shell& shell, Instruments& instruments, Documents& document
          ui_->lblStart, ui_->lblStop, ui_->lblDwell, ui_->lblElapsed, ui_->lblEstTime, ui_->lblState, ui_->lblRf,
          ui_->prgSteps, ui_->flxCalData, ui_->mnuFile, ui_->cmdHalt, ui_->cmdExit},
         {"0.0#####", "##0.00", "##0.00"}, table_);
+  new AlignedNumbers(*ui_->flxCalData, {{6}});
   ui_->cmdStart->setEnabled(false);
   EnableSave(false);
   connect(ui_->cmdStart, &QPushButton::clicked, this, [this] {

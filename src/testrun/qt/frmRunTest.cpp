@@ -12,6 +12,7 @@
 #include "testrun/qt/frmManual.h"
 #include "testrun/qt/frmRunButtons.h"
 #include "ui_frmRunTest.h"
+#include "widgets/AlignedNumbers.h"
 #include "widgets/LabelText.h"
 #include "widgets/TableFollower.h"
 #include "widgets/ThemeColors.h"
@@ -42,6 +43,7 @@ frmRunTest::frmRunTest(Shell& shell, Instruments& instruments, Documents& docume
             {Readout::ForwardPower, ui_->lblPower}};
   ui_->flxTestData->setModel(&model_);
   follower_ = new TableFollower(*ui_->flxTestData);
+  new AlignedNumbers(*ui_->flxTestData, {{6}, {1, true}, {1}, {1, true}, {1, true}, {1}});
   SetUpStatusBar();
   ConnectFileMenu();
   ConnectUnits();
