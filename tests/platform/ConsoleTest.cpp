@@ -90,6 +90,14 @@ TEST_F(ConsoleTest, ConfirmsOnlyTheQuestionsThatWereNamed) {
   EXPECT_EQ(dialogs.Show({"RF on?", "", MessageIcon::None, YesNo}), MessageAnswer::No);
 }
 
+TEST_F(ConsoleTest, PrintsTheAnswerThatNobodyTyped) {
+  ConsoleDialogs dialogs = Make({.confirmedTitles = {"Run Test"}});
+  dialogs.Show({"RF on?", "Run Test", MessageIcon::None, YesNo});
+  dialogs.Show({"Again?", "", MessageIcon::None, OkCancel});
+  dialogs.Show({"Done", ""});
+  EXPECT_EQ(out_.str(), "Run Test:\nRF on?\n[Yes]\nAgain?\n[Cancel] Nobody is at a terminal to answer.\nDone\n");
+}
+
 TEST_F(ConsoleTest, ARequestToStopDeclinesTheOpenQuestion) {
   ConsoleDialogs dialogs = Make({.terminal = true});
   raise(SIGINT);

@@ -89,8 +89,11 @@ MessageAnswer ConsoleDialogs::Show(const Message& message) {
   Print(message.text + "\n");
   const auto& confirmed = options_.confirmedTitles;
   const bool isConfirmed = std::find(confirmed.begin(), confirmed.end(), message.title) != confirmed.end();
-  if (isConfirmed && message.buttons != MessageButtons::Ok) return ButtonsOf(message.buttons).front().answer;
-  return Ask(message.buttons);
+  if (message.buttons == MessageButtons::Ok || (options_.terminal && !isConfirmed)) return Ask(message.buttons);
+  const std::vector<Button> buttons = ButtonsOf(message.buttons);
+  const Button& taken = isConfirmed ? buttons.front() : buttons.back();
+  Print("[" + std::string(taken.caption) + (isConfirmed ? "]\n" : "] Nobody is at a terminal to answer.\n"));
+  return taken.answer;
 }
 
 MessageAnswer ConsoleDialogs::Ask(MessageButtons kind) {

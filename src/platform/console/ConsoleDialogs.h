@@ -15,7 +15,7 @@ class ConsoleEventLoop;
 /// How the console answers what it is asked.
 struct ConsoleDialogsOptions {
   /// An operator sits at the terminal. Without one every question is answered Cancel or No, so that nothing is switched
-  /// on unasked, and plain messages are printed and passed.
+  /// on unasked, and plain messages are printed and passed. An answer that nobody typed is printed, too.
   bool terminal = false;
   /// Questions with one of these titles are confirmed without asking: what "--yes" stands for.
   std::vector<std::string> confirmedTitles = {};
