@@ -54,6 +54,14 @@ void TakeChoices(const CLI::App& app, RunOptions& options) {
   options.UseBench = app.count("--bench") > 0;
 }
 
+/// A word that is no option is what was typed wrongly, even where something else is missing for it.
+int Refuse(const CLI::App& app, const CLI::ParseError& error) {
+  const std::vector<std::string> unknown = app.remaining();
+  const bool misspelt = !unknown.empty() && dynamic_cast<const CLI::RequiredError*>(&error);
+  const int status = misspelt ? app.exit(CLI::ExtrasError({unknown.rbegin(), unknown.rend()})) : app.exit(error);
+  return status == 0 ? 0 : static_cast<int>(hylden::ExitState::Usage);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -83,8 +91,7 @@ int main(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    const int status = app.exit(error);
-    return status == 0 ? 0 : static_cast<int>(hylden::ExitState::Usage);
+    return Refuse(app, error);
   }
   TakeChoices(app, options);
   return static_cast<int>(hylden::RunOnConsole(options));

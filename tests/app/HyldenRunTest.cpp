@@ -183,7 +183,8 @@ TEST_F(HyldenRunProgram, KeepsAnExistingOutputFileUnlessToldOtherwise) {
 
 TEST_F(HyldenRunProgram, TellsWhatIsWrongByItsExitStatus) {
   const std::vector<Refusal> refusals = {
-      {"no arguments", {}, kUsage, "--equipment"},
+      {"no arguments", {}, kUsage, "--equipment is required"},
+      {"misspelt option", {"--equipmnt", "station.eqp"}, kUsage, "not expected: --equipmnt station.eqp"},
       {"virtual time on a real bus",
        {"--equipment", "station.eqp", "--test", "x.tst", "--output", Output(), "--virtual-time"},
        kUsage,
