@@ -275,6 +275,33 @@ TEST_F(ManualForm, OpensWithoutTakingTheFocus) {
   Run();
 }
 
+TEST_F(ManualForm, HasTheKeysAgainAfterTheComment) {
+  Then([&] {
+    QObject::connect(Manual(), &frmManual::manThresholdClick, [this] { form->activateWindow(); });
+    Manual()->activateWindow();
+    Press(*Manual(), "cmdThreshold");
+    EXPECT_EQ(QApplication::activeWindow(), Manual());
+    form->PressHalt();
+  });
+  Run();
+}
+
+TEST_F(ManualForm, MnemonicsPressTheirButtons) {
+  const struct {
+    Qt::Key key;
+    const char* button;
+  } rows[] = {{Qt::Key_T, "cmdThreshold"}, {Qt::Key_N, "cmdReturn"}, {Qt::Key_H, "cmdRunHalt"}};
+  Then([&] {
+    Manual()->activateWindow();
+    for (const auto& row : rows) {
+      QTest::keyClick(Manual(), row.key, Qt::AltModifier);
+      EXPECT_TRUE(Find<QPushButton>(*form, row.button).isDown()) << row.button;
+    }
+    form->PressHalt();
+  });
+  Run();
+}
+
 TEST_F(ManualForm, SecondHookIsRefused) {
   Then([&] {
     ArrowKeyHook second([](ArrowKey) { ADD_FAILURE() << "two hooks"; });

@@ -40,7 +40,8 @@ class FrameKeeper : public QObject {
 }  // namespace
 
 QPoint PlaceBeside(const QRect& runWindow, QSize size, const QRect& screen) {
-  constexpr int kGap = 8, kFrame = 60;  // its title bar and the notice of the bench come on top of its size
+  // The title bars of both, and the notice of the bench, may come on top of their sizes.
+  constexpr int kGap = 30, kFrame = 60;
   const int width = size.width() + kGap, height = size.height() + kFrame;
   const QPoint corner = runWindow.bottomRight();
   if (corner.y() + kGap + height <= screen.bottom()) return {corner.x() - width, corner.y() + kGap};

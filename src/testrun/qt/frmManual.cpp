@@ -29,6 +29,9 @@ frmManual::frmManual(Shell& shell, ManualMode& mode, QWidget* parent)
       }) {
   ui_->setupUi(this);
   setAttribute(Qt::WA_ShowWithoutActivating);
+  // In a tool window the run window's keys work, too, and a key that two buttons have presses neither: here Alt+H is
+  // that window's Halt, and Alt+U its Units.
+  ui_->cmdManualHalt->setShortcut({});
   ui_->scrDbOffset->setRange(kLowestOffsetTenths, kHighestOffsetTenths);
   timer1_.setObjectName(QStringLiteral("Timer1"));
   timer1_.setInterval(kManualTimerMs);
@@ -95,7 +98,10 @@ void frmManual::NoteThreshold() {
   const std::optional<ManualStanding> standing = panel_.Threshold();
   if (!standing) return;
   ShowScroll();
+  const bool hadKeys = isActiveWindow();
   emit manThresholdClick(standing->Freq, standing->Offset);
+  // The box for the comment may have left the keys to the run window.
+  if (hadKeys && isVisible()) activateWindow();
 }
 
 void frmManual::ShowScroll() {
