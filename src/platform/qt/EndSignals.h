@@ -1,22 +1,21 @@
 #pragma once
 
-#include <QObject>
+#include <QSocketNotifier>
 #include <functional>
 
-class QSocketNotifier;
+#include "platform/native/StopSignals.h"
 
 namespace hylden {
 
-/// Turns the signals that ask a process to end (SIGTERM, SIGINT, SIGHUP) into a call from the event loop, where windows
-/// may be closed. One object at a time.
-class EndSignals : public QObject {
+/// Turns the signals that ask a process to end into a call from the event loop, where windows may be closed; no other
+/// signal ends or freezes the program. One object at a time.
+class EndSignals {
  public:
   explicit EndSignals(std::function<void()> onEnd);
-  ~EndSignals() override;
 
  private:
-  std::function<void()> onEnd_;
-  QSocketNotifier* notifier_ = nullptr;
+  StopSignals signals_;
+  QSocketNotifier notifier_;
 };
 
 }  // namespace hylden
