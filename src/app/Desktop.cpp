@@ -54,6 +54,7 @@ Desktop::Desktop(Shell& shell, Instruments& instruments, Documents& documents, D
   connect(menu_.get(), &TopMenu::Closed, this, [this] {
     if (help_) help_->close();
     bench_->ClosePanel();
+    shell_.end.Finish();
     emit Ended();
   });
 }
@@ -72,31 +73,36 @@ void Desktop::ShowAvailable() {
 }
 
 bool Desktop::Start(const std::string& commandLine) {
-  if (!StartUp(shell_, *this, commandLine) || closing_) return false;
+  if (!StartUp(shell_, *this, commandLine) || !shell_.end.MayStart()) return false;
   ShowStation();
   if (open_.isEmpty()) menu_->show();
   return true;
 }
 
-void Desktop::Open(WorkingForm* form, QWidget* caller) {
+bool Desktop::Open(WorkingForm* form, QWidget* caller) {
+  if (!shell_.end.MayStart()) {  // maybe asked by a box that the form has shown first
+    form->deleteLater();
+    return false;
+  }
   open_.removeAll(nullptr);
   open_ << form;
   form->setWindowIcon(menu_->windowIcon());
   // Above a modal form another one would be locked, and the forms behind it open to a second run.
   if (caller && caller->windowModality() != Qt::NonModal) form->setWindowModality(Qt::ApplicationModal);
   bench_->Announce(*form);
-  connect(form, &WorkingForm::HelpRequested, this, &Desktop::ShowHelp);
+  connect(form, &WorkingForm::HelpRequested, this,
+          [this, form](const QString& topic) { form->Guard("Help", [&] { ShowHelp(topic); }); });
   connect(form, &WorkingForm::Unloaded, this, [this, form] {
     open_.removeAll(form);
     form->deleteLater();
     ShowStation();
     QTimer::singleShot(0, this, &Desktop::KeepBeside);
-    if (closing_) QTimer::singleShot(0, this, &Desktop::CloseNext);
+    QTimer::singleShot(0, this, &Desktop::CloseNext);
   });
-  if (auto* const setup = qobject_cast<SetupForm*>(form))
-    connect(setup, &SetupForm::StaysOpen, this, &Desktop::RefuseEnd);
+  connect(form, &WorkingForm::StaysOpen, this, [this, form] { RefuseEnd(*form); });
   form->OpenFrom(caller);
   KeepBeside();
+  return true;
 }
 
 void Desktop::ShowStation() {
@@ -105,10 +111,11 @@ void Desktop::ShowStation() {
 
 void Desktop::OpenArea(WorkingArea area) {
   const auto& make = makers_[static_cast<std::size_t>(area)];
-  if (make) Open(make(), menu_.get());
+  if (make && shell_.end.MayStart()) Open(make(), menu_.get());
 }
 
 frmEquipment* Desktop::OpenEquipment(QWidget* caller, int tab, bool modal) {
+  if (!shell_.end.MayStart()) return nullptr;
   auto* const form = new frmEquipment(shell_, instruments_, documents_.equip);
   form->ShowTab(tab);
   if (modal) form->setWindowModality(Qt::ApplicationModal);
@@ -117,8 +124,7 @@ frmEquipment* Desktop::OpenEquipment(QWidget* caller, int tab, bool modal) {
   connect(form, &WorkingForm::Unloaded, this, [this] {
     if (options_.onEquipmentApplied) options_.onEquipmentApplied();
   });
-  Open(form, caller);
-  return form;
+  return Open(form, caller) ? form : nullptr;
 }
 
 WorkingForm* Desktop::MakeTestDefinition() {
@@ -137,9 +143,7 @@ void Desktop::OpenTestRun(QWidget* caller) {
   connect(this, &Desktop::EscapePressed, form, &frmRunTest::PressHalt);
   connect(form, &frmRunTest::PrintPreviewRequested, this,
           [this, form](RunReportKind kind) { Preview([form, kind] { form->PrintReport(kind); }); });
-  testRun_ = form;
-  Open(form, caller);
-  form->Load();
+  if (Open(form, caller)) form->Load();
 }
 
 WorkingForm* Desktop::MakeCalibrationSetup() {
@@ -153,9 +157,7 @@ void Desktop::OpenCalibrationRun(QWidget* caller) {
   bench_->Cable(MeterAt::Port);
   auto* const form = new frmRunCal(shell_, instruments_, documents_);
   connect(this, &Desktop::EscapePressed, form, &CalibrationWindow::PressHalt);
-  calibrationRun_ = form;
-  Open(form, caller);
-  form->Load();
+  if (Open(form, caller)) form->Load();
 }
 
 void Desktop::OpenCableSetup(QWidget* caller) {
@@ -217,33 +219,45 @@ void Desktop::Preview(const std::function<void()>& print) {
 }
 
 void Desktop::CloseAll() {
-  closing_ = true;
   // A message may stand on the screen with RF on behind it: the halt comes before its answer.
   shell_.delay.RequestHalt();
+  if (shell_.end.Ask()) ClearBoxes();
   // A session that ends may not wait for the run to end in order.
   if (instruments_.sigGen.RfIsOn()) instruments_.sigGen.SilenceRf();
-  // The question whether to save waits for its answer: closed, it would lose what was measured.
-  const bool asking = (testRun_ && testRun_->AsksToSave()) || (calibrationRun_ && calibrationRun_->AsksToSave());
-  if (options_.onEnding && !asking) options_.onEnding();
   QTimer::singleShot(0, this, &Desktop::CloseNext);
 }
 
+/// Boxes give way to the end, and the forms whose commands they belong to are asked to close behind them.
+void Desktop::ClearBoxes() {
+  open_.removeAll(nullptr);
+  bool asking = false;
+  for (const QPointer<WorkingForm>& form : std::as_const(open_)) {
+    asking = asking || form->AsksToSave();
+    form->CloseBehindCommand();
+  }
+  // The question whether to save waits for its answer: closed, it would lose what was measured.
+  if (options_.onEnding && !asking) options_.onEnding();
+}
+
 /// What still has to be saved, or has to be thought about, ends the end: the program goes on as before.
-void Desktop::RefuseEnd() {
-  if (!closing_) return;
-  closing_ = false;
-  if (options_.onEndRefused) options_.onEndRefused();
+void Desktop::RefuseEnd(const WorkingForm& form) {
+  if (!shell_.end.Refuse()) return;
+  for (const QPointer<WorkingForm>& open : std::as_const(open_))
+    if (open) open->ForgetClose();
+  const std::string text = "The program was asked to end, but this window stays open:\r\n" + FromQt(form.windowTitle());
+  shell_.log.LogFile(text);
+  QTimer::singleShot(0, this, [this, text] { shell_.dialogs.Tell(text, MessageIcon::Information); });
 }
 
 void Desktop::CloseNext() {
-  if (!closing_) return;
+  if (!shell_.end.IsAsked()) return;
   open_.removeAll(nullptr);
-  if (!open_.isEmpty()) {
-    open_.last()->EndWithProgram();
+  for (const QPointer<WorkingForm>& form : std::as_const(open_))
+    if (form->IsBusy()) return;  // it closes behind its command
+  if (open_.isEmpty())
+    menu_->close();
+  else
     open_.last()->close();
-    return;
-  }
-  menu_->close();
 }
 
 bool Desktop::AnotherInstanceRuns() {

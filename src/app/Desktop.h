@@ -22,8 +22,6 @@ class TopMenu;
 class WorkingForm;
 class frmEquipment;
 class frmHelp;
-class frmRunCal;
-class frmRunTest;
 struct Documents;
 struct Instruments;
 
@@ -38,8 +36,6 @@ struct DesktopOptions {
   std::function<void()> onEquipmentApplied = {};
   /// Called when the program has been asked to end: boxes on the screen have to give way.
   std::function<void()> onEnding = {};
-  /// Called when the operator has refused the end, by keeping a form open that holds unsaved entries.
-  std::function<void()> onEndRefused = {};
   /// Runs a print command with the preview window in the printer's place.
   std::function<void(const std::function<void()>& print)> preview = {};
 };
@@ -64,6 +60,7 @@ class Desktop : public QObject, private StartUpSteps {
 
   TopMenu& Menu() { return *menu_; }
   /// Opens the equipment form in the caller's place; modally above it when a check has found something to mend there.
+  /// Null while the program is being ended.
   frmEquipment* OpenEquipment(QWidget* caller, int tab = 0, bool modal = false);
   void OpenCalibrationSetup() { OpenArea(WorkingArea::Calibration); }
   void OpenTestDefinition() override { OpenArea(WorkingArea::Test); }
@@ -78,7 +75,8 @@ class Desktop : public QObject, private StartUpSteps {
   /// Opens the insertion-loss setup in the caller's place; its Start opens the two passes.
   void OpenCableSetup(QWidget* caller);
   /// Connects a form to what every form may ask for, and shows it in the caller's place.
-  void Open(WorkingForm* form, QWidget* caller);
+  /// @return false while the program is being ended: nothing is opened then
+  bool Open(WorkingForm* form, QWidget* caller);
   /// Shows the manual, beside the windows of the work.
   void ShowHelp(const QString& topic);
   /// Shows the bench panel, beside the windows of the work; nothing without a bench.
@@ -86,8 +84,9 @@ class Desktop : public QObject, private StartUpSteps {
   /// Shows what the command prints in the preview window; prints it where there is no preview.
   void Preview(const std::function<void()>& print);
 
-  /// Ends the program in order: halts what runs, closes every window as its close box would, the main menu last. A
-  /// window that asks something first is waited for.
+  /// Asks for the end of the program: halts what runs, has boxes give way, switches RF off, and closes every window as
+  /// its close box would, behind the command that it is busy with, the main menu last. A window that asks something
+  /// first is waited for; one that stays open refuses the end, and the program runs as before.
   void CloseAll();
 
   /// Escape was pressed in some message box.
@@ -112,7 +111,8 @@ class Desktop : public QObject, private StartUpSteps {
   void OpenArea(WorkingArea area);
   /// The main menu says which station and test are loaded.
   void ShowStation();
-  void RefuseEnd();
+  void ClearBoxes();
+  void RefuseEnd(const WorkingForm& form);
   void OpenCableRun(QWidget* caller);
   bool LoadHelp();
   void EscapeInPanel();
@@ -130,10 +130,7 @@ class Desktop : public QObject, private StartUpSteps {
   std::unique_ptr<frmHelp> help_;  ///< from its first opening on
   std::string helpFile_;
   QVector<QPointer<WorkingForm>> open_;
-  QPointer<frmRunTest> testRun_;
-  QPointer<frmRunCal> calibrationRun_;
   std::unique_ptr<RunCablCal> cableCalibration_;  ///< its setup and points outlive the forms
-  bool closing_ = false;
 };
 
 }  // namespace hylden

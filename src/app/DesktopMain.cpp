@@ -1,3 +1,4 @@
+#include <QScopeGuard>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -67,8 +68,7 @@ int RunDesktop(DesktopApplication& application, QtDialogs& dialogs, const std::s
   options.bench = bus->SimulatedBench();
   options.anotherInstanceRuns = [&] { return !instance.Claim(); };
   options.onEquipmentApplied = [&] { bus->EquipBench(station.documents.equip.Record, station.instruments); };
-  options.onEnding = [&] { dialogs.BeginEnding(); };
-  options.onEndRefused = [&] { dialogs.EndRefused(); };
+  options.onEnding = [&] { dialogs.CloseBoxes(); };
   options.preview = [&](const std::function<void()>& print) {
     const QtPrinter::Previewing scope(printer);
     print();
@@ -77,7 +77,15 @@ int RunDesktop(DesktopApplication& application, QtDialogs& dialogs, const std::s
   desktop.Provide(WorkingArea::Calibration, [&] { return desktop.MakeCalibrationSetup(); });
   desktop.Provide(WorkingArea::Test, [&] { return desktop.MakeTestDefinition(); });
 
+  // The application and its boxes outlive the station and its windows.
+  const auto done = qScopeGuard([&] {
+    dialogs.onEscape = nullptr;
+    dialogs.isEnding = nullptr;
+    application.onProgramEnd = nullptr;
+    application.onException = nullptr;
+  });
   dialogs.onEscape = [&] { desktop.EscapeInBox(); };
+  dialogs.isEnding = [&] { return station.shell.end.IsAsked(); };
   application.onProgramEnd = [&] { desktop.CloseAll(); };
   application.onException = [&](const std::exception& error) { station.shell.ReportError(error, "Hylden"); };
   QObject::connect(&desktop, &Desktop::Ended, &application, &QCoreApplication::quit);

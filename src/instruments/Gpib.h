@@ -2,21 +2,15 @@
 
 #include <cstdint>
 #include <map>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include "platform/GpibDriver.h"
+#include "shell/ProgramEnd.h"
 
 namespace hylden {
 
 class Shell;
-
-/// Thrown when the program can't go on; main() ends it. The message has been shown.
-class ProgramEnd : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
 
 /// What an End of String code (0 none, 1 cr, 2 cr/lf) means on the bus; other codes leave the present one unchanged.
 struct Terminator {

@@ -32,6 +32,7 @@ class Claim {
 }  // namespace
 
 bool RunGuard::Run(const std::string& context, const std::function<void()>& run, const std::function<void()>& end) {
+  if (!shell_.end.MayStart()) return false;
   const Claim claim(shell_, [this] {
     if (sigGen_.RfIsOn()) sigGen_.SilenceRf();
   });

@@ -19,7 +19,7 @@ class RunGuard {
   /// Does the run proper, then its end. An exception of the run proper switches RF off at once and is reported; one
   /// that ends the program is thrown on when all is done.
   /// @param context  names the run in the report
-  /// @return false after a message: another run has the instruments, and nothing was done
+  /// @return false when nothing was done: after a message, another run has the instruments; or the program ends
   bool Run(const std::string& context, const std::function<void()>& run, const std::function<void()>& end);
   /// Does a part of the end. An exception ends here; it is reported unless one of this run has been.
   void Attempt(const std::function<void()>& part);

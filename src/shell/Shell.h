@@ -12,6 +12,7 @@
 #include "platform/Printer.h"
 #include "platform/Speaker.h"
 #include "shell/BDelay.h"
+#include "shell/EndOfProgram.h"
 #include "shell/INISettings.h"
 #include "shell/RunLog.h"
 #include "text/RuntimeError.h"
@@ -32,6 +33,7 @@ class Shell {
   INISettings settings;
   RunLog log;
   BDelay delay;
+  EndOfProgram end;
 
   /// What the run log has to say of every run: that no instrument is driven. Empty where instruments are.
   std::string runNotice;
@@ -45,6 +47,8 @@ class Shell {
   /// A run has the instruments.
   bool InstrumentsClaimed() const { return makeSafe_ != nullptr; }
 
+  /// Makes the station safe while a run has the instruments.
+  void MakeSafe();
   /// Tells of an instrument's failure.
   void TellFailure(const std::string& text, MessageIcon icon = MessageIcon::None);
   /// A bus call failed. Outside a run this is shown at once. In a run the station is made safe at once, and the text
@@ -63,8 +67,6 @@ class Shell {
   void ReportError(const std::exception& error, std::string_view context, std::string_view path = {});
 
  private:
-  void MakeSafe();
-
   std::function<void()> makeSafe_;  ///< there while a run has the instruments
   bool makingSafe_ = false;
   std::string busFailure_;  ///< of the run, not shown yet

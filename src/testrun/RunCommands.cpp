@@ -18,7 +18,7 @@ bool RunCommands::Confirm() {
 }
 
 void RunCommands::Run() {
-  if (!engine_.IsRunning() && engine_.MayDropRows() && Confirm()) engine_.RunCdiTest();
+  if (!engine_.IsRunning() && engine_.MayDropRows() && shell_.end.MayStart() && Confirm()) engine_.RunCdiTest();
 }
 
 void RunCommands::Halt() {

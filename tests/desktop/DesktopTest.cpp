@@ -104,7 +104,7 @@ TEST_F(DesktopTest, TestNamedOnTheCommandLineOpensInsteadOfTheMenu) {
   TestDefinition test;
   test.CalInfoFile = t.directory.File("ring.hyinfo");
   SaveRecord(t.directory.File("x.tst"), test);
-  desktop->Provide(WorkingArea::Test, [] { return new WorkingForm; });
+  desktop->Provide(WorkingArea::Test, [this] { return new WorkingForm(t.shell); });
   EXPECT_TRUE(desktop->Start("\"/t:" + t.directory.File("x.tst") + "\""));
   EXPECT_TRUE(t.dialogs.messages.empty()) << t.dialogs.LastText();
   EXPECT_FALSE(desktop->Menu().isVisible());
@@ -112,7 +112,7 @@ TEST_F(DesktopTest, TestNamedOnTheCommandLineOpensInsteadOfTheMenu) {
 
 TEST_F(DesktopTest, AreaWithoutAFormCanNotBeOpened) {
   EXPECT_FALSE(Find<QPushButton>(desktop->Menu(), "cmdRunTest").isEnabled());
-  desktop->Provide(WorkingArea::Test, [] { return new WorkingForm; });
+  desktop->Provide(WorkingArea::Test, [this] { return new WorkingForm(t.shell); });
   EXPECT_TRUE(Find<QPushButton>(desktop->Menu(), "cmdRunTest").isEnabled());
   EXPECT_FALSE(Find<QPushButton>(desktop->Menu(), "cmdCalibration").isEnabled());
 }
@@ -138,21 +138,21 @@ TEST_F(DesktopTest, EndSignalHaltsAndClosesEveryWindow) {
   EXPECT_TRUE(ended);
 }
 
-TEST_F(DesktopTest, EndSignalDoesNotWaitForAnEntryThatCanNotBeTaken) {
+TEST_F(DesktopTest, EntryThatCanNotBeTakenRefusesTheEndAndSaysSo) {
   desktop->Start("\"/e:" + t.directory.File("My station.eqp") + "\"");
   Press(desktop->Menu(), "cmdConfigSys");
   Type(*Form(), "txtSigGenAddr", "99");
-  t.dialogs.Answer(MessageAnswer::No);  // not to be saved
   desktop->CloseAll();
   for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
-  EXPECT_EQ(Form(), nullptr);
-  EXPECT_EQ(t.dialogs.messages.size(), 1U) << t.dialogs.LastText();
-  EXPECT_TRUE(ended);
+  ASSERT_NE(Form(), nullptr);
+  EXPECT_EQ(t.dialogs.Texts(),
+            (std::vector<std::string>{"Number outside valid range, re-enter",
+                                      "The program was asked to end, but this window stays open:\r\n" +
+                                          Form()->windowTitle().toStdString()}));
+  EXPECT_EQ(t.shell.end.Now(), EndOfProgram::State::Refused);
 }
 
 TEST_F(DesktopTest, CancelledEndLeavesEverythingAsItWas) {
-  int refused = 0;
-  MakeDesktop({.onEndRefused = [&] { ++refused; }});
   desktop->Start("\"/e:" + t.directory.File("My station.eqp") + "\"");
   Press(desktop->Menu(), "cmdConfigSys");
   Type(*Form(), "txtSigGenAddr", "9");
@@ -160,12 +160,16 @@ TEST_F(DesktopTest, CancelledEndLeavesEverythingAsItWas) {
   desktop->CloseAll();
   for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
   ASSERT_NE(Form(), nullptr);
-  EXPECT_EQ(refused, 1);
+  EXPECT_EQ(t.shell.end.Now(), EndOfProgram::State::Refused);
+  Type(*Form(), "txtSigGenAddr", "99");
+  EXPECT_FALSE(Form()->close()) << "it is checked as before";
+  Type(*Form(), "txtSigGenAddr", "9");
   t.dialogs.Answer(MessageAnswer::No);
   Form()->close();
   for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
   EXPECT_FALSE(ended);
   EXPECT_TRUE(desktop->Menu().isVisible());
+  EXPECT_EQ(documents.equip.Record.SigGenAddress, 9) << "and kept in the session as before";
 }
 
 TEST_F(DesktopTest, MainMenuNamesStationAndTest) {

@@ -42,7 +42,7 @@ TEST_P(ClosedBoxTest, EscapeIsHaltAndTheCautiousAnswer) {
 
 TEST_P(ClosedBoxTest, EndOfTheProgramAnswersTheSame) {
   QtDialogs dialogs;
-  OnModalWindow([&](QWidget&) { dialogs.BeginEnding(); });
+  OnModalWindow([&](QWidget&) { dialogs.CloseBoxes(); });
   EXPECT_EQ(dialogs.Show({"Go on?", {}, MessageIcon::Question, GetParam().buttons}), GetParam().answer);
 }
 

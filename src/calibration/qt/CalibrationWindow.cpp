@@ -45,8 +45,7 @@ class HeldKeyFilter : public QObject {
 }  // namespace
 
 CalibrationWindow::CalibrationWindow(Shell& shell, SigGen& sigGen, QWidget* parent)
-    : WorkingForm(parent),
-      shell_(shell),
+    : WorkingForm(shell, parent),
       sigGen_(sigGen),
       escape_([this](const QWidget& window) { return &window == this; }, [this] { PressHalt(); }) {
   rfWatch_.setInterval(kRfWatchMs);
@@ -106,69 +105,33 @@ void CalibrationWindow::ClearCountdown() {
   dwellPanel_->clear();
 }
 
+void CalibrationWindow::OnRun(QAbstractButton* button, std::function<void()> run) {
+  On(button, [this, calibrate = std::move(run)] { RunFrom(calibrate); });
+}
+
 void CalibrationWindow::RunFrom(const std::function<void()>& run) {
   if (inRun_) return;
-  const CommandWindow running(*this);
+  const auto done = qScopeGuard([this] {
+    rfWatch_.stop();
+    escape_.Stop();
+    inRun_ = false;
+    ShowRf();
+  });
   inRun_ = true;
   escape_.Start();
   rfWatch_.start();
-  std::exception_ptr programEnd;
-  try {
-    run();
-  } catch (...) {
-    programEnd = std::current_exception();
-  }
-  rfWatch_.stop();
-  escape_.Stop();
-  inRun_ = false;
-  ShowRf();
-  CloseIfAsked();
-  // It goes on to the application from its event loop, since nothing may cross the button that was pressed.
-  if (programEnd)
-    QMetaObject::invokeMethod(
-        qApp, [programEnd] { std::rethrow_exception(programEnd); }, Qt::QueuedConnection);
-}
-
-void CalibrationWindow::Guard(const char* name, const std::function<void()>& command) {
-  const CommandWindow running(*this);
-  const auto done = qScopeGuard([this] {
-    --commands_;
-    CloseIfAsked();
-  });
-  ++commands_;
-  try {
-    command();
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, FromQt(objectName()) + "." + name);
-  }
-}
-
-void CalibrationWindow::CloseIfAsked() {
-  if (inRun_ || commands_ > 0) return;
-  // Not before the press has returned: the button that was pressed goes with the form.
-  if (closePending_ && !SaveMissed())
-    QTimer::singleShot(0, this, [this] {
-      if (isVisible()) close();
-    });
-  closePending_ = false;
+  run();
 }
 
 void CalibrationWindow::PressHalt() {
   controls_.Halt->click();
 }
 
-bool CalibrationWindow::QueryUnload() {
-  if (!inRun_ && commands_ == 0) {
-    bool mayClose = false;
-    Guard("QueryUnload", [&] { mayClose = MayLeavePoints(); });
-    return mayClose;
-  }
-  closePending_ = true;
-  if (!inRun_) return false;
+void CalibrationWindow::Hurry() {
+  if (!inRun_) return;
   // Also where the button can't be pressed: a run that is being brought up has to see it.
   shell_.delay.RequestHalt();
   PressHalt();
-  return false;
 }
 
 void CalibrationWindow::Phase(RunPhase phase) {

@@ -19,7 +19,6 @@ namespace hylden {
 
 class CalibrationTable;
 class RfLamp;
-class Shell;
 class SigGen;
 class TableFollower;
 
@@ -33,10 +32,6 @@ class CalibrationWindow : public WorkingForm, protected RunDisplay {
 
   /// Halts the run as its button does; nothing when there is none.
   void PressHalt();
-  /// A question about saving its points stands on the screen.
-  virtual bool AsksToSave() const { return false; }
-  /// Points that were to be saved are not: the window does not close by itself.
-  virtual bool SaveMissed() const { return false; }
 
  protected:
   struct Controls {
@@ -55,17 +50,15 @@ class CalibrationWindow : public WorkingForm, protected RunDisplay {
 
   /// To be called once the controls are there.
   void SetUp(const Controls& controls, const Patterns& patterns, CalibrationTable& table);
-  /// Runs the calibration; an exception that ends the program goes on to the application.
-  void RunFrom(const std::function<void()>& run);
-  /// Runs a command; what it could not foresee is reported. The window closes behind its boxes, not under them.
-  void Guard(const char* name, const std::function<void()>& command);
+  /// Has the button run a calibration.
+  void OnRun(QAbstractButton* button, std::function<void()> run);
   /// Forgets the figures of the run before.
   virtual void StartAfresh();
-  bool InRun() const { return inRun_; }
   /// Asks about points that would be lost. @return false when the window has to stay
   virtual bool MayLeavePoints() = 0;
 
-  bool QueryUnload() override;
+  bool QueryUnload() override { return MayLeavePoints(); }
+  void Hurry() override;
 
   // The display.
   void Phase(RunPhase phase) override;
@@ -79,11 +72,9 @@ class CalibrationWindow : public WorkingForm, protected RunDisplay {
   /// Running: only Halt can be pressed. Otherwise a run can be started, and what was measured saved.
   virtual void SetRunning(bool running);
 
-  Shell& shell_;
-
  private:
   void SetUpStatusBar();
-  void CloseIfAsked();
+  void RunFrom(const std::function<void()>& run);
   void ShowRf();
   void ShowBusy(bool busy);
   void ClearCountdown();
@@ -100,8 +91,6 @@ class CalibrationWindow : public WorkingForm, protected RunDisplay {
   QTimer rfWatch_{this};  ///< RF can go off under a message box
   bool busy_ = false;     ///< the wait cursor is shown
   bool inRun_ = false;    ///< the press that started a run has not returned yet
-  int commands_ = 0;      ///< that have not returned yet
-  bool closePending_ = false;
 };
 
 }  // namespace hylden

@@ -32,10 +32,10 @@ frmRunCablCal::frmRunCablCal(Shell& shell, Instruments& instruments, RunCablCal&
          ui_->prgSteps, ui_->lvwData, ui_->mnuFile, ui_->cmdHalt, ui_->cmdExit},
         {"####0.0####", "##0.0#", "##0.0#"}, table_);
   new AlignedNumbers(*ui_->lvwData, {{5}, {2}, {2}, {2}, {2}});
-  connect(ui_->cmdDirect, &QPushButton::clicked, this, [this] { StartPass(false); });
-  connect(ui_->cmdInsert, &QPushButton::clicked, this, [this] { StartPass(true); });
-  connect(ui_->cmdSave, &QPushButton::clicked, this, &frmRunCablCal::Save);
-  connect(ui_->mnuFileSaveAs, &QAction::triggered, this, &frmRunCablCal::Save);
+  OnRun(ui_->cmdDirect, [this] { StartPass(false); });
+  OnRun(ui_->cmdInsert, [this] { StartPass(true); });
+  On(ui_->cmdSave, [this] { run_.SaveFile(); });
+  On(ui_->mnuFileSaveAs, [this] { run_.SaveFile(); });
   connect(ui_->mnuFileExit, &QAction::triggered, this, &QWidget::close);
   connect(ui_->mnuHelpRun, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
   if (!run_.Points().empty())
@@ -47,14 +47,12 @@ frmRunCablCal::frmRunCablCal(Shell& shell, Instruments& instruments, RunCablCal&
 frmRunCablCal::~frmRunCablCal() = default;
 
 void frmRunCablCal::StartPass(bool inserted) {
-  RunFrom([this, inserted] {
-    inserted_ = inserted;
-    emit PassStarting(inserted);
-    if (inserted)
-      run_.InsertPass(*this);
-    else
-      run_.DirectPass(*this);
-  });
+  inserted_ = inserted;
+  emit PassStarting(inserted);
+  if (inserted)
+    run_.InsertPass(*this);
+  else
+    run_.DirectPass(*this);
 }
 
 void frmRunCablCal::SetRunning(bool running) {
@@ -108,10 +106,6 @@ std::string frmRunCablCal::Cell(std::size_t row, std::size_t column) const {
     default:
       return {};
   }
-}
-
-void frmRunCablCal::Save() {
-  Guard("cmdSave", [this] { run_.SaveFile(); });
 }
 
 }  // namespace hylden

@@ -36,7 +36,6 @@ class frmRunCablCal : public CalibrationWindow {
   void StartPass(bool inserted);
   void EnablePasses(bool enabled);
   void ShowReadings();
-  void Save();
   std::string Cell(std::size_t row, std::size_t column) const;
 
   RunCablCal& run_;

@@ -25,13 +25,9 @@ frmRunCal::frmRunCal(Shell& shell, Instruments& instruments, Documents& document
   new AlignedNumbers(*ui_->flxCalData, {{6}});
   ui_->cmdStart->setEnabled(false);
   EnableSave(false);
-  connect(ui_->cmdStart, &QPushButton::clicked, this, [this] {
-    bool mayRun = false;
-    Guard("cmdStart", [&] { mayRun = MayLeavePoints(); });
-    if (mayRun) RunFrom([this] { calibration_.Run(); });
-  });
-  connect(ui_->cmdSave, &QPushButton::clicked, this, &frmRunCal::Save);
-  connect(ui_->mnuFileSaveAs, &QAction::triggered, this, &frmRunCal::Save);
+  OnRun(ui_->cmdStart, [this] { calibration_.Run(); });
+  On(ui_->cmdSave, [this] { calibration_.Save(); });
+  On(ui_->mnuFileSaveAs, [this] { calibration_.Save(); });
   connect(ui_->mnuFileExit, &QAction::triggered, this, &QWidget::close);
   connect(ui_->mnuHelpRun, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
 }
@@ -80,10 +76,6 @@ void frmRunCal::Show(Readout readout, std::optional<double> value) {
   const double volts = Conversions::DbuvToVolts(*value);
   ShowNumber(*ui_->lblTestLevel, volts, "##0.000");
   ui_->lblTestLevel->setToolTip(ToQt(ShortestText(volts)));
-}
-
-void frmRunCal::Save() {
-  Guard("cmdSave", [this] { calibration_.Save(); });
 }
 
 }  // namespace hylden

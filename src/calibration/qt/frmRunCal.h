@@ -35,7 +35,6 @@ class frmRunCal : public CalibrationWindow {
   void Show(Readout readout, std::optional<double> value) override;
 
   void EnableSave(bool enabled);
-  void Save();
 
   std::unique_ptr<Ui::frmRunCal> ui_;
   LevelCalibration calibration_;

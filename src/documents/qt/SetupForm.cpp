@@ -4,8 +4,7 @@
 #include <QAction>
 #include <QFileInfo>
 #include <QLineEdit>
-#include <exception>
-#include <utility>
+#include <QMenu>
 
 #include "platform/qt/CommandWindow.h"
 #include "platform/qt/QtText.h"
@@ -25,31 +24,15 @@ std::string WholePath(const std::string& path) {
 
 }  // namespace
 
-void SetupForm::Guard(const QObject* control, const std::function<void()>& command) {
-  const CommandWindow running(*this);
-  ++commands_;
-  try {
-    command();
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, FromQt(objectName() + QLatin1Char('.') + control->objectName()));
-  }
-  --commands_;
-  ShowMark();
-}
-
-void SetupForm::On(QAction* entry, std::function<void()> command) {
-  connect(entry, &QAction::triggered, this, [this, entry, run = std::move(command)] { Guard(entry, run); });
-}
-
-void SetupForm::On(QAbstractButton* button, std::function<void()> command) {
-  connect(button, &QAbstractButton::clicked, this, [this, button, run = std::move(command)] { Guard(button, run); });
-}
-
 void SetupForm::OfferFiles(QMenu* recent, std::string_view kind, const QString& suffix,
                            const std::function<void(const QString&)>& load) {
   recentFiles_ = new RecentFilesMenu(recent, shell_.settings, kind);
-  connect(recentFiles_, &RecentFilesMenu::Chosen, this, load);
-  new FileDrop(this, suffix, load);
+  // A drop comes from the event loop, maybe that of a box which has opened meanwhile.
+  const auto command = [this, recent, load](const QString& path) {
+    if (!IsBusy()) Guard(FromQt(recent->objectName()), [&] { load(path); });
+  };
+  connect(recentFiles_, &RecentFilesMenu::Chosen, this, command);
+  new FileDrop(this, suffix, command);
 }
 
 void SetupForm::AddRecentFile(const std::string& path) {
@@ -75,7 +58,7 @@ void SetupForm::WatchEntries() {
 }
 
 void SetupForm::ShowMark() {
-  if (caption_.isEmpty() || commands_ > 0) return;  // half of what is being loaded is no change
+  if (caption_.isEmpty() || IsBusy()) return;  // half of what is being loaded is no change
   setWindowTitle(HasUnsaved() ? caption_ + QLatin1Char('*') : caption_);
 }
 
@@ -83,9 +66,7 @@ bool SetupForm::MayDrop(const char* title, const std::string& what) {
   if (!HasUnsaved()) return true;
   const MessageAnswer answer = shell_.dialogs.Show({what + " has changes that are not saved.\r\nSave them?", title,
                                                     MessageIcon::Question, MessageButtons::YesNoCancel});
-  const bool mayDrop = answer == MessageAnswer::Yes ? SaveEntries() : answer == MessageAnswer::No;
-  if (!mayDrop) emit StaysOpen();
-  return mayDrop;
+  return answer == MessageAnswer::Yes ? SaveEntries() : answer == MessageAnswer::No;
 }
 
 std::optional<std::string> SetupForm::AskFile(const char* title, const char* filter, std::string_view kind,

@@ -8,31 +8,19 @@
 #include "platform/Dialogs.h"
 #include "shell/qt/WorkingForm.h"
 
-class QAbstractButton;
 class QAction;
 class QMenu;
 
 namespace hylden {
 
 class RecentFilesMenu;
-class Shell;
 
 /// What the forms of equipment, calibration and test have in common: commands, dialogs and a current file.
 class SetupForm : public WorkingForm {
   Q_OBJECT
 
- signals:
-  /// Asked about its unsaved entries, the form was told to stay open.
-  void StaysOpen();
-
  protected:
-  SetupForm(Shell& shell, QWidget* parent) : WorkingForm(parent), shell_(shell) {}
-
-  /// Runs a command; what it could not foresee is reported, since nothing may leave an event handler.
-  void Guard(const QObject* control, const std::function<void()>& command);
-  /// Runs the command, guarded, whenever the control is chosen or pressed.
-  void On(QAction* entry, std::function<void()> command);
-  void On(QAbstractButton* button, std::function<void()> command);
+  SetupForm(Shell& shell, QWidget* parent) : WorkingForm(shell, parent) {}
 
   /// Loads what is chosen from the recent files of the kind or dropped on the form.
   void OfferFiles(QMenu* recent, std::string_view kind, const QString& suffix,
@@ -64,12 +52,11 @@ class SetupForm : public WorkingForm {
   std::optional<std::string> AskSaveFile(const char* title, const char* filter, std::string_view kind,
                                          const std::string& loaded);
 
-  Shell& shell_;
-
  private:
+  void CommandEnded() override { ShowMark(); }
+
   RecentFilesMenu* recentFiles_ = nullptr;
   QString caption_;
-  int commands_ = 0;  ///< that have not returned yet
 };
 
 }  // namespace hylden

@@ -85,8 +85,8 @@ void frmCalSetup::ConnectCommands() {
   connect(ui_->lblListFile, &QWidget::customContextMenuRequested, ui_->cmdCreateList, &QPushButton::click);
   connect(ui_->mnuEditLevel, &QAction::triggered, this,
           [this] { emit EditLevelRequested(ToQt(ui_->lblLimitFile->Path())); });
-  On(ui_->cmdExit, [this] { close(); });
-  On(ui_->mnuFileExit, [this] { close(); });
+  connect(ui_->cmdExit, &QPushButton::clicked, this, &QWidget::close);
+  connect(ui_->mnuFileExit, &QAction::triggered, this, &QWidget::close);
   connect(ui_->mnuHelpCalibrations, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
 }
 
@@ -128,11 +128,8 @@ QString frmCalSetup::HelpTopic() const {
 }
 
 bool frmCalSetup::QueryUnload() {
-  bool mayClose = true;
-  Guard(this, [&] {
-    mayClose = (kept_ && Shows(*kept_)) || MayDropEntries();
-    if (mayClose) FormToSetup(false);
-  });
+  const bool mayClose = (kept_ && Shows(*kept_)) || MayDropEntries();
+  if (mayClose) FormToSetup(false);
   return mayClose;
 }
 
@@ -210,7 +207,7 @@ void frmCalSetup::Load() {
 }
 
 void frmCalSetup::LoadFile(const QString& path) {
-  Guard(ui_->mnuFileLoad, [&] {
+  Guard("mnuFileLoad", [&] {
     if (!MayDropEntries()) return;
     CalSetup& setup = documents_.calSetup;
     if (!setup.LoadDef(FromQt(path))) return;

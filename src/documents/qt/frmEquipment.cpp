@@ -336,7 +336,7 @@ void frmEquipment::AskAndLoad() {
 }
 
 void frmEquipment::LoadFile(const QString& path) {
-  Guard(ui_->mnuEquipFileLoad, [&] {
+  Guard("mnuEquipFileLoad", [&] {
     if (!MayDropEntries()) return;
     const std::string file = FromQt(path);
     if (equip_.LoadDef(file) != 1) return;
@@ -349,11 +349,7 @@ void frmEquipment::LoadFile(const QString& path) {
 }
 
 bool frmEquipment::QueryUnload() {
-  bool mayClose = false;
-  // The end of the session does not wait for an entry that can't be taken.
-  Guard(this,
-        [&] { mayClose = (ProgramEnds() || ApplyEquipment()) && ((kept_ && Shows(*kept_)) || MayDropEntries()); });
-  return mayClose;
+  return ApplyEquipment() && ((kept_ && Shows(*kept_)) || MayDropEntries());
 }
 
 bool frmEquipment::HasUnsaved() const {

@@ -91,8 +91,8 @@ void frmTestDef::ConnectCommands() {
   On(ui_->cmdListFile, [this] { SelectListFile(); });
   On(ui_->cmdCreateList, [this] { CreateList(); });
   On(ui_->cmdStart, [this] { Start(); });
-  On(ui_->cmdExit, [this] { close(); });
-  On(ui_->mnuFileExit, [this] { close(); });
+  connect(ui_->cmdExit, &QPushButton::clicked, this, &QWidget::close);
+  connect(ui_->mnuFileExit, &QAction::triggered, this, &QWidget::close);
   connect(ui_->mnuFilePreview, &QAction::triggered, this, &frmTestDef::PrintPreviewRequested);
   connect(ui_->mnuHelpTestdef, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
 }
@@ -128,9 +128,7 @@ QString frmTestDef::HelpTopic() const {
 }
 
 bool frmTestDef::QueryUnload() {
-  bool mayClose = true;
-  Guard(this, [&] { mayClose = (kept_ && Shows(*kept_)) || MayDropEntries(); });
-  if (!mayClose) return false;
+  if (!(kept_ && Shows(*kept_)) && !MayDropEntries()) return false;
   // A calibration that was chosen, but not taken into the record, is dropped together with its info.
   if (ui_->lblCalFileName->Path() != documents_.testSetup.Definition.CalInfoFile)
     documents_.calInfo.Record = calInfoOfRecord_;
@@ -231,7 +229,7 @@ void frmTestDef::Load() {
 }
 
 void frmTestDef::LoadFile(const QString& path) {
-  Guard(ui_->mnuFileLoad, [&] {
+  Guard("mnuFileLoad", [&] {
     if (!MayDropEntries()) return;
     TestSetup& testSetup = documents_.testSetup;
     if (!testSetup.LoadDef(FromQt(path))) return;
@@ -269,7 +267,7 @@ bool frmTestDef::SaveTo(const std::string& path) {
 }
 
 void frmTestDef::Print() {
-  Guard(ui_->mnuFilePrint, [this] {
+  Guard("mnuFilePrint", [this] {
     TestDefinition shown = documents_.testSetup.Definition;
     if (TakeInto(shown)) documents_.testSetup.PrintTestSetup(shown);
   });

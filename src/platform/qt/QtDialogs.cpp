@@ -197,7 +197,10 @@ MessageAnswer QtDialogs::Show(const Message& message) {
   box->setEscapeButton(set.onClose);
   box->setAccessibleName(box->windowTitle());
   box->setAccessibleDescription(text);
-  if (ending_ && message.buttons == MessageButtons::Ok) QTimer::singleShot(kEndingMessageMs, &*box, &QDialog::reject);
+  if (IsEnding() && message.buttons == MessageButtons::Ok)
+    QTimer::singleShot(kEndingMessageMs, &*box, [this, shown = &*box] {
+      if (IsEnding()) shown->reject();
+    });
   Run(*box);
   if (!box.Alive() || !box->clickedButton()) return AnswerOf(set.onClose);
   return AnswerOf(box->standardButton(box->clickedButton()));
@@ -287,8 +290,7 @@ void QtDialogs::DefaultPointer() {
   while (QApplication::overrideCursor()) QApplication::restoreOverrideCursor();
 }
 
-void QtDialogs::BeginEnding() {
-  ending_ = true;
+void QtDialogs::CloseBoxes() {
   const QWidgetList windows = QApplication::topLevelWidgets();
   for (QWidget* window : windows) {
     auto* dialog = qobject_cast<QDialog*>(window);

@@ -21,6 +21,9 @@ class QtDialogs : public Dialogs {
   /// Called when Escape is pressed in a box, before the box closes: a run takes it as Halt. In an input box Escape just
   /// leaves the text.
   std::function<void()> onEscape;
+  /// Whether the program is being ended: a plain message then closes by itself after a while. Questions still wait for
+  /// their answer.
+  std::function<bool()> isEnding;
 
   MessageAnswer Show(const Message& message) override;
   std::optional<std::string> InputBox(const std::string& prompt, const std::string& title,
@@ -29,11 +32,8 @@ class QtDialogs : public Dialogs {
   std::optional<std::string> SaveFile(const FileRequest& request) override;
   void DefaultPointer() override;
 
-  /// The program has been asked to end: every box on the screen closes as by its close button, and from now on a plain
-  /// message closes by itself after a while. Questions still wait for their answer.
-  void BeginEnding();
-  /// The program goes on after all.
-  void EndRefused() { ending_ = false; }
+  /// Every box on the screen closes as by its close button.
+  void CloseBoxes();
 
  private:
   struct LastUsed {
@@ -42,12 +42,12 @@ class QtDialogs : public Dialogs {
   };
 
   bool Run(QDialog& dialog);
+  bool IsEnding() const { return isEnding && isEnding(); }
   std::optional<std::string> WithOnlySuffix(const std::string& path, const FileRequest& request);
   std::optional<std::string> AskForFile(QFileDialog& dialog, const FileRequest& request);
 
   QString StartOf(const FileRequest& request) const;
 
-  bool ending_ = false;
   std::map<std::string, LastUsed> lastUsed_;  ///< by filter
 };
 

@@ -8,6 +8,7 @@
 #include "platform/qt/CommandWindow.h"
 #include "platform/qt/QtText.h"
 #include "shell/Shell.h"
+#include "shell/qt/WorkingForm.h"
 #include "shell/qt/frmPickDir.h"
 
 namespace hylden {
@@ -71,19 +72,21 @@ void ChooseEquipmentFile(Shell& shell) {
   }
 }
 
-/// The form that the menu hangs on, as the one whose command runs.
-void RunFrom(QMenu& menu, const std::function<void()>& command) {
+/// Runs a command of the form that the menu hangs on.
+void RunFrom(QMenu& menu, const QAction& entry, const std::function<void()>& command) {
   QWidget* owner = &menu;
   while (owner->parentWidget()) owner = owner->parentWidget();
-  const CommandWindow running(*owner);
-  command();
+  if (auto* const form = qobject_cast<WorkingForm*>(owner))
+    form->Guard(FromQt(entry.objectName()), command);
+  else
+    command();
 }
 
 void AddDirectory(QMenu& menu, Shell& shell, const DirectoryEntry& entry) {
   QAction* const action = menu.addAction(QString::fromLatin1(entry.caption));
   action->setObjectName(QString::fromLatin1(entry.name));
   QObject::connect(action, &QAction::triggered, &menu,
-                   [&menu, &shell, &entry] { RunFrom(menu, [&] { ChooseDirectory(shell, entry); }); });
+                   [&menu, &shell, &entry, action] { RunFrom(menu, *action, [&] { ChooseDirectory(shell, entry); }); });
 }
 
 }  // namespace
@@ -93,7 +96,7 @@ void FillOptionsMenu(QMenu& menu, Shell& shell) {
   QAction* const file = menu.addAction(QStringLiteral("&Default Equipment File"));
   file->setObjectName(QStringLiteral("mnuFileOptEquipfile"));
   QObject::connect(file, &QAction::triggered, &menu,
-                   [&menu, &shell] { RunFrom(menu, [&] { ChooseEquipmentFile(shell); }); });
+                   [&menu, &shell, file] { RunFrom(menu, *file, [&] { ChooseEquipmentFile(shell); }); });
   for (const DirectoryEntry& entry : kDirectories) AddDirectory(menu, shell, entry);
 }
 

@@ -1,15 +1,24 @@
 #include "shell/qt/WorkingForm.h"
 
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QTimer>
 #include <QToolBar>
+#include <exception>
+#include <utility>
 
 #include "platform/qt/CommandWindow.h"
+#include "platform/qt/QtText.h"
+#include "shell/ProgramEnd.h"
+#include "shell/Shell.h"
 
 namespace hylden {
 
-WorkingForm::WorkingForm(QWidget* parent) : QMainWindow(parent) {}
+WorkingForm::WorkingForm(Shell& shell, QWidget* parent) : QMainWindow(parent), shell_(shell) {}
 
 void WorkingForm::OpenFrom(QWidget* caller) {
   CallingForm = caller;
@@ -20,13 +29,83 @@ void WorkingForm::OpenFrom(QWidget* caller) {
   if (caller && windowModality() == caller->windowModality()) caller->hide();
 }
 
+void WorkingForm::Guard(std::string_view name, const std::function<void()>& command) {
+  if (shell_.end.MayStart()) Run(name, command);
+}
+
+void WorkingForm::On(QAction* entry, std::function<void()> command) {
+  connect(entry, &QAction::triggered, this,
+          [this, entry, run = std::move(command)] { Guard(FromQt(entry->objectName()), run); });
+}
+
+void WorkingForm::On(QAbstractButton* button, std::function<void()> command) {
+  connect(button, &QAbstractButton::clicked, this,
+          [this, button, run = std::move(command)] { Guard(FromQt(button->objectName()), run); });
+}
+
+void WorkingForm::Run(std::string_view name, const std::function<void()>& command) {
+  const CommandWindow running(*this);
+  ++commands_;
+  try {
+    command();
+  } catch (const ProgramEnd&) {
+    // It goes on to the application from its event loop, since nothing may cross the button that was pressed.
+    QMetaObject::invokeMethod(
+        qApp, [end = std::current_exception()] { std::rethrow_exception(end); }, Qt::QueuedConnection);
+  } catch (const std::exception& error) {
+    Report(name, error);
+  }
+  if (--commands_ > 0) return;
+  CommandEnded();
+  CloseIfPending();
+}
+
+void WorkingForm::Report(std::string_view name, const std::exception& error) {
+  if (shell_.InstrumentsClaimed()) {
+    shell_.delay.RequestHalt();
+    shell_.MakeSafe();
+  }
+  shell_.ReportError(error, FromQt(objectName()).append(".").append(name));
+}
+
+void WorkingForm::CloseBehindCommand() {
+  if (!IsBusy()) return;
+  closePending_ = true;
+  Hurry();
+}
+
+void WorkingForm::CloseIfPending() {
+  if (!closePending_) return;
+  // Not before the press has returned: the button that was pressed goes with the form.
+  QTimer::singleShot(0, this, [this] {
+    if (!closePending_ || IsBusy()) return;  // taken back, or done behind the next command
+    closePending_ = false;
+    if (SaveMissed())
+      emit StaysOpen();
+    else
+      close();
+  });
+}
+
+bool WorkingForm::MayClose() {
+  if (IsBusy()) {
+    CloseBehindCommand();
+    return false;
+  }
+  bool mayClose = false;
+  Run("QueryUnload", [&] { mayClose = QueryUnload(); });
+  // Asked to close once more meanwhile, the form has not answered yet.
+  if (!mayClose && !closePending_) emit StaysOpen();
+  return mayClose;
+}
+
 void WorkingForm::closeEvent(QCloseEvent* event) {
-  const CommandWindow closing(*this);
-  if (!QueryUnload()) {
+  if (!MayClose()) {
     event->ignore();
     return;
   }
   event->accept();
+  closePending_ = false;
   if (CallingForm) {
     CallingForm->show();
     CallingForm->activateWindow();

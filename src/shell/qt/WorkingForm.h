@@ -3,7 +3,11 @@
 #include <QMainWindow>
 #include <QPointer>
 #include <QString>
+#include <functional>
+#include <string_view>
 
+class QAbstractButton;
+class QAction;
 class QCloseEvent;
 class QKeyEvent;
 class QLabel;
@@ -11,13 +15,17 @@ class QToolBar;
 
 namespace hylden {
 
+class Shell;
+
 /// A window that one opens from another: when it unloads, the form that opened it is shown again.
 /// A form shows and asks; it never opens another form itself, but tells by a signal what is wanted.
+/// What it does on a press or a choice is a command. A form does not close while one of its commands runs, also not
+/// between two boxes: the close is done when the command has ended.
 class WorkingForm : public QMainWindow {
   Q_OBJECT
 
  public:
-  explicit WorkingForm(QWidget* parent = nullptr);
+  explicit WorkingForm(Shell& shell, QWidget* parent = nullptr);
 
   /// The form to show again when this one unloads.
   QPointer<QWidget> CallingForm;
@@ -25,8 +33,21 @@ class WorkingForm : public QMainWindow {
   /// Shows this form in the place of the one that opened it; a modal form stands above a caller that is not modal.
   void OpenFrom(QWidget* caller);
 
-  /// The program ends: entries that can't be taken hold the form open no longer. Call it before closing it.
-  void EndWithProgram() { programEnds_ = true; }
+  /// Runs a command, unless the program is being ended. What it could not foresee is reported, since nothing may leave
+  /// an event handler; a run that is on is halted then.
+  /// @param name  of the control, for the report
+  void Guard(std::string_view name, const std::function<void()>& command);
+
+  /// A command runs, or the question whether to close stands.
+  bool IsBusy() const { return commands_ > 0; }
+  /// Has a busy form close when its command has ended; a run is halted. Does nothing to another one.
+  void CloseBehindCommand();
+  /// Takes that back.
+  void ForgetClose() { closePending_ = false; }
+  /// A question about saving what was measured stands on the screen: it may not be taken away.
+  virtual bool AsksToSave() const { return false; }
+  /// What was to be saved is not: the form does not close behind its command.
+  virtual bool SaveMissed() const { return false; }
 
   /// The heading of the help file that F1 opens; empty for its beginning.
   virtual QString HelpTopic() const { return {}; }
@@ -35,18 +56,34 @@ class WorkingForm : public QMainWindow {
   void HelpRequested(const QString& topic);
   /// The form has closed and its caller is shown again.
   void Unloaded();
+  /// The form was asked to close and stays open.
+  void StaysOpen();
 
  protected:
-  /// Whether the form may close now; what has to be done before is done here.
+  /// Whether the form may close now; what has to be done before is done here. No command runs then.
   virtual bool QueryUnload() { return true; }
+  /// A close waits for the command that runs.
+  virtual void Hurry() {}
+  /// The last of the running commands has ended.
+  virtual void CommandEnded() {}
 
-  bool ProgramEnds() const { return programEnds_; }
+  /// Runs the command, guarded, whenever the control is chosen or pressed.
+  void On(QAction* entry, std::function<void()> command);
+  void On(QAbstractButton* button, std::function<void()> command);
 
   void closeEvent(QCloseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
 
+  Shell& shell_;
+
  private:
-  bool programEnds_ = false;
+  void Run(std::string_view name, const std::function<void()>& command);
+  void Report(std::string_view name, const std::exception& error);
+  bool MayClose();
+  void CloseIfPending();
+
+  int commands_ = 0;  ///< that have not returned yet
+  bool closePending_ = false;
 };
 
 /// A band across the top of a window that tells, unmistakably, that no real instrument is driven.

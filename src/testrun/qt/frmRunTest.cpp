@@ -6,6 +6,7 @@
 
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
+#include "platform/FlagRaised.h"
 #include "platform/qt/CommandWindow.h"
 #include "run/qt/RunWindowPlace.h"
 #include "shell/Shell.h"
@@ -28,8 +29,7 @@ constexpr int kCommentColumn = static_cast<int>(RunColumn::TestLevel);
 }  // namespace
 
 frmRunTest::frmRunTest(Shell& shell, Instruments& instruments, Documents& documents, QWidget* parent)
-    : WorkingForm(parent),
-      shell_(shell),
+    : WorkingForm(shell, parent),
       instruments_(instruments),
       documents_(documents),
       ui_(std::make_unique<Ui::frmRunTest>()),
@@ -78,14 +78,7 @@ void frmRunTest::SetUpStatusBar() {
 }
 
 void frmRunTest::ConnectFileMenu() {
-  connect(ui_->mnuFileSave, &QAction::triggered, this, [this] {
-    const CommandWindow saving(*this);
-    try {
-      engine_.Save();
-    } catch (const std::exception& error) {
-      shell_.ReportError(error, "mnuFileSave");
-    }
-  });
+  On(ui_->mnuFileSave, [this] { Save(); });
   const auto print = [this](QAction* action, QAction* preview, RunReportKind kind) {
     connect(action, &QAction::triggered, this, [this, kind] { PrintReport(kind); });
     connect(preview, &QAction::triggered, this, [this, kind] { emit PrintPreviewRequested(kind); });
@@ -97,12 +90,12 @@ void frmRunTest::ConnectFileMenu() {
 }
 
 void frmRunTest::PrintReport(RunReportKind kind) {
-  const CommandWindow printing(*this);
-  try {
-    PrintRunReport(shell_, documents_, engine_.Data(), kind);
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, "mnuFilePrint");
-  }
+  Guard("mnuFilePrint", [&] { PrintRunReport(shell_, documents_, engine_.Data(), kind); });
+}
+
+void frmRunTest::Save() {
+  const FlagRaised saving(saving_);
+  engine_.Save();
 }
 
 void frmRunTest::ConnectUnits() {

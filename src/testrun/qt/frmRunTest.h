@@ -46,8 +46,8 @@ class frmRunTest : public WorkingForm, private RunDisplay, private ManualControl
   /// Halts the run as its button does; nothing when there is none.
   void PressHalt();
   void PrintReport(RunReportKind kind);
-  /// The question whether to save the data of a run that is over stands on the screen.
-  bool AsksToSave() const { return engine_.AsksToSave(); }
+  bool AsksToSave() const override { return saving_ || engine_.AsksToSave(); }
+  bool SaveMissed() const override { return engine_.SaveMissed(); }
 
   const RunEngine& Engine() const { return engine_; }
   QString HelpTopic() const override;
@@ -58,6 +58,7 @@ class frmRunTest : public WorkingForm, private RunDisplay, private ManualControl
 
  protected:
   bool QueryUnload() override;
+  void Hurry() override;
   void changeEvent(QEvent* event) override;
 
  private:
@@ -117,11 +118,9 @@ class frmRunTest : public WorkingForm, private RunDisplay, private ManualControl
   void ShowMarks();
   void ClearCountdown();
   void AskForHelp() { emit HelpRequested(HelpTopic()); }
-  void EndRun();
-  bool MayDropRows();
+  void Save();
   bool IsOurs(const QWidget& window) const;
 
-  Shell& shell_;
   Instruments& instruments_;
   Documents& documents_;
   std::unique_ptr<Ui::frmRunTest> ui_;
@@ -147,8 +146,8 @@ class frmRunTest : public WorkingForm, private RunDisplay, private ManualControl
   double estimatedMinutes_ = 0;  ///< of the whole run
   int filledRows_ = 0;
   bool simulated_ = false;
-  bool inRun_ = false;  ///< a press of Run has not returned yet
-  bool closePending_ = false;
+  bool inRun_ = false;   ///< a press of Run has not returned yet
+  bool saving_ = false;  ///< the file dialog of the save command may stand on the screen
 };
 
 }  // namespace hylden

@@ -1,11 +1,9 @@
 // The test run form and the windows around it: loading, the run buttons, manual mode, unloading.
 
-#include <QApplication>
 #include <QMenu>
-#include <exception>
+#include <QScopeGuard>
 
 #include "instruments/Instruments.h"
-#include "platform/qt/CommandWindow.h"
 #include "platform/qt/QtText.h"
 #include "run/qt/RunWindowPlace.h"
 #include "shell/Shell.h"
@@ -18,7 +16,6 @@
 namespace hylden {
 
 void frmRunTest::Load() {
-  const CommandWindow loading(*this);
   Status("State: Idle");
   ButtonForm = std::make_unique<frmRunButtons>(shell_, this);
   ButtonForm->setWindowIcon(windowIcon());
@@ -29,11 +26,9 @@ void frmRunTest::Load() {
   connect(ButtonForm.get(), &frmRunButtons::ExitClick, this, &frmRunTest::buttonform_exitclick);
   connect(ButtonForm.get(), &frmRunButtons::HelpRequested, this, &frmRunTest::AskForHelp);
   ButtonForm->show();
-  try {
-    if (engine_.Prepare() == RunReadiness::NoSteps) close();
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, "frmRunTest.Load");
-  }
+  auto readiness = RunReadiness::NotReady;
+  Guard("Load", [&] { readiness = engine_.Prepare(); });
+  if (readiness == RunReadiness::NoSteps) close();
 }
 
 void frmRunTest::SetSimulated() {
@@ -42,27 +37,16 @@ void frmRunTest::SetSimulated() {
   if (ButtonForm) ButtonForm->SetSimulated();
 }
 
+void frmRunTest::Hurry() {
+  if (inRun_) PressHalt();
+}
+
+/// Rows that were to be saved and are not are asked about once more.
 bool frmRunTest::QueryUnload() {
-  if (inRun_) {
-    closePending_ = true;
-    PressHalt();
-    return false;
-  }
-  if (!MayDropRows()) return false;
+  if (engine_.SaveMissed() && !engine_.MayDropRows()) return false;
   RememberPlace(shell_, windowkey::kRunTestForm, *this);
   if (ButtonForm) ButtonForm->Unload();
   return true;
-}
-
-/// Rows that were to be saved and are not are asked about once more; a question that stands is enough.
-bool frmRunTest::MayDropRows() {
-  if (engine_.AsksToSave()) return false;
-  try {
-    return !engine_.SaveMissed() || engine_.MayDropRows();
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, "mnuFileSave");
-    return false;
-  }
 }
 
 bool frmRunTest::IsOurs(const QWidget& window) const {
@@ -75,33 +59,19 @@ void frmRunTest::PressHalt() {
 
 void frmRunTest::buttonform_RunClick() {
   if (inRun_) return;
-  const CommandWindow running(*this);
-  inRun_ = true;
-  escape_.Start();
-  rfWatch_.start();
-  std::exception_ptr programEnd;
-  try {
+  Guard("cmdRun", [this] {
+    const auto done = qScopeGuard([this] {
+      rfWatch_.stop();
+      escape_.Stop();
+      inRun_ = false;
+      RememberPlace(shell_, windowkey::kManualForm, manualPlace_);
+      ShowRf();
+    });
+    inRun_ = true;
+    escape_.Start();
+    rfWatch_.start();
     commands_.Run();
-  } catch (...) {
-    programEnd = std::current_exception();
-  }
-  EndRun();
-  // It goes on to the application from its event loop, since nothing may cross the button that was pressed.
-  if (programEnd)
-    QMetaObject::invokeMethod(
-        qApp, [programEnd] { std::rethrow_exception(programEnd); }, Qt::QueuedConnection);
-}
-
-void frmRunTest::EndRun() {
-  rfWatch_.stop();
-  escape_.Stop();
-  inRun_ = false;
-  RememberPlace(shell_, windowkey::kManualForm, manualPlace_);
-  ShowRf();
-  // Not before the press of Run has returned: the button that was pressed goes with the form.
-  // Nor while it holds data that were to be saved and are not.
-  if (closePending_ && !engine_.SaveMissed()) QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
-  closePending_ = false;
+  });
 }
 
 void frmRunTest::buttonform_HaltClick() {
