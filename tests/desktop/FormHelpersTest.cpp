@@ -153,7 +153,13 @@ TEST_F(FormHelpersTest, PickerTakesWhatIsTypedAndMakesWhatIsMissing) {
   EXPECT_EQ(picker.PickedDir(), t.directory.File("cables/long"));
   EXPECT_TRUE(std::filesystem::is_directory(t.directory.File("cables/long")));
 
-  t.dialogs.AnswerInput("short");
+  t.dialogs.AnswerInput("  ");
+  Press(picker, "cmdNew");
+  t.dialogs.AnswerInput(std::string(127, 'd'));
+  Press(picker, "cmdNew");
+  EXPECT_TRUE(t.dialogs.WasShownContaining("longer than 127 characters"));
+  EXPECT_TRUE(std::filesystem::is_empty(t.directory.File("cables/long")));
+  t.dialogs.AnswerInput(" short ");
   Press(picker, "cmdNew");
   picker.accept();
   EXPECT_EQ(picker.PickedDir(), t.directory.File("cables/long/short"));

@@ -7,6 +7,7 @@
 
 #include "platform/qt/CommandWindow.h"
 #include "platform/qt/QtText.h"
+#include "shell/FitsSettings.h"
 #include "shell/Shell.h"
 #include "shell/qt/WorkingForm.h"
 #include "shell/qt/frmPickDir.h"
@@ -14,8 +15,6 @@
 namespace hylden {
 
 namespace {
-
-constexpr std::size_t kLongestPath = 127;
 
 struct DirectoryEntry {
   const char* name;
@@ -35,14 +34,6 @@ constexpr DirectoryEntry kDirectories[] = {
     {"mnuFileOptFreqListDir", "Freq &List Dir", datakind::kFreqList},
     {"mnuFileOptInsLossDir", "&Insertion Loss Output Dir", datakind::kInsertionLoss},
 };
-
-/// The settings file hands back no more of a value than this; a path that would come back cut is refused.
-bool FitsSettings(Shell& shell, const std::string& path) {
-  if (ToQt(path).size() <= static_cast<qsizetype>(kLongestPath)) return true;
-  shell.dialogs.Tell("The path is longer than 127 characters and can't be kept in the settings:\r\n" + path,
-                     MessageIcon::Exclamation);
-  return false;
-}
 
 void ChooseDirectory(Shell& shell, const DirectoryEntry& entry) {
   try {

@@ -6,6 +6,7 @@
 #include <QStyle>
 
 #include "platform/qt/QtText.h"
+#include "shell/FitsSettings.h"
 #include "shell/Shell.h"
 #include "text/TextFile.h"
 #include "ui_frmPickDir.h"
@@ -96,6 +97,7 @@ QString frmPickDir::Chosen() const {
 }
 
 bool frmPickDir::Make(const QString& path) {
+  if (!FitsSettings(shell_, FromQt(path))) return false;
   if (QDir().mkpath(path)) return true;
   shell_.dialogs.Tell("The directory can't be created:\r\n" + FromQt(path), MessageIcon::Exclamation);
   return false;
@@ -103,8 +105,9 @@ bool frmPickDir::Make(const QString& path) {
 
 void frmPickDir::NewFolder() {
   const auto name = shell_.dialogs.InputBox("Name of the new folder", "New Folder");
-  if (!name || name->empty()) return;
-  const QString path = QDir(Chosen()).filePath(ToQt(*name));
+  const QString folder = name ? ToQt(*name).trimmed() : QString();
+  if (folder.isEmpty()) return;
+  const QString path = QDir(Chosen()).filePath(folder);
   if (Make(path)) ShowDirectory(path);
 }
 
