@@ -121,10 +121,15 @@ frmEquipment* Desktop::OpenEquipment(QWidget* caller, int tab, bool modal) {
   if (modal) form->setWindowModality(Qt::ApplicationModal);
   form->Offer(false, false, true);
   connect(form, &frmEquipment::InsertionLossRequested, this, [this, form] { OpenCableSetup(form); });
-  connect(form, &WorkingForm::Unloaded, this, [this] {
-    if (options_.onEquipmentApplied) options_.onEquipmentApplied();
-  });
+  connect(form, &WorkingForm::Unloaded, this, [this, form] { Applied(form); });
   return Open(form, caller) ? form : nullptr;
+}
+
+/// Another equipment form, behind the one that has closed, shows what was changed there.
+void Desktop::Applied(const frmEquipment* form) {
+  if (options_.onEquipmentApplied) options_.onEquipmentApplied();
+  for (const QPointer<WorkingForm>& open : std::as_const(open_))
+    if (auto* const other = qobject_cast<frmEquipment*>(open.data()); other && other != form) other->ShowChanges();
 }
 
 WorkingForm* Desktop::MakeTestDefinition() {

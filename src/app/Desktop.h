@@ -113,6 +113,7 @@ class Desktop : public QObject, private StartUpSteps {
   void ShowStation();
   void ClearBoxes();
   void RefuseEnd(const WorkingForm& form);
+  void Applied(const frmEquipment* form);
   void OpenCableRun(QWidget* caller);
   bool LoadHelp();
   void EscapeInPanel();

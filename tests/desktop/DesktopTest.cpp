@@ -172,6 +172,30 @@ TEST_F(DesktopTest, CancelledEndLeavesEverythingAsItWas) {
   EXPECT_EQ(documents.equip.Record.SigGenAddress, 9) << "and kept in the session as before";
 }
 
+TEST_F(DesktopTest, SecondEquipmentFormCostsTheFirstNothingThatWasChangedThere) {
+  desktop->Start("\"/e:" + t.directory.File("My station.eqp") + "\"");
+  frmEquipment& first = *desktop->OpenEquipment(&desktop->Menu());
+  Type(first, "txtSigGenAddr", "9");
+  ASSERT_TRUE(first.ApplyEquipment());  // as on the way to the insertion loss
+  frmEquipment& second = *desktop->OpenEquipment(&first, 0, true);
+  second.close();
+  EXPECT_TRUE(t.dialogs.messages.empty()) << "nothing was changed in the second";
+  frmEquipment& third = *desktop->OpenEquipment(&first, 0, true);
+  Type(third, "txtSigGenAddr", "7");
+  const std::string other = t.directory.File("Other.eqp");
+  t.dialogs.AnswerSave(other);
+  Choose(third, "mnuEquipFileSaveAs");
+  Press(third, "cmdNoSigGen");
+  t.dialogs.Answer(MessageAnswer::No);  // kept in the session
+  ASSERT_TRUE(third.close());
+  EXPECT_EQ(TextOf(first, "txtSigGenAddr"), "");
+  EXPECT_EQ(first.windowTitle().toStdString(), "Equipment File: " + other + "*");
+  t.dialogs.Clear();
+  EXPECT_TRUE(first.close());
+  EXPECT_TRUE(t.dialogs.messages.empty()) << "asked about once";
+  EXPECT_EQ(documents.equip.Record.SigGenFile, "");
+}
+
 TEST_F(DesktopTest, MainMenuNamesStationAndTest) {
   desktop->Start("\"/e:" + t.directory.File("My station.eqp") + "\"");
   EXPECT_EQ(TextOf(desktop->Menu(), "lblStation"), "Station: My station.eqp\nTest: none");

@@ -279,6 +279,21 @@ void frmEquipment::ShowRecord() {
   EnableAmplifierControls();
 }
 
+bool frmEquipment::ShowsRecord() {
+  for (const InstrumentKind kind : {InstrumentKind::SigGen, InstrumentKind::Meter, InstrumentKind::PwrMtr})
+    if (const InstrumentRow row = Row(kind); row.label.Path() != row.file) return false;
+  return Shows(equip_.Record);
+}
+
+void frmEquipment::ShowChanges() {
+  const bool changed = !ShowsRecord();
+  ShowRecord();
+  ShowFileName();
+  if (!changed) return;
+  kept_.reset();
+  if (HasUnsaved()) kept_ = equip_.Record;  // the other form has asked about it
+}
+
 void frmEquipment::ShowFileName() {
   const std::string& path = equip_.EquipFileName;
   SetCaption(QStringLiteral("Equipment File: ") + ToQt(path));

@@ -36,6 +36,8 @@ class frmEquipment : public SetupForm {
   void Offer(bool instrumentEditors, bool factorEditor, bool insertionLoss);
   /// Fills the form from the record, loading the three instrument definitions.
   void ShowEquipment();
+  /// Fills the form afresh when another equipment form has changed the station.
+  void ShowChanges();
   /// Copies the form into the record and the drivers; false when an entry is invalid, after its prompt.
   bool ApplyEquipment();
   /// Makes the file the current one and shows it; after a failure record and form stay as they were.
@@ -73,6 +75,7 @@ class frmEquipment : public SetupForm {
   void SelectTable(const TableRow& row);
   void ShowRecord();
   void ShowFileName();
+  bool ShowsRecord();
   void EnableAmplifierControls();
   void SetConfiguration(AmpConfig configuration);
   void SetAmplifierType(AmpType type);
