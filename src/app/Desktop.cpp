@@ -1,6 +1,7 @@
 #include "app/Desktop.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QTimer>
 #include <utility>
 
@@ -20,12 +21,14 @@
 #include "instruments/Instruments.h"
 #include "platform/qt/QtText.h"
 #include "shell/FormInput.h"
+#include "shell/RecentFiles.h"
 #include "shell/Shell.h"
 #include "shell/qt/FormPrompts.h"
 #include "shell/qt/TopMenu.h"
 #include "shell/qt/WorkingForm.h"
 #include "shell/qt/frmHelp.h"
 #include "testrun/qt/frmRunTest.h"
+#include "text/TextFile.h"
 
 namespace hylden {
 
@@ -276,6 +279,7 @@ void Desktop::SetTitle(const std::string& title) {
 bool Desktop::LoadEquipment(const std::string& path) {
   if (documents_.equip.LoadDef(path) != 1) return false;
   documents_.equip.EquipFileName = path;
+  AddRecent(datakind::kEquip, path);
   return true;
 }
 
@@ -288,7 +292,14 @@ void Desktop::ApplyEquipment() {
 }
 
 bool Desktop::LoadTest(const std::string& path) {
-  return documents_.testSetup.LoadDef(path);
+  if (!documents_.testSetup.LoadDef(path)) return false;
+  AddRecent(datakind::kTestSetups, path);
+  return true;
+}
+
+/// The list has whole paths: the program may be started elsewhere next time.
+void Desktop::AddRecent(std::string_view kind, const std::string& path) {
+  RecentFiles(shell_.settings, kind).Add(FromQt(QFileInfo(ToQt(ExistingPath(path))).absoluteFilePath()));
 }
 
 std::string Desktop::CalInfoFile() {

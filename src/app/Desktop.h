@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "shell/StartUp.h"
 
@@ -108,6 +109,7 @@ class Desktop : public QObject, private StartUpSteps {
   std::string CalInfoFile() override;
   bool LoadCalInfo(const std::string& path) override;
 
+  void AddRecent(std::string_view kind, const std::string& path);
   void OpenArea(WorkingArea area);
   /// The main menu says which station and test are loaded.
   void ShowStation();

@@ -35,10 +35,10 @@ std::map<std::string, std::string> RecentFiles::Kept() const {
   return kept;
 }
 
-void RecentFiles::Add(const std::string& path) {
-  if (path.empty() || !clsSetting::Fits(path)) return;
+bool RecentFiles::Add(const std::string& path) {
+  if (!clsSetting::Fits(path)) return false;
   std::vector<std::string> files = List();
-  if (!files.empty() && files.front() == path) return;
+  if (path.empty() || (!files.empty() && files.front() == path)) return true;
   std::erase(files, path);
   files.insert(files.begin(), path);
   files.resize(kMost);
@@ -47,6 +47,7 @@ void RecentFiles::Add(const std::string& path) {
     const std::string& file = files[static_cast<std::size_t>(number - 1)];
     if (kept[Key(number)] != file) settings_.Save(kSection, Key(number), file);
   }
+  return true;
 }
 
 }  // namespace hylden

@@ -19,8 +19,8 @@ class RecentFiles {
 
   /// The files that still exist, the last used first.
   std::vector<std::string> List() const;
-  /// Puts the file at the head of the list. A path that is too long for the settings is not kept.
-  void Add(const std::string& path);
+  /// Puts the file at the head of the list. @return false where its path is too long for the settings to keep
+  bool Add(const std::string& path);
 
  private:
   std::string Key(int number) const { return kind_ + std::to_string(number); }

@@ -23,6 +23,8 @@ void RecentFilesMenu::Fill() {
     connect(entry, &QAction::triggered, this, [this, path] { emit Chosen(ToQt(path)); });
   }
   if (number == 0) menu_->addAction(QStringLiteral("None yet"))->setEnabled(false);
+  if (leftOut_)
+    menu_->addAction(QStringLiteral("A path of more than 127 characters can't be kept here"))->setEnabled(false);
 }
 
 }  // namespace hylden

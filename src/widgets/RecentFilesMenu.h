@@ -9,14 +9,14 @@ class QMenu;
 
 namespace hylden {
 
-/// A submenu of the files used last, filled each time it opens.
+/// A submenu of the files used last, filled each time it opens. It says so where one was left out.
 class RecentFilesMenu : public QObject {
   Q_OBJECT
 
  public:
   RecentFilesMenu(QMenu* menu, INISettings& settings, std::string_view kind);
 
-  void Add(const std::string& path) { files_.Add(path); }
+  void Add(const std::string& path) { leftOut_ = !files_.Add(path) || leftOut_; }
 
  signals:
   void Chosen(const QString& path);
@@ -26,6 +26,7 @@ class RecentFilesMenu : public QObject {
 
   QMenu* menu_;
   RecentFiles files_;
+  bool leftOut_ = false;  ///< a path that is too long for the settings
 };
 
 }  // namespace hylden

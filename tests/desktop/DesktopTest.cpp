@@ -9,6 +9,7 @@
 #include "bench/Bench.h"
 #include "desktop/FormDriver.h"
 #include "documents/qt/frmEquipment.h"
+#include "shell/RecentFiles.h"
 #include "shell/qt/TopMenu.h"
 #include "support/ScriptedBus.h"
 #include "support/TestShell.h"
@@ -108,6 +109,14 @@ TEST_F(DesktopTest, TestNamedOnTheCommandLineOpensInsteadOfTheMenu) {
   EXPECT_TRUE(desktop->Start("\"/t:" + t.directory.File("x.tst") + "\""));
   EXPECT_TRUE(t.dialogs.messages.empty()) << t.dialogs.LastText();
   EXPECT_FALSE(desktop->Menu().isVisible());
+}
+
+TEST_F(DesktopTest, FilesOfTheCommandLineAreRecentFilesWithTheirWholePaths) {
+  SaveRecord(t.directory.File("x.tst"), TestDefinition());
+  desktop->Start("\"/e:My station.eqp\" \"/t:x.tst\"");
+  using Files = std::vector<std::string>;
+  EXPECT_EQ(RecentFiles(t.shell.settings, datakind::kEquip).List(), Files{t.directory.File("My station.eqp")});
+  EXPECT_EQ(RecentFiles(t.shell.settings, datakind::kTestSetups).List(), Files{t.directory.File("x.tst")});
 }
 
 TEST_F(DesktopTest, AreaWithoutAFormCanNotBeOpened) {

@@ -223,6 +223,16 @@ TEST_F(EquipmentFormTest, SavedStationLoadsAgainThroughRecentFiles) {
   EXPECT_EQ(TextOf(f, "txtSigGenAddr"), "5");
 }
 
+TEST_F(EquipmentFormTest, RecentFilesSayThatAPathIsTooLongForThem) {
+  frmEquipment& f = Open();
+  const std::string path = t.directory.Write(std::string(120, 'd') + "/lab.eqp", "");
+  SaveRecord(path, Record());
+  f.LoadFile(QString::fromStdString(path));
+  auto& recent = Find<QMenu>(f, "mnuFileRecent");
+  emit recent.aboutToShow();
+  EXPECT_EQ(recent.actions().last()->text(), "A path of more than 127 characters can't be kept here");
+}
+
 TEST_F(EquipmentFormTest, InvalidEntryIsNotSaved) {
   frmEquipment& f = Open();
   Type(f, "txtSigGenAddr", "99");

@@ -38,7 +38,7 @@ TEST_F(RecentFilesTest, ListIsBoundedAndForgetsVanishedFiles) {
 }
 
 TEST_F(RecentFilesTest, PathTooLongForTheSettingsIsNotKept) {
-  recent.Add(directory.Write(std::string(120, 'd').append("/long.eqp"), "x"));
+  EXPECT_FALSE(recent.Add(directory.Write(std::string(120, 'd').append("/long.eqp"), "x")));
   EXPECT_EQ(recent.List(), Files{});
 }
 
@@ -47,7 +47,7 @@ TEST_F(RecentFilesTest, ALongNameOfAccentedLettersIsKept) {
   for (std::size_t i = directory.Path().size(); i < 100; ++i) name += "\xC3\xBC";
   const std::string path = directory.Write(name + ".eqp", "x");
   ASSERT_GT(path.size(), 127U);
-  recent.Add(path);
+  EXPECT_TRUE(recent.Add(path));
   EXPECT_EQ(recent.List(), Files{path});
 }
 
