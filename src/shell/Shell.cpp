@@ -80,6 +80,12 @@ void Shell::ReportError(const RuntimeError& error, std::string_view context, std
   dialogs.Show({text, "Error", MessageIcon::Critical});
 }
 
+void Shell::ReportUnforeseen(const std::exception& error, std::string_view context) {
+  if (InstrumentsClaimed()) delay.RequestHalt();
+  MakeSafe();
+  ReportError(error, context);
+}
+
 void Shell::ReportError(const std::exception& error, std::string_view context, std::string_view path) {
   const auto* numbered = dynamic_cast<const RuntimeError*>(&error);
   ReportError(numbered ? *numbered : RuntimeError(kInternalError, "Internal error"), context, path);

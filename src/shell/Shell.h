@@ -47,8 +47,6 @@ class Shell {
   /// A run has the instruments.
   bool InstrumentsClaimed() const { return makeSafe_ != nullptr; }
 
-  /// Makes the station safe while a run has the instruments.
-  void MakeSafe();
   /// Tells of an instrument's failure.
   void TellFailure(const std::string& text, MessageIcon icon = MessageIcon::None);
   /// A bus call failed. Outside a run this is shown at once. In a run the station is made safe at once, and the text
@@ -65,8 +63,12 @@ class Shell {
   void ReportError(const RuntimeError& error, std::string_view context, std::string_view path = {});
   /// The same for any exception: one that carries no number is reported as number 51, "Internal error".
   void ReportError(const std::exception& error, std::string_view context, std::string_view path = {});
+  /// The same for a failure that nobody foresaw: a run that is on is halted first, with RF off.
+  void ReportUnforeseen(const std::exception& error, std::string_view context);
 
  private:
+  void MakeSafe();
+
   std::function<void()> makeSafe_;  ///< there while a run has the instruments
   bool makingSafe_ = false;
   std::string busFailure_;  ///< of the run, not shown yet

@@ -349,7 +349,7 @@ TEST_F(HyldenRunProgram, AsksAgainAboutAFileThatHasComeMeanwhile) {
 
 TEST_F(HyldenRunProgram, HaltsOnSignalsWithTheRowsSaved) {
   const std::string longTest = LongTest(0.005);
-  for (const int signal : {SIGINT, SIGTERM}) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
     SCOPED_TRACE(signal);
     bool sent = false;
     const Outcome outcome = HyldenRun(OnTheBench(longTest, {"--yes"}), [&](pid_t child, const std::string& soFar) {

@@ -122,6 +122,18 @@ TEST_F(ShellTest, SettingsThatCannotBeReadAreToldOnceAndNeverDuringARun) {
   EXPECT_NE(t_.dialogs.LastText().find(t_.directory.File("Hylden.ini")), std::string::npos);
 }
 
+TEST_F(ShellTest, AFailureThatNobodyForesawHaltsARunAndMakesItSafeBeforeItIsReported) {
+  for (const bool run : {false, true}) {
+    bool safe = false;
+    if (run) t_.shell.ClaimInstruments([&] { safe = true; });
+    t_.dialogs.onShow = [&](const Message&) { EXPECT_EQ(safe, run); };
+    t_.shell.ReportUnforeseen(std::bad_alloc(), "frmRunTest.mnuHelp");
+    EXPECT_EQ(t_.shell.delay.HaltRequested(), run);
+    EXPECT_EQ(t_.dialogs.LastText(), "Error # 51\rInternal error\rfrmRunTest.mnuHelp\r");
+  }
+  t_.shell.ReleaseInstruments();
+}
+
 TEST_F(ShellTest, ATrappedFailureIsReportedWithNumberContextAndPath) {
   t_.shell.ReportError(RuntimeError(ErrorNumber::TypeMismatch), "TestSetup.LoadDef", "/a.tst");
   const std::bad_alloc unnumbered;

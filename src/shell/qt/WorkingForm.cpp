@@ -53,19 +53,11 @@ void WorkingForm::Run(std::string_view name, const std::function<void()>& comman
     QMetaObject::invokeMethod(
         qApp, [end = std::current_exception()] { std::rethrow_exception(end); }, Qt::QueuedConnection);
   } catch (const std::exception& error) {
-    Report(name, error);
+    shell_.ReportUnforeseen(error, FromQt(objectName()).append(".").append(name));
   }
   if (--commands_ > 0) return;
   CommandEnded();
   CloseIfPending();
-}
-
-void WorkingForm::Report(std::string_view name, const std::exception& error) {
-  if (shell_.InstrumentsClaimed()) {
-    shell_.delay.RequestHalt();
-    shell_.MakeSafe();
-  }
-  shell_.ReportError(error, FromQt(objectName()).append(".").append(name));
 }
 
 void WorkingForm::CloseBehindCommand() {

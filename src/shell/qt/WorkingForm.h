@@ -78,7 +78,6 @@ class WorkingForm : public QMainWindow {
 
  private:
   void Run(std::string_view name, const std::function<void()>& command);
-  void Report(std::string_view name, const std::exception& error);
   bool MayClose();
   void CloseIfPending();
 
