@@ -100,11 +100,13 @@ TEST_F(ConsoleTest, PrintsTheAnswerThatNobodyTyped) {
   EXPECT_EQ(out_.str(), "Run Test:\nRF on?\n[Yes]\nAgain?\n[Cancel] Nobody is at a terminal to answer.\nDone\n");
 }
 
-TEST_F(ConsoleTest, ARequestToStopDeclinesTheOpenQuestion) {
+TEST_F(ConsoleTest, ARequestToStopDeclinesTheOpenQuestionAndAllThatFollow) {
   ConsoleDialogs dialogs = Make({.terminal = true});
   raise(SIGINT);
   EXPECT_EQ(dialogs.Show({"RF on?", "Start", MessageIcon::None, OkCancel}), MessageAnswer::Cancel);
   EXPECT_EQ(stops_, 1);
+  Type("y\n");
+  EXPECT_EQ(dialogs.Show({"Again?", "Start", MessageIcon::None, YesNo}), MessageAnswer::No) << "nobody may be there";
 }
 
 TEST_F(ConsoleTest, SavesToTheGivenPathOnce) {

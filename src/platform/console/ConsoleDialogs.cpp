@@ -104,6 +104,7 @@ MessageAnswer ConsoleDialogs::Ask(MessageButtons kind) {
   for (;;) {
     out_ << (kind == MessageButtons::Ok ? "[Enter] " : Choices(buttons)) << std::flush;
     const auto line = ReadLine();
+    if (!line) Print("\n");
     if (!line || kind == MessageButtons::Ok) return buttons.back().answer;
     if (const auto answer = Chosen(buttons, *line)) return *answer;
   }

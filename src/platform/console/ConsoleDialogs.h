@@ -25,8 +25,8 @@ struct ConsoleDialogsOptions {
   std::function<void()> beforeText = {};
 };
 
-/// Messages and questions as lines on a terminal. A request to stop, or the end of the input, answers an open question
-/// with Cancel or No.
+/// Messages and questions as lines on a terminal. A request to stop, or the end of the input, answers the open question
+/// and all that follow with Cancel or No: whoever has stopped the program may not be there any more.
 /// A question takes its button's first letter; Enter alone is OK where there is OK, and Escape is Cancel. A terminal's
 /// typed-ahead input answers no question.
 class ConsoleDialogs : public Dialogs {

@@ -29,12 +29,13 @@ void ConsoleEventLoop::Yield(std::int64_t deadlineMs) {
 
 bool ConsoleEventLoop::AwaitInput(int descriptor) {
   std::array<pollfd, 2> waits = {pollfd{signals_.Descriptor(), POLLIN, 0}, pollfd{descriptor, POLLIN, 0}};
-  for (;;) {
+  while (!stopRequested_) {
     const int ready = poll(waits.data(), waits.size(), -1);
     if (TakeStop()) return false;
     if (ready > 0 && waits[1].revents != 0) return true;
     if (ready < 0 && errno != EINTR) return true;
   }
+  return false;
 }
 
 }  // namespace hylden

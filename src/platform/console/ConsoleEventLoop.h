@@ -20,7 +20,7 @@ class ConsoleEventLoop : public EventLoop {
   ConsoleEventLoop(const Clock& clock, std::function<void()> onStop);
 
   void Yield(std::int64_t deadlineMs = kNoDeadline) override;
-  /// Waits for bytes, or the end of them, on a file descriptor; false when a request to stop came first.
+  /// Waits for bytes, or the end of them, on a file descriptor; false once a request to stop has come.
   bool AwaitInput(int descriptor);
   /// Whether any request to stop has arrived.
   bool StopRequested() const { return stopRequested_; }
