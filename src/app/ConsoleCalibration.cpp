@@ -34,7 +34,10 @@ bool Validate(ConsoleStation& station) {
   for (const std::string& message : messages) station.Tell(message);
   if (!messages.empty() || !TakeFactor(station, entries)) return false;
   if (const auto failure = setup.FormToSetup(entries, true)) {
-    station.TellBadEntry(*failure, "calibration setup");
+    if (failure->Control == "txtUserDefCF" && !station.Options().CouplingFactor.empty())
+      station.Tell("--coupling-factor: the value is not a number, or outside its range");
+    else
+      station.TellBadEntry(*failure, "calibration setup");
     return false;
   }
   if (const auto failure = CheckStation(setup.Record, station.TheDocuments().equip)) {
