@@ -270,6 +270,7 @@ TEST_F(CalForms, MnemonicsAreApart) {
     form->show();
     ExpectMnemonicsApart(*form);
   }
+  EXPECT_FALSE(Find<QPushButton>(*setup, "cmdStart").shortcut().isEmpty());
   ExpectMnemonicsApart(*OpenRun());
 }
 
