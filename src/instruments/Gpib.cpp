@@ -95,6 +95,8 @@ void Terminator::Derive(std::int32_t endOfString) {
 Gpib::Gpib(Shell& shell) : shell_(shell) {}
 
 bool Gpib::GpibIfc() {
+  timeOuts_.clear();
+  busTimeOuts_ = 0;
   if (interfaceCleared_) return true;
   RegisterOnce();
   shell_.gpib.SendIFC(kBoard);
@@ -107,19 +109,15 @@ bool Gpib::GpibIfc() {
 }
 
 bool Gpib::GpibOpen(int address, const std::string& initCommand, const std::string& name) {
-  timeOuts_.erase(address);
   const AddressList addresses = ListOf(address);
   std::array<std::int16_t, 2> listeners{};
-  RegisterOnce();
-  shell_.gpib.FindLstn(kBoard, addresses, listeners);
-  Refresh();
+  Impatiently(address, [&] { shell_.gpib.FindLstn(kBoard, addresses, listeners); });
   if (Failed()) {
     shell_.dialogs.DefaultPointer();
     Report("Error finding " + name);
     return false;
   }
-  shell_.gpib.SetRWLS(kBoard, addresses);
-  Refresh();
+  Impatiently(address, [&] { shell_.gpib.SetRWLS(kBoard, addresses); });
   if (Failed()) {
     Report("Error in setting " + name + " to remote mode. ");
     return false;
@@ -130,9 +128,7 @@ bool Gpib::GpibOpen(int address, const std::string& initCommand, const std::stri
 }
 
 bool Gpib::GpibClose(int address, const std::string& name) {
-  RegisterOnce();
-  shell_.gpib.EnableLocal(kBoard, ListOf(address));
-  Refresh();
+  Impatiently(address, [&] { shell_.gpib.EnableLocal(kBoard, ListOf(address)); });
   if (!Failed()) return true;
   Report("Error closing " + name);
   return false;
@@ -141,19 +137,24 @@ bool Gpib::GpibClose(int address, const std::string& name) {
 template <class Call>
 void Gpib::Impatiently(int address, Call call) {
   RegisterOnce();
-  int& timeOuts = timeOuts_[address];
+  const int timeOuts = std::max(timeOuts_[address], busTimeOuts_);
   const bool hurried = timeOuts > 0;
   if (hurried) shell_.gpib.ibtmo(kBoard, std::max(gpib::kT10s - timeOuts, gpib::kT100ms));
   call();
   Refresh();
-  if (!Failed()) timeOuts = 0;
-  if (Failed() && (ibsta & gpib::kTimo) != 0) ++timeOuts;
+  if (Failed() && (ibsta & gpib::kTimo) != 0) ++timeOuts_[address], ++busTimeOuts_;
   if (hurried) shell_.gpib.ibtmo(kBoard, gpib::kT10s);
+}
+
+void Gpib::Responded(int address) {
+  timeOuts_[address] = busTimeOuts_ = 0;
 }
 
 bool Gpib::Send(int address, const std::string& command) {
   Impatiently(address, [&] { shell_.gpib.Send(kBoard, address, EncodeWindows1252(command), gpib::kDabEnd); });
-  return !Failed();
+  if (Failed()) return false;
+  Responded(address);
+  return true;
 }
 
 bool Gpib::SendOrReport(int address, const std::string& command, const std::string& failure) {
@@ -167,6 +168,7 @@ bool Gpib::Receive(int address, std::string& answer, int termination, std::size_
   Impatiently(address, [&] { shell_.gpib.Receive(kBoard, address, buffer, termination); });
   answer.clear();
   if (Failed()) return false;
+  Responded(address);
   const auto received = std::min(static_cast<std::size_t>(std::max<int>(ibcnt, 0)), size);
   answer = DecodeText({buffer.data(), received});
   const bool ended = (ibsta & gpib::kEnd) != 0 || (received > 0 && buffer[received - 1] == termination);
@@ -176,12 +178,10 @@ bool Gpib::Receive(int address, std::string& answer, int termination, std::size_
 
 /// What did not fit in the buffer would be read as the next answer. The status stays that of the answer.
 void Gpib::DiscardRest(int address, int termination) {
-  const GpibStatusCells answered = cells_;
+  const KeptStatus answered(*this);
   SetTimeLimit(gpib::kT30ms);
   ReadAway(address, termination);
   SetTimeLimit(gpib::kT10s);
-  cells_ = answered;
-  Refresh();
 }
 
 void Gpib::Drain(int address) {

@@ -25,7 +25,8 @@ class Gpib {
  public:
   explicit Gpib(Shell& shell);
 
-  /// Clears the interface once per program run, and sets the board's time limit: a driver may come without one.
+  /// Clears the interface once per program run, and sets the board's time limit: a driver may come without one. Bus
+  /// work starts here: whatever timed out before is waited for in full again.
   bool GpibIfc();
   /// Finds the device, puts it in remote with lockout, sends the init command (terminator already appended, may be
   /// empty) and waits 2 s. Failures are reported with the name.
@@ -72,10 +73,12 @@ class Gpib {
  private:
   void RegisterOnce();
   void Refresh();
-  /// Does a call to a device. One that timed out the last time is waited for less and less: RF off is tried again and
-  /// again, and the windows must not freeze for minutes.
+  /// Does a call to a device. Where it, or the bus, timed out the last time it is waited for less and less: RF off is
+  /// tried again and again, and the windows must not freeze for minutes.
   template <class Call>
   void Impatiently(int address, Call call);
+  /// The device took or gave data: neither it nor the bus hangs.
+  void Responded(int address);
   void SetTimeLimit(int code);
   void DiscardRest(int address, int termination);
   void ReadAway(int address, int termination);
@@ -84,6 +87,7 @@ class Gpib {
   Shell& shell_;
   GpibStatusCells cells_;
   std::map<int, int> timeOuts_;  ///< of calls to a device in a row, by address
+  int busTimeOuts_ = 0;          ///< of calls to any device in a row
   bool registered_ = false;
   bool interfaceCleared_ = false;
 };

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "support/TestStation.h"
+
 namespace hylden {
 
 namespace {
@@ -38,6 +40,11 @@ void BenchStation::Equip() {
   onBench.IfiAmplifier = equipment.HasIfiAmplifier();
   if (onBench.IfiAmplifier) onBench.SensorBandSwitchMHz = equipment.IfiBandSwitch;
   bench.Equip(onBench);
+}
+
+void BenchStation::ForgetShutdownTexts() {
+  Redefine(instruments.meter, [](auto& d) { d.Shutdown = ""; });
+  Redefine(instruments.pm, [](auto& d) { d.Shutdown = ""; });
 }
 
 void BenchStation::Load(const std::string& testFile) {

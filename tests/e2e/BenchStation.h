@@ -46,6 +46,9 @@ class BenchStation {
   /// Puts the station's instruments, as its equipment has them, on the bench.
   void Equip();
 
+  /// Meter and power meter go offline by starting anew.
+  void ForgetShutdownTexts();
+
   /// Loads a test of the demo station with its calibration info, and cables the meter as it needs.
   void Load(const std::string& testFile);
   /// The checks of the Start command, then the whole run.

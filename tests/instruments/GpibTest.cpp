@@ -104,6 +104,24 @@ TEST(Gpib, AnInstrumentThatNeverStopsTalkingHoldsNobodyUp) {
   EXPECT_LT(s.bus.Calls(), 1100);
 }
 
+TEST(Gpib, ABusThatHangsIsWaitedForLessAndLessUntilADeviceRespondsOrWorkStartsAnew) {
+  TestStation s;
+  EXPECT_TRUE(s.gpib.GpibIfc());
+  s.bus.FailLine("> 13 A", gpib::kEabo);
+  s.bus.FailLine("> 18 B", gpib::kEabo);
+  EXPECT_FALSE(s.gpib.Send(13, "A"));
+  EXPECT_FALSE(s.gpib.Send(18, "B"));
+  EXPECT_TRUE(s.gpib.Send(7, "C"));
+  EXPECT_TRUE(s.gpib.Send(7, "D"));
+  EXPECT_TRUE(s.gpib.GpibClose(13, "Meter"));  // says nothing about the device
+  EXPECT_TRUE(s.gpib.Send(13, "E"));
+  EXPECT_EQ(s.Took(), (Strings{"IFC", "TMO 13", "> 13 A !6", "TMO 12", "> 18 B !6", "TMO 13", "TMO 11", "> 7 C",
+                               "TMO 13", "> 7 D", "TMO 12", "LOCAL 13", "TMO 13", "TMO 12", "> 13 E", "TMO 13"}));
+  EXPECT_TRUE(s.gpib.GpibIfc());
+  EXPECT_TRUE(s.gpib.Send(18, "F"));
+  EXPECT_EQ(s.Took(), (Strings{"> 18 F"}));
+}
+
 TEST(Gpib, SendsEightBitCharacters) {
   TestStation s;
   EXPECT_TRUE(s.gpib.Send(13, "UNIT \xC2\xB5V"));

@@ -9,7 +9,7 @@ namespace hylden {
 std::optional<int> CallFailures::FailureOf(const std::string& line) {
   ++calls_;
   if (always_) return always_;
-  if (IsToDeadDevice(line)) return gpib::kEabo;
+  if (IsToDeadDevice(line) || IsOnDeadBus(line)) return gpib::kEabo;
   if (const auto failure = atCall_.find(calls_); failure != atCall_.end()) return failure->second;
   const auto match = std::find_if(atLine_.begin(), atLine_.end(),
                                   [&](const auto& failure) { return line.starts_with(failure.first); });
@@ -23,6 +23,11 @@ bool CallFailures::IsToDeadDevice(const std::string& line) const {
   if (!line.starts_with("> ") && !line.starts_with("< ")) return false;
   const auto device = dead_.find(std::atoi(line.c_str() + 2));
   return device != dead_.end() && calls_ >= device->second;
+}
+
+bool CallFailures::IsOnDeadBus(const std::string& line) const {
+  const bool ofTheBoard = line == "IFC" || line.starts_with("TMO ");
+  return !ofTheBoard && deadBus_ && calls_ >= *deadBus_;
 }
 
 }  // namespace hylden
