@@ -52,10 +52,8 @@ bool InstrumentsUp::BringUpMeter() {
 
 bool InstrumentsUp::BringUpAmplifier(const EquipRecord& equipment) {
   if (!equipment.HasIfiAmplifier()) return instruments_.ifiAmp.IfiInit(AmpControl::Generic, kGenericBandSwitchMHz);
-  if (!instruments_.ifiAmp.IfiInit(AmpControl::Ifi, equipment.IfiBandSwitch))
-    return Refuse("Error initializing IFI amp");
-  up_.IfiAmp = true;
-  return true;
+  up_.IfiAmp = true;  // one that fails half-way has got commands, too
+  return instruments_.ifiAmp.IfiInit(AmpControl::Ifi, equipment.IfiBandSwitch) || Refuse("Error initializing IFI amp");
 }
 
 void InstrumentsUp::CloseSigGen() {
@@ -81,7 +79,7 @@ void InstrumentsUp::TakeDown() {
 void InstrumentsUp::TakeInstrumentsDown() {
   const State up = std::exchange(up_, {});
   rfSwitchedOff_ = false;
-  RunAll({
+  std::vector<std::function<void()>> actions = {
       [&] {
         if (up.Meter) instruments_.meter.MeterShutdown();
       },
@@ -94,7 +92,10 @@ void InstrumentsUp::TakeInstrumentsDown() {
       [&] {
         if (up.SigGen == Generator::Up) instruments_.sigGen.ShutdownSigGen();
       },
-  });
+  };
+  // The amplifiers are the last means left to end the RF, and a dead meter is waited for.
+  if (instruments_.sigGen.RfIsOn()) std::swap(actions[0], actions[1]);
+  RunAll(actions);
 }
 
 void InstrumentsUp::Conclude() {

@@ -254,6 +254,10 @@ TEST(DeadAmplifier, TheOtherUnitIsResetWheneverOneOfThePairDies) {
   };
   const auto undisturbed = arranged();
   const int before = undisturbed->driver.Calls();
+  int bringingUp = 0;
+  undisturbed->display.onRow = [&](int row) {
+    if (row == 1 && bringingUp == 0) bringingUp = undisturbed->driver.Calls() - before;
+  };
   undisturbed->Run();
   const int calls = undisturbed->driver.Calls() - before;
   for (const int dead : {10, 9, 18}) {
@@ -267,6 +271,16 @@ TEST(DeadAmplifier, TheOtherUnitIsResetWheneverOneOfThePairDies) {
       const auto& high = station->driver.SentTo(9);
       EXPECT_TRUE(low.empty() || low.back() == "8\r\n");
       EXPECT_TRUE(high.empty() || dead == 9 || high.back() == "ZA\r\n");
+    }
+  }
+  for (int call = 1; call <= bringingUp && !testing::Test::HasFailure(); ++call) {
+    SCOPED_TRACE("bus call " + std::to_string(call) + " alone");
+    const auto station = arranged();
+    station->driver.FailCall(call, gpib::kEnol);
+    station->Run();
+    for (const int unit : {10, 9}) {
+      const auto& sent = station->driver.SentTo(unit);
+      EXPECT_TRUE(sent.empty() || sent.back() == (unit == 10 ? "8\r\n" : "ZA\r\n")) << "it was not reset";
     }
   }
 }

@@ -96,6 +96,19 @@ TEST_F(RunEndTest, AnInstrumentThatCantBeTakenDownDoesNotKeepTheOthersUp) {
   ExpectEndedWithRfOff(rig);
 }
 
+TEST_F(RunEndTest, AmplifiersAreResetBeforeADeadMeterIsWaitedForWhenRfMayBeOn) {
+  UseEverything(rig);
+  rig.AtStatus("Finishing Final Dwell...", [&] {
+    rig.bus.transcript.Clear();
+    rig.bus.Kill(18);
+    rig.commands.Halt();
+  });
+  rig.Run();
+  const auto& lines = rig.bus.Lines();
+  const auto reset = std::find(lines.begin(), lines.end(), "> 9 ZA\\r\\n");
+  EXPECT_THAT((Strings{reset, lines.end()}), testing::Contains("> 13 BYE"));
+}
+
 TEST_F(RunEndTest, AFailureWhileTheLevelIsHeldSwitchesRfOffBeforeAnyMessage) {
   rig.UsePower(LevelingMethod::NetPower);
   rig.returnLossDb = 0;
