@@ -153,7 +153,7 @@ bool RunCablCal::MeasurePoint(const Pass& pass, std::size_t index) {
   const std::string whyNot = WhyNoReading(instruments_.meter, reading);
   if (!whyNot.empty() || IsNoReading(reading)) {
     up_.CloseSigGen();
-    if (!whyNot.empty()) shell_.dialogs.Tell(whyNot);
+    if (!whyNot.empty()) shell_.TellFailure(whyNot);
     shell_.ShowFailure("Run halted due to errors");
     return false;
   }

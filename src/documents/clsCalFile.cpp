@@ -143,7 +143,7 @@ bool clsCalFile::ReadPoints(LineReader& lines, const std::string& dataFile) {
 }
 
 bool clsCalFile::Refuse(const std::string& message) {
-  shell_.dialogs.Tell(message);
+  shell_.TellFailure(message);
   return false;
 }
 

@@ -147,7 +147,7 @@ bool SigGen::SendText(const std::string& text, const std::string& failure) {
 }
 
 bool SigGen::Refuse(const std::string& text) {
-  shell_.dialogs.Tell(text);
+  shell_.TellFailure(text);
   return false;
 }
 

@@ -183,7 +183,7 @@ bool InterpClass::InitInterp(const std::string& fileName) {
 
 bool InterpClass::InterpVal(double frequency, float& value, FreqScale scale, DuplicateRule rule) {
   if (points_.size() < 2) {
-    shell_.dialogs.Tell("No calibration points in interp file");
+    shell_.TellFailure("No calibration points in interp file");
     return false;
   }
   if (!(frequency >= points_.front().Freq && frequency <= points_.back().Freq)) return false;

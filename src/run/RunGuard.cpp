@@ -82,7 +82,6 @@ void RunGuard::Attempt(const std::function<void()>& part) {
 void RunGuard::Report(const std::exception& error) {
   if (reported_) return;
   reported_ = true;
-  if (sigGen_.RfIsOn()) RfOffQuietly();  // a message box may stand for hours
   try {
     shell_.ReportError(error, context_);
   } catch (const std::exception&) {

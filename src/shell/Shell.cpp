@@ -75,6 +75,11 @@ void Shell::ShowFailure(const std::string& text, MessageIcon icon) {
 }
 
 void Shell::ReportError(const RuntimeError& error, std::string_view context, std::string_view path) {
+  try {
+    MakeSafe();
+  } catch (const std::exception&) {
+    // What there is to report is told all the same, and the end of the run tries again.
+  }
   std::string text = "Error # " + std::to_string(error.Number()) + "\r" + error.Description() + "\r";
   text.append(context).append("\r").append(path);
   dialogs.Show({text, "Error", MessageIcon::Critical});

@@ -59,7 +59,8 @@ class Shell {
   void ForgetFailure() { failureShown_ = false; }
 
   /// The standard report of a trapped failure: critical icon, title "Error", "Error # " + number, CR, description, CR,
-  /// context, CR and, where a file is involved, its path.
+  /// context, CR and, where a file is involved, its path. While a run has the instruments, the station is made safe
+  /// first, as far as that can be done.
   void ReportError(const RuntimeError& error, std::string_view context, std::string_view path = {});
   /// The same for any exception: one that carries no number is reported as number 51, "Internal error".
   void ReportError(const std::exception& error, std::string_view context, std::string_view path = {});

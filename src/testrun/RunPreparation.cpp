@@ -183,7 +183,7 @@ bool RunPreparation::WaitForSharedAddress() {
 }
 
 bool RunPreparation::Refuse(const char* text) {
-  shell_.dialogs.Tell(text, MessageIcon::Critical);
+  shell_.TellFailure(text, MessageIcon::Critical);
   return false;
 }
 

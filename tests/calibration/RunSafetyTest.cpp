@@ -72,6 +72,29 @@ TEST_F(RunSafetyTest, RfStaysOnWhileAnInstrumentsFailureIsTold) {
     }
 }
 
+TEST_F(RunSafetyTest, AnExceptionIsToldWithRfOffThoughTheFirstRfOffDoesNotGetThrough) {
+  for (const bool throws : {false, true}) {
+    CalibrationRig failing;
+    failing.onMeterRead = [&](double) {
+      throws ? failing.throwAtLines.push_back("> 18 OUTP OFF") : failing.bus.FailLine("> 18 OUTP OFF", gpib::kEnol);
+      throw RuntimeError(ErrorNumber::Overflow);
+    };
+    failing.Run();
+    EXPECT_EQ(failing.Shown("Error # 6\rOverflow\rfrmRunCal.RunCal\r"), 1);
+    EXPECT_FALSE(failing.rfOnAtMessage);
+  }
+}
+
+TEST_F(RunSafetyTest, ACableReadingThatIsNoneIsToldWithRfOffThoughThreeRfOffsDoNotGetThrough) {
+  rig.levels = {9.91e37};
+  rig.onMeterRead = [&](double) {
+    for (int attempt = 0; attempt < 3; ++attempt) rig.bus.FailLine("> 18 OUTP OFF", gpib::kEnol);
+  };
+  rig.cable.DirectPass(rig.display);
+  EXPECT_TRUE(rig.t.dialogs.WasShownContaining("The meter's answer is no level"));
+  EXPECT_FALSE(rig.rfOnAtMessage);
+}
+
 TEST_F(RunSafetyTest, ThatRfMayBeOnIsLeftUnsaidOrSaidTwice) {
   rig.levels = {120.25};
   rig.onMeterRead = [&](double) { rig.bus.FailAlways(gpib::kEnol); };

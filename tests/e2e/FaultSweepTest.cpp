@@ -216,6 +216,22 @@ TEST_P(FaultSweep, EverySingleBusFailureEndsInOrder) {
   EXPECT_LT(silent, undisturbed.calls);
 }
 
+TEST_P(FaultSweep, EverySingleExceptionIsToldOnceWithRfOff) {
+  const Undisturbed undisturbed = RunUndisturbed();
+  for (int call = 1; call <= undisturbed.calls && !HasFailure(); ++call) {
+    SCOPED_TRACE("bus call " + std::to_string(call));
+    const auto station = Arranged();
+    station->driver.ThrowAtCall(call);
+    station->machine.dialogs.onShow = [&](const Message& message) {
+      EXPECT_FALSE(station->bench.State().Generator.RfOn) << message.text;
+    };
+    GetParam().run(*station);
+    ExpectOrderlyEnd(*station);
+    ExpectPointsKept(*station, undisturbed);
+    EXPECT_THAT(MessagesShownOnce(*station), testing::ElementsAre(testing::StartsWith("Error # 51\rInternal error\r")));
+  }
+}
+
 /// An instrument that dies for good: the run ends with one box about it, and one more where RF may have stayed on.
 void ExpectShortEnd(BenchStation& station, int dead) {
   constexpr int kGenerator = 18;  // or the whole bus

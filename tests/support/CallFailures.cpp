@@ -1,13 +1,14 @@
 #include "support/CallFailures.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 #include "platform/GpibDriver.h"
 
 namespace hylden {
 
 std::optional<int> CallFailures::FailureOf(const std::string& line) {
-  ++calls_;
+  if (++calls_ == throwAt_) throw std::runtime_error("the driver's library broke");
   if (always_) return always_;
   if (IsToDeadDevice(line) || IsOnDeadBus(line)) return gpib::kEabo;
   if (const auto failure = atCall_.find(calls_); failure != atCall_.end()) return failure->second;

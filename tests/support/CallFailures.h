@@ -13,6 +13,8 @@ class CallFailures {
  public:
   /// Fails the n-th call from now (1 is the next one); registrations don't count.
   void FailCall(int n, int error) { atCall_[calls_ + n] = error; }
+  /// Throws at the n-th call from now, as when the driver's library breaks.
+  void ThrowAtCall(int n) { throwAt_ = calls_ + n; }
   /// Fails the next call whose transcript line begins with this text ("> 18 RF", "FIND 13", "< 13").
   void FailLine(const std::string& beginning, int error) { atLine_.emplace_back(beginning, error); }
   /// From the n-th call on a device is dead: whatever is sent to it or asked of it times out.
@@ -32,6 +34,7 @@ class CallFailures {
 
  private:
   int calls_ = 0;
+  int throwAt_ = 0;
   std::map<int, int> atCall_;
   std::vector<std::pair<std::string, int>> atLine_;
   std::map<int, int> dead_;  ///< by address: the first call that fails

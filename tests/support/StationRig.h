@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "documents/Documents.h"
 #include "support/TestStation.h"
@@ -51,9 +52,10 @@ class StationRig : public TestStation {
   double stepDbm = 0;                    ///< coarse steps that the generator's level comes in
   double generatorDbm = -200, frequencyMHz = 0;
   bool rfOn = false;
-  bool rfOnAtMessage = false;          ///< RF was on while a message stood
-  double highestDbm = -200;            ///< highest generator level with RF on
-  std::map<double, double> highestAt;  ///< the same by frequency
+  bool rfOnAtMessage = false;             ///< RF was on while a message stood
+  std::vector<std::string> throwAtLines;  ///< the next bus call of each of these beginnings throws
+  double highestDbm = -200;               ///< highest generator level with RF on
+  std::map<double, double> highestAt;     ///< the same by frequency
 
  protected:
   /// What the meter shows, dBuV, when the generator sends this level.
@@ -61,6 +63,12 @@ class StationRig : public TestStation {
 
  private:
   void Follow(const std::string& line) {
+    const auto thrown = std::find_if(throwAtLines.begin(), throwAtLines.end(),
+                                     [&](const std::string& beginning) { return line.starts_with(beginning); });
+    if (thrown != throwAtLines.end()) {
+      throwAtLines.erase(thrown);
+      throw RuntimeError(ErrorNumber::Overflow);
+    }
     if (!line.starts_with("> 18 ") || line.find(" !") != std::string::npos) return;
     const std::string command = line.substr(5);
     if (command.starts_with("POW ")) generatorDbm = LeadingNumber(command.substr(4));

@@ -347,6 +347,23 @@ TEST_F(ManualTest, AnAmplifierThatFailsHaltsTheRun) {
   EXPECT_FALSE(rig.rfOn);
 }
 
+class ManualThrowTest : public ManualTest, public testing::WithParamInterface<bool> {};
+
+TEST_P(ManualThrowTest, AnExceptionIsToldWithRfOffThoughTheFirstRfOffDoesNotGetThrough) {
+  manual = {[&] {
+    rig.throwAtLines = {"> 18 POW"};
+    GetParam() ? rig.throwAtLines.push_back("> 18 OUTP OFF") : rig.bus.FailLine("> 18 OUTP OFF", gpib::kEnol);
+    rig.engine.Manual().manLevOffsetChange(-3);
+  }};
+  Run();
+  EXPECT_EQ(rig.Shown("Error # 6\rOverflow\rfrmRunTest.RunCDI\r"), 1);
+  EXPECT_FALSE(rig.rfOnAtMessage);
+  EXPECT_EQ(rig.Rows().size(), 2U) << "the run is halted";
+}
+
+INSTANTIATE_TEST_SUITE_P(RfOff, ManualThrowTest, testing::Values(false, true),
+                         [](const auto& throws) { return throws.param ? "throws" : "fails"; });
+
 TEST_F(ManualTest, TheManualButtonCutsALongDwellToOneIntermediateDwell) {
   rig.test.SweepDwell = 1000;
   std::int64_t pressedAt = 0;

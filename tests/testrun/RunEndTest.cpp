@@ -313,6 +313,10 @@ TEST_F(RunEndTest, AnInstrumentThatDoesNotComeUpEndsTheRunBeforeRfIsOn) {
   const RefusalCase cases[] = {
       {[](auto& r) { r.bus.FailLine("IFC", gpib::kEdvr); }, "Error initializing GPIB"},
       {[](auto& r) { r.bus.absent.insert(18); }, "Error initializing signal generator"},
+      {[](auto& r) { Redefine(r.sigGen, [](auto& d) { d.FreqSetPrefix = d.FreqSetSuffix = ""; }); },
+       "Error initializing signal generator"},
+      {[](auto& r) { Redefine(r.sigGen, [](auto& d) { d.LevSetPrefix = d.LevSetSuffix = ""; }); },
+       "Error initializing signal generator"},
       {[](auto& r) { r.test.ModType = 3, Redefine(r.sigGen, [](auto& d) { d.PulseCapable = 0; }); },
        "Signal generator can't do Pulse Modulation"},
       {[](auto& r) { r.test.ModType = 2, Redefine(r.sigGen, [](auto& d) { d.FmCapable = 0; }); },
@@ -327,6 +331,11 @@ TEST_F(RunEndTest, AnInstrumentThatDoesNotComeUpEndsTheRunBeforeRfIsOn) {
     SCOPED_TRACE(c.text);
     RunRig failing;
     c.change(failing);
+    failing.rfOn = true;  // as the generator was found
+    failing.t.dialogs.onShow = [&](const Message&) {
+      const Strings sent = failing.Sent(18);
+      EXPECT_TRUE(sent.empty() || sent.back().starts_with("OUTP OFF")) << "a box stands with RF on";
+    };
     failing.Run();
     EXPECT_EQ(failing.Shown(kSaveQuestion), 0) << "there is nothing to save";
     EXPECT_EQ(failing.t.speaker.tones.size(), 1U);
