@@ -102,6 +102,9 @@ bool StepRunner::AcceptConflict() {
   const float minimum = run_.instruments.sigGen.MinimumLevel();
   if (DriveLevel() >= minimum) return true;
   if (!conflictAccepted_) {
+    // The question may stand for hours; the step brings RF back, at its own level.
+    SigGen& sigGen = run_.instruments.sigGen;
+    if (sigGen.RfIsOn() && !sigGen.SilenceOrReport()) return false;
     const MessageAnswer answer =
         run_.shell.dialogs.Show({"Calibration sig-gen level is above the minimum possible sig-gen level,\r\n"
                                  "but the starting offset puts it below the minimum. Proceed anyway?",

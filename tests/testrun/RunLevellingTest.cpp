@@ -291,6 +291,34 @@ TEST_F(LevellingTest, AStartBelowTheGeneratorsMinimumIsAskedForOnce) {
   EXPECT_EQ(rig.Rows()[2], "4.0, -6.0 **, 120.0, , , ");
 }
 
+TEST_F(LevellingTest, RfIsOffWhileAConflictOfALaterStepIsAskedAboutAndComesBackAfterYes) {
+  for (const std::string rfOff : {"OUTP OFF", ""}) {
+    RunRig asking;
+    StartBelowTheMinimum(asking);
+    asking.test.InitLevOffset = asking.test.LevelInc = -10;
+    asking.t.directory.Write("bench.cal", "1,-5,120,40,30,\r\n2,-18,120,42,32,\r\n4,-6,120,44,34,\r\n");
+    Redefine(asking.sigGen, [&](auto& d) { d.RfOff = rfOff; });
+    Lines atQuestion;
+    double questionDbm = 0;
+    asking.t.dialogs.onShow = [&](const Message& message) {
+      if (message.title != "Sig-Gen level conflict") return;
+      EXPECT_EQ(asking.Rows().size(), 2U);
+      atQuestion = asking.Sent(18), questionDbm = asking.generatorDbm;
+    };
+    asking.Run();
+    ASSERT_FALSE(atQuestion.empty());
+    EXPECT_EQ(atQuestion.back(), rfOff.empty() ? "POW -20.0 DBM" : rfOff);
+    EXPECT_EQ(questionDbm, rfOff.empty() ? -20 : -5);
+    Lines after = asking.Sent(18);
+    after.erase(after.begin(), after.begin() + static_cast<std::ptrdiff_t>(atQuestion.size()));
+    Lines expected = {"POW -20.0 DBM", "FREQ 2.0 MHZ", "OUTP ON", "POW -18.0 DBM"};
+    if (rfOff.empty()) expected.erase(expected.begin());
+    after.resize(expected.size());
+    EXPECT_EQ(after, expected);
+    EXPECT_EQ(asking.Rows().size(), 3U);
+  }
+}
+
 TEST_F(LevellingTest, APowerOf0WIsNoLevelInTheRunData) {
   rig.UsePower(LevelingMethod::NetPower);
   Redefine(rig.pm, [](auto& d) { d.Units = 0; });  // watts
