@@ -42,7 +42,7 @@ bool LevelCalibration::TuneMeter() {
 }
 
 bool LevelCalibration::TuneGenerator() {
-  if (Halted()) return false;
+  if (Halted() || (setup_.RecordsForward() && !sensor_.Place(point_.Freq))) return false;
   return instruments_.sigGen.SetFreqLevel(point_.Freq, sigGenLevel_) && instruments_.sigGen.RfOn();
 }
 
@@ -98,7 +98,7 @@ bool LevelCalibration::ReadLevel() {
 }
 
 bool LevelCalibration::ReadForwardPower() {
-  const double reading = sensor_.Read(point_.Freq);
+  const double reading = sensor_.Read();
   if (!Usable(reading, WhyNoReading(instruments_.pm, reading))) return false;
   const double powerDbm = reading + point_.ForwardFactor;
   point_.ForwardDbm = IsMissing(reading) ? std::nullopt : std::optional(powerDbm);

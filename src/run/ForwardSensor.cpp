@@ -19,16 +19,28 @@ double LinePower(double readingDbm, double factorDb) {
   return IsMissing(readingDbm) ? kNoValue : readingDbm + factorDb;
 }
 
-double ForwardSensor::Read(double frequencyMHz) {
-  if (shell_.delay.HaltRequested()) return kNoReading;
-  if (!equipment_.HasIfiAmplifier()) return instruments_.pm.ReadPower(1);
-  if (equipment_.Is(AmpConfig::DualSplit)) return instruments_.pm.ReadPower(PM::kByBand);
+bool ForwardSensor::IsMoved() const {
+  return equipment_.HasIfiAmplifier() && !equipment_.Is(AmpConfig::DualSplit);
+}
 
+bool ForwardSensor::Place(double frequencyMHz) {
+  if (shell_.delay.HaltRequested()) return false;
+  if (!IsMoved()) return true;
   const std::string prompt = SensorPrompt(previousMHz_, frequencyMHz, equipment_.IfiBandSwitch);
-  if (!prompt.empty()) shell_.dialogs.Tell(prompt);
+  if (!prompt.empty()) {
+    // No connector is unscrewed under power.
+    SigGen& sigGen = instruments_.sigGen;
+    if (sigGen.RfIsOn() && !sigGen.SilenceOrReport()) return false;
+    shell_.dialogs.Tell(prompt);
+  }
   previousMHz_ = frequencyMHz;
+  return !shell_.delay.HaltRequested();
+}
+
+double ForwardSensor::Read() {
   if (shell_.delay.HaltRequested()) return kNoReading;
-  return instruments_.pm.ReadPower(1);
+  const bool byBand = equipment_.HasIfiAmplifier() && !IsMoved();
+  return instruments_.pm.ReadPower(byBand ? PM::kByBand : 1);
 }
 
 }  // namespace hylden

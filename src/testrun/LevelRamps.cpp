@@ -157,7 +157,7 @@ bool StepRunner::ReadProbe(const std::string& status) {
 
 bool StepRunner::ReadForward() {
   run_.display.Status("Reading forward power...");
-  const double reading = run_.preparation.Sensor().Read(state_.Freq);
+  const double reading = run_.preparation.Sensor().Read();
   if (!Usable(reading, WhyNoReading(run_.instruments.pm, reading))) return false;
   float factor = 0;
   if (!run_.preparation.ForwardPort().InterpVal(state_.Freq, factor, FreqScale::Linear))

@@ -122,6 +122,7 @@ bool StepRunner::Retune() {
   SigGen& sigGen = run_.instruments.sigGen;
   run_.display.Status("Setting Sig-Gen...");
   if (run_.documents.equip.Record.HasIfiAmplifier() && !run_.instruments.ifiAmp.IfiSetBand(state_.Freq)) return false;
+  if (test.LevelsByPower() && !run_.preparation.Sensor().Place(state_.Freq)) return false;
   if (test.ModOffBetweenFreqs && !sigGen.ModOff()) return false;
   if (Halted()) return false;
   if (!sigGen.SetFreqLevel(state_.Freq, DriveLevel())) return Fail("Error setting SigGen");

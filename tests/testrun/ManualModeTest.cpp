@@ -25,25 +25,26 @@ TEST(ManualScroll, ArrowKeysStayInRange) {
   for (const Case& c : cases) EXPECT_EQ(MoveByKey(c.now, c.key, 12), c.expected);
 }
 
-/// A run that goes to manual mode after its second step; `manual` is played there, one action per turn of the user
-/// interface, and manual mode is left after the last.
+/// A run that goes to manual mode after its second step, or another; `manual` is played there, one action per turn of
+/// the user interface, and manual mode is left after the last.
 struct ManualTest : testing::Test {
   RunRig rig;
   ManualPanel panel{rig.engine.Manual()};
   std::vector<std::function<void()>> manual;
   std::function<void()> onYield;  ///< besides
   std::size_t sentBefore = 0;
+  int manualAfter = 2;
 
   void SetUp() override { rig.test.InitLevOffset = -6; }
 
   void Run() {
     rig.t.events.onYield = [this, next = std::size_t{0}, asked = false, other = onYield]() mutable {
       if (other) other();
-      if (!asked && rig.engine.CurrentStepNumber() == 2) {
+      if (!asked && rig.engine.CurrentStepNumber() == manualAfter) {
         asked = true;
         rig.commands.Manual();
       }
-      if (!rig.engine.Manual().IsActive()) return;
+      if (!rig.engine.Manual().IsActive() || rig.engine.Manual().IsBusy()) return;
       if (next == 0) {
         panel.Open(rig.manual.opened);
         sentBefore = rig.Sent(18).size();
@@ -363,6 +364,22 @@ TEST_P(ManualThrowTest, AnExceptionIsToldWithRfOffThoughTheFirstRfOffDoesNotGetT
 
 INSTANTIATE_TEST_SUITE_P(RfOff, ManualThrowTest, testing::Values(false, true),
                          [](const auto& throws) { return throws.param ? "throws" : "fails"; });
+
+TEST_F(ManualTest, RfThatManualModeLeftOnIsOffWhileTheSensorIsMoved) {
+  rig.UsePower(LevelingMethod::ForwardPower);
+  rig.UseIfi();
+  manualAfter = 3;
+  manual = {[&] { rig.engine.Manual().manStepNumChange(1); },
+            [&] {
+              rig.engine.Manual().manRfOn(true);
+              EXPECT_TRUE(rig.rfOn);
+            }};
+  Run();
+  EXPECT_EQ(rig.Shown("Move sensor(s) to low freq coupler"), 1);
+  EXPECT_FALSE(rig.rfOnAtMessage);
+  EXPECT_EQ(rig.Rows().size(), 5U);
+  EXPECT_EQ(rig.Rows()[3], rig.Rows()[1]);
+}
 
 TEST_F(ManualTest, TheManualButtonCutsALongDwellToOneIntermediateDwell) {
   rig.test.SweepDwell = 1000;

@@ -333,12 +333,22 @@ TEST_F(LevellingTest, APowerOf0WIsNoLevelInTheRunData) {
 }
 
 TEST_F(LevellingTest, OneSensorOnTwoCouplersIsMovedAtTheBandChange) {
-  rig.UsePower(LevelingMethod::ForwardPower);
-  rig.UseIfi();
-  rig.Run();
-  EXPECT_EQ(rig.Shown("Move sensor to low freq coupler"), 1);
-  EXPECT_EQ(rig.Shown("Move sensor(s) to high freq coupler"), 1);
-  EXPECT_EQ(rig.Rows().size(), 3U);
+  for (const char* rfOff : {"OUTP OFF", ""}) {
+    RunRig moving;
+    moving.UsePower(LevelingMethod::ForwardPower);
+    const auto levelled = [&] {
+      moving.Run();
+      return moving.Rows();
+    };
+    const auto rows = levelled();
+    moving.UseIfi();
+    Redefine(moving.sigGen, [&](auto& d) { d.RfOff = rfOff; });
+    moving.t.dialogs.Clear();
+    moving.t.dialogs.onShow = [&](const Message&) { EXPECT_TRUE(!moving.rfOn || moving.generatorDbm == -120); };
+    EXPECT_EQ(levelled(), rows) << "the power is read at the right level";
+    EXPECT_EQ(moving.Shown("Move sensor to low freq coupler"), 1);
+    EXPECT_EQ(moving.Shown("Move sensor(s) to high freq coupler"), 1);
+  }
 }
 
 TEST_F(LevellingTest, ADwellOfZeroWaitsForTheOperatorAndCancelEndsTheRun) {
