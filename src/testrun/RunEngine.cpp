@@ -84,6 +84,7 @@ void RunEngine::Sweep() {
   currentStep_ = count;
   outcome_ = RunOutcome::Finished;
   run_.preparation.SwitchRfOff();
+  run_.shell.log.LogFile("Frequency sweep finished");
   run_.display.Show(Readout::Remaining, 0);
 }
 
@@ -149,22 +150,18 @@ void RunEngine::CloseManual() {
 
 void RunEngine::EndRun() {
   guard_.Attempt([&] { run_.preparation.SwitchRfOff(); });
+  // Stamped now, before dead instruments and boxes; written below, since the log may lie on a share that stalls.
+  run_.shell.log.Hold();
+  run_.shell.log.LogFile("Instruments taken offline");
   guard_.Attempt([&] { run_.display.Phase(RunPhase::TakingDown); });
   guard_.Attempt([&] { run_.preparation.ShutdownInstruments(); });
-  guard_.Attempt([&] { LogEnd(); });
+  guard_.Attempt([&] { run_.shell.log.Release(); });
   guard_.Attempt([&] { CloseManual(); });
   guard_.Attempt([&] { run_.shell.speaker.Beep(1000, 2000); });
   run_.shell.delay.RequestHalt();
   guard_.Attempt([&] { run_.display.Phase(RunPhase::Asking); });
   guard_.Attempt([&] { AskToSave(); });
   guard_.Attempt([&] { run_.display.Phase(RunPhase::Ready); });
-}
-
-/// Not before the instruments are offline: the log may lie on a share that stalls.
-void RunEngine::LogEnd() {
-  run_.shell.log.Release();
-  if (outcome_ == RunOutcome::Finished) run_.shell.log.LogFile("Frequency sweep finished");
-  run_.shell.log.LogFile("Instruments taken offline");
 }
 
 void RunEngine::AskToSave() {

@@ -72,7 +72,6 @@ class RunEngine {
   bool RunTimedStep();
   void ShowTimes();
   void EndRun();
-  void LogEnd();
   void AskToSave();
   bool HasUnsavedRows() const { return !saved_ && !letGo_ && !run_.data.IsEmpty(); }
 

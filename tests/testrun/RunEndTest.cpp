@@ -249,6 +249,25 @@ TEST_F(RunEndTest, TheRunLogTellsTheStory) {
   EXPECT_NE(offline, std::string::npos);
 }
 
+TEST_F(RunEndTest, TheRunLogTellsWhenTheRunEndedHoweverLongABoxStands) {
+  const WorkingDirectory here(rig.t.directory.Path());
+  rig.t.shell.settings.Store().SaveSettingStr("System", "LogToFile", "1");
+  UseEverything(rig);
+  rig.bus.FailLine("> 13 BYE", gpib::kEnol);
+  rig.t.dialogs.onShow = [&](const Message& message) {
+    if (message.text.starts_with("Error")) rig.t.clock.Advance(3'600'000);
+  };
+  rig.Run();
+  const std::string log = rig.t.directory.Read("runlog.hyl");
+  const auto hourOf = [&](const char* entry) {
+    const auto at = log.find(entry);
+    return at == std::string::npos ? std::string("no entry") : log.substr(log.rfind('\n', at) + 1, 11);
+  };
+  EXPECT_GE(rig.t.dialogs.messages.size(), 2U);
+  EXPECT_EQ(hourOf("Frequency sweep finished"), "01/05/26 09");
+  EXPECT_EQ(hourOf("Instruments taken offline"), "01/05/26 09");
+}
+
 TEST_F(RunEndTest, SettingsThatOpenAndCannotBeReadEndNoRun) {
   std::filesystem::create_symlink("/proc/self/mem", rig.t.directory.File("Hylden.ini"));
   rig.Run();
