@@ -23,7 +23,7 @@ bool SigGen::InitSigGen(double frequencyMHz, float levelDbm) {
   if (!accepted) return false;
   modulation_ = Modulation::None;
   switchByDepth_ = false;
-  modulationOn_ = true;
+  modulated_ = Switched::Unknown;
   const bool modulationIsOff = ModOff();
   return SilenceOrReport() && modulationIsOff;
 }

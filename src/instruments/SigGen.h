@@ -59,6 +59,9 @@ class SigGen : public DefinedInstrument<SigGenDefinition> {
  private:
   static constexpr float kNoLevel = -999;
 
+  /// Unknown: as the generator was found, or the last command did not get through; both commands are then sent.
+  enum class Switched { Off, On, Unknown };
+
   /// Where the level that was sent last is not known: which of the two goes out first.
   enum class UnknownLevel { FreqFirst, LevelFirst };
 
@@ -76,6 +79,8 @@ class SigGen : public DefinedInstrument<SigGenDefinition> {
   void RequestMinimumLevel();
   bool TrySilence();
   bool LowerToMinimum();
+  bool SwitchModulationOn(const std::string& command, const std::string& failure);
+  bool SetUpAm(float frequencyKHz, float depthPercent, bool useDepth);
   bool SendAm(float frequencyKHz, float depthPercent);
   bool SendModulation(const std::string& prefix, float value, std::string_view pattern, const std::string& suffix);
   bool SendText(const std::string& text, const std::string& failure);
@@ -86,7 +91,7 @@ class SigGen : public DefinedInstrument<SigGenDefinition> {
   double requestedFreq_ = 0;       ///< applied at the next RfOn
   float requestedLevel_ = 0;
   Rf rf_ = Rf::Off;
-  bool modulationOn_ = false;
+  Switched modulated_ = Switched::Off;
   Modulation modulation_ = Modulation::None;  ///< the one set up last
   bool switchByDepth_ = false;                ///< AM goes off and on by its depth
   float savedAmFreq_ = 0, savedAmDepth_ = 0;

@@ -16,10 +16,14 @@ constexpr const char* kNoPulse = "Signal Generator not capable of Pulse Modulati
 
 bool SigGen::SetAM(float frequencyKHz, float depthPercent, bool useDepth) {
   if (!AmCapable()) return Refuse(kNoAm);
-  if (!modulationOn_) {
+  if (modulated_ != Switched::On) {
     savedAmFreq_ = frequencyKHz;
     savedAmDepth_ = depthPercent;
   }
+  return SetUpAm(frequencyKHz, depthPercent, useDepth);
+}
+
+bool SigGen::SetUpAm(float frequencyKHz, float depthPercent, bool useDepth) {
   if (!SendAm(frequencyKHz, depthPercent)) {
     gpib_.Report("Error setting AM modulation");
     return false;
@@ -65,29 +69,37 @@ bool SigGen::SetPulse(float frequencyKHz, float widthMs) {
 
 bool SigGen::AmOn() {
   if (!AmCapable()) return Refuse(kNoAm);
-  // Switched off by its depth, AM comes back by its depth; SetAM reports its own failure.
-  if (modulationOn_) return SetAM(savedAmFreq_, savedAmDepth_, switchByDepth_);
-  modulationOn_ = true;
-  return SendText(definition_.AmModOn, "Error setting AM Modulation on. ");
+  const Switched before = modulated_;
+  if (before != Switched::On && !SwitchModulationOn(definition_.AmModOn, "Error setting AM Modulation on. "))
+    return false;
+  // Switched off by its depth, AM comes back by its depth.
+  return before == Switched::Off || SetUpAm(savedAmFreq_, savedAmDepth_, switchByDepth_);
 }
 
 bool SigGen::FmOn() {
   if (!FmCapable()) return Refuse(kNoFm);
-  modulationOn_ = true;
-  return SendText(definition_.FmModOn, "Error setting FM Modulation on. ");
+  return SwitchModulationOn(definition_.FmModOn, "Error setting FM Modulation on. ");
 }
 
 bool SigGen::PulseOn() {
   if (!PulseCapable()) return Refuse(kNoPulse);
-  modulationOn_ = true;
-  return SendText(definition_.PulseModOn, "Error setting Pulse Modulation on.");
+  return SwitchModulationOn(definition_.PulseModOn, "Error setting Pulse Modulation on.");
+}
+
+bool SigGen::SwitchModulationOn(const std::string& command, const std::string& failure) {
+  modulated_ = Switched::Unknown;
+  if (!SendText(command, failure)) return false;
+  modulated_ = Switched::On;
+  return true;
 }
 
 bool SigGen::ModOff() {
-  if (!modulationOn_) return true;
-  if (modulation_ == Modulation::Am && switchByDepth_) return SetAM(savedAmFreq_, 0, switchByDepth_);
-  modulationOn_ = false;
-  return SendText(definition_.ModulationOff, "Error turning modulation off. ");
+  if (modulated_ == Switched::Off) return true;
+  if (modulation_ == Modulation::Am && switchByDepth_) return SetUpAm(savedAmFreq_, 0, switchByDepth_);
+  modulated_ = Switched::Unknown;
+  if (!SendText(definition_.ModulationOff, "Error turning modulation off. ")) return false;
+  modulated_ = Switched::Off;
+  return true;
 }
 
 bool SigGen::SendModulation(const std::string& prefix, float value, std::string_view pattern,

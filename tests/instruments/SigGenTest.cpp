@@ -92,8 +92,11 @@ TEST_F(SigGenTest, SendsBothAgainAfterAFailedSend) {
     EXPECT_FALSE(s.sigGen.SetFreqLevel(60, -40));
     EXPECT_TRUE(s.ToldOnce("Error in writing command to Signal Generator. \r\n"));
     EXPECT_EQ(s.Took().size(), static_cast<std::size_t>(failing));
-    EXPECT_TRUE(s.sigGen.SetFreqLevel(60, -40));
-    EXPECT_EQ(s.Took(), (Strings{"> 18 FREQ 60.0 MHZ", "> 18 POW -40.0 DBM"}));
+    // Neither the new pair nor the one before is known to stand.
+    const double next = failing == 1 ? 60 : 50;
+    EXPECT_TRUE(s.sigGen.SetFreqLevel(next, static_cast<float>(next - 100)));
+    EXPECT_EQ(s.Took(), failing == 1 ? (Strings{"> 18 FREQ 60.0 MHZ", "> 18 POW -40.0 DBM"})
+                                     : (Strings{"> 18 FREQ 50.0 MHZ", "> 18 POW -50.0 DBM"}));
   }
 }
 
@@ -263,6 +266,23 @@ TEST_F(SigGenTest, SwitchesOtherModulationsByTheirCommands) {
   EXPECT_TRUE(sigGen.SetPulse(0.2F, 0.0005F));
   EXPECT_TRUE(sigGen.PulseOn());
   EXPECT_EQ(Took(), (Strings{"> 18 PLF 0.2 KHZ", "> 18 PLW 0.001 MS", "> 18 PL ON"}));
+}
+
+TEST_F(SigGenTest, AModulationCommandThatDidNotGetThroughIsSentAgain) {
+  EXPECT_TRUE(sigGen.SetAM(1, 80, false));
+  bus.FailLine("> 18 AM ON", gpib::kEnol);
+  EXPECT_FALSE(sigGen.AmOn());
+  Took();
+  EXPECT_TRUE(sigGen.AmOn());
+  EXPECT_EQ(Took().front(), "> 18 AM ON");
+  bus.FailLine("> 18 MOD OFF", gpib::kEnol);
+  EXPECT_FALSE(sigGen.ModOff());
+  EXPECT_TRUE(sigGen.ModOff());
+  EXPECT_EQ(Took(), (Strings{"> 18 MOD OFF !2", "> 18 MOD OFF"}));
+  bus.FailLine("> 18 FM ON", gpib::kEnol);  // or it got through, and its answer was lost
+  EXPECT_FALSE(sigGen.FmOn());
+  EXPECT_TRUE(sigGen.ModOff());
+  EXPECT_EQ(Took().back(), "> 18 MOD OFF");
 }
 
 TEST_F(SigGenTest, SkipsEmptyAmCommandsButSendsEmptyFmOnes) {
