@@ -50,10 +50,13 @@ bool Meter::MeterSetFreq(double frequencyMHz) {
     return false;
   }
   if (frequencyMHz == currentFreq_) return true;
+  currentFreq_ = 0;  // until the command has got through, nothing is assumed about the instrument
+  if (HasFreqCommand() && !SendCommand(SettingCommand(definition_.FreqSetPrefix, setting, commandpattern::kMeterFreq,
+                                                      definition_.FreqSetSuffix, terminator_))) {
+    return false;
+  }
   currentFreq_ = frequencyMHz;
-  if (!HasFreqCommand()) return true;
-  return SendCommand(SettingCommand(definition_.FreqSetPrefix, setting, commandpattern::kMeterFreq,
-                                    definition_.FreqSetSuffix, terminator_));
+  return true;
 }
 
 double Meter::FreqSetting(double frequencyMHz) const {
@@ -66,8 +69,13 @@ bool Meter::MeterSetLevel(double levelDbuv) {
     return false;
   }
   if (levelDbuv == currentReference_) return true;
+  currentReference_ = kNoReference;
+  if (HasLevelCommand() && !SendReference(levelDbuv)) return false;
   currentReference_ = levelDbuv;
-  if (!HasLevelCommand()) return true;
+  return true;
+}
+
+bool Meter::SendReference(double levelDbuv) {
   const double commanded = levelDbuv + (IsScope() ? kScopeOffsetDb : kReferenceOffsetDb);
   const auto setting = answers_.Converted(Conversions::DbuvToMeterUnits, definition_.Units, commanded);
   if (!setting) return WriteFailed();

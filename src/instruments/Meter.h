@@ -54,6 +54,7 @@ class Meter : public DefinedInstrument<MeterDefinition> {
   bool HasLevelCommand() const { return !definition_.LevSetPrefix.empty() || !definition_.LevSetSuffix.empty(); }
   bool IsScope() const { return definition_.Type == static_cast<std::int32_t>(MeterType::Scope); }
   double FreqSetting(double frequencyMHz) const;
+  bool SendReference(double levelDbuv);
   /// Triggers unless a trigger is pending, and waits until the capture may be read.
   bool AwaitCapture(double settlingSeconds);
   /// One reading in dBuV.
@@ -64,8 +65,8 @@ class Meter : public DefinedInstrument<MeterDefinition> {
   double RangingFailed(double levelDbuv);
 
   AnswerReader answers_;
-  double currentFreq_ = 0;                  ///< last requested, MHz
-  double currentReference_ = kNoReference;  ///< last requested, dBuV
+  double currentFreq_ = 0;                  ///< last set, MHz
+  double currentReference_ = kNoReference;  ///< last set, dBuV
 };
 
 }  // namespace hylden

@@ -34,8 +34,13 @@ bool PM::PwrMtrSetFreq(double frequencyMHz) {
     return false;
   }
   if (frequencyMHz == currentFreq_) return true;
+  currentFreq_ = 0;  // until the command has got through, nothing is assumed about the instrument
+  if (HasFreqCommand() && !TuneChannels(frequencyMHz)) return false;
   currentFreq_ = frequencyMHz;
-  if (!HasFreqCommand()) return true;
+  return true;
+}
+
+bool PM::TuneChannels(double frequencyMHz) {
   const std::string command = SettingCommand(definition_.FreqSetPrefix, frequencyMHz, commandpattern::kMeterFreq,
                                              definition_.FreqSetSuffix, terminator_);
   const bool twoChannels = !definition_.SelectCh2.empty();

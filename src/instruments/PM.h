@@ -39,6 +39,7 @@ class PM : public DefinedInstrument<PowerMeterDefinition> {
  private:
   /// The channel that the argument stands for at the present frequency.
   int ChannelFor(int channel) const;
+  bool TuneChannels(double frequencyMHz);
   /// The frequency for one sensor's calibration factor.
   bool TuneChannel(int channel, const std::string& command);
   /// One reading in dBm.
@@ -47,7 +48,7 @@ class PM : public DefinedInstrument<PowerMeterDefinition> {
   double ReadFailed();
 
   AnswerReader answers_;
-  double currentFreq_ = 0;  ///< last requested, MHz
+  double currentFreq_ = 0;  ///< last set, MHz
 };
 
 }  // namespace hylden

@@ -66,6 +66,19 @@ TEST_F(MeterTest, RefusesLevelsAndFrequenciesOutsideItsLimits) {
   EXPECT_EQ(Took(), (Strings{"> 13 RL 122.0 DB", "> 13 CF 1000.0 MZ"}));
 }
 
+TEST_F(MeterTest, ASettingThatDidNotGetThroughIsSentAgain) {
+  for (const bool level : {false, true})
+    for (const int next : {50, 60}) {  // neither the new setting nor the one before is known to stand
+      const auto set = [&](double value) { return level ? meter.MeterSetLevel(value) : meter.MeterSetFreq(value); };
+      EXPECT_TRUE(set(50));
+      bus.FailLine("> 13 ", gpib::kEnol);
+      EXPECT_FALSE(set(60));
+      Took();
+      EXPECT_TRUE(set(next));
+      EXPECT_EQ(Took().size(), 1U) << level << " " << next;
+    }
+}
+
 TEST_F(MeterTest, TellsBadUnitsBeforeTheWriteFailure) {
   Redefine(meter, [](auto& d) { d.Units = 5; });
   EXPECT_FALSE(meter.MeterSetLevel(100));

@@ -109,6 +109,14 @@ TEST_F(PMTest, FailedReadingsGive999) {
   }
 }
 
+TEST_F(PMTest, AFrequencyThatDidNotGetThroughIsSentAgain) {
+  bus.FailLine("> 7 FR", gpib::kEnol);
+  EXPECT_FALSE(pm.PwrMtrSetFreq(50));
+  Took();
+  EXPECT_TRUE(pm.PwrMtrSetFreq(50));
+  EXPECT_EQ(Took(), (Strings{"> 7 AP", "> 7 FR 50.0 MZ", "> 7 BP", "> 7 FR 50.0 MZ"}));
+}
+
 TEST_F(PMTest, OpensAndShutsDown) {
   EXPECT_TRUE(pm.InitPwrMtr());
   EXPECT_TRUE(pm.PwrMtrShutdown());
