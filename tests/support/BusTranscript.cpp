@@ -36,7 +36,7 @@ std::vector<std::int16_t> ListedAddresses(std::span<const std::int16_t> addresse
 
 std::string AddressLine(std::string_view verb, std::span<const std::int16_t> addresses) {
   std::string line(verb);
-  for (const std::int16_t address : ListedAddresses(addresses)) line += " " + std::to_string(address);
+  for (const std::int16_t address : ListedAddresses(addresses)) line.append(" ").append(std::to_string(address));
   return line;
 }
 
