@@ -237,8 +237,13 @@ TEST_P(EndInARun, IsRefusedByASaveThatIsCancelledAndTheProgramRunsAsBefore) {
            });
   Press(form, GetParam().start);
   EXPECT_TRUE(again);
+  // A save that was missed before is asked about again.
+  dialogs.Answer(MessageAnswer::Ok);
   dialogs.Answer(MessageAnswer::No);
-  p.desktop->CloseAll();
+  dialogs.onShow = [&](const Message& message) {
+    if (message.text == "Busy") p.desktop->CloseAll();
+  };
+  form.Guard("cmdX", [&] { dialogs.Tell("Busy"); });
   Program::Turn();
   EXPECT_EQ(p.ended, 1);
 }
@@ -284,6 +289,19 @@ INSTANTIATE_TEST_SUITE_P(, SignalInARun,
                          testing::Values(SIGHUP, SIGQUIT, SIGPWR, SIGTERM, SIGTSTP, SIGPIPE, SIGUSR1, SIGALRM, SIGIO,
                                          SIGXFSZ),
                          [](const auto& row) { return std::string(sigabbrev_np(row.param)); });
+
+TEST_F(EndOfTheProgram, AskedForInABoxOfAWindowThatOpensLeavesItShut) {
+  p.m.station.documents.calSetup.Record.CouplingMethod = 9;
+  dialogs.onShow = [&](const Message&) {
+    p.desktop->CloseAll();
+    Program::Turn();
+  };
+  p.desktop->OpenCalibrationSetup();
+  Program::Turn();
+  EXPECT_FALSE(dialogs.messages.empty());
+  EXPECT_EQ(OpenWindow<QWidget>(), nullptr);
+  EXPECT_EQ(p.ended, 1);
+}
 
 TEST_F(EndOfTheProgram, CommandThatFailsIsReportedWhereverItWasStarted) {
   struct Failing : WorkingForm {

@@ -63,6 +63,7 @@ void WorkingForm::Run(std::string_view name, const std::function<void()>& comman
 void WorkingForm::CloseBehindCommand() {
   if (!IsBusy()) return;
   closePending_ = true;
+  missedBefore_ = SaveMissed();
   Hurry();
 }
 
@@ -72,7 +73,7 @@ void WorkingForm::CloseIfPending() {
   QTimer::singleShot(0, this, [this] {
     if (!closePending_ || IsBusy()) return;  // taken back, or done behind the next command
     closePending_ = false;
-    if (SaveMissed())
+    if (SaveMissed() && !missedBefore_)
       emit StaysOpen();
     else
       close();

@@ -46,7 +46,7 @@ class WorkingForm : public QMainWindow {
   void ForgetClose() { closePending_ = false; }
   /// A question about saving what was measured stands on the screen: it may not be taken away.
   virtual bool AsksToSave() const { return false; }
-  /// What was to be saved is not: the form does not close behind its command.
+  /// What was to be saved is not: the form does not close behind the command that has missed it.
   virtual bool SaveMissed() const { return false; }
 
   /// The heading of the help file that F1 opens; empty for its beginning.
@@ -83,6 +83,7 @@ class WorkingForm : public QMainWindow {
 
   int commands_ = 0;  ///< that have not returned yet
   bool closePending_ = false;
+  bool missedBefore_ = false;  ///< the save, when the close was asked for
 };
 
 /// A band across the top of a window that tells, unmistakably, that no real instrument is driven.
