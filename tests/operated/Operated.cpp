@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QLabel>
 #include <QMessageBox>
+#include <QPointer>
 #include <QTimer>
 #include <cstdio>
 #include <string>
@@ -57,8 +58,8 @@ class Operator {
   }
 
   QTimer timer_;
-  QWidget* pressed_ = nullptr;
-  QWidget* answered_ = nullptr;
+  QPointer<QWidget> pressed_;
+  QPointer<QWidget> answered_;  ///< another box may come at the same address
   bool on_ = false;
 };
 
