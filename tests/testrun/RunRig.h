@@ -7,7 +7,6 @@
 #include "support/RecordingDisplay.h"
 #include "support/StationRig.h"
 #include "testrun/ManualControls.h"
-#include "testrun/RunCommands.h"
 #include "testrun/RunEngine.h"
 
 namespace hylden {
@@ -54,7 +53,6 @@ class RunRig : public StationRig {
   RecordingDisplay display;
   RecordingManual manual;
   RunEngine engine{t.shell, instruments, documents, display, manual};
-  RunCommands commands{t.shell, documents, engine, display};
   TestDefinition& test = documents.testSetup.Definition;
 
  private:

@@ -28,7 +28,7 @@ class frmRunCablCal : public CalibrationWindow {
   void PassStarting(bool inserted);
 
  private:
-  bool MayLeavePoints() override { return run_.MayLeavePoints(); }
+  bool MayLeavePoints() override { return run_.Unsaved().MayLeave(); }
   void SetRunning(bool running) override;
   void Show(Readout readout, std::optional<double> value) override;
   void RowChanged(int row) override;

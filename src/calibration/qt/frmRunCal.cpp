@@ -58,7 +58,7 @@ void frmRunCal::SetRunning(bool running) {
   CalibrationWindow::SetRunning(running);
   EnableSave(!running);
   if (running) return;
-  const bool unsaved = !calibration_.Rows().empty() && !calibration_.RowsSaved();
+  const bool unsaved = !calibration_.Rows().empty() && !calibration_.Unsaved().AreSaved();
   (unsaved ? ui_->cmdSave : ui_->cmdExit)->setFocus();
 }
 

@@ -24,12 +24,12 @@ class frmRunCal : public CalibrationWindow {
   void Load();
 
   const LevelCalibration& Calibration() const { return calibration_; }
-  bool AsksToSave() const override { return calibration_.AsksToSave(); }
-  bool SaveMissed() const override { return calibration_.SaveMissed(); }
+  bool AsksToSave() const override { return calibration_.Unsaved().IsAsking(); }
+  bool SaveMissed() const override { return calibration_.Unsaved().AreMissed(); }
   QString HelpTopic() const override { return QStringLiteral("Calibrating: the run"); }
 
  private:
-  bool MayLeavePoints() override { return calibration_.MayLeaveRows(); }
+  bool MayLeavePoints() override { return calibration_.Unsaved().MayLeave(); }
   void StartAfresh() override;
   void SetRunning(bool running) override;
   void Show(Readout readout, std::optional<double> value) override;

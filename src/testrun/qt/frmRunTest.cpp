@@ -6,7 +6,6 @@
 
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
-#include "platform/FlagRaised.h"
 #include "platform/qt/CommandWindow.h"
 #include "run/qt/RunWindowPlace.h"
 #include "shell/Shell.h"
@@ -34,7 +33,6 @@ frmRunTest::frmRunTest(Shell& shell, Instruments& instruments, Documents& docume
       documents_(documents),
       ui_(std::make_unique<Ui::frmRunTest>()),
       engine_(shell, instruments, documents, *this, *this),
-      commands_(shell, documents, engine_, *this),
       model_(engine_.Data()),
       escape_([this](const QWidget& window) { return IsOurs(window); }, [this] { PressHalt(); }) {
   ui_->setupUi(this);
@@ -78,7 +76,7 @@ void frmRunTest::SetUpStatusBar() {
 }
 
 void frmRunTest::ConnectFileMenu() {
-  On(ui_->mnuFileSave, [this] { Save(); });
+  On(ui_->mnuFileSave, [this] { engine_.Save(); });
   const auto print = [this](QAction* action, QAction* preview, RunReportKind kind) {
     connect(action, &QAction::triggered, this, [this, kind] { PrintReport(kind); });
     connect(preview, &QAction::triggered, this, [this, kind] { emit PrintPreviewRequested(kind); });
@@ -91,11 +89,6 @@ void frmRunTest::ConnectFileMenu() {
 
 void frmRunTest::PrintReport(RunReportKind kind) {
   Guard("mnuFilePrint", [&] { PrintRunReport(shell_, documents_, engine_.Data(), kind); });
-}
-
-void frmRunTest::Save() {
-  const FlagRaised saving(saving_);
-  engine_.Save();
 }
 
 void frmRunTest::ConnectUnits() {

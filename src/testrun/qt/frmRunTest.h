@@ -8,7 +8,6 @@
 #include "run/RunDisplay.h"
 #include "shell/qt/WorkingForm.h"
 #include "testrun/ManualControls.h"
-#include "testrun/RunCommands.h"
 #include "testrun/RunEngine.h"
 #include "testrun/RunReport.h"
 #include "testrun/RunUnits.h"
@@ -46,8 +45,8 @@ class frmRunTest : public WorkingForm, private RunDisplay, private ManualControl
   /// Halts the run as its button does; nothing when there is none.
   void PressHalt();
   void PrintReport(RunReportKind kind);
-  bool AsksToSave() const override { return saving_ || engine_.AsksToSave(); }
-  bool SaveMissed() const override { return engine_.SaveMissed(); }
+  bool AsksToSave() const override { return engine_.Unsaved().IsAsking(); }
+  bool SaveMissed() const override { return engine_.Unsaved().AreMissed(); }
 
   const RunEngine& Engine() const { return engine_; }
   QString HelpTopic() const override;
@@ -118,14 +117,12 @@ class frmRunTest : public WorkingForm, private RunDisplay, private ManualControl
   void ShowMarks();
   void ClearCountdown();
   void AskForHelp() { emit HelpRequested(HelpTopic()); }
-  void Save();
   bool IsOurs(const QWidget& window) const;
 
   Instruments& instruments_;
   Documents& documents_;
   std::unique_ptr<Ui::frmRunTest> ui_;
   RunEngine engine_;
-  RunCommands commands_;
   RunDataModel model_;
   std::unique_ptr<frmRunButtons> ButtonForm;
   std::unique_ptr<frmManual> ManForm;
@@ -146,8 +143,7 @@ class frmRunTest : public WorkingForm, private RunDisplay, private ManualControl
   double estimatedMinutes_ = 0;  ///< of the whole run
   int filledRows_ = 0;
   bool simulated_ = false;
-  bool inRun_ = false;   ///< a press of Run has not returned yet
-  bool saving_ = false;  ///< the file dialog of the save command may stand on the screen
+  bool inRun_ = false;  ///< a press of Run has not returned yet
 };
 
 }  // namespace hylden

@@ -43,7 +43,7 @@ void frmRunTest::Hurry() {
 
 /// Rows that were to be saved and are not are asked about once more.
 bool frmRunTest::QueryUnload() {
-  if (engine_.SaveMissed() && !engine_.MayDropRows()) return false;
+  if (!engine_.Unsaved().MayLeave()) return false;
   RememberPlace(shell_, windowkey::kRunTestForm, *this);
   if (ButtonForm) ButtonForm->Unload();
   return true;
@@ -70,16 +70,17 @@ void frmRunTest::buttonform_RunClick() {
     inRun_ = true;
     escape_.Start();
     rfWatch_.start();
-    commands_.Run();
+    engine_.ConfirmAndRun();
   });
 }
 
 void frmRunTest::buttonform_HaltClick() {
-  commands_.Halt();
+  shell_.delay.RequestHalt();
+  SetHalting();
 }
 
 void frmRunTest::buttonform_ManualClick() {
-  commands_.Manual();
+  engine_.RequestManual();
 }
 
 void frmRunTest::buttonform_exitclick() {
@@ -91,8 +92,6 @@ void frmRunTest::Phase(RunPhase phase) {
     case RunPhase::BringingUp:
       EnableFileMenu(false);
       return SetRunMode();
-    case RunPhase::Halting:
-      return SetHalting();
     case RunPhase::Asking:
       if (ButtonForm) ButtonForm->setEnabled(false);
       return;
