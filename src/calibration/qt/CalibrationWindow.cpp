@@ -12,9 +12,9 @@
 #include <exception>
 #include <utility>
 
-#include "calibration/qt/CalibrationTable.h"
 #include "instruments/SigGen.h"
 #include "platform/qt/CommandWindow.h"
+#include "run/qt/RowTable.h"
 #include "shell/Shell.h"
 #include "widgets/LabelText.h"
 #include "widgets/RfLamp.h"
@@ -52,7 +52,7 @@ CalibrationWindow::CalibrationWindow(Shell& shell, SigGen& sigGen, QWidget* pare
   connect(&rfWatch_, &QTimer::timeout, this, &CalibrationWindow::ShowRf);
 }
 
-void CalibrationWindow::SetUp(const Controls& controls, const Patterns& patterns, CalibrationTable& table) {
+void CalibrationWindow::SetUp(const Controls& controls, const Patterns& patterns, RowTable& table) {
   controls_ = controls;
   patterns_ = patterns;
   table_ = &table;

@@ -17,7 +17,7 @@ class QTableView;
 
 namespace hylden {
 
-class CalibrationTable;
+class RowTable;
 class RfLamp;
 class SigGen;
 class TableFollower;
@@ -49,7 +49,7 @@ class CalibrationWindow : public WorkingForm, protected RunDisplay {
   };
 
   /// To be called once the controls are there.
-  void SetUp(const Controls& controls, const Patterns& patterns, CalibrationTable& table);
+  void SetUp(const Controls& controls, const Patterns& patterns, RowTable& table);
   /// Has the button run a calibration.
   void OnRun(QAbstractButton* button, std::function<void()> run);
   /// Forgets the figures of the run before.
@@ -82,7 +82,7 @@ class CalibrationWindow : public WorkingForm, protected RunDisplay {
   SigGen& sigGen_;
   Controls controls_ = {};
   Patterns patterns_ = {};
-  CalibrationTable* table_ = nullptr;
+  RowTable* table_ = nullptr;
   TableFollower* follower_ = nullptr;
   QLabel* statusPanel_ = nullptr;
   QLabel* stepPanel_ = nullptr;

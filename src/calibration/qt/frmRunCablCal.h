@@ -3,8 +3,8 @@
 #include <memory>
 
 #include "calibration/CableCalibration.h"
-#include "calibration/qt/CalibrationTable.h"
 #include "calibration/qt/CalibrationWindow.h"
+#include "run/qt/RowTable.h"
 
 namespace hylden {
 
@@ -40,7 +40,7 @@ class frmRunCablCal : public CalibrationWindow {
 
   RunCablCal& run_;
   std::unique_ptr<Ui::frmRunCablCal> ui_;
-  CalibrationTable table_;
+  RowTable table_;
   bool passing_ = false;      ///< a pass is shown, not all that was read
   bool inserted_ = false;     ///< which one
   std::size_t measured_ = 0;  ///< how many points it has measured

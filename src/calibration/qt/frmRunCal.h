@@ -3,8 +3,8 @@
 #include <memory>
 
 #include "calibration/LevelCalibration.h"
-#include "calibration/qt/CalibrationTable.h"
 #include "calibration/qt/CalibrationWindow.h"
+#include "run/qt/RowTable.h"
 
 namespace hylden {
 
@@ -38,7 +38,7 @@ class frmRunCal : public CalibrationWindow {
 
   std::unique_ptr<Ui::frmRunCal> ui_;
   LevelCalibration calibration_;
-  CalibrationTable table_;
+  RowTable table_;
   QString testLevelTip_;  ///< while there is no level to show
   bool ready_ = false;
 };

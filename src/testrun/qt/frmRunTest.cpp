@@ -33,13 +33,19 @@ frmRunTest::frmRunTest(Shell& shell, Instruments& instruments, Documents& docume
       documents_(documents),
       ui_(std::make_unique<Ui::frmRunTest>()),
       engine_(shell, instruments, documents, *this, *this),
-      model_(engine_.Data()),
+      table_(
+          {kRunHeadings.begin(), kRunHeadings.end()},
+          [this](std::size_t row, std::size_t column) {
+            const auto& rows = engine_.Data().Entries();
+            return row < rows.size() ? CellsOf(rows[row])[column] : std::string();
+          },
+          [this](std::size_t row, std::size_t column) { return column > 0 && IsThreshold(row); }),
       escape_([this](const QWidget& window) { return IsOurs(window); }, [this] { PressHalt(); }) {
   ui_->setupUi(this);
   marks_ = {{Readout::SigGenLevel, ui_->lblSigGenLevel},
             {Readout::InducedLevel, ui_->lblInducedLevel},
             {Readout::ForwardPower, ui_->lblPower}};
-  ui_->flxTestData->setModel(&model_);
+  ui_->flxTestData->setModel(&table_);
   follower_ = new TableFollower(*ui_->flxTestData);
   new AlignedNumbers(*ui_->flxTestData, {{6}, {1, true}, {1}, {1, true}, {1, true}, {1}});
   SetUpStatusBar();
@@ -151,7 +157,6 @@ void frmRunTest::StartAfresh() {
   ShowPowerNow();
   ClearCountdown();
   Show(Readout::Remaining, estimatedMinutes_);
-  filledRows_ = 0;
   follower_->StartAfresh();
   ui_->prgSteps->setValue(0);
   ui_->flxTestData->clearSpans();
@@ -265,16 +270,19 @@ void frmRunTest::Plan(const RunPlan& plan) {
   Show(Readout::Remaining, estimatedMinutes_);
 }
 
+bool frmRunTest::IsThreshold(std::size_t row) const {
+  const auto& rows = engine_.Data().Entries();
+  return row < rows.size() && hylden::IsThreshold(rows[row]);
+}
+
 void frmRunTest::RowChanged(int row) {
-  model_.RowChanged(row);
+  table_.RowChanged(row);
   if (row == 0) {
     StartAfresh();
     return;
   }
-  const bool added = row > filledRows_;
-  filledRows_ = std::max(filledRows_, row);
-  const bool threshold = model_.IsThreshold(row - 1);
-  if (threshold && added) ui_->flxTestData->setSpan(row - 1, kCommentColumn, 1, model_.columnCount() - kCommentColumn);
+  if (IsThreshold(static_cast<std::size_t>(row) - 1))
+    ui_->flxTestData->setSpan(row - 1, kCommentColumn, 1, table_.columnCount() - kCommentColumn);
   follower_->RowChanged();
 }
 

@@ -6,12 +6,12 @@
 #include <vector>
 
 #include "run/RunDisplay.h"
+#include "run/qt/RowTable.h"
 #include "shell/qt/WorkingForm.h"
 #include "testrun/ManualControls.h"
 #include "testrun/RunEngine.h"
 #include "testrun/RunReport.h"
 #include "testrun/RunUnits.h"
-#include "testrun/qt/RunDataModel.h"
 #include "widgets/EscapeWatch.h"
 
 class QAction;
@@ -117,13 +117,15 @@ class frmRunTest : public WorkingForm, private RunDisplay, private ManualControl
   void ShowMarks();
   void ClearCountdown();
   void AskForHelp() { emit HelpRequested(HelpTopic()); }
+  /// Whether the row, counted from 0, is a threshold.
+  bool IsThreshold(std::size_t row) const;
   bool IsOurs(const QWidget& window) const;
 
   Instruments& instruments_;
   Documents& documents_;
   std::unique_ptr<Ui::frmRunTest> ui_;
   RunEngine engine_;
-  RunDataModel model_;
+  RowTable table_;
   std::unique_ptr<frmRunButtons> ButtonForm;
   std::unique_ptr<frmManual> ManForm;
   std::string manualPlace_;  ///< where it was left, as the settings keep it
@@ -141,7 +143,6 @@ class frmRunTest : public WorkingForm, private RunDisplay, private ManualControl
   std::vector<Marked> marks_;
   QTimer rfWatch_{this};         ///< RF can go off under a message box
   double estimatedMinutes_ = 0;  ///< of the whole run
-  int filledRows_ = 0;
   bool simulated_ = false;
   bool inRun_ = false;  ///< a press of Run has not returned yet
 };

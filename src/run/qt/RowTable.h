@@ -7,14 +7,18 @@
 
 namespace hylden {
 
-/// The points of a calibration as a table. A row that is added or changed costs the same however many there are.
-class CalibrationTable : public QAbstractTableModel {
+/// What a run recorded, as a table: numbers, to the right of their columns. A row that is added or changed costs the
+/// same however many there are.
+class RowTable : public QAbstractTableModel {
   Q_OBJECT
 
  public:
-  /// The text of a cell; row and column counted from 0.
+  /// The text of a cell; row and column counted from 0, so the next.
   using CellText = std::function<std::string(std::size_t row, std::size_t column)>;
-  CalibrationTable(std::vector<std::string> headings, CellText cell, QObject* parent = nullptr);
+  using CellTest = std::function<bool(std::size_t row, std::size_t column)>;
+  /// @param isWords  the cells that hold words stand to the left; where there are any, a cell that is too narrow for
+  ///                 its text has it as tool tip, and so has every other
+  RowTable(std::vector<std::string> headings, CellText cell, CellTest isWords = {}, QObject* parent = nullptr);
 
   /// This row (counted from 1) is there or has changed; it may be one beyond the last. 0: there are none any more.
   void RowChanged(int row);
@@ -27,6 +31,7 @@ class CalibrationTable : public QAbstractTableModel {
  private:
   std::vector<std::string> headings_;
   CellText cell_;
+  CellTest isWords_;
   int rows_ = 0;
 };
 
