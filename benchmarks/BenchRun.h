@@ -6,10 +6,9 @@
 #include <map>
 #include <string>
 
+#include "app/Station.h"
 #include "bench/Bench.h"
 #include "benchmarks/Limits.h"
-#include "documents/Documents.h"
-#include "instruments/Instruments.h"
 #include "support/TestShell.h"
 
 namespace hylden {
@@ -17,9 +16,7 @@ namespace hylden {
 /// The demo station on the simulated bench, in virtual time.
 struct DemoStation {
   DemoStation() {
-    const EquipRecord& equipment = documents.equip.Record;
-    loaded = documents.equip.LoadDef("station.eqp") == 1 && documents.equip.LoadDefinitions();
-    bench.Equip(LoadBenchEquipment(equipment.SigGenFile, equipment.MeterFile, equipment.PwrMtrFile));
+    loaded = station.LoadEquipment("station.eqp") && station.Apply();
     bench.Bus().passTime = [this](std::int64_t ms) { clock.Advance(ms); };
   }
 
@@ -27,8 +24,9 @@ struct DemoStation {
   VirtualClock clock;
   Bench bench{clock, LoadBenchFile("bench.txt").Config};
   TestShell machine{bench.Driver(), clock};
-  Instruments instruments{machine.shell};
-  Documents documents{machine.shell, instruments};
+  Station station{machine.shell, &bench};
+  Instruments& instruments = station.instruments;
+  Documents& documents = station.documents;
   bool loaded = false;
 };
 

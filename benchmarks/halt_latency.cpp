@@ -85,12 +85,8 @@ class RealWhileRfIsOn : public EventLoop {
 class HaltStation {
  public:
   HaltStation() {
-    Equip& equip = station_.documents.equip;
     TestSetup& test = station_.documents.testSetup;
-    if (equip.LoadDef("station.eqp") != 1 || !equip.LoadDefinitions() || equip.ApplyEquipment(equip.Entries())) return;
-    BenchEquipment onBench = LoadBenchEquipment(equip.Record.SigGenFile, {}, {});
-    onBench.SigGenAddress = equip.Record.SigGenAddress;
-    bench_.Equip(onBench);
+    if (!station_.LoadEquipment("station.eqp") || !station_.Apply()) return;
     if (!test.LoadDef("substitution-am.tst") || !station_.documents.calInfo.LoadDef(test.Definition.CalInfoFile))
       return;
     watch_.onRfOn = [this] {
@@ -129,7 +125,8 @@ class HaltStation {
   FakeDialogs dialogs_;
   FakeSpeaker speaker_;
   FakePrinter printer_;
-  Station station_{{dialogs_, clock_, events_, speaker_, printer_, watch_}, directory_.Path()};
+  Shell shell_{{dialogs_, clock_, events_, speaker_, printer_, watch_}, directory_.Path()};
+  Station station_{shell_, &bench_};
   frmRunTest form_{station_.shell, station_.instruments, station_.documents};
   std::mt19937 random_{1};
   bool ready_ = false, waiting_ = false;

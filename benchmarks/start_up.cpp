@@ -43,11 +43,10 @@ int StartUntilIdle(int argc, char** argv) {
   QtPrinter printer;
   SingleInstance instance;
   Bus bus;
-  Station station(Platform{dialogs, clock, events, speaker, printer, bus.Driver()}, home.Path());
-  DesktopOptions options;
-  options.anotherInstanceRuns = [&] { return !instance.Claim(); };
-  Desktop desktop(station.shell, station.instruments, station.documents, options);
-  if (!desktop.Start("") || !desktop.Menu().isVisible()) return 1;
+  Shell shell(Platform{dialogs, clock, events, speaker, printer, bus.Driver()}, home.Path());
+  Station station(shell);
+  Desktop desktop(station);
+  if (!instance.Claim() || !desktop.Start("") || !desktop.Menu().isVisible()) return 1;
   QCoreApplication::processEvents();  // what showing the window has brought about
   return 0;
 }

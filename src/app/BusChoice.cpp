@@ -3,8 +3,6 @@
 #include <algorithm>
 
 #include "bench/Bench.h"
-#include "documents/EquipRecord.h"
-#include "instruments/Instruments.h"
 #include "platform/native/NativeGpib.h"
 #include "shell/INISettings.h"
 
@@ -18,21 +16,6 @@ bool SaysBench(std::string driver) {
   std::transform(driver.begin(), driver.end(), driver.begin(),
                  [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
   return driver == "bench";
-}
-
-BenchEquipment OnTheBench(const EquipRecord& equipment, const Instruments& instruments) {
-  BenchEquipment bench;
-  if (instruments.sigGen.HasDefinition() && !equipment.SigGenFile.empty())
-    bench.SigGen = instruments.sigGen.Definition();
-  if (instruments.meter.HasDefinition() && !equipment.MeterFile.empty()) bench.Meter = instruments.meter.Definition();
-  if (instruments.pm.HasDefinition() && !equipment.PwrMtrFile.empty()) bench.PowerMeter = instruments.pm.Definition();
-  bench.SigGenAddress = equipment.SigGenAddress;
-  bench.MeterAddress = equipment.MeterAddress;
-  bench.PowerMeterAddress = equipment.PwrMtrAddress;
-  bench.Sensors = static_cast<PowerSensors>(equipment.AmpConfiguration);
-  bench.IfiAmplifier = equipment.HasIfiAmplifier();
-  if (bench.IfiAmplifier) bench.SensorBandSwitchMHz = equipment.IfiBandSwitch;
-  return bench;
 }
 
 }  // namespace
@@ -49,10 +32,6 @@ Bus::~Bus() = default;
 
 GpibDriver& Bus::Driver() {
   return bench_ ? bench_->Driver() : *native_;
-}
-
-void Bus::EquipBench(const EquipRecord& equipment, const Instruments& instruments) {
-  if (bench_) bench_->Equip(OnTheBench(equipment, instruments));
 }
 
 }  // namespace hylden

@@ -11,8 +11,6 @@ class Bench;
 class Clock;
 class GpibDriver;
 class INISettings;
-struct EquipRecord;
-struct Instruments;
 
 /// What is said of everything that runs on the simulated bench.
 inline constexpr const char* kSimulatedBenchText = "SIMULATED BENCH: no instrument is driven";
@@ -38,8 +36,6 @@ class Bus {
   GpibDriver& Driver();
   /// The bench; null when the machine's own bus is driven.
   Bench* SimulatedBench() { return bench_.get(); }
-  /// Puts the station's instruments, as loaded, on the simulated bench; nothing on the machine's own bus.
-  void EquipBench(const EquipRecord& equipment, const Instruments& instruments);
 
  private:
   std::unique_ptr<GpibDriver> native_;

@@ -9,7 +9,6 @@
 #include "platform/FlagRaised.h"
 #include "platform/native/ProgramDirectory.h"
 #include "run/RunQuestions.h"
-#include "shell/StartUp.h"
 #include "text/Pattern.h"
 #include "text/TextFile.h"
 
@@ -68,13 +67,14 @@ ConsoleDialogsOptions ConsoleStation::DialogOptions() {
 
 bool ConsoleStation::SetUp() {
   if (!MakeBus()) return false;
-  station_ = std::make_unique<Station>(Platform{dialogs_, TheClock(), TheLoop(), speaker_, printer_, bus_->Driver()},
-                                       ProgramDirectories());
+  shell_ = std::make_unique<Shell>(Platform{dialogs_, TheClock(), TheLoop(), speaker_, printer_, bus_->Driver()},
+                                   ProgramDirectories());
+  station_ = std::make_unique<Station>(*shell_, bus_->SimulatedBench());
   if (options_.UseBench) {
     TheShell().runNotice = kSimulatedBenchText;
     std::cout << kSimulatedBenchText << '\n' << std::flush;
   }
-  return LoadEquipment();
+  return station_->LoadEquipment(options_.EquipmentFile) && station_->Apply();
 }
 
 bool ConsoleStation::MakeBus() {
@@ -143,21 +143,6 @@ std::string ConsoleStation::PlaceToSave() {
     break;
   }
   return output_.Name();
-}
-
-bool ConsoleStation::LoadEquipment() {
-  Equip& equip = TheDocuments().equip;
-  if (equip.LoadDef(options_.EquipmentFile) != 1) {
-    Tell("Error loading equipment file " + options_.EquipmentFile);
-    return false;
-  }
-  if (!equip.LoadDefinitions()) return false;
-  if (const auto failure = equip.ApplyEquipment(equip.Entries())) {
-    Tell(BadEntryText(*failure, equip.Record, options_.EquipmentFile));
-    return false;
-  }
-  bus_->EquipBench(equip.Record, TheInstruments());
-  return true;
 }
 
 void ConsoleStation::ConnectMeter(MeterAt place) {

@@ -45,7 +45,7 @@ class ConsoleStation {
   bool MayMakeOutput(std::size_t rows);
 
   const RunOptions& Options() const { return options_; }
-  Shell& TheShell() { return station_->shell; }
+  Shell& TheShell() { return *shell_; }
   Instruments& TheInstruments() { return station_->instruments; }
   Documents& TheDocuments() { return station_->documents; }
   ProgressLine& Progress() { return progress_; }
@@ -79,7 +79,6 @@ class ConsoleStation {
   bool MakeBus();
   bool MayReplace(const std::string& file, const std::string& question);
   std::string PlaceToSave();
-  bool LoadEquipment();
 
   const RunOptions& options_;
   const bool terminal_;
@@ -95,6 +94,7 @@ class ConsoleStation {
   SingleInstance instance_;
   ConsoleOutput output_;
   std::unique_ptr<Bus> bus_;
+  std::unique_ptr<Shell> shell_;
   std::unique_ptr<Station> station_;
   std::int64_t elapsedMs_ = 0;
 };

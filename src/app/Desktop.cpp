@@ -1,28 +1,26 @@
 #include "app/Desktop.h"
 
 #include <QApplication>
-#include <QFileInfo>
 #include <QTimer>
 #include <utility>
 
 #include "app/BusChoice.h"
 #include "app/DesktopBench.h"
 #include "app/DesktopBeside.h"
-#include "bench/BenchConfig.h"
+#include "app/StartUp.h"
+#include "app/Station.h"
+#include "bench/Bench.h"
 #include "calibration/CableCalibration.h"
 #include "calibration/qt/frmCblSetup.h"
 #include "calibration/qt/frmRunCablCal.h"
 #include "calibration/qt/frmRunCal.h"
-#include "documents/Documents.h"
 #include "documents/qt/SetupForm.h"
 #include "documents/qt/frmCalSetup.h"
 #include "documents/qt/frmEquipment.h"
 #include "documents/qt/frmTestDef.h"
-#include "instruments/Instruments.h"
 #include "platform/qt/QtText.h"
 #include "shell/FormInput.h"
-#include "shell/RecentFiles.h"
-#include "shell/Shell.h"
+#include "shell/Version.h"
 #include "shell/qt/FormPrompts.h"
 #include "shell/qt/TopMenu.h"
 #include "shell/qt/WorkingForm.h"
@@ -32,21 +30,32 @@
 
 namespace hylden {
 
-Desktop::Desktop(Shell& shell, Instruments& instruments, Documents& documents, DesktopOptions options)
-    : shell_(shell),
-      instruments_(instruments),
-      documents_(documents),
+namespace {
+
+/// A program directory may end with its separator.
+std::string HelpFileIn(const std::string& directory) {
+  return directory + (directory.ends_with('/') || directory.ends_with('\\') ? "" : "/") + "hylden.hlp";
+}
+
+}  // namespace
+
+Desktop::Desktop(Station& station, DesktopOptions options)
+    : station_(station),
+      shell_(station.shell),
+      instruments_(station.instruments),
+      documents_(station.documents),
       options_(std::move(options)),
       menu_(std::make_unique<TopMenu>()),
-      bench_(std::make_unique<BenchWindows>(options_.bench, menu_->windowIcon())),
-      cableCalibration_(std::make_unique<RunCablCal>(shell, instruments)) {
+      bench_(std::make_unique<BenchWindows>(station.bench, menu_->windowIcon())),
+      helpFile_(HelpFileIn(shell_.settings.ProgramDirectory())),
+      cableCalibration_(std::make_unique<RunCablCal>(shell_, instruments_)) {
+  menu_->SetTitle(VersionTitle());
   QApplication::setWindowIcon(menu_->windowIcon());
   if (bench_->Present()) {
     ShowBenchNotice(*menu_);
     menu_->OfferBench();
     shell_.runNotice = kSimulatedBenchText;
   }
-  ShowAvailable();
   connect(menu_.get(), &TopMenu::ConfigureRequested, this, [this] { OpenEquipment(menu_.get()); });
   connect(menu_.get(), &TopMenu::CalibrationRequested, this, &Desktop::OpenCalibrationSetup);
   connect(menu_.get(), &TopMenu::RunTestRequested, this, [this] { OpenTestDefinition(); });
@@ -66,17 +75,9 @@ Desktop::~Desktop() {
   for (const QPointer<WorkingForm>& form : open_) delete form.data();
 }
 
-void Desktop::Provide(WorkingArea area, std::function<WorkingForm*()> make) {
-  makers_[static_cast<std::size_t>(area)] = std::move(make);
-  ShowAvailable();
-}
-
-void Desktop::ShowAvailable() {
-  menu_->SetAvailable(true, static_cast<bool>(makers_[0]), static_cast<bool>(makers_[1]));
-}
-
 bool Desktop::Start(const std::string& commandLine) {
-  if (!StartUp(shell_, *this, commandLine) || !shell_.end.MayStart()) return false;
+  if (StartUp(station_, commandLine) == Opening::TestDefinition) OpenTestDefinition();
+  if (!shell_.end.MayStart()) return false;
   ShowStation();
   if (open_.isEmpty()) menu_->show();
   return true;
@@ -112,17 +113,15 @@ void Desktop::ShowStation() {
   menu_->ShowStation(documents_.equip.EquipFileName, documents_.testSetup.TestFileName);
 }
 
-void Desktop::OpenArea(WorkingArea area) {
-  const auto& make = makers_[static_cast<std::size_t>(area)];
-  if (make && shell_.end.MayStart()) Open(make(), menu_.get());
-}
-
 frmEquipment* Desktop::OpenEquipment(QWidget* caller, int tab, bool modal) {
   if (!shell_.end.MayStart()) return nullptr;
+  station_.LoadDefinitions();
   auto* const form = new frmEquipment(shell_, instruments_, documents_.equip);
   form->ShowTab(tab);
   if (modal) form->setWindowModality(Qt::ApplicationModal);
   form->Offer(false, false, true);
+  connect(form, &frmEquipment::StationLoaded, this, [this] { station_.LoadDefinitions(); });
+  connect(form, &frmEquipment::EntriesTaken, this, [this] { station_.TakeAddresses(); });
   connect(form, &frmEquipment::InsertionLossRequested, this, [this, form] { OpenCableSetup(form); });
   connect(form, &WorkingForm::Unloaded, this, [this, form] { Applied(form); });
   return Open(form, caller) ? form : nullptr;
@@ -130,17 +129,18 @@ frmEquipment* Desktop::OpenEquipment(QWidget* caller, int tab, bool modal) {
 
 /// Another equipment form, behind the one that has closed, shows what was changed there.
 void Desktop::Applied(const frmEquipment* form) {
-  if (options_.onEquipmentApplied) options_.onEquipmentApplied();
+  station_.EquipBench();
   for (const QPointer<WorkingForm>& open : std::as_const(open_))
     if (auto* const other = qobject_cast<frmEquipment*>(open.data()); other && other != form) other->ShowChanges();
 }
 
-WorkingForm* Desktop::MakeTestDefinition() {
+void Desktop::OpenTestDefinition() {
+  if (!shell_.end.MayStart()) return;
   auto* const form = new frmTestDef(shell_, documents_);
   connect(form, &frmTestDef::EditEquipmentRequested, this, [this, form](int tab) { OpenEquipment(form, tab, true); });
   connect(form, &frmTestDef::StartRequested, this, [this, form] { OpenTestRun(form); });
   connect(form, &frmTestDef::PrintPreviewRequested, this, [this, form] { Preview([form] { form->Print(); }); });
-  return form;
+  Open(form, menu_.get());
 }
 
 void Desktop::OpenTestRun(QWidget* caller) {
@@ -154,11 +154,12 @@ void Desktop::OpenTestRun(QWidget* caller) {
   if (Open(form, caller)) form->Load();
 }
 
-WorkingForm* Desktop::MakeCalibrationSetup() {
+void Desktop::OpenCalibrationSetup() {
+  if (!shell_.end.MayStart()) return;
   auto* const form = new frmCalSetup(shell_, instruments_, documents_);
   connect(form, &frmCalSetup::EditEquipmentRequested, this, [this, form](int tab) { OpenEquipment(form, tab, true); });
   connect(form, &frmCalSetup::StartRequested, this, [this, form] { OpenCalibrationRun(form); });
-  return form;
+  Open(form, menu_.get());
 }
 
 void Desktop::OpenCalibrationRun(QWidget* caller) {
@@ -266,48 +267,6 @@ void Desktop::CloseNext() {
     menu_->close();
   else
     open_.last()->close();
-}
-
-bool Desktop::AnotherInstanceRuns() {
-  return options_.anotherInstanceRuns && options_.anotherInstanceRuns();
-}
-
-void Desktop::SetTitle(const std::string& title) {
-  menu_->SetTitle(title);
-}
-
-bool Desktop::LoadEquipment(const std::string& path) {
-  if (documents_.equip.LoadDef(path) != 1) return false;
-  documents_.equip.EquipFileName = path;
-  AddRecent(datakind::kEquip, path);
-  return true;
-}
-
-void Desktop::ApplyEquipment() {
-  Equip& equip = documents_.equip;
-  equip.LoadDefinitions();
-  if (const auto failure = equip.ApplyEquipment(equip.Entries()))
-    shell_.dialogs.Tell(BadEntryText(*failure, equip.Record, equip.EquipFileName), MessageIcon::Exclamation);
-  if (options_.onEquipmentApplied) options_.onEquipmentApplied();
-}
-
-bool Desktop::LoadTest(const std::string& path) {
-  if (!documents_.testSetup.LoadDef(path)) return false;
-  AddRecent(datakind::kTestSetups, path);
-  return true;
-}
-
-/// The list has whole paths: the program may be started elsewhere next time.
-void Desktop::AddRecent(std::string_view kind, const std::string& path) {
-  RecentFiles(shell_.settings, kind).Add(FromQt(QFileInfo(ToQt(ExistingPath(path))).absoluteFilePath()));
-}
-
-std::string Desktop::CalInfoFile() {
-  return documents_.testSetup.Definition.CalInfoFile;
-}
-
-bool Desktop::LoadCalInfo(const std::string& path) {
-  return documents_.calInfo.LoadDef(path);
 }
 
 }  // namespace hylden

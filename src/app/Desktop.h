@@ -3,22 +3,18 @@
 #include <QObject>
 #include <QPointer>
 #include <QVector>
-#include <array>
 #include <functional>
 #include <memory>
 #include <string>
-#include <string_view>
-
-#include "shell/StartUp.h"
 
 class QWidget;
 
 namespace hylden {
 
-class Bench;
 class BenchWindows;
 class RunCablCal;
 class Shell;
+class Station;
 class TopMenu;
 class WorkingForm;
 class frmEquipment;
@@ -28,49 +24,36 @@ struct Instruments;
 
 /// What the desktop program brings along from its machine.
 struct DesktopOptions {
-  /// The simulated bench when it drives the program: every window says so, its panel can be opened, and it is cabled
-  /// as each run needs it. It must outlive the desktop.
-  Bench* bench = nullptr;
-  /// Whether another instance runs on this computer; none when empty.
-  std::function<bool()> anotherInstanceRuns = {};
-  /// Called whenever the station's equipment has been handed to the drivers.
-  std::function<void()> onEquipmentApplied = {};
   /// Called when the program has been asked to end: boxes on the screen have to give way.
   std::function<void()> onEnding = {};
   /// Runs a print command with the preview window in the printer's place.
   std::function<void(const std::function<void()>& print)> preview = {};
 };
 
-/// The main menu's areas of which the forms are made elsewhere.
-enum class WorkingArea { Calibration, Test };
-
-/// The windows of the program and who opens what: forms tell by signals what they want, and are connected here.
-class Desktop : public QObject, private StartUpSteps {
+/// The windows of the program and who opens what: forms tell by signals what they want, and are connected here. When a
+/// simulated bench stands for the bus, every window says so, its panel can be opened, and it is cabled as each run
+/// needs it.
+class Desktop : public QObject {
   Q_OBJECT
 
  public:
-  Desktop(Shell& shell, Instruments& instruments, Documents& documents, DesktopOptions options = {});
+  explicit Desktop(Station& station, DesktopOptions options = {});
   ~Desktop() override;
 
-  /// Gives the area a form; without one its button stays disabled.
-  void Provide(WorkingArea area, std::function<WorkingForm*()> make);
-
-  /// Start-up from the command line to the main menu.
-  /// @return false when the program has to end at once
+  /// Start-up from the command line to the first window.
+  /// @return false when the program has been asked to end meanwhile
   bool Start(const std::string& commandLine);
 
   TopMenu& Menu() { return *menu_; }
   /// Opens the equipment form in the caller's place; modally above it when a check has found something to mend there.
   /// Null while the program is being ended.
   frmEquipment* OpenEquipment(QWidget* caller, int tab = 0, bool modal = false);
-  void OpenCalibrationSetup() { OpenArea(WorkingArea::Calibration); }
-  void OpenTestDefinition() override { OpenArea(WorkingArea::Test); }
-  /// The test definition's form; its Start opens the test run.
-  WorkingForm* MakeTestDefinition();
+  /// Opens the test definition; its Start opens the test run.
+  void OpenTestDefinition();
   /// Opens the test run in the caller's place.
   void OpenTestRun(QWidget* caller);
-  /// The calibration setup's form; its Start opens the calibration run.
-  WorkingForm* MakeCalibrationSetup();
+  /// Opens the calibration setup; its Start opens the calibration run.
+  void OpenCalibrationSetup();
   /// Opens the level calibration in the caller's place.
   void OpenCalibrationRun(QWidget* caller);
   /// Opens the insertion-loss setup in the caller's place; its Start opens the two passes.
@@ -100,17 +83,6 @@ class Desktop : public QObject, private StartUpSteps {
   void Ended();
 
  private:
-  bool AnotherInstanceRuns() override;
-  void SetTitle(const std::string& title) override;
-  void SetHelpFile(const std::string& path) override { helpFile_ = path; }
-  bool LoadEquipment(const std::string& path) override;
-  void ApplyEquipment() override;
-  bool LoadTest(const std::string& path) override;
-  std::string CalInfoFile() override;
-  bool LoadCalInfo(const std::string& path) override;
-
-  void AddRecent(std::string_view kind, const std::string& path);
-  void OpenArea(WorkingArea area);
   /// The main menu says which station and test are loaded.
   void ShowStation();
   void ClearBoxes();
@@ -120,18 +92,17 @@ class Desktop : public QObject, private StartUpSteps {
   bool LoadHelp();
   void EscapeInPanel();
   void KeepBeside();
-  void ShowAvailable();
   void CloseNext();
 
+  Station& station_;
   Shell& shell_;
   Instruments& instruments_;
   Documents& documents_;
   DesktopOptions options_;
-  std::array<std::function<WorkingForm*()>, 2> makers_;
   std::unique_ptr<TopMenu> menu_;
   std::unique_ptr<BenchWindows> bench_;
   std::unique_ptr<frmHelp> help_;  ///< from its first opening on
-  std::string helpFile_;
+  const std::string helpFile_;
   QVector<QPointer<WorkingForm>> open_;
   std::unique_ptr<RunCablCal> cableCalibration_;  ///< its setup and points outlive the forms
 };

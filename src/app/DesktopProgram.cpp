@@ -9,6 +9,7 @@
 #include "app/BusChoice.h"
 #include "app/Desktop.h"
 #include "app/DesktopApplication.h"
+#include "app/StartUp.h"
 #include "app/Station.h"
 #include "bench/Bench.h"
 #include "platform/console/ConsoleClock.h"
@@ -61,22 +62,22 @@ int RunOn(DesktopApplication& application, QtDialogs& dialogs, const std::string
   SingleInstance instance;
   const Directories directories = ProgramDirectories();
   const std::unique_ptr<Bus> bus = MakeBus(directories, clock, dialogs);
-  Station station(Platform{dialogs, clock, events, speaker, printer, bus->Driver()}, directories);
+  Shell shell(Platform{dialogs, clock, events, speaker, printer, bus->Driver()}, directories);
+  Station station(shell, bus->SimulatedBench());
 
-  printer.pdfDirectory = [&] { return station.shell.settings.GetDataDir(datakind::kTestResults); };
+  printer.pdfDirectory = [&] { return shell.settings.GetDataDir(datakind::kTestResults); };
 
   DesktopOptions options;
-  options.bench = bus->SimulatedBench();
-  options.anotherInstanceRuns = [&] { return !instance.Claim(); };
-  options.onEquipmentApplied = [&] { bus->EquipBench(station.documents.equip.Record, station.instruments); };
   options.onEnding = [&] { dialogs.CloseBoxes(); };
   options.preview = [&](const std::function<void()>& print) {
     const QtPrinter::Previewing scope(printer);
     print();
   };
-  Desktop desktop(station.shell, station.instruments, station.documents, options);
-  desktop.Provide(WorkingArea::Calibration, [&] { return desktop.MakeCalibrationSetup(); });
-  desktop.Provide(WorkingArea::Test, [&] { return desktop.MakeTestDefinition(); });
+  Desktop desktop(station, options);
+  if (!instance.Claim()) {
+    dialogs.Tell(kAnotherInstanceText);
+    return 1;
+  }
 
   // The application and its boxes outlive the station and its windows.
   const auto done = qScopeGuard([&] {
@@ -86,9 +87,9 @@ int RunOn(DesktopApplication& application, QtDialogs& dialogs, const std::string
     application.onException = nullptr;
   });
   dialogs.onEscape = [&] { desktop.EscapeInBox(); };
-  dialogs.isEnding = [&] { return station.shell.end.IsAsked(); };
+  dialogs.isEnding = [&] { return shell.end.IsAsked(); };
   application.onProgramEnd = [&] { desktop.CloseAll(); };
-  application.onException = [&](const std::exception& error) { station.shell.ReportUnforeseen(error, "Hylden"); };
+  application.onException = [&](const std::exception& error) { shell.ReportUnforeseen(error, "Hylden"); };
   QObject::connect(&desktop, &Desktop::Ended, &application, &QCoreApplication::quit);
   QObject::connect(&application, &QGuiApplication::commitDataRequest, &desktop, &Desktop::CloseAll);
   const EndSignals endSignals([&] { desktop.CloseAll(); });

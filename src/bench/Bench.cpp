@@ -2,28 +2,7 @@
 
 #include <algorithm>
 
-#include "text/RecordFile.h"
-
 namespace hylden {
-
-BenchEquipment LoadBenchEquipment(const std::string& sigGenFile, const std::string& meterFile,
-                                  const std::string& powerMeterFile) {
-  BenchEquipment equipment;
-  if (!sigGenFile.empty()) {
-    LoadRecord(sigGenFile, equipment.SigGen.emplace());
-    equipment.SigGenAddress = equipment.SigGen->Address;
-  }
-  if (!meterFile.empty()) {
-    LoadRecord(meterFile, equipment.Meter.emplace());
-    equipment.MeterAddress = equipment.Meter->Address;
-  }
-  if (!powerMeterFile.empty()) {
-    LoadRecord(powerMeterFile, equipment.PowerMeter.emplace());
-    equipment.PowerMeterAddress = equipment.PowerMeter->Address;
-    equipment.SensorBandSwitchMHz = equipment.PowerMeter->Bandswitch;
-  }
-  return equipment;
-}
 
 Bench::Bench(const Clock& clock, BenchConfig config) : config_(std::move(config)), world_(clock, config_), bus_(clock) {
   for (const BenchFault& fault : config_.Faults) bus_.Inject(fault);

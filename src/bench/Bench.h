@@ -30,11 +30,6 @@ struct BenchEquipment {
   bool IfiAmplifier = false;
 };
 
-/// Loads definition files into the equipment, with the addresses that they hold; an empty path leaves an instrument
-/// out. @throws RuntimeError when a file can't be read
-BenchEquipment LoadBenchEquipment(const std::string& sigGenFile, const std::string& meterFile,
-                                  const std::string& powerMeterFile);
-
 /// The simulated bench: virtual instruments on a virtual bus, and the RF path between them.
 class Bench {
  public:

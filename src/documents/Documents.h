@@ -9,7 +9,7 @@ namespace hylden {
 
 /// The documents of one station; one record of each kind.
 struct Documents {
-  Documents(Shell& shell, Instruments& instruments)
+  Documents(Shell& shell, const Instruments& instruments)
       : equip(shell, instruments), calSetup(shell), calInfo(shell), testSetup(shell, calInfo) {}
 
   Equip equip;

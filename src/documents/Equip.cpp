@@ -17,17 +17,15 @@ constexpr const char *kSigGenBox = "txtSigGenAddr", *kMeterBox = "txtMeterAddr",
 /// A shorter path counts as none.
 constexpr std::size_t kShortestPath = 2;
 
-/// Takes an instrument's address from its box into the record and the driver.
-template <class Driver>
-std::optional<EntryFailure> ApplyAddress(const char* control, const std::string& file, const std::string& text,
-                                         std::int16_t& address, Driver& driver) {
+/// Takes an instrument's address from its box.
+std::optional<EntryFailure> TakeAddress(const char* control, const std::string& file, const std::string& text,
+                                        std::int16_t& address) {
   if (file.size() < kShortestPath) return std::nullopt;
   if (!IsNumeric(text)) return EntryFailure{control, -1, EntryFailure::Kind::NotANumber};
   const double number = ToDouble(text);
   if (number < kLowestAddress || number > kHighestAddress || number != NearestWhole(number))
     return EntryFailure{control, -1, EntryFailure::Kind::OutOfRange};
   address = ToInt16(text);
-  driver.SetAddress(address);
   return std::nullopt;
 }
 
@@ -125,22 +123,6 @@ int Equip::SaveDef(const std::string& path) {
   return 1;
 }
 
-bool Equip::LoadDefinitions() {
-  // The command that ends RF goes with the definition.
-  if (instruments_.sigGen.RfIsOn()) instruments_.sigGen.SilenceRf();
-  bool loaded = true;
-  const auto load = [&loaded](auto& driver, const std::string& file, int address) {
-    if (file.empty()) return driver.Forget();
-    loaded = driver.LoadFile(file) && loaded;
-    driver.SetAddress(address);  // the station's address rules, not the definition's
-  };
-  load(instruments_.sigGen, Record.SigGenFile, Record.SigGenAddress);
-  load(instruments_.meter, Record.MeterFile, Record.MeterAddress);
-  load(instruments_.pm, Record.PwrMtrFile, Record.PwrMtrAddress);
-  if (Record.HasIfiAmplifier()) instruments_.pm.SetBandswitch(Record.IfiBandSwitch);
-  return loaded;
-}
-
 std::optional<StartFailure> Equip::CheckDefinitions(bool meter, bool powerMeter) const {
   const auto missing = [](const auto& driver, const std::string& file) -> std::optional<StartFailure> {
     if (driver.HasDefinition()) return std::nullopt;
@@ -152,10 +134,10 @@ std::optional<StartFailure> Equip::CheckDefinitions(bool meter, bool powerMeter)
   return powerMeter ? missing(instruments_.pm, Record.PwrMtrFile) : std::nullopt;
 }
 
-std::optional<EntryFailure> Equip::ApplyEquipment(const EquipmentEntries& entries) {
-  if (auto failure = ApplyAddresses(entries)) return failure;
+std::optional<EntryFailure> Equip::TakeEntries(const EquipmentEntries& entries) {
+  if (auto failure = TakeAddresses(entries)) return failure;
   if (entries.Type == AmpType::Ifi)
-    if (auto failure = ApplyBandSwitch(entries.IfiBandSwitch)) return failure;
+    if (auto failure = TakeBandSwitch(entries.IfiBandSwitch)) return failure;
   Record.CableLossFile = entries.CableLossFile;
   Record.FwdPortFile = entries.FwdPortFile;
   Record.RevPortFile = entries.RevPortFile;
@@ -168,23 +150,20 @@ std::optional<EntryFailure> Equip::ApplyEquipment(const EquipmentEntries& entrie
   return std::nullopt;
 }
 
-std::optional<EntryFailure> Equip::ApplyAddresses(const EquipmentEntries& entries) {
-  if (auto failure =
-          ApplyAddress(kSigGenBox, Record.SigGenFile, entries.SigGenAddress, Record.SigGenAddress, instruments_.sigGen))
+std::optional<EntryFailure> Equip::TakeAddresses(const EquipmentEntries& entries) {
+  if (auto failure = TakeAddress(kSigGenBox, Record.SigGenFile, entries.SigGenAddress, Record.SigGenAddress))
     return failure;
-  if (auto failure =
-          ApplyAddress(kMeterBox, Record.MeterFile, entries.MeterAddress, Record.MeterAddress, instruments_.meter))
+  if (auto failure = TakeAddress(kMeterBox, Record.MeterFile, entries.MeterAddress, Record.MeterAddress))
     return failure;
-  return ApplyAddress(kPwrMtrBox, Record.PwrMtrFile, entries.PwrMtrAddress, Record.PwrMtrAddress, instruments_.pm);
+  return TakeAddress(kPwrMtrBox, Record.PwrMtrFile, entries.PwrMtrAddress, Record.PwrMtrAddress);
 }
 
-std::optional<EntryFailure> Equip::ApplyBandSwitch(const std::string& text) {
+std::optional<EntryFailure> Equip::TakeBandSwitch(const std::string& text) {
   if (!IsNumeric(text)) return EntryFailure{kBandSwitchBox, kAmplifierTab, EntryFailure::Kind::NotANumber};
   const double bandSwitch = ToDouble(text);
   // Amplifier and power meter change their band together.
   Record.IfiBandSwitch = bandSwitch;
   Record.PmBandSwitch = bandSwitch;
-  instruments_.pm.SetBandswitch(bandSwitch);
   if (!(bandSwitch >= EquipRecord::kLowestBandSwitchMHz && bandSwitch <= EquipRecord::kHighestBandSwitchMHz))
     return EntryFailure{kBandSwitchBox, kAmplifierTab, EntryFailure::Kind::OutOfRange};
   return std::nullopt;

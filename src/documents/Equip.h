@@ -45,28 +45,24 @@ std::string BadEntryText(const EntryFailure& failure, const EquipRecord& station
 /// Whether both stand for the same values.
 bool SameEntries(const EquipmentEntries& a, const EquipmentEntries& b);
 
-/// The station's equipment configuration, its file, and its hand-over to the drivers.
+/// The station's equipment configuration and its file.
 class Equip {
  public:
-  Equip(Shell& shell, Instruments& instruments) : shell_(shell), instruments_(instruments) {}
+  /// @param instruments  only looked at: what they have loaded
+  Equip(Shell& shell, const Instruments& instruments) : shell_(shell), instruments_(instruments) {}
 
   /// 1 when all fields were read, 0 after a report; the record is then as it was: half a station drives nothing. Files
   /// named without a directory are also looked for beside the equipment file.
   int LoadDef(const std::string& path);
   int SaveDef(const std::string& path);
 
-  /// Loads the definition files of the three instruments into the drivers; one that is not named or fails leaves its
-  /// driver without a definition. The equipment's addresses rule over the definitions', and with an IFI amplifier its
-  /// band switch over the power meter's.
-  /// @return false when one of them failed, after its report
-  bool LoadDefinitions();
   /// Whether the instruments that a run needs have their definitions: the generator always, the others as asked for.
   /// @return the first one whose file could not be loaded
   std::optional<StartFailure> CheckDefinitions(bool meter, bool powerMeter) const;
   /// The form's entries as the record has them: what a freshly opened form would show.
   EquipmentEntries Entries() const { return EntriesOf(Record); }
-  /// Checks the entries in the form's order and takes them into the record and the drivers, up to the first failure.
-  std::optional<EntryFailure> ApplyEquipment(const EquipmentEntries& entries);
+  /// Checks the entries in the form's order and takes them into the record, up to the first failure.
+  std::optional<EntryFailure> TakeEntries(const EquipmentEntries& entries);
 
   EquipRecord Record;
   /// What was loaded or saved last.
@@ -75,11 +71,11 @@ class Equip {
   std::string EquipFileName;
 
  private:
-  std::optional<EntryFailure> ApplyAddresses(const EquipmentEntries& entries);
-  std::optional<EntryFailure> ApplyBandSwitch(const std::string& text);
+  std::optional<EntryFailure> TakeAddresses(const EquipmentEntries& entries);
+  std::optional<EntryFailure> TakeBandSwitch(const std::string& text);
 
   Shell& shell_;
-  Instruments& instruments_;
+  const Instruments& instruments_;
   FilesBeside files_;
 };
 

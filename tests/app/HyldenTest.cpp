@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/native/SingleInstance.h"
 #include "support/TempDir.h"
 
 namespace hylden {
@@ -50,13 +51,14 @@ class HyldenProgram : public testing::TestWithParam<SignalCase> {
 
   TempDir directory_;
   std::string station_ = directory_.File("station");
+  std::string lock_ = "test-" + std::to_string(getpid());
   pid_t child_ = -1;
   int output_ = -1;
 
  private:
   [[noreturn]] void Become(int output) const {
     dup2(output, STDOUT_FILENO);
-    setenv("HYLDEN_LOCK", ("test-" + std::to_string(getpid())).c_str(), 1);
+    setenv("HYLDEN_LOCK", lock_.c_str(), 1);
     setenv("HYLDEN_HOME", directory_.File("home").c_str(), 1);
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
     if (chdir(station_.c_str()) == 0)
@@ -76,6 +78,19 @@ TEST_P(HyldenProgram, EndsInOrderWithRfOffAndIsNeverFrozen) {
   EXPECT_EQ(WEXITSTATUS(status), 0);
   EXPECT_EQ(SaidUntil("end"), "Save Run Data: RF off\n");
   EXPECT_NE(directory_.Read("station/runlog.hyl").find("Instruments taken offline"), std::string::npos);
+}
+
+using SecondInstance = HyldenProgram;
+
+TEST_F(SecondInstance, EndsAtOnce) {
+  SingleInstance other("hylden-" + lock_);
+  ASSERT_TRUE(other.Claim());
+  Start();
+  int status = 0;
+  waitpid(child_, &status, 0);
+  child_ = -1;
+  EXPECT_EQ(WEXITSTATUS(status), 1);
+  EXPECT_EQ(SaidUntil("end"), "");
 }
 
 INSTANTIATE_TEST_SUITE_P(, HyldenProgram,

@@ -24,6 +24,20 @@ std::string File(const std::string& name) {
   return (kStation / name).string();
 }
 
+/// The instruments of definition files, with the addresses that they hold.
+BenchEquipment Equipment(const std::string& sigGen, const std::string& meter = {}, const std::string& powerMeter = {}) {
+  BenchEquipment equipment;
+  LoadRecord(File(sigGen), equipment.SigGen.emplace());
+  equipment.SigGenAddress = equipment.SigGen->Address;
+  if (meter.empty()) return equipment;
+  LoadRecord(File(meter), equipment.Meter.emplace());
+  equipment.MeterAddress = equipment.Meter->Address;
+  LoadRecord(File(powerMeter), equipment.PowerMeter.emplace());
+  equipment.PowerMeterAddress = equipment.PowerMeter->Address;
+  equipment.SensorBandSwitchMHz = equipment.PowerMeter->Bandswitch;
+  return equipment;
+}
+
 std::vector<std::filesystem::path> FilesOf(const std::string& extension) {
   std::vector<std::filesystem::path> files;
   for (const auto& entry : std::filesystem::directory_iterator(kStation))
@@ -140,7 +154,7 @@ TEST(Station, TestsAndEquipmentNameFilesThatAreThere) {
 }
 
 TEST(Station, TheScpiStationUnderstandsTheProgramsBytes) {
-  BenchRig rig(LoadBenchEquipment(File("scpi.sg"), File("analyser.mtr"), File("two-channel.pm")), StationBench());
+  BenchRig rig(Equipment("scpi.sg", "analyser.mtr", "two-channel.pm"), StationBench());
   for (const char* command : {"*CLS\r\n", "FREQ 27.0 MHZ\r\n", "POW -12.3 DBM\r\n", "AM:INT:FREQ 1.0 KHZ\r\n",
                               "AM:DEPT 80.0 PCT\r\n", "AM:STAT ON\r\n", "MOD:STAT OFF\r\n", "OUTP ON\r\n"})
     rig.Send(18, command);
@@ -168,7 +182,7 @@ TEST(Station, TheScpiStationUnderstandsTheProgramsBytes) {
 }
 
 TEST(Station, TheOlderGeneratorIsSwitchedOffByItsMinimumLevel) {
-  BenchRig rig(LoadBenchEquipment(File("two-letter.sg"), "", ""), StationBench());
+  BenchRig rig(Equipment("two-letter.sg"), StationBench());
   for (const char* command : {"\r", "FR 27.0 MZ\r", "AP -12.3 DM\r", "R3\r", "AP -140.0 DM\r"}) rig.Send(18, command);
   EXPECT_EQ(rig.bench.Bus().UnknownCount(), 0);
   EXPECT_TRUE(rig.bench.State().Generator.RfOn);

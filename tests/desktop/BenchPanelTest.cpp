@@ -38,9 +38,8 @@ class BenchPanel : public testing::Test {
 
   void Start(Bench* bench) {
     desktop.reset();
-    DesktopOptions options;
-    options.bench = bench;
-    desktop = std::make_unique<Desktop>(m.station.shell, m.station.instruments, m.station.documents, options);
+    m.station.bench = bench;
+    desktop = std::make_unique<Desktop>(m.station);
     desktop->Menu().show();
   }
   frmBench& Panel() {
@@ -133,7 +132,7 @@ TEST_F(BenchPanel, SurvivesAnotherStationAndFollowsIt) {
   EXPECT_EQ(TextOf(Panel(), "lblGenerator"), "not on the bus");
   EXPECT_EQ(TextOf(Panel(), "lblFreq"), "--");
   EXPECT_EQ(TextOf(Panel(), "lblThreshold"), "--");
-  m.PutOnTheBench();
+  m.station.EquipBench();
   EXPECT_THAT(TextOf(Panel(), "lblGenerator"), testing::StartsWith("Address 18"));
 }
 

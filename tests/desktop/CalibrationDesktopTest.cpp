@@ -23,11 +23,7 @@ namespace {
 class CalibrationDesktop : public testing::Test {
  protected:
   void SetUp() override {
-    DesktopOptions options;
-    options.bench = &m.bench;
-    options.onEquipmentApplied = [this] { m.PutOnTheBench(); };
-    desktop = std::make_unique<Desktop>(m.station.shell, m.station.instruments, m.station.documents, options);
-    desktop->Provide(WorkingArea::Calibration, [this] { return desktop->MakeCalibrationSetup(); });
+    desktop = std::make_unique<Desktop>(m.station);
     ASSERT_TRUE(desktop->Start("\"/e:station.eqp\""));
     ASSERT_TRUE(m.station.documents.calSetup.LoadDef("cdn-10v.csu"));
     CalSetupRecord& setup = m.station.documents.calSetup.Record;

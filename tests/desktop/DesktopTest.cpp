@@ -9,7 +9,6 @@
 #include "bench/Bench.h"
 #include "desktop/FormDriver.h"
 #include "documents/qt/frmEquipment.h"
-#include "shell/RecentFiles.h"
 #include "shell/qt/TopMenu.h"
 #include "support/ScriptedBus.h"
 #include "support/TestShell.h"
@@ -27,12 +26,13 @@ class DesktopTest : public testing::Test {
     record.SigGenFile = t.directory.File("gen.sg");
     record.SigGenAddress = 18;
     SaveRecord(t.directory.File("My station.eqp"), record);
-    MakeDesktop({});
+    MakeDesktop();
   }
 
-  void MakeDesktop(DesktopOptions options) {
+  void MakeDesktop(Bench* theBench = nullptr) {
+    station.bench = theBench;
     desktop.reset();
-    desktop = std::make_unique<Desktop>(t.shell, instruments, documents, std::move(options));
+    desktop = std::make_unique<Desktop>(station);
     QObject::connect(desktop.get(), &Desktop::Ended, [this] { ended = true; });
   }
   /// The open equipment form; null when there is none.
@@ -46,20 +46,20 @@ class DesktopTest : public testing::Test {
   ScriptedBus bus;
   TestShell t{bus};
   WorkingDirectory here{t.directory.Path()};
-  Instruments instruments{t.shell};
-  Documents documents{t.shell, instruments};
   Bench bench{t.clock};
+  Station station{t.shell};
+  Instruments& instruments = station.instruments;
+  Documents& documents = station.documents;
   std::unique_ptr<Desktop> desktop;
   bool ended = false;
 };
 
 TEST_F(DesktopTest, StationOfTheCommandLineReachesTheDriversAndTheForm) {
-  int applied = 0;
-  MakeDesktop({.onEquipmentApplied = [&] { ++applied; }});
+  MakeDesktop(&bench);
   EXPECT_TRUE(desktop->Start("\"/e:" + t.directory.File("My station.eqp") + "\""));
   EXPECT_TRUE(t.dialogs.messages.empty()) << t.dialogs.LastText();
   EXPECT_EQ(instruments.sigGen.Address(), 18);
-  EXPECT_EQ(applied, 1);
+  EXPECT_EQ(bench.Equipment().SigGenAddress, 18);
   EXPECT_TRUE(desktop->Menu().isVisible());
   EXPECT_EQ(desktop->Menu().windowTitle(), "Hylden 1.1");
   EXPECT_EQ(TextOf(desktop->Menu(), "Label1"), "Hylden 1.1\nConducted RF Immunity");
@@ -67,22 +67,13 @@ TEST_F(DesktopTest, StationOfTheCommandLineReachesTheDriversAndTheForm) {
   ASSERT_NE(Form(), nullptr);
   EXPECT_FALSE(desktop->Menu().isVisible());
   EXPECT_EQ(Form()->windowTitle().toStdString(), "Equipment File: " + t.directory.File("My station.eqp"));
+  Type(*Form(), "txtSigGenAddr", "19");
+  t.dialogs.Answer(MessageAnswer::No);
   Form()->close();
   EXPECT_TRUE(desktop->Menu().isVisible());
   EXPECT_EQ(Form(), nullptr);
-  EXPECT_EQ(applied, 2);
-}
-
-TEST_F(DesktopTest, StationThatCanNotBeUsedIsToldWithItsFileAndEntry) {
-  EquipRecord station;
-  LoadRecord(t.directory.File("My station.eqp"), station);
-  station.SigGenAddress = 31;
-  SaveRecord(t.directory.File("bad.eqp"), station);
-  EXPECT_TRUE(desktop->Start("\"/e:" + t.directory.File("bad.eqp") + "\""));
-  EXPECT_EQ(t.dialogs.Texts(),
-            std::vector<std::string>{"The equipment file holds an entry that can't be used:\r\n" +
-                                     t.directory.File("bad.eqp") +
-                                     "\r\nThe address of the signal generator, 31, is not from 0 to 30"});
+  EXPECT_EQ(instruments.sigGen.Address(), 19);
+  EXPECT_EQ(bench.Equipment().SigGenAddress, 19);
 }
 
 TEST_F(DesktopTest, WrongCommandLineGivesAnIdleMenu) {
@@ -93,43 +84,21 @@ TEST_F(DesktopTest, WrongCommandLineGivesAnIdleMenu) {
   EXPECT_TRUE(desktop->Menu().isVisible());
 }
 
-TEST_F(DesktopTest, SecondInstanceEndsWithoutAWindow) {
-  MakeDesktop({.anotherInstanceRuns = [] { return true; }});
-  EXPECT_FALSE(desktop->Start(""));
-  EXPECT_FALSE(desktop->Menu().isVisible());
-}
-
 TEST_F(DesktopTest, TestNamedOnTheCommandLineOpensInsteadOfTheMenu) {
   CalInfoRec info;
   SaveRecord(t.directory.File("ring.hyinfo"), info);
   TestDefinition test;
   test.CalInfoFile = t.directory.File("ring.hyinfo");
   SaveRecord(t.directory.File("x.tst"), test);
-  desktop->Provide(WorkingArea::Test, [this] { return new WorkingForm(t.shell); });
   EXPECT_TRUE(desktop->Start("\"/t:" + t.directory.File("x.tst") + "\""));
   EXPECT_TRUE(t.dialogs.messages.empty()) << t.dialogs.LastText();
   EXPECT_FALSE(desktop->Menu().isVisible());
 }
 
-TEST_F(DesktopTest, FilesOfTheCommandLineAreRecentFilesWithTheirWholePaths) {
-  SaveRecord(t.directory.File("x.tst"), TestDefinition());
-  desktop->Start("\"/e:My station.eqp\" \"/t:x.tst\"");
-  using Files = std::vector<std::string>;
-  EXPECT_EQ(RecentFiles(t.shell.settings, datakind::kEquip).List(), Files{t.directory.File("My station.eqp")});
-  EXPECT_EQ(RecentFiles(t.shell.settings, datakind::kTestSetups).List(), Files{t.directory.File("x.tst")});
-}
-
-TEST_F(DesktopTest, AreaWithoutAFormCanNotBeOpened) {
-  EXPECT_FALSE(Find<QPushButton>(desktop->Menu(), "cmdRunTest").isEnabled());
-  desktop->Provide(WorkingArea::Test, [this] { return new WorkingForm(t.shell); });
-  EXPECT_TRUE(Find<QPushButton>(desktop->Menu(), "cmdRunTest").isEnabled());
-  EXPECT_FALSE(Find<QPushButton>(desktop->Menu(), "cmdCalibration").isEnabled());
-}
-
 TEST_F(DesktopTest, BenchIsAnnouncedOnEveryWindow) {
   desktop->Start("");
   EXPECT_EQ(desktop->Menu().findChild<QLabel*>("lblBench"), nullptr);
-  MakeDesktop({.bench = &bench});
+  MakeDesktop(&bench);
   desktop->Start("");
   EXPECT_TRUE(Find<QLabel>(desktop->Menu(), "lblBench").isVisible());
   Press(desktop->Menu(), "cmdConfigSys");

@@ -29,12 +29,8 @@ class Program {
  public:
   explicit Program(Dialogs& dialogs, std::function<void()> clearBoxes = {}) : m(dialogs) {
     DesktopOptions options;
-    options.bench = &m.bench;
-    options.onEquipmentApplied = [this] { m.PutOnTheBench(); };
     options.onEnding = std::move(clearBoxes);
-    desktop = std::make_unique<Desktop>(m.station.shell, m.station.instruments, m.station.documents, options);
-    desktop->Provide(WorkingArea::Test, [this] { return desktop->MakeTestDefinition(); });
-    desktop->Provide(WorkingArea::Calibration, [this] { return desktop->MakeCalibrationSetup(); });
+    desktop = std::make_unique<Desktop>(m.station, options);
     QObject::connect(desktop.get(), &Desktop::Ended, [this] { ++ended; });
     EXPECT_TRUE(desktop->Start("\"/e:station.eqp\""));
     m.LoadTest("substitution-am.tst");

@@ -8,6 +8,7 @@
 #include <QTabWidget>
 #include <QTest>
 
+#include "app/Station.h"
 #include "desktop/FormDriver.h"
 #include "documents/Documents.h"
 #include "documents/qt/frmEquipment.h"
@@ -41,7 +42,10 @@ class EquipmentFormTest : public testing::Test {
   }
 
   frmEquipment& Open() {
+    station.LoadDefinitions();
     form = std::make_unique<frmEquipment>(t.shell, instruments, documents.equip);
+    QObject::connect(form.get(), &frmEquipment::StationLoaded, [this] { station.LoadDefinitions(); });
+    QObject::connect(form.get(), &frmEquipment::EntriesTaken, [this] { station.TakeAddresses(); });
     form->show();
     QApplication::setActiveWindow(form.get());
     return *form;
@@ -50,8 +54,9 @@ class EquipmentFormTest : public testing::Test {
 
   ScriptedBus bus;
   TestShell t{bus};
-  Instruments instruments{t.shell};
-  Documents documents{t.shell, instruments};
+  Station station{t.shell};
+  Instruments& instruments = station.instruments;
+  Documents& documents = station.documents;
   std::unique_ptr<frmEquipment> form;
 };
 
@@ -213,7 +218,7 @@ TEST_F(EquipmentFormTest, SavedStationLoadsAgainThroughRecentFiles) {
   EXPECT_EQ(f.windowTitle().toStdString(), "Equipment File: " + t.directory.File("lab.eqp"));
   EXPECT_EQ(Find<QAction>(f, "mnuEquipFileSave").text(), "&Save lab.eqp");
   Record() = EquipRecord();
-  f.ShowEquipment();
+  f.ShowChanges();
   EXPECT_EQ(TextOf(f, "txtSigGenAddr"), "");
   auto& recent = Find<QMenu>(f, "mnuFileRecent");
   emit recent.aboutToShow();

@@ -25,26 +25,11 @@ namespace hylden {
 class BenchMachine {
  public:
   explicit BenchMachine(Dialogs& theDialogs)
-      : station({theDialogs, clock, events, speaker, printer, driver}, directory.Path()) {
+      : shell({theDialogs, clock, events, speaker, printer, driver}, directory.Path()) {
     events.onYield = [this] { LetTheOperatorAct(); };
   }
 
-  void LoadStation() {
-    Equip& equip = station.documents.equip;
-    ASSERT_EQ(equip.LoadDef("station.eqp"), 1);
-    ASSERT_TRUE(equip.LoadDefinitions());
-    ASSERT_FALSE(equip.ApplyEquipment(equip.Entries()));
-    PutOnTheBench();
-  }
-  void PutOnTheBench() {
-    const EquipRecord& equipment = station.documents.equip.Record;
-    BenchEquipment onBench = LoadBenchEquipment(equipment.SigGenFile, equipment.MeterFile, equipment.PwrMtrFile);
-    onBench.SigGenAddress = equipment.SigGenAddress;
-    onBench.MeterAddress = equipment.MeterAddress;
-    onBench.PowerMeterAddress = equipment.PwrMtrAddress;
-    onBench.Sensors = static_cast<PowerSensors>(equipment.AmpConfiguration);
-    bench.Equip(onBench);
-  }
+  void LoadStation() { ASSERT_TRUE(station.LoadEquipment("station.eqp") && station.Apply()); }
   void LoadTest(const std::string& file) {
     ASSERT_TRUE(station.documents.testSetup.LoadDef(file));
     ASSERT_TRUE(station.documents.calInfo.LoadDef(Test().CalInfoFile));
@@ -66,7 +51,8 @@ class BenchMachine {
   QtVirtualEventLoop events{clock};
   FakeSpeaker speaker;
   FakePrinter printer;
-  Station station;
+  Shell shell;
+  Station station{shell, &bench};
 
  private:
   void LetTheOperatorAct() {

@@ -24,11 +24,8 @@ class DesktopRun : public testing::Test {
   void StartProgram(AnyDialogs& dialogs, std::function<void()> onEnding = {}) {
     m = std::make_unique<BenchMachine>(dialogs);
     DesktopOptions options;
-    options.bench = &m->bench;
-    options.onEquipmentApplied = [this] { m->PutOnTheBench(); };
     options.onEnding = std::move(onEnding);
-    desktop = std::make_unique<Desktop>(m->station.shell, m->station.instruments, m->station.documents, options);
-    desktop->Provide(WorkingArea::Test, [this] { return desktop->MakeTestDefinition(); });
+    desktop = std::make_unique<Desktop>(m->station, options);
     ASSERT_TRUE(desktop->Start("\"/e:station.eqp\" \"/t:substitution-am.tst\""));
     ASSERT_NE(OpenWindow<frmTestDef>(), nullptr);
     Press(*OpenWindow<frmTestDef>(), "cmdStart");

@@ -32,7 +32,7 @@ EquipRecord Station() {
 
 class EquipTest : public testing::Test {
  protected:
-  std::optional<EntryFailure> Apply(const EquipmentEntries& entries) { return equip.ApplyEquipment(entries); }
+  std::optional<EntryFailure> Apply(const EquipmentEntries& entries) { return equip.TakeEntries(entries); }
 
   TestShell t;
   Instruments instruments{t.shell};
@@ -111,50 +111,6 @@ TEST_F(EquipTest, TheRunLogMissesALoad) {
             "01/05/26 09:00:00 - Equip file saved: a.eqp\r\n01/05/26 09:00:00 - Equip file: a.eqp\r\n");
 }
 
-TEST_F(EquipTest, ADriverKeepsTheDefinitionsAddress) {
-  SigGenDefinition generator;
-  generator.InstrumentName = "Generator";
-  generator.Address = 7;
-  PowerMeterDefinition powerMeter;
-  powerMeter.Bandswitch = 100;
-  SaveRecord(t.directory.File("gen.sg"), generator);
-  SaveRecord(t.directory.File("power.pm"), powerMeter);
-  equip.Record.SigGenFile = t.directory.File("gen.sg");
-  equip.Record.SigGenAddress = 18;
-  equip.Record.PwrMtrFile = t.directory.File("power.pm");
-  equip.Record.PwrMtrAddress = 5;
-  equip.Record.IfiBandSwitch = 220;
-  EXPECT_TRUE(equip.LoadDefinitions());
-  EXPECT_EQ(instruments.sigGen.InstrumentName(), "Generator");
-  EXPECT_EQ(instruments.sigGen.Address(), 18);
-  EXPECT_EQ(instruments.pm.Address(), 5);
-  EXPECT_EQ(instruments.pm.Bandswitch(), 100);
-
-  equip.Record.AmplifierType = static_cast<int>(AmpType::Ifi);
-  EXPECT_TRUE(equip.LoadDefinitions());
-  EXPECT_EQ(instruments.pm.Bandswitch(), 220) << "an IFI amplifier's band switch rules";
-
-  equip.Record.MeterFile = t.directory.File("missing.mtr");
-  EXPECT_FALSE(equip.LoadDefinitions());
-  EXPECT_EQ(t.dialogs.messages.size(), 1U);
-}
-
-TEST_F(EquipTest, AStationWithoutADefinitionRunsWithNobodyElses) {
-  SigGenDefinition former;
-  former.InstrumentName = "Former";
-  instruments.sigGen.PutDefinition(former);
-  instruments.meter.PutDefinition({});
-  equip.Record.SigGenFile = t.directory.File("missing.sg");
-  EXPECT_FALSE(equip.LoadDefinitions());
-  EXPECT_EQ(instruments.sigGen.InstrumentName(), "");
-  EXPECT_FALSE(instruments.meter.HasDefinition()) << "the station has no meter";
-
-  const auto failure = CheckStart(TestDefinition{}, equip);
-  ASSERT_TRUE(failure);
-  EXPECT_EQ(failure->Text, "The signal generator definition could not be loaded:\r\n" + equip.Record.SigGenFile);
-  EXPECT_EQ(failure->EquipmentTab, 0);
-}
-
 TEST_F(EquipTest, StartAsksForTheDefinitionsThatTheRunNeeds) {
   equip.Record = Station();
   equip.Record.FwdPortFile = "forward.fac";
@@ -177,17 +133,14 @@ TEST_F(EquipTest, StartAsksForTheDefinitionsThatTheRunNeeds) {
 }
 
 TEST_F(EquipTest, FilesBesideTheEquipmentFileAreFoundFromAnywhere) {
-  SigGenDefinition generator;
-  generator.InstrumentName = "Beside";
-  SaveRecord((t.directory.Write("lab/a.eqp", ""), t.directory.File("lab/gen.sg")), generator);
+  t.directory.Write("lab/gen.sg", "");
   t.directory.Write("lab/cable.los", "1 1\r\n2 2\r\n");
   equip.Record.SigGenFile = "gen.sg";
   equip.Record.CableLossFile = "cable.los";
   equip.Record.ProbeFile = "nowhere.prb";
   ASSERT_EQ(equip.SaveDef(t.directory.File("lab/a.eqp")), 1);
   ASSERT_EQ(equip.LoadDef(t.directory.File("lab/a.eqp")), 1);
-  EXPECT_TRUE(equip.LoadDefinitions());
-  EXPECT_EQ(instruments.sigGen.InstrumentName(), "Beside");
+  EXPECT_EQ(equip.Record.SigGenFile, t.directory.File("lab/gen.sg"));
   EXPECT_EQ(equip.Record.CableLossFile, t.directory.File("lab/cable.los"));
   EXPECT_EQ(equip.Record.ProbeFile, "nowhere.prb");
 
@@ -237,7 +190,7 @@ TEST_F(EquipTest, AStationThatCannotBeUsedIsToldWithoutItsFileEntryOrRange) {
   }
 }
 
-TEST_F(EquipTest, ABadAddressReachesADriver) {
+TEST_F(EquipTest, ABadAddressIsTaken) {
   struct Row {
     const char* text;
     std::optional<Kind> failure;
@@ -258,23 +211,23 @@ TEST_F(EquipTest, ABadAddressReachesADriver) {
   struct Box {
     const char* control;
     std::string EquipmentEntries::*entry;
-    std::function<int()> address;
+    std::int16_t EquipRecord::*address;
   };
   const Box boxes[] = {
-      {"txtSigGenAddr", &EquipmentEntries::SigGenAddress, [&] { return instruments.sigGen.Address(); }},
-      {"txtMeterAddr", &EquipmentEntries::MeterAddress, [&] { return instruments.meter.Address(); }},
-      {"txtPwrMtrAddr", &EquipmentEntries::PwrMtrAddress, [&] { return instruments.pm.Address(); }},
+      {"txtSigGenAddr", &EquipmentEntries::SigGenAddress, &EquipRecord::SigGenAddress},
+      {"txtMeterAddr", &EquipmentEntries::MeterAddress, &EquipRecord::MeterAddress},
+      {"txtPwrMtrAddr", &EquipmentEntries::PwrMtrAddress, &EquipRecord::PwrMtrAddress},
   };
   for (const Box& box : boxes) {
     for (const Row& row : rows) {
       SCOPED_TRACE(std::string(box.control) + " " + row.text);
       ASSERT_FALSE(Apply(equip.Entries()));
-      const int before = box.address();
+      const int before = equip.Record.*box.address;
       EquipmentEntries entries = equip.Entries();
       entries.*box.entry = row.text;
       const auto failure = Apply(entries);
       ASSERT_EQ(failure.has_value(), row.failure.has_value());
-      EXPECT_EQ(box.address(), failure ? before : ToInt16(row.text));
+      EXPECT_EQ(equip.Record.*box.address, failure ? before : ToInt16(row.text));
       if (!failure) continue;
       EXPECT_EQ(failure->Control, box.control);
       EXPECT_EQ(failure->Reason, *row.failure);
@@ -308,15 +261,13 @@ TEST_F(EquipTest, TheBandSwitchIsTakenWrongly) {
     equip.Record = EquipRecord{};
     equip.Record.IfiBandSwitch = 205;
     equip.Record.PmBandSwitch = 205;
-    instruments.pm.SetBandswitch(205);
     EquipmentEntries entries = equip.Entries();
     entries.Type = AmpType::Ifi;
     entries.IfiBandSwitch = row.text;
     entries.Configuration = AmpConfig::DualFwdRev;
     const auto failure = Apply(entries);
     ASSERT_EQ(failure.has_value(), row.failure.has_value());
-    for (double stored : {equip.Record.IfiBandSwitch, equip.Record.PmBandSwitch, instruments.pm.Bandswitch()})
-      EXPECT_EQ(stored, row.stored);
+    for (double stored : {equip.Record.IfiBandSwitch, equip.Record.PmBandSwitch}) EXPECT_EQ(stored, row.stored);
     EXPECT_EQ(equip.Record.Is(AmpConfig::DualFwdRev), !failure) << "what follows a failure is not taken";
     if (!failure) continue;
     EXPECT_EQ(failure->Control, "txtIfiBandSwitch");

@@ -23,23 +23,8 @@ BenchStation::BenchStation(const std::string& equipmentFile, const std::function
       bench(clock, ConfigOf(adjust)),
       driver(bench.Driver()),
       machine(driver, clock) {
-  EXPECT_EQ(documents.equip.LoadDef(equipmentFile), 1);
-  EXPECT_TRUE(documents.equip.LoadDefinitions());
-  EXPECT_FALSE(documents.equip.ApplyEquipment(documents.equip.Entries()));
+  EXPECT_TRUE(station.LoadEquipment(equipmentFile) && station.Apply());
   EXPECT_TRUE(documents.calSetup.LoadDef("cdn-10v.csu"));
-  Equip();
-}
-
-void BenchStation::Equip() {
-  const EquipRecord& equipment = documents.equip.Record;
-  BenchEquipment onBench = LoadBenchEquipment(equipment.SigGenFile, equipment.MeterFile, equipment.PwrMtrFile);
-  onBench.SigGenAddress = equipment.SigGenAddress;
-  onBench.MeterAddress = equipment.MeterAddress;
-  onBench.PowerMeterAddress = equipment.PwrMtrAddress;
-  onBench.Sensors = static_cast<PowerSensors>(equipment.AmpConfiguration);
-  onBench.IfiAmplifier = equipment.HasIfiAmplifier();
-  if (onBench.IfiAmplifier) onBench.SensorBandSwitchMHz = equipment.IfiBandSwitch;
-  bench.Equip(onBench);
 }
 
 void BenchStation::ForgetShutdownTexts() {

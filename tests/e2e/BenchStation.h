@@ -4,11 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "app/Station.h"
 #include "bench/Bench.h"
 #include "calibration/CableCalibration.h"
 #include "calibration/LevelCalibration.h"
-#include "documents/Documents.h"
-#include "instruments/Instruments.h"
 #include "support/DriverWrappers.h"
 #include "support/TestShell.h"
 #include "testrun/ManualControls.h"
@@ -43,8 +42,6 @@ class BenchStation {
   /// @param adjust  changes the bench before it is built
   explicit BenchStation(const std::string& equipmentFile = "station.eqp",
                         const std::function<void(BenchConfig&)>& adjust = {});
-  /// Puts the station's instruments, as its equipment has them, on the bench.
-  void Equip();
 
   /// Meter and power meter go offline by starting anew.
   void ForgetShutdownTexts();
@@ -79,8 +76,9 @@ class BenchStation {
   Bench bench;
   FailingDriver driver;
   TestShell machine;
-  Instruments instruments{machine.shell};
-  Documents documents{machine.shell, instruments};
+  Station station{machine.shell, &bench};
+  Instruments& instruments = station.instruments;
+  Documents& documents = station.documents;
   WatchedDisplay display;
   ManualControls manual;
   RunEngine engine{machine.shell, instruments, documents, display, manual};

@@ -152,7 +152,7 @@ class IfiCalibration : public testing::TestWithParam<AmpConfig> {};
 TEST_P(IfiCalibration, BothBandsAreCalibratedWithTheSensorInTheRightPlace) {
   BenchStation station("ifi-station.eqp", LittleNoise);
   station.documents.equip.Record.AmpConfiguration = static_cast<std::int32_t>(GetParam());
-  station.Equip();
+  station.station.EquipBench();
   station.Setup().StartFreq = 190;
   station.Setup().RecordRevPwr = GetParam() == AmpConfig::DualFwdRev ? 1 : 0;
 

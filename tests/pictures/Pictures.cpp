@@ -247,15 +247,11 @@ int TakePictures(const QString& output) {
   SilentSpeaker speaker;
   QtPrinter printer;
   Bus bus(clock, LoadBenchFile("bench.txt").Config);
-  Station station(Platform{dialogs, clock, events, speaker, printer, bus.Driver()}, home.path().toStdString());
-  DesktopOptions options;
-  options.bench = bus.SimulatedBench();
-  options.onEquipmentApplied = [&] { bus.EquipBench(station.documents.equip.Record, station.instruments); };
-  Desktop desktop(station.shell, station.instruments, station.documents, options);
+  Shell shell(Platform{dialogs, clock, events, speaker, printer, bus.Driver()}, home.path().toStdString());
+  Station station(shell, bus.SimulatedBench());
+  Desktop desktop(station);
   Tour tour(output);
 
-  desktop.Provide(WorkingArea::Calibration, [&] { return desktop.MakeCalibrationSetup(); });
-  desktop.Provide(WorkingArea::Test, [&] { return desktop.MakeTestDefinition(); });
   desktop.Start("\"/e:station.eqp\"");
   tour.Grab(desktop.Menu(), "main-menu");
   Tour::Press(desktop.Menu(), "cmdConfigSys");

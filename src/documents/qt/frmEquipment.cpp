@@ -82,7 +82,7 @@ frmEquipment::frmEquipment(Shell& shell, Instruments& instruments, Equip& equip,
   ConnectAmplifier();
   Offer(false, false, false);
   ShowFileName();
-  ShowEquipment();
+  ShowRecord();
   WatchEntries();
   if (HasUnsaved()) kept_ = equip_.Record;
 }
@@ -253,11 +253,6 @@ void frmEquipment::SelectTable(const TableRow& row) {
   FitPathLabel(*path, *row.label);
 }
 
-void frmEquipment::ShowEquipment() {
-  equip_.LoadDefinitions();
-  ShowRecord();
-}
-
 void frmEquipment::ShowRecord() {
   const EquipRecord& record = equip_.Record;
   ShowInstruments();
@@ -340,7 +335,8 @@ EquipmentEntries frmEquipment::Entries() const {
 }
 
 bool frmEquipment::ApplyEquipment() {
-  const auto failure = equip_.ApplyEquipment(Entries());
+  const auto failure = equip_.TakeEntries(Entries());
+  emit EntriesTaken();
   if (failure) PointOut(*this, *failure, shell_.dialogs);
   return !failure;
 }
@@ -358,7 +354,8 @@ void frmEquipment::LoadFile(const QString& path) {
     equip_.EquipFileName = file;
     kept_.reset();
     ShowFileName();
-    ShowEquipment();
+    emit StationLoaded();
+    ShowRecord();
     AddRecentFile(file);
   });
 }

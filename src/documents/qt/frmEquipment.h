@@ -34,11 +34,9 @@ class frmEquipment : public SetupForm {
   void ShowTab(int tab);
   /// Enables the menu entries of editors and utilities that the program around has.
   void Offer(bool instrumentEditors, bool factorEditor, bool insertionLoss);
-  /// Fills the form from the record, loading the three instrument definitions.
-  void ShowEquipment();
   /// Fills the form afresh when another equipment form has changed the station.
   void ShowChanges();
-  /// Copies the form into the record and the drivers; false when an entry is invalid, after its prompt.
+  /// Copies the form into the record; false when an entry is invalid, after its prompt.
   bool ApplyEquipment();
   /// Makes the file the current one and shows it; after a failure record and form stay as they were.
   void LoadFile(const QString& path);
@@ -49,6 +47,10 @@ class frmEquipment : public SetupForm {
   void DefineInstrumentRequested(InstrumentKind kind);
   void EditFactorRequested(FactorKind kind);
   void InsertionLossRequested();
+  /// Another station is loaded: its definitions and addresses are the drivers' now.
+  void StationLoaded();
+  /// The entries are in the record, up to one that is refused.
+  void EntriesTaken();
 
  protected:
   bool QueryUnload() override;

@@ -4,6 +4,9 @@
 
 namespace hylden {
 
+/// What a second instance on one computer says.
+inline constexpr const char* kAnotherInstanceText = "This application is already running on this computer";
+
 /// One running program per computer, whoever started it and wherever from: two of them on one bus would each switch RF
 /// on under the other's test.
 /// The place is a name in the kernel (an abstract socket address), not a file: every user reaches it, it can't be left

@@ -4,7 +4,7 @@
 
 #include "platform/Dialogs.h"
 #include "platform/qt/QtText.h"
-#include "shell/StartUp.h"
+#include "shell/Version.h"
 
 namespace hylden {
 

@@ -26,12 +26,6 @@ void TopMenu::SetTitle(const std::string& title) {
   ui_->Label1->setText(ScreenText(title + "\r\nConducted RF Immunity"));
 }
 
-void TopMenu::SetAvailable(bool configuration, bool calibration, bool test) {
-  ui_->cmdConfigSys->setEnabled(configuration);
-  ui_->cmdCalibration->setEnabled(calibration);
-  ui_->cmdRunTest->setEnabled(test);
-}
-
 void TopMenu::ShowStation(const std::string& equipmentFile, const std::string& testFile) {
   const auto named = [](const char* what, const std::string& file) {
     return QString::fromLatin1(what) + (file.empty() ? QStringLiteral("none") : ToQt(FileNameOnly(file)));

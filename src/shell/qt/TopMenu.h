@@ -21,8 +21,6 @@ class TopMenu : public QMainWindow {
 
   /// Caption and heading: the version title.
   void SetTitle(const std::string& title);
-  /// Disables the buttons of areas that this program has no form for.
-  void SetAvailable(bool configuration, bool calibration, bool test);
   /// Names the files of the station and of the test that are loaded; empty when there is none.
   void ShowStation(const std::string& equipmentFile, const std::string& testFile);
   /// Shows the button of the bench panel, which is there only when the simulated bench drives the program.

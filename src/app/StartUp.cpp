@@ -1,0 +1,99 @@
+#include "app/StartUp.h"
+
+#include <filesystem>
+
+#include "app/Station.h"
+#include "shell/RecentFiles.h"
+#include "text/TextFile.h"
+
+namespace hylden {
+
+namespace {
+
+constexpr std::string_view kEquipSwitch = "/e:", kTestSwitch = "/t:";
+constexpr std::size_t kSwitchLength = 3;
+
+std::vector<std::string> SplitAtQuotes(std::string_view text) {
+  std::vector<std::string> pieces(1);
+  for (const char character : text) {
+    if (character == '"')
+      pieces.emplace_back();
+    else
+      pieces.back() += character;
+  }
+  return pieces;
+}
+
+/// The list has whole paths: the program may be started elsewhere next time.
+void AddRecent(Shell& shell, std::string_view kind, const std::string& path) {
+  std::error_code ignored;
+  const std::filesystem::path whole = std::filesystem::absolute(ExistingPath(path), ignored);
+  RecentFiles(shell.settings, kind).Add(whole.lexically_normal().string());
+}
+
+void LoadStation(Station& station, std::string path) {
+  Shell& shell = station.shell;
+  if (path.empty()) {
+    path = shell.settings.GetDefaultEquipFile();
+    shell.log.LogFile("default equipment file loaded");
+  }
+  if (path.empty() || !station.LoadEquipment(path)) return;
+  AddRecent(shell, datakind::kEquip, path);
+  station.Apply();
+}
+
+bool LoadTest(Station& station, const std::string& path) {
+  Dialogs& dialogs = station.shell.dialogs;
+  TestSetup& test = station.documents.testSetup;
+  if (!test.LoadDef(path)) {
+    dialogs.Tell("Error loading test setup file: " + path);
+    return false;
+  }
+  AddRecent(station.shell, datakind::kTestSetups, path);
+  const std::string& calInfoFile = test.Definition.CalInfoFile;
+  if (station.documents.calInfo.LoadDef(calInfoFile)) return true;
+  dialogs.Tell("Error loading calinfo file: " + calInfoFile);
+  return false;
+}
+
+}  // namespace
+
+CommandLine ParseCommandLine(std::string_view text) {
+  CommandLine line;
+  for (const std::string& piece : SplitAtQuotes(text)) {
+    if (piece.starts_with(kEquipSwitch)) {
+      line.EquipFile = piece.substr(kSwitchLength);
+      line.LogLines.emplace_back("equip file loaded from command line");
+    } else if (piece.starts_with(kTestSwitch)) {
+      line.TestFile = piece.substr(kSwitchLength);
+      line.LogLines.emplace_back("test file loaded from command line");
+    } else if (piece.size() > kSwitchLength) {
+      line.Ok = false;
+      break;
+    }
+  }
+  return line;
+}
+
+std::string JoinArguments(const std::vector<std::string>& arguments) {
+  std::string line;
+  for (const std::string& argument : arguments) {
+    if (!line.empty()) line += ' ';
+    line += argument.find('"') == std::string::npos ? '"' + argument + '"' : argument;
+  }
+  return line;
+}
+
+Opening StartUp(Station& station, const std::string& commandLine) {
+  const CommandLine line = ParseCommandLine(commandLine);
+  for (const std::string& entry : line.LogLines) station.shell.log.LogFile(entry);
+  if (!line.Ok) {
+    station.shell.dialogs.Tell("Command line error, (" + commandLine + ")");
+    return Opening::MainMenu;
+  }
+  LoadStation(station, line.EquipFile);
+  const bool test = !line.TestFile.empty() && LoadTest(station, line.TestFile);
+  return test ? Opening::TestDefinition : Opening::MainMenu;
+}
+
+}  // namespace hylden

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace hylden {
+
+class Station;
+
+/// What a command line asks for; empty where it names nothing.
+struct CommandLine {
+  std::string EquipFile;
+  std::string TestFile;
+  std::vector<std::string> LogLines;  ///< run log entries of the switches, in order
+  bool Ok = true;                     ///< false after a piece that is no switch; what follows it was not read
+};
+
+/// Reads a whole command line: the switches "/e:" (equipment file) and "/t:" (test definition), each with its path in
+/// one pair of double quotes. Switches are case-sensitive, paths are taken unchanged, the last one of a kind counts.
+CommandLine ParseCommandLine(std::string_view text);
+
+/// The whole command line of the arguments that a shell has taken apart: an argument that holds no quote of its own
+/// gets the pair that the shell has removed.
+std::string JoinArguments(const std::vector<std::string>& arguments);
+
+/// What the program shows first.
+enum class Opening { MainMenu, TestDefinition };
+
+/// From the command line to the first window: loads the equipment named there or in the settings and, when a test was
+/// named, that test with its calibration info, to go straight to it. What fails to load is told, and left out.
+/// @param commandLine  as JoinArguments puts it together; may be empty
+Opening StartUp(Station& station, const std::string& commandLine);
+
+}  // namespace hylden
