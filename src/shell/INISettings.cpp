@@ -68,7 +68,7 @@ void INISettings::Save(const std::string& section, const std::string& key, const
 }
 
 std::string INISettings::GetDataDir(std::string_view kind) {
-  const std::string chosen = Get(std::string(kind), "Dir", "");
+  std::string chosen = Get(std::string(kind), "Dir", "");
   if (!chosen.empty()) return chosen;
   return directories_.Data.empty() ? directories_.Program : directories_.Data;
 }
