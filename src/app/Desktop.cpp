@@ -148,7 +148,7 @@ void Desktop::OpenTestRun(QWidget* caller) {
   bench_->Cable(MeterAt::Probe);
   auto* const form = new frmRunTest(shell_, instruments_, documents_);
   if (bench_->Present()) form->SetSimulated();
-  connect(this, &Desktop::EscapePressed, form, &frmRunTest::PressHalt);
+  connect(this, &Desktop::EscapePressed, form, &RunWindow::PressHalt);
   connect(form, &frmRunTest::PrintPreviewRequested, this,
           [this, form](RunReportKind kind) { Preview([form, kind] { form->PrintReport(kind); }); });
   if (Open(form, caller)) form->Load();
@@ -165,7 +165,7 @@ void Desktop::OpenCalibrationSetup() {
 void Desktop::OpenCalibrationRun(QWidget* caller) {
   bench_->Cable(MeterAt::Port);
   auto* const form = new frmRunCal(shell_, instruments_, documents_);
-  connect(this, &Desktop::EscapePressed, form, &CalibrationWindow::PressHalt);
+  connect(this, &Desktop::EscapePressed, form, &RunWindow::PressHalt);
   if (Open(form, caller)) form->Load();
 }
 
@@ -178,7 +178,7 @@ void Desktop::OpenCableSetup(QWidget* caller) {
 
 void Desktop::OpenCableRun(QWidget* caller) {
   auto* const form = new frmRunCablCal(shell_, instruments_, *cableCalibration_);
-  connect(this, &Desktop::EscapePressed, form, &CalibrationWindow::PressHalt);
+  connect(this, &Desktop::EscapePressed, form, &RunWindow::PressHalt);
   connect(form, &frmRunCablCal::PassStarting, this,
           [this](bool inserted) { bench_->Cable(inserted ? MeterAt::Cable : MeterAt::Generator); });
   Open(form, caller);

@@ -160,45 +160,5 @@ TEST_F(CalibrationDesktop, EscapeInTheManualLeavesItsSearchAndThenTheManualButNo
   EXPECT_EQ(m.ActionsLeft(), 0U);
 }
 
-TEST_F(CalibrationDesktop, EndOfTheProgramHaltsALevelRunAndKeepsItsQuestionStanding) {
-  desktop->OpenCalibrationSetup();
-  Press(Opened<frmCalSetup>(), "cmdStart");
-  auto& run = Opened<frmRunCal>();
-  dialogs.AnswerSave(m.directory.File("ended.cal"));
-  dialogs.onShow = [&](const Message& message) {
-    if (message.title != "Save Calibration") return;
-    EXPECT_FALSE(RfIsOn());
-    desktop->CloseAll();  // again, while the question stands
-    QCoreApplication::processEvents();
-    EXPECT_NE(OpenWindow<frmRunCal>(), nullptr) << "its points would be gone";
-  };
-  m.When([&] { return TextOf(run, "lblFreq") == "3.0" && RfIsOn(); },
-         [&] {
-           desktop->CloseAll();
-           EXPECT_FALSE(RfIsOn());
-         });
-  QSignalSpy ended(desktop.get(), &Desktop::Ended);
-  Press(run, "cmdStart");
-  for (int turn = 0; turn < 20 && ended.isEmpty(); ++turn) QCoreApplication::processEvents();
-  EXPECT_EQ(ReadLines(m.directory.File("ended.cal")).size(), 2U);
-  EXPECT_EQ(ended.count(), 1);
-}
-
-TEST_F(CalibrationDesktop, EndOfTheProgramHaltsACablePass) {
-  desktop->OpenCableSetup(&desktop->Menu());
-  auto& cable = Opened<frmCblSetup>();
-  Type(cable, "txtStartFreq", "1");
-  Type(cable, "txtStopFreq", "2");
-  Type(cable, "txtLogStep", "50");
-  Press(cable, "cmdStart");
-  auto& passes = Opened<frmRunCablCal>();
-  m.When([&] { return TextOf(passes, "lblFreq") == "2.0" && RfIsOn(); }, [&] { desktop->CloseAll(); });
-  QSignalSpy ended(desktop.get(), &Desktop::Ended);
-  Press(passes, "cmdDirect");
-  for (int turn = 0; turn < 20 && ended.isEmpty(); ++turn) QCoreApplication::processEvents();
-  EXPECT_FALSE(RfIsOn());
-  EXPECT_EQ(ended.count(), 1);
-}
-
 }  // namespace
 }  // namespace hylden

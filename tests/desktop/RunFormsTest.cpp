@@ -78,6 +78,11 @@ TEST_F(RunForms, WholeRunIsShownSavedAndPrintedAsRecorded) {
     EXPECT_TRUE(Shown("cmdHalt") && Enabled("cmdHalt") && Enabled("cmdManual"));
     EXPECT_FALSE(Shown("cmdRun") || Enabled("cmdRun") || Enabled("cmdExit"));
   };
+  dialogs.onShow = [&](const Message& message) {
+    if (message.title != "Save Run Data") return;
+    form->PressHalt();
+    EXPECT_NE(Text("pnlStatus"), "Halting...") << "the run is over";
+  };
   Press(*form, "cmdRun");
 
   ASSERT_EQ(form->Engine().Outcome(), RunOutcome::Finished) << testing::PrintToString(dialogs.Texts());

@@ -21,26 +21,34 @@ std::string Text(double value, std::string_view pattern, bool known) {
 }  // namespace
 
 frmRunCablCal::frmRunCablCal(Shell& shell, Instruments& instruments, RunCablCal& calibration, QWidget* parent)
-    : CalibrationWindow(shell, instruments.sigGen, parent),
+    : RunWindow(shell, instruments.sigGen, parent),
       run_(calibration),
       ui_(std::make_unique<Ui::frmRunCablCal>()),
       table_({"Frequency", "SigGen dBm", "Direct", "Insert", "IL dB"},
              [this](std::size_t row, std::size_t column) { return Cell(row, column); }) {
   ui_->setupUi(this);
-  SetUp({ui_->lblFreq, ui_->lblSigGen, ui_->lblMeterLevel, ui_->lblCountdown, ui_->lblStep, ui_->lblSteps,
-         ui_->lblStart, ui_->lblStop, ui_->lblDwell, ui_->lblElapsed, ui_->lblEstTime, ui_->lblState, ui_->lblRf,
-         ui_->prgSteps, ui_->lvwData, ui_->mnuFile, ui_->cmdHalt, ui_->cmdExit},
-        {"####0.0####", "##0.0#", "##0.0#"}, table_);
+  Controls controls = Controls::Of(*ui_);
+  controls.Start = ui_->lblStart;
+  controls.Stop = ui_->lblStop;
+  controls.Dwell = ui_->lblDwell;
+  controls.Table = ui_->lvwData;
+  controls.Halt = ui_->cmdHalt;
+  controls.Idle = {ui_->cmdDirect, ui_->cmdInsert, ui_->cmdSave, ui_->cmdExit};
+  controls.Figures = {{Readout::Frequency, ui_->lblFreq, "####0.0####"},
+                      {Readout::SigGenLevel, ui_->lblSigGen, "##0.0#"},
+                      {Readout::MeterLevel, ui_->lblMeterLevel, "##0.0#"},
+                      {Readout::Elapsed, ui_->lblElapsed, "###0.0#"},
+                      {Readout::Remaining, ui_->lblEstTime, "###0.0"}};
+  SetUp(controls, table_, run_.Unsaved());
   new AlignedNumbers(*ui_->lvwData, {{5}, {2}, {2}, {2}, {2}});
-  OnRun(ui_->cmdDirect, [this] { StartPass(false); });
-  OnRun(ui_->cmdInsert, [this] { StartPass(true); });
+  On(ui_->cmdDirect, [this] { RunFrom([this] { StartPass(false); }); });
+  On(ui_->cmdInsert, [this] { RunFrom([this] { StartPass(true); }); });
   On(ui_->cmdSave, [this] { run_.SaveFile(); });
   On(ui_->mnuFileSaveAs, [this] { run_.SaveFile(); });
-  connect(ui_->mnuFileExit, &QAction::triggered, this, &QWidget::close);
-  connect(ui_->mnuHelpRun, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
+  connect(ui_->cmdExit, &QPushButton::clicked, this, &QWidget::close);
   if (!run_.Points().empty())
-    CalibrationWindow::Plan({static_cast<int>(run_.Points().size()), run_.Points().front().Freq,
-                             run_.Points().back().Freq, run_.Setup.Dwell});
+    RunWindow::Plan({static_cast<int>(run_.Points().size()), run_.Points().front().Freq, run_.Points().back().Freq,
+                     run_.Setup.Dwell});
   ShowReadings();
 }
 
@@ -57,33 +65,27 @@ void frmRunCablCal::StartPass(bool inserted) {
 
 void frmRunCablCal::SetRunning(bool running) {
   passing_ = running;
-  EnablePasses(!running);
-  CalibrationWindow::SetRunning(running);
-  if (running) return;
-  ShowReadings();
-  (inserted_ ? ui_->cmdSave : ui_->cmdInsert)->setFocus();
+  RunWindow::SetRunning(running);
+  if (!running) ShowReadings();
+  (running ? static_cast<QWidget*>(ui_->cmdHalt) : inserted_ ? ui_->cmdSave : ui_->cmdInsert)->setFocus();
 }
 
 /// Every point that has been read, whichever pass it comes from.
 void frmRunCablCal::ShowReadings() {
   const auto& points = run_.Points();
   const auto read = std::count_if(points.begin(), points.end(), [](const CablePoint& p) { return p.HasDirect(); });
-  CalibrationWindow::RowChanged(0);
-  CalibrationWindow::RowChanged(static_cast<int>(read));
-}
-
-void frmRunCablCal::EnablePasses(bool enabled) {
-  for (QPushButton* const button : {ui_->cmdDirect, ui_->cmdInsert, ui_->cmdSave}) button->setEnabled(enabled);
+  RunWindow::RowChanged(0);
+  RunWindow::RowChanged(static_cast<int>(read));
 }
 
 void frmRunCablCal::Show(Readout readout, std::optional<double> value) {
   if (readout == Readout::MeterLevel) ++measured_;
-  CalibrationWindow::Show(readout, value);
+  RunWindow::Show(readout, value);
 }
 
 void frmRunCablCal::RowChanged(int row) {
   if (row == 0) measured_ = 0;
-  CalibrationWindow::RowChanged(row);
+  RunWindow::RowChanged(row);
 }
 
 /// During a pass readings of an earlier one are not shown as this one's.

@@ -3,8 +3,8 @@
 #include <memory>
 
 #include "calibration/CableCalibration.h"
-#include "calibration/qt/CalibrationWindow.h"
 #include "run/qt/RowTable.h"
+#include "run/qt/RunWindow.h"
 
 namespace hylden {
 
@@ -13,7 +13,7 @@ class frmRunCablCal;
 }
 
 /// The two passes of a cable insertion-loss calibration.
-class frmRunCablCal : public CalibrationWindow {
+class frmRunCablCal : public RunWindow {
   Q_OBJECT
 
  public:
@@ -28,13 +28,11 @@ class frmRunCablCal : public CalibrationWindow {
   void PassStarting(bool inserted);
 
  private:
-  bool MayLeavePoints() override { return run_.Unsaved().MayLeave(); }
   void SetRunning(bool running) override;
   void Show(Readout readout, std::optional<double> value) override;
   void RowChanged(int row) override;
 
   void StartPass(bool inserted);
-  void EnablePasses(bool enabled);
   void ShowReadings();
   std::string Cell(std::size_t row, std::size_t column) const;
 

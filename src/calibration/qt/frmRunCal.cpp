@@ -10,7 +10,7 @@
 namespace hylden {
 
 frmRunCal::frmRunCal(Shell& shell, Instruments& instruments, Documents& documents, QWidget* parent)
-    : CalibrationWindow(shell, instruments.sigGen, parent),
+    : RunWindow(shell, instruments.sigGen, parent),
       ui_(std::make_unique<Ui::frmRunCal>()),
       calibration_(shell, instruments, documents, *this),
       table_({"Freq MHz", "SG,dBm", "Lev dBuv", "FPwr dBm", "RPwr dBm"}, [this](std::size_t row, std::size_t column) {
@@ -18,18 +18,26 @@ frmRunCal::frmRunCal(Shell& shell, Instruments& instruments, Documents& document
       }) {
   ui_->setupUi(this);
   testLevelTip_ = ui_->lblTestLevel->toolTip();
-  SetUp({ui_->lblFreq, ui_->lblSigGen, ui_->lblMeterLevel, ui_->lblCountdown, ui_->lblStep, ui_->lblSteps,
-         ui_->lblStart, ui_->lblStop, ui_->lblDwell, ui_->lblElapsed, ui_->lblEstTime, ui_->lblState, ui_->lblRf,
-         ui_->prgSteps, ui_->flxCalData, ui_->mnuFile, ui_->cmdHalt, ui_->cmdExit},
-        {"0.0#####", "##0.00", "##0.00"}, table_);
+  Controls controls = Controls::Of(*ui_);
+  controls.Start = ui_->lblStart;
+  controls.Stop = ui_->lblStop;
+  controls.Dwell = ui_->lblDwell;
+  controls.Table = ui_->flxCalData;
+  controls.Halt = ui_->cmdHalt;
+  controls.Idle = {ui_->cmdStart, ui_->cmdSave, ui_->cmdExit};
+  controls.Figures = {
+      {Readout::Frequency, ui_->lblFreq, "0.0#####"},   {Readout::TestLevel, ui_->lblTestLevel, "##0.000"},
+      {Readout::SigGenLevel, ui_->lblSigGen, "##0.00"}, {Readout::MeterLevel, ui_->lblMeterLevel, "##0.00"},
+      {Readout::ForwardPower, ui_->lblFwdPwr, "0.000"}, {Readout::CableLoss, ui_->lblCableLoss, "#0.00"},
+      {Readout::Elapsed, ui_->lblElapsed, "###0.0#"},   {Readout::Remaining, ui_->lblEstTime, "###0.0"}};
+  SetUp(controls, table_, calibration_.Unsaved());
   new AlignedNumbers(*ui_->flxCalData, {{6}});
-  ui_->cmdStart->setEnabled(false);
-  EnableSave(false);
-  OnRun(ui_->cmdStart, [this] { calibration_.Run(); });
+  for (QWidget* const button : {ui_->cmdStart, ui_->cmdSave}) button->setEnabled(false);
+  ui_->mnuFileSaveAs->setEnabled(false);
+  On(ui_->cmdStart, [this] { RunFrom([this] { calibration_.Run(); }); });
   On(ui_->cmdSave, [this] { calibration_.Save(); });
   On(ui_->mnuFileSaveAs, [this] { calibration_.Save(); });
-  connect(ui_->mnuFileExit, &QAction::triggered, this, &QWidget::close);
-  connect(ui_->mnuHelpRun, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
+  connect(ui_->cmdExit, &QPushButton::clicked, this, &QWidget::close);
 }
 
 frmRunCal::~frmRunCal() = default;
@@ -40,42 +48,31 @@ void frmRunCal::Load() {
   const bool forward = calibration_.Setup().RecordsForward();
   ui_->lblFwdPwr->setEnabled(forward);
   ui_->lblFwdPwrCap->setEnabled(forward);
-  Guard("Load", [this] { ready_ = calibration_.Prepare(); });
-  ui_->cmdStart->setEnabled(ready_);
-  if (ready_) ui_->cmdStart->setFocus();
+  bool ready = false;
+  Guard("Load", [&] { ready = calibration_.Prepare(); });
+  ui_->cmdStart->setEnabled(ready);
+  if (ready) ui_->cmdStart->setFocus();
 }
 
 void frmRunCal::StartAfresh() {
-  CalibrationWindow::StartAfresh();
-  for (QLabel* const label :
-       {static_cast<QLabel*>(ui_->lblTestLevel), static_cast<QLabel*>(ui_->lblFwdPwr), ui_->lblCableLoss})
-    ShowText(*label, QString::fromLatin1(kNoFigure));
+  RunWindow::StartAfresh();
   ui_->lblTestLevel->setToolTip(testLevelTip_);
 }
 
 void frmRunCal::SetRunning(bool running) {
-  ui_->cmdStart->setEnabled(!running && ready_);
-  CalibrationWindow::SetRunning(running);
-  EnableSave(!running);
-  if (running) return;
+  RunWindow::SetRunning(running);
   const bool unsaved = !calibration_.Rows().empty() && !calibration_.Unsaved().AreSaved();
-  (unsaved ? ui_->cmdSave : ui_->cmdExit)->setFocus();
+  (running ? static_cast<QWidget*>(ui_->cmdHalt) : unsaved ? ui_->cmdSave : ui_->cmdExit)->setFocus();
 }
 
-void frmRunCal::EnableSave(bool enabled) {
-  ui_->cmdSave->setEnabled(enabled);
-  ui_->mnuFileSaveAs->setEnabled(enabled);
-}
-
+/// Level and power as the operator knows them: volts and watts.
 void frmRunCal::Show(Readout readout, std::optional<double> value) {
-  CalibrationWindow::Show(readout, value);
-  if (!value) return;
-  if (readout == Readout::CableLoss) ShowNumber(*ui_->lblCableLoss, *value, "#0.00");
-  if (readout == Readout::ForwardPower) ShowNumber(*ui_->lblFwdPwr, Conversions::DbmToWatts(*value), "0.000");
-  if (readout != Readout::TestLevel) return;
-  const double volts = Conversions::DbuvToVolts(*value);
-  ShowNumber(*ui_->lblTestLevel, volts, "##0.000");
-  ui_->lblTestLevel->setToolTip(ToQt(ShortestText(volts)));
+  if (value && readout == Readout::ForwardPower) value = Conversions::DbmToWatts(*value);
+  if (value && readout == Readout::TestLevel) {
+    value = Conversions::DbuvToVolts(*value);
+    ui_->lblTestLevel->setToolTip(ToQt(ShortestText(*value)));
+  }
+  RunWindow::Show(readout, value);
 }
 
 }  // namespace hylden

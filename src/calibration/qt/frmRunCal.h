@@ -3,8 +3,8 @@
 #include <memory>
 
 #include "calibration/LevelCalibration.h"
-#include "calibration/qt/CalibrationWindow.h"
 #include "run/qt/RowTable.h"
+#include "run/qt/RunWindow.h"
 
 namespace hylden {
 
@@ -13,7 +13,7 @@ class frmRunCal;
 }
 
 /// The running level calibration: its figures, its points and its buttons.
-class frmRunCal : public CalibrationWindow {
+class frmRunCal : public RunWindow {
   Q_OBJECT
 
  public:
@@ -24,23 +24,17 @@ class frmRunCal : public CalibrationWindow {
   void Load();
 
   const LevelCalibration& Calibration() const { return calibration_; }
-  bool AsksToSave() const override { return calibration_.Unsaved().IsAsking(); }
-  bool SaveMissed() const override { return calibration_.Unsaved().AreMissed(); }
   QString HelpTopic() const override { return QStringLiteral("Calibrating: the run"); }
 
  private:
-  bool MayLeavePoints() override { return calibration_.Unsaved().MayLeave(); }
   void StartAfresh() override;
   void SetRunning(bool running) override;
   void Show(Readout readout, std::optional<double> value) override;
-
-  void EnableSave(bool enabled);
 
   std::unique_ptr<Ui::frmRunCal> ui_;
   LevelCalibration calibration_;
   RowTable table_;
   QString testLevelTip_;  ///< while there is no level to show
-  bool ready_ = false;
 };
 
 }  // namespace hylden

@@ -65,10 +65,6 @@ void frmRunButtons::SetHalting() {
   for (QPushButton* const button : findChildren<QPushButton*>()) button->setEnabled(false);
 }
 
-void frmRunButtons::PressHalt() {
-  ui_->cmdHalt->click();
-}
-
 void frmRunButtons::SetSimulated() {
   ShowBenchNotice(*ui_->lblBench);
 }
@@ -89,7 +85,7 @@ void frmRunButtons::keyPressEvent(QKeyEvent* event) {
       if (ui_->cmdExit->isEnabled() && !repeated)
         ui_->cmdExit->click();
       else
-        PressHalt();
+        ui_->cmdHalt->click();
       return;
     case Qt::Key_Return:
     case Qt::Key_Enter:

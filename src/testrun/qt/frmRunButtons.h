@@ -31,8 +31,6 @@ class frmRunButtons : public QWidget {
   void SetHaltMode();
   /// Halt was pressed: it stays visible, and nothing can be pressed.
   void SetHalting();
-  /// What Escape does during a run; nothing where Halt can't be pressed.
-  void PressHalt();
   /// Shows the notice of the simulated bench.
   void SetSimulated();
   /// Keeps the place in the settings, and goes.

@@ -2,11 +2,10 @@
 
 #include <QActionGroup>
 #include <QEvent>
-#include <algorithm>
+#include <QScopeGuard>
 
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
-#include "platform/qt/CommandWindow.h"
 #include "run/qt/RunWindowPlace.h"
 #include "shell/Shell.h"
 #include "testrun/qt/frmManual.h"
@@ -21,14 +20,18 @@ namespace hylden {
 
 namespace {
 
-constexpr int kRfWatchMs = 100;
 constexpr std::string_view kMinutes = "##0.0";
 constexpr int kCommentColumn = static_cast<int>(RunColumn::TestLevel);
+
+void ShowLevel(QLabel& caption, QLabel& figure, const ShownLevel& shown, bool known) {
+  ShowText(caption, ScreenText(shown.Caption));
+  ShowText(figure, known ? ToQt(shown.Value) : QString::fromLatin1(kNoFigure));
+}
 
 }  // namespace
 
 frmRunTest::frmRunTest(Shell& shell, Instruments& instruments, Documents& documents, QWidget* parent)
-    : WorkingForm(shell, parent),
+    : RunWindow(shell, instruments.sigGen, parent),
       instruments_(instruments),
       documents_(documents),
       ui_(std::make_unique<Ui::frmRunTest>()),
@@ -39,46 +42,34 @@ frmRunTest::frmRunTest(Shell& shell, Instruments& instruments, Documents& docume
             const auto& rows = engine_.Data().Entries();
             return row < rows.size() ? CellsOf(rows[row])[column] : std::string();
           },
-          [this](std::size_t row, std::size_t column) { return column > 0 && IsThreshold(row); }),
-      escape_([this](const QWidget& window) { return IsOurs(window); }, [this] { PressHalt(); }) {
+          [this](std::size_t row, std::size_t column) { return column > 0 && IsThreshold(row); }) {
   ui_->setupUi(this);
   marks_ = {{Readout::SigGenLevel, ui_->lblSigGenLevel},
             {Readout::InducedLevel, ui_->lblInducedLevel},
             {Readout::ForwardPower, ui_->lblPower}};
-  ui_->flxTestData->setModel(&table_);
-  follower_ = new TableFollower(*ui_->flxTestData);
+  SetUp(TheControls(), table_, engine_.Unsaved(), {"pnlFreq", "Frequency, MHz"});
   new AlignedNumbers(*ui_->flxTestData, {{6}, {1, true}, {1}, {1, true}, {1, true}, {1}});
-  SetUpStatusBar();
   ConnectFileMenu();
   ConnectUnits();
-  connect(ui_->mnuHelpRun, &QAction::triggered, this, &frmRunTest::AskForHelp);
-  connect(ui_->cmdRunHalt, &QPushButton::clicked, this, &frmRunTest::PressHalt);
-  rfWatch_.setInterval(kRfWatchMs);
-  connect(&rfWatch_, &QTimer::timeout, this, &frmRunTest::ShowRf);
-  StartAfresh();
-  ShowRf();
-  EnableFileMenu(false);
+  EnableFile(false);
   RestorePlace(shell_, windowkey::kRunTestForm, *this);
   manualPlace_ = shell_.settings.GetFormPosition(windowkey::kManualForm);
 }
 
 frmRunTest::~frmRunTest() = default;
 
-void frmRunTest::SetUpStatusBar() {
-  const auto panel = [this](const char* name, const char* meaning) {
-    auto* const label = new QLabel;
-    label->setObjectName(QString::fromLatin1(name));
-    label->setAccessibleName(QString::fromLatin1(meaning));
-    label->setToolTip(label->accessibleName());
-    label->setTextFormat(Qt::PlainText);
-    return label;
-  };
-  statusPanel_ = panel("pnlStatus", "State of the run");
-  frequencyPanel_ = panel("pnlFreq", "Frequency, MHz");
-  dwellPanel_ = panel("pnlDwell", "What is left of the wait, seconds");
-  ui_->statusBar->addWidget(statusPanel_, 1);
-  ui_->statusBar->addPermanentWidget(frequencyPanel_);
-  ui_->statusBar->addPermanentWidget(dwellPanel_);
+RunWindow::Controls frmRunTest::TheControls() {
+  Controls controls = Controls::Of(*ui_);
+  controls.Start = ui_->lblStartFreq;
+  controls.Stop = ui_->lblStopFreq;
+  controls.Table = ui_->flxTestData;
+  controls.Halt = ui_->cmdRunHalt;
+  controls.Figures = {{Readout::Frequency, ui_->lblFreq, "#0.0#####"},
+                      {Readout::SigGenLevel, ui_->lblSigGenLevel, "##0.0"},
+                      {Readout::Dwell, ui_->lblDwell, "###0.00"},
+                      {Readout::Elapsed, ui_->lblElapsed, kMinutes},
+                      {Readout::Remaining, ui_->lblEstTime, kMinutes}};
+  return controls;
 }
 
 void frmRunTest::ConnectFileMenu() {
@@ -90,7 +81,6 @@ void frmRunTest::ConnectFileMenu() {
   print(ui_->mnuFilePrintBrief, ui_->mnuFilePreviewBrief, RunReportKind::Brief);
   print(ui_->mnuFilePrintDetailed, ui_->mnuFilePreviewDetailed, RunReportKind::Detailed);
   print(ui_->mnuFilePrintThreshold, ui_->mnuFilePreviewThreshold, RunReportKind::Threshold);
-  connect(ui_->mnuFileExit, &QAction::triggered, this, &frmRunTest::close);
 }
 
 void frmRunTest::PrintReport(RunReportKind kind) {
@@ -104,7 +94,7 @@ void frmRunTest::ConnectUnits() {
               {ui_->mnuLevelUnitsDBm, RunUnit::Dbm},
               {ui_->mnuLevelUnitsMW, RunUnit::Milliwatts},
               {ui_->mnuLevelUnitsVolts, RunUnit::Volts}},
-             units_.TestLevel, &frmRunTest::ShowTestLevelNow);
+             units_.TestLevel, {ui_->lblTestLevel, ui_->lblTestLevelCap});
   OfferUnits(ui_->mnuUnitsInduced,
              {{ui_->mnuUnitsInducedDBuV, RunUnit::DbuV},
               {ui_->mnuUnitsInducedDBuA, RunUnit::DbuA},
@@ -112,28 +102,23 @@ void frmRunTest::ConnectUnits() {
               {ui_->mnuUnitsInducedMW, RunUnit::Milliwatts},
               {ui_->mnuUnitsInducedVolts, RunUnit::Volts},
               {ui_->mnuUnitsInducedRelative, RunUnit::Relative}},
-             units_.Induced, &frmRunTest::ShowInducedLevelNow);
+             units_.Induced, {ui_->lblInducedLevel, ui_->lblInducedLevelCap});
   OfferUnits(ui_->mnuUnitsPower, {{ui_->mnuUnitsPowerdBm, RunUnit::Dbm}, {ui_->mnuUnitsPowerWatts, RunUnit::Watts}},
-             units_.Power, &frmRunTest::ShowPowerNow);
-  OpenOnRightClick(ui_->mnuUnitsTarget, {ui_->lblTestLevel, ui_->lblTestLevelCap});
-  OpenOnRightClick(ui_->mnuUnitsInduced, {ui_->lblInducedLevel, ui_->lblInducedLevelCap});
-  OpenOnRightClick(ui_->mnuUnitsPower, {ui_->lblPower, ui_->lblPowerCap});
+             units_.Power, {ui_->lblPower, ui_->lblPowerCap});
 }
 
+/// The menu also opens on a right click of the labels.
 void frmRunTest::OfferUnits(QMenu* menu, const std::vector<UnitEntry>& entries, RunUnit& choice,
-                            void (frmRunTest::*refresh)()) {
+                            const std::vector<QWidget*>& labels) {
   auto* const group = new QActionGroup(menu);
   for (const UnitEntry& entry : entries) {
     group->addAction(entry.action);
     entry.action->setChecked(entry.unit == choice);
-    connect(entry.action, &QAction::triggered, this, [this, &choice, unit = entry.unit, refresh] {
+    connect(entry.action, &QAction::triggered, this, [this, &choice, unit = entry.unit] {
       choice = unit;
-      (this->*refresh)();
+      ShowLevels();
     });
   }
-}
-
-void frmRunTest::OpenOnRightClick(QMenu* menu, const std::vector<QWidget*>& labels) {
   for (QWidget* const label : labels) {
     label->setContextMenuPolicy(Qt::CustomContextMenu);
     // A pop-up that returns at once: a menu that waits for its choice would hold up the run.
@@ -142,41 +127,90 @@ void frmRunTest::OpenOnRightClick(QMenu* menu, const std::vector<QWidget*>& labe
   }
 }
 
+void frmRunTest::Load() {
+  ButtonForm = std::make_unique<frmRunButtons>(shell_, this);
+  ButtonForm->setWindowIcon(windowIcon());
+  if (simulated_) ButtonForm->SetSimulated();
+  connect(ButtonForm.get(), &frmRunButtons::RunClick, this, &frmRunTest::buttonform_RunClick);
+  connect(ButtonForm.get(), &frmRunButtons::HaltClick, this, &frmRunTest::buttonform_HaltClick);
+  connect(ButtonForm.get(), &frmRunButtons::ManualClick, this, &frmRunTest::buttonform_ManualClick);
+  connect(ButtonForm.get(), &frmRunButtons::ExitClick, this, &frmRunTest::buttonform_exitclick);
+  connect(ButtonForm.get(), &frmRunButtons::HelpRequested, this, &frmRunTest::AskForHelp);
+  ButtonForm->show();
+  auto readiness = RunReadiness::NotReady;
+  Guard("Load", [&] { readiness = engine_.Prepare(); });
+  if (readiness == RunReadiness::NoSteps) close();
+}
+
+void frmRunTest::SetSimulated() {
+  simulated_ = true;
+  ShowBenchNotice(*this);
+  if (ButtonForm) ButtonForm->SetSimulated();
+}
+
+bool frmRunTest::QueryUnload() {
+  if (!RunWindow::QueryUnload()) return false;
+  RememberPlace(shell_, windowkey::kRunTestForm, *this);
+  if (ButtonForm) ButtonForm->Unload();
+  return true;
+}
+
+QString frmRunTest::HelpTopic() const {
+  return ManForm ? QStringLiteral("Manual mode") : QStringLiteral("Running a test");
+}
+
+bool frmRunTest::IsOurs(const QWidget& window) const {
+  return &window == this || &window == ButtonForm.get() || &window == ManForm.get();
+}
+
+void frmRunTest::buttonform_RunClick() {
+  Guard("cmdRun", [this] {
+    RunFrom([this] {
+      const auto done = qScopeGuard([this] { RememberPlace(shell_, windowkey::kManualForm, manualPlace_); });
+      engine_.ConfirmAndRun();
+    });
+  });
+}
+
+void frmRunTest::Halt() {
+  // Not while the operator is asked about the rows: the run is over.
+  if (!ButtonForm || !ButtonForm->isEnabled()) return;
+  RunWindow::Halt();
+  ui_->cmdRunHalt->setEnabled(false);
+  ButtonForm->SetHalting();
+}
+
+void frmRunTest::Phase(RunPhase phase) {
+  const bool ready = phase == RunPhase::Ready;
+  if (ButtonForm && (ready || phase == RunPhase::Asking)) ButtonForm->setEnabled(ready);
+  if (ready || phase == RunPhase::BringingUp) SetRunning(!ready);
+}
+
+void frmRunTest::SetRunning(bool running) {
+  RunWindow::SetRunning(running);
+  if (!running) ui_->prgSteps->setValue(engine_.CompletedSteps());
+  if (ButtonForm) running ? ButtonForm->SetRunMode() : ButtonForm->SetHaltMode();
+}
+
 void frmRunTest::StartAfresh() {
-  testLevelDbuv_.reset();
-  inducedDbua_.reset();
-  powerDbm_.reset();
-  for (QLabel* const label : {static_cast<QLabel*>(ui_->lblFreq), static_cast<QLabel*>(ui_->lblSigGenLevel),
-                              ui_->lblStep, ui_->lblDwell, ui_->lblElapsed})
-    ShowText(*label, QString::fromLatin1(kNoFigure));
-  frequencyPanel_->clear();
+  RunWindow::StartAfresh();
+  testLevelDbuv_ = inducedDbua_ = powerDbm_ = std::nullopt;
+  ShowLevels();
   for (Marked& mark : marks_) mark.red = false;
   ShowMarks();
-  ShowTestLevelNow();
-  ShowInducedLevelNow();
-  ShowPowerNow();
-  ClearCountdown();
   Show(Readout::Remaining, estimatedMinutes_);
-  follower_->StartAfresh();
-  ui_->prgSteps->setValue(0);
   ui_->flxTestData->clearSpans();
 }
 
-void frmRunTest::ClearCountdown() {
-  ShowText(*ui_->lblCountdown, QString::fromLatin1(kNoFigure));
-  dwellPanel_->clear();
-}
-
-void frmRunTest::Countdown(double seconds) {
-  const QString left = ToQt(Format(std::max(0.0, seconds), "##0.0"));
-  ShowText(*ui_->lblCountdown, left);
-  ShowText(*dwellPanel_, QStringLiteral("Dwelling ") + left);
+void frmRunTest::Plan(const RunPlan& plan) {
+  RunWindow::Plan(plan);
+  estimatedMinutes_ = plan.EstimatedMinutes;
+  Show(Readout::Remaining, estimatedMinutes_);
 }
 
 void frmRunTest::Status(const std::string& text) {
-  ShowText(*statusPanel_, ToQt(text));
-  ShowText(*ui_->lblState, ToQt(text));
-  ShowRf();
+  const QString shown = text.empty() ? QStringLiteral("State: Idle") : ToQt(text);
+  ShowStatus(shown, shown);
 }
 
 void frmRunTest::Step(int step) {
@@ -188,56 +222,37 @@ void frmRunTest::StepDone(int step) {
 }
 
 void frmRunTest::Show(Readout readout, std::optional<double> value) {
-  const double number = value.value_or(0);
+  RunWindow::Show(readout, value);
   switch (readout) {
     case Readout::Frequency:
-      ShowNumber(*ui_->lblFreq, number, "#0.0#####");
-      return ShowText(*frequencyPanel_, ToQt(Format(number, "0.0#####")) + QStringLiteral(" MHz"));
-    case Readout::SigGenLevel:
-      return ShowNumber(*ui_->lblSigGenLevel, number, "##0.0");
+      return ShowPanel(ToQt(Format(value.value_or(0), "0.0#####")) + QStringLiteral(" MHz"));
+    case Readout::InducedLimit:
+      inducedLimitDbua_ = value.value_or(0);  // its level follows
+      return;
     case Readout::TestLevel:
       testLevelDbuv_ = value;
-      return ShowTestLevelNow();
-    case Readout::InducedLimit:
-      inducedLimitDbua_ = number;
-      return;
+      return ShowLevels();
     case Readout::InducedLevel:
       inducedDbua_ = value;
-      return ShowInducedLevelNow();
+      return ShowLevels();
     case Readout::ForwardPower:
       powerDbm_ = value;
-      return ShowPowerNow();
-    case Readout::Dwell:
-      return ShowNumber(*ui_->lblDwell, number, "###0.00");
-    case Readout::Elapsed:
-      return ShowNumber(*ui_->lblElapsed, number, kMinutes);
-    case Readout::Remaining:
-      return ShowNumber(*ui_->lblEstTime, number, kMinutes);
+      return ShowLevels();
     default:
       return;
   }
 }
 
-void frmRunTest::ShowTestLevelNow() {
-  const ShownLevel shown =
-      ShowTestLevel(testLevelDbuv_.value_or(0), units_.TestLevel, documents_.testSetup.Definition.EUTCircuitImpedance);
-  ShowText(*ui_->lblTestLevelCap, ScreenText(shown.Caption));
-  ShowText(*ui_->lblTestLevel, testLevelDbuv_ ? ToQt(shown.Value) : QString::fromLatin1(kNoFigure));
-  ui_->lblTestLevel->setToolTip(testLevelDbuv_ ? ToQt(shown.ToolTip) : QString());
-}
-
-void frmRunTest::ShowInducedLevelNow() {
-  const ShownLevel shown = ShowInducedLevel(inducedDbua_.value_or(0), inducedLimitDbua_, units_.Induced,
-                                            documents_.testSetup.Definition.EUTCircuitImpedance);
-  ShowText(*ui_->lblInducedLevelCap, ScreenText(shown.Caption));
-  ShowText(*ui_->lblInducedLevel, inducedDbua_ ? ToQt(shown.Value) : QString::fromLatin1(kNoFigure));
-  ui_->lblInducedLevel->setToolTip(ToQt(shown.ToolTip));
-}
-
-void frmRunTest::ShowPowerNow() {
-  const ShownLevel shown = ShowPower(powerDbm_.value_or(0), units_.Power);
-  ShowText(*ui_->lblPowerCap, ScreenText(shown.Caption));
-  ShowText(*ui_->lblPower, powerDbm_ ? ToQt(shown.Value) : QString::fromLatin1(kNoFigure));
+void frmRunTest::ShowLevels() {
+  const float ohms = documents_.testSetup.Definition.EUTCircuitImpedance;
+  const ShownLevel test = ShowTestLevel(testLevelDbuv_.value_or(0), units_.TestLevel, ohms);
+  ShowLevel(*ui_->lblTestLevelCap, *ui_->lblTestLevel, test, testLevelDbuv_.has_value());
+  ui_->lblTestLevel->setToolTip(testLevelDbuv_ ? ToQt(test.ToolTip) : QString());
+  const ShownLevel induced = ShowInducedLevel(inducedDbua_.value_or(0), inducedLimitDbua_, units_.Induced, ohms);
+  ShowLevel(*ui_->lblInducedLevelCap, *ui_->lblInducedLevel, induced, inducedDbua_.has_value());
+  ui_->lblInducedLevel->setToolTip(ToQt(induced.ToolTip));
+  const ShownLevel power = ShowPower(powerDbm_.value_or(0), units_.Power);
+  ShowLevel(*ui_->lblPowerCap, *ui_->lblPower, power, powerDbm_.has_value());
 }
 
 void frmRunTest::Mark(Readout readout, bool held) {
@@ -253,21 +268,8 @@ void frmRunTest::ShowMarks() {
 }
 
 void frmRunTest::changeEvent(QEvent* event) {
-  WorkingForm::changeEvent(event);
+  RunWindow::changeEvent(event);
   if (event->type() == QEvent::PaletteChange) ShowMarks();
-}
-
-void frmRunTest::ShowRf() {
-  ui_->lblRf->ShowRf(instruments_.sigGen.RfIsOn(), instruments_.sigGen.RfState() != Rf::Unknown);
-}
-
-void frmRunTest::Plan(const RunPlan& plan) {
-  ShowText(*ui_->lblSteps, QString::number(plan.Steps));
-  ShowNumber(*ui_->lblStartFreq, plan.StartMHz, "#0.0#####");
-  ShowNumber(*ui_->lblStopFreq, plan.StopMHz, "#0.0#####");
-  ui_->prgSteps->setRange(0, std::max(1, plan.Steps));
-  estimatedMinutes_ = plan.EstimatedMinutes;
-  Show(Readout::Remaining, estimatedMinutes_);
 }
 
 bool frmRunTest::IsThreshold(std::size_t row) const {
@@ -276,14 +278,56 @@ bool frmRunTest::IsThreshold(std::size_t row) const {
 }
 
 void frmRunTest::RowChanged(int row) {
-  table_.RowChanged(row);
-  if (row == 0) {
-    StartAfresh();
-    return;
-  }
-  if (IsThreshold(static_cast<std::size_t>(row) - 1))
+  RunWindow::RowChanged(row);
+  if (row > 0 && IsThreshold(static_cast<std::size_t>(row) - 1))
     ui_->flxTestData->setSpan(row - 1, kCommentColumn, 1, table_.columnCount() - kCommentColumn);
-  follower_->RowChanged();
+}
+
+void frmRunTest::OpenManual(const ManualStart& start) {
+  ClearCountdown();
+  ManForm = std::make_unique<frmManual>(shell_, engine_.Manual(), this);
+  if (simulated_) ManForm->SetSimulated();
+  connect(ManForm.get(), &frmManual::manThresholdClick, this, &frmRunTest::manform_manThresholdClick);
+  connect(ManForm.get(), &frmManual::manExitClick, this, &frmRunTest::manform_manExitClick);
+  connect(ManForm.get(), &frmManual::manRfOn, this, &frmRunTest::manform_manRfOn);
+  connect(ManForm.get(), &frmManual::manModOn, this, &frmRunTest::manform_manModOn);
+  connect(ManForm.get(), &frmManual::HaltClick, this, &frmRunTest::PressHalt);
+  connect(ManForm.get(), &frmManual::HelpRequested, this, &frmRunTest::AskForHelp);
+  ManForm->Open(start, manualPlace_);
+  ui_->prgSteps->setValue(start.HighestStep);
+  if (ButtonForm) ButtonForm->ButtonsVisible(false);
+}
+
+void frmRunTest::CloseManual() {
+  if (!ManForm) return;
+  if (ButtonForm) ButtonForm->ButtonsVisible(true);
+  manualPlace_ = ManForm->Unload();
+  ManForm.reset();
+  Follower().Release();
+}
+
+void frmRunTest::ManualStep(int step, int row, double frequencyMHz) {
+  Step(step);
+  Follower().Hold(row - 1);
+  if (ManForm) ManForm->SetManualFreq(frequencyMHz);
+}
+
+void frmRunTest::ManualRf(bool on) {
+  if (ManForm) ManForm->SetRfOn(on);
+  ShowRf();
+}
+
+void frmRunTest::ManualMod(bool on) {
+  if (ManForm) ManForm->SetModOn(on);
+}
+
+void frmRunTest::manform_manThresholdClick(double frequencyMHz, float offsetDb) {
+  engine_.Manual().manThresholdClick(frequencyMHz, offsetDb);
+}
+
+void frmRunTest::manform_manRfOn(bool on) {
+  engine_.Manual().manRfOn(on);
+  ManualRf(instruments_.sigGen.RfIsOn());  // also where the run took no notice of the switch
 }
 
 }  // namespace hylden

@@ -1,0 +1,231 @@
+#include "run/qt/RunWindow.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QProgressBar>
+#include <QScopeGuard>
+#include <QStatusBar>
+#include <QTableView>
+#include <algorithm>
+#include <utility>
+
+#include "instruments/SigGen.h"
+#include "run/UnsavedRows.h"
+#include "run/qt/RowTable.h"
+#include "shell/Shell.h"
+#include "widgets/LabelText.h"
+#include "widgets/RfLamp.h"
+#include "widgets/TableFollower.h"
+
+namespace hylden {
+
+namespace {
+
+constexpr int kRfWatchMs = 100;
+constexpr std::string_view kRange = "#0.0#####", kDwell = "##0.0##";
+constexpr char kIdle[] = "Idle";
+
+/// A key that is held down presses a button once.
+class HeldKeyFilter : public QObject {
+ public:
+  using QObject::QObject;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() != QEvent::KeyPress) return QObject::eventFilter(watched, event);
+    const auto& press = *static_cast<QKeyEvent*>(event);
+    const bool presses = press.key() == Qt::Key_Return || press.key() == Qt::Key_Enter || press.key() == Qt::Key_Space;
+    return presses && press.isAutoRepeat();
+  }
+};
+
+}  // namespace
+
+RunWindow::RunWindow(Shell& shell, SigGen& sigGen, QWidget* parent)
+    : WorkingForm(shell, parent),
+      sigGen_(sigGen),
+      escape_([this](const QWidget& window) { return IsOurs(window); }, [this] { PressHalt(); }) {
+  rfWatch_.setInterval(kRfWatchMs);
+  connect(&rfWatch_, &QTimer::timeout, this, &RunWindow::ShowRf);
+}
+
+void RunWindow::SetUp(Controls controls, RowTable& table, UnsavedRows& rows, const Panel& panel) {
+  controls_ = std::move(controls);
+  table_ = &table;
+  rows_ = &rows;
+  controls_.Table->setModel(table_);
+  follower_ = new TableFollower(*controls_.Table);
+  SetUpStatusBar(panel);
+  controls_.Halt->setEnabled(false);
+  connect(controls_.Halt, &QAbstractButton::clicked, this, &RunWindow::Halt);
+  connect(controls_.Exit, &QAction::triggered, this, &QWidget::close);
+  connect(controls_.Help, &QAction::triggered, this, &RunWindow::AskForHelp);
+  // A key still held down from the run before must not start the next one.
+  auto* const held = new HeldKeyFilter(this);
+  for (QAbstractButton* const button : findChildren<QAbstractButton*>()) button->installEventFilter(held);
+  StartAfresh();
+  Status({});
+}
+
+QLabel* RunWindow::MakePanel(const Panel& panel) {
+  auto* const label = new QLabel;
+  label->setObjectName(QString::fromLatin1(panel.Name));
+  label->setAccessibleName(QString::fromLatin1(panel.Meaning));
+  label->setToolTip(label->accessibleName());
+  label->setTextFormat(Qt::PlainText);
+  return label;
+}
+
+void RunWindow::SetUpStatusBar(const Panel& panel) {
+  statusPanel_ = MakePanel({"pnlStatus", "State of the run"});
+  statusPanel_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);  // a long reason makes no window wide
+  panel_ = MakePanel(panel);
+  dwellPanel_ = MakePanel({"pnlDwell", "What is left of the wait, seconds"});
+  statusBar()->addWidget(statusPanel_, 1);
+  statusBar()->addPermanentWidget(panel_);
+  statusBar()->addPermanentWidget(dwellPanel_);
+}
+
+void RunWindow::StartAfresh() {
+  for (const Figure& figure : controls_.Figures) ShowText(*figure.Label, QString::fromLatin1(kNoFigure));
+  ShowText(*controls_.Step, QString::fromLatin1(kNoFigure));
+  panel_->clear();
+  ClearCountdown();
+  controls_.Progress->setValue(0);
+  follower_->StartAfresh();
+}
+
+void RunWindow::ClearCountdown() {
+  ShowText(*controls_.Countdown, QString::fromLatin1(kNoFigure));
+  dwellPanel_->clear();
+}
+
+void RunWindow::RunFrom(const std::function<void()>& run) {
+  if (inRun_) return;
+  const auto done = qScopeGuard([this] {
+    rfWatch_.stop();
+    escape_.Stop();
+    inRun_ = false;
+    ShowRf();
+  });
+  inRun_ = true;
+  escape_.Start();
+  rfWatch_.start();
+  run();
+}
+
+void RunWindow::PressHalt() {
+  controls_.Halt->click();
+}
+
+void RunWindow::Halt() {
+  shell_.delay.RequestHalt();
+  Status("Halting...");
+}
+
+bool RunWindow::AsksToSave() const {
+  return rows_->IsAsking();
+}
+
+bool RunWindow::SaveMissed() const {
+  return rows_->AreMissed();
+}
+
+bool RunWindow::QueryUnload() {
+  return rows_->MayLeave();
+}
+
+void RunWindow::Hurry() {
+  if (!inRun_) return;
+  // Also where the button can't be pressed: a run that is being brought up has to see it.
+  shell_.delay.RequestHalt();
+  PressHalt();
+}
+
+void RunWindow::Phase(RunPhase phase) {
+  ShowBusy(phase == RunPhase::BringingUp || phase == RunPhase::TakingDown);
+  if (phase == RunPhase::BringingUp) SetRunning(true);
+  if (phase == RunPhase::Ready) SetRunning(false);
+}
+
+void RunWindow::SetRunning(bool running) {
+  controls_.Halt->setEnabled(running);
+  for (QWidget* const control : controls_.Idle) control->setEnabled(!running);
+  EnableFile(!running);
+  if (running) return StartAfresh();
+  ClearCountdown();
+  Status({});
+  follower_->Follow();
+}
+
+void RunWindow::EnableFile(bool enabled) {
+  QList<QMenu*> menus = controls_.File->findChildren<QMenu*>();
+  for (const QMenu* const menu : menus << controls_.File)
+    for (QAction* const action : menu->actions()) action->setEnabled(enabled);
+  controls_.File->setEnabled(enabled);
+}
+
+void RunWindow::Status(const std::string& text) {
+  const QString shown = text.empty() ? QString::fromLatin1(kIdle) : ToQt(text);
+  ShowStatus(shown, shown.section(QLatin1Char(':'), 0, 0));  // the reason stands in the status bar
+  ClearCountdown();
+}
+
+void RunWindow::ShowStatus(const QString& statusBar, const QString& state) {
+  ShowText(*statusPanel_, statusBar);
+  ShowText(*controls_.State, state);
+  ShowRf();
+}
+
+void RunWindow::ShowPanel(const QString& text) {
+  ShowText(*panel_, text);
+}
+
+void RunWindow::ShowRf() {
+  controls_.Rf->ShowRf(sigGen_.RfIsOn(), sigGen_.RfState() != Rf::Unknown);
+}
+
+void RunWindow::ShowBusy(bool busy) {
+  if (busy == std::exchange(busy_, busy)) return;
+  if (busy)
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+  else
+    QApplication::restoreOverrideCursor();
+}
+
+void RunWindow::Plan(const RunPlan& plan) {
+  ShowText(*controls_.Steps, QString::number(plan.Steps));
+  ShowNumber(*controls_.Start, plan.StartMHz, kRange);
+  ShowNumber(*controls_.Stop, plan.StopMHz, kRange);
+  if (controls_.Dwell) ShowNumber(*controls_.Dwell, plan.DwellSeconds, kDwell);
+  controls_.Progress->setRange(0, std::max(1, plan.Steps));
+  controls_.Progress->setValue(0);
+  if (plan.EstimatedMinutes > 0) Show(Readout::Remaining, plan.EstimatedMinutes);
+}
+
+void RunWindow::Countdown(double seconds) {
+  const QString left = ToQt(Format(std::max(0.0, seconds), "##0.0"));
+  ShowText(*controls_.Countdown, left);
+  ShowText(*dwellPanel_, QStringLiteral("Dwelling ") + left);
+}
+
+void RunWindow::StepDone(int step) {
+  ShowText(*controls_.Step, QString::number(step));
+  ShowPanel(QStringLiteral("Step Number %1").arg(step));
+  controls_.Progress->setValue(step);
+}
+
+void RunWindow::Show(Readout readout, std::optional<double> value) {
+  for (const Figure& figure : controls_.Figures)
+    if (figure.Of == readout) ShowNumber(*figure.Label, value.value_or(0), figure.Pattern);
+  if (readout == Readout::SigGenLevel) ShowRf();
+}
+
+void RunWindow::RowChanged(int row) {
+  table_->RowChanged(row);
+  follower_->RowChanged();
+}
+
+}  // namespace hylden

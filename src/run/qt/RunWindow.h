@@ -1,0 +1,135 @@
+#pragma once
+
+#include <QTimer>
+#include <functional>
+#include <string_view>
+#include <vector>
+
+#include "run/RunDisplay.h"
+#include "shell/qt/WorkingForm.h"
+#include "widgets/EscapeWatch.h"
+
+class QAbstractButton;
+class QAction;
+class QLabel;
+class QMenu;
+class QProgressBar;
+class QTableView;
+
+namespace hylden {
+
+class RfLamp;
+class RowTable;
+class SigGen;
+class TableFollower;
+class UnsavedRows;
+
+/// The window of a run: figures, progress, table, status bar, and the run itself inside the press of a button. Escape
+/// halts it; closing the window during it halts it, lets it end in order, then closes. What a form has of its own it
+/// adds by overriding.
+class RunWindow : public WorkingForm, protected RunDisplay {
+  Q_OBJECT
+
+ public:
+  RunWindow(Shell& shell, SigGen& sigGen, QWidget* parent);
+
+  /// Halts the run as its button does; nothing when there is none.
+  void PressHalt();
+  bool AsksToSave() const override;
+  bool SaveMissed() const override;
+
+ protected:
+  /// A readout of the run: where it is shown, and how it is written.
+  struct Figure {
+    Readout Of;
+    QLabel* Label;
+    std::string_view Pattern;
+  };
+  struct Controls {
+    /// Those that have the same name in every form of a run.
+    template <class Ui>
+    static Controls Of(const Ui& ui) {
+      return {.Countdown = ui.lblCountdown,
+              .Step = ui.lblStep,
+              .Steps = ui.lblSteps,
+              .State = ui.lblState,
+              .Rf = ui.lblRf,
+              .Progress = ui.prgSteps,
+              .File = ui.mnuFile,
+              .Exit = ui.mnuFileExit,
+              .Help = ui.mnuHelpRun};
+    }
+
+    QLabel *Countdown, *Step, *Steps, *State;
+    RfLamp* Rf;
+    QProgressBar* Progress;
+    QMenu* File;
+    QAction *Exit, *Help;
+
+    QLabel *Start = nullptr, *Stop = nullptr;
+    QLabel* Dwell = nullptr;  ///< of every step; may be missing
+    QTableView* Table = nullptr;
+    QAbstractButton* Halt = nullptr;
+    std::vector<QWidget*> Idle = {};  ///< only of use between two runs
+    std::vector<Figure> Figures = {};
+  };
+  /// A part of the status bar.
+  struct Panel {
+    const char* Name;
+    const char* Meaning;
+  };
+
+  /// To be called once the controls are there.
+  void SetUp(Controls controls, RowTable& table, UnsavedRows& rows,
+             const Panel& panel = {"pnlStep", "The frequency that was completed last"});
+  /// Runs, with Escape watched and the RF lamp kept true. Nothing happens inside another run of this window.
+  void RunFrom(const std::function<void()>& run);
+  /// Forgets the figures of the run before.
+  virtual void StartAfresh();
+  /// Running: only Halt can be pressed. Otherwise a run can be started, and what was recorded saved.
+  virtual void SetRunning(bool running);
+  /// Halt was pressed.
+  virtual void Halt();
+  /// Whether Escape there halts the run.
+  virtual bool IsOurs(const QWidget& window) const { return &window == this; }
+
+  void EnableFile(bool enabled);
+  void ShowStatus(const QString& statusBar, const QString& state);
+  void ShowPanel(const QString& text);
+  void ShowRf();
+  void ClearCountdown();
+  void AskForHelp() { emit HelpRequested(HelpTopic()); }
+  TableFollower& Follower() { return *follower_; }
+
+  bool QueryUnload() override;
+  void Hurry() override;
+
+  // The display.
+  void Phase(RunPhase phase) override;
+  void Status(const std::string& text) override;
+  void Plan(const RunPlan& plan) override;
+  void Countdown(double seconds) override;
+  void StepDone(int step) override;
+  void Show(Readout readout, std::optional<double> value) override;
+  void RowChanged(int row) override;
+
+ private:
+  QLabel* MakePanel(const Panel& panel);
+  void SetUpStatusBar(const Panel& panel);
+  void ShowBusy(bool busy);
+
+  SigGen& sigGen_;
+  Controls controls_ = {};
+  RowTable* table_ = nullptr;
+  UnsavedRows* rows_ = nullptr;
+  TableFollower* follower_ = nullptr;
+  QLabel* statusPanel_ = nullptr;
+  QLabel* panel_ = nullptr;
+  QLabel* dwellPanel_ = nullptr;
+  EscapeWatch escape_;
+  QTimer rfWatch_{this};  ///< RF can go off under a message box
+  bool busy_ = false;     ///< the wait cursor is shown
+  bool inRun_ = false;    ///< the press that started a run has not returned yet
+};
+
+}  // namespace hylden
