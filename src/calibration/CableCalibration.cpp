@@ -48,7 +48,7 @@ bool RunCablCal::BuildPlan() {
 }
 
 bool RunCablCal::Keeps(const std::vector<double>& plan) const {
-  if (points_.empty() || !points_.front().HasDirect() || (IsComplete() && !unsaved_.Wait())) return false;
+  if (points_.empty() || !points_.front().HasDirect() || (IsComplete() && !unsaved_.Any())) return false;
   return std::equal(
       points_.begin(), points_.end(), plan.begin(), plan.end(),
       [&](const CablePoint& p, double frequency) { return p.Freq == frequency && p.SigGenLevel == Setup.Level; });
@@ -69,7 +69,7 @@ std::vector<CablePoint> RunCablCal::CompletePoints() const {
 }
 
 bool RunCablCal::MayDropReadings(bool dropsDirect) {
-  if (unsaved_.Wait()) return unsaved_.MayDrop();
+  if (unsaved_.Any()) return unsaved_.MayDrop();
   if (!dropsDirect || IsComplete() || !HasAllDirect()) return true;
   const MessageAnswer answer = shell_.dialogs.Show({"The direct readings wait for their insert pass.\r\nDrop them?",
                                                     "Direct Readings", MessageIcon::Question, MessageButtons::YesNo});

@@ -30,7 +30,7 @@ bool UnsavedRows::Save() {
 }
 
 bool UnsavedRows::MayDrop() {
-  if (!Wait()) return true;
+  if (!Any()) return true;
   const FlagRaised asking(asking_);
   const MessageAnswer answer =
       dialogs_.Show({questions_.BeforeDropping, questions_.Title, MessageIcon::Question, MessageButtons::YesNoCancel});

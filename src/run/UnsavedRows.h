@@ -32,7 +32,7 @@ class UnsavedRows {
 
   bool AreSaved() const { return state_ == State::Saved; }
   /// There are rows, in no file, that the operator has not let go.
-  bool Wait() const { return !AreSaved() && state_ != State::LetGo && exist_(); }
+  bool Any() const { return !AreSaved() && state_ != State::LetGo && exist_(); }
   /// The operator wanted them saved, and the file dialog was cancelled or the file not written.
   bool AreMissed() const { return state_ == State::Wanted && exist_(); }
   /// A question whether, or where, to save them waits for an answer.

@@ -27,10 +27,12 @@ constexpr int kRfWatchMs = 100;
 constexpr std::string_view kRange = "#0.0#####", kDwell = "##0.0##";
 constexpr char kIdle[] = "Idle";
 
-/// A key that is held down presses a button once.
+/// A key that is held down presses a button of the window once.
 class HeldKeyFilter : public QObject {
  public:
-  using QObject::QObject;
+  explicit HeldKeyFilter(QWidget& window) : QObject(&window) {
+    for (QAbstractButton* const button : window.findChildren<QAbstractButton*>()) button->installEventFilter(this);
+  }
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
@@ -63,8 +65,7 @@ void RunWindow::SetUp(Controls controls, RowTable& table, UnsavedRows& rows, con
   connect(controls_.Exit, &QAction::triggered, this, &QWidget::close);
   connect(controls_.Help, &QAction::triggered, this, &RunWindow::AskForHelp);
   // A key still held down from the run before must not start the next one.
-  auto* const held = new HeldKeyFilter(this);
-  for (QAbstractButton* const button : findChildren<QAbstractButton*>()) button->installEventFilter(held);
+  new HeldKeyFilter(*this);
   StartAfresh();
   Status({});
 }

@@ -28,6 +28,15 @@ void ShowLevel(QLabel& caption, QLabel& figure, const ShownLevel& shown, bool kn
   ShowText(figure, known ? ToQt(shown.Value) : QString::fromLatin1(kNoFigure));
 }
 
+void OpenOnRightClick(QMenu& menu, const std::vector<QWidget*>& labels) {
+  for (QWidget* const label : labels) {
+    label->setContextMenuPolicy(Qt::CustomContextMenu);
+    // A pop-up that returns at once: a menu that waits for its choice would hold up the run.
+    QObject::connect(label, &QWidget::customContextMenuRequested, &menu,
+                     [&menu, label](const QPoint& position) { menu.popup(label->mapToGlobal(position)); });
+  }
+}
+
 }  // namespace
 
 frmRunTest::frmRunTest(Shell& shell, Instruments& instruments, Documents& documents, QWidget* parent)
@@ -107,10 +116,11 @@ void frmRunTest::ConnectUnits() {
              units_.Power, {ui_->lblPower, ui_->lblPowerCap});
 }
 
-/// The menu also opens on a right click of the labels.
 void frmRunTest::OfferUnits(QMenu* menu, const std::vector<UnitEntry>& entries, RunUnit& choice,
                             const std::vector<QWidget*>& labels) {
+  OpenOnRightClick(*menu, labels);
   auto* const group = new QActionGroup(menu);
+  group->setExclusive(true);
   for (const UnitEntry& entry : entries) {
     group->addAction(entry.action);
     entry.action->setChecked(entry.unit == choice);
@@ -118,12 +128,6 @@ void frmRunTest::OfferUnits(QMenu* menu, const std::vector<UnitEntry>& entries, 
       choice = unit;
       ShowLevels();
     });
-  }
-  for (QWidget* const label : labels) {
-    label->setContextMenuPolicy(Qt::CustomContextMenu);
-    // A pop-up that returns at once: a menu that waits for its choice would hold up the run.
-    connect(label, &QWidget::customContextMenuRequested, menu,
-            [menu, label](const QPoint& position) { menu->popup(label->mapToGlobal(position)); });
   }
 }
 
