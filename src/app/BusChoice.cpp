@@ -1,10 +1,9 @@
 #include "app/BusChoice.h"
 
-#include <algorithm>
-
 #include "bench/Bench.h"
 #include "platform/native/NativeGpib.h"
 #include "shell/INISettings.h"
+#include "text/Case.h"
 
 namespace hylden {
 
@@ -12,16 +11,10 @@ namespace {
 
 constexpr const char* kSection = "Gpib";
 
-bool SaysBench(std::string driver) {
-  std::transform(driver.begin(), driver.end(), driver.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  return driver == "bench";
-}
-
 }  // namespace
 
 BusChoice ChosenBus(INISettings& settings) {
-  return {SaysBench(settings.Get(kSection, "Driver", "native")), settings.Get(kSection, "Bench", "")};
+  return {SameIgnoringCase(settings.Get(kSection, "Driver", "native"), "bench"), settings.Get(kSection, "Bench", "")};
 }
 
 Bus::Bus() : native_(std::make_unique<NativeGpib>()) {}

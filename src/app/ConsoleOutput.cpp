@@ -5,6 +5,7 @@
 
 #include "documents/Documents.h"
 #include "documents/SaveCal.h"
+#include "text/ExistingPath.h"
 #include "text/TextFile.h"
 
 namespace hylden {

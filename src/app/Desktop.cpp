@@ -26,7 +26,6 @@
 #include "shell/qt/WorkingForm.h"
 #include "shell/qt/frmHelp.h"
 #include "testrun/qt/frmRunTest.h"
-#include "text/TextFile.h"
 
 namespace hylden {
 

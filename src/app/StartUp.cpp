@@ -4,7 +4,7 @@
 
 #include "app/Station.h"
 #include "shell/RecentFiles.h"
-#include "text/TextFile.h"
+#include "text/ExistingPath.h"
 
 namespace hylden {
 

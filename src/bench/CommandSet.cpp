@@ -2,8 +2,8 @@
 
 #include <charconv>
 
+#include "text/Encoding.h"
 #include "text/Numbers.h"
-#include "text/TextFile.h"
 
 namespace hylden {
 

@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "calibration/FrequencyPlan.h"
+#include "calibration/InsertionLossText.h"
 #include "calibration/WarbleAlarm.h"
 #include "instruments/Instruments.h"
 #include "run/RunDisplay.h"

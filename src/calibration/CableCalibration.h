@@ -28,11 +28,6 @@ struct CablePoint {
   bool HasBoth() const { return HasDirect() && !IsMissing(Insert); }
 };
 
-/// The text of an insertion-loss file (.los): a form to fill in by hand, then one line for each point. It serves as a
-/// factor table.
-/// @param fileName  the full path, which the first line shows
-std::string InsertionLossText(const std::vector<CablePoint>& points, const std::string& fileName);
-
 /// Measures what a cable loses over frequency: a direct pass with the generator straight at the meter, then an insert
 /// pass through the cable. Setup and points live as long as the program, until the next plan. However a pass ends, RF
 /// is off and the instruments are offline. A pass that ends early keeps the plan and what it has measured: a direct

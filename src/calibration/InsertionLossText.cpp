@@ -1,3 +1,5 @@
+#include "calibration/InsertionLossText.h"
+
 #include <string_view>
 
 #include "calibration/CableCalibration.h"

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "text/TextFile.h"
+#include "text/ExistingPath.h"
 
 namespace hylden {
 

@@ -6,6 +6,7 @@
 #include "documents/CalInfo.h"
 #include "documents/CalSetup.h"
 #include "shell/Shell.h"
+#include "text/Case.h"
 #include "text/Numbers.h"
 #include "text/Pattern.h"
 #include "text/RecordFile.h"
@@ -17,9 +18,7 @@ constexpr std::string_view kDataEnding = ".cal";
 constexpr const char* kNotRecorded = "na";
 
 bool HasDataEnding(const std::string& name) {
-  if (name.size() < kDataEnding.size()) return false;
-  return std::equal(kDataEnding.begin(), kDataEnding.end(), name.end() - static_cast<int>(kDataEnding.size()),
-                    [](char wanted, char c) { return (c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c) == wanted; });
+  return LowerCase(name).ends_with(kDataEnding);
 }
 
 std::string PowerText(const std::optional<double>& powerDbm) {

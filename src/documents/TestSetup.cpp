@@ -6,6 +6,7 @@
 
 #include "documents/TestSummary.h"
 #include "shell/Shell.h"
+#include "text/ExistingPath.h"
 #include "text/RecordFile.h"
 
 namespace hylden {

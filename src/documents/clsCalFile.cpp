@@ -5,6 +5,7 @@
 #include "measure/Conversions.h"
 #include "measure/InterpClass.h"
 #include "shell/Shell.h"
+#include "text/Case.h"
 #include "text/Numbers.h"
 #include "text/TextFile.h"
 
@@ -13,13 +14,6 @@ namespace {
 
 constexpr std::string_view kInfoEnding = ".hyinfo";
 constexpr float kMissing = static_cast<float>(kNoValue);
-
-/// ASCII letters only: another spelling of an accented letter would be another file.
-std::string LowerCase(std::string text) {
-  for (char& c : text)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  return text;
-}
 
 /// The data file beside an info file.
 std::string DataFileOf(std::string_view infoFile) {

@@ -3,6 +3,7 @@
 #include "instruments/MeterDefinition.h"
 #include "instruments/PowerMeterDefinition.h"
 #include "instruments/SigGenDefinition.h"
+#include "text/Characters.h"
 #include "text/Numbers.h"
 
 namespace hylden {
@@ -10,23 +11,17 @@ namespace hylden {
 namespace {
 
 constexpr int kTopLines = 6;
-constexpr int kInitPieceLength = 60;
+constexpr std::size_t kInitPieceLength = 60;
 const std::string kNoLabel(17, ' ');
 constexpr const char* kEndOfStringCodes = "  (0 = none, 1 = cr, 2 = cr/lf)";
 
 /// The text in pieces of at most `length` characters (of UTF-8); one empty piece for an empty text.
-std::vector<std::string> Pieces(const std::string& text, int length) {
-  std::vector<std::string> pieces(1);
-  int inPiece = 0;
-  for (const char c : text) {
-    const bool startsCharacter = (static_cast<unsigned char>(c) & 0xC0) != 0x80;
-    if (startsCharacter && inPiece == length) {
-      pieces.emplace_back();
-      inPiece = 0;
-    }
-    if (startsCharacter) ++inPiece;
-    pieces.back() += c;
-  }
+std::vector<std::string> Pieces(std::string_view text, std::size_t length) {
+  std::vector<std::string> pieces;
+  do {
+    const std::string& piece = pieces.emplace_back(FirstCharacters(text, length));
+    text.remove_prefix(piece.size());
+  } while (!text.empty());
   return pieces;
 }
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "shell/Shell.h"
-#include "text/TextFile.h"
+#include "text/Encoding.h"
 
 namespace hylden {
 

@@ -9,6 +9,7 @@
 #include "script/DateTime.h"
 #include "script/Errors.h"
 #include "script/Unicode.h"
+#include "text/Case.h"
 #include "text/Numbers.h"
 
 namespace hylden::script {
@@ -69,11 +70,7 @@ Value NumberLiteral(std::string_view digits) {
 }  // namespace
 
 std::string LookupName(std::string_view name) {
-  std::string lower(name);
-  for (char& c : lower) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
-  }
-  return lower;
+  return hylden::LowerCase(std::string(name));
 }
 
 char Lexer::Peek(std::size_t ahead) const {

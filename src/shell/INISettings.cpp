@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "text/TextFile.h"
+#include "text/ExistingPath.h"
 
 namespace hylden {
 

@@ -2,19 +2,15 @@
 
 #include <algorithm>
 
+#include "text/Case.h"
+#include "text/Encoding.h"
 #include "text/Numbers.h"
-#include "text/TextFile.h"
 
 namespace hylden::profile {
 
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-bool SameName(std::string_view a, std::string_view b) {
-  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [&](char x, char y) { return lower(x) == lower(y); });
-}
 
 /// One line of the file: where it stands, and what it says.
 struct Line {
@@ -77,7 +73,7 @@ std::optional<Line> FindKey(std::string_view text, std::string_view section, std
   Lines lines(text);
   Line line;
   while (lines.Next(line)) {
-    if (!line.key.empty() && SameName(line.section, section) && SameName(line.key, key)) return line;
+    if (!line.key.empty() && SameIgnoringCase(line.section, section) && SameIgnoringCase(line.key, key)) return line;
   }
   return std::nullopt;
 }
@@ -117,7 +113,7 @@ std::optional<std::size_t> EndOfSection(std::string_view text, std::string_view 
   while (lines.Next(line)) {
     if (end && line.opensSection) break;
     // Comments behind the last key may well speak of the next section.
-    if (SameName(line.section, section) && (line.opensSection || (end && !line.key.empty()))) end = line.next;
+    if (SameIgnoringCase(line.section, section) && (line.opensSection || (end && !line.key.empty()))) end = line.next;
   }
   return end;
 }
@@ -136,7 +132,7 @@ std::vector<std::string> Keys(std::string_view text, std::string_view section) {
   Lines lines(text);
   Line line;
   while (lines.Next(line)) {
-    if (!line.key.empty() && SameName(line.section, section)) keys.push_back(line.key);
+    if (!line.key.empty() && SameIgnoringCase(line.section, section)) keys.push_back(line.key);
   }
   return keys;
 }
@@ -146,7 +142,7 @@ std::vector<std::string> Sections(std::string_view text) {
   Lines lines(text);
   Line line;
   while (lines.Next(line)) {
-    const auto same = [&](const std::string& known) { return SameName(known, line.section); };
+    const auto same = [&](const std::string& known) { return SameIgnoringCase(known, line.section); };
     if (line.opensSection && !line.section.empty() && std::none_of(sections.begin(), sections.end(), same)) {
       sections.push_back(line.section);
     }

@@ -8,6 +8,8 @@
 #include <string_view>
 
 #include "shell/Profile.h"
+#include "text/Characters.h"
+#include "text/ExistingPath.h"
 #include "text/Numbers.h"
 #include "text/TextFile.h"
 
@@ -46,25 +48,9 @@ bool IsMissing(const std::string& path) {
   return std::filesystem::status(path, error).type() == std::filesystem::file_type::not_found;
 }
 
-std::size_t CharacterCount(std::string_view text) {
-  return static_cast<std::size_t>(
-      std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-}
-
-/// At most so many characters of UTF-8.
-std::string FirstCharacters(std::string_view text, std::size_t most) {
-  std::size_t characters = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const bool continues = (static_cast<unsigned char>(text[i]) & 0xC0) == 0x80;
-    if (!continues && characters++ == most) return std::string(text.substr(0, i));
-  }
-  return std::string(text);
-}
-
 /// A value as it comes out of the read buffer.
 std::string ThroughBuffer(std::string_view value) {
-  const std::string cut = FirstCharacters(value, clsSetting::kLongestValue);
-  const std::string_view trimmed = Trim(cut);
+  const std::string_view trimmed = Trim(FirstCharacters(value, clsSetting::kLongestValue));
   return std::string(trimmed.substr(0, trimmed.find('\0')));
 }
 
@@ -73,7 +59,7 @@ std::vector<std::string> ThroughListBuffer(const std::vector<std::string>& names
   std::vector<std::string> kept;
   std::size_t room = kLongestList;
   for (const std::string& name : names) {
-    std::string part = FirstCharacters(name, room);
+    std::string part(FirstCharacters(name, room));
     if (part.empty()) break;
     // The name's terminator takes its place, too.
     room -= std::min(room, CharacterCount(part) + 1);

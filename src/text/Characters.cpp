@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 
 namespace hylden {
 namespace {
@@ -18,6 +19,17 @@ std::uint8_t ByteAt(std::string_view text, std::size_t at) {
 
 }  // namespace
 
+std::size_t CharacterCount(std::string_view utf8) {
+  return static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), std::not_fn(ContinuesCharacter)));
+}
+
+std::string_view FirstCharacters(std::string_view utf8, std::size_t most) {
+  std::size_t end = 0;
+  for (; end < utf8.size(); ++end)
+    if (!ContinuesCharacter(utf8[end]) && most-- == 0) break;
+  return utf8.substr(0, end);
+}
+
 Utf8Character CharacterAt(std::string_view utf8, std::size_t at) {
   const std::uint8_t first = ByteAt(utf8, at);
   if (first < 0x80) return {first, 1};
@@ -26,9 +38,8 @@ Utf8Character CharacterAt(std::string_view utf8, std::size_t at) {
   if (at + length > utf8.size()) return {};
   char32_t code = first & (0xFFU >> (length + 1));
   for (std::size_t i = 1; i < length; ++i) {
-    const std::uint8_t next = ByteAt(utf8, at + i);
-    if ((next & 0xC0) != 0x80) return {};
-    code = code << 6 | (next & 0x3FU);
+    if (!ContinuesCharacter(utf8[at + i])) return {};
+    code = code << 6 | (ByteAt(utf8, at + i) & 0x3FU);
   }
   const bool tooLong = (length == 3 && code < 0x800) || (length == 4 && code < 0x10000);
   const bool surrogate = code >= 0xD800 && code <= 0xDFFF;

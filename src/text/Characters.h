@@ -14,6 +14,16 @@ struct Utf8Character {
   std::size_t length = 0;  ///< bytes taken; 0 when they are no character of UTF-8
 };
 
+/// Whether a byte of UTF-8 goes on with the character before it.
+constexpr bool ContinuesCharacter(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+/// How many characters a text of UTF-8 has.
+std::size_t CharacterCount(std::string_view utf8);
+/// At most so many characters of the text.
+std::string_view FirstCharacters(std::string_view utf8, std::size_t most);
+
 /// The character that begins at a byte of the text. @pre the byte exists
 Utf8Character CharacterAt(std::string_view utf8, std::size_t at);
 

@@ -1,10 +1,9 @@
+#include "text/Encoding.h"
+
 #include <cstdint>
 #include <cstring>
-#include <string>
-#include <string_view>
 
 #include "text/Characters.h"
-#include "text/TextFile.h"
 
 namespace hylden {
 namespace {

@@ -1,10 +1,10 @@
+#include "text/ExistingPath.h"
+
 #include <algorithm>
 #include <filesystem>
-#include <string>
-#include <string_view>
 #include <vector>
 
-#include "text/TextFile.h"
+#include "text/Case.h"
 
 namespace hylden {
 namespace {
@@ -27,7 +27,7 @@ std::string Folded(std::string_view name) {
   for (std::size_t i = 0; i < folded.size(); ++i) {
     const auto byte = static_cast<unsigned char>(folded[i]);
     const bool accented = i > 0 && folded[i - 1] == '\xC3' && byte >= 0x80 && byte <= 0x9E && byte != 0x97;
-    if ((byte >= 'A' && byte <= 'Z') || accented) folded[i] = static_cast<char>(byte + 0x20);
+    folded[i] = accented ? static_cast<char>(byte + 0x20) : LowerCase(folded[i]);
   }
   return folded;
 }

@@ -6,6 +6,7 @@
 #include <limits>
 #include <optional>
 
+#include "text/Case.h"
 #include "text/Decimal.h"
 #include "text/RuntimeError.h"
 
@@ -18,11 +19,6 @@ bool IsDigit(char c) {
 
 bool IsBlank(char c) {
   return c == ' ' || c == '\t';
-}
-
-bool SameWord(std::string_view text, std::string_view lowerWord) {
-  return std::equal(text.begin(), text.end(), lowerWord.begin(), lowerWord.end(),
-                    [](char a, char b) { return (a >= 'A' && a <= 'Z' ? static_cast<char>(a + 32) : a) == b; });
 }
 
 std::string PlainText(const Decimal& number) {
@@ -257,8 +253,8 @@ std::int32_t ToInt32(std::string_view text) {
 
 bool ToFlag(std::string_view text) {
   const std::string_view word = Trim(text);
-  if (SameWord(word, "true")) return true;
-  if (SameWord(word, "false")) return false;
+  if (SameIgnoringCase(word, "true")) return true;
+  if (SameIgnoringCase(word, "false")) return false;
   return ToDouble(word) != 0;
 }
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "text/Characters.h"
+
 namespace hylden {
 namespace {
 
@@ -20,7 +22,7 @@ std::string OneLine(const std::string& field) {
 std::string Quoted(std::string_view line) {
   constexpr std::size_t kShown = 60;
   std::size_t end = std::min(line.size(), kShown);
-  while (end < line.size() && end > 0 && (static_cast<unsigned char>(line[end]) & 0xC0) == 0x80) --end;
+  while (end < line.size() && end > 0 && ContinuesCharacter(line[end])) --end;
   std::string shown(line.substr(0, end));
   std::replace_if(
       shown.begin(), shown.end(), [](unsigned char c) { return c < ' '; }, ' ');

@@ -89,9 +89,9 @@ void LoadRecord(const std::string& path, Record& record) {
 
 /// The record as its file holds it.
 template <class Record>
-std::string RecordText(const Record& record, bool trailingBlank = false) {
+std::string RecordText(Record record, bool trailingBlank = false) {
   RecordWriter writer(trailingBlank);
-  Fields(writer, const_cast<Record&>(record));
+  Fields(writer, record);
   return writer.Content();
 }
 
@@ -99,12 +99,6 @@ std::string RecordText(const Record& record, bool trailingBlank = false) {
 template <class Record>
 void SaveRecord(const std::string& path, const Record& record, bool trailingBlank = false) {
   ReplaceFile(path, RecordText(record, trailingBlank));
-}
-
-/// Equality of every field, as the file would show it.
-template <class Record>
-bool SameRecord(const Record& a, const Record& b) {
-  return RecordText(a) == RecordText(b);
 }
 
 }  // namespace hylden

@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <memory>
 
+#include "text/Encoding.h"
+#include "text/ExistingPath.h"
 #include "text/Leftovers.h"
 #include "text/RuntimeError.h"
 
@@ -165,13 +167,6 @@ std::string_view LineReader::NextLine() {
   const bool pair = text_.compare(end, 2, "\r\n") == 0;
   position_ = end + (pair ? 2 : 1);
   return line;
-}
-
-std::vector<std::string> ReadLines(const std::string& path) {
-  LineReader reader(ReadTextFile(path));
-  std::vector<std::string> lines;
-  while (!reader.AtEnd()) lines.push_back(reader.ReadLine());
-  return lines;
 }
 
 std::string SavePath(const std::string& path) {

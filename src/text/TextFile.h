@@ -8,13 +8,6 @@
 
 namespace hylden {
 
-/// Bytes of a file or of an instrument as UTF-8: valid UTF-8 stays (without its byte-order mark), anything else is read
-/// as Windows-1252. Every byte value has a character, so nothing is lost.
-std::string DecodeText(std::string_view bytes);
-
-/// UTF-8 as Windows-1252 bytes; a character outside that code page becomes "?".
-std::string EncodeWindows1252(std::string_view utf8);
-
 /// The file's bytes. The path falls back to a match without regard to case (see ExistingPath).
 /// @throws RuntimeError FileNotFound, PathNotFound, DeviceIoError (a read that fails), PathFileAccessError (a
 /// directory, a pipe, a device, no permission, more than 256 MiB)
@@ -39,9 +32,6 @@ class LineReader {
   std::string text_;
   std::size_t position_ = 0;
 };
-
-/// All lines of a file, in order. @throws RuntimeError as ReadTextFile
-std::vector<std::string> ReadLines(const std::string& path);
 
 /// A file's new content, written beside it and not yet in its place: when several files belong together, each is
 /// written before the first is replaced; without Place the old file stays as it is. A symbolic link keeps pointing at
@@ -78,20 +68,5 @@ void ReplaceFile(const std::string& path, std::string_view content);
 
 /// Lines joined, each ended by CR LF.
 std::string JoinLines(const std::vector<std::string>& lines);
-
-/// The path as it exists on this machine: unchanged when it exists; otherwise, with "\" taken as separator too, a match
-/// without regard to case; unchanged again when there is none.
-std::string ExistingPath(const std::string& path);
-
-/// Where a file is that another file names. A relative name that leads nowhere from the working directory is looked for
-/// beside the file that names it. @return the name itself where it exists, or is found in neither place
-std::string PathNamedIn(const std::string& namingFile, const std::string& name);
-
-/// The path from the root of the machine, with "/" between its parts where it was relative: such a one begins in the
-/// working directory.
-std::string FullPath(const std::string& path);
-
-/// The directory of a path, with the separator at its end; empty when the path has none.
-std::string DirectoryOf(const std::string& path);
 
 }  // namespace hylden

@@ -16,6 +16,7 @@
 #include "documents/TestDefinition.h"
 #include "platform/console/ConsoleClock.h"
 #include "platform/native/SingleInstance.h"
+#include "support/ReadLines.h"
 #include "support/TempDir.h"
 #include "text/RecordFile.h"
 

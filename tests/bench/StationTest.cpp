@@ -12,6 +12,7 @@
 #include "documents/EquipRecord.h"
 #include "documents/TestDefinition.h"
 #include "measure/InterpClass.h"
+#include "support/ReadLines.h"
 #include "text/Numbers.h"
 #include "text/RecordFile.h"
 

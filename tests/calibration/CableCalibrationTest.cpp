@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "calibration/CalibrationRig.h"
+#include "calibration/InsertionLossText.h"
 #include "measure/InterpClass.h"
+#include "support/ReadLines.h"
 #include "support/Refusals.h"
 #include "text/TextFile.h"
 

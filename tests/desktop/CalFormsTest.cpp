@@ -11,6 +11,7 @@
 #include "calibration/qt/frmRunCal.h"
 #include "desktop/RunForms.h"
 #include "documents/qt/frmCalSetup.h"
+#include "support/ReadLines.h"
 #include "text/RecordFile.h"
 #include "text/TextFile.h"
 

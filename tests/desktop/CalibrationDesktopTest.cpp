@@ -15,6 +15,7 @@
 #include "documents/qt/frmEquipment.h"
 #include "shell/qt/TopMenu.h"
 #include "shell/qt/frmHelp.h"
+#include "support/ReadLines.h"
 #include "text/TextFile.h"
 
 namespace hylden {

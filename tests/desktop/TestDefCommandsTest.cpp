@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "desktop/TestDefForm.h"
+#include "support/SameRecord.h"
 
 namespace hylden {
 namespace {

@@ -1,4 +1,5 @@
 #include "desktop/TestDefForm.h"
+#include "support/SameRecord.h"
 
 namespace hylden {
 namespace {

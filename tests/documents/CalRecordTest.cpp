@@ -7,6 +7,7 @@
 #include "documents/SaveCal.h"
 #include "documents/clsCalFile.h"
 #include "support/FieldChanger.h"
+#include "support/SameRecord.h"
 #include "support/TestShell.h"
 #include "text/RecordFile.h"
 

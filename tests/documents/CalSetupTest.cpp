@@ -5,7 +5,9 @@
 #include <functional>
 
 #include "documents/RoundTrip.h"
+#include "support/ReadLines.h"
 #include "support/Refusals.h"
+#include "support/SameRecord.h"
 #include "support/TestShell.h"
 #include "text/TextFile.h"
 

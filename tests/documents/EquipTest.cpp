@@ -6,6 +6,7 @@
 #include "documents/RoundTrip.h"
 #include "documents/TestSetup.h"
 #include "instruments/Instruments.h"
+#include "support/SameRecord.h"
 #include "support/TestShell.h"
 
 namespace hylden {

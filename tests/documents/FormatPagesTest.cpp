@@ -13,6 +13,7 @@
 #include "instruments/SigGenDefinition.h"
 #include "measure/InterpClass.h"
 #include "measure/ReadFreq.h"
+#include "support/ReadLines.h"
 #include "text/RecordFile.h"
 #include "text/TextFile.h"
 

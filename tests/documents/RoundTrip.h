@@ -6,6 +6,7 @@
 #include <string>
 
 #include "support/FieldChanger.h"
+#include "support/SameRecord.h"
 #include "support/TempDir.h"
 #include "text/RecordFile.h"
 

@@ -5,7 +5,9 @@
 #include <filesystem>
 
 #include "documents/RoundTrip.h"
+#include "support/ReadLines.h"
 #include "support/TestShell.h"
+#include "text/ExistingPath.h"
 
 namespace hylden {
 namespace {

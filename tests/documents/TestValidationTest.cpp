@@ -6,6 +6,7 @@
 #include "documents/CalSetup.h"
 #include "documents/TestSetup.h"
 #include "support/Refusals.h"
+#include "support/SameRecord.h"
 #include "text/RecordFile.h"
 
 namespace hylden {

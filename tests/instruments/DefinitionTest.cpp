@@ -1,5 +1,6 @@
 #include "instruments/DefinitionListing.h"
 #include "support/FieldChanger.h"
+#include "support/SameRecord.h"
 #include "support/TestStation.h"
 #include "text/RecordFile.h"
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/ErrorOf.h"
+#include "support/SameRecord.h"
 #include "support/TempDir.h"
 
 namespace hylden {

@@ -1,3 +1,6 @@
+#include "support/ReadLines.h"
+#include "text/Encoding.h"
+#include "text/ExistingPath.h"
 #include "text/TextFile.h"
 
 #include <gtest/gtest.h>

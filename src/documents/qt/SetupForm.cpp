@@ -9,7 +9,7 @@
 #include "platform/qt/CommandWindow.h"
 #include "platform/qt/QtText.h"
 #include "shell/Shell.h"
-#include "text/TextFile.h"
+#include "text/ExistingPath.h"
 #include "widgets/FileDrop.h"
 #include "widgets/RecentFilesMenu.h"
 

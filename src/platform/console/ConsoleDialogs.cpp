@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "platform/console/ConsoleEventLoop.h"
+#include "text/Case.h"
 #include "text/Numbers.h"
 
 namespace hylden {
@@ -57,7 +58,7 @@ std::optional<MessageAnswer> Chosen(const std::vector<Button>& buttons, std::str
     return std::nullopt;
   }
   if (word.front() == '\x1b') return buttons.back().answer;
-  const char letter = word.front() >= 'A' && word.front() <= 'Z' ? static_cast<char>(word.front() + 32) : word.front();
+  const char letter = LowerCase(word.front());
   const auto button = std::find_if(buttons.begin(), buttons.end(), [&](const Button& b) { return b.letter == letter; });
   if (button == buttons.end()) return std::nullopt;
   return button->answer;

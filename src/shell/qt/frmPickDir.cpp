@@ -8,7 +8,7 @@
 #include "platform/qt/QtText.h"
 #include "shell/FitsSettings.h"
 #include "shell/Shell.h"
-#include "text/TextFile.h"
+#include "text/ExistingPath.h"
 #include "ui_frmPickDir.h"
 #include "widgets/PathLabel.h"
 
