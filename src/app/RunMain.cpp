@@ -75,7 +75,8 @@ int main(int argc, char** argv) {
   AddJobs(app, options);
   app.add_option("--output", options.OutputFile,
                  "File for what is recorded: run data (.run), a calibration record (.cal), an insertion loss (.los)")
-      ->required();
+      ->required()
+      ->check([](const std::string& name) { return name.empty() ? "the file has no name" : std::string(); });
   app.add_option("--coupling-factor", options.CouplingFactor,
                  "Coupling factor for a setup with the user-defined method, in place of the setup's own; "
                  "needed where that is 0")
