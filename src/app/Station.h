@@ -17,6 +17,8 @@ class Station {
   /// @param bench  the simulated bench when it stands for the machine's bus; must outlive the station
   explicit Station(Shell& theShell, Bench* theBench = nullptr)
       : shell(theShell), instruments(shell), documents(shell, instruments), bench(theBench) {}
+  Station(const Station&) = delete;
+  Station& operator=(const Station&) = delete;
 
   /// Makes the equipment file the current one. @return false after a message
   bool LoadEquipment(const std::string& path);

@@ -1,7 +1,5 @@
 #include "bench/Bench.h"
 
-#include <algorithm>
-
 namespace hylden {
 
 Bench::Bench(const Clock& clock, BenchConfig config) : config_(std::move(config)), world_(clock, config_), bus_(clock) {
@@ -58,13 +56,7 @@ void Bench::SetAmplifierProtection(bool on) {
   world_.SetCabling(cabling);
 }
 
-void Bench::ResetMaxima() {
-  maxLevelDbuv_ = kNoValue;
-  if (State().Generator.RfOn) Observe(State());
-}
-
 void Bench::Observe(const BenchState& state) {
-  if (state.Generator.RfOn) maxLevelDbuv_ = std::max(maxLevelDbuv_, state.TestLevelDbuv);
   if (state.ProductDisturbed) lastDisturbance_ = {state.Generator.FreqMHz, state.PeakTestLevelDbuv};
   for (const auto& listener : listeners_) listener(state);
 }

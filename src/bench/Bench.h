@@ -53,10 +53,6 @@ class Bench {
   const BenchState& State() const { return world_.State(); }
   /// Called after every change of the generator's output, the amplifier or the cabling; the former ones stay.
   void OnChange(std::function<void(const BenchState&)> listener) { listeners_.push_back(std::move(listener)); }
-  /// The highest carrier test level, dBuV, since the bench was built or the last reset; kNoValue when RF was never on.
-  /// A level that stood for no time at all counts too.
-  double MaxProductLevelWhileRfOn() const { return maxLevelDbuv_; }
-  void ResetMaxima();
   bool ProductDisturbed() const { return State().ProductDisturbed; }
   /// Where the product was disturbed last.
   struct Disturbance {
@@ -87,7 +83,6 @@ class Bench {
   std::unique_ptr<VirtualIfiHigh> ifiHigh_;
   std::vector<std::function<void(const BenchState&)>> listeners_;
   std::optional<Disturbance> lastDisturbance_;
-  double maxLevelDbuv_ = kNoValue;
 };
 
 }  // namespace hylden

@@ -277,6 +277,25 @@ class Reader {
 
 }  // namespace
 
+BenchConfig::BenchConfig()
+    : DriveCable{{0.01, 0.02}, {1, 0.1}, {10, 0.22}, {100, 0.6}, {400, 1.1}, {1000, 1.7}},
+      AmplifierGain{{0.01, 40},  {0.15, 44.2}, {1, 45.6}, {10, 46}, {60, 45.2},
+                    {120, 44.6}, {230, 44},    {400, 42}, {600, 20}},
+      IfiLowGain{{0.01, 42}, {0.15, 46}, {1, 47}, {50, 47.5}, {150, 46.5}, {230, 45}, {260, 40}, {320, 0}},
+      IfiHighGain{{150, 0}, {185, 40}, {200, 44.5}, {230, 45}, {400, 46}, {1000, 43}},
+      ForwardCoupling{{0.01, 40.6}, {0.15, 40.4}, {1, 40.2}, {30, 40}, {100, 39.8}, {230, 39.6}, {1000, 39.3}},
+      ReverseCoupling{{0.01, 40.7}, {0.15, 40.5}, {1, 40.2}, {30, 40.1}, {100, 39.9}, {230, 39.7}, {1000, 39.5}},
+      CouplingLoss{{0.01, 12}, {0.15, 10.2}, {0.5, 9.6}, {5, 9.4},    {26, 9.3},
+                   {60, 9.8},  {80, 10.1},   {120, 9.2}, {180, 10.3}, {230, 10.5}},
+      Cable{{0.01, 0.02}, {0.15, 0.04}, {1, 0.1},    {3, 0.15},  {10, 0.26},
+            {30, 0.44},   {100, 0.8},   {230, 1.21}, {400, 1.6}, {1000, 2.53}},
+      CableUnderTest(Cable),
+      Probe{{0.01, 34}, {0.15, 19}, {0.5, 11}, {1, 7}, {3, 3}, {10, 1}, {30, 0.5}, {100, 0}, {230, 0.8}, {400, 2}},
+      ProductOhm{{0.01, 1500}, {0.15, 1100}, {0.5, 600}, {1.5, 300}, {5, 160},  {10, 90},   {12.5, 30},
+                 {16, 320},    {18, 900},    {21, 250},  {27, 45},   {36, 400}, {45, 1500}, {54, 300},
+                 {68, 40},     {82, 220},    {100, 520}, {125, 140}, {150, 60}, {180, 480}, {230, 120}},
+      Susceptibility{{0.01, 165}, {10, 160}, {12.5, 138}, {15, 160}, {60, 160}, {68, 142}, {76, 160}, {230, 165}} {}
+
 BenchFile ParseBenchFile(std::string_view text) {
   BenchFile file;
   Reader reader(file.Config);
@@ -304,12 +323,12 @@ BenchFile LoadBenchFile(const std::string& path) {
   }
 }
 
-std::string BenchFileText(const BenchConfig& config) {
+std::string BenchFileText(BenchConfig config) {
   Listing listing;
   listing.lines = {
       "# The simulated bench. A line is a comment, key = value, or [table] with lines of MHz and value below it.",
       "# A key or a table that is left out keeps its default.", ""};
-  Keys(listing, const_cast<BenchConfig&>(config));
+  Keys(listing, config);
   for (const BenchFault& fault : config.Faults) {
     std::string line = std::string("fault = ") + kFaults[static_cast<int>(fault.Kind)] + " " +
                        kRoles[static_cast<int>(fault.Who)] + " " + std::to_string(fault.Call);

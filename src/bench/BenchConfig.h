@@ -71,6 +71,6 @@ BenchFile ParseBenchFile(std::string_view text);
 /// The file's configuration; a file that can't be read is an error too.
 BenchFile LoadBenchFile(const std::string& path);
 /// The whole configuration as a commented bench file, lines ended by CR LF.
-std::string BenchFileText(const BenchConfig& config);
+std::string BenchFileText(BenchConfig config);
 
 }  // namespace hylden

@@ -77,10 +77,6 @@ double InducedCurrent(double testLevelDbuv, double sourceOhm, double productOhm)
   return testLevelDbuv - VoltageDb(sourceOhm + productOhm);
 }
 
-double CalibratedLevel(double meterDbuv, double cableDb, double couplingFactorDb) {
-  return meterDbuv + cableDb + couplingFactorDb;
-}
-
 double RfPath::GainDb(double freqMHz, Amplifier amplifier) const {
   switch (amplifier) {
     case Amplifier::Generic:

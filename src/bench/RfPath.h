@@ -53,9 +53,6 @@ double ReturnLossDb(double loadOhm, double sourceOhm, double padDb);
 /// dBuA.
 double InducedCurrent(double testLevelDbuv, double sourceOhm, double productOhm);
 
-/// The level at the coupling device as a level calibration computes it: reading + cable loss + coupling factor, dBuV.
-double CalibratedLevel(double meterDbuv, double cableDb, double couplingFactorDb);
-
 /// Which amplifier carries the signal. With an IFI pair of which no band is selected it is None: only leakage passes.
 enum class Amplifier : int { Generic, IfiLow, IfiHigh, None };
 

@@ -28,11 +28,6 @@ void VirtualBus::Attach(int address, VirtualInstrument& instrument) {
   if (Device* device = At(address)) device->Instruments.push_back(&instrument);
 }
 
-void VirtualBus::ClearFaults() {
-  faults_.clear();
-  for (Device& device : devices_) device.Absent = false;
-}
-
 bool VirtualBus::Listens(int address) const {
   const Device* const device = At(address);
   return device && !device->Instruments.empty() && !device->Absent;

@@ -27,7 +27,6 @@ class VirtualBus : public GpibDriver {
   /// Puts an instrument at an address, 0 to 30; several there are one device with several command sets.
   void Attach(int address, VirtualInstrument& instrument);
   void Inject(const BenchFault& fault) { faults_.push_back({fault, fault.Call}); }
-  void ClearFaults();
 
   /// A message that no instrument at its address understood.
   struct UnknownCommand {

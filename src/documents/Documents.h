@@ -11,6 +11,8 @@ namespace hylden {
 struct Documents {
   Documents(Shell& shell, const Instruments& instruments)
       : equip(shell, instruments), calSetup(shell), calInfo(shell), testSetup(shell, calInfo) {}
+  Documents(const Documents&) = delete;
+  Documents& operator=(const Documents&) = delete;
 
   Equip equip;
   CalSetup calSetup;

@@ -18,6 +18,8 @@ struct Instruments {
         meter(shell, gpib, parser),
         pm(shell, gpib, parser),
         ifiAmp(shell, gpib, sigGen) {}
+  Instruments(const Instruments&) = delete;
+  Instruments& operator=(const Instruments&) = delete;
 
   Gpib gpib;
   ResponseParser parser;

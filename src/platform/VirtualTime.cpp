@@ -15,7 +15,7 @@ constexpr std::int64_t kDayMs = 24 * 60 * 60 * 1000;
 VirtualClock::VirtualClock(LocalTime start) : start_(start) {}
 
 std::int64_t VirtualClock::Milliseconds() const {
-  return ((start_.hour * 60LL + start_.minute) * 60LL + start_.second) * 1000LL + tickMs_ - kStartTickMs;
+  return ((start_.hour * 60LL + start_.minute) * 60LL + start_.second) * 1000LL + elapsedMs_;
 }
 
 double VirtualClock::SecondsSinceMidnight() const {

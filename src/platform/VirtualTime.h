@@ -16,10 +16,10 @@ class VirtualClock : public Clock {
   /// Starts at the wall clock's time. The waits of a run pass at once, yet what is written down carries the real date
   /// and time: Now is the wall clock's, which must outlive this one.
   explicit VirtualClock(const Clock& wall) : VirtualClock(wall.Now()) { wall_ = &wall; }
-  std::int64_t TickMs() const override { return tickMs_; }
+  std::int64_t TickMs() const override { return kStartTickMs + elapsedMs_; }
   double SecondsSinceMidnight() const override;
   LocalTime Now() const override;
-  void Advance(std::int64_t milliseconds) { tickMs_ += milliseconds; }
+  void Advance(std::int64_t milliseconds) { elapsedMs_ += milliseconds; }
 
  private:
   static constexpr std::int64_t kStartTickMs = 1000;
@@ -29,7 +29,7 @@ class VirtualClock : public Clock {
 
   LocalTime start_;
   const Clock* wall_ = nullptr;
-  std::int64_t tickMs_ = kStartTickMs;
+  std::int64_t elapsedMs_ = 0;
 };
 
 /// Waits without waiting: Yield moves the clock to the caller's deadline, or to the next timer due before it, and runs

@@ -1,5 +1,7 @@
 #include "shell/FormInput.h"
 
+#include <algorithm>
+
 #include "text/Numbers.h"
 
 namespace hylden {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <string>
 
 namespace hylden {
@@ -14,12 +13,5 @@ std::string FileNameOnly(const std::string& path);
 
 /// Whether two texts of a box stand for the same value: "80" and "80.0" do.
 bool SameEntry(const std::string& a, const std::string& b);
-
-constexpr double MaxOf(double a, double b) {
-  return std::max(a, b);
-}
-constexpr double MinOf(double a, double b) {
-  return std::min(a, b);
-}
 
 }  // namespace hylden

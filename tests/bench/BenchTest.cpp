@@ -23,18 +23,6 @@ TEST(Bench, TellsOfEveryChangeAndOfNothingElse) {
   EXPECT_FALSE(seen[4].Generator.RfOn);
 }
 
-TEST(Bench, RemembersTheHighestLevelAtTheProductWhileRfWasOn) {
-  BenchRig rig;
-  rig.Send(18, "FR 10.0 MZ"), rig.Send(18, "AP 13.0 DM");
-  EXPECT_TRUE(IsMissing(rig.bench.MaxProductLevelWhileRfOn())) << "a level without RF is none";
-  rig.Send(18, "AP -30.0 DM"), rig.Send(18, "R1");
-  rig.Send(18, "AP -20.0 DM"), rig.Send(18, "AP -30.0 DM");
-  const double highest = rig.bench.Path().CalibrationPort(10, -20).TestLevelDbuv;
-  EXPECT_NEAR(rig.bench.MaxProductLevelWhileRfOn(), highest, 1e-9) << "even a level that stood for no time";
-  rig.bench.ResetMaxima();
-  EXPECT_LT(rig.bench.MaxProductLevelWhileRfOn(), highest - 9);
-}
-
 TEST(Bench, TheProductIsDisturbedByThePeakOfTheTestLevel) {
   BenchConfig config = Noiseless();
   config.Susceptibility = FrequencyTable{{1, 140}};

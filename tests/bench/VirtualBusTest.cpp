@@ -120,8 +120,6 @@ TEST(Fault, AnInstrumentThatDropsOffTheBusStaysAway) {
   EXPECT_FALSE(rig.Send(18, "R0"));
   EXPECT_EQ(rig.cells.error, gpib::kEnol);
   EXPECT_FALSE(rig.Send(18, "R0"));
-  rig.bench.Bus().ClearFaults();
-  EXPECT_TRUE(rig.Send(18, "R0"));
 }
 
 TEST(Fault, ProtectionTakesTwentyDbOffTheGain) {

@@ -65,7 +65,7 @@ TEST(VirtualSigGen, WithoutAnRfOnCommandItsOutputIsAlwaysOnAtTheMinimumLevel) {
   BenchRig rig(station);
   EXPECT_TRUE(Output(rig).RfOn);
   EXPECT_EQ(Output(rig).LevelDbm, -140);
-  EXPECT_LT(rig.bench.MaxProductLevelWhileRfOn(), 20);
+  EXPECT_LT(rig.bench.State().TestLevelDbuv, 20);
 }
 
 TEST(VirtualSigGen, AmOfDepthZeroIsNoModulationInThePhysics) {
