@@ -5,9 +5,19 @@ file(GLOB_RECURSE desktopSources CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR
   ${PROJECT_SOURCE_DIR}/src/*.cpp ${PROJECT_SOURCE_DIR}/src/*.h ${PROJECT_SOURCE_DIR}/src/*.ui)
 list(FILTER desktopSources INCLUDE REGEX "^src/([a-z]+/qt|widgets)/")
 list(TRANSFORM desktopSources PREPEND ${PROJECT_SOURCE_DIR}/)
-add_library(hylden_desktop STATIC ${desktopSources})
-# The list of sources is a dependency of its own: a form that is added later is seen by the next build.
-set_target_properties(hylden_desktop PROPERTIES AUTOMOC ON AUTOUIC ON
+# Each form's header has a rule of its own: AUTOUIC writes it elsewhere than it tells the build, which then compiles
+# a changed form only the next time.
+set(forms ${desktopSources})
+list(FILTER forms INCLUDE REGEX "[.]ui$")
+list(FILTER desktopSources EXCLUDE REGEX "[.]ui$")
+qt_wrap_ui(formHeaders ${forms})
+# Those of an older build tree would be found first.
+file(GLOB former ${CMAKE_CURRENT_BINARY_DIR}/hylden_desktop_autogen/include/ui_*.h)
+file(REMOVE ${former})
+add_library(hylden_desktop STATIC ${desktopSources} ${formHeaders})
+target_include_directories(hylden_desktop PRIVATE ${CMAKE_CURRENT_BINARY_DIR})
+# The list of sources is a dependency of its own: a class that is added later is seen by the next build.
+set_target_properties(hylden_desktop PROPERTIES AUTOMOC ON
   AUTOGEN_TARGET_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/hylden_desktop_autogen.dir/AutogenInfo.json)
 target_link_libraries(hylden_desktop PUBLIC hylden_core Qt6::Widgets Qt6::PrintSupport)
 target_precompile_headers(hylden_desktop PRIVATE <QtWidgets>)
