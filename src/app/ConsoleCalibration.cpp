@@ -10,7 +10,7 @@ namespace hylden {
 namespace {
 
 /// Takes the user-defined coupling factor that was given over the setup's own. @return false after a message
-bool TakeFactor(ConsoleStation& station, CalSetupEntries& entries) {
+bool TakeFactor(ConsoleStation& station, FormEntries& entries) {
   const CalSetupRecord& setup = station.TheDocuments().calSetup.Record;
   const std::string& factor = station.Options().CouplingFactor;
   if (factor.empty() && setup.HasOwnFactor() && setup.UserDefinedFactor == 0) {
@@ -22,18 +22,17 @@ bool TakeFactor(ConsoleStation& station, CalSetupEntries& entries) {
     station.Tell("The setup's coupling method is not the user-defined one: it has its own factor.");
     return false;
   }
-  if (!factor.empty()) entries.UserDefCF = factor;
+  if (!factor.empty()) entries["txtUserDefCF"] = factor;
   return true;
 }
 
 /// What the form would refuse is refused.
 bool Validate(ConsoleStation& station) {
   CalSetup& setup = station.TheDocuments().calSetup;
-  CalSetupEntries entries;
-  const std::vector<std::string> messages = setup.SetupToForm(entries);
-  for (const std::string& message : messages) station.Tell(message);
-  if (!messages.empty() || !TakeFactor(station, entries)) return false;
-  if (const auto failure = setup.FormToSetup(entries, true)) {
+  CalSetupShown shown = EntriesOf(setup.Record);
+  for (const std::string& message : shown.Messages) station.Tell(message);
+  if (!shown.Messages.empty() || !TakeFactor(station, shown.Entries)) return false;
+  if (const auto failure = setup.FormToSetup(shown.Entries, true)) {
     if (failure->Control == "txtUserDefCF" && !station.Options().CouplingFactor.empty())
       station.Tell("--coupling-factor: the value is not a number, or outside its range");
     else

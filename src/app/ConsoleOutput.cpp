@@ -48,7 +48,7 @@ std::vector<std::string> FilesOfTheRun(const RunOptions& options, const Document
       Append(files, {options.SetupFile, setup.ListFile, setup.LimitFile, e.CableLossFile});
       break;
     case RunOptions::Job::CableLoss:  // it makes the station's cable loss table afresh
-      Append(files, {options.Cable.ListFile});
+      Append(files, {options.Cable["lblListFile"]});
       break;
   }
   Append(files, {programDirectory + "/Hylden.ini", "runlog.hyl"});

@@ -14,10 +14,10 @@ struct RunOptions {
 
   Job What = Job::Test;
   std::string EquipmentFile, OutputFile;
-  std::string TestFile;        ///< of a test
-  std::string SetupFile;       ///< of a level calibration
-  std::string CouplingFactor;  ///< of its user-defined coupling method, dB; empty: none given
-  CableSetupEntries Cable;     ///< of an insertion-loss calibration
+  std::string TestFile;                         ///< of a test
+  std::string SetupFile;                        ///< of a level calibration
+  std::string CouplingFactor;                   ///< of its user-defined coupling method, dB; empty: none given
+  FormEntries Cable = EntriesOf(CableSetup());  ///< of an insertion-loss calibration
   bool UseBench = false;
   std::string BenchFile;  ///< empty: the bench's ordinary values
   bool VirtualTime = false;

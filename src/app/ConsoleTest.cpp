@@ -12,7 +12,7 @@ namespace {
 bool Validate(ConsoleStation& station) {
   Documents& documents = station.TheDocuments();
   TestDefinition& test = documents.testSetup.Definition;
-  TestDefinitionEntries entries = EntriesOf(test);
+  FormEntries entries = EntriesShowing(test);
   const TestValidation validation = ValidateTestDefinition(entries, documents.calInfo.Record.FreqRange, test);
   for (const std::string& notice : validation.Notices) station.Tell(notice);
   if (validation.Failure) {

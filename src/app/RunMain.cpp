@@ -22,18 +22,20 @@ void AddJobs(CLI::App& app, RunOptions& options) {
 
 void AddCableOptions(CLI::App& app, RunOptions& options) {
   CLI::Option_group* const group = app.add_option_group("Cable loss", "How a cable insertion-loss calibration is run");
-  hylden::CableSetupEntries& cable = options.Cable;
+  hylden::FormEntries& cable = options.Cable;
   CLI::Option* const job = app.get_option("--cable-loss");
   const auto add = [&](const char* name, std::string& entry, const char* unit, const char* help) {
     return group->add_option(name, entry, help)->needs(job)->type_name(unit);
   };
-  job->needs(add("--start", cable.StartFreq, "MHZ", "Lowest frequency"));
-  job->needs(add("--stop", cable.StopFreq, "MHZ", "Highest frequency"));
-  auto* const logStep = add("--log-step", cable.LogStep, "PERCENT", "Step as a part of the frequency (default 1)");
-  auto* const linearStep = add("--linear-step", cable.LinearStep, "MHZ", "Step that stays the same")->excludes(logStep);
-  add("--list", cable.ListFile, "FILE", "Frequency list (.lst) in place of steps")->excludes(logStep, linearStep);
-  add("--level", cable.Level, "DBM", "Generator level (default -60)");
-  add("--dwell", cable.Dwell, "SECONDS", "Wait before each reading (default 1)");
+  job->needs(add("--start", cable["txtStartFreq"], "MHZ", "Lowest frequency"));
+  job->needs(add("--stop", cable["txtStopFreq"], "MHZ", "Highest frequency"));
+  auto* const logStep =
+      add("--log-step", cable["txtLogStep"], "PERCENT", "Step as a part of the frequency (default 1)");
+  auto* const linearStep =
+      add("--linear-step", cable["txtLinearStep"], "MHZ", "Step that stays the same")->excludes(logStep);
+  add("--list", cable["lblListFile"], "FILE", "Frequency list (.lst) in place of steps")->excludes(logStep, linearStep);
+  add("--level", cable["txtLev"], "DBM", "Generator level (default -60)");
+  add("--dwell", cable["txtDwell"], "SECONDS", "Wait before each reading (default 1)");
 }
 
 void AddBenchOptions(CLI::App& app, RunOptions& options) {
@@ -50,7 +52,9 @@ void TakeChoices(const CLI::App& app, RunOptions& options) {
   const StepType steps = app.count("--list") > 0          ? StepType::List
                          : app.count("--linear-step") > 0 ? StepType::Linear
                                                           : StepType::Log;
-  options.Cable.StepType = static_cast<std::int32_t>(steps);
+  options.Cable.Tick("optLinStep", steps == StepType::Linear);
+  options.Cable.Tick("optLogStep", steps == StepType::Log);
+  options.Cable.Tick("optListStep", steps == StepType::List);
   options.UseBench = app.count("--bench") > 0;
 }
 

@@ -5,82 +5,15 @@
 #include "measure/ReadFreq.h"
 #include "shell/Shell.h"
 #include "text/Numbers.h"
-#include "text/Pattern.h"
 #include "text/RecordFile.h"
 
 namespace hylden {
 namespace {
 
 constexpr double kOpeningStartMHz = 0.15, kOpeningStopMHz = 80;
-
-/// Takes a code over where an option stands for it; otherwise the choice stays, with a message.
-void ShowChoice(std::int32_t code, std::int32_t highest, std::int32_t& choice, const char* what,
-                std::vector<std::string>& messages) {
-  if (code >= 0 && code <= highest)
-    choice = code;
-  else
-    messages.push_back(std::string("Error in Calsetup file, \r\nBad value for ") + what);
-}
+constexpr float kOpeningLevelDbm = -60;
 
 }  // namespace
-
-CalSetupShown EntriesOf(const CalSetupRecord& setup, const CalSetupEntries& shown) {
-  CalSetupShown result{shown, {}};
-  CalSetupEntries& entries = result.Entries;
-  entries.StartFreq = ShortestText(setup.StartFreq);
-  entries.StopFreq = ShortestText(setup.StopFreq);
-  entries.LinearStep = ShortestText(setup.LinearStep);
-  entries.LogStep = ShortestText(setup.LogStep);
-  entries.ListFile = setup.ListFile;
-  entries.CalLevel = ShortestText(setup.CalLevel);
-  entries.LimitFile = setup.LimitFile;
-  entries.MaxLevel = ShortestText(setup.MaxLevel);
-  entries.MaxStep = ShortestText(setup.MaxStep);
-  entries.InitLevel = ShortestText(setup.InitLevel);
-  entries.RecordFwdPwr = setup.RecordsForward();
-  entries.RecordRevPwr = setup.RecordsReverse();
-  entries.LimitFwdPwr = setup.LimitsForward();
-  entries.FwdPwrLimit = ShortestText(setup.FwdPwrLimit);
-  entries.FinalDwell = Format(setup.Dwell, "#0.0##");
-  entries.DeviceDescription = setup.DeviceDescription;
-  entries.AmpUsed = setup.AmpUsed;
-  entries.SetupDescription = setup.SetupDescription;
-  entries.UserDefCF = ShortestText(setup.UserDefinedFactor);
-  ShowChoice(setup.StepType, static_cast<int>(StepType::List), entries.StepType, "frequency step type",
-             result.Messages);
-  ShowChoice(setup.LimitType, static_cast<int>(LimitType::File), entries.LimitType, "limit type", result.Messages);
-  ShowChoice(setup.CouplingMethod, static_cast<int>(CouplingMethod::UserDefined), entries.CouplingMethod,
-             "coupling method", result.Messages);
-  return result;
-}
-
-EnabledCalControls EnabledControlsFor(const CalSetupEntries& entries) {
-  EnabledCalControls enabled;
-  enabled.LinearStep = entries.StepType == static_cast<int>(StepType::Linear);
-  enabled.LogStep = entries.StepType == static_cast<int>(StepType::Log);
-  enabled.ListFile = entries.StepType == static_cast<int>(StepType::List);
-  enabled.CalLevel = entries.LimitType == static_cast<int>(LimitType::Flat);
-  enabled.LimitFile = entries.LimitType == static_cast<int>(LimitType::File);
-  enabled.FwdPwrLimit = entries.LimitFwdPwr;
-  enabled.UserDefCF = entries.CouplingMethod == static_cast<int>(CouplingMethod::UserDefined);
-  return enabled;
-}
-
-void LimitFwdPwrClicked(CalSetupEntries& entries) {
-  if (entries.LimitFwdPwr) entries.RecordFwdPwr = true;
-}
-
-void RecordFwdPwrClicked(CalSetupEntries& entries) {
-  if (!entries.RecordFwdPwr) entries.RecordRevPwr = entries.LimitFwdPwr = false;
-}
-
-void RecordRevPwrClicked(CalSetupEntries& entries) {
-  if (entries.RecordRevPwr) entries.RecordFwdPwr = true;
-}
-
-void ListFileChanged(CalSetupEntries& entries) {
-  entries.StepType = static_cast<int>(StepType::List);
-}
 
 std::optional<StartFailure> CheckStation(const CalSetupRecord& setup, const EquipRecord& equipment) {
   constexpr int kInstrumentTab = 0, kFactorTab = 1;
@@ -177,24 +110,14 @@ bool CalSetup::LoadFreqList(const std::string& path) {
   return true;
 }
 
-void CalSetup::SetOpeningDefaults(const std::string& initialLevel, double meterSettling) {
+void CalSetup::SetOpeningDefaults(double meterSettling) {
   // No setup has a range of 0; 0 dBm and no dwell are settings like any other.
   const bool isNew = Record.StartFreq == 0 && Record.StopFreq == 0;
-  if (isNew && Record.InitLevel == 0) Record.InitLevel = static_cast<float>(LeadingNumber(initialLevel));
+  if (isNew && Record.InitLevel == 0) Record.InitLevel = kOpeningLevelDbm;
   if (isNew && Record.Dwell == 0) Record.Dwell = meterSettling;
   if (Record.StartFreq == 0) Record.StartFreq = kOpeningStartMHz;
   if (Record.StopFreq == 0) Record.StopFreq = kOpeningStopMHz;
   if (isNew) Saved = Record;
-}
-
-std::vector<std::string> CalSetup::SetupToForm(CalSetupEntries& entries) const {
-  CalSetupShown shown = EntriesOf(Record, entries);
-  entries = std::move(shown.Entries);
-  return std::move(shown.Messages);
-}
-
-std::optional<EntryFailure> CalSetup::FormToSetup(const CalSetupEntries& entries, bool validate) {
-  return ValidateCalSetup(entries, validate, Record);
 }
 
 }  // namespace hylden

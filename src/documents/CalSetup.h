@@ -7,63 +7,31 @@
 #include "documents/CalInfo.h"
 #include "documents/CalSetupRecord.h"
 #include "documents/Equip.h"
+#include "shell/FormFields.h"
 
 namespace hylden {
 
 class Shell;
 
-/// What the calibration setup form holds: the texts of its boxes, its ticks and choices.
-struct CalSetupEntries {
-  static constexpr std::int32_t kNoChoice = -1;
-
-  std::string StartFreq, StopFreq;
-  std::int32_t StepType = 0;  ///< code of the chosen option, or kNoChoice; so for the other two
-  std::string LinearStep, LogStep;
-  std::string ListFile;  ///< full path
-  std::int32_t LimitType = 0;
-  std::string CalLevel;
-  std::string LimitFile;  ///< full path
-  std::string MaxLevel, MaxStep;
-  std::string InitLevel = "-60";
-  bool RecordFwdPwr = false, RecordRevPwr = false, LimitFwdPwr = false;
-  std::string FwdPwrLimit = "25";
-  std::string FinalDwell;
-  std::string DeviceDescription, AmpUsed;
-  std::string SetupDescription = "default settings for 3v 150ohm CDN calibration";
-  std::int32_t CouplingMethod = 0;
-  std::string UserDefCF = "0";
-};
-
 /// The entries that show a setup, and a message for every code in it that no option stands for.
 /// @param shown  what is shown so far: its choice stays where the setup's code is none
 struct CalSetupShown {
-  CalSetupEntries Entries;
+  FormEntries Entries;
   std::vector<std::string> Messages;
 };
-CalSetupShown EntriesOf(const CalSetupRecord& setup, const CalSetupEntries& shown = {});
+CalSetupShown EntriesOf(const CalSetupRecord& setup, const FormEntries* shown = nullptr);
 
 /// Takes the entries into the setup in the form's order, each field as soon as it has passed.
 /// @param validate  stop at the first failure; otherwise nothing is checked, and what is no number is left out
 /// @return the failure; lblListFile and lblLimitFile stand for a file that has to be picked
-std::optional<EntryFailure> ValidateCalSetup(const CalSetupEntries& entries, bool validate, CalSetupRecord& setup);
+std::optional<EntryFailure> ValidateCalSetup(const FormEntries& entries, bool validate, CalSetupRecord& setup);
 
-/// Which controls of the calibration setup form can be used, given what is chosen.
-struct EnabledCalControls {
-  bool LinearStep = false, LogStep = false, ListFile = false;  ///< txtLinearStep, txtLogStep, lblListFile
-  bool CalLevel = false, LimitFile = false;                    ///< txtCalLevel, lblLimitFile
-  bool FwdPwrLimit = false;                                    ///< txtFwdPwrLimit
-  bool UserDefCF = false;                                      ///< txtUserDefCF
-  bool operator==(const EnabledCalControls&) const = default;
-};
-EnabledCalControls EnabledControlsFor(const CalSetupEntries& entries);
 /// After a click on chkLimitFwdPwr: a limit needs the forward power.
-void LimitFwdPwrClicked(CalSetupEntries& entries);
+void LimitFwdPwrClicked(FormEntries& entries);
 /// After a click on chkRecordFP: without forward power there is neither reverse power nor a limit.
-void RecordFwdPwrClicked(CalSetupEntries& entries);
+void RecordFwdPwrClicked(FormEntries& entries);
 /// After a click on chkRecordRP: reverse power needs the forward power.
-void RecordRevPwrClicked(CalSetupEntries& entries);
-/// After another list file: the list is what is stepped through.
-void ListFileChanged(CalSetupEntries& entries);
+void RecordRevPwrClicked(FormEntries& entries);
 
 /// Whether the station has what the calibration needs; the first thing missing, in checking order.
 std::optional<StartFailure> CheckStation(const CalSetupRecord& setup, const EquipRecord& equipment);
@@ -94,13 +62,12 @@ class CalSetup {
   bool LoadFreqList(const std::string& path);
 
   /// Fills what nobody has set when the form opens: in a setup that is not new, the range only.
-  /// @param initialLevel  the text of txtInitLev
   /// @param meterSettling  the meter's settling time, seconds
-  void SetOpeningDefaults(const std::string& initialLevel, double meterSettling);
-  /// Shows the setup in the entries. @return messages to show
-  std::vector<std::string> SetupToForm(CalSetupEntries& entries) const;
+  void SetOpeningDefaults(double meterSettling);
   /// Takes the entries; see ValidateCalSetup.
-  std::optional<EntryFailure> FormToSetup(const CalSetupEntries& entries, bool validate);
+  std::optional<EntryFailure> FormToSetup(const FormEntries& entries, bool validate) {
+    return ValidateCalSetup(entries, validate, Record);
+  }
 
   /// Of the setup's coupling method, dB.
   double CouplingFactor() const { return CouplingFactorDb(Record.CouplingMethod, Record.UserDefinedFactor); }

@@ -5,7 +5,11 @@
 #include <string_view>
 #include <vector>
 
+#include "measure/ReadFreq.h"
+
 namespace hylden {
+
+class FormWalker;
 
 enum class LimitType : std::int32_t { Flat = 0, File = 1 };
 enum class CouplingMethod : std::int32_t {
@@ -39,6 +43,8 @@ struct CalSetupRecord {
   std::string SetupDescription;
   float UserDefinedFactor = 0;  ///< of the user-defined coupling method, dB; older files hold 0
 
+  bool Steps(hylden::StepType type) const { return StepType == static_cast<std::int32_t>(type); }
+  bool HasFlatLevel() const { return LimitType == static_cast<std::int32_t>(hylden::LimitType::Flat); }
   bool HasLevelFile() const { return LimitType == static_cast<std::int32_t>(hylden::LimitType::File); }
   /// A limit and the reverse power need the forward power, ticked or not.
   bool RecordsForward() const { return RecordFwdPwr != 0 || RecordRevPwr != 0 || LimitFwdPwr != 0; }
@@ -78,6 +84,9 @@ void Fields(F& f, CalSetupRecord& c) {
   f.Single(c.UserDefinedFactor);
   f.SpareLines(9);
 }
+
+/// The fields of frmCalSetup. What is not in use is neither checked nor taken.
+void FormFields(FormWalker& f, CalSetupRecord& s);
 
 /// The fields that name other files.
 inline std::vector<std::string*> FileFields(CalSetupRecord& r) {

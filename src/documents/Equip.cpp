@@ -21,10 +21,10 @@ constexpr std::size_t kShortestPath = 2;
 std::optional<EntryFailure> TakeAddress(const char* control, const std::string& file, const std::string& text,
                                         std::int16_t& address) {
   if (file.size() < kShortestPath) return std::nullopt;
-  if (!IsNumeric(text)) return EntryFailure{control, -1, EntryFailure::Kind::NotANumber};
+  if (!IsNumeric(text)) return EntryFailure{control, EntryFailure::Kind::NotANumber};
   const double number = ToDouble(text);
   if (number < kLowestAddress || number > kHighestAddress || number != NearestWhole(number))
-    return EntryFailure{control, -1, EntryFailure::Kind::OutOfRange};
+    return EntryFailure{control, EntryFailure::Kind::OutOfRange};
   address = ToInt16(text);
   return std::nullopt;
 }
@@ -159,13 +159,13 @@ std::optional<EntryFailure> Equip::TakeAddresses(const EquipmentEntries& entries
 }
 
 std::optional<EntryFailure> Equip::TakeBandSwitch(const std::string& text) {
-  if (!IsNumeric(text)) return EntryFailure{kBandSwitchBox, kAmplifierTab, EntryFailure::Kind::NotANumber};
+  if (!IsNumeric(text)) return EntryFailure{kBandSwitchBox, EntryFailure::Kind::NotANumber};
   const double bandSwitch = ToDouble(text);
   // Amplifier and power meter change their band together.
   Record.IfiBandSwitch = bandSwitch;
   Record.PmBandSwitch = bandSwitch;
   if (!(bandSwitch >= EquipRecord::kLowestBandSwitchMHz && bandSwitch <= EquipRecord::kHighestBandSwitchMHz))
-    return EntryFailure{kBandSwitchBox, kAmplifierTab, EntryFailure::Kind::OutOfRange};
+    return EntryFailure{kBandSwitchBox, EntryFailure::Kind::OutOfRange};
   return std::nullopt;
 }
 

@@ -5,6 +5,7 @@
 
 #include "documents/EquipRecord.h"
 #include "documents/FilesBeside.h"
+#include "shell/FormEntries.h"
 
 namespace hylden {
 
@@ -19,15 +20,6 @@ struct EquipmentEntries {
   AmpType Type = AmpType::Generic;
   bool IfiPower = false, IfiAtten = false;
   std::string CableLossFile, FwdPortFile, RevPortFile, MaxPowerFile, ProbeFile;
-};
-
-/// An entry that a form has to have corrected: which box, on which tab, and why.
-struct EntryFailure {
-  enum class Kind { NotANumber, OutOfRange, Message };
-  std::string Control;  ///< the control's object name, e.g. "txtSigGenAddr"
-  int Tab = -1;         ///< -1: the tab is not turned
-  Kind Reason = Kind::NotANumber;
-  std::string Text = {};  ///< the message, when Reason is Message
 };
 
 /// A check before a run that failed: the message, and the tab of the equipment form where it is mended.

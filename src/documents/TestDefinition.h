@@ -1,11 +1,18 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "instruments/SigGen.h"
+#include "measure/ReadFreq.h"
+
 namespace hylden {
+
+class FormWalker;
 
 enum class LevelingMethod : std::int32_t { SigGen = 0, ForwardPower = 1, NetPower = 2 };
 
@@ -43,6 +50,7 @@ struct TestDefinition {
   bool UseAMdepth = false;
   std::string Spare1, Spare2, Spare3, Spare4, Spare5;
 
+  bool Modulates(Modulation modulation) const { return ModType == static_cast<std::int32_t>(modulation); }
   bool LevelsBy(hylden::LevelingMethod method) const { return LevelingMethod == static_cast<std::int32_t>(method); }
   /// Forward or net power holds the level; an unknown code levels by the generator.
   bool LevelsByPower() const {
@@ -94,6 +102,15 @@ void Fields(F& f, TestDefinition& t) {
   f.OptionalText(t.Spare4);
   f.OptionalText(t.Spare5);
 }
+
+/// The frequencies of a calibration, MHz.
+struct CalibratedRange {
+  double lowest = -std::numeric_limits<double>::infinity(), highest = std::numeric_limits<double>::infinity();
+};
+
+/// The fields of frmTestDef. Numbers are taken whether they are in use or not.
+/// @param range  of the calibration; a start or stop frequency outside becomes its limit, with a notice
+void FormFields(FormWalker& f, TestDefinition& t, const std::optional<CalibratedRange>& range = {});
 
 /// The fields that name other files.
 inline std::vector<std::string*> FileFields(TestDefinition& r) {

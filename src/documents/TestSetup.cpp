@@ -11,6 +11,36 @@
 
 namespace hylden {
 
+std::optional<StartFailure> CheckStart(const TestDefinition& test, const EquipRecord& equipment) {
+  constexpr int kInstrumentTab = 0, kFactorTab = 1;
+  const bool byPower = test.LevelsByPower(), byNetPower = test.LevelsBy(LevelingMethod::NetPower);
+  // Net power takes both ports of one coupler at once; a meter split by band reads the forward port of each band.
+  const bool dualChannel = equipment.Is(AmpConfig::DualFwdRev);
+  const struct {
+    bool missing;
+    const char* text;
+    int tab;
+  } checks[] = {
+      {equipment.SigGenFile.empty(), "A signal generator must be selected", kInstrumentTab},
+      {test.MonitorProbe && equipment.MeterFile.empty(),
+       "A meter device must be selected for\r\nmonitoring the induced level.", kInstrumentTab},
+      {test.MonitorProbe && equipment.CableLossFile.empty(), "No cable loss file has been selected", kFactorTab},
+      {byPower && equipment.PwrMtrFile.empty(), "A power meter must be selected for this test", kInstrumentTab},
+      {byPower && equipment.FwdPortFile.empty(), "No forward coupler port file has been selected", kFactorTab},
+      {byNetPower && !dualChannel, "A dual-channel power meter must be selected\r\nfor a net-power type test.",
+       kInstrumentTab},
+      {byNetPower && equipment.RevPortFile.empty(), "No reverse coupler port file has been selected", kFactorTab},
+  };
+  for (const auto& check : checks)
+    if (check.missing) return StartFailure{check.text, check.tab};
+  return CheckAmplifier(equipment);
+}
+
+std::optional<StartFailure> CheckStart(const TestDefinition& test, const Equip& equipment) {
+  if (auto failure = CheckStart(test, equipment.Record)) return failure;
+  return equipment.CheckDefinitions(test.MonitorProbe, test.LevelsByPower());
+}
+
 bool TestSetup::LoadDef(const std::string& path) {
   try {
     TestDefinition read;

@@ -1,13 +1,24 @@
 #include "widgets/EntryControls.h"
 
+#include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
+#include <stdexcept>
 
 #include "platform/qt/QtText.h"
-#include "shell/FormInput.h"
 #include "widgets/PathLabel.h"
 
 namespace hylden {
+
+namespace {
+
+QWidget& ControlOf(const QWidget& form, const std::string& name) {
+  auto* const control = form.findChild<QWidget*>(ToQt(name));
+  if (!control) throw std::logic_error("no control " + name);
+  return *control;
+}
+
+}  // namespace
 
 void SetSelected(QAbstractButton& button, bool selected) {
   const bool exclusive = button.autoExclusive();
@@ -16,63 +27,32 @@ void SetSelected(QAbstractButton& button, bool selected) {
   button.setAutoExclusive(exclusive);
 }
 
-void EnableAll(bool enabled, std::initializer_list<QWidget*> controls) {
-  for (QWidget* const control : controls) control->setEnabled(enabled);
-}
-
-void EntryShower::operator()(PathLabel& label, const std::string& path) const {
-  FitPathLabel(path, label);
-}
-
-void EntryShower::operator()(QLineEdit& box, const std::string& text) const {
-  box.setText(ToQt(text));
-}
-
-void EntryShower::operator()(QAbstractButton& button, bool chosen) const {
-  SetSelected(button, chosen);
-}
-
-void EntryShower::operator()(Options options, std::int32_t code) const {
-  std::int32_t option = 0;
-  for (QRadioButton* const button : options) SetSelected(*button, option++ == code);
-}
-
-void EntryReader::operator()(const PathLabel& label, std::string& path) const {
-  path = label.Path();
-}
-
-void EntryReader::operator()(const QLineEdit& box, std::string& text) const {
-  text = FromQt(box.text());
-}
-
-void EntryReader::operator()(const QAbstractButton& button, bool& chosen) const {
-  chosen = button.isChecked();
-}
-
-void EntryReader::operator()(Options options, std::int32_t& code) const {
-  code = 0;
-  for (const QRadioButton* const button : options) {
-    if (button->isChecked()) return;
-    ++code;
+void ShowEntries(QWidget& form, const FormEntries& entries) {
+  for (const auto& [name, text] : entries) {
+    QWidget& control = ControlOf(form, name);
+    if (auto* const box = qobject_cast<QLineEdit*>(&control)) box->setText(ToQt(text));
+    if (auto* const label = qobject_cast<PathLabel*>(&control)) FitPathLabel(text, *label);
+    if (auto* const button = qobject_cast<QAbstractButton*>(&control)) SetSelected(*button, entries.IsTicked(name));
   }
-  if (NoChoice) code = *NoChoice;
 }
 
-void EntryComparer::operator()(const PathLabel& label, const std::string& path) const {
-  AllSame = AllSame && label.Path() == path;
+void ReadEntries(const QWidget& form, FormEntries& entries) {
+  for (auto& [name, text] : entries) {
+    const QWidget& control = ControlOf(form, name);
+    if (const auto* const box = qobject_cast<const QLineEdit*>(&control)) text = FromQt(box->text());
+    if (const auto* const label = qobject_cast<const PathLabel*>(&control)) text = label->Path();
+    if (const auto* const button = qobject_cast<const QAbstractButton*>(&control))
+      entries.Tick(name, button->isChecked());
+  }
 }
 
-void EntryComparer::operator()(const QLineEdit& box, const std::string& text) const {
-  AllSame = AllSame && SameEntry(FromQt(box.text()), text);
-}
-
-void EntryComparer::operator()(const QAbstractButton& button, bool chosen) const {
-  AllSame = AllSame && button.isChecked() == chosen;
-}
-
-void EntryComparer::operator()(Options options, std::int32_t code) const {
-  std::int32_t option = 0;
-  for (const QRadioButton* const button : options) (*this)(*button, option++ == code);
+void EnableControls(QWidget& form, const UsedControls& used) {
+  for (const auto& [name, inUse] : used) {
+    QWidget& control = ControlOf(form, name);
+    control.setEnabled(inUse);
+    for (QLabel* const label : form.findChildren<QLabel*>())
+      if (label->buddy() == &control) label->setEnabled(inUse);
+  }
 }
 
 }  // namespace hylden

@@ -6,8 +6,8 @@
 #include "calibration/CalibrationRig.h"
 #include "calibration/InsertionLossText.h"
 #include "measure/InterpClass.h"
+#include "support/FormTable.h"
 #include "support/ReadLines.h"
-#include "support/Refusals.h"
 #include "text/TextFile.h"
 
 namespace hylden {
@@ -16,51 +16,60 @@ namespace {
 using testing::ElementsAre;
 using Kind = EntryFailure::Kind;
 
-CableSetupEntries OneToTen() {
-  CableSetupEntries entries;
-  entries.StartFreq = "1";
-  entries.StopFreq = "10";
-  entries.StepType = 0;
-  entries.LinearStep = "1";
-  return entries;
+CableSetup OneToTen() {
+  CableSetup setup;
+  setup.StartFreq = 1;
+  setup.StopFreq = 10;
+  setup.StepType = 0;
+  setup.LinearStep = 1;
+  return setup;
+}
+
+void Log(CableSetup& setup) {
+  setup.StepType = 1;
+}
+
+std::optional<EntryFailure> Validate(const FormEntries& entries) {
+  CableSetup setup;
+  const auto failure = ValidateCableSetup(entries, setup);
+  EXPECT_EQ(setup.StopFreq, 0);
+  return failure;
 }
 
 TEST(CableSetupTest, ABadEntryIsTakenOrTheWrongBoxIsShown) {
-  constexpr auto kNumber = Kind::NotANumber, kOutside = Kind::OutOfRange;
-  constexpr Refusal<CableSetupEntries> refusals[] = {
-      {[](auto& e) { e = {}; }, "txtStartFreq", -1, kNumber},
-      {[](auto& e) { e.StopFreq = e.Level = "x"; }, "txtStopFreq", -1, kNumber},
-      {[](auto& e) { e.LinearStep = ""; }, "txtLinearStep", -1, kNumber},
-      {[](auto& e) { e.StepType = 1, e.LogStep = "1%"; }, "txtLogStep", -1, kNumber},
-      {[](auto& e) { e.Dwell = "x", e.StartFreq = "0"; }, "txtDwell", -1, kNumber},
-      {[](auto& e) { e.Level = "-20,5"; }, "txtLev", -1, kNumber},
-      {[](auto& e) { e.StartFreq = "0"; }, "txtStartFreq", -1, kOutside},
-      {[](auto& e) { e.StopFreq = "1"; }, "txtStopFreq", -1, kOutside},
-      {[](auto& e) { e.StepType = 1, e.LogStep = "0"; }, "txtLogStep", -1, kOutside},
-      {[](auto& e) { e.LinearStep = "0"; }, "txtLinearStep", -1, kOutside},
-      {[](auto& e) { e.Dwell = "-1"; }, "txtDwell", -1, kOutside},
-      {[](auto& e) { e.Level = "-1e39"; }, "txtLev", -1, kOutside},
+  constexpr Refusal<CableSetup> refusals[] = {
+      {[](auto& s) { s = {}; }, "txtStartFreq", "", Kind::NotANumber},
+      {{}, "txtStartFreq", "0"},
+      {{}, "txtStopFreq", "1"},
+      {Log, "txtLogStep", "0"},
+      {{}, "txtLinearStep", "0"},
+      {{}, "txtDwell", "-1"},
+      {{}, "txtLev", "-1e39"},
   };
-  ExpectRefused(refusals, OneToTen(), [](const CableSetupEntries& entries) {
-    CableSetup setup;
-    const auto failure = ValidateCableSetup(entries, setup);
-    EXPECT_EQ(setup.StopFreq, 0);
-    return failure;
-  });
+  ExpectRefused(refusals, OneToTen(), Validate);
+  FormEntries entries = EntriesOf(OneToTen());
+  entries["txtDwell"] = "x", entries["txtStartFreq"] = "0";
+  EXPECT_EQ(Validate(entries)->Control, "txtDwell") << "what is no number is told before any range";
+  for (const bool log : {false, true}) {
+    CableSetup setup = OneToTen();
+    if (log) Log(setup);
+    EXPECT_EQ(ExpectNumbersWanted(setup, Validate), 5U);
+  }
 }
 
 TEST(CableSetupTest, AGoodSetupIsRefusedOrShownDifferently) {
-  CableSetupEntries entries = OneToTen();
-  entries.LogStep = "x";
-  entries.Dwell = "0";
+  FormEntries entries = EntriesOf(OneToTen());
+  entries["txtLogStep"] = "x";
+  entries["txtDwell"] = "0";
   CableSetup setup;
   EXPECT_FALSE(ValidateCableSetup(entries, setup));
   EXPECT_EQ(setup.LogStep, 1);
-  const CableSetupEntries again = EntriesOf(setup);
-  EXPECT_EQ(again.StartFreq + " " + again.StopFreq + " " + again.LinearStep + " " + again.Dwell + " " + again.Level,
-            "1 10 1 0.0 -60");
-  EXPECT_EQ(EnabledControlsFor(again), (EnabledCableControls{.LinearStep = true}));
-  EXPECT_EQ(EntriesOf(CableSetup()).StartFreq, "");
+  entries["txtLogStep"] = "1";
+  EXPECT_EQ(EntriesOf(setup), entries);
+  EXPECT_EQ(EntriesOf(setup)["txtDwell"], "0.0");
+  EXPECT_EQ(UsedWith(entries, CableSetup()),
+            (UsedControls{{"txtLinearStep", true}, {"txtLogStep", false}, {"lblListFile", false}}));
+  EXPECT_EQ(EntriesOf(CableSetup())["txtStartFreq"], "");
 }
 
 TEST(CableSetupTest, TheStationIsNotChecked) {
@@ -83,7 +92,7 @@ TEST(CableSetupTest, TheStationIsNotChecked) {
 class CableTest : public testing::Test {
  protected:
   CableTest() {
-    EXPECT_FALSE(ValidateCableSetup(OneToTen(), cable.Setup));
+    cable.Setup = OneToTen();
     cable.Setup.Level = -20;
     EXPECT_TRUE(cable.BuildPlan());
   }

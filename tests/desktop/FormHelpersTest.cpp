@@ -11,6 +11,7 @@
 #include <filesystem>
 
 #include "desktop/FormDriver.h"
+#include "shell/FormEntries.h"
 #include "shell/qt/AboutBox.h"
 #include "shell/qt/FormPrompts.h"
 #include "shell/qt/OptionsMenu.h"
@@ -86,13 +87,14 @@ class FormHelpersTest : public testing::Test {
 TEST_F(FormHelpersTest, PromptSelectsAVisibleBoxAndLeavesAHiddenOneAlone) {
   QWidget form;
   QLineEdit shown("12x", &form), hidden("7", &form);
+  shown.setObjectName("txtShown"), hidden.setObjectName("txtHidden");
   hidden.setVisible(false);
   form.show();
   QApplication::setActiveWindow(&form);
-  NotANumberPrompt(shown, t.dialogs);
+  PointOut(form, {"txtShown", EntryFailure::Kind::NotANumber}, t.dialogs);
   EXPECT_EQ(shown.selectedText(), "12x");
   EXPECT_EQ(QApplication::focusWidget(), &shown);
-  OutOfRangePrompt(hidden, t.dialogs);
+  PointOut(form, {"txtHidden", EntryFailure::Kind::OutOfRange}, t.dialogs);
   EXPECT_EQ(QApplication::focusWidget(), &shown);
   EXPECT_EQ(t.dialogs.Texts(),
             (std::vector<std::string>{"Value not a number, re-enter", "Number outside valid range, re-enter"}));

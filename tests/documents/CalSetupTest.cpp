@@ -5,8 +5,8 @@
 #include <functional>
 
 #include "documents/RoundTrip.h"
+#include "support/FormTable.h"
 #include "support/ReadLines.h"
-#include "support/Refusals.h"
 #include "support/SameRecord.h"
 #include "support/TestShell.h"
 #include "text/TextFile.h"
@@ -15,7 +15,6 @@ namespace hylden {
 namespace {
 
 using Kind = EntryFailure::Kind;
-using Entries = CalSetupEntries;
 
 CalSetupRecord TenVolts() {
   CalSetupRecord setup;
@@ -98,48 +97,30 @@ TEST_F(CalSetupTest, AShortFileOrABadLineStaysHalfLoaded) {
 }
 
 TEST_F(CalSetupTest, TheFormOpensWithOtherThanItsDefaults) {
-  setup.SetOpeningDefaults(Entries().InitLevel, 0.2);
+  setup.SetOpeningDefaults(0.2);
   EXPECT_EQ(setup.Record.StartFreq, 0.15);
   EXPECT_EQ(setup.Record.StopFreq, 80);
   EXPECT_EQ(setup.Record.InitLevel, -60);
   EXPECT_EQ(setup.Record.Dwell, 0.2);
   setup.Record = TenVolts();
-  setup.SetOpeningDefaults("-60", 0.2);
+  setup.SetOpeningDefaults(0.2);
   EXPECT_TRUE(SameRecord(setup.Record, TenVolts()));
 }
 
-TEST_F(CalSetupTest, ShowingAndTakingASetupChangesIt) {
-  setup.Record = TenVolts();
-  setup.Record.CouplingMethod = 3;
-  setup.Record.UserDefinedFactor = 9.5;
-  Entries entries;
-  EXPECT_TRUE(setup.SetupToForm(entries).empty());
-  EXPECT_EQ(entries.FinalDwell, "0.3");
-  EXPECT_EQ(entries.UserDefCF, "9.5");
-  CalSetup other(t.shell);
-  other.Record = setup.Record;
-  other.Record.UserDefinedFactor = 0;
-  EXPECT_FALSE(other.FormToSetup(entries, true));
-  EXPECT_TRUE(SameRecord(other.Record, setup.Record));
-  EXPECT_EQ(other.CouplingFactor(), 9.5);
-}
-
 TEST_F(CalSetupTest, ACodeWithoutAnOptionChangesTheOptions) {
-  setup.Record = TenVolts();
-  setup.Record.StepType = 3;
-  setup.Record.LimitType = -1;
-  setup.Record.CouplingMethod = 4;
-  Entries entries;
-  entries.StepType = 2;
-  entries.LimitType = 1;
-  entries.CouplingMethod = 3;
-  EXPECT_EQ(setup.SetupToForm(entries),
-            (std::vector<std::string>{"Error in Calsetup file, \r\nBad value for frequency step type",
-                                      "Error in Calsetup file, \r\nBad value for limit type",
-                                      "Error in Calsetup file, \r\nBad value for coupling method"}));
-  EXPECT_EQ(entries.StepType, 2);
-  EXPECT_EQ(entries.LimitType, 1);
-  EXPECT_EQ(entries.CouplingMethod, 3);
+  CalSetupRecord odd = TenVolts(), before = odd;
+  odd.StepType = 3;
+  odd.LimitType = -1;
+  odd.CouplingMethod = 4;
+  before.StepType = 2;
+  before.LimitType = 1;
+  before.CouplingMethod = 3;
+  const FormEntries shown = EntriesShowing(before);
+  const CalSetupShown now = EntriesOf(odd, &shown);
+  EXPECT_EQ(now.Messages, (std::vector<std::string>{"Error in Calsetup file, \r\nBad value for frequency step type",
+                                                    "Error in Calsetup file, \r\nBad value for limit type",
+                                                    "Error in Calsetup file, \r\nBad value for coupling method"}));
+  EXPECT_EQ(now.Entries, shown);
 }
 
 TEST_F(CalSetupTest, AListDoesNotSetTheRange) {
@@ -151,81 +132,100 @@ TEST_F(CalSetupTest, AListDoesNotSetTheRange) {
   EXPECT_EQ(setup.Record.StopFreq, 45.5);
 }
 
+std::optional<EntryFailure> Take(const FormEntries& entries, CalSetupRecord& setup) {
+  return ValidateCalSetup(entries, true, setup);
+}
+
+std::optional<EntryFailure> Validate(const FormEntries& entries) {
+  CalSetupRecord setup;
+  EXPECT_FALSE(ValidateCalSetup(entries, false, setup)) << "closing the form refuses nothing";
+  return Take(entries, setup);
+}
+
+void Limited(CalSetupRecord& setup) {
+  setup.RecordFwdPwr = setup.LimitFwdPwr = 1;
+}
+void OwnFactor(CalSetupRecord& setup) {
+  setup.CouplingMethod = 3;
+  setup.UserDefinedFactor = 9.5;
+}
+void Linear(CalSetupRecord& setup) {
+  setup.StepType = 0;
+}
+void Lists(CalSetupRecord& setup) {
+  setup.StepType = 2;
+  setup.LimitType = 1;
+}
+
 TEST(CalSetupValidation, ABadEntryIsTakenOrTheWrongBoxIsShown) {
-  constexpr auto kNumber = Kind::NotANumber, kOutside = Kind::OutOfRange, kMessage = Kind::Message;
-  constexpr Refusal<Entries> refusals[] = {
-      {[](auto& e) { e.StartFreq = "0,15"; }, "txtStartFreq", 0, kNumber},
-      {[](auto& e) { e.StopFreq = ""; }, "txtStopFreq", 0, kNumber},
-      {[](auto& e) { e.StepType = 0, e.LinearStep = "x"; }, "txtLinearStep", 0, kNumber},
-      {[](auto& e) { e.LogStep = "1%"; }, "txtLogStep", 0, kNumber},
-      {[](auto& e) { e.CalLevel = "10v"; }, "txtCalLevel", 1, kNumber},
-      {[](auto& e) { e.MaxLevel = "-1,5"; }, "txtMaxLev", 1, kNumber},
-      {[](auto& e) { e.MaxStep = "x"; }, "txtMaxStep", 1, kNumber},
-      {[](auto& e) { e.InitLevel = "x"; }, "txtInitLev", 1, kNumber},
-      {[](auto& e) { e.RecordFwdPwr = e.LimitFwdPwr = true, e.FwdPwrLimit = ""; }, "txtFwdPwrLimit", 1, kNumber},
-      {[](auto& e) { e.FinalDwell = "x"; }, "txtFinalDwell", 1, kNumber},
-      {[](auto& e) { e.CouplingMethod = 3, e.UserDefCF = "x"; }, "txtUserDefCF", 2, kNumber},
-      {[](auto& e) { e.StartFreq = "0", e.FinalDwell = "x"; }, "txtFinalDwell", 1, kNumber},
-      {[](auto& e) { e.StartFreq = "0"; }, "txtStartFreq", 0, kOutside},
-      {[](auto& e) { e.StopFreq = "0.15"; }, "txtStopFreq", 0, kOutside},
-      {[](auto& e) { e.LogStep = "0"; }, "txtLogStep", 0, kOutside},
-      {[](auto& e) { e.StepType = 0, e.LinearStep = "-1"; }, "txtLinearStep", 0, kOutside},
-      {[](auto& e) { e.StepType = 2, e.ListFile = ""; }, "lblListFile", 0, kMessage},
-      {[](auto& e) { e.LimitType = 1, e.LimitFile = ""; }, "lblLimitFile", 1, kMessage},
-      {[](auto& e) { e.CalLevel = "0"; }, "txtCalLevel", 1, kOutside},
-      {[](auto& e) { e.InitLevel = "7"; }, "txtInitLev", 1, kOutside},
-      {[](auto& e) { e.MaxLevel = "1e39"; }, "txtMaxLev", 1, kOutside},
-      {[](auto& e) { e.MaxStep = "0"; }, "txtMaxStep", 1, kOutside},
-      {[](auto& e) { e.RecordFwdPwr = e.LimitFwdPwr = true, e.FwdPwrLimit = "0"; }, "txtFwdPwrLimit", 1, kOutside},
-      {[](auto& e) { e.FinalDwell = "-1"; }, "txtFinalDwell", 1, kOutside},
+  constexpr auto kMessage = Kind::Message;
+  constexpr Refusal<CalSetupRecord> refusals[] = {
+      {{}, "txtStartFreq", "0"},
+      {{}, "txtStopFreq", "0.15"},
+      {{}, "txtLogStep", "0"},
+      {Linear, "txtLinearStep", "-1"},
+      {Lists, "lblListFile", "", kMessage},
+      {Lists, "lblLimitFile", "", kMessage},
+      {{}, "txtCalLevel", "0"},
+      {{}, "txtInitLev", "7"},
+      {{}, "txtMaxLev", "1e39"},
+      {{}, "txtMaxStep", "0"},
+      {Limited, "txtFwdPwrLimit", "0"},
+      {{}, "txtFinalDwell", "-1"},
   };
-  ExpectRefused(refusals, EntriesOf(TenVolts()).Entries, [](Entries& entries) {
-    CalSetupRecord setup;
-    EXPECT_FALSE(ValidateCalSetup(entries, false, setup)) << "closing the form refuses nothing";
-    return ValidateCalSetup(entries, true, setup);
-  });
+  ExpectRefused(refusals, TenVolts(), Validate);
+  FormEntries entries = EntriesShowing(TenVolts());
+  entries["txtStartFreq"] = "0";
+  entries["txtFinalDwell"] = "x";
+  EXPECT_EQ(Validate(entries)->Control, "txtFinalDwell") << "what is no number is told before any range";
+}
+
+TEST(CalSetupValidation, AnEntryDoesNotComeBackOrIsNoNumber) {
+  for (const auto change : {+[](CalSetupRecord&) {}, Limited, OwnFactor, Linear, Lists}) {
+    CalSetupRecord setup = TenVolts();
+    change(setup);
+    EXPECT_GE(ExpectNumbersWanted(setup, Validate), 6U);
+    // What is not in use is neither shown wrongly nor taken.
+    if (!setup.Steps(StepType::Linear)) setup.LinearStep = 0;
+    if (!setup.Steps(StepType::Log)) setup.LogStep = 0;
+    if (!setup.Steps(StepType::List)) setup.ListFile = "";
+    setup.HasLevelFile() ? void(setup.CalLevel = 0) : setup.LimitFile.clear();
+    if (!setup.LimitsForward()) setup.FwdPwrLimit = 0;
+    if (!setup.HasOwnFactor()) setup.UserDefinedFactor = 0;
+    ExpectComesBack(setup, Take);
+  }
 }
 
 TEST(CalSetupValidation, AHiddenBoxIsCheckedOrAGoodEntryRefused) {
-  Entries entries = EntriesOf(TenVolts()).Entries;
-  entries.LinearStep = entries.FwdPwrLimit = entries.UserDefCF = "x";
-  entries.FinalDwell = "0";
+  FormEntries entries = EntriesShowing(TenVolts());
+  entries["txtLinearStep"] = entries["txtFwdPwrLimit"] = entries["txtUserDefCF"] = "x";
+  entries["txtFinalDwell"] = "0";
   CalSetupRecord setup;
   setup.UserDefinedFactor = 4;
-  EXPECT_FALSE(ValidateCalSetup(entries, true, setup));
+  EXPECT_FALSE(Take(entries, setup));
   EXPECT_EQ(setup.Dwell, 0);
   EXPECT_EQ(setup.UserDefinedFactor, 4);
-
-  entries.StepType = 2;
-  entries.LimitType = 1;
-  entries.LogStep = entries.CalLevel = "x";
-  EXPECT_FALSE(ValidateCalSetup(entries, true, setup));
-  EXPECT_EQ(setup.ListFile, "/lists/x.lst");
-  EXPECT_EQ(setup.LimitFile, "/levels/y.lev");
-  EXPECT_TRUE(setup.HasLevelFile());
 }
 
 TEST(CalSetupValidation, AFailureStoresWhatComesBehindIt) {
-  Entries entries = EntriesOf(TenVolts()).Entries;
-  entries.CalLevel = "0";
-  entries.MaxLevel = "1";
+  FormEntries entries = EntriesShowing(TenVolts());
+  entries["txtCalLevel"] = "0";
   CalSetupRecord setup;
-  EXPECT_TRUE(ValidateCalSetup(entries, true, setup));
+  EXPECT_TRUE(Take(entries, setup));
   EXPECT_EQ(setup.StopFreq, 80);
-  EXPECT_EQ(setup.CalLevel, 0);
   EXPECT_EQ(setup.MaxLevel, 0);
 }
 
 TEST(CalSetupValidation, ClosingTheFormLosesWhatWasTyped) {
-  Entries entries = EntriesOf(TenVolts()).Entries;
-  entries.StartFreq = "-5";
-  entries.StopFreq = "no number";
-  entries.MaxLevel = "1e39";
-  entries.StepType = Entries::kNoChoice;
-  entries.CouplingMethod = 3;
-  entries.UserDefCF = "11";
-  entries.AmpUsed = "another";
   CalSetupRecord setup = TenVolts();
+  OwnFactor(setup);
+  FormEntries entries = EntriesShowing(setup);
+  entries["txtStartFreq"] = "-5";
+  entries["txtStopFreq"] = "no number";
+  entries["txtMaxLev"] = "1e39";
+  entries["txtUserDefCF"] = "11";
+  entries["txtAmpUsed"] = "another";
+  entries.Tick("optLogStep", false);
   EXPECT_FALSE(ValidateCalSetup(entries, false, setup));
   EXPECT_EQ(setup.StartFreq, -5);
   EXPECT_EQ(setup.StopFreq, 80);
@@ -236,39 +236,41 @@ TEST(CalSetupValidation, ClosingTheFormLosesWhatWasTyped) {
 }
 
 TEST(CalSetupControls, ATickLeavesAnImpossibleCombination) {
-  Entries entries;
-  entries.LimitFwdPwr = true;
+  constexpr const char *kForward = "chkRecordFP", *kReverse = "chkRecordRP", *kLimit = "chkLimitFwdPwr";
+  CalSetupRecord setup;
+  setup.LimitFwdPwr = 1;
+  EXPECT_TRUE(EntriesOf(setup).Entries.IsTicked(kForward));
+  FormEntries entries = EntriesShowing(setup);
   LimitFwdPwrClicked(entries);
-  EXPECT_TRUE(entries.RecordFwdPwr);
-  entries.RecordFwdPwr = false;
-  entries.RecordRevPwr = true;
+  EXPECT_TRUE(entries.IsTicked(kForward));
+  entries.Tick(kForward, false);
+  entries.Tick(kReverse);
   RecordFwdPwrClicked(entries);
-  EXPECT_FALSE(entries.RecordRevPwr || entries.LimitFwdPwr);
-  entries.RecordRevPwr = true;
+  EXPECT_FALSE(entries.IsTicked(kReverse) || entries.IsTicked(kLimit));
+  entries.Tick(kReverse);
   RecordRevPwrClicked(entries);
-  EXPECT_TRUE(entries.RecordFwdPwr);
+  EXPECT_TRUE(entries.IsTicked(kForward));
   RecordFwdPwrClicked(entries);
-  EXPECT_TRUE(entries.RecordRevPwr);
-  ListFileChanged(entries);
-  EXPECT_EQ(entries.StepType, 2);
-
-  CalSetupRecord fromFile = TenVolts();
-  fromFile.RecordFwdPwr = 0;
-  fromFile.LimitFwdPwr = 1;
-  EXPECT_TRUE(EntriesOf(fromFile).Entries.RecordFwdPwr);
+  EXPECT_TRUE(entries.IsTicked(kReverse));
 }
 
 TEST(CalSetupControls, ABoxThatIsNotUsedCanBeTypedInto) {
-  Entries entries;
-  EXPECT_EQ(EnabledControlsFor(entries), (EnabledCalControls{.LinearStep = true, .CalLevel = true}));
-  entries.StepType = 1;
-  entries.LimitType = 1;
-  entries.LimitFwdPwr = true;
-  EXPECT_EQ(EnabledControlsFor(entries), (EnabledCalControls{.LogStep = true, .LimitFile = true, .FwdPwrLimit = true}));
-  entries.StepType = 2;
-  entries.CouplingMethod = 3;
-  EXPECT_TRUE(EnabledControlsFor(entries).ListFile);
-  EXPECT_TRUE(EnabledControlsFor(entries).UserDefCF);
+  const struct {
+    void (*change)(CalSetupRecord&);
+    const char* used;
+  } rows[] = {{Linear, "txtLinearStep txtCalLevel"},
+              {[](auto& s) { s.StepType = 1, s.LimitType = 1; }, "txtLogStep lblLimitFile"},
+              {Lists, "lblListFile lblLimitFile"},
+              {Limited, "txtLogStep txtCalLevel txtFwdPwrLimit"},
+              {OwnFactor, "txtLogStep txtCalLevel txtUserDefCF"}};
+  for (const auto& row : rows) {
+    CalSetupRecord setup = TenVolts();
+    row.change(setup);
+    for (const auto& [name, used] : UsedWith(EntriesShowing(setup), CalSetupRecord())) {
+      if (name.ends_with("Unit")) continue;
+      EXPECT_EQ(used, std::string(row.used).find(name) != std::string::npos) << name << ", " << row.used;
+    }
+  }
 }
 
 TEST(CheckStation, ACalibrationStartsWithoutWhatItNeeds) {

@@ -232,7 +232,6 @@ TEST_F(EquipTest, ABadAddressIsTaken) {
       if (!failure) continue;
       EXPECT_EQ(failure->Control, box.control);
       EXPECT_EQ(failure->Reason, *row.failure);
-      EXPECT_EQ(failure->Tab, -1);
     }
   }
 }
@@ -272,7 +271,6 @@ TEST_F(EquipTest, TheBandSwitchIsTakenWrongly) {
     EXPECT_EQ(equip.Record.Is(AmpConfig::DualFwdRev), !failure) << "what follows a failure is not taken";
     if (!failure) continue;
     EXPECT_EQ(failure->Control, "txtIfiBandSwitch");
-    EXPECT_EQ(failure->Tab, 2);
     EXPECT_EQ(failure->Reason, *row.failure);
   }
 }

@@ -5,7 +5,7 @@
 
 #include "documents/CalSetup.h"
 #include "documents/TestSetup.h"
-#include "support/Refusals.h"
+#include "support/FormTable.h"
 #include "support/SameRecord.h"
 #include "text/RecordFile.h"
 
@@ -13,11 +13,10 @@ namespace hylden {
 namespace {
 
 using Kind = EntryFailure::Kind;
-using Entries = TestDefinitionEntries;
 
 constexpr const char* kRange = "0.15 - 230";
 
-Entries GoodEntries() {
+TestDefinition Good() {
   TestDefinition test;
   test.CalInfoFile = "cal.hyinfo";
   test.StartFreq = 0.15;
@@ -26,84 +25,106 @@ Entries GoodEntries() {
   test.StepType = 1;
   test.LogStep = 1;
   test.ListFile = "x.lst";
-  return EntriesOf(test);
+  return test;
+}
+
+FormEntries GoodEntries() {
+  return EntriesShowing(Good());
+}
+
+std::optional<EntryFailure> Take(FormEntries& entries, TestDefinition& test) {
+  return ValidateTestDefinition(entries, kRange, test).Failure;
+}
+
+std::optional<EntryFailure> Validate(FormEntries& entries) {
+  TestDefinition test;
+  return Take(entries, test);
+}
+
+void Am(TestDefinition& test) {
+  test.ModType = 1;
+  test.AmDepth = test.AmModFreq = 1;
+}
+void Fm(TestDefinition& test) {
+  test.ModType = 2;
+  test.FmDev = test.FmModFreq = 1;
+}
+void Pulse(TestDefinition& test) {
+  test.ModType = 3;
+  test.PulsePeriod = test.PulseWidth = 1;
+}
+void Probe(TestDefinition& test) {
+  test.MonitorProbe = true;
 }
 
 TEST(TestValidationTest, ABadEntryIsTakenOrTheWrongBoxIsShown) {
-  constexpr auto kNumber = Kind::NotANumber, kOutside = Kind::OutOfRange;
-  constexpr Refusal<Entries> refusals[] = {
-      {[](auto& e) { e.StartFreq = "0,15"; }, "txtStartFreq", 0, kNumber},
-      {[](auto& e) { e.StopFreq = ""; }, "txtStopFreq", 0, kNumber},
-      {[](auto& e) { e.LinearStep = "."; }, "txtLinearStep", 0, kNumber},
-      {[](auto& e) { e.LogStep = "1%"; }, "txtLogStep", 0, kNumber},
-      {[](auto& e) { e.SweepDwell = "-"; }, "txtSweepDwell", 0, kNumber},
-      {[](auto& e) { e.DiscreteDwell = "x"; }, "txtDiscreteDwell", 0, kNumber},
-      {[](auto& e) { e.AmDepth = "80,5"; }, "txtAmDepth", 1, kNumber},
-      {[](auto& e) { e.AmModFreq = "x"; }, "txtAmModFreq", 1, kNumber},
-      {[](auto& e) { e.FmDev = "x"; }, "txtFmDev", 1, kNumber},
-      {[](auto& e) { e.FmModFreq = "x"; }, "txtFmModFreq", 1, kNumber},
-      {[](auto& e) { e.PulseWidth = "x"; }, "txtPulseWidth", 1, kNumber},
-      {[](auto& e) { e.PulsePeriod = "x"; }, "txtPulsePeriod", 1, kNumber},
-      {[](auto& e) { e.InitLevOffset = "x"; }, "txtInitLevOffset", 3, kNumber},
-      {[](auto& e) { e.LevelInc = "x"; }, "txtLevelInc", 3, kNumber},
-      {[](auto& e) { e.ExtrapolateTo = "x"; }, "txtExtrapolateTo", 2, kNumber},
-      {[](auto& e) { e.InterDwell = "x"; }, "txtInterDwell", 3, kNumber},
-      {[](auto& e) { e.LimitMargin = "x"; }, "txtLimitMargin", 3, kNumber},
-      {[](auto& e) { e.LimitMargin = e.AmDepth = "x"; }, "txtAmDepth", 1, kNumber},
-      {[](auto& e) { e.MonitorProbe = true, e.EUTCircuitImpedance = "x"; }, "txtEUTCircuitImpedance", 3, kNumber},
-      {[](auto& e) { e.StartFreq = "0"; }, "txtStartFreq", 0, kOutside},
-      {[](auto& e) { e.StopFreq = ".15"; }, "txtStopFreq", 0, kOutside},
-      {[](auto& e) { e.StartFreq = "300", e.StopFreq = "400"; }, "txtStartFreq", 0, kOutside},
-      {[](auto& e) { e.LinStep = true, e.LogStepChosen = false, e.LinearStep = "0"; }, "txtLinearStep", 0, kOutside},
-      {[](auto& e) { e.LogStep = "-1"; }, "txtLogStep", 0, kOutside},
-      {[](auto& e) { e.SweepDwell = "-1"; }, "txtSweepDwell", 0, kOutside},
-      {[](auto& e) { e.FreqList = true, e.DiscreteDwell = "-1"; }, "txtDiscreteDwell", 0, kOutside},
-      {[](auto& e) { e.ModType = 1, e.AmDepth = "0", e.AmModFreq = "1"; }, "txtAmDepth", 1, kOutside},
-      {[](auto& e) { e.ModType = 1, e.AmDepth = "100.5", e.AmModFreq = "1"; }, "txtAmDepth", 1, kOutside},
-      {[](auto& e) { e.ModType = 1, e.AmDepth = "80", e.AmModFreq = "0"; }, "txtAmModFreq", 1, kOutside},
-      {[](auto& e) { e.ModType = 2, e.FmDev = "0", e.FmModFreq = "1"; }, "txtFmDev", 1, kOutside},
-      {[](auto& e) { e.ModType = 2, e.FmDev = "1", e.FmModFreq = "0"; }, "txtFmModFreq", 1, kOutside},
-      {[](auto& e) { e.ModType = 3, e.PulsePeriod = "0", e.PulseWidth = "0"; }, "txtPulsePeriod", 1, kOutside},
-      {[](auto& e) { e.ModType = 3, e.PulsePeriod = "1", e.PulseWidth = "0"; }, "txtPulseWidth", 1, kOutside},
-      {[](auto& e) { e.FmDev = "1E39"; }, "txtFmDev", 1, kOutside},
-      {[](auto& e) { e.InitLevOffset = "-6"; }, "txtLevelInc", 3, kOutside},
-      {[](auto& e) { e.Extrapolate = true; }, "txtExtrapolateTo", 2, kOutside},
-      {[](auto& e) { e.InterDwell = "-.1"; }, "txtInterDwell", 3, kOutside},
-      {[](auto& e) { e.MonitorProbe = true, e.EUTCircuitImpedance = "-1"; }, "txtEUTCircuitImpedance", 3, kOutside},
+  constexpr Refusal<TestDefinition> refusals[] = {
+      {{}, "txtStartFreq", "0"},
+      {{}, "txtStopFreq", ".15"},
+      {[](auto& t) { t.StopFreq = 400; }, "txtStartFreq", "300"},
+      {[](auto& t) { t.StepType = 0; }, "txtLinearStep", "0"},
+      {{}, "txtLogStep", "-1"},
+      {{}, "txtSweepDwell", "-1"},
+      {[](auto& t) { t.FreqList = true; }, "txtDiscreteDwell", "-1"},
+      {Am, "txtAmDepth", "0"},
+      {Am, "txtAmDepth", "100.5"},
+      {Am, "txtAmModFreq", "0"},
+      {Fm, "txtFmDev", "0"},
+      {Fm, "txtFmModFreq", "0"},
+      {Pulse, "txtPulsePeriod", "0"},
+      {Pulse, "txtPulseWidth", "0"},
+      {{}, "txtFmDev", "1E39"},
+      {[](auto& t) { t.InitLevOffset = -6, t.LevelInc = 1; }, "txtLevelInc", "0"},
+      {[](auto& t) { t.Extrapolate = true; }, "txtExtrapolateTo", "0"},
+      {{}, "txtInterDwell", "-.1"},
+      {Probe, "txtEUTCircuitImpedance", "-1"},
   };
-  TestDefinition test;
-  ExpectRefused(refusals, GoodEntries(), [&](Entries& e) { return ValidateTestDefinition(e, kRange, test).Failure; });
+  ExpectRefused(refusals, Good(), Validate);
+  FormEntries entries = GoodEntries();
+  entries["txtLimitMargin"] = entries["txtAmDepth"] = "x";
+  EXPECT_EQ(Validate(entries)->Control, "txtAmDepth") << "in the form's order";
+}
+
+TEST(TestValidationTest, AnEntryDoesNotComeBackOrIsNoNumber) {
+  for (const auto change : {Am, Fm, Pulse, Probe}) {
+    TestDefinition test = Good();
+    change(test);
+    EXPECT_EQ(ExpectNumbersWanted(test, Validate), test.MonitorProbe ? 18U : 17U);
+    ExpectComesBack(test, Take);
+  }
 }
 
 TEST(TestValidationTest, AMissingChoiceGivesTheWrongMessage) {
   struct Row {
-    std::function<void(Entries&)> change;
+    std::function<void(FormEntries&)> change;
     const char* range;
-    int tab;
+    const char* control;
     const char* text;
   };
   const char* noRange = "No start/stop frequencies in calibration file.\r\nTry checking calibration file data.";
   const Row rows[] = {
-      {[](Entries&) {}, "", 2, noRange},
-      {[](Entries&) {}, "0.15 to 80", 2, noRange},
-      {[](Entries&) {}, "low - high", 2, noRange},
-      {[](Entries&) {}, "80 - 0.15", 2, noRange},
-      {[](Entries&) {}, "0,15 - 80", 2, noRange},
-      {[](Entries&) {}, "0.15 - 79,5", 2, noRange},
-      {[](Entries& e) { e.CalFile = ""; }, kRange, 2, "No calibration setup file specified!"},
-      {[](Entries& e) { e.FreqSweep = false; }, kRange, 0,
+      {[](FormEntries&) {}, "", "lblCalFileName", noRange},
+      {[](FormEntries&) {}, "0.15 to 80", "lblCalFileName", noRange},
+      {[](FormEntries&) {}, "low - high", "lblCalFileName", noRange},
+      {[](FormEntries&) {}, "80 - 0.15", "lblCalFileName", noRange},
+      {[](FormEntries&) {}, "0,15 - 80", "lblCalFileName", noRange},
+      {[](FormEntries&) {}, "0.15 - 79,5", "lblCalFileName", noRange},
+      {[](FormEntries& e) { e["lblCalFileName"] = ""; }, kRange, "lblCalFileName",
+       "No calibration setup file specified!"},
+      {[](FormEntries& e) { e.Tick("chkFreqSweep", false); }, kRange, "fraSweep",
        "Either a swept frequency test or \r\na discrete frequency test must be specified"},
-      {[](Entries& e) { e.FreqList = true, e.ListFile = ""; }, kRange, 0, "No frequency list file specified"},
+      {[](FormEntries& e) { e.Tick("chkFreqList"), e["lblListFile"] = ""; }, kRange, "lblListFile",
+       "No frequency list file specified"},
   };
   for (const Row& row : rows) {
-    Entries entries = GoodEntries();
+    FormEntries entries = GoodEntries();
     row.change(entries);
     TestDefinition test;
     const TestValidation validation = ValidateTestDefinition(entries, row.range, test);
     ASSERT_TRUE(validation.Failure) << row.text;
     EXPECT_EQ(validation.Failure->Reason, Kind::Message);
     EXPECT_EQ(validation.Failure->Text, row.text);
-    EXPECT_EQ(validation.Failure->Tab, row.tab);
+    EXPECT_EQ(validation.Failure->Control, row.control);
   }
 }
 
@@ -112,26 +133,24 @@ TEST(TestValidationTest, PulsesThatThePowerMeterAveragesAreLevelledByPower) {
     for (const int modulation : {0, 1, 2, 3})
       for (const bool offBetween : {false, true}) {
         SCOPED_TRACE(testing::Message() << method << " " << modulation << " " << offBetween);
-        Entries entries = GoodEntries();
-        entries.LevelingMethod = method;
-        entries.ModType = modulation;
-        entries.AmDepth = entries.AmModFreq = entries.FmDev = entries.FmModFreq = "1";
-        entries.PulseWidth = entries.PulsePeriod = "1";
-        entries.ModOffBetweenFreqs = offBetween;
-        TestDefinition test;
-        const auto failure = ValidateTestDefinition(entries, kRange, test).Failure;
+        TestDefinition test = Good();
+        for (const auto change : {Am, Fm, Pulse}) change(test);
+        test.LevelingMethod = method;
+        test.ModType = modulation;
+        test.ModOffBetweenFreqs = offBetween;
+        FormEntries entries = EntriesShowing(test);
+        const auto failure = Validate(entries);
         ASSERT_EQ(failure.has_value(), method > 0 && modulation == 3 && !offBetween);
         if (!failure) continue;
         EXPECT_EQ(failure->Control, "chkModOffBetweenFreqs");
-        EXPECT_EQ(failure->Tab, 1);
         EXPECT_TRUE(failure->Text.starts_with("The power meter reads the mean of a pulsed signal"));
       }
 }
 
 TEST(TestValidationTest, ATestLeavesTheCalibratedRange) {
-  Entries entries = GoodEntries();
-  entries.StartFreq = ".1";
-  entries.StopFreq = "400";
+  FormEntries entries = GoodEntries();
+  entries["txtStartFreq"] = ".1";
+  entries["txtStopFreq"] = "400";
   TestDefinition test;
   const TestValidation validation = ValidateTestDefinition(entries, "0.15-230", test);
   EXPECT_FALSE(validation.Failure);
@@ -143,27 +162,29 @@ TEST(TestValidationTest, ATestLeavesTheCalibratedRange) {
                                       "limits."}));
   EXPECT_EQ(test.StartFreq, 0.15);
   EXPECT_EQ(test.StopFreq, 230);
-  EXPECT_EQ(entries.StartFreq, "0.15");
-  EXPECT_EQ(entries.StopFreq, "230");
+  EXPECT_EQ(entries["txtStartFreq"], "0.15");
+  EXPECT_EQ(entries["txtStopFreq"], "230");
 
   // The minus of an exponent is no separator.
-  entries.StartFreq = "0.01";
+  entries["txtStartFreq"] = "0.01";
   EXPECT_FALSE(ValidateTestDefinition(entries, "3.33333333333333E-02 - 80", test).Failure);
   EXPECT_DOUBLE_EQ(test.StartFreq, 0.0333333333333333);
 }
 
 TEST(TestValidationTest, AnEntryIsStoredDifferently) {
-  Entries entries = GoodEntries();
-  entries.InitLevOffset = "6";
-  entries.LevelInc = "-2";
-  entries.LevelingMethod = 7;
-  entries.ModType = 9;
-  entries.RealTimeLevel = true;
-  entries.FreqList = true;
-  entries.DiscreteDwell = "1000";
-  entries.EUTCircuitImpedance = "not asked for";
-  entries.LimitMargin = "-3";
+  FormEntries entries = GoodEntries();
+  entries["txtInitLevOffset"] = "6";
+  entries["txtLevelInc"] = "-2";
+  entries.Tick("optSigGenLevel", false);
+  entries.Tick("optNoMod", false);
+  entries.Tick("optRealTimeLevel");
+  entries.Tick("chkFreqList");
+  entries["txtDiscreteDwell"] = "1000";
+  entries["txtEUTCircuitImpedance"] = "not asked for";
+  entries["txtLimitMargin"] = "-3";
   TestDefinition test;
+  test.LevelingMethod = 7;
+  test.ModType = 9;
   test.EUTCircuitImpedance = 150;
   test.Spare3 = "old";
   ASSERT_FALSE(ValidateTestDefinition(entries, kRange, test).Failure);
@@ -179,17 +200,17 @@ TEST(TestValidationTest, AnEntryIsStoredDifferently) {
 }
 
 TEST(TestValidationTest, TheEdgeOfARangeIsRefused) {
-  const std::function<void(Entries&)> changes[] = {
-      [](Entries& e) { e.ModType = 1, e.AmDepth = "100", e.AmModFreq = "0.001"; },
-      [](Entries& e) { e.ModType = 3, e.PulsePeriod = "1", e.PulseWidth = "5"; },  // wider than its period
-      [](Entries& e) { e.StopFreq = "230"; },
-      [](Entries& e) { e.MonitorProbe = true, e.EUTCircuitImpedance = "0"; },
-      [](Entries& e) { e.LinStep = e.LogStepChosen = false; },
+  const std::function<void(TestDefinition&)> changes[] = {
+      [](auto& t) { t.ModType = 1, t.AmDepth = 100, t.AmModFreq = 0.001F; },
+      [](auto& t) { t.ModType = 3, t.PulsePeriod = 1, t.PulseWidth = 5; },  // wider than its period
+      [](auto& t) { t.StopFreq = 230; },
+      [](auto& t) { t.MonitorProbe = true; },
+      [](auto& t) { t.StepType = 5; },
   };
   for (const auto& change : changes) {
-    Entries entries = GoodEntries();
-    change(entries);
-    TestDefinition test;
+    TestDefinition test = Good();
+    change(test);
+    FormEntries entries = EntriesShowing(test);
     const TestValidation validation = ValidateTestDefinition(entries, kRange, test);
     EXPECT_FALSE(validation.Failure) << validation.Failure->Control;
     EXPECT_TRUE(validation.Notices.empty());
@@ -198,28 +219,28 @@ TEST(TestValidationTest, TheEdgeOfARangeIsRefused) {
 
 TEST(TestValidationTest, ConstantPeakOutlivesModulationOff) {
   for (bool modOff : {false, true}) {
-    Entries entries = GoodEntries();
-    entries.ConstPeak = true;
-    entries.ModOffBetweenFreqs = modOff;
+    FormEntries entries = GoodEntries();
+    entries.Tick("chkConstPeak");
+    entries.Tick("chkModOffBetweenFreqs", modOff);
     TestDefinition test;
     ASSERT_FALSE(ValidateTestDefinition(entries, kRange, test).Failure);
     EXPECT_EQ(test.ConstPeak, modOff);
     EXPECT_EQ(test.ModOffBetweenFreqs, modOff);
   }
-  Entries entries;
-  entries.ConstPeak = true;
+  FormEntries entries = GoodEntries();
+  entries.Tick("chkConstPeak");
   ConstPeakClicked(entries);
-  EXPECT_TRUE(entries.ModOffBetweenFreqs);
-  entries.ModOffBetweenFreqs = false;
+  EXPECT_TRUE(entries.IsTicked("chkModOffBetweenFreqs"));
+  entries.Tick("chkModOffBetweenFreqs", false);
   ModOffBetweenFreqsClicked(entries);
-  EXPECT_FALSE(entries.ConstPeak);
+  EXPECT_FALSE(entries.IsTicked("chkConstPeak"));
 }
 
 TEST(TestValidationTest, WhatWasReadBeforeAFailureIsLostOrWhatFollowsIsTaken) {
-  Entries entries = GoodEntries();
-  entries.StopFreq = "70";
-  entries.SweepDwell = "-1";
-  entries.ListFile = "new.lst";
+  FormEntries entries = GoodEntries();
+  entries["txtStopFreq"] = "70";
+  entries["txtSweepDwell"] = "-1";
+  entries["lblListFile"] = "new.lst";
   TestDefinition test;
   test.ListFile = "old.lst";
   ASSERT_TRUE(ValidateTestDefinition(entries, kRange, test).Failure);
@@ -229,44 +250,27 @@ TEST(TestValidationTest, WhatWasReadBeforeAFailureIsLostOrWhatFollowsIsTaken) {
   EXPECT_EQ(test.ListFile, "old.lst");
 }
 
-TEST(TestValidationTest, AnUntouchedFormChangesTheDefinition) {
-  TestDefinition test;
-  Entries entries = GoodEntries();
-  entries.ModType = 1, entries.AmDepth = "33.3", entries.AmModFreq = "0.4";
-  entries.ModOffBetweenFreqs = entries.UseAMdepth = true;
-  ASSERT_FALSE(ValidateTestDefinition(entries, kRange, test).Failure);
-  TestDefinition again = test;
-  Entries shown = EntriesOf(test);
-  ASSERT_FALSE(ValidateTestDefinition(shown, kRange, again).Failure);
-  EXPECT_TRUE(SameRecord(again, test));
-}
-
 TEST(TestValidationTest, AControlIsEnabledWrongly) {
-  struct Row {
-    const char* name;
-    std::function<void(Entries&)> change;
-    EnabledControls expected;
+  const struct {
+    std::function<void(TestDefinition&)> change;
+    std::string used;
+  } rows[] = {
+      {[](auto&) {}, ""},
+      {Am, "chkModOffBetweenFreqs chkConstPeak txtAmDepth txtAmModFreq"},
+      {[](auto& t) { Am(t), t.ModOffBetweenFreqs = true; },
+       "chkModOffBetweenFreqs chkConstPeak txtAmDepth txtAmModFreq chkUseAMdepth"},
+      {[](auto& t) { Fm(t), t.ModOffBetweenFreqs = true; }, "chkModOffBetweenFreqs txtFmDev txtFmModFreq"},
+      {Pulse, "chkModOffBetweenFreqs txtPulsePeriod txtPulseWidth"},
+      {[](auto& t) { t.LimitCurrent = true; }, ""},
+      {Probe, "chkLimitCurrent txtEUTCircuitImpedance lblImpedanceUnit"},
+      {[](auto& t) { Probe(t), t.LimitCurrent = true; },
+       "chkLimitCurrent txtEUTCircuitImpedance lblImpedanceUnit txtLimitMargin lblLimitMargin2"},
   };
-  const Row rows[] = {
-      {"none", [](Entries&) {}, {}},
-      {"AM", [](Entries& e) { e.ModType = 1; }, {.ModOffBetweenFreqs = true, .AmControls = true}},
-      {"AM, off between",
-       [](Entries& e) { e.ModType = 1, e.ModOffBetweenFreqs = true; },
-       {.ModOffBetweenFreqs = true, .AmControls = true, .UseAMdepth = true}},
-      {"FM, off between",
-       [](Entries& e) { e.ModType = 2, e.ModOffBetweenFreqs = true; },
-       {.ModOffBetweenFreqs = true, .FmControls = true}},
-      {"pulse", [](Entries& e) { e.ModType = 3; }, {.ModOffBetweenFreqs = true, .PulseControls = true}},
-      {"limit without probe", [](Entries& e) { e.LimitCurrent = true; }, {}},
-      {"probe", [](Entries& e) { e.MonitorProbe = true; }, {.ProbeControls = true}},
-      {"probe with limit",
-       [](Entries& e) { e.MonitorProbe = e.LimitCurrent = true; },
-       {.ProbeControls = true, .LimitMargin = true}},
-  };
-  for (const Row& row : rows) {
-    Entries entries;
-    row.change(entries);
-    EXPECT_EQ(EnabledControlsFor(entries), row.expected) << row.name;
+  for (const auto& row : rows) {
+    TestDefinition test = Good();
+    row.change(test);
+    for (const auto& [name, used] : UsedWith(EntriesShowing(test), TestDefinition()))
+      EXPECT_EQ(used, row.used.find(name) != std::string::npos) << name << ", " << row.used;
   }
 }
 

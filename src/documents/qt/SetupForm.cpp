@@ -10,6 +10,8 @@
 #include "platform/qt/QtText.h"
 #include "shell/Shell.h"
 #include "text/ExistingPath.h"
+#include "text/TextFile.h"
+#include "widgets/EntryControls.h"
 #include "widgets/FileDrop.h"
 #include "widgets/RecentFilesMenu.h"
 
@@ -23,6 +25,35 @@ std::string WholePath(const std::string& path) {
 }
 
 }  // namespace
+
+FormEntries SetupForm::Entries() const {
+  FormEntries entries = fields_;
+  ReadEntries(*this, entries);
+  return entries;
+}
+
+void SetupForm::ShowEntries(const FormEntries& entries) {
+  const bool isFirst = fields_.begin() == fields_.end();
+  fields_ = entries;
+  hylden::ShowEntries(*this, entries);
+  EnableControls();
+  if (!isFirst) return;
+  for (const auto& [name, text] : entries)
+    if (auto* const button = findChild<QAbstractButton*>(ToQt(name)))
+      connect(button, &QAbstractButton::clicked, this, &SetupForm::EnableControls);
+}
+
+void SetupForm::EnableControls() {
+  hylden::EnableControls(*this, UsedNow());
+}
+
+void SetupForm::ApplyRule(QAbstractButton* button, void (*rule)(FormEntries&)) {
+  On(button, [this, rule] {
+    FormEntries entries = Entries();
+    rule(entries);
+    ShowEntries(entries);
+  });
+}
 
 void SetupForm::OfferFiles(QMenu* recent, std::string_view kind, const QString& suffix,
                            const std::function<void(const QString&)>& load) {
@@ -62,10 +93,21 @@ void SetupForm::ShowMark() {
   setWindowTitle(HasUnsaved() ? caption_ + QLatin1Char('*') : caption_);
 }
 
-bool SetupForm::MayDrop(const char* title, const std::string& what) {
+bool SetupForm::HasUnsaved() const {
+  const std::optional<FormEntries> saved = SavedEntries();
+  return saved && !(*saved == Entries());
+}
+
+void SetupForm::KeepUnsaved() {
+  kept_.reset();
+  if (HasUnsaved()) kept_ = Entries();
+}
+
+bool SetupForm::MayDropEntries() {
   if (!HasUnsaved()) return true;
-  const MessageAnswer answer = shell_.dialogs.Show({what + " has changes that are not saved.\r\nSave them?", title,
-                                                    MessageIcon::Question, MessageButtons::YesNoCancel});
+  const MessageAnswer answer =
+      shell_.dialogs.Show({std::string(what_) + " has changes that are not saved.\r\nSave them?", saveTitle_,
+                           MessageIcon::Question, MessageButtons::YesNoCancel});
   return answer == MessageAnswer::Yes ? SaveEntries() : answer == MessageAnswer::No;
 }
 

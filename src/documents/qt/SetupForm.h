@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "platform/Dialogs.h"
+#include "shell/FormFields.h"
 #include "shell/qt/WorkingForm.h"
 
 class QAction;
@@ -20,7 +21,21 @@ class SetupForm : public WorkingForm {
   Q_OBJECT
 
  protected:
-  SetupForm(Shell& shell, QWidget* parent) : WorkingForm(shell, parent) {}
+  /// @param saveTitle  of the box that asks whether to save, "Save Equipment"
+  /// @param what       has not been saved, "The equipment"
+  SetupForm(Shell& shell, QWidget* parent, const char* saveTitle, const char* what)
+      : WorkingForm(shell, parent), saveTitle_(saveTitle), what_(what) {}
+
+  /// The form's fields as they stand on it, from the first ShowEntries on.
+  FormEntries Entries() const;
+  /// Shows entries, and enables what is in use with them. A click on an option or tick enables again.
+  void ShowEntries(const FormEntries& entries);
+  /// After a click on the button the rule changes the other entries.
+  void ApplyRule(QAbstractButton* button, void (*rule)(FormEntries&));
+  /// What can be used with these entries, of the controls that hang on a condition.
+  virtual UsedControls UsedNow() const { return {}; }
+  /// The same for what no list tells.
+  virtual void EnableControls();
 
   /// Loads what is chosen from the recent files of the kind or dropped on the form.
   void OfferFiles(QMenu* recent, std::string_view kind, const QString& suffix,
@@ -34,15 +49,21 @@ class SetupForm : public WorkingForm {
   /// From now on the mark follows every box, option and tick of the form.
   void WatchEntries();
   void ShowMark();
-  /// What is on the form differs from what was loaded or saved last.
-  virtual bool HasUnsaved() const { return false; }
+  /// What was loaded or saved last; nothing where nothing is saved.
+  virtual std::optional<FormEntries> SavedEntries() const { return std::nullopt; }
+  /// What is on the form differs from it.
+  virtual bool HasUnsaved() const;
   /// The command that saves. @return false when it did not come to a file
   virtual bool SaveEntries() { return true; }
   /// Asks what becomes of unsaved entries before they are dropped: saved, dropped, or the command is given up.
-  /// @param title  of the box, "Save Equipment"
-  /// @param what   has not been saved, "The equipment"
   /// @return whether the command may go on
-  bool MayDrop(const char* title, const std::string& what);
+  bool MayDropEntries();
+  /// The same when the form is left. What was unsaved already when it opened was asked about before, and leaving the
+  /// form costs none of it.
+  bool MayLeave() { return (kept_ && *kept_ == Entries()) || MayDropEntries(); }
+  /// The form has opened, or was loaded or saved.
+  void KeepUnsaved();
+  void ForgetKept() { kept_.reset(); }
 
   /// Asks for a file, starting beside the one that is loaded, else in the kind's data directory.
   std::optional<std::string> AskFile(const char* title, const char* filter, std::string_view kind,
@@ -57,6 +78,9 @@ class SetupForm : public WorkingForm {
 
   RecentFilesMenu* recentFiles_ = nullptr;
   QString caption_;
+  const char *saveTitle_, *what_;
+  FormEntries fields_;
+  std::optional<FormEntries> kept_;
 };
 
 }  // namespace hylden

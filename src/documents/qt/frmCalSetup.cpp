@@ -1,14 +1,13 @@
 #include "documents/qt/frmCalSetup.h"
 
 #include "documents/Documents.h"
-#include "documents/qt/EntryPrompt.h"
 #include "instruments/Instruments.h"
 #include "measure/InterpClass.h"
 #include "platform/qt/QtText.h"
 #include "shell/Shell.h"
+#include "shell/qt/FormPrompts.h"
 #include "text/Numbers.h"
 #include "ui_frmCalSetup.h"
-#include "widgets/EntryControls.h"
 
 namespace hylden {
 
@@ -18,51 +17,22 @@ constexpr char kSetupFilter[] = "Cal Setup Files (*.csu)|*.csu|All Files|*.*";
 constexpr char kLevelFilter[] = "Test Level (*.lev)|*.lev|All Files|*.*";
 constexpr char kInterDwell[] = "1.0";
 
-/// Every entry beside its control, once: showing and reading walk this list.
-template <class Visitor>
-void WalkEntries(const Ui::frmCalSetup& ui, CalSetupEntries& e, const Visitor& visit) {
-  visit(*ui.txtStartFreq, e.StartFreq);
-  visit(*ui.txtStopFreq, e.StopFreq);
-  visit({ui.optLinStep, ui.optLogStep, ui.optListStep}, e.StepType);
-  visit(*ui.txtLinearStep, e.LinearStep);
-  visit(*ui.txtLogStep, e.LogStep);
-  visit(*ui.lblListFile, e.ListFile);
-  visit({ui.optLimitFlat, ui.optLimitFile}, e.LimitType);
-  visit(*ui.txtCalLevel, e.CalLevel);
-  visit(*ui.lblLimitFile, e.LimitFile);
-  visit(*ui.txtMaxLev, e.MaxLevel);
-  visit(*ui.txtMaxStep, e.MaxStep);
-  visit(*ui.txtInitLev, e.InitLevel);
-  visit(*ui.chkRecordFP, e.RecordFwdPwr);
-  visit(*ui.chkRecordRP, e.RecordRevPwr);
-  visit(*ui.chkLimitFwdPwr, e.LimitFwdPwr);
-  visit(*ui.txtFwdPwrLimit, e.FwdPwrLimit);
-  visit(*ui.txtFinalDwell, e.FinalDwell);
-  visit(*ui.txtDeviceDescription, e.DeviceDescription);
-  visit(*ui.txtAmpUsed, e.AmpUsed);
-  visit({ui.opt150ohm, ui.opt50ohm, ui.opt50ohm50141, ui.optUserDefinedCF}, e.CouplingMethod);
-  visit(*ui.txtUserDefCF, e.UserDefCF);
-  visit(*ui.txtSetupDescription, e.SetupDescription);
-}
-
 }  // namespace
 
 frmCalSetup::frmCalSetup(Shell& shell, Instruments& instruments, Documents& documents, QWidget* parent)
-    : SetupForm(shell, parent),
+    : RunSetupForm(shell, parent, "Save Calibration Setup", "The calibration setup"),
       instruments_(instruments),
       documents_(documents),
       ui_(std::make_unique<Ui::frmCalSetup>()) {
   ui_->setupUi(this);
   ConnectCommands();
-  ConnectRules();
   Offer(false, false);
-  CalSetupEntries design;
-  ShowEntries(design);
-  documents_.calSetup.SetOpeningDefaults(design.InitLevel, static_cast<double>(instruments_.meter.SettlingTime()));
+  ShowEntries(EntriesOf(CalSetupRecord()).Entries);
+  documents_.calSetup.SetOpeningDefaults(static_cast<double>(instruments_.meter.SettlingTime()));
   SetupToForm();
   ShowFile();
   WatchEntries();
-  if (HasUnsaved()) kept_ = documents_.calSetup.Record;
+  KeepUnsaved();
 }
 
 frmCalSetup::~frmCalSetup() = default;
@@ -77,9 +47,8 @@ void frmCalSetup::ConnectCommands() {
   On(ui_->cmdLoad, [this] { Load(); });
   On(ui_->cmdSave, [this] { SaveAs(); });
   On(ui_->cmdStart, [this] { Start(); });
-  On(ui_->cmdListFile, [this] { SelectListFile(); });
+  ConnectList();
   On(ui_->cmdLevelFile, [this] { SelectLevelFile(); });
-  On(ui_->cmdCreateList, [this] { CreateList(); });
   connect(ui_->mnuEditList, &QAction::triggered, ui_->cmdCreateList, &QPushButton::click);
   ui_->lblListFile->setContextMenuPolicy(Qt::CustomContextMenu);
   connect(ui_->lblListFile, &QWidget::customContextMenuRequested, ui_->cmdCreateList, &QPushButton::click);
@@ -88,36 +57,18 @@ void frmCalSetup::ConnectCommands() {
   connect(ui_->cmdExit, &QPushButton::clicked, this, &QWidget::close);
   connect(ui_->mnuFileExit, &QAction::triggered, this, &QWidget::close);
   connect(ui_->mnuHelpCalibrations, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
-}
-
-void frmCalSetup::ConnectRules() {
-  const std::initializer_list<QAbstractButton*> plain = {ui_->optLinStep,   ui_->optLogStep,    ui_->optListStep,
-                                                         ui_->optLimitFlat, ui_->optLimitFile,  ui_->opt150ohm,
-                                                         ui_->opt50ohm,     ui_->opt50ohm50141, ui_->optUserDefinedCF};
-  for (QAbstractButton* const button : plain)
-    connect(button, &QAbstractButton::clicked, this, &frmCalSetup::EnableControls);
   ApplyRule(ui_->chkLimitFwdPwr, LimitFwdPwrClicked);
   ApplyRule(ui_->chkRecordFP, RecordFwdPwrClicked);
   ApplyRule(ui_->chkRecordRP, RecordRevPwrClicked);
 }
 
-/// After a click on the button the rule changes the other entries.
-void frmCalSetup::ApplyRule(QAbstractButton* button, void (*rule)(CalSetupEntries&)) {
-  On(button, [this, rule] {
-    CalSetupEntries entries = Entries();
-    rule(entries);
-    ShowEntries(entries);
-  });
-}
-
 void frmCalSetup::Offer(bool listBuilder, bool factorEditor) {
-  const QString missing = QStringLiteral("This version has no form for it");
-  ui_->cmdCreateList->setEnabled(listBuilder);
-  ui_->cmdCreateList->setToolTip(listBuilder ? QStringLiteral("Compose a frequency list") : missing);
+  RunSetupForm::Offer(listBuilder);
   ui_->mnuEditList->setEnabled(listBuilder);
   ui_->mnuEditList->setToolTip(ui_->cmdCreateList->toolTip());
   ui_->mnuEditLevel->setEnabled(factorEditor);
-  ui_->mnuEditLevel->setToolTip(factorEditor ? QStringLiteral("Edit a test level file") : missing);
+  ui_->mnuEditLevel->setToolTip(factorEditor ? QStringLiteral("Edit a test level file")
+                                             : QStringLiteral("This version has no form for it"));
   ui_->mnuEdit->setToolTipsVisible(true);
 }
 
@@ -128,43 +79,26 @@ QString frmCalSetup::HelpTopic() const {
 }
 
 bool frmCalSetup::QueryUnload() {
-  const bool mayClose = (kept_ && Shows(*kept_)) || MayDropEntries();
+  const bool mayClose = MayLeave();
   if (mayClose) FormToSetup(false);
   return mayClose;
 }
 
-bool frmCalSetup::HasUnsaved() const {
-  return !Shows(documents_.calSetup.Saved);
+std::optional<FormEntries> frmCalSetup::SavedEntries() const {
+  const FormEntries shown = Entries();
+  return EntriesOf(documents_.calSetup.Saved, &shown).Entries;
 }
 
-bool frmCalSetup::Shows(const CalSetupRecord& setup) const {
-  CalSetupEntries entries = EntriesOf(setup, Entries()).Entries;
-  bool same = true;
-  WalkEntries(*ui_, entries, EntryComparer{same});
-  return same;
-}
-
-bool frmCalSetup::MayDropEntries() {
-  return MayDrop("Save Calibration Setup", "The calibration setup");
-}
-
-CalSetupEntries frmCalSetup::Entries() const {
-  CalSetupEntries entries;
-  WalkEntries(*ui_, entries, EntryReader{CalSetupEntries::kNoChoice});
-  return entries;
-}
-
-void frmCalSetup::ShowEntries(CalSetupEntries entries) {
-  WalkEntries(*ui_, entries, EntryShower());
-  EnableControls();
+UsedControls frmCalSetup::UsedNow() const {
+  return UsedWith(Entries(), documents_.calSetup.Record);
 }
 
 void frmCalSetup::SetupToForm() {
-  CalSetupEntries entries = Entries();
-  const std::vector<std::string> messages = documents_.calSetup.SetupToForm(entries);
-  ShowEntries(entries);
+  const FormEntries shown = Entries();
+  const CalSetupShown setup = EntriesOf(documents_.calSetup.Record, &shown);
+  ShowEntries(setup.Entries);
   ui_->txtInterDwell->setText(QString::fromLatin1(kInterDwell));
-  for (const std::string& text : messages) shell_.dialogs.Tell(text);
+  for (const std::string& text : setup.Messages) shell_.dialogs.Tell(text);
 }
 
 bool frmCalSetup::FormToSetup(bool validate) {
@@ -178,7 +112,7 @@ void frmCalSetup::Explain(const EntryFailure& failure) {
     PointOut(*this, failure, shell_.dialogs);
     return;
   }
-  ui_->tabSetup->setCurrentIndex(failure.Tab);
+  ui_->tabSetup->setCurrentWidget(ui_->tabFrequency);
   const MessageAnswer answer = shell_.dialogs.Show({failure.Text, {}, MessageIcon::None, MessageButtons::OkCancel});
   if (answer == MessageAnswer::Ok) SelectListFile();
 }
@@ -187,17 +121,6 @@ void frmCalSetup::ShowFile() {
   const std::string& file = documents_.calSetup.FileName;
   SetCaption(QStringLiteral("Cal Setup File: ") + ToQt(file));
   ShowSaveTarget(*ui_->mnuFileSave, file);
-}
-
-void frmCalSetup::EnableControls() {
-  const EnabledCalControls enabled = EnabledControlsFor(Entries());
-  ui_->txtLinearStep->setEnabled(enabled.LinearStep);
-  ui_->txtLogStep->setEnabled(enabled.LogStep);
-  ui_->lblListFile->setEnabled(enabled.ListFile);
-  EnableAll(enabled.CalLevel, {ui_->txtCalLevel, ui_->lblCalLevelUnit});
-  ui_->lblLimitFile->setEnabled(enabled.LimitFile);
-  EnableAll(enabled.FwdPwrLimit, {ui_->txtFwdPwrLimit, ui_->lblFwdPwrUnit});
-  ui_->txtUserDefCF->setEnabled(enabled.UserDefCF);
 }
 
 void frmCalSetup::Load() {
@@ -212,7 +135,7 @@ void frmCalSetup::LoadFile(const QString& path) {
     CalSetup& setup = documents_.calSetup;
     if (!setup.LoadDef(FromQt(path))) return;
     setup.FileName = FromQt(path);
-    kept_.reset();
+    ForgetKept();
     ShowFile();
     SetupToForm();
     AddRecentFile(setup.FileName);
@@ -236,27 +159,23 @@ bool frmCalSetup::SaveTo(const std::string& path) {
   CalSetup& setup = documents_.calSetup;
   if (!setup.SaveDef(path)) return false;
   setup.FileName = path;
-  kept_.reset();
+  ForgetKept();
   // What the setup does not take, as the step of a kind that is not chosen, is not in the file.
-  ShowEntries(EntriesOf(setup.Record, Entries()).Entries);
+  const FormEntries shown = Entries();
+  ShowEntries(EntriesOf(setup.Record, &shown).Entries);
   ShowFile();
   AddRecentFile(path);
   return true;
 }
 
-void frmCalSetup::SelectListFile() {
-  if (const auto path = AskListFile(ui_->lblListFile->Path())) UseList(ToQt(*path));
-}
-
 void frmCalSetup::UseList(const QString& path) {
   CalSetup& setup = documents_.calSetup;
   if (!setup.LoadFreqList(FromQt(path))) return;
-  CalSetupEntries entries = Entries();
-  entries.ListFile = FromQt(path);
-  ListFileChanged(entries);
-  entries.StartFreq = ShortestText(setup.Record.StartFreq);
-  entries.StopFreq = ShortestText(setup.Record.StopFreq);
-  ShowEntries(entries);
+  FitPathLabel(FromQt(path), *ui_->lblListFile);
+  ui_->optListStep->setChecked(true);
+  ui_->txtStartFreq->setText(ToQt(ShortestText(setup.Record.StartFreq)));
+  ui_->txtStopFreq->setText(ToQt(ShortestText(setup.Record.StopFreq)));
+  EnableControls();
   ShowMark();
 }
 
@@ -271,26 +190,15 @@ void frmCalSetup::SelectLevelFile() {
 void frmCalSetup::UseLevelFile(const QString& path) {
   InterpClass table(shell_);
   if (!table.InitInterp(FromQt(path))) return;
-  CalSetupEntries entries = Entries();
-  entries.LimitFile = FromQt(path);
-  entries.LimitType = static_cast<std::int32_t>(LimitType::File);
-  ShowEntries(entries);
+  FitPathLabel(FromQt(path), *ui_->lblLimitFile);
+  ui_->optLimitFile->setChecked(true);
+  EnableControls();
   ShowMark();
-}
-
-void frmCalSetup::CreateList() {
-  emit CreateListRequested(ToQt(ui_->lblListFile->Path()));
 }
 
 void frmCalSetup::Start() {
   if (!FormToSetup(true)) return;
-  const auto failure = CheckStation(documents_.calSetup.Record, documents_.equip);
-  if (!failure) {
-    emit StartRequested();
-    return;
-  }
-  shell_.dialogs.Tell(failure->Text);
-  emit EditEquipmentRequested(failure->EquipmentTab);
+  if (!TellMissing(CheckStation(documents_.calSetup.Record, documents_.equip))) emit StartRequested();
 }
 
 }  // namespace hylden

@@ -2,12 +2,10 @@
 
 #include <memory>
 
-#include "documents/CalSetupRecord.h"
-#include "documents/qt/SetupForm.h"
+#include "documents/qt/RunSetupForm.h"
 
 namespace hylden {
 
-struct CalSetupEntries;
 struct Documents;
 struct EntryFailure;
 struct Instruments;
@@ -17,7 +15,7 @@ class frmCalSetup;
 
 /// The calibration setup: which frequencies are calibrated, to which level, with which coupling device. What was typed
 /// stays in the setup when the form closes, checked or not.
-class frmCalSetup : public SetupForm {
+class frmCalSetup : public RunSetupForm {
   Q_OBJECT
 
  public:
@@ -32,7 +30,7 @@ class frmCalSetup : public SetupForm {
   /// Loads a setup; after a failure the form stays as it was.
   void LoadFile(const QString& path);
   /// Makes a file the frequency list and its ends the range; one that does not read as a list is refused.
-  void UseList(const QString& path);
+  void UseList(const QString& path) override;
   /// Makes a file the test level; one that does not read as a factor table is refused.
   void UseLevelFile(const QString& path);
   /// Enables what opens the list builder and the factor file editor when the program around has them.
@@ -41,47 +39,30 @@ class frmCalSetup : public SetupForm {
   QString HelpTopic() const override;
 
  signals:
-  /// The list builder is wanted; the list composed there comes back through UseList.
-  void CreateListRequested(const QString& listFile);
   /// The factor file editor is wanted for test level files.
   void EditLevelRequested(const QString& levelFile);
-  /// The station lacks something for this calibration: open the equipment form, modally, on this page.
-  void EditEquipmentRequested(int tab);
-  /// Setup and station are complete: open the calibration run in the place of this form.
-  void StartRequested();
 
  protected:
   bool QueryUnload() override;
-  bool HasUnsaved() const override;
+  std::optional<FormEntries> SavedEntries() const override;
   bool SaveEntries() override;
 
  private:
   void ConnectCommands();
-  void ConnectRules();
 
-  CalSetupEntries Entries() const;
-  void ShowEntries(CalSetupEntries entries);
-  void EnableControls();
-  void ApplyRule(QAbstractButton* button, void (*rule)(CalSetupEntries&));
+  UsedControls UsedNow() const override;
   void Explain(const EntryFailure& failure);
-  /// Whether the form shows this setup.
-  bool Shows(const CalSetupRecord& setup) const;
-  bool MayDropEntries();
   void ShowFile();
 
   void Load();
   bool SaveAs();
   bool SaveTo(const std::string& path);
-  void SelectListFile();
   void SelectLevelFile();
-  void CreateList();
   void Start();
 
   Instruments& instruments_;
   Documents& documents_;
   std::unique_ptr<Ui::frmCalSetup> ui_;
-  /// Unsaved when the form opened: it was asked about before, and leaving the form costs none of it.
-  std::optional<CalSetupRecord> kept_;
 };
 
 }  // namespace hylden

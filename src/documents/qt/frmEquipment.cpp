@@ -1,13 +1,13 @@
 #include "documents/qt/frmEquipment.h"
 
 #include "documents/Equip.h"
-#include "documents/qt/EntryPrompt.h"
 #include "instruments/Instruments.h"
 #include "measure/InterpClass.h"
 #include "platform/qt/QtText.h"
 #include "shell/FormInput.h"
 #include "shell/Shell.h"
 #include "shell/qt/AboutBox.h"
+#include "shell/qt/FormPrompts.h"
 #include "shell/qt/OptionsMenu.h"
 #include "text/Numbers.h"
 #include "ui_frmEquipment.h"
@@ -74,7 +74,10 @@ struct frmEquipment::TableRow {
 };
 
 frmEquipment::frmEquipment(Shell& shell, Instruments& instruments, Equip& equip, QWidget* parent)
-    : SetupForm(shell, parent), instruments_(instruments), equip_(equip), ui_(std::make_unique<Ui::frmEquipment>()) {
+    : SetupForm(shell, parent, "Save Equipment", "The equipment"),
+      instruments_(instruments),
+      equip_(equip),
+      ui_(std::make_unique<Ui::frmEquipment>()) {
   ui_->setupUi(this);
   ConnectFileMenu();
   ConnectInstruments();
@@ -372,10 +375,6 @@ bool frmEquipment::Shows(const EquipRecord& record) const {
   const EquipRecord& now = equip_.Record;
   return now.SigGenFile == record.SigGenFile && now.MeterFile == record.MeterFile &&
          now.PwrMtrFile == record.PwrMtrFile && SameEntries(Entries(), EntriesOf(record));
-}
-
-bool frmEquipment::MayDropEntries() {
-  return MayDrop("Save Equipment", "The equipment");
 }
 
 bool frmEquipment::SaveEntries() {

@@ -85,7 +85,6 @@ class frmEquipment : public SetupForm {
   void AskAndLoad();
   /// Whether the form shows this station.
   bool Shows(const EquipRecord& record) const;
-  bool MayDropEntries();
   bool SaveAs();
   bool SaveTo(const std::string& path);
   void RequestInsertionLoss();

@@ -1,10 +1,10 @@
 #include "documents/qt/frmTestDef.h"
 
 #include "documents/Documents.h"
-#include "documents/qt/EntryPrompt.h"
 #include "measure/ReadFreq.h"
 #include "platform/qt/QtText.h"
 #include "shell/Shell.h"
+#include "shell/qt/FormPrompts.h"
 #include "ui_frmTestDef.h"
 #include "widgets/EntryControls.h"
 
@@ -15,48 +15,10 @@ namespace {
 constexpr char kTestFilter[] = "Definitions (*.tst)|*.tst";
 constexpr char kCalFilter[] = "CalInfo (*.hyinfo)|*.hyinfo";
 
-/// Every entry beside its control, once: showing and reading walk this list.
-template <class Visitor>
-void WalkEntries(const Ui::frmTestDef& ui, TestDefinitionEntries& e, const Visitor& visit) {
-  visit(*ui.lblCalFileName, e.CalFile);
-  visit(*ui.txtStartFreq, e.StartFreq);
-  visit(*ui.txtStopFreq, e.StopFreq);
-  visit(*ui.chkFreqSweep, e.FreqSweep);
-  visit(*ui.optLinStep, e.LinStep);
-  visit(*ui.optLogStep, e.LogStepChosen);
-  visit(*ui.txtLinearStep, e.LinearStep);
-  visit(*ui.txtLogStep, e.LogStep);
-  visit(*ui.txtSweepDwell, e.SweepDwell);
-  visit(*ui.chkFreqList, e.FreqList);
-  visit(*ui.lblListFile, e.ListFile);
-  visit(*ui.txtDiscreteDwell, e.DiscreteDwell);
-  visit({ui.optNoMod, ui.optAMMod, ui.optFMMod, ui.optPulseMod}, e.ModType);
-  visit(*ui.txtAmDepth, e.AmDepth);
-  visit(*ui.txtAmModFreq, e.AmModFreq);
-  visit(*ui.txtFmDev, e.FmDev);
-  visit(*ui.txtFmModFreq, e.FmModFreq);
-  visit(*ui.txtPulseWidth, e.PulseWidth);
-  visit(*ui.txtPulsePeriod, e.PulsePeriod);
-  visit(*ui.chkConstPeak, e.ConstPeak);
-  visit(*ui.chkModOffBetweenFreqs, e.ModOffBetweenFreqs);
-  visit(*ui.chkUseAMdepth, e.UseAMdepth);
-  visit(*ui.optRealTimeLevel, e.RealTimeLevel);
-  visit(*ui.txtInitLevOffset, e.InitLevOffset);
-  visit(*ui.txtLevelInc, e.LevelInc);
-  visit(*ui.txtInterDwell, e.InterDwell);
-  visit({ui.optSigGenLevel, ui.optUseFwdPwr, ui.optNetPwrLev}, e.LevelingMethod);
-  visit(*ui.chkExtrapolate, e.Extrapolate);
-  visit(*ui.txtExtrapolateTo, e.ExtrapolateTo);
-  visit(*ui.chkMonitorProbe, e.MonitorProbe);
-  visit(*ui.chkLimitCurrent, e.LimitCurrent);
-  visit(*ui.txtLimitMargin, e.LimitMargin);
-  visit(*ui.txtEUTCircuitImpedance, e.EUTCircuitImpedance);
-}
-
 }  // namespace
 
 frmTestDef::frmTestDef(Shell& shell, Documents& documents, QWidget* parent)
-    : SetupForm(shell, parent),
+    : RunSetupForm(shell, parent, "Save Test Definition", "The test definition"),
       documents_(documents),
       ui_(std::make_unique<Ui::frmTestDef>()),
       readOnlyNotice_(new QLabel(this)) {
@@ -66,14 +28,13 @@ frmTestDef::frmTestDef(Shell& shell, Documents& documents, QWidget* parent)
   readOnlyNotice_->setMargin(4);
   ui_->statusBar->addWidget(readOnlyNotice_);
   ConnectCommands();
-  ConnectRules();
   Offer(false);
   calInfoOfRecord_ = documents_.calInfo.Record;
   DefToForm();
   ShowCalInfo();
   ShowFile();
   WatchEntries();
-  if (HasUnsaved()) kept_ = documents_.testSetup.Definition;
+  KeepUnsaved();
 }
 
 frmTestDef::~frmTestDef() = default;
@@ -88,38 +49,14 @@ void frmTestDef::ConnectCommands() {
   On(ui_->cmdLoad, [this] { Load(); });
   On(ui_->cmdSave, [this] { SaveEntries(); });
   On(ui_->cmdCalFile, [this] { SelectCalFile(); });
-  On(ui_->cmdListFile, [this] { SelectListFile(); });
-  On(ui_->cmdCreateList, [this] { CreateList(); });
+  ConnectList();
   On(ui_->cmdStart, [this] { Start(); });
   connect(ui_->cmdExit, &QPushButton::clicked, this, &QWidget::close);
   connect(ui_->mnuFileExit, &QAction::triggered, this, &QWidget::close);
   connect(ui_->mnuFilePreview, &QAction::triggered, this, &frmTestDef::PrintPreviewRequested);
   connect(ui_->mnuHelpTestdef, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
-}
-
-void frmTestDef::ConnectRules() {
-  const std::initializer_list<QAbstractButton*> plain = {
-      ui_->optLinStep,  ui_->optLogStep,    ui_->optNoMod,        ui_->optAMMod,       ui_->optFMMod,
-      ui_->optPulseMod, ui_->chkUseAMdepth, ui_->chkMonitorProbe, ui_->chkLimitCurrent};
-  for (QAbstractButton* const button : plain)
-    connect(button, &QAbstractButton::clicked, this, &frmTestDef::EnableControls);
   ApplyRule(ui_->chkConstPeak, ConstPeakClicked);
   ApplyRule(ui_->chkModOffBetweenFreqs, ModOffBetweenFreqsClicked);
-}
-
-/// After a click on the button the rule changes the other entries.
-void frmTestDef::ApplyRule(QAbstractButton* button, void (*rule)(TestDefinitionEntries&)) {
-  On(button, [this, rule] {
-    TestDefinitionEntries entries = Entries();
-    rule(entries);
-    ShowEntries(entries);
-  });
-}
-
-void frmTestDef::Offer(bool listBuilder) {
-  ui_->cmdCreateList->setEnabled(listBuilder);
-  ui_->cmdCreateList->setToolTip(listBuilder ? QStringLiteral("Compose a frequency list")
-                                             : QStringLiteral("This version has no form for it"));
 }
 
 QString frmTestDef::HelpTopic() const {
@@ -128,42 +65,23 @@ QString frmTestDef::HelpTopic() const {
 }
 
 bool frmTestDef::QueryUnload() {
-  if (!(kept_ && Shows(*kept_)) && !MayDropEntries()) return false;
+  if (!MayLeave()) return false;
   // A calibration that was chosen, but not taken into the record, is dropped together with its info.
   if (ui_->lblCalFileName->Path() != documents_.testSetup.Definition.CalInfoFile)
     documents_.calInfo.Record = calInfoOfRecord_;
   return true;
 }
 
-bool frmTestDef::HasUnsaved() const {
-  return !Shows(documents_.testSetup.Saved);
+std::optional<FormEntries> frmTestDef::SavedEntries() const {
+  return EntriesShowing(documents_.testSetup.Saved);
 }
 
-bool frmTestDef::Shows(const TestDefinition& test) const {
-  TestDefinitionEntries entries = EntriesOf(test);
-  bool same = true;
-  WalkEntries(*ui_, entries, EntryComparer{same});
-  return same;
-}
-
-bool frmTestDef::MayDropEntries() {
-  return MayDrop("Save Test Definition", "The test definition");
-}
-
-TestDefinitionEntries frmTestDef::Entries() const {
-  TestDefinitionEntries entries;
-  WalkEntries(*ui_, entries, EntryReader());
-  return entries;
-}
-
-void frmTestDef::ShowEntries(TestDefinitionEntries entries) {
-  WalkEntries(*ui_, entries, EntryShower());
-  SetSelected(*ui_->optSubstitution, !entries.RealTimeLevel);
-  EnableControls();
+UsedControls frmTestDef::UsedNow() const {
+  return UsedWith(Entries(), documents_.testSetup.Definition);
 }
 
 void frmTestDef::DefToForm() {
-  ShowEntries(EntriesOf(documents_.testSetup.Definition));
+  ShowEntries(EntriesShowing(documents_.testSetup.Definition));
 }
 
 bool frmTestDef::FormToDef() {
@@ -176,7 +94,7 @@ bool frmTestDef::FormToDef() {
 
 /// Checks the form and takes it into a definition, up to the first invalid entry, which is pointed out; false then.
 bool frmTestDef::TakeInto(TestDefinition& test) {
-  TestDefinitionEntries entries = Entries();
+  FormEntries entries = Entries();
   const TestValidation result = ValidateTestDefinition(entries, documents_.calInfo.Record.FreqRange, test);
   for (const std::string& notice : result.Notices) shell_.dialogs.Tell(notice);
   ShowEntries(entries);
@@ -201,8 +119,9 @@ void frmTestDef::ShowFile() {
   const bool readOnly = documents_.testSetup.TestFileReadOnly();
   SetCaption(QStringLiteral("Test Definition File: ") + ToQt(path));
   ShowSaveTarget(*ui_->mnuFileSave, path);
-  EnableAll(!readOnly,
-            {ui_->fraFeedback, ui_->fraCalFileData, ui_->fraLevelingMode, ui_->fraLevelRamping, ui_->cmdCalFile});
+  for (QWidget* const control : std::initializer_list<QWidget*>{
+           ui_->fraFeedback, ui_->fraCalFileData, ui_->fraLevelingMode, ui_->fraLevelRamping, ui_->cmdCalFile})
+    control->setEnabled(!readOnly);
   readOnlyNotice_->setVisible(readOnly);
 }
 
@@ -210,16 +129,8 @@ void frmTestDef::EnableControls() {
   // Both steps are checked, whichever is chosen; Tab goes to the one in use.
   ui_->txtLinearStep->setFocusPolicy(ui_->optLinStep->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);
   ui_->txtLogStep->setFocusPolicy(ui_->optLogStep->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);
-  const EnabledControls enabled = EnabledControlsFor(Entries());
-  EnableAll(enabled.ModOffBetweenFreqs, {ui_->chkModOffBetweenFreqs});
-  EnableAll(enabled.AmControls,
-            {ui_->chkConstPeak, ui_->txtAmDepth, ui_->lblAmDepth, ui_->txtAmModFreq, ui_->lblAmModFreq});
-  EnableAll(enabled.UseAMdepth, {ui_->chkUseAMdepth});
-  EnableAll(enabled.FmControls, {ui_->txtFmDev, ui_->lblFmDev, ui_->txtFmModFreq, ui_->lblFmModFreq});
-  EnableAll(enabled.PulseControls, {ui_->txtPulsePeriod, ui_->lblPulsePeriod, ui_->txtPulseWidth, ui_->lblPulseWidth});
-  EnableAll(enabled.ProbeControls,
-            {ui_->chkLimitCurrent, ui_->txtEUTCircuitImpedance, ui_->lblEUTCircuitImpedance, ui_->lblImpedanceUnit});
-  EnableAll(enabled.LimitMargin, {ui_->txtLimitMargin, ui_->lblLimitMargin, ui_->lblLimitMargin2});
+  SetSelected(*ui_->optSubstitution, !ui_->optRealTimeLevel->isChecked());
+  SetupForm::EnableControls();
 }
 
 void frmTestDef::Load() {
@@ -233,7 +144,7 @@ void frmTestDef::LoadFile(const QString& path) {
     if (!MayDropEntries()) return;
     TestSetup& testSetup = documents_.testSetup;
     if (!testSetup.LoadDef(FromQt(path))) return;
-    kept_.reset();
+    ForgetKept();
     DefToForm();
     ShowFile();
     // Without its own info the test must not be checked against that of the calibration before.
@@ -258,7 +169,7 @@ bool frmTestDef::SaveAs() {
 
 bool frmTestDef::SaveTo(const std::string& path) {
   if (!FormToDef() || !documents_.testSetup.SaveDef(path)) return false;
-  kept_.reset();
+  ForgetKept();
   // What the definition does not take, as an impedance without a probe, is not in the file.
   DefToForm();
   ShowFile();
@@ -282,10 +193,6 @@ void frmTestDef::SelectCalFile() {
   ShowCalInfo();
 }
 
-void frmTestDef::SelectListFile() {
-  if (const auto path = AskListFile(ui_->lblListFile->Path())) UseList(ToQt(*path));
-}
-
 void frmTestDef::UseList(const QString& path) {
   const std::string file = FromQt(path);
   std::vector<double> frequencies;
@@ -295,19 +202,9 @@ void frmTestDef::UseList(const QString& path) {
   ShowMark();
 }
 
-void frmTestDef::CreateList() {
-  emit CreateListRequested(ToQt(ui_->lblListFile->Path()));
-}
-
 void frmTestDef::Start() {
   if (!FormToDef()) return;
-  const auto failure = CheckStart(documents_.testSetup.Definition, documents_.equip);
-  if (!failure) {
-    emit StartRequested();
-    return;
-  }
-  shell_.dialogs.Tell(failure->Text);
-  emit EditEquipmentRequested(failure->EquipmentTab);
+  if (!TellMissing(CheckStart(documents_.testSetup.Definition, documents_.equip))) emit StartRequested();
 }
 
 }  // namespace hylden

@@ -1,17 +1,14 @@
 #pragma once
 
-class QLineEdit;
+class QWidget;
 
 namespace hylden {
 
 class Dialogs;
+struct EntryFailure;
 
-inline constexpr char kNotANumberText[] = "Value not a number, re-enter";
-inline constexpr char kOutOfRangeText[] = "Number outside valid range, re-enter";
-
-/// Leads the operator to a box whose text is no number: focus, selection (when it is visible), and the message.
-void NotANumberPrompt(QLineEdit& box, Dialogs& dialogs);
-/// The same for a number outside its range.
-void OutOfRangePrompt(QLineEdit& box, Dialogs& dialogs);
+/// Leads the operator to the entry that has to be corrected: turns the form's tab control "tabSetup" to the page that
+/// holds it, focuses and selects it when it is visible, and shows the prompt or message.
+void PointOut(QWidget& form, const EntryFailure& failure, Dialogs& dialogs);
 
 }  // namespace hylden

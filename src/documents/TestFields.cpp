@@ -1,0 +1,168 @@
+#include <cmath>
+
+#include "documents/TestSetup.h"
+#include "instruments/SigGen.h"
+#include "measure/ReadFreq.h"
+#include "text/Numbers.h"
+
+namespace hylden {
+namespace {
+
+constexpr std::int32_t kNoSteps = -1;
+
+/// The limits of a calibration's range text; nothing when it holds no range.
+std::optional<CalibratedRange> RangeOf(std::string_view range) {
+  // A small frequency may be written with an exponent, whose minus is none of a range.
+  std::size_t separator = range.find(" - "), length = 3;
+  if (separator == std::string_view::npos) separator = range.find('-'), length = 1;
+  if (separator == std::string_view::npos) return std::nullopt;
+  const std::string_view first = range.substr(0, separator), second = range.substr(separator + length);
+  if (first.find_first_of("0123456789") == std::string_view::npos) return std::nullopt;
+  if (range.find(',') != std::string_view::npos) return std::nullopt;  // somebody's decimal sign
+  const CalibratedRange limits{LeadingNumber(first), LeadingNumber(second)};
+  if (limits.highest <= 0 || limits.highest < limits.lowest) return std::nullopt;
+  return limits;
+}
+
+std::string LimitNotice(const char* which, double typed, const char* than, double limit) {
+  return std::string(which) + " frequency specified, " + ShortestText(typed) + " MHz, is " + than +
+         " frequency in the cal file, " + ShortestText(limit) +
+         " MHz. \r\nTesting will not happen outside the cal file limits.";
+}
+
+void CalibrationFields(FormWalker& f, TestDefinition& t, const std::optional<CalibratedRange>& range) {
+  std::string calFile = t.CalInfoFile;
+  f.Text("lblCalFileName", calFile);
+  // A new definition names none, and then there is no info to be checked against either.
+  f.Require("lblCalFileName", !calFile.empty(), "No calibration setup file specified!");
+  f.Require("lblCalFileName", range.has_value(),
+            "No start/stop frequencies in calibration file.\r\nTry checking calibration file data.");
+  if (f.Takes()) t.CalInfoFile = calFile;
+}
+
+void RangeFields(FormWalker& f, TestDefinition& t, const CalibratedRange& range) {
+  f.Number("txtStartFreq", t.StartFreq);
+  f.Check("txtStartFreq", t.StartFreq > 0);
+  if (t.StartFreq < range.lowest)
+    f.Replace("txtStartFreq", t.StartFreq, range.lowest,
+              LimitNotice("Start", t.StartFreq, "less than the\r\nlowest", range.lowest));
+  f.Number("txtStopFreq", t.StopFreq);
+  f.Check("txtStopFreq", t.StopFreq > t.StartFreq);
+  if (t.StopFreq > range.highest)
+    f.Replace("txtStopFreq", t.StopFreq, range.highest,
+              LimitNotice("Stop", t.StopFreq, "greater than the\r\nhighest", range.highest));
+  // A start beyond the record leaves no range at all.
+  f.Check("txtStartFreq", t.StopFreq > t.StartFreq);
+}
+
+void FrequencyFields(FormWalker& f, TestDefinition& t) {
+  bool sweep = t.FreqSweep, list = t.FreqList;
+  auto steps = t.StepType;
+  f.Tick("chkFreqSweep", sweep);
+  f.Tick("chkFreqList", list);
+  f.Choice({"optLinStep", "optLogStep"}, steps, kNoSteps);
+  f.Require("fraSweep", sweep || list,
+            "Either a swept frequency test or \r\na discrete frequency test must be specified");
+  f.Number("txtLinearStep", t.LinearStep);
+  f.Number("txtLogStep", t.LogStep);
+  f.Number("txtSweepDwell", t.SweepDwell);
+  if (f.Takes()) t.FreqSweep = sweep;
+  if (f.Takes() && sweep && steps != kNoSteps) t.StepType = steps;
+  f.Check("txtLinearStep", !sweep || steps != static_cast<int>(StepType::Linear) || t.LinearStep > 0);
+  f.Check("txtLogStep", !sweep || steps != static_cast<int>(StepType::Log) || t.LogStep > 0);
+  f.Check("txtSweepDwell", !sweep || t.SweepDwell >= 0);
+
+  f.Number("txtDiscreteDwell", t.DiscreteDwell);
+  f.Text("lblListFile", t.ListFile);
+  if (f.Takes()) t.FreqList = list;
+  f.Check("txtDiscreteDwell", !list || t.DiscreteDwell >= 0);
+  f.Require("lblListFile", !list || !t.ListFile.empty(), "No frequency list file specified");
+}
+
+void ModulationFields(FormWalker& f, TestDefinition& t) {
+  f.Number("txtAmDepth", t.AmDepth);
+  f.Number("txtAmModFreq", t.AmModFreq);
+  f.Number("txtFmDev", t.FmDev);
+  f.Number("txtFmModFreq", t.FmModFreq);
+  f.Number("txtPulseWidth", t.PulseWidth);
+  f.Number("txtPulsePeriod", t.PulsePeriod);
+  f.Choice({"optNoMod", "optAMMod", "optFMMod", "optPulseMod"}, t.ModType, 0);
+  f.Uses(!t.Modulates(Modulation::None), {"chkModOffBetweenFreqs"});
+  if (f.Uses(t.Modulates(Modulation::Am), {"chkConstPeak", "txtAmDepth", "txtAmModFreq"})) {
+    f.Check("txtAmDepth", t.AmDepth > 0 && t.AmDepth <= 100);
+    f.Check("txtAmModFreq", t.AmModFreq > 0);
+  }
+  if (f.Uses(t.Modulates(Modulation::Fm), {"txtFmDev", "txtFmModFreq"})) {
+    f.Check("txtFmDev", t.FmDev > 0);
+    f.Check("txtFmModFreq", t.FmModFreq > 0);
+  }
+  if (f.Uses(t.Modulates(Modulation::Pulse), {"txtPulsePeriod", "txtPulseWidth"})) {
+    f.Check("txtPulsePeriod", t.PulsePeriod > 0);
+    f.Check("txtPulseWidth", t.PulseWidth > 0);
+  }
+  f.Tick("chkConstPeak", t.ConstPeak);
+  f.Tick("chkModOffBetweenFreqs", t.ModOffBetweenFreqs);
+  if (f.Takes()) t.ConstPeak = t.ConstPeak && t.ModOffBetweenFreqs;
+  f.Uses(t.Modulates(Modulation::Am) && t.ModOffBetweenFreqs, {"chkUseAMdepth"});
+  f.Tick("chkUseAMdepth", t.UseAMdepth);
+}
+
+void LevelFields(FormWalker& f, TestDefinition& t) {
+  bool closedLoop = t.LevelingMode == 1;
+  f.Tick("optRealTimeLevel", closedLoop);
+  if (f.Takes()) t.LevelingMode = closedLoop ? 1 : 0;
+  f.Number("txtInitLevOffset", t.InitLevOffset);
+  if (f.Takes() && t.InitLevOffset > 0) t.InitLevOffset = -t.InitLevOffset;
+  f.Number("txtLevelInc", t.LevelInc);
+  if (f.Takes()) t.LevelInc = std::abs(t.LevelInc);
+  f.Check("txtLevelInc", t.InitLevOffset >= 0 || t.LevelInc > 0);
+  f.Number("txtExtrapolateTo", t.ExtrapolateTo);
+  f.Tick("chkExtrapolate", t.Extrapolate);
+  f.Check("txtExtrapolateTo", !t.Extrapolate || t.ExtrapolateTo < 0);
+  f.Number("txtInterDwell", t.InterDwell);
+  f.Check("txtInterDwell", t.InterDwell >= 0);
+  f.Choice({"optSigGenLevel", "optUseFwdPwr", "optNetPwrLev"}, t.LevelingMethod, 0);
+  f.Require("chkModOffBetweenFreqs", !t.Modulates(Modulation::Pulse) || t.ModOffBetweenFreqs || !t.LevelsByPower(),
+            "The power meter reads the mean of a pulsed signal, which is below its pulses.\r\n"
+            "To level by power, pulse modulation has to be off between frequencies.");
+}
+
+void ProbeFields(FormWalker& f, TestDefinition& t) {
+  f.Tick("chkMonitorProbe", t.MonitorProbe);
+  if (f.Uses(t.MonitorProbe, {"chkLimitCurrent", "txtEUTCircuitImpedance", "lblImpedanceUnit"})) {
+    f.Number("txtEUTCircuitImpedance", t.EUTCircuitImpedance);
+    f.Check("txtEUTCircuitImpedance", t.EUTCircuitImpedance >= 0);
+  }
+  f.Tick("chkLimitCurrent", t.LimitCurrent);
+  f.Uses(t.MonitorProbe && t.LimitCurrent, {"txtLimitMargin", "lblLimitMargin2"});
+  f.Number("txtLimitMargin", t.LimitMargin);
+  if (f.Takes()) t.Spare1 = t.Spare2 = t.Spare3 = t.Spare4 = t.Spare5 = "";
+}
+
+}  // namespace
+
+void FormFields(FormWalker& f, TestDefinition& t, const std::optional<CalibratedRange>& range) {
+  CalibrationFields(f, t, range);
+  RangeFields(f, t, range.value_or(CalibratedRange()));
+  FrequencyFields(f, t);
+  ModulationFields(f, t);
+  LevelFields(f, t);
+  ProbeFields(f, t);
+}
+
+TestValidation ValidateTestDefinition(FormEntries& entries, const std::string& calFreqRange, TestDefinition& test) {
+  EntryTaker taker(entries);
+  FormFields(taker, test, RangeOf(calFreqRange));
+  entries = std::move(taker.Entries);
+  return {std::move(taker.Failure), std::move(taker.Notices)};
+}
+
+void ConstPeakClicked(FormEntries& entries) {
+  if (entries.IsTicked("chkConstPeak")) entries.Tick("chkModOffBetweenFreqs");
+}
+
+void ModOffBetweenFreqsClicked(FormEntries& entries) {
+  if (!entries.IsTicked("chkModOffBetweenFreqs")) entries.Tick("chkConstPeak", false);
+}
+
+}  // namespace hylden

@@ -1,0 +1,36 @@
+#include "documents/qt/RunSetupForm.h"
+
+#include <QPushButton>
+
+#include "documents/Equip.h"
+#include "platform/qt/QtText.h"
+#include "shell/Shell.h"
+#include "widgets/PathLabel.h"
+
+namespace hylden {
+
+void RunSetupForm::ConnectList() {
+  auto* const create = findChild<QPushButton*>(QStringLiteral("cmdCreateList"));
+  On(findChild<QPushButton*>(QStringLiteral("cmdListFile")), [this] { SelectListFile(); });
+  On(create, [this] { emit CreateListRequested(ToQt(Entries()["lblListFile"])); });
+}
+
+void RunSetupForm::Offer(bool listBuilder) {
+  auto* const create = findChild<QPushButton*>(QStringLiteral("cmdCreateList"));
+  create->setEnabled(listBuilder);
+  create->setToolTip(listBuilder ? QStringLiteral("Compose a frequency list")
+                                 : QStringLiteral("This version has no form for it"));
+}
+
+void RunSetupForm::SelectListFile() {
+  if (const auto path = AskListFile(Entries()["lblListFile"])) UseList(ToQt(*path));
+}
+
+bool RunSetupForm::TellMissing(const std::optional<StartFailure>& missing) {
+  if (!missing) return false;
+  shell_.dialogs.Tell(missing->Text);
+  emit EditEquipmentRequested(missing->EquipmentTab);
+  return true;
+}
+
+}  // namespace hylden

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "documents/qt/SetupForm.h"
+
+namespace hylden {
+
+struct StartFailure;
+
+/// What the forms that set up a run have in common: a frequency list, and the way to the run.
+class RunSetupForm : public SetupForm {
+  Q_OBJECT
+
+ public:
+  /// Makes a file the frequency list; one that does not read as a list is refused.
+  virtual void UseList(const QString& path) = 0;
+  /// Enables the button of the list builder when the program around has one.
+  void Offer(bool listBuilder);
+
+ signals:
+  /// The list builder is wanted; the list composed there comes back through UseList.
+  void CreateListRequested(const QString& listFile);
+  /// The station lacks something for the run: open the equipment form, modally, on this page.
+  void EditEquipmentRequested(int tab);
+  /// Set-up and station are complete: open the run in the place of this form.
+  void StartRequested();
+
+ protected:
+  using SetupForm::SetupForm;
+
+  /// Connects cmdListFile and cmdCreateList.
+  void ConnectList();
+  void SelectListFile();
+  /// Tells what the station lacks, and asks for the equipment form. @return whether it lacks something
+  bool TellMissing(const std::optional<StartFailure>& missing);
+};
+
+}  // namespace hylden

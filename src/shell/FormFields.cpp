@@ -1,0 +1,128 @@
+#include "shell/FormFields.h"
+
+#include <algorithm>
+#include <type_traits>
+
+#include "shell/FormInput.h"
+#include "text/Numbers.h"
+#include "text/Pattern.h"
+#include "text/RuntimeError.h"
+
+namespace hylden {
+namespace {
+
+template <class Number>
+Number Converted(const std::string& text) {
+  if constexpr (std::is_same_v<Number, float>)
+    return ToSingle(text);
+  else if constexpr (std::is_same_v<Number, double>)
+    return ToDouble(text);
+  else
+    return ToInt16(text);
+}
+
+}  // namespace
+
+bool FormEntries::operator==(const FormEntries& other) const {
+  return std::equal(begin(), end(), other.begin(), other.end(),
+                    [](const auto& a, const auto& b) { return a.first == b.first && SameEntry(a.second, b.second); });
+}
+
+bool NumberCheck::Passes(double number) const {
+  return (AboveLowest ? number > Lowest : number >= Lowest) && number <= Highest &&
+         (!Whole || number == NearestWhole(number));
+}
+
+std::string NumberField::Text() const {
+  return std::visit(
+      [this](const auto* field) {
+        using Number = std::remove_cvref_t<decltype(*field)>;
+        const std::conditional_t<std::is_integral_v<Number>, double, Number> number = *field;
+        return Pattern.empty() ? ShortestText(number) : Format(number, Pattern);
+      },
+      Field);
+}
+
+bool NumberField::Take(const std::string& text, bool checked) const {
+  return std::visit(
+      [&](auto* field) {
+        using Number = std::remove_pointer_t<decltype(field)>;
+        // A whole number is checked as it was typed, a real one as it is kept.
+        const double typed = std::is_integral_v<Number> ? ToDouble(text) : static_cast<double>(Converted<Number>(text));
+        if (checked && !Check.Passes(typed)) return false;
+        *field = Converted<Number>(text);
+        return true;
+      },
+      Field);
+}
+
+void FormWalker::Tick(const char* control, std::int32_t& field) {
+  bool ticked = field != 0;
+  Tick(control, ticked);
+  field = ticked ? 1 : 0;
+}
+
+void EntryShower::Options(Controls options, std::int32_t& code, std::optional<std::int32_t>) {
+  std::int32_t option = 0;
+  for (const char* const control : options) Entries.Add(control, option++ == code);
+  if (code < 0 || code >= option) Unknown.emplace_back(options.begin(), options.end());
+}
+
+void EntryTaker::Text(const char* control, std::string& field) {
+  if (Takes()) field = Entries[control];
+}
+
+void EntryTaker::Tick(const char* control, bool& field) {
+  if (Takes()) field = Entries.IsTicked(control);
+}
+
+void EntryTaker::Box(const char* control, const NumberField& number) {
+  if (!Takes()) return;
+  const std::string& text = Entries[control];
+  if (!IsNumeric(text)) return Refuse({control, EntryFailure::Kind::NotANumber});
+  try {
+    if (!number.Take(text, refuses_ == Refuses::Range)) Refuse({control, EntryFailure::Kind::OutOfRange});
+  } catch (const RuntimeError&) {  // a number, but too large for the field
+    Refuse({control, EntryFailure::Kind::OutOfRange});
+  }
+}
+
+void EntryTaker::Options(Controls options, std::int32_t& code, std::optional<std::int32_t> none) {
+  if (!Takes()) return;
+  std::int32_t option = 0;
+  for (const char* const control : options) {
+    if (Entries.IsTicked(control)) {
+      code = option;
+      return;
+    }
+    ++option;
+  }
+  code = none.value_or(code);
+}
+
+void EntryTaker::Check(const char* control, bool passes) {
+  if (Takes() && !passes) Refuse({control, EntryFailure::Kind::OutOfRange});
+}
+
+void EntryTaker::Require(const char* control, bool passes, const char* message) {
+  if (Takes() && !passes) Refuse({control, EntryFailure::Kind::Message, message});
+}
+
+void EntryTaker::Replace(const char* control, double& field, double by, std::string notice) {
+  if (!Takes()) return;
+  field = by;
+  Entries[control] = ShortestText(by);
+  Notices.push_back(std::move(notice));
+}
+
+void EntryTaker::Refuse(EntryFailure failure) {
+  const Refuses least = failure.Reason == EntryFailure::Kind::NotANumber ? Refuses::Text : Refuses::Range;
+  if (refuses_ >= least) Failure = std::move(failure);
+}
+
+bool UseFinder::Uses(bool inUse, Controls controls) {
+  for (const char* const control : controls) Used[control] = inUse;
+  return true;  // what stands below may hang on a condition of its own
+}
+
+}  // namespace hylden
