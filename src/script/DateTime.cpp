@@ -1,6 +1,7 @@
 #include "script/DateTime.h"
 
 #include <array>
+#include <chrono>
 #include <cmath>
 
 #include "text/Numbers.h"
@@ -14,18 +15,9 @@ constexpr std::array<std::string_view, 12> kMonths = {"January",   "February", "
 constexpr std::array<std::string_view, 7> kWeekdays = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                                        "Thursday", "Friday", "Saturday"};
 
-bool IsLeapYear(std::int64_t year) {
-  return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
-}
-
-/// Days of 1 January of the year, counted from 1 January of year 1 in the Gregorian calendar.
-std::int64_t DaysBeforeYear(std::int64_t year) {
-  const std::int64_t y = year - 1;
-  return 365 * y + FloorDivide(y, 4) - FloorDivide(y, 100) + FloorDivide(y, 400);
-}
-
-// 30 December 1899 counted from 1 January of year 1.
-constexpr std::int64_t kEpoch = 693593;
+constexpr std::chrono::sys_days kEpoch = std::chrono::year(1899) / 12 / 30;
+/// After so many years the calendar repeats itself, and so many days.
+constexpr std::int64_t kYearsOfCycle = 400, kDaysOfCycle = 146097;
 
 std::string TwoDigits(int value) {
   return {static_cast<char>('0' + value / 10), static_cast<char>('0' + value % 10)};
@@ -43,11 +35,12 @@ bool IsDateSerial(double serial) {
 }
 
 std::int64_t DaysFromCivil(std::int64_t year, std::int64_t month, std::int64_t day) {
-  const std::int64_t carriedYear = year + FloorDivide(month - 1, 12);
-  const int carriedMonth = static_cast<int>(month - 1 - FloorDivide(month - 1, 12) * 12) + 1;
-  std::int64_t days = DaysBeforeYear(carriedYear) - kEpoch + day - 1;
-  for (int m = 1; m < carriedMonth; ++m) days += DaysInMonth(carriedYear, m);
-  return days;
+  const std::int64_t carriedYears = FloorDivide(month - 1, 12);
+  const std::int64_t cycles = FloorDivide(year + carriedYears, kYearsOfCycle);
+  const auto yearOfCycle = static_cast<int>(year + carriedYears - cycles * kYearsOfCycle);
+  const auto carriedMonth = static_cast<unsigned>(month - carriedYears * 12);
+  const std::chrono::sys_days first = std::chrono::year(yearOfCycle) / carriedMonth / 1;
+  return (first - kEpoch).count() + cycles * kDaysOfCycle + day - 1;
 }
 
 double SerialOf(std::int64_t days, std::int64_t seconds) {
@@ -71,31 +64,23 @@ DateParts PartsOf(double serial) {
   const std::int64_t seconds = SecondsOf(serial);
   const std::int64_t days = FloorDivide(seconds, kSecondsPerDay);
   const auto ofDay = static_cast<int>(seconds - days * kSecondsPerDay);
-
-  DateParts parts;
-  std::int64_t year = 1899 + FloorDivide(days * 400, 146097);
-  while (DaysBeforeYear(year + 1) - kEpoch <= days) ++year;
-  while (DaysBeforeYear(year) - kEpoch > days) --year;
-  auto rest = static_cast<int>(days - (DaysBeforeYear(year) - kEpoch));
-  int month = 1;
-  for (; rest >= DaysInMonth(year, month); ++month) rest -= DaysInMonth(year, month);
-  parts.year = static_cast<int>(year);
-  parts.month = month;
-  parts.day = rest + 1;
-  parts.hour = ofDay / 3600;
-  parts.minute = ofDay / 60 % 60;
-  parts.second = ofDay % 60;
-  return parts;
+  const std::chrono::year_month_day date(kEpoch + std::chrono::days(days));
+  return {static_cast<int>(date.year()),
+          static_cast<int>(static_cast<unsigned>(date.month())),
+          static_cast<int>(static_cast<unsigned>(date.day())),
+          ofDay / 3600,
+          ofDay / 60 % 60,
+          ofDay % 60};
 }
 
 int DaysInMonth(std::int64_t year, int month) {
-  constexpr std::array<int, 12> days = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  return month == 2 && IsLeapYear(year) ? 29 : days[static_cast<std::size_t>(month - 1)];
+  const auto yearOfCycle = static_cast<int>(year % kYearsOfCycle);
+  const auto last = std::chrono::year(yearOfCycle) / month / std::chrono::last;
+  return static_cast<int>(static_cast<unsigned>(last.day()));
 }
 
 int WeekdayOf(std::int64_t days) {
-  // Day 0 was a Saturday.
-  return static_cast<int>(days + 6 - FloorDivide(days + 6, 7) * 7) + 1;
+  return static_cast<int>(std::chrono::weekday(kEpoch + std::chrono::days(days)).c_encoding()) + 1;
 }
 
 int FullYear(int year) {
