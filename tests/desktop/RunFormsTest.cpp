@@ -12,8 +12,8 @@
 #include <QTableView>
 #include <cmath>
 
-#include "run/qt/RunWindowPlace.h"
 #include "text/Pattern.h"
+#include "widgets/WindowPlace.h"
 
 namespace hylden {
 namespace {

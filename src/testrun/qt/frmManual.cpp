@@ -4,7 +4,6 @@
 #include <QKeyEvent>
 
 #include "platform/qt/QtText.h"
-#include "run/qt/RunWindowPlace.h"
 #include "shell/Shell.h"
 #include "shell/qt/WorkingForm.h"
 #include "testrun/ManualControls.h"

@@ -4,10 +4,10 @@
 #include <QKeyEvent>
 #include <QScreen>
 
-#include "run/qt/RunWindowPlace.h"
 #include "shell/Shell.h"
 #include "shell/qt/WorkingForm.h"
 #include "ui_frmRunButtons.h"
+#include "widgets/WindowPlace.h"
 
 namespace hylden {
 

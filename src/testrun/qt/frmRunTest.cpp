@@ -6,7 +6,6 @@
 
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
-#include "run/qt/RunWindowPlace.h"
 #include "shell/Shell.h"
 #include "testrun/qt/frmManual.h"
 #include "testrun/qt/frmRunButtons.h"
@@ -15,6 +14,7 @@
 #include "widgets/LabelText.h"
 #include "widgets/TableFollower.h"
 #include "widgets/ThemeColors.h"
+#include "widgets/WindowPlace.h"
 
 namespace hylden {
 
