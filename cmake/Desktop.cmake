@@ -13,7 +13,9 @@ list(FILTER desktopSources EXCLUDE REGEX "[.]ui$")
 qt_wrap_ui(formHeaders ${forms})
 # Those of an older build tree would be found first.
 file(GLOB former ${CMAKE_CURRENT_BINARY_DIR}/hylden_desktop_autogen/include/ui_*.h)
-file(REMOVE ${former})
+if(former)
+  file(REMOVE ${former})
+endif()
 add_library(hylden_desktop STATIC ${desktopSources} ${formHeaders})
 target_include_directories(hylden_desktop PRIVATE ${CMAKE_CURRENT_BINARY_DIR})
 # The list of sources is a dependency of its own: a class that is added later is seen by the next build.

@@ -8,7 +8,6 @@
 #include "calibration/WarbleAlarm.h"
 #include "instruments/Instruments.h"
 #include "run/RunDisplay.h"
-#include "run/UsableReading.h"
 #include "shell/Shell.h"
 #include "text/Numbers.h"
 #include "text/TextFile.h"
@@ -19,7 +18,7 @@ RunCablCal::RunCablCal(Shell& shell, Instruments& instruments)
     : shell_(shell),
       instruments_(instruments),
       guard_(shell, instruments.sigGen),
-      up_(shell, instruments),
+      up_(shell, instruments, guard_),
       unsaved_(
           shell.dialogs,
           {"Save Insertion Loss", {}, "The insertion loss that was measured has not been saved.\r\nSave it?"},
@@ -141,18 +140,9 @@ bool RunCablCal::MeasurePoint(const Pass& pass, std::size_t index) {
   shell_.delay.StartDelay(Setup.Dwell);
   if (!shell_.delay.WaitDelay(true, &pass.Display)) return false;
   pass.Display.Status("Reading...");
-  const double reading = instruments_.meter.MeterRead(ReadMode::AutoRange);
-  // A halt cuts a reading short: what there is then is none, and needs no excuse.
-  if (Halted()) return false;
-  const std::string whyNot = WhyNoReading(instruments_.meter, reading);
-  if (!whyNot.empty() || IsNoReading(reading)) {
-    up_.CloseSigGen();
-    if (!whyNot.empty()) shell_.TellFailure(whyNot);
-    shell_.ShowFailure("Run halted due to errors");
-    return false;
-  }
-  if (instruments_.sigGen.RfState() != Rf::On) return false;
-  Store(pass, point, levelDbm, reading);
+  const std::optional<double> reading = Read();
+  if (!reading) return false;
+  Store(pass, point, levelDbm, *reading);
   pass.Display.Show(Readout::MeterLevel, reading);
   pass.Display.RowChanged(row);
   const double minutes = elapsed_.Minutes();
@@ -164,8 +154,22 @@ bool RunCablCal::MeasurePoint(const Pass& pass, std::size_t index) {
 }
 
 bool RunCablCal::Tune(double frequencyMHz, float levelDbm) {
-  return instruments_.sigGen.SetFreqLevel(frequencyMHz, levelDbm) && instruments_.sigGen.RfOn() &&
-         instruments_.meter.MeterSetFreq(frequencyMHz) && instruments_.meter.MeterTrigger();
+  return guard_.Ok(instruments_.sigGen.SetFreqLevel(frequencyMHz, levelDbm)
+                       .and_then([&] { return instruments_.sigGen.RfOn(); })
+                       .and_then([&] { return instruments_.meter.MeterSetFreq(frequencyMHz); })
+                       .and_then([&] { return instruments_.meter.MeterTrigger(); }));
+}
+
+std::optional<double> RunCablCal::Read() {
+  const Result<double> reading = instruments_.meter.MeterRead(ReadMode::AutoRange);
+  if (Halted()) {
+    guard_.Ok(reading);
+    return std::nullopt;
+  }
+  if (reading) return guard_.Reading(reading);
+  up_.CloseSigGen();
+  guard_.Ok(reading, "Run halted due to errors");
+  return std::nullopt;
 }
 
 void RunCablCal::Store(const Pass& pass, CablePoint& point, float levelDbm, double reading) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -80,6 +81,7 @@ class RunCablCal {
   void Sweep(const Pass& pass);
   bool MeasurePoint(const Pass& pass, std::size_t index);
   bool Tune(double frequencyMHz, float levelDbm);
+  std::optional<double> Read();
   void Store(const Pass& pass, CablePoint& point, float levelDbm, double reading);
   void EndPass(const Pass& pass);
 

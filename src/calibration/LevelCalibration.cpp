@@ -20,7 +20,7 @@ LevelCalibration::LevelCalibration(Shell& shell, Instruments& instruments, Docum
       documents_(documents),
       display_(display),
       guard_(shell, instruments.sigGen),
-      up_(shell, instruments),
+      up_(shell, instruments, guard_),
       sensor_(shell, instruments, documents.equip.Record),
       unsaved_(
           shell.dialogs,

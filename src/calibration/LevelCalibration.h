@@ -93,13 +93,9 @@ class LevelCalibration {
   bool ReadLevel();
   bool ReadForwardPower();
   bool ReadMeter();
-  /// Whether the run goes on with a reading; otherwise RF is off, and the reason has been told.
-  bool Usable(double reading, const std::string& whyNot);
   bool ChangeLevel(double stepDb);
   bool Record();
   bool ReadReversePower(double excessDb, CalRow& row);
-  /// RF off, then the message; false.
-  bool Fail(const std::string& text);
 
   Shell& shell_;
   Instruments& instruments_;

@@ -7,7 +7,6 @@
 #include "instruments/Instruments.h"
 #include "measure/Conversions.h"
 #include "run/RunDisplay.h"
-#include "run/UsableReading.h"
 #include "shell/Shell.h"
 
 namespace hylden {
@@ -16,7 +15,8 @@ bool LevelCalibration::CalibratePoint(double frequencyMHz) {
   point_ = {};
   point_.Freq = frequencyMHz;
   display_.Show(Readout::Frequency, frequencyMHz);
-  if (documents_.equip.Record.HasIfiAmplifier() && !instruments_.ifiAmp.IfiSetBand(frequencyMHz)) return false;
+  const bool hasBands = documents_.equip.Record.HasIfiAmplifier();
+  if (hasBands && !guard_.Ok(instruments_.ifiAmp.IfiSetBand(frequencyMHz))) return false;
   if (!FindTarget() || !TuneMeter() || !TuneGenerator() || !TunePowerMeter() || !FindLevel()) return false;
   if (Halted()) {
     shell_.delay.ClearHalt();
@@ -27,36 +27,37 @@ bool LevelCalibration::CalibratePoint(double frequencyMHz) {
 
 bool LevelCalibration::FindTarget() {
   const std::optional<double> target = TargetDbuv(setup_, testLevels_, point_.Freq);
-  if (!target) return Fail("Error interpolating limit");
-  float loss = 0;
-  if (!cableLoss_.InterpVal(point_.Freq, loss, FreqScale::Linear)) return Fail("error interpolating cable loss");
+  if (!target) return guard_.Fail("Error interpolating limit");
+  const auto loss = cableLoss_.InterpVal(point_.Freq, FreqScale::Linear);
+  if (!guard_.Ok(loss, "error interpolating cable loss")) return false;
   point_.Target = *target;
-  point_.CableLoss = double{loss};
+  point_.CableLoss = double{*loss};
   display_.Show(Readout::CableLoss, point_.CableLoss);
   return true;
 }
 
 bool LevelCalibration::TuneMeter() {
   Meter& meter = instruments_.meter;
-  return meter.MeterSetFreq(point_.Freq) && meter.MeterSetLevel(point_.Target - point_.CableLoss - couplingFactor_);
+  return guard_.Ok(meter.MeterSetFreq(point_.Freq)) &&
+         guard_.Ok(meter.MeterSetLevel(point_.Target - point_.CableLoss - couplingFactor_));
 }
 
 bool LevelCalibration::TuneGenerator() {
-  if (Halted() || (setup_.RecordsForward() && !sensor_.Place(point_.Freq))) return false;
-  return instruments_.sigGen.SetFreqLevel(point_.Freq, sigGenLevel_) && instruments_.sigGen.RfOn();
+  if (Halted() || (setup_.RecordsForward() && !guard_.Ok(sensor_.Place(point_.Freq)))) return false;
+  SigGen& sigGen = instruments_.sigGen;
+  return guard_.Ok(sigGen.SetFreqLevel(point_.Freq, sigGenLevel_)) && guard_.Ok(sigGen.RfOn());
 }
 
 bool LevelCalibration::TunePowerMeter() {
   if (!setup_.RecordsForward()) return true;
-  if (!instruments_.pm.PwrMtrSetFreq(point_.Freq)) return false;
-  float factor = 0;
-  if (!forwardPort_.InterpVal(point_.Freq, factor, FreqScale::Linear))
-    return Fail("Error interpolating forward coupler factor");
-  point_.ForwardFactor = double{factor};
+  if (!guard_.Ok(instruments_.pm.PwrMtrSetFreq(point_.Freq))) return false;
+  const auto forward = forwardPort_.InterpVal(point_.Freq, FreqScale::Linear);
+  if (!guard_.Ok(forward, "Error interpolating forward coupler factor")) return false;
+  point_.ForwardFactor = double{*forward};
   if (!setup_.RecordsReverse()) return true;
-  if (!reversePort_.InterpVal(point_.Freq, factor, FreqScale::Linear))
-    return Fail("Error interpolating reverse coupler factor");
-  point_.ReverseFactor = double{factor};
+  const auto reverse = reversePort_.InterpVal(point_.Freq, FreqScale::Linear);
+  if (!guard_.Ok(reverse, "Error interpolating reverse coupler factor")) return false;
+  point_.ReverseFactor = double{*reverse};
   return true;
 }
 
@@ -67,16 +68,17 @@ bool LevelCalibration::FindLevel() {
     if (InTolerance(point_.Level, point_.Target, kToleranceDb)) return true;
     if (Halted()) return false;
     const double step = std::min(NextLevelStep(point_.Level, point_.Target, kToleranceDb), double{setup_.MaxStep});
-    if (!convergence.GoesOn(step)) return Fail("The level does not settle within the tolerance band, check setup");
+    if (!convergence.GoesOn(step))
+      return guard_.Fail("The level does not settle within the tolerance band, check setup");
     if (!ChangeLevel(step)) return false;
   }
 }
 
 bool LevelCalibration::SetLevelAndDwell() {
   display_.Status("Setting level...");
-  const bool set = instruments_.sigGen.SetFreqLevel(point_.Freq, sigGenLevel_);
+  const Done set = instruments_.sigGen.SetFreqLevel(point_.Freq, sigGenLevel_);
   display_.Show(Readout::SigGenLevel, sigGenLevel_);
-  if (!set) return false;
+  if (!guard_.Ok(set)) return false;
   display_.Status("Dwelling...");
   shell_.delay.StartDelay(setup_.Dwell);
   return shell_.delay.WaitDelay(true, &display_);
@@ -86,48 +88,39 @@ bool LevelCalibration::ReadLevel() {
   display_.Status("Reading...");
   // On a shared address the trigger would disturb the power reading.
   const bool shared = instruments_.meter.Address() == instruments_.pm.Address();
-  if (!shared && !instruments_.meter.MeterTrigger()) return false;
+  if (!shared && !guard_.Ok(instruments_.meter.MeterTrigger())) return false;
   const EquipRecord& equipment = documents_.equip.Record;
-  if (equipment.HasIfiAmplifier() && equipment.IfiPower) {
-    float first = 0, second = 0;
-    if (!instruments_.ifiAmp.IfiReadPower(first, second)) return false;
-  }
-  if (setup_.RecordsForward() && !ReadForwardPower()) return false;
-  // A failure that was told has switched RF off; what is read then is no level.
-  return ReadMeter() && instruments_.sigGen.RfState() == Rf::On;
+  const bool readsAmplifier = equipment.HasIfiAmplifier() && equipment.IfiPower;
+  if (readsAmplifier && !guard_.Ok(instruments_.ifiAmp.IfiReadPower())) return false;
+  return (!setup_.RecordsForward() || ReadForwardPower()) && ReadMeter();
 }
 
 bool LevelCalibration::ReadForwardPower() {
-  const double reading = sensor_.Read();
-  if (!Usable(reading, WhyNoReading(instruments_.pm, reading))) return false;
-  const double powerDbm = reading + point_.ForwardFactor;
-  point_.ForwardDbm = IsMissing(reading) ? std::nullopt : std::optional(powerDbm);
+  const std::optional<double> reading = guard_.Reading(sensor_.Read());
+  if (!reading) return false;
+  const double powerDbm = *reading + point_.ForwardFactor;
+  point_.ForwardDbm = IsMissing(*reading) ? std::nullopt : std::optional(powerDbm);
   point_.ForwardWatts = Conversions::DbmToWatts(powerDbm);
   display_.Show(Readout::ForwardPower, powerDbm);
   if (!setup_.LimitsForward() || point_.ForwardWatts <= double{setup_.FwdPwrLimit}) return true;
-  return Fail("Forward power limit exceeded");
+  return guard_.Fail("Forward power limit exceeded");
 }
 
 bool LevelCalibration::ReadMeter() {
-  const double reading = instruments_.meter.MeterRead(ReadMode::Single);
-  if (!Usable(reading, WhyNoReading(instruments_.meter, reading))) return false;
+  const std::optional<double> reading = guard_.Reading(instruments_.meter.MeterRead(ReadMode::Single));
+  if (!reading) return false;
   display_.Show(Readout::MeterLevel, reading);
-  point_.Level = reading + couplingFactor_ + point_.CableLoss;
+  point_.Level = *reading + couplingFactor_ + point_.CableLoss;
   display_.Show(Readout::TestLevel, point_.Level);
   return true;
 }
 
-bool LevelCalibration::Usable(double reading, const std::string& whyNot) {
-  // A halt cuts a reading short: what there is then needs no excuse.
-  if (!whyNot.empty()) return !Halted() && Fail(whyNot);
-  return !IsNoReading(reading);
-}
-
 bool LevelCalibration::ChangeLevel(double stepDb) {
   if (setup_.LimitsForward() && ForwardHeadroom(double{setup_.FwdPwrLimit}, point_.ForwardWatts) < stepDb)
-    return Fail("Not able to increase power the necessary amount, check setup");
+    return guard_.Fail("Not able to increase power the necessary amount, check setup");
   sigGenLevel_ = static_cast<float>(double{sigGenLevel_} + stepDb);
-  return sigGenLevel_ <= setup_.MaxLevel || Fail("Level requested is higher than defined in the calibrations setup");
+  return sigGenLevel_ <= setup_.MaxLevel ||
+         guard_.Fail("Level requested is higher than defined in the calibrations setup");
 }
 
 bool LevelCalibration::Record() {
@@ -136,7 +129,7 @@ bool LevelCalibration::Record() {
   const double levelDbm = double{sigGenLevel_} - excessDb;
   // A test could not replay it.
   if (levelDbm > double{instruments_.sigGen.MaximumLevel()})
-    return Fail("The level found is above the signal generator's maximum level, check setup");
+    return guard_.Fail("The level found is above the signal generator's maximum level, check setup");
   CalRow& row = rows_.emplace_back(CalRow{point_.Freq, levelDbm, point_.Target});
   const int number = static_cast<int>(rows_.size());
   if (point_.ForwardDbm) row.FwdPwr = *point_.ForwardDbm - excessDb;
@@ -151,18 +144,11 @@ bool LevelCalibration::Record() {
 
 bool LevelCalibration::ReadReversePower(double excessDb, CalRow& row) {
   if (!documents_.equip.Record.Is(AmpConfig::DualFwdRev))
-    return Fail("Equipment file says power meter not configured for reverse power readings.");
-  const double reading = instruments_.pm.ReadPower(2);
-  // RF that went off meanwhile, when the program had to end, left nothing to be read.
-  if (instruments_.sigGen.RfState() != Rf::On || !Usable(reading, WhyNoReading(instruments_.pm, reading))) return false;
-  if (!IsMissing(reading)) row.RevPwr = reading + point_.ReverseFactor - excessDb;
+    return guard_.Fail("Equipment file says power meter not configured for reverse power readings.");
+  const std::optional<double> reading = guard_.Reading(instruments_.pm.ReadPower(2));
+  if (!reading) return false;
+  if (!IsMissing(*reading)) row.RevPwr = *reading + point_.ReverseFactor - excessDb;
   return row.Complete = true;
-}
-
-bool LevelCalibration::Fail(const std::string& text) {
-  instruments_.sigGen.SilenceRf();  // a message box may stand for hours
-  shell_.ShowFailure(text);
-  return false;
 }
 
 }  // namespace hylden

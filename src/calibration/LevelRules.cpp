@@ -25,11 +25,10 @@ double ForwardHeadroom(double limitWatts, double forwardWatts) {
 }
 
 std::optional<double> TargetDbuv(const CalSetupRecord& setup, InterpClass& testLevels, double frequencyMHz) {
-  float volts = setup.CalLevel;
+  if (!setup.HasLevelFile()) return Conversions::VoltsToDbuv(double{setup.CalLevel});
+  const Result<float> volts = testLevels.InterpVal(frequencyMHz, FreqScale::Log);
   // Between 0 MHz and the next point there is no logarithmic scale, and no level.
-  if (setup.HasLevelFile() && !(testLevels.InterpVal(frequencyMHz, volts, FreqScale::Log) && volts > 0))
-    return std::nullopt;
-  return Conversions::VoltsToDbuv(double{volts});
+  return volts && *volts > 0 ? std::optional(Conversions::VoltsToDbuv(double{*volts})) : std::nullopt;
 }
 
 bool Convergence::GoesOn(double stepDb) {

@@ -137,29 +137,22 @@ bool clsCalFile::ReadPoints(LineReader& lines, const std::string& dataFile) {
 }
 
 bool clsCalFile::Refuse(const std::string& message) {
-  shell_.TellFailure(message);
+  shell_.dialogs.Tell(message);
   return false;
 }
 
 float clsCalFile::Value(double frequency, CalColumn column) {
-  float value = kMissing;
-  return LookupValue(frequency, column, value) ? value : kMissing;
-}
-
-bool clsCalFile::LookupValue(double frequency, CalColumn column, float& value) {
-  if (points_.size() < 2) return Refuse("No calibration points in interp file");
-  if (!(frequency >= points_.front().Freq && frequency <= points_.back().Freq)) return false;
+  const bool covered = points_.size() >= 2 && frequency >= points_.front().Freq && frequency <= points_.back().Freq;
+  if (!covered) return kMissing;
   MoveCursor(frequency);
   const CalPoint& found = points_[cursor_];
   const float here = ValueOf(found, column);
   if (found.Freq > frequency) {
     const CalPoint& before = points_[cursor_ - 1];
-    value = Between(before, ValueOf(before, column), found, here, frequency, column);
-    return true;
+    return Between(before, ValueOf(before, column), found, here, frequency, column);
   }
   const bool bandChange = cursor_ + 1 < points_.size() && points_[cursor_ + 1].Freq == frequency;
-  value = bandChange ? PickDuplicate(here, ValueOf(points_[cursor_ + 1], column), DuplicateRule::Larger) : here;
-  return true;
+  return bandChange ? PickDuplicate(here, ValueOf(points_[cursor_ + 1], column), DuplicateRule::Larger) : here;
 }
 
 void clsCalFile::MoveCursor(double frequency) {

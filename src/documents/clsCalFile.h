@@ -54,7 +54,6 @@ class clsCalFile {
   float Value(double frequency, CalColumn column);
   /// Puts the cursor on the first point at or above a frequency within the record's range.
   void MoveCursor(double frequency);
-  bool LookupValue(double frequency, CalColumn column, float& value);
 
   Shell& shell_;
   std::vector<CalPoint> points_;

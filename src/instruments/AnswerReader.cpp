@@ -3,12 +3,16 @@
 #include <cmath>
 
 #include "instruments/ResponseParser.h"
+#include "instruments/ShownAnswer.h"
 #include "shell/Shell.h"
 #include "text/Numbers.h"
 
 namespace hylden {
 
 namespace {
+
+// Instruments answer 9.9E37, of either sign, for a value beyond their range, and 9.91E37 for none.
+constexpr double kNoMeasurement = 9.9e37;
 
 /// Whether a number that reads as this value stands at the start of the text.
 bool StartsWithNumber(std::string_view text, double value) {
@@ -35,29 +39,36 @@ void AnswerReader::AwaitPending() {
   shell_.delay.WaitUntil(deadlineMs_);
 }
 
-std::optional<double> AnswerReader::Read(int address, const std::string& readCommand, const std::string& parseCommand) {
+Result<double> AnswerReader::Read(int address, const std::string& readCommand, const std::string& parseCommand) {
   pending_ = false;
-  last_ = {};
-  if (!readCommand.empty() && !gpib_.Send(address, readCommand + terminator_.Text)) return std::nullopt;
-  std::string answer;
-  if (!gpib_.Receive(address, answer, terminator_.ReadTermination)) return std::nullopt;
-  last_.Answer = answer;
-  const std::string valueText = parseCommand.empty() ? answer : parser_.ParseAnswer(answer, parseCommand);
-  if (valueText.empty()) return std::nullopt;
-  const double value = LeadingNumber(valueText);
-  if (!std::isfinite(value)) return std::nullopt;
-  last_.Value = value;
-  last_.HasNumber = StartsWithNumber(valueText, value);
-  return value;
+  answer_.clear();
+  if (!readCommand.empty() && !gpib_.Send(address, readCommand + terminator_.Text)) return Because();
+  if (!gpib_.Receive(address, answer_, terminator_.ReadTermination)) return Because();
+  const Result<std::string> parsed = parseCommand.empty() ? answer_ : parser_.ParseAnswer(answer_, parseCommand);
+  if (!parsed) return Because(parsed.error());
+  value_ = LeadingNumber(*parsed);
+  hasNumber_ = StartsWithNumber(*parsed, value_);
+  if (parsed->empty() || !std::isfinite(value_)) return Because();
+  return value_;
 }
 
-std::optional<double> AnswerReader::Converted(UnitConversion convert, std::int32_t units, double value) {
+Done AnswerReader::HoldsNumber(const std::string& instrument, const std::string& quantity) const {
+  if (!hasNumber_) return Because("The " + instrument + "'s answer holds no number:\r\n" + ShownAnswer(answer_));
+  if (std::abs(value_) >= kNoMeasurement) return Because(NoQuantity(instrument, quantity));
+  return {};
+}
+
+Failure AnswerReader::NoQuantity(const std::string& instrument, const std::string& quantity) const {
+  return Failure("The " + instrument + "'s answer is no " + quantity + ":\r\n" + ShownAnswer(answer_));
+}
+
+Result<double> AnswerReader::Converted(UnitConversion convert, std::int32_t units, double value) {
   try {
     const std::optional<double> converted = convert(units, value);
-    if (!converted) shell_.TellFailure("Error, bad units value in meter config file");
-    return converted;
+    if (!converted) return Because("Error, bad units value in meter config file");
+    return *converted;
   } catch (const RuntimeError&) {
-    return std::nullopt;  // beyond what the units can express
+    return Because();  // beyond what the units can express
   }
 }
 

@@ -11,17 +11,9 @@ namespace hylden {
 class ResponseParser;
 class Shell;
 
-/// What a read came to, for those who judge whether it is a reading.
-struct LastReading {
-  std::string Answer;      ///< the raw answer
-  double Value = 0;        ///< the number in it, in the instrument's units
-  bool HasNumber = false;  ///< without a number the value is 0, which nobody has measured
-  bool Failed = false;     ///< there is none; the driver has told why
-};
-
 /// How meter and power meter get a number out of an instrument: trigger, settle, ask, receive, parse. A pending trigger
-/// lets the caller trigger early and read later, waiting only for what is left of the settling time.
-/// Nothing is reported here but scripting errors and bad units.
+/// lets the caller trigger early and read later, waiting only for what is left of the settling time. A failure that
+/// only the bus can explain is silent: the caller knows what to say of it.
 class AnswerReader {
  public:
   /// @param terminator  of the instrument, as its definition asks for it now; must outlive the reader
@@ -37,16 +29,20 @@ class AnswerReader {
   void AwaitPending();
 
   /// Takes up the pending trigger: sends the read command unless it is empty, receives, evaluates the parse command
-  /// unless it is empty. The leading number of the outcome; nothing when the bus failed, or when the outcome is empty
-  /// or no finite number.
-  std::optional<double> Read(int address, const std::string& readCommand, const std::string& parseCommand);
-  const LastReading& Last() const { return last_; }
-  /// The read has come to nothing, and that is told.
-  void MarkFailed() { last_.Failed = true; }
+  /// unless it is empty. The leading number of the outcome; none when the bus or the script failed, or when the outcome
+  /// is empty or no finite number.
+  Result<double> Read(int address, const std::string& readCommand, const std::string& parseCommand);
+  /// The last raw answer.
+  const std::string& LastAnswer() const { return answer_; }
+  /// Whether the last answer holds a measured number; why not shows the answer.
+  /// @param instrument, quantity  as the text names them: "meter", "level"
+  Done HoldsNumber(const std::string& instrument, const std::string& quantity) const;
+  /// Why the last answer is none of its quantity.
+  Failure NoQuantity(const std::string& instrument, const std::string& quantity) const;
 
   using UnitConversion = std::optional<double> (*)(std::int32_t units, double value);
-  /// The converted value; nothing when it has no finite result, or for a bad units code, which is told.
-  std::optional<double> Converted(UnitConversion convert, std::int32_t units, double value);
+  /// The converted value; none for a bad units code, and, silently, when it has no finite result.
+  static Result<double> Converted(UnitConversion convert, std::int32_t units, double value);
 
  private:
   Shell& shell_;
@@ -55,7 +51,9 @@ class AnswerReader {
   const Terminator& terminator_;
   bool pending_ = false;
   std::int64_t deadlineMs_ = 0;
-  LastReading last_;
+  std::string answer_;      ///< the last one, raw
+  double value_ = 0;        ///< the number in it, in the instrument's units
+  bool hasNumber_ = false;  ///< without a number the value is 0, which nobody has measured
 };
 
 }  // namespace hylden

@@ -65,10 +65,9 @@ void DefinedInstrument<Record>::Forget() {
 }
 
 template <class Record>
-bool DefinedInstrument<Record>::Ready() {
-  if (!hasDefinition_)
-    shell_.TellFailure("There is no " + std::string(FileKind(definition_)) + " to work with.\r\n" + fileName_);
-  return hasDefinition_;
+Done DefinedInstrument<Record>::Ready() const {
+  if (hasDefinition_) return {};
+  return Because("There is no " + std::string(FileKind(definition_)) + " to work with.\r\n" + fileName_);
 }
 
 template <class Record>

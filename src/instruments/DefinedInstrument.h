@@ -9,7 +9,7 @@ namespace hylden {
 class Shell;
 
 /// An instrument that is driven through its definition: the definition, the file it came from, the terminator it asks
-/// for. Without one it refuses to be opened. Failures are reported here; callers add nothing.
+/// for. Without one it refuses to be opened.
 template <class Record>
 class DefinedInstrument {
  public:
@@ -42,8 +42,8 @@ class DefinedInstrument {
   DefinedInstrument(Shell& shell, Gpib& gpib) : shell_(shell), gpib_(gpib) {}
   ~DefinedInstrument() = default;
 
-  /// Whether there is a definition to work with; tells where there is none.
-  bool Ready();
+  /// Done when there is a definition to work with.
+  Done Ready() const;
   bool HasFreqCommand() const { return !definition_.FreqSetPrefix.empty() || !definition_.FreqSetSuffix.empty(); }
 
   Shell& shell_;

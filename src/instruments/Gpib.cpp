@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <tuple>
 #include <vector>
 
 #include "shell/Shell.h"
@@ -94,44 +95,36 @@ void Terminator::Derive(std::int32_t endOfString) {
 
 Gpib::Gpib(Shell& shell) : shell_(shell) {}
 
-bool Gpib::GpibIfc() {
+Done Gpib::GpibIfc() {
   timeOuts_.clear();
   busTimeOuts_ = 0;
-  if (interfaceCleared_) return true;
+  if (interfaceCleared_) return {};
   RegisterOnce();
   shell_.gpib.SendIFC(kBoard);
   Refresh();
   // Without a time limit the first read could wait for ever.
   if (!Failed()) SetTimeLimit(gpib::kT10s);
   interfaceCleared_ = !Failed();
-  if (!interfaceCleared_) Report("Error sending IFC.");
-  return interfaceCleared_;
+  if (!interfaceCleared_) return Because(GpibError("Error sending IFC."));
+  return {};
 }
 
-bool Gpib::GpibOpen(int address, const std::string& initCommand, const std::string& name) {
+Done Gpib::GpibOpen(int address, const std::string& initCommand, const std::string& name) {
   const AddressList addresses = ListOf(address);
   std::array<std::int16_t, 2> listeners{};
   Impatiently(address, [&] { shell_.gpib.FindLstn(kBoard, addresses, listeners); });
-  if (Failed()) {
-    shell_.dialogs.DefaultPointer();
-    Report("Error finding " + name);
-    return false;
-  }
+  if (Failed()) return Because(GpibError("Error finding " + name));
   Impatiently(address, [&] { shell_.gpib.SetRWLS(kBoard, addresses); });
-  if (Failed()) {
-    Report("Error in setting " + name + " to remote mode. ");
-    return false;
-  }
-  if (!initCommand.empty() && !SendOrReport(address, initCommand, "Error initializing " + name)) return false;
+  if (Failed()) return Because(GpibError("Error in setting " + name + " to remote mode. "));
+  if (!initCommand.empty() && !Send(address, initCommand)) return Because(GpibError("Error initializing " + name));
   shell_.delay.Delay(kOpenWaitSeconds, false);
-  return true;
+  return {};
 }
 
-bool Gpib::GpibClose(int address, const std::string& name) {
+Done Gpib::GpibClose(int address, const std::string& name) {
   Impatiently(address, [&] { shell_.gpib.EnableLocal(kBoard, ListOf(address)); });
-  if (!Failed()) return true;
-  Report("Error closing " + name);
-  return false;
+  if (Failed()) return Because(GpibError("Error closing " + name));
+  return {};
 }
 
 template <class Call>
@@ -157,10 +150,9 @@ bool Gpib::Send(int address, const std::string& command) {
   return true;
 }
 
-bool Gpib::SendOrReport(int address, const std::string& command, const std::string& failure) {
-  if (Send(address, command)) return true;
-  Report(failure);
-  return false;
+Done Gpib::Send(int address, const std::string& command, const std::string& failure) {
+  if (!Send(address, command)) return Because(GpibError(failure));
+  return {};
 }
 
 bool Gpib::Receive(int address, std::string& answer, int termination, std::size_t size) {
@@ -178,10 +170,11 @@ bool Gpib::Receive(int address, std::string& answer, int termination, std::size_
 
 /// What did not fit in the buffer would be read as the next answer. The status stays that of the answer.
 void Gpib::DiscardRest(int address, int termination) {
-  const KeptStatus answered(*this);
+  const std::tuple answered(ibsta, iberr, ibcnt, ibcntl);
   SetTimeLimit(gpib::kT30ms);
   ReadAway(address, termination);
   SetTimeLimit(gpib::kT10s);
+  std::tie(ibsta, iberr, ibcnt, ibcntl) = answered;
 }
 
 void Gpib::Drain(int address) {
@@ -206,17 +199,8 @@ void Gpib::SetTimeLimit(int code) {
   Refresh();
 }
 
-void Gpib::GpibError(std::string& message) {
-  const std::string status = IbstaText() + IberrText() + IbcntText();
-  shell_.ReportBusFailure(message, status);
-  message += status;
-}
-
-Gpib::KeptStatus::~KeptStatus() {
-  gpib_.ibsta = ibsta_;
-  gpib_.iberr = iberr_;
-  gpib_.ibcnt = ibcnt_;
-  gpib_.ibcntl = ibcntl_;
+Failure Gpib::GpibError(const std::string& message) const {
+  return Failure::OnBus(message, IbstaText() + IberrText() + IbcntText());
 }
 
 std::string Gpib::IbstaText() const {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "platform/GpibDriver.h"
+#include "shell/Failure.h"
 #include "shell/ProgramEnd.h"
 
 namespace hylden {
@@ -27,40 +28,22 @@ class Gpib {
 
   /// Clears the interface once per program run, and sets the board's time limit: a driver may come without one. Bus
   /// work starts here: whatever timed out before is waited for in full again.
-  bool GpibIfc();
+  Done GpibIfc();
   /// Finds the device, puts it in remote with lockout, sends the init command (terminator already appended, may be
-  /// empty) and waits 2 s. Failures are reported with the name.
-  bool GpibOpen(int address, const std::string& initCommand, const std::string& name);
+  /// empty) and waits 2 s. Failures give the name.
+  Done GpibOpen(int address, const std::string& initCommand, const std::string& name);
   /// Back to local.
-  bool GpibClose(int address, const std::string& name);
-  /// Sends with EOI on the last byte; false when the status has ERR. Nothing is reported.
+  Done GpibClose(int address, const std::string& name);
+  /// Sends with EOI on the last byte; false when the status has ERR.
   bool Send(int address, const std::string& command);
-  /// Sends; a failure is reported with its first line.
-  bool SendOrReport(int address, const std::string& command, const std::string& failure);
-  /// Receives at most `size` bytes and reads the rest of a longer answer away; false when the status has ERR. Nothing
-  /// is reported.
+  /// The same. @param failure  the first line of why not
+  Done Send(int address, const std::string& command, const std::string& failure);
+  /// Receives at most `size` bytes and reads the rest of a longer answer away; false when the status has ERR.
   bool Receive(int address, std::string& answer, int termination, std::size_t size = 64);
   /// Reads away whatever a device still has to say, with a 30 ms limit.
   void Drain(int address);
-  /// Shows the message extended by the decoded status of the last driver call, and leaves the extended text in it.
-  void GpibError(std::string& message);
-  /// The same for a constant first line.
-  void Report(std::string message) { GpibError(message); }
-
-  /// Puts the status words back at the end of a scope: what is done in between concerns nobody who reports afterwards.
-  class KeptStatus {
-   public:
-    explicit KeptStatus(Gpib& gpib)
-        : gpib_(gpib), ibsta_(gpib.ibsta), iberr_(gpib.iberr), ibcnt_(gpib.ibcnt), ibcntl_(gpib.ibcntl) {}
-    ~KeptStatus();
-    KeptStatus(const KeptStatus&) = delete;
-    KeptStatus& operator=(const KeptStatus&) = delete;
-
-   private:
-    Gpib& gpib_;
-    std::int16_t ibsta_, iberr_, ibcnt_;
-    std::int32_t ibcntl_;
-  };
+  /// The failure of the last driver call: the message, and the decoded status.
+  Failure GpibError(const std::string& message) const;
 
   std::string IbstaText() const;
   std::string IberrText() const;

@@ -16,6 +16,7 @@ namespace {
 constexpr int kLowUnit = 10, kHighUnit = 9;
 constexpr double kBandChangeSeconds = 2.0;
 constexpr std::size_t kPowerAnswerSize = 80;
+constexpr const char* kFailed = "Error sending command to amps";
 
 struct PowerTexts {
   std::string first, second;
@@ -41,17 +42,17 @@ std::optional<float> Figure(const std::string& text) {
 
 }  // namespace
 
-bool IfiAmp::IfiInit(AmpControl mode, double bandSwitchMHz) {
+Done IfiAmp::IfiInit(AmpControl mode, double bandSwitchMHz) {
   mode_ = mode;
   bandSwitchMHz_ = bandSwitchMHz;
   return IfiReset();
 }
 
-bool IfiAmp::IfiReset() {
-  if (mode_ != AmpControl::Ifi) return true;
+Done IfiAmp::IfiReset() {
+  if (mode_ != AmpControl::Ifi) return {};
   band_ = Band::None;
-  const bool silenced = sigGen_.SilenceOrReport();
-  bool lowWorks = true, highWorks = true;
+  const Done silenced = sigGen_.SilenceRf();
+  Done low, high;
   for (const UnitCommand& command : {UnitCommand{kLowUnit, "8"},
                                      {kHighUnit, "FA"},
                                      {kHighUnit, "L3"},
@@ -59,87 +60,65 @@ bool IfiAmp::IfiReset() {
                                      {kHighUnit, "ON"},
                                      {kHighUnit, "B1"},
                                      {kHighUnit, "ZA"}}) {
-    bool& works = command.unit == kLowUnit ? lowWorks : highWorks;
-    if (works && !SendTo(command)) works = ReportFailure();
+    Done& unit = command.unit == kLowUnit ? low : high;
+    if (unit) unit = SendTo(command);
   }
-  return silenced && lowWorks && highWorks;
+  return Both(Both(silenced, low), high);
 }
 
-bool IfiAmp::IfiSetBand(double frequencyMHz) {
-  if (mode_ != AmpControl::Ifi) return true;
+Done IfiAmp::IfiSetBand(double frequencyMHz) {
+  if (mode_ != AmpControl::Ifi) return {};
   if (frequencyMHz == 0) return IfiReset();
   const Band wanted = frequencyMHz <= bandSwitchMHz_ ? Band::Low : Band::High;
-  if (wanted == band_) return true;
-  if (!sigGen_.SilenceOrReport()) return false;  // the amplifiers never change over under power
-  return wanted == Band::Low ? SelectLow() : SelectHigh();
+  if (wanted == band_) return {};
+  // The amplifiers never change over under power.
+  return sigGen_.SilenceRf().and_then([&] { return wanted == Band::Low ? SelectLow() : SelectHigh(); });
 }
 
-bool IfiAmp::SelectLow() {
-  if (!SendAll({{kLowUnit, "8"},
-                {kHighUnit, "FA"},
-                {kHighUnit, "L3"},
-                {kHighUnit, "M1"},
-                {kHighUnit, "ON"},
-                {kHighUnit, "B1"},
-                {kLowUnit, "9"}})) {
-    return false;
-  }
+Done IfiAmp::SelectLow() {
+  Done changedOver = SendAll({{kLowUnit, "8"},
+                              {kHighUnit, "FA"},
+                              {kHighUnit, "L3"},
+                              {kHighUnit, "M1"},
+                              {kHighUnit, "ON"},
+                              {kHighUnit, "B1"},
+                              {kLowUnit, "9"}});
+  if (!changedOver) return changedOver;
   shell_.delay.Delay(kBandChangeSeconds, false);
   band_ = Band::Low;
-  return SendAll({{kHighUnit, "ZA"}});
+  return SendTo({kHighUnit, "ZA"});
 }
 
-bool IfiAmp::SelectHigh() {
-  if (!SendAll({{kHighUnit, "FA"},
-                {kLowUnit, "8"},
-                {kHighUnit, "L3"},
-                {kHighUnit, "M1"},
-                {kHighUnit, "ON"},
-                {kHighUnit, "B2"}})) {
-    return false;
-  }
+Done IfiAmp::SelectHigh() {
+  Done changedOver = SendAll(
+      {{kHighUnit, "FA"}, {kLowUnit, "8"}, {kHighUnit, "L3"}, {kHighUnit, "M1"}, {kHighUnit, "ON"}, {kHighUnit, "B2"}});
+  if (!changedOver) return changedOver;
   shell_.delay.Delay(kBandChangeSeconds, false);
-  if (!SendAll({{kHighUnit, "ZA"}})) return false;
-  band_ = Band::High;
-  return true;
+  return SendTo({kHighUnit, "ZA"}).map([&] { band_ = Band::High; });
 }
 
-bool IfiAmp::IfiReadPower(float& first, float& second) {
-  if (mode_ != AmpControl::Ifi) {
-    first = second = -1;
-    return true;
-  }
-  if (band_ == Band::None) return false;
+Result<IfiAmp::Powers> IfiAmp::IfiReadPower() {
+  if (mode_ != AmpControl::Ifi) return Powers{-1, -1};
+  if (band_ == Band::None) return Because();
   const bool low = band_ == Band::Low;
   const int unit = low ? kLowUnit : kHighUnit;
-  if (!SendAll({{unit, "RP"}})) return false;
+  if (const Done asked = SendTo({unit, "RP"}); !asked) return Because(asked.error());
   std::string answer;
-  if (!gpib_.Receive(unit, answer, gpib::kStopEnd, kPowerAnswerSize)) return ReportFailure();
+  if (!gpib_.Receive(unit, answer, gpib::kStopEnd, kPowerAnswerSize)) return Because(gpib_.GpibError(kFailed));
   const PowerTexts texts = low ? SplitColumns(answer) : SplitAtBlank(answer);
-  const auto firstFigure = Figure(texts.first), secondFigure = Figure(texts.second);
-  if (!firstFigure || !secondFigure) {
-    shell_.TellFailure("The amplifier's answer is no power:\r\n" + ShownAnswer(answer));
-    return false;
-  }
-  first = *firstFigure;
-  second = *secondFigure;
-  return true;
+  const auto first = Figure(texts.first), second = Figure(texts.second);
+  if (!first || !second) return Because("The amplifier's answer is no power:\r\n" + ShownAnswer(answer));
+  return Powers{*first, *second};
 }
 
-bool IfiAmp::SendAll(std::initializer_list<UnitCommand> commands) {
-  for (const UnitCommand& command : commands) {
-    if (!SendTo(command)) return ReportFailure();
-  }
-  return true;
+Done IfiAmp::SendAll(std::initializer_list<UnitCommand> commands) {
+  for (const UnitCommand& command : commands)
+    if (Done sent = SendTo(command); !sent) return sent;
+  return {};
 }
 
-bool IfiAmp::SendTo(const UnitCommand& command) {
-  return gpib_.Send(command.unit, std::string(command.text) + "\r\n");
-}
-
-bool IfiAmp::ReportFailure() {
-  gpib_.Report("Error sending command to amps");
-  return false;
+Done IfiAmp::SendTo(const UnitCommand& command) {
+  return gpib_.Send(command.unit, std::string(command.text) + "\r\n", kFailed);
 }
 
 }  // namespace hylden

@@ -12,6 +12,7 @@ namespace hylden {
 namespace {
 
 constexpr const char* kName = "Meter";
+constexpr const char* kWriteFailed = "Error in writing command to meter. ";
 // The reference sits above the wanted level; a scope's full scale is a peak value on both sides of zero.
 constexpr double kReferenceOffsetDb = 2.0, kScopeOffsetDb = -6.8;
 constexpr double kHalfPeriodMHz = 5e-7;  // half a period in seconds, times the frequency in MHz
@@ -32,123 +33,109 @@ std::optional<double> NextReferenceLevel(double levelDbuv, double referenceDbuv,
   return lower < referenceDbuv ? std::optional(lower) : std::nullopt;
 }
 
-bool Meter::InitMeter() {
-  if (!Ready()) return false;
+Done Meter::InitMeter() {
+  if (Done ready = Ready(); !ready) return ready;
   const std::string init = definition_.InitString.empty() ? "" : definition_.InitString + terminator_.Text;
-  if (!gpib_.GpibOpen(Address(), init, kName)) return false;
+  if (Done opened = gpib_.GpibOpen(Address(), init, kName); !opened) return opened;
   currentFreq_ = 0;
   currentReference_ = kNoReference;
   answers_.ForgetTrigger();
   return MeterSetLevel(MaximumLevel() - kReferenceOffsetDb);
 }
 
-bool Meter::MeterSetFreq(double frequencyMHz) {
+Done Meter::MeterSetFreq(double frequencyMHz) {
   const double setting = FreqSetting(frequencyMHz);
   const bool inRange = frequencyMHz >= MinimumFreq() && frequencyMHz <= MaximumFreq();
-  if (!inRange || !std::isfinite(setting)) {
-    shell_.TellFailure("Frequency requested exceeds meter's capability. ");
-    return false;
-  }
-  if (frequencyMHz == currentFreq_) return true;
+  if (!inRange || !std::isfinite(setting)) return Because("Frequency requested exceeds meter's capability. ");
+  if (frequencyMHz == currentFreq_) return {};
   currentFreq_ = 0;  // until the command has got through, nothing is assumed about the instrument
-  if (HasFreqCommand() && !SendCommand(SettingCommand(definition_.FreqSetPrefix, setting, commandpattern::kMeterFreq,
-                                                      definition_.FreqSetSuffix, terminator_))) {
-    return false;
-  }
-  currentFreq_ = frequencyMHz;
-  return true;
+  Done sent = HasFreqCommand()
+                  ? SendCommand(SettingCommand(definition_.FreqSetPrefix, setting, commandpattern::kMeterFreq,
+                                               definition_.FreqSetSuffix, terminator_))
+                  : Done();
+  return sent.map([&] { currentFreq_ = frequencyMHz; });
 }
 
 double Meter::FreqSetting(double frequencyMHz) const {
   return IsScope() ? kHalfPeriodMHz / frequencyMHz : frequencyMHz;
 }
 
-bool Meter::MeterSetLevel(double levelDbuv) {
-  if (!(levelDbuv >= MinimumLevel() && levelDbuv <= MaximumLevel())) {
-    shell_.TellFailure("Level requested exceeds meter's capability. ");
-    return false;
-  }
-  if (levelDbuv == currentReference_) return true;
+Done Meter::MeterSetLevel(double levelDbuv) {
+  if (!(levelDbuv >= MinimumLevel() && levelDbuv <= MaximumLevel()))
+    return Because("Level requested exceeds meter's capability. ");
+  if (levelDbuv == currentReference_) return {};
   currentReference_ = kNoReference;
-  if (HasLevelCommand() && !SendReference(levelDbuv)) return false;
-  currentReference_ = levelDbuv;
-  return true;
+  Done sent = HasLevelCommand() ? SendReference(levelDbuv) : Done();
+  return sent.map([&] { currentReference_ = levelDbuv; });
 }
 
-bool Meter::SendReference(double levelDbuv) {
+Done Meter::SendReference(double levelDbuv) {
   const double commanded = levelDbuv + (IsScope() ? kScopeOffsetDb : kReferenceOffsetDb);
-  const auto setting = answers_.Converted(Conversions::DbuvToMeterUnits, definition_.Units, commanded);
-  if (!setting) return WriteFailed();
+  const Result<double> setting = answers_.Converted(Conversions::DbuvToMeterUnits, definition_.Units, commanded);
+  if (!setting) return Because(Failure(setting.error()).Add(gpib_.GpibError(kWriteFailed)));
   return SendCommand(SettingCommand(definition_.LevSetPrefix, *setting, LevelPattern(definition_.Units, *setting),
                                     definition_.LevSetSuffix, terminator_));
 }
 
-bool Meter::MeterTrigger() {
-  if (answers_.Trigger(Address(), definition_.Trigger, SettlingTime())) return true;
-  gpib_.Report("Error in writing command to meter. ");
+Done Meter::MeterTrigger() {
+  if (answers_.Trigger(Address(), definition_.Trigger, SettlingTime())) return {};
   answers_.ForgetTrigger();
-  return false;
+  return Because(gpib_.GpibError(kWriteFailed));
 }
 
-double Meter::MeterRead(ReadMode mode, double settlingSeconds) {
+Result<double> Meter::MeterRead(ReadMode mode, double settlingSeconds) {
   const double settle = settlingSeconds == kDefinedSettling ? double{SettlingTime()} : settlingSeconds;
-  if (!AwaitCapture(settle)) return ReadFailed();
-  if (shell_.delay.HaltRequested()) return kNoReading;
-  for (int turn = 0;; ++turn) {
-    const auto level = ReadLevel();
-    if (!level) return ReadFailed();
-    if (*level > MaximumLevel()) return kOverRange;
-    const bool isLevel = Last().HasNumber && !IsMissing(*level);  // nothing else says which way to range
-    if (mode == ReadMode::Single || !HasLevelCommand() || !isLevel) return *level;
+  if (const Done captured = AwaitCapture(settle); !captured) return ReadFailed(captured.error());
+  for (int turn = 0; !shell_.delay.HaltRequested(); ++turn) {
+    const Result<double> answered = ReadLevel();
+    if (!answered) return ReadFailed(answered.error());
+    Result<double> level = Judged(*answered);
+    if (!level || mode == ReadMode::Single || !HasLevelCommand()) return level;
     const auto reference = NextReferenceLevel(*level, currentReference_, MinimumLevel(), MaximumLevel());
-    if (!reference) return *level;
-    if (turn == kMostRangings) return RangingFailed(*level);
-    if (!MeterSetLevel(*reference) || !MeterTrigger()) return ReadFailed();
+    if (!reference) return level;
+    if (turn == kMostRangings)
+      return Because("The meter finds no range for its reading of " + Format(*level, "##0.0#") +
+                     " dBuV,\r\ncheck its definition and the level at its input");
+    const Done ranged = MeterSetLevel(*reference).and_then([&] { return MeterTrigger(); });
+    if (!ranged) return ReadFailed(ranged.error());
     shell_.delay.Delay(settle, true);
-    if (shell_.delay.HaltRequested()) return *level;
   }
+  return Because();
 }
 
-bool Meter::AwaitCapture(double settlingSeconds) {
+Done Meter::AwaitCapture(double settlingSeconds) {
   if (answers_.TriggerPending()) {
     answers_.AwaitPending();
-    return true;
+    return {};
   }
-  if (!MeterTrigger()) return false;
-  shell_.delay.Delay(settlingSeconds, true);
-  return true;
+  return MeterTrigger().map([&] { shell_.delay.Delay(settlingSeconds, true); });
 }
 
-std::optional<double> Meter::ReadLevel() {
-  const auto value = answers_.Read(Address(), definition_.Read, definition_.ParseCmd);
-  return value ? answers_.Converted(Conversions::MeterReadingToDbuv, definition_.Units, *value) : std::nullopt;
+Result<double> Meter::ReadLevel() {
+  return answers_.Read(Address(), definition_.Read, definition_.ParseCmd).and_then([&](double value) {
+    return answers_.Converted(Conversions::MeterReadingToDbuv, definition_.Units, value);
+  });
 }
 
-bool Meter::MeterShutdown() {
-  if (definition_.Shutdown.empty()) return InitMeter() && gpib_.GpibClose(Address(), kName);
-  return SendCommand(definition_.Shutdown + terminator_.Text) && gpib_.GpibClose(Address(), kName);
+Result<double> Meter::Judged(double levelDbuv) const {
+  if (const Done number = answers_.HoldsNumber("meter", "level"); !number) return Because(number.error());
+  if (IsMissing(levelDbuv)) return Because(answers_.NoQuantity("meter", "level"));  // of a voltage below 0
+  if (levelDbuv > MaximumLevel()) return Because("The level is above the meter's maximum level, check setup");
+  return levelDbuv;
 }
 
-bool Meter::SendCommand(const std::string& command) {
-  return gpib_.Send(Address(), command) || WriteFailed();
+Done Meter::MeterShutdown() {
+  const Done offline =
+      definition_.Shutdown.empty() ? InitMeter() : SendCommand(definition_.Shutdown + terminator_.Text);
+  return offline.and_then([&] { return gpib_.GpibClose(Address(), kName); });
 }
 
-bool Meter::WriteFailed() {
-  gpib_.Report("Error in writing command to meter. ");
-  return false;
+Done Meter::SendCommand(const std::string& command) {
+  return gpib_.Send(Address(), command, kWriteFailed);
 }
 
-double Meter::ReadFailed() {
-  answers_.MarkFailed();
-  gpib_.Report("Error in reading meter. ");
-  return kNoReading;
-}
-
-double Meter::RangingFailed(double levelDbuv) {
-  answers_.MarkFailed();
-  shell_.TellFailure("The meter finds no range for its reading of " + Format(levelDbuv, "##0.0#") +
-                     " dBuV,\r\ncheck its definition and the level at its input");
-  return kNoReading;
+tl::unexpected<Failure> Meter::ReadFailed(Failure cause) const {
+  return Because(cause.Add(gpib_.GpibError("Error in reading meter. ")));
 }
 
 }  // namespace hylden

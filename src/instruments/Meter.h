@@ -22,7 +22,7 @@ std::optional<double> NextReferenceLevel(double levelDbuv, double referenceDbuv,
                                          double maximumDbuv);
 
 /// The station's meter (analyser, oscilloscope or RF voltmeter), driven through its definition. Levels in dBuV,
-/// frequencies in MHz. Failures are reported here; callers add nothing.
+/// frequencies in MHz.
 class Meter : public DefinedInstrument<MeterDefinition> {
  public:
   static constexpr double kDefinedSettling = -1;
@@ -32,21 +32,20 @@ class Meter : public DefinedInstrument<MeterDefinition> {
   Meter(Shell& shell, Gpib& gpib, ResponseParser& parser)
       : DefinedInstrument(shell, gpib), answers_(shell, gpib, parser, terminator_) {}
 
-  bool InitMeter();
-  bool MeterSetFreq(double frequencyMHz);
+  Done InitMeter();
+  Done MeterSetFreq(double frequencyMHz);
   /// Reference level (range).
-  bool MeterSetLevel(double levelDbuv);
-  bool MeterTrigger();
-  /// The level; 999 after a failure, 1000 above the meter's maximum level. An answer without a number reads as 0. A
-  /// meter that finds no range for its reading within `kMostRangings` turns has failed.
-  double MeterRead(ReadMode mode, double settlingSeconds = kDefinedSettling);
-  bool MeterShutdown();
+  Done MeterSetLevel(double levelDbuv);
+  Done MeterTrigger();
+  /// The level. There is none without a number that was measured, above the meter's maximum level, where it finds no
+  /// range for its reading within `kMostRangings` turns, and, silently, when a halt cuts the reading short.
+  Result<double> MeterRead(ReadMode mode, double settlingSeconds = kDefinedSettling);
+  Done MeterShutdown();
 
   float MaximumLevel() const { return definition_.MaximumLevel; }
   float MinimumLevel() const { return definition_.MinimumLevel; }
   float SettlingTime() const { return definition_.SettlingTime; }
-  const std::string& LastAnswer() const { return Last().Answer; }
-  const LastReading& Last() const { return answers_.Last(); }
+  const std::string& LastAnswer() const { return answers_.LastAnswer(); }
 
  private:
   static constexpr double kNoReference = 999;
@@ -54,15 +53,15 @@ class Meter : public DefinedInstrument<MeterDefinition> {
   bool HasLevelCommand() const { return !definition_.LevSetPrefix.empty() || !definition_.LevSetSuffix.empty(); }
   bool IsScope() const { return definition_.Type == static_cast<std::int32_t>(MeterType::Scope); }
   double FreqSetting(double frequencyMHz) const;
-  bool SendReference(double levelDbuv);
+  Done SendReference(double levelDbuv);
   /// Triggers unless a trigger is pending, and waits until the capture may be read.
-  bool AwaitCapture(double settlingSeconds);
-  /// One reading in dBuV.
-  std::optional<double> ReadLevel();
-  bool SendCommand(const std::string& command);
-  bool WriteFailed();
-  double ReadFailed();
-  double RangingFailed(double levelDbuv);
+  Done AwaitCapture(double settlingSeconds);
+  /// What the answer stands for, dBuV.
+  Result<double> ReadLevel();
+  /// The same where it is a level.
+  Result<double> Judged(double levelDbuv) const;
+  Done SendCommand(const std::string& command);
+  tl::unexpected<Failure> ReadFailed(Failure cause) const;
 
   AnswerReader answers_;
   double currentFreq_ = 0;                  ///< last set, MHz

@@ -9,6 +9,8 @@ namespace hylden {
 namespace {
 
 constexpr const char* kName = "PwrMtr";
+constexpr const char* kWriteFailed = "Error in writing command to power meter. ";
+constexpr double kMostPowerDbm = 998;  // no sensor has seen more; 999 is many an instrument's word for nothing
 const std::string kNoCommand;
 
 /// The text of a channel; empty for a channel that does not exist.
@@ -19,70 +21,76 @@ const std::string& OfChannel(int channel, const std::string& first, const std::s
 
 }  // namespace
 
-bool PM::InitPwrMtr() {
-  if (!Ready()) return false;
+Done PM::InitPwrMtr() {
+  if (Done ready = Ready(); !ready) return ready;
   const std::string init = definition_.InitString.empty() ? "" : definition_.InitString + terminator_.Text;
-  if (!gpib_.GpibOpen(Address(), init, kName)) return false;
-  currentFreq_ = 0;
-  answers_.ForgetTrigger();
-  return true;
+  return gpib_.GpibOpen(Address(), init, kName).map([&] {
+    currentFreq_ = 0;
+    answers_.ForgetTrigger();
+  });
 }
 
-bool PM::PwrMtrSetFreq(double frequencyMHz) {
-  if (!(frequencyMHz >= MinimumFreq() && frequencyMHz <= MaximumFreq())) {
-    shell_.TellFailure("Frequency requested exceeds power meter's capability. ");
-    return false;
-  }
-  if (frequencyMHz == currentFreq_) return true;
+Done PM::PwrMtrSetFreq(double frequencyMHz) {
+  if (!(frequencyMHz >= MinimumFreq() && frequencyMHz <= MaximumFreq()))
+    return Because("Frequency requested exceeds power meter's capability. ");
+  if (frequencyMHz == currentFreq_) return {};
   currentFreq_ = 0;  // until the command has got through, nothing is assumed about the instrument
-  if (HasFreqCommand() && !TuneChannels(frequencyMHz)) return false;
-  currentFreq_ = frequencyMHz;
-  return true;
+  const Done tuned = HasFreqCommand() ? TuneChannels(frequencyMHz) : Done();
+  return tuned.map([&] { currentFreq_ = frequencyMHz; });
 }
 
-bool PM::TuneChannels(double frequencyMHz) {
+Done PM::TuneChannels(double frequencyMHz) {
   const std::string command = SettingCommand(definition_.FreqSetPrefix, frequencyMHz, commandpattern::kMeterFreq,
                                              definition_.FreqSetSuffix, terminator_);
+  const Done first = TuneChannel(1, command);
   const bool twoChannels = !definition_.SelectCh2.empty();
-  return TuneChannel(1, command) && (!twoChannels || TuneChannel(2, command));
+  return first && twoChannels ? TuneChannel(2, command) : first;
 }
 
-bool PM::TuneChannel(int channel, const std::string& command) {
+Done PM::TuneChannel(int channel, const std::string& command) {
   // On the wrong channel the frequency would spoil the other sensor's calibration factor.
-  if (!PwrMtrSelect(channel)) return false;
-  return gpib_.Send(Address(), command) || WriteFailed();
+  return PwrMtrSelect(channel).and_then([&] { return gpib_.Send(Address(), command, kWriteFailed); });
 }
 
-bool PM::PwrMtrSelect(int channel) {
-  if (channel != 1 && channel != 2) return false;
+Done PM::PwrMtrSelect(int channel) {
+  if (channel != 1 && channel != 2) return Because();
   const std::string& command = OfChannel(channel, definition_.SelectCh1, definition_.SelectCh2);
-  if (command.empty()) return true;
-  return gpib_.SendOrReport(Address(), command + terminator_.Text, "Error in writing to power meter. ");
+  if (command.empty()) return {};
+  return gpib_.Send(Address(), command + terminator_.Text, "Error in writing to power meter. ");
 }
 
-bool PM::PwrMtrTrigger(int channel) {
+Done PM::PwrMtrTrigger(int channel) {
   const int active = ChannelFor(channel);
-  PwrMtrSelect(active);
+  Done selected = PwrMtrSelect(active);
+  if (!selected && selected.error().IsSilent()) selected = {};  // there is no such channel to be selected
   const std::string& command = OfChannel(active, definition_.Ch1Trigger, definition_.Ch2Trigger);
-  return answers_.Trigger(Address(), command, double{definition_.SettlingTime}) || WriteFailed();
+  if (answers_.Trigger(Address(), command, double{definition_.SettlingTime})) return selected;
+  return Both(selected, Because(gpib_.GpibError(kWriteFailed)));
 }
 
-double PM::ReadPower(int channel) {
+Result<double> PM::ReadPower(int channel) {
   if (answers_.TriggerPending()) {
     answers_.AwaitPending();
   } else {
-    if (!PwrMtrTrigger(channel)) return ReadFailed();
+    if (const Done triggered = PwrMtrTrigger(channel); !triggered) return ReadFailed(triggered.error());
     shell_.delay.Delay(double{definition_.SettlingTime}, true);
   }
-  if (shell_.delay.HaltRequested()) return kNoReading;
-  const auto power = ReadDbm(ChannelFor(channel));
-  return power ? *power : ReadFailed();
+  if (shell_.delay.HaltRequested()) return Because();
+  const Result<double> answered = ReadDbm(ChannelFor(channel));
+  return answered ? Judged(*answered) : ReadFailed(answered.error());
 }
 
-std::optional<double> PM::ReadDbm(int channel) {
+Result<double> PM::ReadDbm(int channel) {
   const std::string& command = OfChannel(channel, definition_.Ch1Read, definition_.Ch2Read);
-  const auto value = answers_.Read(Address(), command, definition_.ParsingCmd);
-  return value ? answers_.Converted(Conversions::PowerReadingToDbm, definition_.Units, *value) : std::nullopt;
+  return answers_.Read(Address(), command, definition_.ParsingCmd).and_then([&](double value) {
+    return answers_.Converted(Conversions::PowerReadingToDbm, definition_.Units, value);
+  });
+}
+
+Result<double> PM::Judged(double powerDbm) const {
+  if (const Done number = answers_.HoldsNumber("power meter", "power"); !number) return Because(number.error());
+  if (powerDbm > kMostPowerDbm) return Because(answers_.NoQuantity("power meter", "power"));
+  return powerDbm;
 }
 
 int PM::ChannelFor(int channel) const {
@@ -90,23 +98,15 @@ int PM::ChannelFor(int channel) const {
   return currentFreq_ <= definition_.Bandswitch ? 1 : 2;
 }
 
-bool PM::PwrMtrShutdown() {
-  const bool offline = definition_.Shutdown.empty()
+Done PM::PwrMtrShutdown() {
+  const Done offline = definition_.Shutdown.empty()
                            ? InitPwrMtr()
-                           : gpib_.Send(Address(), definition_.Shutdown + terminator_.Text) || WriteFailed();
-  return offline && gpib_.GpibClose(Address(), kName);
+                           : gpib_.Send(Address(), definition_.Shutdown + terminator_.Text, kWriteFailed);
+  return offline.and_then([&] { return gpib_.GpibClose(Address(), kName); });
 }
 
-bool PM::WriteFailed() {
-  gpib_.Report("Error in writing command to power meter. ");
-  return false;
-}
-
-double PM::ReadFailed() {
-  answers_.MarkFailed();
-  gpib_.Report("Error in reading power meter. ");
-  shell_.dialogs.DefaultPointer();
-  return kNoReading;
+tl::unexpected<Failure> PM::ReadFailed(Failure cause) const {
+  return Because(cause.Add(gpib_.GpibError("Error in reading power meter. ")));
 }
 
 }  // namespace hylden

@@ -4,19 +4,17 @@
 
 namespace hylden {
 
-ResponseParser::ResponseParser(Shell& shell) : shell_(shell), engine_(shell.clock) {
+ResponseParser::ResponseParser(Shell& shell) : engine_(shell.clock) {
   engine_.AddObject(library_);
 }
 
-std::string ResponseParser::ParseAnswer(const std::string& answer, const std::string& expression) {
+Result<std::string> ResponseParser::ParseAnswer(const std::string& answer, const std::string& expression) {
   library_.RetString = answer;
   try {
     engine_.ExecuteStatement("x= RetString");
     return engine_.Eval(expression);
   } catch (const RuntimeError& error) {
-    shell_.TellFailure("Scripting error\r\nError number " + std::to_string(error.Number()) + "\r\n" +
-                       error.Description());
-    return {};
+    return Because("Scripting error\r\nError number " + std::to_string(error.Number()) + "\r\n" + error.Description());
   }
 }
 

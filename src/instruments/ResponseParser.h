@@ -3,6 +3,7 @@
 #include <string>
 
 #include "script/ScriptEngine.h"
+#include "shell/Failure.h"
 
 namespace hylden {
 
@@ -13,12 +14,11 @@ class ResponseParser {
  public:
   explicit ResponseParser(Shell& shell);
 
-  /// The expression's value as text, with the answer bound to x and to RetString. An error in it is shown as "Scripting
-  /// error" with its number and description, and gives an empty text.
-  std::string ParseAnswer(const std::string& answer, const std::string& expression);
+  /// The expression's value as text, with the answer bound to x and to RetString; or the number and
+  /// description of an error in it.
+  Result<std::string> ParseAnswer(const std::string& answer, const std::string& expression);
 
  private:
-  Shell& shell_;
   clsHyLib library_;
   ScriptEngine engine_;
 };

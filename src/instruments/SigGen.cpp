@@ -12,70 +12,67 @@ constexpr const char* kWriteFailed = "Error in writing command to Signal Generat
 
 }  // namespace
 
-bool SigGen::InitSigGen(double frequencyMHz, float levelDbm) {
-  if (!Ready()) return false;
+Done SigGen::InitSigGen(double frequencyMHz, float levelDbm) {
+  if (Done ready = Ready(); !ready) return ready;
   rf_ = Rf::Unknown;  // whatever state the generator is found in, it has to be switched off
   // An empty Init String still sends the terminator: it ends a command left half-typed in the generator.
-  if (!gpib_.GpibOpen(Address(), definition_.InitString + terminator_.Text, kName)) return false;
+  Done opened = gpib_.GpibOpen(Address(), definition_.InitString + terminator_.Text, kName);
+  if (!opened) return opened;
   ForgetSent();
   const bool atMinimum = frequencyMHz == 0;
-  const bool accepted = atMinimum ? Request(MinimumFreq(), MinimumLevel()) : Request(frequencyMHz, levelDbm);
-  if (!accepted) return false;
+  Done accepted = atMinimum ? Request(MinimumFreq(), MinimumLevel()) : Request(frequencyMHz, levelDbm);
+  if (!accepted) return accepted;
   modulation_ = Modulation::None;
   switchByDepth_ = false;
   modulated_ = Switched::Unknown;
-  const bool modulationIsOff = ModOff();
-  return SilenceOrReport() && modulationIsOff;
+  const Done modulationIsOff = ModOff();
+  return Both(modulationIsOff, SilenceRf());
 }
 
-bool SigGen::SetFreqLevel(double frequencyMHz, float levelDbm) {
-  return Request(frequencyMHz, levelDbm) && (rf_ == Rf::Off || SendRequest());
+Done SigGen::SetFreqLevel(double frequencyMHz, float levelDbm) {
+  Done accepted = Request(frequencyMHz, levelDbm);
+  return accepted && rf_ != Rf::Off ? SendRequest() : accepted;
 }
 
-bool SigGen::Request(double frequencyMHz, float levelDbm) {
-  if (!HasFreqCommand() || !HasLevelCommand()) return false;
-  if (!(levelDbm >= MinimumLevel() && levelDbm <= MaximumLevel())) {
-    SilenceOrReport();
+Done SigGen::Request(double frequencyMHz, float levelDbm) {
+  if (!HasFreqCommand() || !HasLevelCommand()) return Because();
+  if (!(levelDbm >= MinimumLevel() && levelDbm <= MaximumLevel()))
     return Refuse("Level requested outside of range of instrument");
-  }
-  if (!(frequencyMHz >= MinimumFreq() && frequencyMHz <= MaximumFreq())) {
-    SilenceOrReport();
+  if (!(frequencyMHz >= MinimumFreq() && frequencyMHz <= MaximumFreq()))
     return Refuse("Frequency requested outside of range of instrument");
-  }
   requestedFreq_ = frequencyMHz;
   requestedLevel_ = levelDbm;
-  return true;
+  return {};
 }
 
-bool SigGen::SendRequest(UnknownLevel order) {
-  if (SendChanges(order)) return true;
-  gpib_.Report(kWriteFailed);
-  return false;
-}
-
-bool SigGen::SendChanges(UnknownLevel order) {
+Done SigGen::SendRequest(UnknownLevel order) {
   const bool levelKnown = currentLevel_ != kNoLevel;
   const bool retune = requestedFreq_ != currentFreq_;
   const bool falling = levelKnown ? requestedLevel_ < currentLevel_ : order == UnknownLevel::LevelFirst;
   const bool rising = !falling && requestedLevel_ != currentLevel_;
   ForgetSent();  // until everything has gone out, nothing is assumed about the instrument
   // The higher of two levels never stands on the wrong frequency.
-  if (falling && !SendLevel()) return false;
-  if (retune && !SendFreq()) return false;
-  if (rising && !SendLevel()) return false;
-  currentFreq_ = requestedFreq_;
-  currentLevel_ = requestedLevel_;
-  return true;
+  Done sent = falling ? SendLevel() : Done();
+  if (sent && retune) sent = SendFreq();
+  if (sent && rising) sent = SendLevel();
+  return sent.map([&] {
+    currentFreq_ = requestedFreq_;
+    currentLevel_ = requestedLevel_;
+  });
 }
 
-bool SigGen::SendFreq() {
-  return gpib_.Send(Address(), SettingCommand(definition_.FreqSetPrefix, requestedFreq_, commandpattern::kFreq,
-                                              definition_.FreqSetSuffix, terminator_));
+Done SigGen::SendFreq() {
+  return gpib_.Send(Address(),
+                    SettingCommand(definition_.FreqSetPrefix, requestedFreq_, commandpattern::kFreq,
+                                   definition_.FreqSetSuffix, terminator_),
+                    kWriteFailed);
 }
 
-bool SigGen::SendLevel() {
-  return gpib_.Send(Address(), SettingCommand(definition_.LevSetPrefix, requestedLevel_, commandpattern::kLevel,
-                                              definition_.LevSetSuffix, terminator_));
+Done SigGen::SendLevel() {
+  return gpib_.Send(Address(),
+                    SettingCommand(definition_.LevSetPrefix, requestedLevel_, commandpattern::kLevel,
+                                   definition_.LevSetSuffix, terminator_),
+                    kWriteFailed);
 }
 
 void SigGen::ForgetSent() {
@@ -83,52 +80,40 @@ void SigGen::ForgetSent() {
   currentLevel_ = kNoLevel;
 }
 
-bool SigGen::RfOn() {
-  if (!Ready()) return false;
+Done SigGen::RfOn() {
+  if (Done ready = Ready(); !ready) return ready;
   if (rf_ != Rf::On) {
     rf_ = Rf::On;
-    if (!SetFreqLevel(requestedFreq_, requestedLevel_)) return false;
+    if (Done set = SetFreqLevel(requestedFreq_, requestedLevel_); !set) return set;
   }
-  if (gpib_.Send(Address(), definition_.RfOn + terminator_.Text)) return true;
-  rf_ = Rf::Unknown;
-  gpib_.Report("Error setting SigGen RF on. ");
-  return false;
+  Done sent = SendText(definition_.RfOn, "Error setting SigGen RF on. ");
+  if (!sent) rf_ = Rf::Unknown;
+  return sent;
 }
 
-bool SigGen::RfOff() {
-  if (!definition_.RfOff.empty()) return SilenceOrReport();
+Done SigGen::RfOff() {
+  if (!definition_.RfOff.empty()) return SilenceRf();
   rf_ = Rf::Off;
   if (HasFreqCommand()) RequestMinimumLevel();
-  return true;
+  return {};
 }
 
-bool SigGen::SilenceRf() {
-  const Gpib::KeptStatus kept(gpib_);
-  return TrySilence();
-}
-
-bool SigGen::SilenceOrReport() {
-  if (TrySilence()) return true;
-  gpib_.Report(definition_.RfOff.empty() ? kWriteFailed : "Error setting SigGen RF off. ");
-  return false;
-}
-
-bool SigGen::TrySilence() {
-  if (!HasDefinition()) return rf_ == Rf::Off;
-  const bool sent =
-      definition_.RfOff.empty() ? LowerToMinimum() : gpib_.Send(Address(), definition_.RfOff + terminator_.Text);
+Done SigGen::SilenceRf() {
+  if (!HasDefinition()) return rf_ == Rf::Off ? Done() : Because();
+  Done sent =
+      definition_.RfOff.empty() ? LowerToMinimum() : SendText(definition_.RfOff, "Error setting SigGen RF off. ");
   // After the send: had it thrown, the output would still count as on. What was off stays off.
   if (sent) rf_ = Rf::Off;
   if (!sent && rf_ == Rf::On) rf_ = Rf::Unknown;
   return sent;
 }
 
-bool SigGen::LowerToMinimum() {
-  if (!HasFreqCommand() || !HasLevelCommand()) return true;  // nothing can have raised it
+Done SigGen::LowerToMinimum() {
+  if (!HasFreqCommand() || !HasLevelCommand()) return {};  // nothing can have raised it
   const bool neverSent = currentFreq_ == 0 && currentLevel_ == kNoLevel;
-  if (neverSent && rf_ == Rf::Off) return true;
+  if (neverSent && rf_ == Rf::Off) return {};
   RequestMinimumLevel();
-  return SendChanges(UnknownLevel::LevelFirst);
+  return SendRequest(UnknownLevel::LevelFirst);
 }
 
 void SigGen::RequestMinimumLevel() {
@@ -137,18 +122,20 @@ void SigGen::RequestMinimumLevel() {
   requestedLevel_ = MinimumLevel();
 }
 
-bool SigGen::ShutdownSigGen() {
-  return Request(MinimumFreq(), MinimumLevel()) && SendRequest(UnknownLevel::LevelFirst) && SilenceOrReport() &&
-         gpib_.GpibClose(Address(), kName);
+Done SigGen::ShutdownSigGen() {
+  return Request(MinimumFreq(), MinimumLevel())
+      .and_then([&] { return SendRequest(UnknownLevel::LevelFirst); })
+      .and_then([&] { return SilenceRf(); })
+      .and_then([&] { return gpib_.GpibClose(Address(), kName); });
 }
 
-bool SigGen::SendText(const std::string& text, const std::string& failure) {
-  return gpib_.SendOrReport(Address(), text + terminator_.Text, failure);
+Done SigGen::SendText(const std::string& text, const std::string& failure) {
+  return gpib_.Send(Address(), text + terminator_.Text, failure);
 }
 
-bool SigGen::Refuse(const std::string& text) {
-  shell_.TellFailure(text);
-  return false;
+Done SigGen::Refuse(const std::string& text) {
+  const Done silenced = SilenceRf();
+  return Both(Because(text), silenced);
 }
 
 }  // namespace hylden

@@ -17,35 +17,33 @@ enum class Rf { Off, On, Unknown };
 
 /// The station's signal generator, driven through its definition. A request outside the definition's limits is refused
 /// with RF off; frequency and level go out only when they change, the falling one first; while RF is off a request is
-/// held for the next RfOn. Frequencies in MHz, levels in dBm. Failures are reported here; callers add nothing.
+/// held for the next RfOn. Frequencies in MHz, levels in dBm.
 class SigGen : public DefinedInstrument<SigGenDefinition> {
  public:
   SigGen(Shell& shell, Gpib& gpib) : DefinedInstrument(shell, gpib) {}
 
   /// Opens the generator with modulation and RF off; a frequency of exactly 0 starts at the generator's minimum.
-  bool InitSigGen(double frequencyMHz, float levelDbm);
-  bool SetFreqLevel(double frequencyMHz, float levelDbm);
+  Done InitSigGen(double frequencyMHz, float levelDbm);
+  Done SetFreqLevel(double frequencyMHz, float levelDbm);
   /// Applies the held request and switches on. RF counts as on from the attempt, even a failed one.
-  bool RfOn();
+  Done RfOn();
   /// Always tries. Nothing is sent to a generator without the command: it comes up at its minimum level at the next
   /// RfOn, and until then goes on sending as it did.
-  bool RfOff();
+  Done RfOff();
   /// RF off as far as the generator can: one without the command is taken to its minimum level at once. Whatever has to
-  /// have RF off uses this, not the bare command. Always tries and reports nothing, so that it can be tried again and
-  /// again; after a failure RF counts as on. The status words stay those of the call before.
-  bool SilenceRf();
-  /// The same; a failure is reported.
-  bool SilenceOrReport();
+  /// have RF off uses this, not the bare command. Always tries, again and again if need be; after a failure RF counts
+  /// as on.
+  Done SilenceRf();
   /// @param useDepth  AM is later switched off and on by its depth
-  bool SetAM(float frequencyKHz, float depthPercent, bool useDepth);
-  bool SetFM(float frequencyKHz, float deviationKHz);
-  bool SetPulse(float frequencyKHz, float widthMs);
-  bool AmOn();
-  bool FmOn();
-  bool PulseOn();
-  bool ModOff();
+  Done SetAM(float frequencyKHz, float depthPercent, bool useDepth);
+  Done SetFM(float frequencyKHz, float deviationKHz);
+  Done SetPulse(float frequencyKHz, float widthMs);
+  Done AmOn();
+  Done FmOn();
+  Done PulseOn();
+  Done ModOff();
   /// Minimum level and frequency, which are sent with RF off, too, RF off, local; stops at the first failure.
-  bool ShutdownSigGen();
+  Done ShutdownSigGen();
 
   float MaximumLevel() const { return definition_.MaximumLevel; }
   float MinimumLevel() const { return definition_.MinimumLevel; }
@@ -67,24 +65,23 @@ class SigGen : public DefinedInstrument<SigGenDefinition> {
 
   bool HasLevelCommand() const { return !definition_.LevSetPrefix.empty() || !definition_.LevSetSuffix.empty(); }
   /// Holds a request; refuses one outside the limits with RF off.
-  bool Request(double frequencyMHz, float levelDbm);
+  Done Request(double frequencyMHz, float levelDbm);
   /// Sends what differs between the request and what was sent last.
-  bool SendRequest(UnknownLevel order = UnknownLevel::FreqFirst);
-  /// The same; nothing is reported.
-  bool SendChanges(UnknownLevel order);
-  bool SendFreq();
-  bool SendLevel();
+  Done SendRequest(UnknownLevel order = UnknownLevel::FreqFirst);
+  Done SendFreq();
+  Done SendLevel();
   void ForgetSent();
   /// What stands for RF off on a generator without the command: the next RfOn comes up at the minimum level.
   void RequestMinimumLevel();
-  bool TrySilence();
-  bool LowerToMinimum();
-  bool SwitchModulationOn(const std::string& command, const std::string& failure);
-  bool SetUpAm(float frequencyKHz, float depthPercent, bool useDepth);
-  bool SendAm(float frequencyKHz, float depthPercent);
-  bool SendModulation(const std::string& prefix, float value, std::string_view pattern, const std::string& suffix);
-  bool SendText(const std::string& text, const std::string& failure);
-  bool Refuse(const std::string& text);
+  Done LowerToMinimum();
+  Done SwitchModulationOn(const std::string& command, const std::string& failure);
+  Done SetUpAm(float frequencyKHz, float depthPercent, bool useDepth);
+  Done SendAm(float frequencyKHz, float depthPercent);
+  Done SendModulation(const std::string& prefix, float value, std::string_view pattern, const std::string& suffix,
+                      const std::string& failure);
+  Done SendText(const std::string& text, const std::string& failure);
+  /// With RF off.
+  Done Refuse(const std::string& text);
 
   double currentFreq_ = 0;         ///< last sent, MHz; 0 when not known
   float currentLevel_ = kNoLevel;  ///< last sent, dBm

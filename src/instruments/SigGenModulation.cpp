@@ -2,7 +2,6 @@
 
 #include "instruments/Command.h"
 #include "instruments/SigGen.h"
-#include "shell/Shell.h"
 
 namespace hylden {
 
@@ -14,8 +13,8 @@ constexpr const char* kNoPulse = "Signal Generator not capable of Pulse Modulati
 
 }  // namespace
 
-bool SigGen::SetAM(float frequencyKHz, float depthPercent, bool useDepth) {
-  if (!AmCapable()) return Refuse(kNoAm);
+Done SigGen::SetAM(float frequencyKHz, float depthPercent, bool useDepth) {
+  if (!AmCapable()) return Because(kNoAm);
   if (modulated_ != Switched::On) {
     savedAmFreq_ = frequencyKHz;
     savedAmDepth_ = depthPercent;
@@ -23,88 +22,79 @@ bool SigGen::SetAM(float frequencyKHz, float depthPercent, bool useDepth) {
   return SetUpAm(frequencyKHz, depthPercent, useDepth);
 }
 
-bool SigGen::SetUpAm(float frequencyKHz, float depthPercent, bool useDepth) {
-  if (!SendAm(frequencyKHz, depthPercent)) {
-    gpib_.Report("Error setting AM modulation");
-    return false;
-  }
-  modulation_ = Modulation::Am;
-  switchByDepth_ = useDepth;
-  return true;
+Done SigGen::SetUpAm(float frequencyKHz, float depthPercent, bool useDepth) {
+  return SendAm(frequencyKHz, depthPercent).map([&] {
+    modulation_ = Modulation::Am;
+    switchByDepth_ = useDepth;
+  });
 }
 
-bool SigGen::SendAm(float frequencyKHz, float depthPercent) {
+Done SigGen::SendAm(float frequencyKHz, float depthPercent) {
+  constexpr const char* kFailed = "Error setting AM modulation";
   const SigGenDefinition& d = definition_;
   const bool hasFreq = !d.AmFreqPrefix.empty() || !d.AmFreqSuffix.empty();
   const bool hasDepth = !d.AmDepthPrefix.empty() || !d.AmDepthSuffix.empty();
-  if (hasFreq && !SendModulation(d.AmFreqPrefix, frequencyKHz, commandpattern::kModulation, d.AmFreqSuffix)) {
-    return false;
-  }
-  return !hasDepth || SendModulation(d.AmDepthPrefix, depthPercent, commandpattern::kDepth, d.AmDepthSuffix);
+  const auto send = [&](auto... setting) { return SendModulation(setting..., kFailed); };
+  const Done sent = hasFreq ? send(d.AmFreqPrefix, frequencyKHz, commandpattern::kModulation, d.AmFreqSuffix) : Done();
+  return sent && hasDepth ? send(d.AmDepthPrefix, depthPercent, commandpattern::kDepth, d.AmDepthSuffix) : sent;
 }
 
-bool SigGen::SetFM(float frequencyKHz, float deviationKHz) {
+Done SigGen::SetFM(float frequencyKHz, float deviationKHz) {
+  constexpr const char* kFailed = "Error setting FM modulation";
   const SigGenDefinition& d = definition_;
-  if (!FmCapable()) return Refuse(kNoFm);
+  if (!FmCapable()) return Because(kNoFm);
   modulation_ = Modulation::Fm;
-  if (SendModulation(d.FmFreqPrefix, frequencyKHz, commandpattern::kModulation, d.FmFreqSuffix) &&
-      SendModulation(d.FmDevPrefix, deviationKHz, commandpattern::kModulation, d.FmDevSuffix)) {
-    return true;
-  }
-  gpib_.Report("Error setting FM modulation");
-  return false;
+  return SendModulation(d.FmFreqPrefix, frequencyKHz, commandpattern::kModulation, d.FmFreqSuffix, kFailed)
+      .and_then([&] {
+        return SendModulation(d.FmDevPrefix, deviationKHz, commandpattern::kModulation, d.FmDevSuffix, kFailed);
+      });
 }
 
-bool SigGen::SetPulse(float frequencyKHz, float widthMs) {
+Done SigGen::SetPulse(float frequencyKHz, float widthMs) {
+  constexpr const char* kFailed = "Error setting Pulse modulation";
   const SigGenDefinition& d = definition_;
-  if (!PulseCapable()) return Refuse(kNoPulse);
+  if (!PulseCapable()) return Because(kNoPulse);
   modulation_ = Modulation::Pulse;
-  if (SendModulation(d.PulseFreqPrefix, frequencyKHz, commandpattern::kModulation, d.PulseFreqSuffix) &&
-      SendModulation(d.PulseWidthPrefix, widthMs, commandpattern::kModulation, d.PulseWidthSuffix)) {
-    return true;
-  }
-  gpib_.Report("Error setting Pulse modulation");
-  return false;
+  return SendModulation(d.PulseFreqPrefix, frequencyKHz, commandpattern::kModulation, d.PulseFreqSuffix, kFailed)
+      .and_then([&] {
+        return SendModulation(d.PulseWidthPrefix, widthMs, commandpattern::kModulation, d.PulseWidthSuffix, kFailed);
+      });
 }
 
-bool SigGen::AmOn() {
-  if (!AmCapable()) return Refuse(kNoAm);
+Done SigGen::AmOn() {
+  if (!AmCapable()) return Because(kNoAm);
   const Switched before = modulated_;
-  if (before != Switched::On && !SwitchModulationOn(definition_.AmModOn, "Error setting AM Modulation on. "))
-    return false;
+  const Done on =
+      before == Switched::On ? Done() : SwitchModulationOn(definition_.AmModOn, "Error setting AM Modulation on. ");
   // Switched off by its depth, AM comes back by its depth.
-  return before == Switched::Off || SetUpAm(savedAmFreq_, savedAmDepth_, switchByDepth_);
+  return !on || before == Switched::Off ? on : SetUpAm(savedAmFreq_, savedAmDepth_, switchByDepth_);
 }
 
-bool SigGen::FmOn() {
-  if (!FmCapable()) return Refuse(kNoFm);
+Done SigGen::FmOn() {
+  if (!FmCapable()) return Because(kNoFm);
   return SwitchModulationOn(definition_.FmModOn, "Error setting FM Modulation on. ");
 }
 
-bool SigGen::PulseOn() {
-  if (!PulseCapable()) return Refuse(kNoPulse);
+Done SigGen::PulseOn() {
+  if (!PulseCapable()) return Because(kNoPulse);
   return SwitchModulationOn(definition_.PulseModOn, "Error setting Pulse Modulation on.");
 }
 
-bool SigGen::SwitchModulationOn(const std::string& command, const std::string& failure) {
+Done SigGen::SwitchModulationOn(const std::string& command, const std::string& failure) {
   modulated_ = Switched::Unknown;
-  if (!SendText(command, failure)) return false;
-  modulated_ = Switched::On;
-  return true;
+  return SendText(command, failure).map([&] { modulated_ = Switched::On; });
 }
 
-bool SigGen::ModOff() {
-  if (modulated_ == Switched::Off) return true;
+Done SigGen::ModOff() {
+  if (modulated_ == Switched::Off) return {};
   if (modulation_ == Modulation::Am && switchByDepth_) return SetUpAm(savedAmFreq_, 0, switchByDepth_);
   modulated_ = Switched::Unknown;
-  if (!SendText(definition_.ModulationOff, "Error turning modulation off. ")) return false;
-  modulated_ = Switched::Off;
-  return true;
+  return SendText(definition_.ModulationOff, "Error turning modulation off. ").map([&] { modulated_ = Switched::Off; });
 }
 
-bool SigGen::SendModulation(const std::string& prefix, float value, std::string_view pattern,
-                            const std::string& suffix) {
-  return gpib_.Send(Address(), SettingCommand(prefix, value, pattern, suffix, terminator_));
+Done SigGen::SendModulation(const std::string& prefix, float value, std::string_view pattern, const std::string& suffix,
+                            const std::string& failure) {
+  return gpib_.Send(Address(), SettingCommand(prefix, value, pattern, suffix, terminator_), failure);
 }
 
 }  // namespace hylden

@@ -9,17 +9,9 @@ namespace hylden {
 
 /// "No value": a lookup without an answer, a power that was not recorded, the decibels of nothing.
 inline constexpr double kNoValue = -999;
-/// "No reading": what a meter or power meter read gives that failed or was halted.
-inline constexpr double kNoReading = 999;
-/// What a meter read gives that is above the meter's maximum level.
-inline constexpr double kOverRange = 1000;
 /// Whether a lookup gave no value.
 constexpr bool IsMissing(double value) {
   return value < -998;
-}
-/// Whether a read gave no reading.
-constexpr bool IsNoReading(double level) {
-  return level > 998;
 }
 
 namespace Conversions {

@@ -14,6 +14,7 @@ namespace hylden {
 namespace {
 
 constexpr const char* kBadData = "Bad data in calibration file";
+constexpr const char* kNoPoints = "No calibration points in interp file";
 
 /// 1 for a number character, 0 for a separator, -1 otherwise.
 int CharClass(char character) {
@@ -181,22 +182,17 @@ bool InterpClass::InitInterp(const std::string& fileName) {
   return true;
 }
 
-bool InterpClass::InterpVal(double frequency, float& value, FreqScale scale, DuplicateRule rule) {
-  if (points_.size() < 2) {
-    shell_.TellFailure("No calibration points in interp file");
-    return false;
-  }
-  if (!(frequency >= points_.front().Freq && frequency <= points_.back().Freq)) return false;
+Result<float> InterpClass::InterpVal(double frequency, FreqScale scale, DuplicateRule rule) {
+  if (points_.size() < 2) return Because(kNoPoints);
+  if (!(frequency >= points_.front().Freq && frequency <= points_.back().Freq)) return Because();
   MoveCursor(frequency);
   const FactorPoint& found = points_[cursor_];
   if (frequency < found.Freq) {
     const FactorPoint& before = points_[cursor_ - 1];
-    value = Interpolate(before.Freq, before.Value, found.Freq, found.Value, frequency, scale);
-    return true;
+    return Interpolate(before.Freq, before.Value, found.Freq, found.Value, frequency, scale);
   }
   const bool pair = cursor_ + 1 < points_.size() && points_[cursor_ + 1].Freq == frequency;
-  value = pair ? PickDuplicate(found.Value, points_[cursor_ + 1].Value, rule) : found.Value;
-  return true;
+  return pair ? PickDuplicate(found.Value, points_[cursor_ + 1].Value, rule) : found.Value;
 }
 
 void InterpClass::MoveCursor(double frequency) {
@@ -231,7 +227,7 @@ void InterpClass::GetTable(std::vector<double>& frequencies, std::vector<float>&
 
 bool InterpClass::SaveFile(const std::string& fileName) {
   if (points_.size() < 2) {
-    shell_.dialogs.Tell("No calibration points in interp file");
+    shell_.dialogs.Tell(kNoPoints);
     return false;
   }
   std::vector<std::string> lines;

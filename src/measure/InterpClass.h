@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "shell/Failure.h"
+
 namespace hylden {
 
 class Shell;
@@ -44,9 +46,9 @@ class InterpClass {
 
   /// Replaces the table by the file's. @return false after a message, or silently for an empty name
   bool InitInterp(const std::string& fileName);
-  /// The value at a frequency in MHz; false outside the table (no message) and for an unusable table (message).
-  /// Lookups at rising frequencies take constant time.
-  bool InterpVal(double frequency, float& value, FreqScale scale, DuplicateRule rule = DuplicateRule::Larger);
+  /// The value at a frequency in MHz; none in an unusable table, and, silently, outside the table. Lookups at rising
+  /// frequencies take constant time.
+  Result<float> InterpVal(double frequency, FreqScale scale, DuplicateRule rule = DuplicateRule::Larger);
   /// -1 when the table is unusable.
   double MaxFreq() const;
   double MinFreq() const;

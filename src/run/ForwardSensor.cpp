@@ -23,22 +23,23 @@ bool ForwardSensor::IsMoved() const {
   return equipment_.HasIfiAmplifier() && !equipment_.Is(AmpConfig::DualSplit);
 }
 
-bool ForwardSensor::Place(double frequencyMHz) {
-  if (shell_.delay.HaltRequested()) return false;
-  if (!IsMoved()) return true;
+Done ForwardSensor::Place(double frequencyMHz) {
+  if (shell_.delay.HaltRequested()) return Because();
+  if (!IsMoved()) return {};
   const std::string prompt = SensorPrompt(previousMHz_, frequencyMHz, equipment_.IfiBandSwitch);
   if (!prompt.empty()) {
     // No connector is unscrewed under power.
     SigGen& sigGen = instruments_.sigGen;
-    if (sigGen.RfIsOn() && !sigGen.SilenceOrReport()) return false;
+    Done silenced = sigGen.RfIsOn() ? sigGen.SilenceRf() : Done();
+    if (!silenced) return silenced;
     shell_.dialogs.Tell(prompt);
   }
   previousMHz_ = frequencyMHz;
-  return !shell_.delay.HaltRequested();
+  return shell_.delay.HaltRequested() ? Because() : Done();
 }
 
-double ForwardSensor::Read() {
-  if (shell_.delay.HaltRequested()) return kNoReading;
+Result<double> ForwardSensor::Read() {
+  if (shell_.delay.HaltRequested()) return Because();
   const bool byBand = equipment_.HasIfiAmplifier() && !IsMoved();
   return instruments_.pm.ReadPower(byBand ? PM::kByBand : 1);
 }

@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "shell/Failure.h"
+
 namespace hylden {
 
 class Shell;
@@ -27,10 +29,10 @@ class ForwardSensor {
   /// The power meter was brought up: where the sensor is has to be asked again.
   void Reset() { previousMHz_ = 0; }
   /// Has the operator move the sensor to where this frequency needs it. Before that RF is switched off, and stays off:
-  /// this comes before the generator is set to the frequency. @return false when the run is to end
-  bool Place(double frequencyMHz);
-  /// The sensor's power in dBm, without the coupler's factor; 999 after a failed reading or when a halt is requested.
-  double Read();
+  /// this comes before the generator is set to the frequency. After a halt it fails silently.
+  Done Place(double frequencyMHz);
+  /// The sensor's power in dBm, without the coupler's factor. There is none, silently, when a halt is requested.
+  Result<double> Read();
 
  private:
   bool IsMoved() const;

@@ -5,6 +5,7 @@
 
 #include "documents/EquipRecord.h"
 #include "instruments/Instruments.h"
+#include "run/RunGuard.h"
 #include "shell/Shell.h"
 
 namespace hylden {
@@ -29,37 +30,41 @@ void RunAll(const std::vector<std::function<void()>>& actions) {
   if (first) std::rethrow_exception(first);
 }
 
+bool InstrumentsUp::IsUp(const Done& done, const char* otherwise) {
+  return guard_.Ok(done, otherwise, MessageIcon::Critical);
+}
+
 bool InstrumentsUp::BringUpSigGen() {
   rfSwitchedOff_ = false;
   up_.SigGen = Generator::Unknown;
-  if (!instruments_.gpib.GpibIfc()) return Refuse("Error initializing GPIB");
-  if (!instruments_.sigGen.InitSigGen(0, kStartLevelDbm)) return Refuse("Error initializing signal generator");
+  if (!IsUp(instruments_.gpib.GpibIfc(), "Error initializing GPIB")) return false;
+  if (!IsUp(instruments_.sigGen.InitSigGen(0, kStartLevelDbm), "Error initializing signal generator")) return false;
   up_.SigGen = Generator::Up;
   return true;
 }
 
 bool InstrumentsUp::BringUpPowerMeter() {
-  if (!instruments_.pm.InitPwrMtr()) return Refuse("Error initializing Power Meter");
-  up_.PwrMtr = true;
-  return true;
+  return up_.PwrMtr = IsUp(instruments_.pm.InitPwrMtr(), "Error initializing Power Meter");
 }
 
 bool InstrumentsUp::BringUpMeter() {
-  if (!instruments_.meter.InitMeter()) return Refuse("Error initializing meter");
-  up_.Meter = true;
-  return true;
+  return up_.Meter = IsUp(instruments_.meter.InitMeter(), "Error initializing meter");
 }
 
 bool InstrumentsUp::BringUpAmplifier(const EquipRecord& equipment) {
-  if (!equipment.HasIfiAmplifier()) return instruments_.ifiAmp.IfiInit(AmpControl::Generic, kGenericBandSwitchMHz);
-  up_.IfiAmp = true;  // one that fails half-way has got commands, too
-  return instruments_.ifiAmp.IfiInit(AmpControl::Ifi, equipment.IfiBandSwitch) || Refuse("Error initializing IFI amp");
+  IfiAmp& ifiAmp = instruments_.ifiAmp;
+  up_.IfiAmp = equipment.HasIfiAmplifier();  // one that fails half-way has got commands, too
+  const Done initialized = up_.IfiAmp ? ifiAmp.IfiInit(AmpControl::Ifi, equipment.IfiBandSwitch)
+                                      : ifiAmp.IfiInit(AmpControl::Generic, kGenericBandSwitchMHz);
+  return IsUp(initialized, "Error initializing IFI amp");
 }
 
 void InstrumentsUp::CloseSigGen() {
   if (up_.SigGen != Generator::Up) return;
   instruments_.sigGen.SilenceRf();
-  if (instruments_.sigGen.ShutdownSigGen()) up_.SigGen = Generator::Closed;
+  const Done closed = instruments_.sigGen.ShutdownSigGen();
+  if (closed) up_.SigGen = Generator::Closed;
+  Note(closed);
 }
 
 void InstrumentsUp::SwitchRfOff() {
@@ -81,16 +86,16 @@ void InstrumentsUp::TakeInstrumentsDown() {
   rfSwitchedOff_ = false;
   std::vector<std::function<void()>> actions = {
       [&] {
-        if (up.Meter) instruments_.meter.MeterShutdown();
+        if (up.Meter) Note(instruments_.meter.MeterShutdown());
       },
       [&] {
-        if (up.IfiAmp) instruments_.ifiAmp.IfiReset();
+        if (up.IfiAmp) Note(instruments_.ifiAmp.IfiReset());
       },
       [&] {
-        if (up.PwrMtr) instruments_.pm.PwrMtrShutdown();
+        if (up.PwrMtr) Note(instruments_.pm.PwrMtrShutdown());
       },
       [&] {
-        if (up.SigGen == Generator::Up) instruments_.sigGen.ShutdownSigGen();
+        if (up.SigGen == Generator::Up) Note(instruments_.sigGen.ShutdownSigGen());
       },
   };
   // The amplifiers are the last means left to end the RF, and a dead meter is waited for.
@@ -99,15 +104,9 @@ void InstrumentsUp::TakeInstrumentsDown() {
 }
 
 void InstrumentsUp::Conclude() {
-  const SigGen& sigGen = instruments_.sigGen;
-  if (sigGen.RfIsOn()) instruments_.sigGen.SilenceRf();
-  shell_.ShowFailure();
-  if (sigGen.RfIsOn()) shell_.dialogs.Tell(kRfMayBeOn, MessageIcon::Critical);
-}
-
-bool InstrumentsUp::Refuse(const char* text) {
-  shell_.ShowFailure(text, MessageIcon::Critical);
-  return false;
+  guard_.RfOff();
+  guard_.Ok(std::exchange(down_, {}));
+  if (instruments_.sigGen.RfIsOn()) shell_.dialogs.Tell(kRfMayBeOn, MessageIcon::Critical);
 }
 
 }  // namespace hylden

@@ -3,8 +3,11 @@
 #include <functional>
 #include <vector>
 
+#include "shell/Failure.h"
+
 namespace hylden {
 
+class RunGuard;
 class Shell;
 struct EquipRecord;
 struct Instruments;
@@ -13,10 +16,11 @@ struct Instruments;
 void RunAll(const std::vector<std::function<void()>>& actions);
 
 /// Brings a run's instruments up one by one and knows which ones have to be taken down again. Bringing up is false
-/// after the message of its failure.
+/// after its failure was told.
 class InstrumentsUp {
  public:
-  InstrumentsUp(Shell& shell, Instruments& instruments) : shell_(shell), instruments_(instruments) {}
+  InstrumentsUp(Shell& shell, Instruments& instruments, RunGuard& guard)
+      : shell_(shell), instruments_(instruments), guard_(guard) {}
 
   /// Clears the interface and opens the generator at its minimum, with modulation and RF off.
   bool BringUpSigGen();
@@ -25,7 +29,8 @@ class InstrumentsUp {
   /// Under control of the bus, or as a generic one that needs none.
   bool BringUpAmplifier(const EquipRecord& equipment);
 
-  /// Takes the generator alone down: RF off, offline. What fails stays up for TakeDown to try again.
+  /// Takes the generator alone down: RF off, offline. What fails stays up for TakeDown to try again, and to
+  /// tell.
   void CloseSigGen();
   /// RF off, quietly, before anything that may stall on the way to TakeDown.
   void SwitchRfOff();
@@ -40,13 +45,18 @@ class InstrumentsUp {
     bool PwrMtr = false, Meter = false, IfiAmp = false;
   };
 
-  bool Refuse(const char* text);
+  /// @param otherwise  what it means to the run when it was not done
+  bool IsUp(const Done& done, const char* otherwise);
+  /// Keeps what failed until it is told.
+  void Note(const Done& done) { down_ = Both(down_, done); }
   void TakeInstrumentsDown();
   void Conclude();
 
   Shell& shell_;
   Instruments& instruments_;
+  RunGuard& guard_;
   State up_;
+  Done down_;
   bool rfSwitchedOff_ = false;
 };
 

@@ -14,8 +14,7 @@ namespace {
 /// The instruments, as long as it lives.
 class Claim {
  public:
-  Claim(Shell& shell, std::function<void()> makeSafe)
-      : shell_(shell), granted_(shell.ClaimInstruments(std::move(makeSafe))) {}
+  Claim(Shell& shell, RunAtWork& run) : shell_(shell), granted_(shell.ClaimInstruments(run)) {}
   ~Claim() {
     if (granted_) shell_.ReleaseInstruments();
   }
@@ -33,9 +32,7 @@ class Claim {
 
 bool RunGuard::Run(const std::string& context, const std::function<void()>& run, const std::function<void()>& end) {
   if (!shell_.end.MayStart()) return false;
-  const Claim claim(shell_, [this] {
-    if (sigGen_.RfIsOn()) sigGen_.SilenceRf();
-  });
+  const Claim claim(shell_, *this);
   if (!claim.Granted()) {
     shell_.dialogs.Tell("Another run is using the instruments");
     return false;
@@ -44,7 +41,7 @@ bool RunGuard::Run(const std::string& context, const std::function<void()>& run,
     const FlagRaised running(running_);
     context_ = context;
     programEnd_ = nullptr;
-    reported_ = false;
+    reported_ = busFailureTold_ = false;
     outcome_ = RunOutcome::EndedEarly;
     RunTrapped(run);
     end();
@@ -56,15 +53,14 @@ bool RunGuard::Run(const std::string& context, const std::function<void()>& run,
 void RunGuard::RunTrapped(const std::function<void()>& run) {
   try {
     run();
-    shell_.ShowFailure();
   } catch (const ProgramEnd&) {
-    RfOffQuietly();
+    RfOff();
     programEnd_ = std::current_exception();
   } catch (const std::exception& error) {
-    RfOffQuietly();
+    RfOff();
     Report(error);
   } catch (...) {
-    RfOffQuietly();
+    RfOff();
     Report(std::runtime_error("Unknown failure"));
   }
 }
@@ -90,12 +86,28 @@ void RunGuard::Report(const std::exception& error) {
   }
 }
 
-void RunGuard::RfOffQuietly() {
-  try {
-    sigGen_.SilenceRf();
-  } catch (const std::exception&) {
-    // Taking the instruments down tries again.
+void RunGuard::RfOff() {
+  constexpr int kAttempts = 2;  // a box may stand on it for hours
+  for (int attempt = 0; attempt < kAttempts && sigGen_.RfIsOn(); ++attempt) {
+    try {
+      sigGen_.SilenceRf();
+    } catch (const std::exception&) {
+      // Taking the instruments down tries again.
+    }
   }
+}
+
+bool RunGuard::Fail(const Failure& failure) {
+  RfOff();
+  if (failure.IsOnBus() && std::exchange(busFailureTold_, true)) return false;
+  shell_.dialogs.DefaultPointer();
+  for (const Message& box : failure.Boxes()) shell_.dialogs.Show(box);
+  return false;
+}
+
+std::optional<double> RunGuard::Reading(const Result<double>& result) {
+  if (!Ok(result) || sigGen_.RfState() != Rf::On) return std::nullopt;
+  return *result;
 }
 
 }  // namespace hylden

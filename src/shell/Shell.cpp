@@ -1,9 +1,6 @@
 #include "shell/Shell.h"
 
 #include <exception>
-#include <utility>
-
-#include "platform/FlagRaised.h"
 
 namespace hylden {
 
@@ -30,56 +27,15 @@ Shell::Shell(const Platform& platform, const Directories& directories)
   };
 }
 
-bool Shell::ClaimInstruments(std::function<void()> makeSafe) {
-  if (makeSafe_) return false;
-  makeSafe_ = std::move(makeSafe);
+bool Shell::ClaimInstruments(RunAtWork& run) {
+  if (run_) return false;
+  run_ = &run;
   if (!runNotice.empty()) log.LogFile(runNotice);
   return true;
 }
 
-void Shell::ReleaseInstruments() {
-  makeSafe_ = nullptr;
-  busFailure_.clear();
-  failureShown_ = false;
-}
-
-void Shell::MakeSafe() {
-  if (!makeSafe_ || makingSafe_) return;
-  const FlagRaised scope(makingSafe_);
-  makeSafe_();
-}
-
-void Shell::TellFailure(const std::string& text, MessageIcon icon) {
-  MakeSafe();
-  dialogs.Tell(text, icon);
-}
-
-void Shell::ReportBusFailure(const std::string& text, const std::string& status) {
-  MakeSafe();
-  if (!makeSafe_) return dialogs.Tell(text + status, MessageIcon::Exclamation);
-  if (failureShown_) return;
-  busFailure_ += busFailure_.empty() ? text + status : "\r\n" + text;
-}
-
-void Shell::ShowFailure(const std::string& text, MessageIcon icon) {
-  std::string shown = std::exchange(busFailure_, {});
-  if (!shown.empty()) {
-    failureShown_ = true;
-    if (icon == MessageIcon::None) icon = MessageIcon::Exclamation;
-    if (!text.empty()) shown += "\r\n";
-  }
-  shown += text;
-  if (shown.empty()) return;
-  MakeSafe();
-  dialogs.Tell(shown, icon);
-}
-
 void Shell::ReportError(const RuntimeError& error, std::string_view context, std::string_view path) {
-  try {
-    MakeSafe();
-  } catch (const std::exception&) {
-    // What there is to report is told all the same, and the end of the run tries again.
-  }
+  if (run_) run_->RfOff();
   std::string text = "Error # " + std::to_string(error.Number()) + "\r" + error.Description() + "\r";
   text.append(context).append("\r").append(path);
   dialogs.Show({text, "Error", MessageIcon::Critical});
@@ -87,7 +43,6 @@ void Shell::ReportError(const RuntimeError& error, std::string_view context, std
 
 void Shell::ReportUnforeseen(const std::exception& error, std::string_view context) {
   if (InstrumentsClaimed()) delay.RequestHalt();
-  MakeSafe();
   ReportError(error, context);
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <string>
 #include <string_view>
 
@@ -14,6 +13,7 @@
 #include "shell/BDelay.h"
 #include "shell/EndOfProgram.h"
 #include "shell/INISettings.h"
+#include "shell/RunAtWork.h"
 #include "shell/RunLog.h"
 #include "text/RuntimeError.h"
 
@@ -38,42 +38,23 @@ class Shell {
   /// What the run log has to say of every run: that no instrument is driven. Empty where instruments are.
   std::string runNotice;
 
-  /// Gives a run the instruments until it releases them. While it has them, the station is made safe before the
-  /// operator is told of an instrument's failure: the box may stand for hours.
-  /// @param makeSafe  tells nobody of what fails in it
+  /// Gives a run the instruments until it releases them.
   /// @return false when another run has them
-  bool ClaimInstruments(std::function<void()> makeSafe);
-  void ReleaseInstruments();
+  bool ClaimInstruments(RunAtWork& run);
+  void ReleaseInstruments() { run_ = nullptr; }
   /// A run has the instruments.
-  bool InstrumentsClaimed() const { return makeSafe_ != nullptr; }
-
-  /// Tells of an instrument's failure.
-  void TellFailure(const std::string& text, MessageIcon icon = MessageIcon::None);
-  /// A bus call failed. Outside a run this is shown at once. In a run the station is made safe at once, and the text
-  /// waits for ShowFailure; once one was shown, what else fails on the way to the end is not told.
-  /// @param status  the call's status words, as lines
-  void ReportBusFailure(const std::string& text, const std::string& status);
-  /// Shows how a run fails: what a bus call left to be told, if anything, and the run's own text, if any, in one box.
-  void ShowFailure(const std::string& text = {}, MessageIcon icon = MessageIcon::None);
-  /// The operator goes on after a failure was shown: the next one is told again.
-  void ForgetFailure() { failureShown_ = false; }
+  bool InstrumentsClaimed() const { return run_ != nullptr; }
 
   /// The standard report of a trapped failure: critical icon, title "Error", "Error # " + number, CR, description, CR,
-  /// context, CR and, where a file is involved, its path. While a run has the instruments, the station is made safe
-  /// first, as far as that can be done.
+  /// context, CR and, where a file is involved, its path. While a run has the instruments, RF goes off first.
   void ReportError(const RuntimeError& error, std::string_view context, std::string_view path = {});
   /// The same for any exception: one that carries no number is reported as number 51, "Internal error".
   void ReportError(const std::exception& error, std::string_view context, std::string_view path = {});
-  /// The same for a failure that nobody foresaw: a run that is on is halted first, with RF off.
+  /// The same for a failure that nobody foresaw: a run that is on is halted.
   void ReportUnforeseen(const std::exception& error, std::string_view context);
 
  private:
-  void MakeSafe();
-
-  std::function<void()> makeSafe_;  ///< there while a run has the instruments
-  bool makingSafe_ = false;
-  std::string busFailure_;  ///< of the run, not shown yet
-  bool failureShown_ = false;
+  RunAtWork* run_ = nullptr;  ///< the one that has the instruments
 };
 
 }  // namespace hylden

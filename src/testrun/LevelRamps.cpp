@@ -4,7 +4,6 @@
 
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
-#include "run/UsableReading.h"
 #include "shell/Shell.h"
 #include "testrun/StepRunner.h"
 #include "text/Pattern.h"
@@ -125,31 +124,31 @@ bool StepRunner::LimitByCurrent(double& headroom, bool& held) {
 
 bool StepRunner::CheckDrive() {
   if (!(state_.Now.Offset < -kMostDriveDb)) return true;
-  SwitchRfOff();
+  run_.guard.RfOff();
   run_.shell.speaker.Beep(1000, 500);
-  return Fail(std::string(kLowGainText) + "\r\nCal SigGen = " + Format(state_.Targets.SigGenCal, "#0.0") +
-              "dBm and Cal FwdPwr = " + Format(state_.Targets.PowerTarget, "#0.0") + "dBm");
+  return run_.guard.Fail(std::string(kLowGainText) + "\r\nCal SigGen = " + Format(state_.Targets.SigGenCal, "#0.0") +
+                         "dBm and Cal FwdPwr = " + Format(state_.Targets.PowerTarget, "#0.0") + "dBm");
 }
 
 bool StepRunner::CheckGain() {
   if (!(state_.Now.Offset < 0)) return true;
   const double deficit = GainDeficit(state_.Targets.ForwardReference, *state_.Result.FwdPwr, state_.Now.Offset);
-  return deficit <= kMostGainDeficitDb || Fail(kLowGainText);
+  return deficit <= kMostGainDeficitDb || run_.guard.Fail(kLowGainText);
 }
 
 bool StepRunner::RaiseAndDwell(const std::string& dwellStatus) {
   if (Halted()) return false;
   run_.display.Show(Readout::SigGenLevel, DriveLevel());
   run_.display.Status("Raising sig-gen level...");
-  if (Halted() || !run_.instruments.sigGen.SetFreqLevel(state_.Freq, DriveLevel())) return false;
+  if (Halted() || !run_.guard.Ok(run_.instruments.sigGen.SetFreqLevel(state_.Freq, DriveLevel()))) return false;
   return Wait(double{Test().InterDwell}, dwellStatus);
 }
 
 bool StepRunner::ReadProbe(const std::string& status) {
   run_.display.Status(status);
-  const double reading = run_.instruments.meter.MeterRead(ReadMode::AutoRange);
-  if (!Usable(reading, WhyNoReading(run_.instruments.meter, reading))) return false;
-  state_.Result.Induced = reading + state_.Probe.Factors;
+  const auto reading = run_.guard.Reading(run_.instruments.meter.MeterRead(ReadMode::AutoRange));
+  if (!reading || Halted()) return false;
+  state_.Result.Induced = *reading + state_.Probe.Factors;
   run_.display.Show(Readout::InducedLimit, state_.Probe.LimitDbua);
   run_.display.Show(Readout::InducedLevel, state_.Result.Induced);
   return true;
@@ -157,12 +156,11 @@ bool StepRunner::ReadProbe(const std::string& status) {
 
 bool StepRunner::ReadForward() {
   run_.display.Status("Reading forward power...");
-  const double reading = run_.preparation.Sensor().Read();
-  if (!Usable(reading, WhyNoReading(run_.instruments.pm, reading))) return false;
-  float factor = 0;
-  if (!run_.preparation.ForwardPort().InterpVal(state_.Freq, factor, FreqScale::Linear))
-    return Fail("Error interpolating forward coupler factor");
-  state_.Result.FwdPwr = LinePower(reading, double{factor});
+  const auto reading = run_.guard.Reading(run_.preparation.Sensor().Read());
+  if (!reading || Halted()) return false;
+  const auto factor = run_.preparation.ForwardPort().InterpVal(state_.Freq, FreqScale::Linear);
+  if (!run_.guard.Ok(factor, "Error interpolating forward coupler factor")) return false;
+  state_.Result.FwdPwr = LinePower(*reading, double{*factor});
   run_.display.Show(Readout::ForwardPower, state_.Result.FwdPwr);
   return true;
 }
@@ -170,26 +168,20 @@ bool StepRunner::ReadForward() {
 bool StepRunner::ReadReverse() {
   run_.display.Status("Reading reverse power...");
   if (!run_.documents.equip.Record.Is(AmpConfig::DualFwdRev))
-    return Fail("Power meter not defined as dual-channel, check setup");
-  const double reading = run_.instruments.pm.ReadPower(2);
-  if (!Usable(reading, WhyNoReading(run_.instruments.pm, reading))) return false;
-  float factor = 0;
-  if (!run_.preparation.ReversePort().InterpVal(state_.Freq, factor, FreqScale::Linear))
-    return Fail("Error interpolating reverse coupler factor");
-  state_.Result.RevPwr = LinePower(reading, double{factor});
+    return run_.guard.Fail("Power meter not defined as dual-channel, check setup");
+  const auto reading = run_.guard.Reading(run_.instruments.pm.ReadPower(2));
+  if (!reading || Halted()) return false;
+  const auto factor = run_.preparation.ReversePort().InterpVal(state_.Freq, FreqScale::Linear);
+  if (!run_.guard.Ok(factor, "Error interpolating reverse coupler factor")) return false;
+  state_.Result.RevPwr = LinePower(*reading, double{*factor});
   return true;
 }
 
 std::optional<double> StepRunner::ReadNet() {
   if (!ReadForward() || !ReadReverse()) return std::nullopt;
   const auto net = NetPower(*state_.Result.FwdPwr, *state_.Result.RevPwr, state_.Targets.ForwardReference);
-  if (!net) Fail("Error, reverse power reading greater than forward power,\r\ncheck setup carefully.");
+  if (!net) run_.guard.Fail("Error, reverse power reading greater than forward power,\r\ncheck setup carefully.");
   return net;
-}
-
-bool StepRunner::Usable(double reading, const std::string& whyNot) {
-  if (Halted() || run_.instruments.sigGen.RfState() != Rf::On) return false;
-  return whyNot.empty() ? IsReading(reading) : Fail(whyNot);
 }
 
 }  // namespace hylden

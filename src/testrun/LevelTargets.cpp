@@ -126,10 +126,6 @@ Drive Raise(Drive drive, double stepDb) {
   return drive;
 }
 
-bool IsReading(double reading) {
-  return std::isfinite(reading) && !IsNoReading(reading);
-}
-
 std::optional<double> NetPower(double forwardDbm, double reverseDbm, double forwardReferenceDbm) {
   using namespace Conversions;
   if (reverseDbm < forwardDbm) return WattsToDbm(DbmToWatts(forwardDbm) - DbmToWatts(reverseDbm));

@@ -97,9 +97,6 @@ struct Drive {
 /// steps of at most 1 dB instead, first to the calibrated level.
 Drive Raise(Drive drive, double stepDb);
 
-/// Whether a reading is one: a number, and no "no reading" sentinel.
-bool IsReading(double reading);
-
 /// Forward power from which on the reverse power is judged, dB below the calibrated forward power. Further down both
 /// sensors may show no more than their own noise.
 inline constexpr double kReverseJudgedDb = 20;

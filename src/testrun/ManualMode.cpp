@@ -60,15 +60,15 @@ float ManualMode::MostRise() const {
   return static_cast<float>(MaximumIncrement(run_.documents.testSetup.Definition));
 }
 
-bool ManualMode::Handle(const std::function<bool()>& change) {
+bool ManualMode::Handle(const std::function<Done()>& change) {
   if (!active_ || busy_ || run_.shell.delay.HaltRequested()) return false;
   const FlagRaised busy(busy_);
   bool applied = false;
   try {
-    run_.shell.ForgetFailure();
-    applied = change();
-    if (!applied) SwitchRfOff();
-    run_.shell.ShowFailure();
+    run_.guard.GoOn();
+    const Done changed = change();
+    if (!changed) SwitchRfOff();
+    applied = run_.guard.Ok(changed);
     run_.manual.ManualRf(run_.instruments.sigGen.RfIsOn());
   } catch (const std::exception& error) {
     Trap(error);
@@ -79,28 +79,24 @@ bool ManualMode::Handle(const std::function<bool()>& change) {
 /// The operator's events come in from the windows, so an exception ends here: RF off, and the run is halted.
 void ManualMode::Trap(const std::exception& error) {
   run_.shell.delay.RequestHalt();
-  SwitchRfOff();
   run_.shell.ReportError(error, "frmRunTest.RunCDI");
 }
 
 /// RF that can't be switched off here is left to the end of the run, which takes the instruments down.
 void ManualMode::SwitchRfOff() {
-  try {
-    if (run_.instruments.sigGen.SilenceRf()) return;
-  } catch (const std::exception&) {
-  }
-  run_.shell.delay.RequestHalt();
+  run_.guard.RfOff();
+  if (run_.instruments.sigGen.RfIsOn()) run_.shell.delay.RequestHalt();
 }
 
-bool ManualMode::SetLevel() {
-  if (run_.shell.delay.HaltRequested()) return true;
+Done ManualMode::SetLevel() {
+  if (run_.shell.delay.HaltRequested()) return {};
   const float level = StepNow().SigGenLevel + levelOffset_ + constantPeakOffset_;
-  if (!run_.instruments.sigGen.SetFreqLevel(FreqNow(), level)) return false;
+  if (Done set = run_.instruments.sigGen.SetFreqLevel(FreqNow(), level); !set) return set;
   standing_ = {FreqNow(), levelOffset_};
   if (run_.instruments.sigGen.RfIsOn()) exposedOffset_ = levelOffset_;
   run_.display.Show(Readout::SigGenLevel, level);
   ShowLevel();
-  return true;
+  return {};
 }
 
 /// Also where the generator refuses the step: it is the one that RF comes back with.
@@ -117,22 +113,21 @@ bool ManualMode::manStepNumChange(int step) {
   return Handle([&] { return GoToStep(step); });
 }
 
-bool ManualMode::GoToStep(int step) {
+Done ManualMode::GoToStep(int step) {
   const bool inRange = step >= 1 && step <= highestStep_ && step <= static_cast<int>(run_.steps.size());
-  if (!inRange || !run_.reached[static_cast<std::size_t>(step - 1)]) return true;
+  if (!inRange || !run_.reached[static_cast<std::size_t>(step - 1)]) return {};
   returnStep_ = step;
   ShowStep();
-  if (run_.documents.equip.Record.HasIfiAmplifier() && !run_.instruments.ifiAmp.IfiSetBand(FreqNow())) {
-    run_.shell.delay.RequestHalt();
-    return false;
-  }
-  return SetLevel();
+  if (!run_.documents.equip.Record.HasIfiAmplifier()) return SetLevel();
+  const Done changedOver = run_.instruments.ifiAmp.IfiSetBand(FreqNow());
+  if (!changedOver) run_.shell.delay.RequestHalt();
+  return changedOver ? SetLevel() : changedOver;
 }
 
 bool ManualMode::manLevOffsetChange(float offsetDb) {
   return Handle([&] {
     const float before = std::exchange(levelOffset_, offsetDb);
-    const bool taken = SetLevel();
+    Done taken = SetLevel();
     if (!taken) levelOffset_ = before;
     return taken;
   });
@@ -146,14 +141,14 @@ void ManualMode::manRfOn(bool on) {
   Handle([&] { return SwitchRf(on); });
 }
 
-bool ManualMode::SwitchRf(bool on) {
-  if (!on) return run_.instruments.sigGen.SilenceRf();
+Done ManualMode::SwitchRf(bool on) {
+  if (!on) return run_.instruments.sigGen.SilenceRf() ? Done() : Because();
   // What was raised while RF was off comes by the increment, too.
   levelOffset_ = std::min(levelOffset_, exposedOffset_ + MostRise());
   // A generator without an RF-off command fell back to its minimum level: the level is asked for again.
-  if (!SetLevel() || !run_.instruments.sigGen.RfOn()) return false;
-  exposedOffset_ = levelOffset_;
-  return true;
+  return SetLevel().and_then([&] { return run_.instruments.sigGen.RfOn(); }).map([&] {
+    exposedOffset_ = levelOffset_;
+  });
 }
 
 void ManualMode::manModOn(bool on) {
@@ -161,21 +156,19 @@ void ManualMode::manModOn(bool on) {
   run_.manual.ManualMod(modulationOn_);
 }
 
-bool ManualMode::SwitchModulation(bool on) {
+Done ManualMode::SwitchModulation(bool on) {
   SigGen& sigGen = run_.instruments.sigGen;
   const TestDefinition& test = run_.documents.testSetup.Definition;
   if (!on) {
     run_.modulationSilenced = true;
-    if (!sigGen.ModOff()) return false;
-    modulationOn_ = false;
-    return true;
+    return sigGen.ModOff().map([&] { modulationOn_ = false; });
   }
   const bool constantPeak = test.ModType == static_cast<int>(Modulation::Am) && test.ConstPeak;
-  if (constantPeak && !SetLevel()) return false;
-  if (!StepRunner::SwitchModulationOn(sigGen, test)) return false;
-  run_.modulationSilenced = false;
-  modulationOn_ = true;
-  return true;
+  const Done levelled = constantPeak ? SetLevel() : Done();
+  return levelled.and_then([&] { return StepRunner::SwitchModulationOn(sigGen, test); }).map([&] {
+    run_.modulationSilenced = false;
+    modulationOn_ = true;
+  });
 }
 
 void ManualMode::manThresholdClick(double frequencyMHz, float offsetDb) {

@@ -68,14 +68,14 @@ class ManualMode {
   void manExitClick();
 
  private:
-  bool Handle(const std::function<bool()>& change);
+  bool Handle(const std::function<Done()>& change);
   void Trap(const std::exception& error);
-  bool GoToStep(int step);
-  bool SetLevel();
+  Done GoToStep(int step);
+  Done SetLevel();
   void ShowStep();
   void ShowLevel();
-  bool SwitchRf(bool on);
-  bool SwitchModulation(bool on);
+  Done SwitchRf(bool on);
+  Done SwitchModulation(bool on);
   void SwitchRfOff();
   double FreqNow() const { return run_.steps[static_cast<std::size_t>(returnStep_ - 1)].Freq; }
   const ReachedStep& StepNow() const { return *run_.reached[static_cast<std::size_t>(returnStep_ - 1)]; }

@@ -3,7 +3,9 @@
 #include <optional>
 #include <vector>
 
+#include "instruments/Instruments.h"
 #include "run/RunDisplay.h"
+#include "run/RunGuard.h"
 #include "testrun/ManualControls.h"
 #include "testrun/RunData.h"
 #include "testrun/RunPreparation.h"
@@ -12,7 +14,6 @@ namespace hylden {
 
 class Shell;
 struct Documents;
-struct Instruments;
 
 /// What a step came to: the level that stood for its dwell.
 struct ReachedStep {
@@ -31,13 +32,15 @@ struct RunContext {
         documents(theDocuments),
         display(theDisplay),
         manual(theManual),
-        preparation(theShell, theInstruments, theDocuments, theDisplay) {}
+        guard(theShell, theInstruments.sigGen),
+        preparation(theShell, theInstruments, theDocuments, theDisplay, guard) {}
 
   Shell& shell;
   Instruments& instruments;
   Documents& documents;
   RunDisplay& display;
   ManualControls& manual;
+  RunGuard guard;
   RunPreparation preparation;
   RunData data;
   std::vector<PlanStep> steps;                      ///< step i of the run is steps[i - 1]

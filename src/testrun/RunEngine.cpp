@@ -12,7 +12,6 @@ namespace hylden {
 RunEngine::RunEngine(Shell& shell, Instruments& instruments, Documents& documents, RunDisplay& display,
                      ManualControls& manual)
     : run_(shell, instruments, documents, display, manual),
-      guard_(shell, instruments.sigGen),
       unsaved_(
           shell.dialogs,
           {question::kSaveRunData, "Would you like to save the testrun data?",
@@ -61,7 +60,7 @@ bool RunEngine::Confirm() {
 
 void RunEngine::RunCdiTest() {
   if (IsRunning() || !ready_) return;
-  guard_.Run(
+  run_.guard.Run(
       "frmRunTest.RunCDI", [this] { RunTest(); }, [this] { EndRun(); });
 }
 
@@ -104,7 +103,7 @@ void RunEngine::Sweep() {
     run_.display.StepDone(currentStep_);
   }
   currentStep_ = count;
-  guard_.Finish();
+  run_.guard.Finish();
   run_.preparation.SwitchRfOff();
   run_.shell.log.LogFile("Frequency sweep finished");
   run_.display.Show(Readout::Remaining, 0);
@@ -141,6 +140,7 @@ bool RunEngine::ManualPhase() {
   CloseManual();
   elapsed_.Resume();
   if (halted) return false;
+  run_.guard.GoOn();
   currentStep_ = manual_.ReturnStep();
   const auto index = static_cast<std::size_t>(currentStep_ - 1);
   stepRunner_.ResumeFrom({run_.steps[index].Freq, run_.reached[index]->Offset});
@@ -171,21 +171,21 @@ void RunEngine::CloseManual() {
 }
 
 void RunEngine::EndRun() {
-  guard_.Attempt([&] { run_.preparation.SwitchRfOff(); });
+  run_.guard.Attempt([&] { run_.preparation.SwitchRfOff(); });
   // Stamped now, before dead instruments and boxes; written below, since the log may lie on a share that stalls.
   run_.shell.log.Hold();
   run_.shell.log.LogFile("Instruments taken offline");
-  guard_.Attempt([&] { run_.display.Phase(RunPhase::TakingDown); });
-  guard_.Attempt([&] { run_.preparation.ShutdownInstruments(); });
-  guard_.Attempt([&] { run_.shell.log.Release(); });
-  guard_.Attempt([&] { CloseManual(); });
-  guard_.Attempt([&] { run_.shell.speaker.Beep(1000, 2000); });
+  run_.guard.Attempt([&] { run_.display.Phase(RunPhase::TakingDown); });
+  run_.guard.Attempt([&] { run_.preparation.ShutdownInstruments(); });
+  run_.guard.Attempt([&] { run_.shell.log.Release(); });
+  run_.guard.Attempt([&] { CloseManual(); });
+  run_.guard.Attempt([&] { run_.shell.speaker.Beep(1000, 2000); });
   run_.shell.delay.RequestHalt();
-  guard_.Attempt([&] { run_.display.Phase(RunPhase::Asking); });
-  guard_.Attempt([&] {
+  run_.guard.Attempt([&] { run_.display.Phase(RunPhase::Asking); });
+  run_.guard.Attempt([&] {
     if (!run_.data.IsEmpty()) unsaved_.AskAtTheEnd();
   });
-  guard_.Attempt([&] { run_.display.Phase(RunPhase::Ready); });
+  run_.guard.Attempt([&] { run_.display.Phase(RunPhase::Ready); });
 }
 
 }  // namespace hylden

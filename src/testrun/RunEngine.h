@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "run/ElapsedTime.h"
-#include "run/RunGuard.h"
+#include "run/RunOutcome.h"
 #include "run/UnsavedRows.h"
 #include "testrun/ManualMode.h"
 #include "testrun/RunContext.h"
@@ -38,13 +38,13 @@ class RunEngine {
   bool RunStep(bool first);
   int CurrentStepNumber() const { return currentStep_; }
 
-  bool IsRunning() const { return guard_.IsRunning(); }
+  bool IsRunning() const { return run_.guard.IsRunning(); }
   /// The save command: asks for a file and writes all rows to it. @return false when there were rows and they were not
   /// written
   bool Save() { return unsaved_.Save(); }
   UnsavedRows& Unsaved() { return unsaved_; }
   const UnsavedRows& Unsaved() const { return unsaved_; }
-  RunOutcome Outcome() const { return guard_.Outcome(); }
+  RunOutcome Outcome() const { return run_.guard.Outcome(); }
   /// The highest step reached in the last run.
   int CompletedSteps() const { return highestStep_; }
   /// Manual mode after the current step; a long dwell in progress ends one intermediate dwell from now.
@@ -72,7 +72,6 @@ class RunEngine {
   void EndRun();
 
   RunContext run_;
-  RunGuard guard_;
   UnsavedRows unsaved_;
   StepRunner stepRunner_;
   ManualMode manual_;

@@ -8,6 +8,7 @@
 #include "measure/ReadFreq.h"
 #include "run/FactorLoading.h"
 #include "run/RunDisplay.h"
+#include "run/RunGuard.h"
 #include "shell/Shell.h"
 #include "text/Numbers.h"
 
@@ -21,18 +22,20 @@ constexpr int kLeastListFrequencies = 2;
 
 }  // namespace
 
-RunPreparation::RunPreparation(Shell& shell, Instruments& instruments, Documents& documents, RunDisplay& display)
+RunPreparation::RunPreparation(Shell& shell, Instruments& instruments, Documents& documents, RunDisplay& display,
+                               RunGuard& guard)
     : shell_(shell),
       instruments_(instruments),
       documents_(documents),
       display_(display),
+      guard_(guard),
       calibration_(std::make_unique<clsCalFile>(shell)),
       cableLoss_(shell),
       probeFactor_(shell),
       forwardPort_(shell),
       reversePort_(shell),
       sensor_(shell, instruments, documents.equip.Record),
-      up_(shell, instruments) {}
+      up_(shell, instruments, guard) {}
 
 const TestDefinition& RunPreparation::Test() const {
   return documents_.testSetup.Definition;
@@ -77,6 +80,7 @@ bool RunPreparation::LoadCalibration() {
 bool RunPreparation::LoadRunFactors(std::vector<PlanStep>& steps) {
   const bool linear = Test().FreqSweep && Test().StepType == static_cast<int>(StepType::Linear);
   std::vector<double> frequencies;
+  frequencies.reserve(steps.size());
   for (const PlanStep& step : steps) frequencies.push_back(step.Freq);
   PlanRange range(std::move(frequencies), linear ? std::optional(Test().StopFreq) : std::nullopt);
   if (!RecordCovers(range) || !LoadTables(range)) return false;
@@ -149,18 +153,19 @@ bool RunPreparation::BringUp() {
 bool RunPreparation::InitModulation() {
   const TestDefinition& test = Test();
   SigGen& sigGen = instruments_.sigGen;
+  const auto refuse = [&](const char* text) { return guard_.Fail(text, MessageIcon::Critical); };
   switch (static_cast<Modulation>(test.ModType)) {
     case Modulation::Am:
-      if (!sigGen.AmCapable()) return Refuse("Signal generator can't do Amplitude Modulation");
-      return sigGen.SetAM(test.AmModFreq, test.AmDepth, test.UseAMdepth) && sigGen.AmOn();
+      if (!sigGen.AmCapable()) return refuse("Signal generator can't do Amplitude Modulation");
+      return guard_.Ok(sigGen.SetAM(test.AmModFreq, test.AmDepth, test.UseAMdepth)) && guard_.Ok(sigGen.AmOn());
     case Modulation::Fm:
-      if (!sigGen.FmCapable()) return Refuse("Signal generator can't do Frequency Modulation");
-      return sigGen.SetFM(test.FmModFreq, test.FmDev) && sigGen.FmOn();
+      if (!sigGen.FmCapable()) return refuse("Signal generator can't do Frequency Modulation");
+      return guard_.Ok(sigGen.SetFM(test.FmModFreq, test.FmDev)) && guard_.Ok(sigGen.FmOn());
     case Modulation::Pulse:
-      if (!sigGen.PulseCapable()) return Refuse("Signal generator can't do Pulse Modulation");
-      return sigGen.SetPulse(1 / test.PulsePeriod, test.PulseWidth) && sigGen.PulseOn();
+      if (!sigGen.PulseCapable()) return refuse("Signal generator can't do Pulse Modulation");
+      return guard_.Ok(sigGen.SetPulse(1 / test.PulsePeriod, test.PulseWidth)) && guard_.Ok(sigGen.PulseOn());
     default:
-      return sigGen.ModOff();
+      return guard_.Ok(sigGen.ModOff());
   }
 }
 
@@ -180,11 +185,6 @@ bool RunPreparation::InitMeter() {
 bool RunPreparation::WaitForSharedAddress() {
   if (instruments_.pm.Address() != instruments_.meter.Address()) return true;
   return shell_.delay.Delay(kSharedAddressWait, true);
-}
-
-bool RunPreparation::Refuse(const char* text) {
-  shell_.TellFailure(text, MessageIcon::Critical);
-  return false;
 }
 
 void RunPreparation::ShutdownInstruments() {

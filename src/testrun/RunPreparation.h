@@ -13,6 +13,7 @@ namespace hylden {
 
 class PlanRange;
 class RunDisplay;
+class RunGuard;
 class Shell;
 struct Documents;
 struct Instruments;
@@ -22,7 +23,7 @@ struct TestDefinition;
 /// tables, and bringing the instruments up and down. It owns the record and the tables of the run.
 class RunPreparation {
  public:
-  RunPreparation(Shell& shell, Instruments& instruments, Documents& documents, RunDisplay& display);
+  RunPreparation(Shell& shell, Instruments& instruments, Documents& documents, RunDisplay& display, RunGuard& guard);
 
   /// Plans the steps and shows their number and the estimated time. A list of one frequency beside a sweep is left out,
   /// after a message. @return how many
@@ -37,7 +38,7 @@ class RunPreparation {
   bool LoadRunFactors(std::vector<PlanStep>& steps);
 
   /// Brings the instruments up in a fixed order: generator 60 dB below 1 mW with the test's modulation and RF off,
-  /// power meter, meter, amplifier. @return false after the message of the first failure
+  /// power meter, meter, amplifier. @return false after the first failure was told
   bool InitInstruments();
   /// RF off, before anything that may stall on the way to ShutdownInstruments.
   void SwitchRfOff() { up_.SwitchRfOff(); }
@@ -64,12 +65,12 @@ class RunPreparation {
   bool InitPowerMeter();
   bool InitMeter();
   bool WaitForSharedAddress();
-  bool Refuse(const char* text);
 
   Shell& shell_;
   Instruments& instruments_;
   Documents& documents_;
   RunDisplay& display_;
+  RunGuard& guard_;
   std::unique_ptr<clsCalFile> calibration_;
   InterpClass cableLoss_, probeFactor_, forwardPort_, reversePort_;
   ForwardSensor sensor_;

@@ -26,13 +26,8 @@ void StepRunner::StartRun() {
 
 std::optional<ReachedStep> StepRunner::Run(const PlanStep& step, bool first) {
   state_ = {};
-  try {
-    if (Procedure(step, first)) return Record();
-  } catch (...) {
-    SwitchRfOff();
-    throw;
-  }
-  SwitchRfOff();
+  if (Procedure(step, first)) return Record();
+  run_.guard.RfOff();
   run_.display.Status("");
   return std::nullopt;
 }
@@ -59,33 +54,33 @@ void StepRunner::Begin(const PlanStep& step, bool first) {
 bool StepRunner::FindTargets() {
   const CalibratedLevels levels = LookUpLevels(run_.preparation.Calibration(), Test(), state_.Freq);
   const TargetsOrText found = TargetsFor(Test(), levels);
-  if (!found.Text.empty()) return Fail(found.Text);
+  if (!found.Text.empty()) return run_.guard.Fail(found.Text);
   state_.Targets = found.Targets;
   state_.Result.TestLevel = found.Targets.TestLevel;
   state_.Probe.LimitDbua = InducedCurrentLimit(Test(), levels.TestLevel).value_or(kNoValue);
 
-  if (Test().LevelsByPower() && !run_.instruments.pm.PwrMtrSetFreq(state_.Freq))
-    return Fail("Error setting power meter");
+  if (Test().LevelsByPower() &&
+      !run_.guard.Ok(run_.instruments.pm.PwrMtrSetFreq(state_.Freq), "Error setting power meter"))
+    return false;
   const std::string floorText = GeneratorFloorText(state_.Targets.SigGenCal, run_.instruments.sigGen.MinimumLevel());
-  return floorText.empty() || Fail(floorText);
+  return floorText.empty() || run_.guard.Fail(floorText);
 }
 
 bool StepRunner::SetUpFeedback() {
   if (!Test().MonitorProbe) return true;
   run_.display.Status("Setting up feedback loop...");
-  float cableLoss = 0, probeFactor = 0;
-  if (!run_.preparation.CableLoss().InterpVal(state_.Freq, cableLoss, FreqScale::Linear))
-    return Fail("Error interpolating cable loss");
-  if (!run_.preparation.ProbeFactor().InterpVal(state_.Freq, probeFactor, FreqScale::Linear))
-    return Fail("Error interpolating probe factor");
-  state_.Probe.Factors = double{cableLoss} + double{probeFactor};
+  const auto cableLoss = run_.preparation.CableLoss().InterpVal(state_.Freq, FreqScale::Linear);
+  if (!run_.guard.Ok(cableLoss, "Error interpolating cable loss")) return false;
+  const auto probeFactor = run_.preparation.ProbeFactor().InterpVal(state_.Freq, FreqScale::Linear);
+  if (!run_.guard.Ok(probeFactor, "Error interpolating probe factor")) return false;
+  state_.Probe.Factors = double{*cableLoss} + double{*probeFactor};
 
   if (Halted()) return false;
-  if (!run_.instruments.meter.MeterSetFreq(state_.Freq)) return false;
+  if (!run_.guard.Ok(run_.instruments.meter.MeterSetFreq(state_.Freq))) return false;
   if (!Test().LimitCurrent) return true;
   if (IsMissing(state_.Probe.LimitDbua))
-    return Fail("The induced current can't be limited: check circuit impedance and test level");
-  return run_.instruments.meter.MeterSetLevel(state_.Probe.LimitDbua - state_.Probe.Factors);
+    return run_.guard.Fail("The induced current can't be limited: check circuit impedance and test level");
+  return run_.guard.Ok(run_.instruments.meter.MeterSetLevel(state_.Probe.LimitDbua - state_.Probe.Factors));
 }
 
 bool StepRunner::ChooseStart(bool first) {
@@ -104,7 +99,7 @@ bool StepRunner::AcceptConflict() {
   if (!conflictAccepted_) {
     // The question may stand for hours; the step brings RF back, at its own level.
     SigGen& sigGen = run_.instruments.sigGen;
-    if (sigGen.RfIsOn() && !sigGen.SilenceOrReport()) return false;
+    if (sigGen.RfIsOn() && !run_.guard.Ok(sigGen.SilenceRf())) return false;
     const MessageAnswer answer =
         run_.shell.dialogs.Show({"Calibration sig-gen level is above the minimum possible sig-gen level,\r\n"
                                  "but the starting offset puts it below the minimum. Proceed anyway?",
@@ -121,14 +116,15 @@ bool StepRunner::Retune() {
   const TestDefinition& test = Test();
   SigGen& sigGen = run_.instruments.sigGen;
   run_.display.Status("Setting Sig-Gen...");
-  if (run_.documents.equip.Record.HasIfiAmplifier() && !run_.instruments.ifiAmp.IfiSetBand(state_.Freq)) return false;
-  if (test.LevelsByPower() && !run_.preparation.Sensor().Place(state_.Freq)) return false;
-  if (test.ModOffBetweenFreqs && !sigGen.ModOff()) return false;
-  if (Halted()) return false;
-  if (!sigGen.SetFreqLevel(state_.Freq, DriveLevel())) return Fail("Error setting SigGen");
-  if (!sigGen.RfOn()) return false;
+  const bool hasBands = run_.documents.equip.Record.HasIfiAmplifier();
+  if (hasBands && !run_.guard.Ok(run_.instruments.ifiAmp.IfiSetBand(state_.Freq))) return false;
+  if (test.LevelsByPower() && !run_.guard.Ok(run_.preparation.Sensor().Place(state_.Freq))) return false;
+  if (test.ModOffBetweenFreqs && !run_.guard.Ok(sigGen.ModOff())) return false;
+  if (Halted() || !run_.guard.Ok(sigGen.SetFreqLevel(state_.Freq, DriveLevel()), "Error setting SigGen")) return false;
+  if (!run_.guard.Ok(sigGen.RfOn())) return false;
   // The level is reached with the modulation that the test has, whatever manual mode left behind.
-  if (run_.modulationSilenced && !test.ModOffBetweenFreqs && !SwitchModulationOn(sigGen, test)) return false;
+  const bool silenced = run_.modulationSilenced && !test.ModOffBetweenFreqs;
+  if (silenced && !run_.guard.Ok(SwitchModulationOn(sigGen, test))) return false;
   run_.modulationSilenced = false;
   return Wait(double{test.InterDwell}, "Intermediate dwell...");
 }
@@ -140,16 +136,16 @@ bool StepRunner::ModulationOn() {
   if (test.ModType == static_cast<int>(Modulation::Am) && test.ConstPeak) {
     // The carrier drops before the modulation's peaks come on top of it.
     const float level = DriveLevel() + state_.Targets.ConstantPeakOffset;
-    if (!sigGen.SetFreqLevel(state_.Freq, level)) return false;
+    if (!run_.guard.Ok(sigGen.SetFreqLevel(state_.Freq, level))) return false;
     run_.display.Show(Readout::SigGenLevel, level);
     if (!run_.shell.delay.Delay(kConstantPeakWait, true)) return false;
   }
-  if (Halted() || !SwitchModulationOn(sigGen, test)) return false;
+  if (Halted() || !run_.guard.Ok(SwitchModulationOn(sigGen, test))) return false;
   StartDwell();
   return true;
 }
 
-bool StepRunner::SwitchModulationOn(SigGen& sigGen, const TestDefinition& test) {
+Done StepRunner::SwitchModulationOn(SigGen& sigGen, const TestDefinition& test) {
   switch (static_cast<Modulation>(test.ModType)) {
     case Modulation::Am:
       return sigGen.AmOn();
@@ -158,7 +154,7 @@ bool StepRunner::SwitchModulationOn(SigGen& sigGen, const TestDefinition& test) 
     case Modulation::Pulse:
       return sigGen.PulseOn();
     default:
-      return true;
+      return {};
   }
 }
 
@@ -202,17 +198,6 @@ void StepRunner::StartDwell() {
 void StepRunner::Mark(bool& mark, Readout readout) {
   mark = true;
   run_.display.Mark(readout, true);
-}
-
-void StepRunner::SwitchRfOff() {
-  if (state_.RfSwitchedOff) return;
-  state_.RfSwitchedOff = run_.instruments.sigGen.SilenceRf();
-}
-
-bool StepRunner::Fail(const std::string& text) {
-  SwitchRfOff();  // a message box may stand for hours
-  run_.shell.ShowFailure(text);
-  return false;
 }
 
 }  // namespace hylden

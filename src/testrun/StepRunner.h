@@ -26,7 +26,7 @@ class StepRunner {
   void ResumeFrom(const PreviousStep& step) { previous_ = step; }
 
   /// Switches the test's modulation on.
-  static bool SwitchModulationOn(SigGen& sigGen, const TestDefinition& test);
+  static Done SwitchModulationOn(SigGen& sigGen, const TestDefinition& test);
 
  private:
   /// The way from the product's current to the meter, at one frequency.
@@ -43,7 +43,6 @@ class StepRunner {
     double KeptOffset = 0;
     ProbePath Probe = {};
     StepResult Result = {};
-    bool RfSwitchedOff = false;
     std::int64_t DwellStartMs = 0;  ///< when the level was reached
   };
 
@@ -79,17 +78,12 @@ class StepRunner {
   bool ReadProbe(const std::string& status);
   bool ReadForward();
   bool ReadReverse();
-  /// Whether the run goes on with a reading; otherwise RF is off, and the reason has been told.
-  bool Usable(double reading, const std::string& whyNot);
   std::optional<double> ReadNet();
 
   bool Wait(double seconds, const std::string& status);
   void StartDwell();
   void LogCutDwell();
   void Mark(bool& mark, Readout readout);
-  void SwitchRfOff();
-  /// RF off, then the message; false.
-  bool Fail(const std::string& text);
 
   RunContext& run_;
   StepState state_;

@@ -67,6 +67,7 @@ TEST_F(RunSafetyTest, RfStaysOnWhileAnInstrumentsFailureIsTold) {
       rig.bus.FailLine(failure.line, gpib::kEnol);
       cable ? rig.cable.DirectPass(rig.display) : rig.Run();
       EXPECT_TRUE(rig.t.dialogs.WasShownContaining("ibsta"));
+      EXPECT_EQ(rig.t.dialogs.pointerResets, 1);
       EXPECT_FALSE(rig.rfOnAtMessage);
       EXPECT_FALSE(rig.rfOn);
     }

@@ -19,6 +19,7 @@
 #include "shell/qt/TopMenu.h"
 #include "shell/qt/WorkingForm.h"
 #include "shell/qt/frmHelp.h"
+#include "support/SilentRun.h"
 #include "text/Pattern.h"
 
 namespace hylden {
@@ -71,7 +72,8 @@ TEST_F(BenchPanel, ExistsOnlyWhereTheBenchDrivesTheProgram) {
 TEST_F(BenchPanel, TheRunLogSaysOfEveryRunThatItIsSimulated) {
   m.directory.Write("Hylden.ini", "[System]\r\nLogToFile=1\r\n");
   const WorkingDirectory inDirectory(m.directory.Path());
-  ASSERT_TRUE(m.station.shell.ClaimInstruments([] {}));
+  SilentRun run;
+  ASSERT_TRUE(m.station.shell.ClaimInstruments(run));
   m.station.shell.ReleaseInstruments();
   EXPECT_EQ(m.directory.Read("runlog.hyl"), "01/05/26 09:00:00 - SIMULATED BENCH: no instrument is driven\r\n");
 }
@@ -171,7 +173,8 @@ TEST_F(BenchPanel, EscapeClosesItButHaltsARun) {
   QTest::keyClick(&Find<QRadioButton>(Panel(), "optPort"), Qt::Key_Escape);
   EXPECT_EQ(OpenWindow<frmBench>(), nullptr) << "the run has not begun";
   QSignalSpy halts(desktop.get(), &Desktop::EscapePressed);
-  ASSERT_TRUE(m.station.shell.ClaimInstruments([] {}));
+  SilentRun run;
+  ASSERT_TRUE(m.station.shell.ClaimInstruments(run));
   QTest::keyClick(&Panel(), Qt::Key_Escape);
   m.station.shell.ReleaseInstruments();
   EXPECT_EQ(halts.count(), 1);

@@ -143,15 +143,15 @@ TEST(Definition, WithoutOneAnInstrumentIsNeverAddressed) {
       s.meter.Forget();
       s.pm.Forget();
     }
-    EXPECT_FALSE(s.sigGen.InitSigGen(1, -30));
+    const std::string file = failed ? "missing.sg" : "";
+    EXPECT_TRUE(
+        FailsWith(s.sigGen.InitSigGen(1, -30), "There is no signal generator definition to work with.\r\n" + file));
     EXPECT_FALSE(s.sigGen.SetFreqLevel(1, -30));
     EXPECT_FALSE(s.sigGen.RfOn());
     EXPECT_FALSE(s.meter.InitMeter());
     EXPECT_FALSE(s.pm.InitPwrMtr());
     EXPECT_EQ(s.Took(), Strings{});
     EXPECT_FALSE(s.sigGen.RfIsOn());
-    const std::string file = failed ? "missing.sg" : "";
-    EXPECT_TRUE(s.t.dialogs.WasShownContaining("There is no signal generator definition to work with.\r\n" + file));
   }
 }
 

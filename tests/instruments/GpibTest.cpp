@@ -8,10 +8,9 @@ namespace {
 TEST(Gpib, ClearsTheInterfaceOnceAndTriesAgainAfterAFailure) {
   TestStation s;
   s.bus.FailCall(1, 4);
-  EXPECT_FALSE(s.gpib.GpibIfc());
-  EXPECT_TRUE(
-      s.ToldOnce("Error sending IFC.\r\nibsta = &H8120 < ERR CMPL CIC>\r\niberr = EARG <Invalid argument>"
-                 "\r\nibcnt = 0x0"));
+  EXPECT_TRUE(FailsWith(s.gpib.GpibIfc(),
+                        "Error sending IFC.\r\nibsta = &H8120 < ERR CMPL CIC>\r\niberr = EARG <Invalid argument>"
+                        "\r\nibcnt = 0x0"));
   EXPECT_TRUE(s.gpib.GpibIfc());
   EXPECT_TRUE(s.gpib.GpibIfc());
   EXPECT_EQ(s.Took(), (Strings{"IFC !4", "IFC", "TMO 13"}));
@@ -20,8 +19,7 @@ TEST(Gpib, ClearsTheInterfaceOnceAndTriesAgainAfterAFailure) {
 TEST(Gpib, NoBusWithoutATimeLimitCountsAsCleared) {
   TestStation s;
   s.bus.FailLine("TMO 13", gpib::kEdvr);
-  EXPECT_FALSE(s.gpib.GpibIfc());
-  EXPECT_TRUE(s.ToldOnce("Error sending IFC.\r\n"));
+  EXPECT_TRUE(FailsWith(s.gpib.GpibIfc(), "Error sending IFC.\r\n"));
 }
 
 TEST(Gpib, OpensWithoutAnInitCommandAndWaitsTwoSecondsDespiteAHalt) {
@@ -40,15 +38,12 @@ TEST(Gpib, OpenAndCloseTellWhichStepFailed) {
     SCOPED_TRACE(step);
     TestStation s;
     s.bus.FailCall(step, gpib::kEnol);
-    EXPECT_FALSE(s.gpib.GpibOpen(13, "IP\r", "Meter"));
-    EXPECT_TRUE(s.ToldOnce(texts[static_cast<std::size_t>(step - 1)]));
+    EXPECT_TRUE(FailsWith(s.gpib.GpibOpen(13, "IP\r", "Meter"), texts[static_cast<std::size_t>(step - 1)]));
     EXPECT_EQ(s.bus.Calls(), step);
-    EXPECT_EQ(s.t.dialogs.pointerResets, step == 1 ? 1 : 0);
   }
   TestStation s;
   s.bus.FailCall(1, gpib::kEnol);
-  EXPECT_FALSE(s.gpib.GpibClose(13, "Meter"));
-  EXPECT_TRUE(s.ToldOnce("Error closing Meter\r\n"));
+  EXPECT_TRUE(FailsWith(s.gpib.GpibClose(13, "Meter"), "Error closing Meter\r\n"));
 }
 
 TEST(Gpib, CutsAnAnswerAtItsBytesBeforeDecodingIt) {
@@ -149,11 +144,9 @@ TEST(Gpib, DecodesEveryStatusIntoTheReport) {
     s.gpib.ibsta = static_cast<std::int16_t>(c.status);
     s.gpib.iberr = static_cast<std::int16_t>(c.error);
     s.gpib.ibcnt = static_cast<std::int16_t>(c.count);
-    std::string message = "Lost";
-    s.gpib.GpibError(message);
-    EXPECT_EQ(message, c.text);
-    EXPECT_EQ(s.t.dialogs.LastText(), c.text);
-    EXPECT_EQ(s.t.dialogs.messages.at(0).icon, MessageIcon::Exclamation);
+    const Message box = s.gpib.GpibError("Lost").Boxes().at(0);
+    EXPECT_EQ(box.text, c.text);
+    EXPECT_EQ(box.icon, MessageIcon::Exclamation);
   }
 }
 

@@ -13,11 +13,16 @@ const Strings kHigh = {"> 18 OUTP OFF", "> 9 FA\\r\\n", "> 10 8\\r\\n", "> 9 L3\
                        "> 9 M1\\r\\n",  "> 9 ON\\r\\n", "> 9 B2\\r\\n", "> 9 ZA\\r\\n"};
 
 struct IfiAmpTest : testing::Test, TestStation {
-  float first = 7, second = 7;
   void Start(double frequencyMHz) {
     ifiAmp.IfiInit(AmpControl::Ifi, 215);
     if (frequencyMHz != 0) ifiAmp.IfiSetBand(frequencyMHz);
     Took();
+  }
+  void ExpectPowers(float first, float second) {
+    const auto powers = ifiAmp.IfiReadPower();
+    ASSERT_TRUE(powers) << testing::PrintToString(Told(powers));
+    EXPECT_EQ(powers->First, first);
+    EXPECT_EQ(powers->Second, second);
   }
 };
 
@@ -25,10 +30,8 @@ TEST_F(IfiAmpTest, AGenericAmplifierIsLeftAlone) {
   EXPECT_TRUE(ifiAmp.IfiInit(AmpControl::Generic, 230));
   EXPECT_TRUE(ifiAmp.IfiReset());
   EXPECT_TRUE(ifiAmp.IfiSetBand(100));
-  EXPECT_TRUE(ifiAmp.IfiReadPower(first, second));
+  ExpectPowers(-1, -1);
   EXPECT_TRUE(Took().empty());
-  EXPECT_EQ(first, -1);
-  EXPECT_EQ(second, -1);
 }
 
 TEST_F(IfiAmpTest, ResetsWithoutSwitchingTheLowBandOnAndWithoutWaiting) {
@@ -69,8 +72,7 @@ TEST_F(IfiAmpTest, AFailedCommandStopsTheChangeOverAndLeavesItToBeRepeated) {
       s.ifiAmp.IfiInit(AmpControl::Ifi, 215);
       s.Took();
       s.bus.FailCall(n, gpib::kEnol);
-      EXPECT_FALSE(s.ifiAmp.IfiSetBand(high ? 300 : 100));
-      EXPECT_TRUE(s.ToldOnce("Error sending command to amps\r\n"));
+      EXPECT_TRUE(FailsWith(s.ifiAmp.IfiSetBand(high ? 300 : 100), "Error sending command to amps\r\n"));
       EXPECT_EQ(s.Took().size(), static_cast<std::size_t>(n));
       EXPECT_TRUE(s.ifiAmp.IfiSetBand(high ? 300 : 100));
       const bool lowWasOn = !high && n == static_cast<int>(sequence.size());
@@ -82,9 +84,8 @@ TEST_F(IfiAmpTest, AFailedCommandStopsTheChangeOverAndLeavesItToBeRepeated) {
 TEST_F(IfiAmpTest, NeverChangesOverWhenRfCanNotBeSwitchedOff) {
   Start(100);
   bus.FailLine("> 18 OUTP OFF", gpib::kEnol);
-  EXPECT_FALSE(ifiAmp.IfiSetBand(300));
+  EXPECT_TRUE(FailsWith(ifiAmp.IfiSetBand(300), "Error setting SigGen RF off. \r\n"));
   EXPECT_EQ(Took(), (Strings{"> 18 OUTP OFF !2"}));
-  EXPECT_TRUE(ToldOnce("Error setting SigGen RF off. \r\n"));
 }
 
 TEST_F(IfiAmpTest, NeverChangesOverUnderTheLevelOfAGeneratorWithoutRfOff) {
@@ -101,21 +102,16 @@ TEST_F(IfiAmpTest, NeverChangesOverUnderTheLevelOfAGeneratorWithoutRfOff) {
 
 TEST_F(IfiAmpTest, ReadsThePowerOfTheSelectedUnit) {
   Start(0);
-  EXPECT_FALSE(ifiAmp.IfiReadPower(first, second));
+  EXPECT_TRUE(FailsSilently(ifiAmp.IfiReadPower()));
   EXPECT_TRUE(Took().empty());
-  EXPECT_EQ(first, 7);
   ifiAmp.IfiSetBand(100);
   Took();
   bus.Answer(10, "0100 0200\r\n");
-  EXPECT_TRUE(ifiAmp.IfiReadPower(first, second));
+  ExpectPowers(200, 100);
   EXPECT_EQ(Took(), (Strings{"> 10 RP\\r\\n", "< 10 0100 0200\\r\\n"}));
-  EXPECT_EQ(first, 200);
-  EXPECT_EQ(second, 100);
   ifiAmp.IfiSetBand(300);
   bus.Answer(9, "50.00 10.01");
-  EXPECT_TRUE(ifiAmp.IfiReadPower(first, second));
-  EXPECT_EQ(first, 50.0F);
-  EXPECT_EQ(second, 10.01F);
+  ExpectPowers(50.0F, 10.01F);
 }
 
 struct ShortAnswerCase {
@@ -134,19 +130,14 @@ TEST_F(IfiAmpTest, AFigureThatAShortAnswerLacksIsZero) {
     SCOPED_TRACE(testing::Message() << c.frequencyMHz << ": " << c.answer);
     Start(c.frequencyMHz);
     bus.fallback = [&](int, const std::string&) { return c.answer; };
-    EXPECT_TRUE(ifiAmp.IfiReadPower(first, second));
-    EXPECT_EQ(first, c.first);
-    EXPECT_EQ(second, c.second);
-    EXPECT_TRUE(t.dialogs.messages.empty());
+    ExpectPowers(c.first, c.second);
   }
 }
 
 TEST_F(IfiAmpTest, AnAnswerThatIsNoPowerIsShown) {
   Start(300);
   bus.fallback = [](int, const std::string&) { return "9E99 1\r\n"; };
-  EXPECT_FALSE(ifiAmp.IfiReadPower(first, second));
-  EXPECT_EQ(t.dialogs.LastText(), "The amplifier's answer is no power:\r\n\"9E99 1\"");
-  EXPECT_EQ(first, 7);
+  EXPECT_EQ(Told(ifiAmp.IfiReadPower()), Strings{"The amplifier's answer is no power:\r\n\"9E99 1\""});
 }
 
 }  // namespace

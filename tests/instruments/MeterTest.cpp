@@ -56,13 +56,10 @@ TEST_F(MeterTest, CommandsTheLevelInTheMetersUnits) {
 TEST_F(MeterTest, RefusesLevelsAndFrequenciesOutsideItsLimits) {
   EXPECT_TRUE(meter.MeterSetLevel(120));
   EXPECT_TRUE(meter.MeterSetFreq(1000));
-  EXPECT_FALSE(meter.MeterSetLevel(120.1));
-  EXPECT_FALSE(meter.MeterSetLevel(19.9));
-  EXPECT_FALSE(meter.MeterSetFreq(1000.1));
-  EXPECT_FALSE(meter.MeterSetFreq(0.09));
-  const std::string level = "Level requested exceeds meter's capability. ";
-  const std::string freq = "Frequency requested exceeds meter's capability. ";
-  EXPECT_EQ(t.dialogs.Texts(), (Strings{level, level, freq, freq}));
+  for (const double outside : {120.1, 19.9})
+    EXPECT_EQ(Told(meter.MeterSetLevel(outside)), Strings{"Level requested exceeds meter's capability. "});
+  for (const double outside : {1000.1, 0.09})
+    EXPECT_EQ(Told(meter.MeterSetFreq(outside)), Strings{"Frequency requested exceeds meter's capability. "});
   EXPECT_EQ(Took(), (Strings{"> 13 RL 122.0 DB", "> 13 CF 1000.0 MZ"}));
 }
 
@@ -81,10 +78,10 @@ TEST_F(MeterTest, ASettingThatDidNotGetThroughIsSentAgain) {
 
 TEST_F(MeterTest, TellsBadUnitsBeforeTheWriteFailure) {
   Redefine(meter, [](auto& d) { d.Units = 5; });
-  EXPECT_FALSE(meter.MeterSetLevel(100));
-  ASSERT_EQ(t.dialogs.messages.size(), 2U);
-  EXPECT_EQ(t.dialogs.Texts()[0], "Error, bad units value in meter config file");
-  EXPECT_TRUE(t.dialogs.LastText().starts_with("Error in writing command to meter. \r\n"));
+  const Strings told = Told(meter.MeterSetLevel(100));
+  ASSERT_EQ(told.size(), 2U);
+  EXPECT_EQ(told[0], "Error, bad units value in meter config file");
+  EXPECT_TRUE(told[1].starts_with("Error in writing command to meter. \r\n"));
 }
 
 TEST_F(MeterTest, SetsAScopesTimeBaseToHalfAPeriod) {
@@ -120,17 +117,15 @@ TEST_F(MeterTest, AHaltEndsAPendingWaitAtOnce) {
   meter.MeterTrigger();
   const auto start = t.clock.TickMs();
   t.events.At(start + 100, [this] { t.shell.delay.RequestHalt(); });
-  EXPECT_EQ(meter.MeterRead(ReadMode::Single), 999);
+  EXPECT_TRUE(FailsSilently(meter.MeterRead(ReadMode::Single)));
   EXPECT_EQ(t.clock.TickMs() - start, 100);
-  EXPECT_TRUE(t.dialogs.messages.empty());
 }
 
 TEST_F(MeterTest, AHaltEndsItsSettlingAtOnce) {
   const auto start = t.clock.TickMs();
   t.events.At(start + 100, [this] { t.shell.delay.RequestHalt(); });
-  EXPECT_EQ(meter.MeterRead(ReadMode::AutoRange), 999);
+  EXPECT_TRUE(FailsSilently(meter.MeterRead(ReadMode::AutoRange)));
   EXPECT_EQ(t.clock.TickMs() - start, 100);
-  EXPECT_TRUE(t.dialogs.messages.empty());
 }
 
 TEST_F(MeterTest, ASettlingTimeOfZeroAsksTheOperator) {
@@ -149,22 +144,19 @@ struct AnswerCase {
 TEST_F(MeterTest, TurnsAnswersIntoLevels) {
   const AnswerCase cases[] = {
       {"VALUE 72.669 DBUV", "Mid(x, 7, 6)", 1, 72.669},
-      {"VALUE 72.669 DBUV", "", 1, 0},
       {"  7.2669E+01\r\n", "", 1, 72.669},
       {"0.1", "", 0, 100},
       {"100 MV", "", 2, 100},
       {"12", "", 3, 72},
       {"-6.9897", "", 4, 100},
-      {"-1", "", 0, -999},
   };
   for (const AnswerCase& c : cases) {
     SCOPED_TRACE(std::string(c.answer) + " / " + c.parse);
     TestStation s;
     Redefine(s.meter, [&](auto& d) { d.Units = c.units, d.ParseCmd = c.parse; });
     s.bus.Answer(13, c.answer);
-    EXPECT_NEAR(s.meter.MeterRead(ReadMode::Single), c.level, 1e-4);
+    EXPECT_NEAR(s.meter.MeterRead(ReadMode::Single).value(), c.level, 1e-4);
     EXPECT_EQ(s.meter.LastAnswer(), c.answer);
-    EXPECT_TRUE(s.t.dialogs.messages.empty());
   }
 }
 
@@ -172,13 +164,10 @@ TEST_F(MeterTest, AZeroThatWasAnsweredIsToldFromAnAnswerWithoutANumber) {
   for (const char* answer : {"0", " +0.0", "-.0 DBM", "\r\n0E5", "00:ERR"}) {
     bus.Answer(13, answer);
     EXPECT_EQ(meter.MeterRead(ReadMode::Single), 0) << answer;
-    EXPECT_TRUE(meter.Last().HasNumber) << answer;
   }
-  for (const char* answer : {".", "-", "+.x", "x0", "--0", "+ 0", "E5", " "}) {
+  for (const char* answer : {".", "-", "+.x", "x0", "--0", "+ 0", "E5", " ", "VALUE 72.669 DBUV"}) {
     bus.Answer(13, answer);
-    EXPECT_EQ(meter.MeterRead(ReadMode::Single), 0) << answer;
-    EXPECT_FALSE(meter.Last().HasNumber) << answer;
-    EXPECT_FALSE(meter.Last().Failed) << answer;
+    EXPECT_TRUE(FailsWith(meter.MeterRead(ReadMode::Single), "The meter's answer holds no number:\r\n")) << answer;
   }
 }
 
@@ -189,20 +178,22 @@ TEST_F(MeterTest, AnAnswerWithoutAUsableValueIsAFailedReading) {
     TestStation s;
     Redefine(s.meter, [&](auto& d) { d.Units = c.units, d.ParseCmd = c.parse; });
     s.bus.fallback = [&](int, const std::string&) { return c.answer; };
-    EXPECT_EQ(s.meter.MeterRead(ReadMode::AutoRange), c.level);
-    EXPECT_TRUE(s.ToldOnce(kNoErrorReport));
+    EXPECT_TRUE(FailsWith(s.meter.MeterRead(ReadMode::AutoRange), kNoErrorReport));
   }
 }
 
-TEST_F(MeterTest, EachFailedCallOfAReadingGives999AndLosesTheTrigger) {
+TEST_F(MeterTest, EachFailedCallOfAReadingIsToldOnceAndLosesTheTrigger) {
   for (const std::string call : {"> 13 TS", "> 13 MA?", "< 13"}) {
     SCOPED_TRACE(call);
     TestStation s;
     if (call[0] == '>') s.bus.FailLine(call, gpib::kEnol);
     s.bus.Silence(13);
-    EXPECT_EQ(s.meter.MeterRead(ReadMode::Single), 999);
-    EXPECT_TRUE(s.t.dialogs.LastText().starts_with("Error in reading meter. \r\nibsta = &H"));
-    EXPECT_EQ(s.t.dialogs.messages.size(), call == "> 13 TS" ? 2U : 1U);
+    const bool triggering = call == "> 13 TS";
+    const Strings told = Told(s.meter.MeterRead(ReadMode::Single));
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_TRUE(told[0].starts_with(triggering ? "Error in writing command to meter. \r\nibsta = &H"
+                                               : "Error in reading meter. \r\nibsta = &H"));
+    EXPECT_EQ(told[0].ends_with("\r\nError in reading meter. "), triggering);
     s.Took();
     s.meter.MeterRead(ReadMode::Single);
     EXPECT_THAT(s.Took(), testing::Contains("> 13 TS"));
@@ -224,12 +215,10 @@ TEST_F(MeterTest, RangesUntilTheLevelSitsUnderTheReference) {
       {"up to the maximum", {"115", "116"}, 116, {"RL 122.0 DB"}},
       {"at the reference", {"90", "95"}, 95, {"RL 102.0 DB"}},
       {"down in steps", {"60", "60", "60", "60"}, 60, {"RL 82.0 DB", "RL 72.0 DB", "RL 65.0 DB"}},
-      {"above the maximum", {"120.1"}, 1000, {}},
       {"down to the minimum, whatever it reads there",
        {"5", "5", "5", "5", "5"},
        5,
        {"RL 82.0 DB", "RL 72.0 DB", "RL 62.0 DB", "RL 52.0 DB"}},
-      {"an answer without a number steers no range", {"ERR"}, 0, {}},
   };
   for (const RangeCase& c : cases) {
     SCOPED_TRACE(c.name);
@@ -244,6 +233,25 @@ TEST_F(MeterTest, RangesUntilTheLevelSitsUnderTheReference) {
       if (sent.starts_with("RL")) levels.push_back(sent);
     }
     EXPECT_EQ(levels, c.levels);
+  }
+}
+
+struct NoLevelCase {
+  std::int32_t units;
+  const char* answer;
+  const char* told;
+};
+
+TEST_F(MeterTest, WhatIsNoLevelSteersNoRangeAndIsTold) {
+  for (const NoLevelCase& c : {NoLevelCase{1, "ERR", "The meter's answer holds no number:\r\n\"ERR\""},
+                               {1, "9.91E37", "The meter's answer is no level:\r\n\"9.91E37\""},
+                               {0, "-1", "The meter's answer is no level:\r\n\"-1\""},
+                               {1, "120.1", "The level is above the meter's maximum level, check setup"}}) {
+    SCOPED_TRACE(c.answer);
+    Redefine(meter, [&](auto& d) { d.Units = c.units; });
+    bus.Answer(13, c.answer);
+    EXPECT_EQ(Told(meter.MeterRead(ReadMode::AutoRange)), Strings{c.told});
+    EXPECT_THAT(Sent(13), testing::Not(testing::Contains(testing::StartsWith("RL"))));
   }
 }
 
@@ -262,7 +270,7 @@ TEST_F(MeterTest, AReadingAtTheMaximumRepeatsUntilAHalt) {
   meter.MeterSetLevel(120);
   bus.fallback = [](int, const std::string&) { return "120"; };
   t.events.At(t.clock.TickMs() + 5000, [this] { t.shell.delay.RequestHalt(); });
-  EXPECT_EQ(meter.MeterRead(ReadMode::AutoRange), 120);
+  EXPECT_TRUE(FailsSilently(meter.MeterRead(ReadMode::AutoRange)));
   EXPECT_EQ(bus.transcript.SentTo(13).size(), 20U);  // the level, nine readings, a trigger
 }
 
@@ -280,10 +288,9 @@ TEST_F(MeterTest, RangingEndsWithOneMessageWhereThereIsNoRange) {
     s.meter.MeterSetLevel(90);
     std::size_t reads = 0;
     s.bus.fallback = [&](int, const std::string&) { return c.answers[reads++ % c.answers.size()]; };
-    EXPECT_EQ(s.meter.MeterRead(ReadMode::AutoRange), 999);
+    EXPECT_TRUE(FailsWith(s.meter.MeterRead(ReadMode::AutoRange),
+                          std::string("The meter finds no range for its reading of ") + c.told + " dBuV"));
     EXPECT_EQ(reads, std::size_t{Meter::kMostRangings + 1});
-    EXPECT_TRUE(s.ToldOnce(std::string("The meter finds no range for its reading of ") + c.told + " dBuV"));
-    EXPECT_TRUE(s.meter.Last().Failed);
   }
 }
 
@@ -297,16 +304,13 @@ TEST_F(MeterTest, ShutsDownByItsCommandOrByStartingAnew) {
   EXPECT_TRUE(meter.MeterShutdown());
   EXPECT_EQ(Took(), (Strings{"> 13 BYE", "LOCAL 13"}));
   bus.FailLine("> 13 BYE", gpib::kEnol);
-  EXPECT_FALSE(meter.MeterShutdown());
-  EXPECT_TRUE(ToldOnce("Error in writing command to meter. \r\n"));
+  EXPECT_TRUE(FailsWith(meter.MeterShutdown(), "Error in writing command to meter. \r\n"));
   Redefine(meter, [](auto& d) { d.Shutdown = ""; });
   Took();
   EXPECT_TRUE(meter.MeterShutdown());
   EXPECT_EQ(Took(), (Strings{"FIND 13", "REMOTE 13", "> 13 IP", "> 13 RL 120.0 DB", "LOCAL 13"}));
-  t.dialogs.Clear();
   bus.FailLine("> 13 RL", gpib::kEnol);
-  EXPECT_FALSE(meter.MeterShutdown());
-  EXPECT_TRUE(ToldOnce("Error in writing command to meter. \r\n"));
+  EXPECT_TRUE(FailsWith(meter.MeterShutdown(), "Error in writing command to meter. \r\n"));
 }
 
 }  // namespace

@@ -16,18 +16,15 @@ TEST_F(PMTest, TellsEverySensorTheFrequencyOncePerChange) {
   Redefine(pm, [](auto& d) { d.SelectCh2 = ""; });
   EXPECT_TRUE(pm.PwrMtrSetFreq(101));
   EXPECT_EQ(Took(), (Strings{"> 7 AP", "> 7 FR 101.0 MZ"}));
-  EXPECT_FALSE(pm.PwrMtrSetFreq(1001));
-  EXPECT_FALSE(pm.PwrMtrSetFreq(0.05));
-  const std::string refusal = "Frequency requested exceeds power meter's capability. ";
-  EXPECT_EQ(t.dialogs.Texts(), (Strings{refusal, refusal}));
+  for (const double outside : {1001.0, 0.05})
+    EXPECT_EQ(Told(pm.PwrMtrSetFreq(outside)), Strings{"Frequency requested exceeds power meter's capability. "});
   EXPECT_TRUE(Took().empty());
 }
 
 TEST_F(PMTest, DoesNotTuneTheWrongChannel) {
   bus.FailLine("> 7 BP", gpib::kEnol);
-  EXPECT_FALSE(pm.PwrMtrSetFreq(100));
+  EXPECT_TRUE(FailsWith(pm.PwrMtrSetFreq(100), "Error in writing to power meter. \r\n"));
   EXPECT_EQ(Took().back(), "> 7 BP !2");
-  EXPECT_TRUE(ToldOnce("Error in writing to power meter. \r\n"));
 }
 
 struct ChannelCase {
@@ -52,7 +49,7 @@ TEST_F(PMTest, LetsTheBandChooseTheChannel) {
 
 TEST_F(PMTest, TriggersDespiteAFailedSelection) {
   bus.FailLine("> 7 AP", gpib::kEnol);
-  EXPECT_TRUE(pm.PwrMtrTrigger(1));
+  EXPECT_TRUE(FailsWith(pm.PwrMtrTrigger(1), "Error in writing to power meter. \r\n"));
   EXPECT_EQ(Took(), (Strings{"> 7 AP !2", "TMO 8", "< 7 !6", "TMO 13", "> 7 AT"}));
 }
 
@@ -68,7 +65,7 @@ TEST_F(PMTest, ReadsAPendingTriggerAfterWhatIsLeftOfTheSettlingTimeOrAHalt) {
   pm.PwrMtrTrigger(1);
   start = t.clock.TickMs();
   t.events.At(start + 10, [this] { t.shell.delay.RequestHalt(); });
-  EXPECT_EQ(pm.ReadPower(1), 999);
+  EXPECT_TRUE(FailsSilently(pm.ReadPower(1)));
   EXPECT_EQ(t.clock.TickMs() - start, 10);
 }
 
@@ -81,31 +78,37 @@ struct UnitCase {
 TEST_F(PMTest, TurnsAnswersIntoDbm) {
   const UnitCase cases[] = {{0, "0.001", 0},    {0, "0", -999},    {1, "+1.2345E+01", 12.345},
                             {2, "106.9897", 0}, {3, "223.607", 0}, {4, "0.223607", 0},
-                            {4, "0", -107},     {5, "46.9897", 0}, {1, "A: 12", 0}};
+                            {4, "0", -107},     {5, "46.9897", 0}};
   for (const UnitCase& c : cases) {
     SCOPED_TRACE(c.answer);
     TestStation s;
     Redefine(s.pm, [&](auto& d) { d.Units = c.units; });
     s.bus.Answer(7, c.answer);
-    EXPECT_NEAR(s.pm.ReadPower(1), c.dbm, 1e-3);
+    EXPECT_NEAR(s.pm.ReadPower(1).value(), c.dbm, 1e-3);
     EXPECT_EQ(s.pm.LastAnswer(), c.answer);
   }
 }
 
-TEST_F(PMTest, FailedReadingsGive999) {
+TEST_F(PMTest, TellsWhyAReadingFailed) {
   bus.Answer(7, "5");
   Redefine(pm, [](auto& d) { d.Units = 6; });
-  EXPECT_EQ(pm.ReadPower(1), 999);
-  ASSERT_EQ(t.dialogs.messages.size(), 2U);
-  EXPECT_EQ(t.dialogs.Texts()[0], "Error, bad units value in meter config file");
-  EXPECT_TRUE(t.dialogs.LastText().starts_with("Error in reading power meter. \r\n"));
-  EXPECT_EQ(t.dialogs.pointerResets, 1);
+  const Strings told = Told(pm.ReadPower(1));
+  ASSERT_EQ(told.size(), 2U);
+  EXPECT_EQ(told[0], "Error, bad units value in meter config file");
+  EXPECT_TRUE(told[1].starts_with("Error in reading power meter. \r\n"));
   for (const std::string call : {"> 7 AR?", "< 7"}) {
     SCOPED_TRACE(call);
     TestStation s;
     if (call[0] == '>') s.bus.FailLine(call, gpib::kEnol);
-    EXPECT_EQ(s.pm.ReadPower(1), 999);
-    EXPECT_TRUE(s.ToldOnce("Error in reading power meter. \r\nibsta = &H"));
+    EXPECT_TRUE(FailsWith(s.pm.ReadPower(1), "Error in reading power meter. \r\nibsta = &H"));
+  }
+  const char* const noPowers[][2] = {{"A: 12", "The power meter's answer holds no number:\r\n\"A: 12\""},
+                                     {"-9.9E37", "The power meter's answer is no power:\r\n\"-9.9E37\""},
+                                     {"999", "The power meter's answer is no power:\r\n\"999\""}};
+  for (const auto& [answer, why] : noPowers) {
+    TestStation s;
+    s.bus.Answer(7, answer);
+    EXPECT_EQ(Told(s.pm.ReadPower(1)), Strings{why});
   }
 }
 
@@ -126,13 +129,10 @@ TEST_F(PMTest, OpensAndShutsDown) {
   EXPECT_EQ(Took(), (Strings{"FIND 7", "REMOTE 7", "LOCAL 7"}));
   Redefine(pm, [](auto& d) { d.Shutdown = "BYE"; });
   bus.FailLine("> 7 BYE", gpib::kEnol);
-  EXPECT_FALSE(pm.PwrMtrShutdown());
-  EXPECT_TRUE(ToldOnce("Error in writing command to power meter. \r\n"));
+  EXPECT_TRUE(FailsWith(pm.PwrMtrShutdown(), "Error in writing command to power meter. \r\n"));
   Redefine(pm, [](auto& d) { d.Shutdown = ""; });
-  t.dialogs.Clear();
   bus.FailLine("REMOTE 7", gpib::kEnol);
-  EXPECT_FALSE(pm.PwrMtrShutdown());
-  EXPECT_TRUE(ToldOnce("Error in setting PwrMtr to remote mode. \r\n"));
+  EXPECT_TRUE(FailsWith(pm.PwrMtrShutdown(), "Error in setting PwrMtr to remote mode. \r\n"));
 }
 
 }  // namespace

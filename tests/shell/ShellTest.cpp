@@ -6,6 +6,7 @@
 
 #include "shell/FormPosition.h"
 #include "support/ScriptedBus.h"
+#include "support/SilentRun.h"
 #include "support/TestShell.h"
 
 namespace hylden {
@@ -112,7 +113,8 @@ TEST_F(ShellTest, ARunLogThatIsAPipeHoldsNobodyUp) {
 
 TEST_F(ShellTest, SettingsThatCannotBeReadAreToldOnceAndNeverDuringARun) {
   t_.directory.Write("Hylden.ini/inside", "");  // a directory of that name
-  ASSERT_TRUE(t_.shell.ClaimInstruments([] {}));
+  SilentRun run;
+  ASSERT_TRUE(t_.shell.ClaimInstruments(run));
   t_.shell.log.LogFile("Test run started");
   EXPECT_TRUE(t_.dialogs.messages.empty());
   t_.shell.ReleaseInstruments();
@@ -122,16 +124,16 @@ TEST_F(ShellTest, SettingsThatCannotBeReadAreToldOnceAndNeverDuringARun) {
   EXPECT_NE(t_.dialogs.LastText().find(t_.directory.File("Hylden.ini")), std::string::npos);
 }
 
-TEST_F(ShellTest, AFailureThatNobodyForesawHaltsARunAndMakesItSafeBeforeItIsReported) {
+TEST_F(ShellTest, AFailureThatNobodyForesawHaltsARunWithRfOffBeforeItIsReported) {
   for (const bool run : {false, true}) {
-    bool safe = false;
-    if (run) t_.shell.ClaimInstruments([&] { safe = true; });
-    t_.dialogs.onShow = [&](const Message&) { EXPECT_EQ(safe, run); };
+    SilentRun claiming;
+    if (run) t_.shell.ClaimInstruments(claiming);
+    t_.dialogs.onShow = [&](const Message&) { EXPECT_EQ(claiming.rfOff, run); };
     t_.shell.ReportUnforeseen(std::bad_alloc(), "frmRunTest.mnuHelp");
     EXPECT_EQ(t_.shell.delay.HaltRequested(), run);
     EXPECT_EQ(t_.dialogs.LastText(), "Error # 51\rInternal error\rfrmRunTest.mnuHelp\r");
+    t_.shell.ReleaseInstruments();
   }
-  t_.shell.ReleaseInstruments();
 }
 
 TEST_F(ShellTest, ATrappedFailureIsReportedWithNumberContextAndPath) {

@@ -10,6 +10,7 @@
 #include "support/SampleInstruments.h"
 #include "support/ScriptedBus.h"
 #include "support/TestShell.h"
+#include "support/Told.h"
 
 namespace hylden {
 

@@ -158,14 +158,6 @@ TEST(LevelTargets, TheGeneratorGoesPastItsCalibrationSlowly) {
   }
 }
 
-TEST(LevelTargets, NoReadingIsNoReadingWhateverItsKind) {
-  for (const double bad :
-       {998.1, 999.0, 1000.0, std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::infinity()})
-    EXPECT_FALSE(IsReading(bad)) << bad;
-  EXPECT_TRUE(IsReading(998));
-  EXPECT_TRUE(IsReading(-999));
-}
-
 struct NetCase {
   double forward, reverse;
   std::optional<double> net;  // the calibrated forward power is 40 dBm

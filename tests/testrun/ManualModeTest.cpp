@@ -292,6 +292,19 @@ TEST_F(ManualTest, ModulationThatTheGeneratorRefusesIsNotShownAsSwitched) {
   Run();
 }
 
+TEST_F(ManualTest, AFailureAfterOneThatTheOperatorWentOnFromIsToldToo) {
+  const char* const lines[] = {"> 18 POW -9.0", "> 18 POW -7.0", "> 18 FREQ 4.0"};  // twice by hand, then the next step
+  for (const char* line : lines) rig.bus.FailLine(line, gpib::kEnol);
+  const auto offset = [&](float db) { rig.engine.Manual().manLevOffsetChange(db); };
+  manual = {[&] { rig.engine.Manual().manRfOn(true), offset(-1); },
+            [&] { rig.engine.Manual().manRfOn(true), offset(1); }};
+  Run();
+  const auto texts = rig.t.dialogs.Texts();
+  EXPECT_EQ(std::count_if(texts.begin(), texts.end(),
+                          [](const auto& text) { return text.starts_with("Error in writing command to Signal"); }),
+            3);
+}
+
 TEST_F(ManualTest, ModulationSwitchedOffByHandIsBackForTheNextStep) {
   rig.UseAm(false, false);
   manual = {[&] { rig.engine.Manual().manModOn(false); }};
