@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "measure/Conversions.h"
-#include "measure/InterpClass.h"
 #include "shell/Shell.h"
 #include "text/Case.h"
 #include "text/Numbers.h"
@@ -144,22 +143,10 @@ bool clsCalFile::Refuse(const std::string& message) {
 float clsCalFile::Value(double frequency, CalColumn column) {
   const bool covered = points_.size() >= 2 && frequency >= points_.front().Freq && frequency <= points_.back().Freq;
   if (!covered) return kMissing;
-  MoveCursor(frequency);
-  const CalPoint& found = points_[cursor_];
-  const float here = ValueOf(found, column);
-  if (found.Freq > frequency) {
-    const CalPoint& before = points_[cursor_ - 1];
-    return Between(before, ValueOf(before, column), found, here, frequency, column);
-  }
-  const bool bandChange = cursor_ + 1 < points_.size() && points_[cursor_ + 1].Freq == frequency;
-  return bandChange ? PickDuplicate(here, ValueOf(points_[cursor_ + 1], column), DuplicateRule::Larger) : here;
-}
-
-void clsCalFile::MoveCursor(double frequency) {
-  if (cursor_ >= points_.size()) cursor_ = 0;
-  if (cursor_ == 0) cursor_ = 1;
-  while (cursor_ > 0 && points_[cursor_ - 1].Freq >= frequency) --cursor_;
-  while (points_[cursor_].Freq < frequency) ++cursor_;
+  const auto valueOf = [column](const CalPoint& point) { return ValueOf(point, column); };
+  return cursor_.ValueAt(points_, frequency, DuplicateRule::Larger, valueOf, [&](const CalPoint& a, const CalPoint& b) {
+    return Between(a, valueOf(a), b, valueOf(b), frequency, column);
+  });
 }
 
 }  // namespace hylden

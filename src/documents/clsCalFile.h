@@ -1,10 +1,11 @@
 #pragma once
 
-#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "measure/Interpolation.h"
 
 namespace hylden {
 
@@ -52,12 +53,10 @@ class clsCalFile {
   /// Shows the message; false.
   bool Refuse(const std::string& message);
   float Value(double frequency, CalColumn column);
-  /// Puts the cursor on the first point at or above a frequency within the record's range.
-  void MoveCursor(double frequency);
 
   Shell& shell_;
   std::vector<CalPoint> points_;
-  std::size_t cursor_ = 0;
+  FrequencyCursor cursor_;
 };
 
 }  // namespace hylden

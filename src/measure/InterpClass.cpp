@@ -4,7 +4,6 @@
 #include <cmath>
 #include <limits>
 
-#include "measure/Conversions.h"
 #include "shell/Shell.h"
 #include "text/Numbers.h"
 #include "text/Pattern.h"
@@ -125,24 +124,6 @@ std::string PlainFrequency(double frequency) {
 
 }  // namespace
 
-float Interpolate(double f1, float y1, double f2, float y2, double f, FreqScale scale) {
-  // The base of the logarithms cancels out.
-  if (scale == FreqScale::Log && f1 < 1e-6) return static_cast<float>(kNoValue);
-  const double t = scale == FreqScale::Log ? std::log(f / f1) / std::log(f2 / f1) : (f - f1) / (f2 - f1);
-  const double from = static_cast<double>(y1), to = static_cast<double>(y2);
-  return static_cast<float>(from + t * (to - from));
-}
-
-float PickDuplicate(float a, float b, DuplicateRule rule) {
-  switch (rule) {
-    case DuplicateRule::Larger:
-      return std::max(a, b);
-    case DuplicateRule::Smaller:
-      return std::min(a, b);
-  }
-  return 0;
-}
-
 bool ReadNumbers(std::string_view line, std::initializer_list<double*> numbers) {
   if (std::any_of(line.begin(), line.end(), [](char c) { return CharClass(c) < 0; })) return false;
   if (MayHoldDecimalComma(line, numbers.size())) return false;
@@ -185,25 +166,11 @@ bool InterpClass::InitInterp(const std::string& fileName) {
 Result<float> InterpClass::InterpVal(double frequency, FreqScale scale, DuplicateRule rule) {
   if (points_.size() < 2) return Because(kNoPoints);
   if (!(frequency >= points_.front().Freq && frequency <= points_.back().Freq)) return Because();
-  MoveCursor(frequency);
-  const FactorPoint& found = points_[cursor_];
-  if (frequency < found.Freq) {
-    const FactorPoint& before = points_[cursor_ - 1];
-    return Interpolate(before.Freq, before.Value, found.Freq, found.Value, frequency, scale);
-  }
-  const bool pair = cursor_ + 1 < points_.size() && points_[cursor_ + 1].Freq == frequency;
-  return pair ? PickDuplicate(found.Value, points_[cursor_ + 1].Value, rule) : found.Value;
-}
-
-void InterpClass::MoveCursor(double frequency) {
-  constexpr int kNear = 4;
-  if (cursor_ >= points_.size()) cursor_ = 0;
-  if (cursor_ == 0 || frequency > points_[cursor_ - 1].Freq)
-    for (int step = 0; step < kNear; ++step, ++cursor_)
-      if (frequency <= points_[cursor_].Freq) return;
-  const auto first = std::lower_bound(points_.begin(), points_.end(), frequency,
-                                      [](const FactorPoint& point, double f) { return point.Freq < f; });
-  cursor_ = static_cast<std::size_t>(first - points_.begin());
+  return cursor_.ValueAt(
+      points_, frequency, rule, [](const FactorPoint& point) { return point.Value; },
+      [&](const FactorPoint& a, const FactorPoint& b) {
+        return Interpolate(a.Freq, a.Value, b.Freq, b.Value, frequency, scale);
+      });
 }
 
 double InterpClass::MaxFreq() const {

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "measure/Interpolation.h"
 #include "shell/Failure.h"
 
 namespace hylden {
@@ -16,15 +17,6 @@ struct FactorPoint {
   double Freq = 0;
   float Value = 0;
 };
-
-/// The scale on which a lookup interpolates between frequencies.
-enum class FreqScale : int { Linear = 0, Log = 1 };
-/// Which of two points at one frequency (a band change) counts.
-enum class DuplicateRule : int { Larger = 0, Smaller = 1 };
-
-/// Two-point interpolation at f; on the logarithmic scale a lower frequency below 1e-6 MHz gives -999.
-float Interpolate(double f1, float y1, double f2, float y2, double f, FreqScale scale);
-float PickDuplicate(float a, float b, DuplicateRule rule);
 
 /// A data line of the factor table format (see docs/formats/factor-table.md): its first two numbers. Not Ok for any
 /// other line, and for a number that is too large for its type.
@@ -58,13 +50,10 @@ class InterpClass {
   bool SaveFile(const std::string& fileName);
 
  private:
-  /// Puts the cursor on the first point that is not below a frequency within the table.
-  void MoveCursor(double frequency);
-
   Shell& shell_;
   /// Empty, or at least two points in rising order.
   std::vector<FactorPoint> points_;
-  std::size_t cursor_ = 0;
+  FrequencyCursor cursor_;
 };
 
 }  // namespace hylden
