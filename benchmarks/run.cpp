@@ -18,7 +18,7 @@ TestDefinition Sweep(const std::string& calInfoFile, int steps) {
   test.FreqSweep = true;
   test.LinearStep = (kStop - kStart) / (steps - 1);
   test.SweepDwell = 1;
-  test.ModType = 1;
+  test.ModType = Modulation::Am;
   test.AmDepth = 80;
   test.AmModFreq = 1;
   test.InitLevOffset = -6;

@@ -138,7 +138,7 @@ void WriteEquipment() {
   e.SigGenFile = "scpi.sg", e.SigGenAddress = kGeneratorAddress;
   e.MeterFile = "analyser.mtr", e.MeterAddress = kMeterAddress;
   e.PwrMtrFile = "two-channel.pm", e.PwrMtrAddress = kPowerMeterAddress;
-  e.AmpConfiguration = static_cast<std::int32_t>(AmpConfig::DualFwdRev);
+  e.AmpConfiguration = AmpConfig::DualFwdRev;
   e.PmBandSwitch = e.IfiBandSwitch = kBandSwitchMHz;
   e.CableLossFile = "meter-cable.los";
   e.FwdPortFile = "forward.fac", e.RevPortFile = "reverse.fac";
@@ -148,7 +148,7 @@ void WriteEquipment() {
   e.SigGenFile = "two-letter.sg";
   SaveRecord("older-generator.eqp", e);
   e.SigGenFile = "scpi.sg";
-  e.AmplifierType = static_cast<std::int32_t>(AmpType::Ifi);
+  e.AmplifierType = AmpType::Ifi;
   e.IfiPower = true;
   SaveRecord("ifi-station.eqp", e);
 }
@@ -157,7 +157,7 @@ void WriteEquipment() {
 CalSetupRecord CalibrationSetup() {
   CalSetupRecord s;
   s.StartFreq = 0.15, s.StopFreq = 230;
-  s.StepType = static_cast<std::int32_t>(StepType::Log), s.LinearStep = 1, s.LogStep = 1;
+  s.StepType = StepType::Log, s.LinearStep = 1, s.LogStep = 1;
   s.CalLevel = 10, s.LimitFile = "stepped.lev";
   s.MaxLevel = 0, s.MaxStep = 6, s.InitLevel = -30;
   s.RecordFwdPwr = s.RecordRevPwr = s.LimitFwdPwr = 1, s.FwdPwrLimit = 10;
@@ -182,9 +182,9 @@ TestDefinition DemoTest() {
   t.CalInfoFile = "cdn-10v.hyinfo";
   t.StartFreq = 0.15, t.StopFreq = 80;
   t.FreqSweep = true;
-  t.StepType = 1, t.LinearStep = 5, t.LogStep = 10;
+  t.StepType = StepType::Log, t.LinearStep = 5, t.LogStep = 10;
   t.SweepDwell = 0.5, t.DiscreteDwell = 1;
-  t.ModType = 1, t.AmDepth = 80, t.AmModFreq = 1;
+  t.ModType = Modulation::Am, t.AmDepth = 80, t.AmModFreq = 1;
   t.FmDev = 10, t.FmModFreq = 1;
   t.PulseWidth = 2.5, t.PulsePeriod = 5;
   t.InitLevOffset = -10, t.LevelInc = 3, t.InterDwell = 0.1F;
@@ -197,19 +197,19 @@ void WriteTests() {
   TestDefinition t = DemoTest();
   SaveRecord("substitution-am.tst", t);
 
-  t.LevelingMethod = static_cast<std::int32_t>(LevelingMethod::ForwardPower);
+  t.LevelingMethod = LevelingMethod::ForwardPower;
   t.ConstPeak = true;
   SaveRecord("forward-power-constant-peak.tst", t);
 
   t = DemoTest();
-  t.LevelingMethod = static_cast<std::int32_t>(LevelingMethod::NetPower);
-  t.ModType = 2;
+  t.LevelingMethod = LevelingMethod::NetPower;
+  t.ModType = Modulation::Fm;
   t.ModOffBetweenFreqs = false;
   SaveRecord("net-power-fm.tst", t);
 
   t = DemoTest();
   t.StartFreq = 5;
-  t.ModType = 3;
+  t.ModType = Modulation::Pulse;
   t.MonitorProbe = t.LimitCurrent = true;
   t.LimitMargin = -6;
   SaveRecord("probe-limited-pulse.tst", t);
@@ -218,13 +218,13 @@ void WriteTests() {
   t.StopFreq = 230;
   t.LogStep = 20;
   t.FreqList = true, t.ListFile = "radio-services.lst";
-  t.ModType = 0;
+  t.ModType = Modulation::None;
   t.ModOffBetweenFreqs = false;
   SaveRecord("sweep-and-list.tst", t);
 
   t = DemoTest();
   t.CalInfoFile = "ifi-10v.hyinfo";
-  t.StartFreq = 180, t.StopFreq = 230, t.StepType = 0;
+  t.StartFreq = 180, t.StopFreq = 230, t.StepType = StepType::Linear;
   SaveRecord("ifi-band-change.tst", t);
 }
 

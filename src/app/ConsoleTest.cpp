@@ -39,7 +39,7 @@ bool Load(ConsoleStation& station) {
     return false;
   }
   if (!Validate(station)) return false;
-  const auto method = static_cast<LevelingMethod>(documents.testSetup.Definition.LevelingMethod);
+  const auto method = documents.testSetup.Definition.LevelingMethod;
   return method == LevelingMethod::SigGen || station.MayMoveSensor();
 }
 

@@ -31,7 +31,7 @@ bool RunCablCal::Halted() const {
 
 bool RunCablCal::BuildPlan() {
   if (IsRunning()) return false;
-  const auto type = static_cast<StepType>(Setup.StepType);
+  const auto type = Setup.StepType;
   FrequencyRequest request{type, Setup.StartFreq, Setup.StopFreq,
                            type == StepType::Log ? Setup.LogStep : Setup.LinearStep, Setup.ListFile};
   const auto plan = PlanFrequencies(shell_, request);

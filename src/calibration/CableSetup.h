@@ -15,14 +15,14 @@ namespace hylden {
 /// in seconds. It lives as long as the program; no file holds it.
 struct CableSetup {
   double StartFreq = 0, StopFreq = 0;
-  std::int32_t StepType = 1;  ///< a StepType code: 0 linear, 1 logarithmic, 2 list
+  hylden::StepType StepType = hylden::StepType::Log;
   double LinearStep = 0;
   double LogStep = 1;  ///< percent
   std::string ListFile;
   double Dwell = 1;
   float Level = -60;
 
-  bool Steps(hylden::StepType type) const { return StepType == static_cast<std::int32_t>(type); }
+  bool Steps(hylden::StepType type) const { return StepType == type; }
 };
 
 /// The fields of frmCblSetup.

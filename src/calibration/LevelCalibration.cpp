@@ -62,7 +62,7 @@ void LevelCalibration::ForgetRows() {
 
 bool LevelCalibration::PlanRun() {
   const EquipRecord& equipment = documents_.equip.Record;
-  const auto type = static_cast<StepType>(setup_.StepType);
+  const auto type = setup_.StepType;
   FrequencyRequest request{type,
                            setup_.StartFreq,
                            setup_.StopFreq,
@@ -99,7 +99,7 @@ bool LevelCalibration::LoadTables() {
       {setup_.RecordsReverse(), reversePort_, equipment.RevPortFile, "Error loading reverse coupling port file",
        "Reverse port file does not cover frequency range"},
   };
-  const bool linear = setup_.StepType == static_cast<std::int32_t>(StepType::Linear);
+  const bool linear = setup_.StepType == StepType::Linear;
   PlanRange range(plan_, linear ? std::optional(setup_.StopFreq) : std::nullopt);
   for (const auto& t : tables) {
     if (!t.wanted) continue;

@@ -1,8 +1,9 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
+
+#include "documents/CalSetupRecord.h"
 
 namespace hylden {
 
@@ -15,7 +16,7 @@ struct CalInfoRec {
   std::string DeviceDescription;
   std::string TestLevel;  ///< flat level in volts and "v" (10v), or the path of the test level file
   std::string FreqRange;  ///< "0.15 - 80", MHz
-  std::int32_t CouplingMethod = 0;
+  hylden::CouplingMethod CouplingMethod = hylden::CouplingMethod::Clamp150Ohm;
 };
 
 constexpr std::string_view FileKind(const CalInfoRec&) {
@@ -29,7 +30,7 @@ void Fields(F& f, CalInfoRec& c) {
   f.Text(c.DeviceDescription);
   f.Text(c.TestLevel);
   f.Text(c.FreqRange);
-  f.Int32(c.CouplingMethod);
+  f.Code(c.CouplingMethod);
 }
 
 /// The calibration info that the program shows and checks against.

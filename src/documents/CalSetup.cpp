@@ -43,8 +43,8 @@ std::optional<StartFailure> CheckStation(const CalSetupRecord& setup, const Equi
   return equipment.CheckDefinitions(true, setup.RecordsForward());
 }
 
-double CouplingFactorDb(std::int32_t couplingMethod, float userDefinedDb) {
-  switch (static_cast<CouplingMethod>(couplingMethod)) {
+double CouplingFactorDb(CouplingMethod method, float userDefinedDb) {
+  switch (method) {
     case CouplingMethod::Clamp150Ohm:
       return 15.5;
     case CouplingMethod::CurrentClamp50Ohm:

@@ -39,8 +39,7 @@ std::optional<StartFailure> CheckStation(const CalSetupRecord& setup, const Equi
 std::optional<StartFailure> CheckStation(const CalSetupRecord& setup, const Equip& equipment);
 
 /// What the meter's reading at the calibration port lies below the test level, dB.
-/// @param couplingMethod  a CouplingMethod code
-double CouplingFactorDb(std::int32_t couplingMethod, float userDefinedDb);
+double CouplingFactorDb(CouplingMethod method, float userDefinedDb);
 
 /// A range of frequencies, MHz, as a record's description has it: "0.15 - 80".
 std::string FreqRangeText(double lowestMHz, double highestMHz);

@@ -23,11 +23,11 @@ enum class CouplingMethod : std::int32_t {
 /// in volts, the dwell in seconds, the power limit in watts.
 struct CalSetupRecord {
   double StartFreq = 0, StopFreq = 0;
-  std::int32_t StepType = 0;  ///< a StepType code: 0 linear, 1 logarithmic, 2 list
+  hylden::StepType StepType = hylden::StepType::Linear;
   double LinearStep = 0;
   double LogStep = 0;  ///< percent
   std::string ListFile;
-  std::int32_t LimitType = 0;  ///< a LimitType code
+  hylden::LimitType LimitType = hylden::LimitType::Flat;
   float CalLevel = 0;
   std::string LimitFile;
   float MaxLevel = 0;   ///< the highest generator level that the run may set
@@ -39,17 +39,17 @@ struct CalSetupRecord {
   double Dwell = 0;  ///< settling time at each generator level
   std::string DeviceDescription;
   std::string AmpUsed;
-  std::int32_t CouplingMethod = 0;  ///< a CouplingMethod code
+  hylden::CouplingMethod CouplingMethod = hylden::CouplingMethod::Clamp150Ohm;
   std::string SetupDescription;
   float UserDefinedFactor = 0;  ///< of the user-defined coupling method, dB; older files hold 0
 
-  bool Steps(hylden::StepType type) const { return StepType == static_cast<std::int32_t>(type); }
-  bool HasFlatLevel() const { return LimitType == static_cast<std::int32_t>(hylden::LimitType::Flat); }
-  bool HasLevelFile() const { return LimitType == static_cast<std::int32_t>(hylden::LimitType::File); }
+  bool Steps(hylden::StepType type) const { return StepType == type; }
+  bool HasFlatLevel() const { return LimitType == hylden::LimitType::Flat; }
+  bool HasLevelFile() const { return LimitType == hylden::LimitType::File; }
   /// A limit and the reverse power need the forward power, ticked or not.
   bool RecordsForward() const { return RecordFwdPwr != 0 || RecordRevPwr != 0 || LimitFwdPwr != 0; }
   bool RecordsReverse() const { return RecordRevPwr != 0; }
-  bool HasOwnFactor() const { return CouplingMethod == static_cast<std::int32_t>(hylden::CouplingMethod::UserDefined); }
+  bool HasOwnFactor() const { return CouplingMethod == hylden::CouplingMethod::UserDefined; }
   bool LimitsForward() const { return LimitFwdPwr != 0; }
 };
 
@@ -61,11 +61,11 @@ template <class F>
 void Fields(F& f, CalSetupRecord& c) {
   f.Double(c.StartFreq);
   f.Double(c.StopFreq);
-  f.Int32(c.StepType);
+  f.Code(c.StepType);
   f.Double(c.LinearStep);
   f.Double(c.LogStep);
   f.Text(c.ListFile);
-  f.Int32(c.LimitType);
+  f.Code(c.LimitType);
   f.Single(c.CalLevel);
   f.Text(c.LimitFile);
   f.Single(c.MaxLevel);
@@ -79,7 +79,7 @@ void Fields(F& f, CalSetupRecord& c) {
   f.Double(c.Dwell);
   f.Text(c.DeviceDescription);
   f.Text(c.AmpUsed);
-  f.Int32(c.CouplingMethod);
+  f.Code(c.CouplingMethod);
   f.Text(c.SetupDescription);
   f.Single(c.UserDefinedFactor);
   f.SpareLines(9);

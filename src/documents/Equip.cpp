@@ -56,8 +56,8 @@ EquipmentEntries EntriesOf(const EquipRecord& record) {
   entries.MeterAddress = AddressText(record.MeterFile, record.MeterAddress);
   entries.PwrMtrAddress = AddressText(record.PwrMtrFile, record.PwrMtrAddress);
   entries.IfiBandSwitch = ShortestText(record.IfiBandSwitch);
-  entries.Configuration = static_cast<AmpConfig>(record.AmpConfiguration);
-  entries.Type = static_cast<AmpType>(record.AmplifierType);
+  entries.Configuration = record.AmpConfiguration;
+  entries.Type = record.AmplifierType;
   entries.IfiPower = record.IfiPower;
   entries.IfiAtten = record.IfiAtten;
   entries.CableLossFile = record.CableLossFile;
@@ -143,8 +143,8 @@ std::optional<EntryFailure> Equip::TakeEntries(const EquipmentEntries& entries) 
   Record.RevPortFile = entries.RevPortFile;
   Record.MaxPowerFile = entries.MaxPowerFile;
   Record.ProbeFile = entries.ProbeFile;
-  Record.AmpConfiguration = static_cast<std::int32_t>(entries.Configuration);
-  Record.AmplifierType = static_cast<std::int32_t>(entries.Type);
+  Record.AmpConfiguration = entries.Configuration;
+  Record.AmplifierType = entries.Type;
   Record.IfiPower = entries.IfiPower;
   Record.IfiAtten = entries.IfiAtten;
   return std::nullopt;

@@ -19,26 +19,26 @@ struct EquipRecord {
   std::int16_t MeterAddress = 0;
   std::string PwrMtrFile;
   std::int16_t PwrMtrAddress = 0;
-  std::int32_t AmpConfiguration = 0;  ///< an AmpConfig code
+  AmpConfig AmpConfiguration = AmpConfig::Single;
   double PmBandSwitch = 0;
   std::string CableLossFile;
   std::string FwdPortFile;
   std::string RevPortFile;
   std::string MaxPowerFile;
   std::string ProbeFile;
-  std::int32_t AmplifierType = 0;  ///< an AmpType code
+  AmpType AmplifierType = AmpType::Generic;
   bool IfiPower = false;
   bool IfiAtten = false;
   double IfiBandSwitch = 0;
 
   static constexpr double kLowestBandSwitchMHz = 200, kHighestBandSwitchMHz = 230;
 
-  bool HasIfiAmplifier() const { return AmplifierType == static_cast<std::int32_t>(AmpType::Ifi); }
+  bool HasIfiAmplifier() const { return AmplifierType == AmpType::Ifi; }
   /// Whether an IFI amplifier, where there is one, changes its band where it can.
   bool HasGoodBandSwitch() const {
     return !HasIfiAmplifier() || (IfiBandSwitch >= kLowestBandSwitchMHz && IfiBandSwitch <= kHighestBandSwitchMHz);
   }
-  bool Is(AmpConfig config) const { return AmpConfiguration == static_cast<std::int32_t>(config); }
+  bool Is(AmpConfig config) const { return AmpConfiguration == config; }
 };
 
 constexpr std::string_view FileKind(const EquipRecord&) {
@@ -53,14 +53,14 @@ void Fields(F& f, EquipRecord& e) {
   f.Int16(e.MeterAddress);
   f.Text(e.PwrMtrFile);
   f.Int16(e.PwrMtrAddress);
-  f.Int32(e.AmpConfiguration);
+  f.Code(e.AmpConfiguration);
   f.Double(e.PmBandSwitch);
   f.Text(e.CableLossFile);
   f.Text(e.FwdPortFile);
   f.Text(e.RevPortFile);
   f.Text(e.MaxPowerFile);
   f.Text(e.ProbeFile);
-  f.Int32(e.AmplifierType);
+  f.Code(e.AmplifierType);
   f.Flag(e.IfiPower);
   f.Flag(e.IfiAtten);
   f.Double(e.IfiBandSwitch);

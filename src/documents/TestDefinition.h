@@ -14,6 +14,8 @@ namespace hylden {
 
 class FormWalker;
 
+/// Kept and shown only.
+enum class LevelingMode : std::int32_t { Substitution = 0, ClosedLoop = 1 };
 enum class LevelingMethod : std::int32_t { SigGen = 0, ForwardPower = 1, NetPower = 2 };
 
 /// How a conducted immunity test is run (.tst). Frequencies and frequency steps in MHz, dwells in seconds, modulation
@@ -22,24 +24,24 @@ struct TestDefinition {
   std::string CalInfoFile;
   double StartFreq = 0, StopFreq = 0;
   bool FreqSweep = false;
-  std::int32_t StepType = 0;  ///< a StepType code: 0 linear, 1 logarithmic
+  hylden::StepType StepType = hylden::StepType::Linear;
   double LinearStep = 0;
   double LogStep = 0;  ///< percent
   double SweepDwell = 0;
   bool FreqList = false;
   std::string ListFile;
   double DiscreteDwell = 0;
-  std::int32_t ModType = 0;  ///< a Modulation code
-  float AmDepth = 0;         ///< percent
+  Modulation ModType = Modulation::None;
+  float AmDepth = 0;  ///< percent
   float AmModFreq = 0;
   float FmDev = 0, FmModFreq = 0;
   float PulseWidth = 0, PulsePeriod = 0;
   bool ConstPeak = false;
-  std::int32_t LevelingMode = 0;  ///< stored and shown only: 1 closed loop, 0 substitution
+  hylden::LevelingMode LevelingMode = hylden::LevelingMode::Substitution;
   float InitLevOffset = 0;
   float LevelInc = 0;
   float InterDwell = 0;
-  std::int32_t LevelingMethod = 0;  ///< a LevelingMethod code
+  hylden::LevelingMethod LevelingMethod = hylden::LevelingMethod::SigGen;
   bool Extrapolate = false;
   double ExtrapolateTo = 0;
   bool MonitorProbe = false;
@@ -50,8 +52,8 @@ struct TestDefinition {
   bool UseAMdepth = false;
   std::string Spare1, Spare2, Spare3, Spare4, Spare5;
 
-  bool Modulates(Modulation modulation) const { return ModType == static_cast<std::int32_t>(modulation); }
-  bool LevelsBy(hylden::LevelingMethod method) const { return LevelingMethod == static_cast<std::int32_t>(method); }
+  bool Modulates(Modulation modulation) const { return ModType == modulation; }
+  bool LevelsBy(hylden::LevelingMethod method) const { return LevelingMethod == method; }
   /// Forward or net power holds the level; an unknown code levels by the generator.
   bool LevelsByPower() const {
     return LevelsBy(hylden::LevelingMethod::ForwardPower) || LevelsBy(hylden::LevelingMethod::NetPower);
@@ -68,14 +70,14 @@ void Fields(F& f, TestDefinition& t) {
   f.Double(t.StartFreq);
   f.Double(t.StopFreq);
   f.Flag(t.FreqSweep);
-  f.Int32(t.StepType);
+  f.Code(t.StepType);
   f.Double(t.LinearStep);
   f.Double(t.LogStep);
   f.Double(t.SweepDwell);
   f.Flag(t.FreqList);
   f.Text(t.ListFile);
   f.Double(t.DiscreteDwell);
-  f.Int32(t.ModType);
+  f.Code(t.ModType);
   f.Single(t.AmDepth);
   f.Single(t.AmModFreq);
   f.Single(t.FmDev);
@@ -83,11 +85,11 @@ void Fields(F& f, TestDefinition& t) {
   f.Single(t.PulseWidth);
   f.Single(t.PulsePeriod);
   f.Flag(t.ConstPeak);
-  f.Int32(t.LevelingMode);
+  f.Code(t.LevelingMode);
   f.Single(t.InitLevOffset);
   f.Single(t.LevelInc);
   f.Single(t.InterDwell);
-  f.Int32(t.LevelingMethod);
+  f.Code(t.LevelingMethod);
   f.Flag(t.Extrapolate);
   f.Double(t.ExtrapolateTo);
   f.Flag(t.MonitorProbe);

@@ -8,7 +8,7 @@
 namespace hylden {
 namespace {
 
-constexpr std::int32_t kNoSteps = -1;
+constexpr auto kNoSteps = static_cast<StepType>(-1);
 
 /// The limits of a calibration's range text; nothing when it holds no range.
 std::optional<CalibratedRange> RangeOf(std::string_view range) {
@@ -68,8 +68,8 @@ void FrequencyFields(FormWalker& f, TestDefinition& t) {
   f.Number("txtSweepDwell", t.SweepDwell);
   if (f.Takes()) t.FreqSweep = sweep;
   if (f.Takes() && sweep && steps != kNoSteps) t.StepType = steps;
-  f.Check("txtLinearStep", !sweep || steps != static_cast<int>(StepType::Linear) || t.LinearStep > 0);
-  f.Check("txtLogStep", !sweep || steps != static_cast<int>(StepType::Log) || t.LogStep > 0);
+  f.Check("txtLinearStep", !sweep || steps != StepType::Linear || t.LinearStep > 0);
+  f.Check("txtLogStep", !sweep || steps != StepType::Log || t.LogStep > 0);
   f.Check("txtSweepDwell", !sweep || t.SweepDwell >= 0);
 
   f.Number("txtDiscreteDwell", t.DiscreteDwell);
@@ -86,7 +86,7 @@ void ModulationFields(FormWalker& f, TestDefinition& t) {
   f.Number("txtFmModFreq", t.FmModFreq);
   f.Number("txtPulseWidth", t.PulseWidth);
   f.Number("txtPulsePeriod", t.PulsePeriod);
-  f.Choice({"optNoMod", "optAMMod", "optFMMod", "optPulseMod"}, t.ModType, 0);
+  f.Choice({"optNoMod", "optAMMod", "optFMMod", "optPulseMod"}, t.ModType, Modulation::None);
   f.Uses(!t.Modulates(Modulation::None), {"chkModOffBetweenFreqs"});
   if (f.Uses(t.Modulates(Modulation::Am), {"chkConstPeak", "txtAmDepth", "txtAmModFreq"})) {
     f.Check("txtAmDepth", t.AmDepth > 0 && t.AmDepth <= 100);
@@ -108,9 +108,9 @@ void ModulationFields(FormWalker& f, TestDefinition& t) {
 }
 
 void LevelFields(FormWalker& f, TestDefinition& t) {
-  bool closedLoop = t.LevelingMode == 1;
+  bool closedLoop = t.LevelingMode == LevelingMode::ClosedLoop;
   f.Tick("optRealTimeLevel", closedLoop);
-  if (f.Takes()) t.LevelingMode = closedLoop ? 1 : 0;
+  if (f.Takes()) t.LevelingMode = closedLoop ? LevelingMode::ClosedLoop : LevelingMode::Substitution;
   f.Number("txtInitLevOffset", t.InitLevOffset);
   if (f.Takes() && t.InitLevOffset > 0) t.InitLevOffset = -t.InitLevOffset;
   f.Number("txtLevelInc", t.LevelInc);
@@ -121,7 +121,7 @@ void LevelFields(FormWalker& f, TestDefinition& t) {
   f.Check("txtExtrapolateTo", !t.Extrapolate || t.ExtrapolateTo < 0);
   f.Number("txtInterDwell", t.InterDwell);
   f.Check("txtInterDwell", t.InterDwell >= 0);
-  f.Choice({"optSigGenLevel", "optUseFwdPwr", "optNetPwrLev"}, t.LevelingMethod, 0);
+  f.Choice({"optSigGenLevel", "optUseFwdPwr", "optNetPwrLev"}, t.LevelingMethod, LevelingMethod::SigGen);
   f.Require("chkModOffBetweenFreqs", !t.Modulates(Modulation::Pulse) || t.ModOffBetweenFreqs || !t.LevelsByPower(),
             "The power meter reads the mean of a pulsed signal, which is below its pulses.\r\n"
             "To level by power, pulse modulation has to be off between frequencies.");

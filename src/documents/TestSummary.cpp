@@ -29,9 +29,9 @@ void AddCalibration(Lines& lines, const TestDefinition& test, const CalInfoRec& 
 }
 
 void AddSweep(Lines& lines, const TestDefinition& test) {
-  if (test.StepType == static_cast<int>(StepType::Linear))
+  if (test.StepType == StepType::Linear)
     lines.push_back("          Sweep Type: Linear, step size " + Format(test.LinearStep, kFrequency) + " MHz");
-  if (test.StepType == static_cast<int>(StepType::Log))
+  if (test.StepType == StepType::Log)
     lines.push_back("          Sweep Type: Log, step size " + Format(test.LogStep, "#0.00") + "%");
   lines.push_back(DwellLine(test.SweepDwell));
 }
@@ -47,7 +47,7 @@ void AddFrequencies(Lines& lines, const TestDefinition& test) {
 
 void AddModulation(Lines& lines, const TestDefinition& test) {
   const std::string label = "          Modulation: ";
-  switch (static_cast<Modulation>(test.ModType)) {
+  switch (test.ModType) {
     case Modulation::None:
       break;
     case Modulation::Am:
@@ -80,7 +80,7 @@ void AddLeveling(Lines& lines, const TestDefinition& test) {
   lines.push_back(" Max Level Increment: " + Format(test.LevelInc, kTenths) + "dB");
   lines.push_back("  Intermediate Dwell: " + Format(test.InterDwell, kTenths) + " secs");
   const std::string label = "     Leveling Method: ";
-  switch (static_cast<LevelingMethod>(test.LevelingMethod)) {
+  switch (test.LevelingMethod) {
     case LevelingMethod::SigGen:
       lines.push_back(label + "Signal Generator values");
       break;

@@ -17,7 +17,7 @@ constexpr const char* kLowGainText =
 
 bool StepRunner::RampToTarget() {
   bool reached = false;
-  switch (static_cast<LevelingMethod>(Test().LevelingMethod)) {
+  switch (Test().LevelingMethod) {
     case LevelingMethod::ForwardPower:
       return RampForwardPower();
     case LevelingMethod::NetPower:

@@ -35,7 +35,7 @@ std::string MissingText(const TestDefinition& test, const CalibratedLevels& leve
 }  // namespace
 
 double AmDepthRatio(const TestDefinition& test) {
-  return test.ModType == static_cast<int>(Modulation::Am) ? double{test.AmDepth} / 100 : 0;
+  return test.ModType == Modulation::Am ? double{test.AmDepth} / 100 : 0;
 }
 
 double LevelAdjustment(const TestDefinition& test) {

@@ -51,7 +51,7 @@ void ManualMode::Enter(int step, int highestStep, float constantPeakOffset) {
   constantPeakOffset_ = constantPeakOffset;
   standing_ = {FreqNow(), 0};
   exposedOffset_ = 0;
-  modulationOn_ = run_.documents.testSetup.Definition.ModType != 0 && !run_.modulationSilenced;
+  modulationOn_ = run_.documents.testSetup.Definition.ModType != Modulation::None && !run_.modulationSilenced;
   active_ = true;
   ShowStep();
 }
@@ -163,7 +163,7 @@ Done ManualMode::SwitchModulation(bool on) {
     run_.modulationSilenced = true;
     return sigGen.ModOff().map([&] { modulationOn_ = false; });
   }
-  const bool constantPeak = test.ModType == static_cast<int>(Modulation::Am) && test.ConstPeak;
+  const bool constantPeak = test.ModType == Modulation::Am && test.ConstPeak;
   const Done levelled = constantPeak ? SetLevel() : Done();
   return levelled.and_then([&] { return StepRunner::SwitchModulationOn(sigGen, test); }).map([&] {
     run_.modulationSilenced = false;

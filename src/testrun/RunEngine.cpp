@@ -155,7 +155,7 @@ void RunEngine::OpenManual() {
                           .HighestStep = highestStep_,
                           .LevelOffset = 0,
                           .Freq = run_.steps[static_cast<std::size_t>(currentStep_ - 1)].Freq,
-                          .ModEnabled = test.ModType != 0,
+                          .ModEnabled = test.ModType != Modulation::None,
                           .ModOn = manual_.ModulationIsOn(),
                           .RfOn = run_.instruments.sigGen.RfIsOn()});
   run_.display.Status("Manual Mode");

@@ -78,7 +78,7 @@ bool RunPreparation::LoadCalibration() {
 }
 
 bool RunPreparation::LoadRunFactors(std::vector<PlanStep>& steps) {
-  const bool linear = Test().FreqSweep && Test().StepType == static_cast<int>(StepType::Linear);
+  const bool linear = Test().FreqSweep && Test().StepType == StepType::Linear;
   std::vector<double> frequencies;
   frequencies.reserve(steps.size());
   for (const PlanStep& step : steps) frequencies.push_back(step.Freq);
@@ -154,7 +154,7 @@ bool RunPreparation::InitModulation() {
   const TestDefinition& test = Test();
   SigGen& sigGen = instruments_.sigGen;
   const auto refuse = [&](const char* text) { return guard_.Fail(text, MessageIcon::Critical); };
-  switch (static_cast<Modulation>(test.ModType)) {
+  switch (test.ModType) {
     case Modulation::Am:
       if (!sigGen.AmCapable()) return refuse("Signal generator can't do Amplitude Modulation");
       return guard_.Ok(sigGen.SetAM(test.AmModFreq, test.AmDepth, test.UseAMdepth)) && guard_.Ok(sigGen.AmOn());

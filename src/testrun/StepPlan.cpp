@@ -21,9 +21,8 @@ double RampSeconds(const TestDefinition& test) {
 std::vector<PlanStep> PlanSweep(const TestDefinition& test) {
   std::vector<double> sweep;
   if (!test.FreqSweep) return {};
-  if (test.StepType == static_cast<int>(StepType::Linear))
-    sweep = LinearSweep(test.StartFreq, test.StopFreq, test.LinearStep);
-  if (test.StepType == static_cast<int>(StepType::Log)) sweep = LogSweep(test.StartFreq, test.StopFreq, test.LogStep);
+  if (test.StepType == StepType::Linear) sweep = LinearSweep(test.StartFreq, test.StopFreq, test.LinearStep);
+  if (test.StepType == StepType::Log) sweep = LogSweep(test.StartFreq, test.StopFreq, test.LogStep);
   std::vector<PlanStep> steps;
   steps.reserve(sweep.size());
   for (const double frequency : sweep) steps.push_back({frequency, test.SweepDwell});

@@ -133,7 +133,7 @@ bool StepRunner::ModulationOn() {
   const TestDefinition& test = Test();
   if (!test.ModOffBetweenFreqs) return true;
   SigGen& sigGen = run_.instruments.sigGen;
-  if (test.ModType == static_cast<int>(Modulation::Am) && test.ConstPeak) {
+  if (test.ModType == Modulation::Am && test.ConstPeak) {
     // The carrier drops before the modulation's peaks come on top of it.
     const float level = DriveLevel() + state_.Targets.ConstantPeakOffset;
     if (!run_.guard.Ok(sigGen.SetFreqLevel(state_.Freq, level))) return false;
@@ -146,7 +146,7 @@ bool StepRunner::ModulationOn() {
 }
 
 Done StepRunner::SwitchModulationOn(SigGen& sigGen, const TestDefinition& test) {
-  switch (static_cast<Modulation>(test.ModType)) {
+  switch (test.ModType) {
     case Modulation::Am:
       return sigGen.AmOn();
     case Modulation::Fm:

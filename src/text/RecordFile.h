@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "text/Numbers.h"
@@ -24,6 +25,14 @@ class RecordReader {
   void Text(std::string& field);
   void Int16(std::int16_t& field);
   void Int32(std::int32_t& field);
+  /// A code that is kept as a whole number; one that the program does not know is kept as it is.
+  template <class E>
+  void Code(E& field) {
+    static_assert(std::is_same_v<std::underlying_type_t<E>, std::int32_t>);
+    auto code = static_cast<std::int32_t>(field);
+    Int32(code);
+    field = static_cast<E>(code);
+  }
   void Single(float& field);
   void Double(double& field);
   void Flag(bool& field);
@@ -63,6 +72,10 @@ class RecordWriter {
   void Text(const std::string& field);
   void Int16(std::int16_t field);
   void Int32(std::int32_t field);
+  template <class E>
+  void Code(E field) {
+    Int32(static_cast<std::int32_t>(field));
+  }
   void Single(float field);
   void Double(double field);
   void Flag(bool field);

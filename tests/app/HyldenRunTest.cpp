@@ -458,12 +458,12 @@ TEST_P(HyldenRunEveryday, CalibratesAndTestsToItsEnd) {
                    "0.15, 0.05\r\n" + std::to_string(GetParam().cableLossEndsAt) + ", 1.4\r\n");
   CalSetupRecord setup;
   LoadRecord(station + "/cdn-10v.csu", setup);
-  setup.StepType = 0, setup.LinearStep = 1;
+  setup.StepType = StepType::Linear, setup.LinearStep = 1;
   SaveRecord(station + "/everyday.csu", setup, true);
   TestDefinition test;
   LoadRecord(station + "/substitution-am.tst", test);
   test.CalInfoFile = "everyday.hyinfo";
-  test.StopFreq = 230, test.StepType = 0, test.LinearStep = 1, test.MonitorProbe = true;
+  test.StopFreq = 230, test.StepType = StepType::Linear, test.LinearStep = 1, test.MonitorProbe = true;
   SaveRecord(station + "/everyday.tst", test);
 
   const std::vector<std::string> bench = {"--equipment", "station.eqp",    "--bench",
@@ -492,7 +492,7 @@ INSTANTIATE_TEST_SUITE_P(, HyldenRunEveryday,
 TEST_F(HyldenRunCalibration, TestsByItsRecordLeavingOutTheStepBeyondIt) {
   TestDefinition test;
   LoadRecord(std::string(kStation) + "/substitution-am.tst", test);
-  test.StopFreq = 230, test.StepType = 0, test.LinearStep = 1;
+  test.StopFreq = 230, test.StepType = StepType::Linear, test.LinearStep = 1;
   SaveRecord(directory_.File("everyday.tst"), test);
   const Outcome outcome = HyldenRun(
       OnTheBench({"--test", directory_.File("everyday.tst"), "--output", directory_.File("everyday.run")}, {"--yes"}));
@@ -502,8 +502,9 @@ TEST_F(HyldenRunCalibration, TestsByItsRecordLeavingOutTheStepBeyondIt) {
 }
 
 TEST_F(HyldenRunCalibration, TakesTheCouplingFactorOfTheSetupUnlessItIsGivenOne) {
-  const std::string setup = Setup(
-      [](CalSetupRecord& s) { s.LogStep = 200, s.CalLevel = 1, s.CouplingMethod = 3, s.UserDefinedFactor = 9.5F; });
+  const std::string setup = Setup([](CalSetupRecord& s) {
+    s.LogStep = 200, s.CalLevel = 1, s.CouplingMethod = CouplingMethod::UserDefined, s.UserDefinedFactor = 9.5F;
+  });
   const auto description = [&](const std::vector<std::string>& more) {
     const Outcome outcome = HyldenRun(Level(setup, more));
     EXPECT_EQ(outcome.status, kFinished) << outcome.output;
@@ -538,7 +539,8 @@ TEST_F(HyldenRunCalibration, KeepsAnInfoFileThatHasComeMeanwhileAndSavesBothFile
 }
 
 TEST_F(HyldenRunCalibration, PrintsThePointThatIsTooFewForARecord) {
-  const std::string narrow = Setup([](CalSetupRecord& s) { s.StepType = 0, s.LinearStep = 1, s.StopFreq = 0.2; });
+  const std::string narrow =
+      Setup([](CalSetupRecord& s) { s.StepType = StepType::Linear, s.LinearStep = 1, s.StopFreq = 0.2; });
   const Outcome outcome = HyldenRun(Level(narrow, {"--yes"}));
   EXPECT_EQ(outcome.status, kFailed);
   EXPECT_NE(outcome.output.find("No data to save"), std::string::npos);
@@ -596,9 +598,11 @@ TEST_F(HyldenRunCalibration, SwitchesNothingOnUnasked) {
        kFailed,
        "has to move the power sensor"},
       {"a factor that is none",
-       Level(Setup([](CalSetupRecord& s) { s.CouplingMethod = 3; }), {"--yes", "--coupling-factor", "nan"}), kFailed,
-       "--coupling-factor: the value is not a number"},
-      {"a method without its factor", Level(Setup([](CalSetupRecord& s) { s.CouplingMethod = 3; }), {"--yes"}), kFailed,
+       Level(Setup([](CalSetupRecord& s) { s.CouplingMethod = CouplingMethod::UserDefined; }),
+             {"--yes", "--coupling-factor", "nan"}),
+       kFailed, "--coupling-factor: the value is not a number"},
+      {"a method without its factor",
+       Level(Setup([](CalSetupRecord& s) { s.CouplingMethod = CouplingMethod::UserDefined; }), {"--yes"}), kFailed,
        "give it with --coupling-factor"},
       {"no calibration setup", Level("bench.txt", {"--yes"}), kFailed, "Error loading calibration setup file"},
       {"a setup that can't be run", Level(Setup([](CalSetupRecord& s) { s.StopFreq = 0.1; }), {"--yes"}), kFailed,

@@ -20,13 +20,13 @@ CableSetup OneToTen() {
   CableSetup setup;
   setup.StartFreq = 1;
   setup.StopFreq = 10;
-  setup.StepType = 0;
+  setup.StepType = StepType::Linear;
   setup.LinearStep = 1;
   return setup;
 }
 
 void Log(CableSetup& setup) {
-  setup.StepType = 1;
+  setup.StepType = StepType::Log;
 }
 
 std::optional<EntryFailure> Validate(const FormEntries& entries) {
@@ -127,12 +127,12 @@ class CableTest : public testing::Test {
 
 TEST_F(CableTest, ThePlanIsAnother) {
   EXPECT_THAT(Frequencies(), ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9, 10));
-  cable.Setup.StepType = 1;
+  cable.Setup.StepType = StepType::Log;
   cable.Setup.LogStep = 50;
   cable.Setup.StopFreq = 2;
   EXPECT_TRUE(cable.BuildPlan());
   EXPECT_THAT(Frequencies(), ElementsAre(1, 1.5, 2));
-  cable.Setup.StepType = 2;
+  cable.Setup.StepType = StepType::List;
   cable.Setup.StopFreq = 6;
   cable.Setup.ListFile = rig.t.directory.Write("a.lst", "0.5\r\n1\r\n6\r\n3\r\n7\r\n4\r\n");
   EXPECT_TRUE(cable.BuildPlan());

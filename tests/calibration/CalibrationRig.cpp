@@ -7,14 +7,14 @@ namespace hylden {
 CalibrationRig::CalibrationRig() {
   setup.StartFreq = 1;
   setup.StopFreq = 4;
-  setup.StepType = 1;
+  setup.StepType = StepType::Log;
   setup.LogStep = 100;
   setup.CalLevel = 1;
   setup.MaxLevel = 10;
   setup.MaxStep = 20;
   setup.InitLevel = -10;
   setup.Dwell = 0.5;
-  setup.CouplingMethod = 2;
+  setup.CouplingMethod = CouplingMethod::CurrentClampDirect;
   setup.SetupDescription = "1 V";
 }
 

@@ -57,7 +57,7 @@ TEST_F(LevelCalibrationTest, TheLargestStepIsExceededOrHoldsBackFallingSteps) {
 TEST_F(LevelCalibrationTest, ThePhysicsIsNotFollowed) {
   rig.portDb = 131.9;
   rig.setup.InitLevel = -40;
-  rig.setup.CouplingMethod = 3;
+  rig.setup.CouplingMethod = CouplingMethod::UserDefined;
   rig.setup.UserDefinedFactor = 3.1F;
   rig.Run();
   EXPECT_EQ(rig.level.Outcome(), RunOutcome::Finished);
@@ -68,7 +68,7 @@ TEST_F(LevelCalibrationTest, ThePhysicsIsNotFollowed) {
 }
 
 TEST_F(LevelCalibrationTest, TheLevelCurveIsNotFollowed) {
-  rig.setup.LimitType = 1;
+  rig.setup.LimitType = LimitType::File;
   rig.setup.LimitFile = rig.t.directory.Write("curve.lev", "1 1\r\n4 3\r\n");
   rig.Run();
   std::vector<std::string> targets;
@@ -134,7 +134,7 @@ TEST_F(LevelCalibrationTest, ARunEndsWithAnotherMessageOrRfOnOrPointsLost) {
        "The meter's answer holds no number:\r\n\"?\"", 1},
       {[](auto& r) { r.setup.MaxLevel = 100, r.setup.InitLevel = 13, r.levels = {120.1}; },
        "The level found is above the signal generator's maximum level, check setup", 0},
-      {[](auto& r) { r.setup.RecordRevPwr = 1, r.equipment.AmpConfiguration = 0; },
+      {[](auto& r) { r.setup.RecordRevPwr = 1, r.equipment.AmpConfiguration = AmpConfig::Single; },
        "Equipment file says power meter not configured for reverse power readings.", 1},
   };
   for (const EndCase& c : cases) {
@@ -229,7 +229,7 @@ TEST_F(LevelCalibrationTest, AnIfiPairIsSwitchedOrSensedWrongly) {
   rig.setup.RecordFwdPwr = 1;
   rig.setup.StartFreq = 1.5;
   rig.setup.StopFreq = 3;
-  rig.setup.StepType = 0;
+  rig.setup.StepType = StepType::Linear;
   rig.setup.LinearStep = 1.5;
   rig.portDb = 129.25;  // at the level at once
   rig.Run();
@@ -246,11 +246,11 @@ TEST_F(LevelCalibrationTest, AnIfiPairIsSwitchedOrSensedWrongly) {
 
 TEST_F(LevelCalibrationTest, SensorsSplitByBandAreReadOnTheWrongChannelOrMoved) {
   rig.UseIfi();
-  rig.equipment.AmpConfiguration = static_cast<int>(AmpConfig::DualSplit);
+  rig.equipment.AmpConfiguration = AmpConfig::DualSplit;
   rig.setup.RecordFwdPwr = 1;
   rig.setup.StartFreq = 1.5;
   rig.setup.StopFreq = 3;
-  rig.setup.StepType = 0;
+  rig.setup.StepType = StepType::Linear;
   rig.setup.LinearStep = 1.5;
   rig.Run();
   EXPECT_EQ(rig.t.dialogs.messages.size(), 1U);

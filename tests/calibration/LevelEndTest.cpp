@@ -43,14 +43,14 @@ TEST_F(LevelEndTest, ARunStartsWithoutPlanOrTables) {
       {[](auto& r) { r.equipment.FwdPortFile = Short(r); }, {"Forward port file does not cover frequency range"}},
       {[](auto& r) { r.equipment.RevPortFile = ""; }, {"Error loading reverse coupling port file"}},
       {[](auto& r) { r.equipment.RevPortFile = Short(r); }, {"Reverse port file does not cover frequency range"}},
-      {[](auto& r) { r.setup.StepType = 2, r.setup.ListFile = r.t.directory.Write("x.lst", "Freq\r\n"); },
+      {[](auto& r) { r.setup.StepType = StepType::List, r.setup.ListFile = r.t.directory.Write("x.lst", "Freq\r\n"); },
        {"Bad data in frequency list file", "Error, no frequencies to calibrate? Check setup."}},
   };
   for (const NotReadyCase& c : cases) {
     SCOPED_TRACE(c.texts.back());
     CalibrationRig refused;
     refused.setup.RecordFwdPwr = refused.setup.RecordRevPwr = 1;
-    refused.setup.LimitType = 1;
+    refused.setup.LimitType = LimitType::File;
     refused.setup.LimitFile = refused.t.directory.Write("curve.lev", "1 1\r\n4 3\r\n");
     c.arrange(refused);
     EXPECT_FALSE(refused.level.Prepare());
@@ -158,7 +158,7 @@ TEST_F(LevelEndTest, ARowThatIsIncompleteSpoilsTheRecord) {
   rig.setup.RecordRevPwr = 1;
   rig.levels = {120.25, 120.25, 120.25};
   rig.onMeterRead = [&, reads = 0](double) mutable {
-    if (++reads == 3) rig.equipment.AmpConfiguration = 0;
+    if (++reads == 3) rig.equipment.AmpConfiguration = AmpConfig::Single;
   };
   rig.t.dialogs.AnswerSave(rig.t.directory.File("a.cal"));
   rig.Run();
@@ -185,7 +185,7 @@ TEST_F(LevelEndTest, AFailedSaveLosesThePoints) {
 }
 
 TEST_F(LevelEndTest, OnePointMakesARecord) {
-  rig.setup.StepType = 0;
+  rig.setup.StepType = StepType::Linear;
   rig.setup.LinearStep = 10;
   rig.t.dialogs.AnswerSave(rig.t.directory.File("a.cal"));
   rig.Run();

@@ -45,7 +45,7 @@ class LevelPlanTest : public testing::Test {
  protected:
   LevelPlanTest() { rig.t.dialogs.AnswerSave(rig.t.directory.File("a.cal")); }
   /// Steps of 2 MHz from 1 to 4.5: the last of the three is at 5 MHz.
-  void UseLinear() { rig.setup.StopFreq = 4.5, rig.setup.StepType = 0, rig.setup.LinearStep = 2; }
+  void UseLinear() { rig.setup.StopFreq = 4.5, rig.setup.StepType = StepType::Linear, rig.setup.LinearStep = 2; }
   std::string Record() const { return rig.t.directory.Read("a.cal") + rig.t.directory.Read("a.hyinfo"); }
   void HaltAt(double frequencyMHz) {
     rig.onMeterRead = [this, frequencyMHz](double) {
@@ -79,7 +79,7 @@ TEST_F(LevelPlanTest, ARoundedLastPointThatIsNotCoveredIsLeftOutAndToldOnce) {
 }
 
 TEST_F(LevelPlanTest, ACurveThatGivesNoLevelIsToldWithItsFile) {
-  rig.setup.LimitType = 1;
+  rig.setup.LimitType = LimitType::File;
   for (const char* const curve : {"0 1\r\n3 3\r\n5 3\r\n", "1 -1\r\n5 -1\r\n", "1 0\r\n5 0\r\n"}) {
     rig.setup.LimitFile = rig.t.directory.Write("curve.lev", curve);
     EXPECT_FALSE(rig.level.Prepare());
@@ -89,7 +89,7 @@ TEST_F(LevelPlanTest, ACurveThatGivesNoLevelIsToldWithItsFile) {
 }
 
 TEST_F(LevelPlanTest, AFallingListMakesARisingRecord) {
-  rig.setup.StepType = 2;
+  rig.setup.StepType = StepType::List;
   rig.setup.ListFile = rig.t.directory.Write("a.lst", "4\r\n2\r\n1\r\n");
   rig.Run();
   EXPECT_THAT(Record(), AllOf(StartsWith("1.0,"), HasSubstr("\r\n2.0,"), HasSubstr("\r\n4.0,")));

@@ -78,7 +78,7 @@ TEST(TargetTest, TheWantedLevelIsAnother) {
   CalSetupRecord setup;
   setup.CalLevel = 10;
   EXPECT_NEAR(TargetDbuv(setup, curve, 5).value(), 140, 1e-6);
-  setup.LimitType = 1;
+  setup.LimitType = LimitType::File;
   ASSERT_TRUE(curve.InitInterp(t.directory.Write("curve.lev", "1 1\r\n100 3\r\n")));
   EXPECT_NEAR(TargetDbuv(setup, curve, 10).value(), 126.0206, 1e-4);  // midway on a log scale
   EXPECT_FALSE(TargetDbuv(setup, curve, 101));

@@ -14,7 +14,7 @@ class RunSafetyTest : public testing::Test {
  protected:
   void SetUp() override {
     CableSetup& cable = rig.cable.Setup;
-    cable.StartFreq = 1, cable.StopFreq = 4, cable.StepType = 1, cable.LogStep = 100;
+    cable.StartFreq = 1, cable.StopFreq = 4, cable.StepType = StepType::Log, cable.LogStep = 100;
     ASSERT_TRUE(rig.cable.BuildPlan());
   }
 

@@ -23,7 +23,7 @@ class CalForms : public testing::Test {
   void SetUp() override {
     m.LoadStation();
     ASSERT_TRUE(Cal().LoadDef("cdn-10v.csu"));
-    Cal().Record.StartFreq = 1, Cal().Record.StopFreq = 3, Cal().Record.StepType = 0;
+    Cal().Record.StartFreq = 1, Cal().Record.StopFreq = 3, Cal().Record.StepType = StepType::Linear;
     Cal().Saved = Cal().Record;
   }
   CalSetup& Cal() { return m.station.documents.calSetup; }
@@ -64,21 +64,18 @@ TEST_F(CalForms, FirstOpeningShowsUsableDefaults) {
 
 TEST_F(CalForms, EveryEntryComesBackFromTheForm) {
   CalSetupRecord& setup = Cal().Record;
-  setup.StepType = 2, setup.ListFile = "radio-services.lst", setup.LinearStep = 2, setup.LogStep = 3;
-  setup.LimitType = 1, setup.LimitFile = "stepped.lev", setup.CalLevel = 7, setup.MaxLevel = -5, setup.MaxStep = 4;
-  setup.InitLevel = -41, setup.RecordFwdPwr = setup.RecordRevPwr = setup.LimitFwdPwr = 1, setup.FwdPwrLimit = 12;
-  setup.Dwell = 0.5, setup.CouplingMethod = 3, setup.UserDefinedFactor = 2.5F, setup.AmpUsed = "A",
-  setup.DeviceDescription = "D";
+  setup.StepType = StepType::List, setup.LinearStep = setup.LogStep = 0;
+  setup.ListFile = "radio-services.lst";
+  setup.LimitType = LimitType::File, setup.CalLevel = 0, setup.LimitFile = "stepped.lev";
+  setup.MaxLevel = -5, setup.MaxStep = 4, setup.InitLevel = -41;
+  setup.RecordFwdPwr = setup.RecordRevPwr = setup.LimitFwdPwr = 1, setup.FwdPwrLimit = 12;
+  setup.Dwell = 0.5, setup.CouplingMethod = CouplingMethod::UserDefined, setup.UserDefinedFactor = 2.5F;
+  setup.AmpUsed = "A", setup.DeviceDescription = "D";
+  const CalSetupRecord shown = setup;
   const auto form = OpenSetup();
-  const std::string before = m.directory.File("before.csu"), after = m.directory.File("after.csu");
-  SaveRecord(before, setup);
-  setup.Dwell = 9, setup.CouplingMethod = 0, setup.AmpUsed = setup.ListFile = setup.LimitFile = "";
-  setup.StepType = setup.LimitType = setup.RecordFwdPwr = setup.RecordRevPwr = setup.LimitFwdPwr = 0;
-  setup.StartFreq = setup.StopFreq = 1;
-  setup.MaxLevel = setup.MaxStep = setup.InitLevel = setup.FwdPwrLimit = setup.UserDefinedFactor = 0;
+  setup = {};
   ASSERT_TRUE(form->FormToSetup(true)) << dialogs.LastText();
-  SaveRecord(after, setup);
-  EXPECT_EQ(ReadLines(after), ReadLines(before));
+  EXPECT_EQ(RecordText(setup), RecordText(shown));
 }
 
 TEST_F(CalForms, InvalidEntryIsShownOnItsPage) {
@@ -293,7 +290,7 @@ class CableForms : public CalForms {
   void SetUp() override {
     CalForms::SetUp();
     CableSetup& setup = calibration.Setup;
-    setup.StartFreq = 1, setup.StopFreq = 2, setup.StepType = 1, setup.LogStep = 50;
+    setup.StartFreq = 1, setup.StopFreq = 2, setup.StepType = StepType::Log, setup.LogStep = 50;
     ASSERT_TRUE(calibration.BuildPlan());
   }
   std::unique_ptr<frmRunCablCal> OpenPasses() {

@@ -28,7 +28,7 @@ class CalibrationDesktop : public testing::Test {
     ASSERT_TRUE(desktop->Start("\"/e:station.eqp\""));
     ASSERT_TRUE(m.station.documents.calSetup.LoadDef("cdn-10v.csu"));
     CalSetupRecord& setup = m.station.documents.calSetup.Record;
-    setup.StartFreq = 1, setup.StopFreq = 3, setup.StepType = 0;
+    setup.StartFreq = 1, setup.StopFreq = 3, setup.StepType = StepType::Linear;
   }
   void TearDown() override {
     desktop.reset();

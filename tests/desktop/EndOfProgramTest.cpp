@@ -36,7 +36,7 @@ class Program {
     m.LoadTest("substitution-am.tst");
     EXPECT_TRUE(m.station.documents.calSetup.LoadDef("cdn-10v.csu"));
     CalSetupRecord& setup = m.station.documents.calSetup.Record;
-    setup.StartFreq = 1, setup.StopFreq = 3, setup.StepType = 0;
+    setup.StartFreq = 1, setup.StopFreq = 3, setup.StepType = StepType::Linear;
     m.station.documents.calSetup.Saved = setup;
   }
   ~Program() {

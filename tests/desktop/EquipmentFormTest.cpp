@@ -61,8 +61,8 @@ class EquipmentFormTest : public testing::Test {
 };
 
 TEST_F(EquipmentFormTest, ShowsTheStation) {
-  Record().AmpConfiguration = 2;
-  Record().AmplifierType = 1;
+  Record().AmpConfiguration = AmpConfig::DualSplit;
+  Record().AmplifierType = AmpType::Ifi;
   Record().IfiPower = true;
   Record().CableLossFile = "/lab/cable.los";
   frmEquipment& f = Open();

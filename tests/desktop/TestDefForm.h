@@ -24,17 +24,17 @@ inline TestDefinition GoodDefinition(const TempDir& directory) {
   d.CalInfoFile = directory.File("cal.hyinfo");
   d.StartFreq = 0.2, d.StopFreq = 80;
   d.FreqSweep = true;
-  d.StepType = 1;
+  d.StepType = StepType::Log;
   d.LinearStep = 0.5, d.LogStep = 1.25, d.SweepDwell = 2;
   d.FreqList = true;
   d.ListFile = directory.File("list.lst");
   d.DiscreteDwell = 3;
-  d.ModType = 1;
+  d.ModType = Modulation::Am;
   d.AmDepth = 60, d.AmModFreq = 1, d.FmDev = 4, d.FmModFreq = 5, d.PulseWidth = 6, d.PulsePeriod = 7;
   d.ConstPeak = d.ModOffBetweenFreqs = d.UseAMdepth = true;
-  d.LevelingMode = 1;
+  d.LevelingMode = LevelingMode::ClosedLoop;
   d.InitLevOffset = -8, d.LevelInc = 9, d.InterDwell = 0.25F;
-  d.LevelingMethod = 2;
+  d.LevelingMethod = LevelingMethod::NetPower;
   d.Extrapolate = true;
   d.ExtrapolateTo = -1.5;
   d.MonitorProbe = d.LimitCurrent = true;
@@ -67,7 +67,7 @@ class TestDefForm : public testing::Test {
     EquipRecord& equip = documents.equip.Record;
     equip.SigGenFile = equip.MeterFile = equip.PwrMtrFile = "x";
     equip.CableLossFile = equip.FwdPortFile = equip.RevPortFile = "x";
-    equip.AmpConfiguration = static_cast<std::int32_t>(AmpConfig::DualFwdRev);
+    equip.AmpConfiguration = AmpConfig::DualFwdRev;
   }
 
   TestDefinition& test() { return documents.testSetup.Definition; }

@@ -15,13 +15,15 @@ TEST_F(TestDefForm, AControlShowsOrFillsAnotherField) {
   TestDefinition other = GoodDefinition(t.directory);
   other.FreqSweep = other.ConstPeak = other.ModOffBetweenFreqs = other.UseAMdepth = false;
   other.Extrapolate = other.LimitCurrent = false;
-  other.StepType = 0;  // kept only while the sweep is on
-  other.ModType = 2, other.LevelingMethod = 1, other.LevelingMode = 0;
+  other.StepType = StepType::Linear;  // kept only while the sweep is on
+  other.ModType = Modulation::Fm, other.LevelingMethod = LevelingMethod::ForwardPower,
+  other.LevelingMode = LevelingMode::Substitution;
   TestDefinition third = other;
   third.FreqSweep = true, third.FreqList = false;
-  third.ModType = 3, third.LevelingMethod = 0, third.ModOffBetweenFreqs = third.LimitCurrent = true;
+  third.ModType = Modulation::Pulse, third.LevelingMethod = LevelingMethod::SigGen,
+  third.ModOffBetweenFreqs = third.LimitCurrent = true;
   TestDefinition plain = third;
-  plain.ModType = 0;
+  plain.ModType = Modulation::None;
   for (const TestDefinition& shown : {GoodDefinition(t.directory), other, third, plain}) {
     t.dialogs.Clear();
     test() = shown;
@@ -34,7 +36,8 @@ TEST_F(TestDefForm, AControlShowsOrFillsAnotherField) {
 }
 
 TEST_F(TestDefForm, ACodeThatNoOptionStandsForSelectsOne) {
-  test().StepType = 5, test().ModType = 9, test().LevelingMethod = 7, test().LevelingMode = 4;
+  test().StepType = static_cast<StepType>(5), test().ModType = static_cast<Modulation>(9),
+  test().LevelingMethod = static_cast<LevelingMethod>(7), test().LevelingMode = static_cast<LevelingMode>(4);
   for (const char* option : {"optLinStep", "optLogStep", "optNoMod", "optAMMod", "optFMMod", "optPulseMod",
                              "optSigGenLevel", "optUseFwdPwr", "optNetPwrLev", "optRealTimeLevel"})
     EXPECT_FALSE(Ticked(option)) << option;
@@ -86,9 +89,9 @@ TEST_P(TestDefBox, ABadEntryStartsATestOrAnotherBoxIsShown) {
   for (const std::string& text : c.outOfRange) ExpectPrompt(text, kOutOfRange);
 }
 
-const auto kLinear = [](TestDefinition& d) { d.StepType = 0; };
-const auto kFm = [](TestDefinition& d) { d.ModType = 2; };
-const auto kPulse = [](TestDefinition& d) { d.ModType = 3; };
+const auto kLinear = [](TestDefinition& d) { d.StepType = StepType::Linear; };
+const auto kFm = [](TestDefinition& d) { d.ModType = Modulation::Fm; };
+const auto kPulse = [](TestDefinition& d) { d.ModType = Modulation::Pulse; };
 
 INSTANTIATE_TEST_SUITE_P(
     Boxes, TestDefBox,
@@ -119,7 +122,8 @@ TEST_F(TestDefForm, ANumberInAnotherSpellingIsRefusedOrMisread) {
 }
 
 TEST_F(TestDefForm, PulsesThatThePowerMeterAveragesAreToldAtAnotherBox) {
-  test().ModType = 3, test().LevelingMethod = 1, test().ModOffBetweenFreqs = false;
+  test().ModType = Modulation::Pulse, test().LevelingMethod = LevelingMethod::ForwardPower,
+  test().ModOffBetweenFreqs = false;
   Open();
   Find<QTabWidget>("tabSetup").setCurrentIndex(3);
   EXPECT_THAT(Told("cmdStart"), ElementsAre(testing::StartsWith("The power meter reads the mean of a pulsed signal")));
@@ -224,7 +228,7 @@ TEST_F(TestDefForm, AnIncompleteStationStartsOrAnotherPageOfTheEquipmentOpens) {
   EquipRecord& equip = documents.equip.Record;
   equip.RevPortFile.clear();
   EXPECT_THAT(Told("cmdStart"), ElementsAre("No reverse coupler port file has been selected"));
-  equip.AmpConfiguration = 0;
+  equip.AmpConfiguration = AmpConfig::Single;
   EXPECT_THAT(Told("cmdStart"),
               ElementsAre("A dual-channel power meter must be selected\r\nfor a net-power type test."));
   EXPECT_THAT(requests().equipmentTabs, ElementsAre(1, 0));

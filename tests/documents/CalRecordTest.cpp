@@ -14,7 +14,7 @@
 namespace hylden {
 namespace {
 
-const CalInfoRec kInfo{"BCI, 10 V", "Amp \"A\"", "CDN-M2", "10v", "0.15 - 80", 1};
+const CalInfoRec kInfo{"BCI, 10 V", "Amp \"A\"", "CDN-M2", "10v", "0.15 - 80", CouplingMethod::CurrentClamp50Ohm};
 
 class CalRecordTest : public testing::Test {
  protected:

@@ -20,7 +20,7 @@ CalSetupRecord TenVolts() {
   CalSetupRecord setup;
   setup.StartFreq = 0.15;
   setup.StopFreq = 80;
-  setup.StepType = 1;
+  setup.StepType = StepType::Log;
   setup.LinearStep = 0.5;
   setup.LogStep = 1;
   setup.ListFile = "/lists/x.lst";
@@ -109,12 +109,12 @@ TEST_F(CalSetupTest, TheFormOpensWithOtherThanItsDefaults) {
 
 TEST_F(CalSetupTest, ACodeWithoutAnOptionChangesTheOptions) {
   CalSetupRecord odd = TenVolts(), before = odd;
-  odd.StepType = 3;
-  odd.LimitType = -1;
-  odd.CouplingMethod = 4;
-  before.StepType = 2;
-  before.LimitType = 1;
-  before.CouplingMethod = 3;
+  odd.StepType = static_cast<StepType>(3);
+  odd.LimitType = static_cast<LimitType>(-1);
+  odd.CouplingMethod = static_cast<CouplingMethod>(4);
+  before.StepType = StepType::List;
+  before.LimitType = LimitType::File;
+  before.CouplingMethod = CouplingMethod::UserDefined;
   const FormEntries shown = EntriesShowing(before);
   const CalSetupShown now = EntriesOf(odd, &shown);
   EXPECT_EQ(now.Messages, (std::vector<std::string>{"Error in Calsetup file, \r\nBad value for frequency step type",
@@ -146,15 +146,15 @@ void Limited(CalSetupRecord& setup) {
   setup.RecordFwdPwr = setup.LimitFwdPwr = 1;
 }
 void OwnFactor(CalSetupRecord& setup) {
-  setup.CouplingMethod = 3;
+  setup.CouplingMethod = CouplingMethod::UserDefined;
   setup.UserDefinedFactor = 9.5;
 }
 void Linear(CalSetupRecord& setup) {
-  setup.StepType = 0;
+  setup.StepType = StepType::Linear;
 }
 void Lists(CalSetupRecord& setup) {
-  setup.StepType = 2;
-  setup.LimitType = 1;
+  setup.StepType = StepType::List;
+  setup.LimitType = LimitType::File;
 }
 
 TEST(CalSetupValidation, ABadEntryIsTakenOrTheWrongBoxIsShown) {
@@ -230,7 +230,7 @@ TEST(CalSetupValidation, ClosingTheFormLosesWhatWasTyped) {
   EXPECT_EQ(setup.StartFreq, -5);
   EXPECT_EQ(setup.StopFreq, 80);
   EXPECT_EQ(setup.MaxLevel, 7);
-  EXPECT_EQ(setup.StepType, 1);
+  EXPECT_EQ(setup.StepType, StepType::Log);
   EXPECT_EQ(setup.AmpUsed, "another");
   EXPECT_EQ(setup.UserDefinedFactor, 11);
 }
@@ -259,7 +259,7 @@ TEST(CalSetupControls, ABoxThatIsNotUsedCanBeTypedInto) {
     void (*change)(CalSetupRecord&);
     const char* used;
   } rows[] = {{Linear, "txtLinearStep txtCalLevel"},
-              {[](auto& s) { s.StepType = 1, s.LimitType = 1; }, "txtLogStep lblLimitFile"},
+              {[](auto& s) { s.StepType = StepType::Log, s.LimitType = LimitType::File; }, "txtLogStep lblLimitFile"},
               {Lists, "lblListFile lblLimitFile"},
               {Limited, "txtLogStep txtCalLevel txtFwdPwrLimit"},
               {OwnFactor, "txtLogStep txtCalLevel txtUserDefCF"}};
@@ -277,7 +277,7 @@ TEST(CheckStation, ACalibrationStartsWithoutWhatItNeeds) {
   EquipRecord all;
   all.SigGenFile = all.MeterFile = all.PwrMtrFile = "x";
   all.CableLossFile = all.FwdPortFile = all.RevPortFile = "x";
-  all.AmpConfiguration = 1;
+  all.AmpConfiguration = AmpConfig::DualFwdRev;
   CalSetupRecord plain = TenVolts(), forward = plain, both = plain;
   plain.RecordFwdPwr = 0;
   both.RecordRevPwr = 1;
@@ -296,7 +296,7 @@ TEST(CheckStation, ACalibrationStartsWithoutWhatItNeeds) {
        "The power meter must be selected for this calibration", 0},
       {forward, [](EquipRecord& e) { e.FwdPortFile = e.CableLossFile = ""; },
        "No forward coupler port file has been selected", 1},
-      {both, [](EquipRecord& e) { e.AmpConfiguration = 2, e.RevPortFile = ""; },
+      {both, [](EquipRecord& e) { e.AmpConfiguration = AmpConfig::DualSplit, e.RevPortFile = ""; },
        "Power Meter must be dual channel for this calibration", 0},
       {both, [](EquipRecord& e) { e.RevPortFile = e.CableLossFile = ""; },
        "No reverse coupler port file has been selected", 1},
@@ -313,8 +313,9 @@ TEST(CheckStation, ACalibrationStartsWithoutWhatItNeeds) {
 }
 
 TEST(CouplingFactor, AMethodHasAnotherFactor) {
-  const double factors[] = {15.5, 6, 0, 9.25};
-  for (int method = 0; method < 4; ++method) EXPECT_EQ(CouplingFactorDb(method, 9.25F), factors[method]) << method;
+  const double factors[] = {15.5, 6, 0, 9.25, 0};
+  for (int code = 0; code < 5; ++code)
+    EXPECT_EQ(CouplingFactorDb(static_cast<CouplingMethod>(code), 9.25F), factors[code]) << code;
 }
 
 TEST(CalInfoOfSetup, TheRecordTellsAnotherCalibration) {
@@ -324,10 +325,10 @@ TEST(CalInfoOfSetup, TheRecordTellsAnotherCalibration) {
   EXPECT_EQ(info.TestLevel, "3v");
   EXPECT_EQ(info.FreqRange, "0.15 - 80");
   EXPECT_EQ(info.DeviceDescription, "CDN M2, no. 4711");
-  setup.LimitType = 1;
+  setup.LimitType = LimitType::File;
   EXPECT_EQ(CalInfoOf(setup).TestLevel, "/levels/y.lev");
   EXPECT_EQ(info.SetupDescription, "10 V");
-  setup.CouplingMethod = 3;
+  setup.CouplingMethod = CouplingMethod::UserDefined;
   setup.UserDefinedFactor = 9.1F;
   EXPECT_EQ(CalInfoOf(setup).SetupDescription, "10 V, coupling factor 9.1 dB");
   setup.SetupDescription = "";

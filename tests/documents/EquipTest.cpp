@@ -22,10 +22,10 @@ EquipRecord Station() {
   station.MeterAddress = 13;
   station.PwrMtrFile = "/lab/power.pm";
   station.PwrMtrAddress = 5;
-  station.AmpConfiguration = static_cast<int>(AmpConfig::DualSplit);
+  station.AmpConfiguration = AmpConfig::DualSplit;
   station.PmBandSwitch = 0.5;
   station.CableLossFile = "cable.los";
-  station.AmplifierType = static_cast<int>(AmpType::Ifi);
+  station.AmplifierType = AmpType::Ifi;
   station.IfiPower = true;
   station.IfiBandSwitch = 215;
   return station;
@@ -124,7 +124,7 @@ TEST_F(EquipTest, StartAsksForTheDefinitionsThatTheRunNeeds) {
   EXPECT_EQ(CheckStart(test, equip).value().Text, "The meter definition could not be loaded:\r\n/lab/meter.mtr");
   EXPECT_EQ(CheckStation(setup, equip).value().Text, "The meter definition could not be loaded:\r\n/lab/meter.mtr");
   test.MonitorProbe = false;
-  test.LevelingMethod = 1;
+  test.LevelingMethod = LevelingMethod::ForwardPower;
   EXPECT_EQ(CheckStart(test, equip).value().Text, "The power meter definition could not be loaded:\r\n/lab/power.pm");
   instruments.meter.PutDefinition({});
   EXPECT_FALSE(CheckStation(setup, equip));
@@ -208,7 +208,7 @@ TEST_F(EquipTest, ABadAddressIsTaken) {
                       {"1,5", Kind::NotANumber},
                       {"x", Kind::NotANumber}};
   equip.Record = Station();
-  equip.Record.AmplifierType = 0;
+  equip.Record.AmplifierType = AmpType::Generic;
   struct Box {
     const char* control;
     std::string EquipmentEntries::*entry;

@@ -18,13 +18,13 @@ TestDefinition AmSweep() {
   test.StartFreq = 0.15;
   test.StopFreq = 80;
   test.FreqSweep = true;
-  test.StepType = 1;
+  test.StepType = StepType::Log;
   test.LinearStep = 0.5;
   test.LogStep = 1;
   test.SweepDwell = 2;
   test.ListFile = "/lists/x.lst";
   test.DiscreteDwell = 3;
-  test.ModType = 1;
+  test.ModType = Modulation::Am;
   test.AmDepth = 80;
   test.AmModFreq = 1;
   test.FmDev = 10;
@@ -151,7 +151,7 @@ TEST_F(TestSetupTest, AReadOnlyFileIsTakenAsWritable) {
 
 TEST_F(TestSetupTest, TheSummaryTellsAnotherTest) {
   setup.Definition = AmSweep();
-  calInfo.Record = {"CDN calibration", "Amp", "CDN-M2", "10v", "0.15 - 80", 0};
+  calInfo.Record = {"CDN calibration", "Amp", "CDN-M2", "10v", "0.15 - 80", CouplingMethod::Clamp150Ohm};
   EXPECT_EQ(Summary(),
             "                 Test Run Parameters\r\n"
             "\r\n"
@@ -178,14 +178,14 @@ TEST_F(TestSetupTest, ALineOfTheSummaryDependsOnTheWrongField) {
   };
   const Row rows[] = {
       {" Levels in calibration file adjusted down by -3.0dB", [](auto& d) { d.Extrapolate = true; }},
-      {"          Sweep Type: Linear, step size 0.5 MHz", [](auto& d) { d.StepType = 0; }},
+      {"          Sweep Type: Linear, step size 0.5 MHz", [](auto& d) { d.StepType = StepType::Linear; }},
       {"       Discrete List: /lists/x.lst\r\n               Dwell: 3.0 secs", [](auto& d) { d.FreqList = true; }},
       {"          Modulation: AM 1.0 kHz 80.0%, Constant Peak", [](auto& d) { d.ConstPeak = true; }},
-      {"          Modulation: FM 0.4 kHz Freq, 10.0 kHz deviation", [](auto& d) { d.ModType = 2; }},
-      {"          Modulation: Pulse 4.6mS period, 1.0mS width", [](auto& d) { d.ModType = 3; }},
+      {"          Modulation: FM 0.4 kHz Freq, 10.0 kHz deviation", [](auto& d) { d.ModType = Modulation::Fm; }},
+      {"          Modulation: Pulse 4.6mS period, 1.0mS width", [](auto& d) { d.ModType = Modulation::Pulse; }},
       {"Mod off between freqs, using AM depth.", [](auto& d) { d.UseAMdepth = true; }},
-      {"     Leveling Method: Forward Power", [](auto& d) { d.LevelingMethod = 1; }},
-      {"     Leveling Method: Net Power", [](auto& d) { d.LevelingMethod = 2; }},
+      {"     Leveling Method: Forward Power", [](auto& d) { d.LevelingMethod = LevelingMethod::ForwardPower; }},
+      {"     Leveling Method: Net Power", [](auto& d) { d.LevelingMethod = LevelingMethod::NetPower; }},
       {" Probe feedback used during test but not used to limit induced level.\r\n   Circuit Impedance: 150.0 ohms",
        [](auto& d) { d.MonitorProbe = true; }},
       {" Probe feedback used during test to limit induced level 2.0dB relative to test level.",

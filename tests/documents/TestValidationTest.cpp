@@ -22,7 +22,7 @@ TestDefinition Good() {
   test.StartFreq = 0.15;
   test.StopFreq = 80;
   test.FreqSweep = true;
-  test.StepType = 1;
+  test.StepType = StepType::Log;
   test.LogStep = 1;
   test.ListFile = "x.lst";
   return test;
@@ -42,15 +42,15 @@ std::optional<EntryFailure> Validate(FormEntries& entries) {
 }
 
 void Am(TestDefinition& test) {
-  test.ModType = 1;
+  test.ModType = Modulation::Am;
   test.AmDepth = test.AmModFreq = 1;
 }
 void Fm(TestDefinition& test) {
-  test.ModType = 2;
+  test.ModType = Modulation::Fm;
   test.FmDev = test.FmModFreq = 1;
 }
 void Pulse(TestDefinition& test) {
-  test.ModType = 3;
+  test.ModType = Modulation::Pulse;
   test.PulsePeriod = test.PulseWidth = 1;
 }
 void Probe(TestDefinition& test) {
@@ -62,7 +62,7 @@ TEST(TestValidationTest, ABadEntryIsTakenOrTheWrongBoxIsShown) {
       {{}, "txtStartFreq", "0"},
       {{}, "txtStopFreq", ".15"},
       {[](auto& t) { t.StopFreq = 400; }, "txtStartFreq", "300"},
-      {[](auto& t) { t.StepType = 0; }, "txtLinearStep", "0"},
+      {[](auto& t) { t.StepType = StepType::Linear; }, "txtLinearStep", "0"},
       {{}, "txtLogStep", "-1"},
       {{}, "txtSweepDwell", "-1"},
       {[](auto& t) { t.FreqList = true; }, "txtDiscreteDwell", "-1"},
@@ -129,10 +129,11 @@ TEST(TestValidationTest, AMissingChoiceGivesTheWrongMessage) {
 }
 
 TEST(TestValidationTest, PulsesThatThePowerMeterAveragesAreLevelledByPower) {
-  for (const int method : {0, 1, 2})
-    for (const int modulation : {0, 1, 2, 3})
+  for (const auto method : {LevelingMethod::SigGen, LevelingMethod::ForwardPower, LevelingMethod::NetPower})
+    for (const auto modulation : {Modulation::None, Modulation::Am, Modulation::Fm, Modulation::Pulse})
       for (const bool offBetween : {false, true}) {
-        SCOPED_TRACE(testing::Message() << method << " " << modulation << " " << offBetween);
+        SCOPED_TRACE(testing::Message() << static_cast<int>(method) << " " << static_cast<int>(modulation) << " "
+                                        << offBetween);
         TestDefinition test = Good();
         for (const auto change : {Am, Fm, Pulse}) change(test);
         test.LevelingMethod = method;
@@ -140,7 +141,8 @@ TEST(TestValidationTest, PulsesThatThePowerMeterAveragesAreLevelledByPower) {
         test.ModOffBetweenFreqs = offBetween;
         FormEntries entries = EntriesShowing(test);
         const auto failure = Validate(entries);
-        ASSERT_EQ(failure.has_value(), method > 0 && modulation == 3 && !offBetween);
+        ASSERT_EQ(failure.has_value(),
+                  method != LevelingMethod::SigGen && modulation == Modulation::Pulse && !offBetween);
         if (!failure) continue;
         EXPECT_EQ(failure->Control, "chkModOffBetweenFreqs");
         EXPECT_TRUE(failure->Text.starts_with("The power meter reads the mean of a pulsed signal"));
@@ -183,16 +185,16 @@ TEST(TestValidationTest, AnEntryIsStoredDifferently) {
   entries["txtEUTCircuitImpedance"] = "not asked for";
   entries["txtLimitMargin"] = "-3";
   TestDefinition test;
-  test.LevelingMethod = 7;
-  test.ModType = 9;
+  test.LevelingMethod = static_cast<LevelingMethod>(7);
+  test.ModType = static_cast<Modulation>(9);
   test.EUTCircuitImpedance = 150;
   test.Spare3 = "old";
   ASSERT_FALSE(ValidateTestDefinition(entries, kRange, test).Failure);
   EXPECT_EQ(test.InitLevOffset, -6);
   EXPECT_EQ(test.LevelInc, 2);
-  EXPECT_EQ(test.LevelingMethod, 0);
-  EXPECT_EQ(test.ModType, 0);
-  EXPECT_EQ(test.LevelingMode, 1);
+  EXPECT_EQ(test.LevelingMethod, LevelingMethod::SigGen);
+  EXPECT_EQ(test.ModType, Modulation::None);
+  EXPECT_EQ(test.LevelingMode, LevelingMode::ClosedLoop);
   EXPECT_EQ(test.DiscreteDwell, 1000);
   EXPECT_EQ(test.EUTCircuitImpedance, 150);
   EXPECT_EQ(test.LimitMargin, -3);
@@ -201,11 +203,11 @@ TEST(TestValidationTest, AnEntryIsStoredDifferently) {
 
 TEST(TestValidationTest, TheEdgeOfARangeIsRefused) {
   const std::function<void(TestDefinition&)> changes[] = {
-      [](auto& t) { t.ModType = 1, t.AmDepth = 100, t.AmModFreq = 0.001F; },
-      [](auto& t) { t.ModType = 3, t.PulsePeriod = 1, t.PulseWidth = 5; },  // wider than its period
+      [](auto& t) { t.ModType = Modulation::Am, t.AmDepth = 100, t.AmModFreq = 0.001F; },
+      [](auto& t) { t.ModType = Modulation::Pulse, t.PulsePeriod = 1, t.PulseWidth = 5; },  // wider than its period
       [](auto& t) { t.StopFreq = 230; },
       [](auto& t) { t.MonitorProbe = true; },
-      [](auto& t) { t.StepType = 5; },
+      [](auto& t) { t.StepType = static_cast<StepType>(5); },
   };
   for (const auto& change : changes) {
     TestDefinition test = Good();
@@ -277,7 +279,7 @@ TEST(TestValidationTest, AControlIsEnabledWrongly) {
 TEST(TestValidationTest, ATestStartsWithoutWhatItNeeds) {
   TestDefinition test;
   test.MonitorProbe = true;
-  test.LevelingMethod = static_cast<int>(LevelingMethod::NetPower);
+  test.LevelingMethod = LevelingMethod::NetPower;
   EquipRecord station;
   const auto expect = [&](const char* text, int tab) {
     const auto failure = CheckStart(test, station);
@@ -297,18 +299,18 @@ TEST(TestValidationTest, ATestStartsWithoutWhatItNeeds) {
   expect("No forward coupler port file has been selected", 1);
   station.FwdPortFile = "x";
   expect(dual, 0);
-  station.AmpConfiguration = static_cast<int>(AmpConfig::DualSplit);
+  station.AmpConfiguration = AmpConfig::DualSplit;
   expect(dual, 0);
-  station.AmpConfiguration = static_cast<int>(AmpConfig::DualFwdRev);
+  station.AmpConfiguration = AmpConfig::DualFwdRev;
   expect("No reverse coupler port file has been selected", 1);
   station.RevPortFile = "x";
   EXPECT_FALSE(CheckStart(test, station));
 
-  test.LevelingMethod = static_cast<int>(LevelingMethod::ForwardPower);
+  test.LevelingMethod = LevelingMethod::ForwardPower;
   station.RevPortFile = "";
-  station.AmpConfiguration = static_cast<int>(AmpConfig::Single);
+  station.AmpConfiguration = AmpConfig::Single;
   EXPECT_FALSE(CheckStart(test, station));
-  test.LevelingMethod = static_cast<int>(LevelingMethod::SigGen);
+  test.LevelingMethod = LevelingMethod::SigGen;
   test.MonitorProbe = false;
   EquipRecord generatorOnly;
   generatorOnly.SigGenFile = "x";
@@ -323,7 +325,7 @@ TEST(TestValidationTest, ARunStartsWithABandSwitchThatTheAmplifierDoesNotHave) {
   for (const bool ifi : {false, true})
     for (const double bandSwitch : {0.0, 199.9, 200.0, 230.0, 230.1, std::nan("")}) {
       SCOPED_TRACE(testing::Message() << ifi << ": " << bandSwitch);
-      station.AmplifierType = ifi ? 1 : 0;
+      station.AmplifierType = ifi ? AmpType::Ifi : AmpType::Generic;
       station.IfiBandSwitch = bandSwitch;
       const bool good = !ifi || (bandSwitch >= 200 && bandSwitch <= 230);
       EXPECT_EQ(!CheckStart(test, station), good);

@@ -58,7 +58,7 @@ void ExpectReplayed(BenchStation& station, const std::string& testFile, const st
   station.Test().CalInfoFile = infoFile;
   ASSERT_TRUE(station.documents.calInfo.LoadDef(infoFile));
   station.Test().LogStep = 2;
-  station.Test().ModType = 0;
+  station.Test().ModType = Modulation::None;
   station.Test().ConstPeak = station.Test().ModOffBetweenFreqs = false;
   int levelled = 0;
   station.display.onRow = [&](int row) {
@@ -81,7 +81,7 @@ TEST(CalibrationLoop, CableThenLevelThenTestAgreeWithThePhysics) {
   CableSetup& cableSetup = station.cable.Setup;
   cableSetup.StartFreq = 0.15;
   cableSetup.StopFreq = 230;
-  cableSetup.StepType = 1;
+  cableSetup.StepType = StepType::Log;
   cableSetup.LogStep = 3;
   cableSetup.Level = -10;
   ASSERT_TRUE(station.cable.BuildPlan());
@@ -151,7 +151,7 @@ class IfiCalibration : public testing::TestWithParam<AmpConfig> {};
 
 TEST_P(IfiCalibration, BothBandsAreCalibratedWithTheSensorInTheRightPlace) {
   BenchStation station("ifi-station.eqp", LittleNoise);
-  station.documents.equip.Record.AmpConfiguration = static_cast<std::int32_t>(GetParam());
+  station.documents.equip.Record.AmpConfiguration = GetParam();
   station.station.EquipBench();
   station.Setup().StartFreq = 190;
   station.Setup().RecordRevPwr = GetParam() == AmpConfig::DualFwdRev ? 1 : 0;

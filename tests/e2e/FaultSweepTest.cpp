@@ -79,10 +79,10 @@ void FiveSteps(BenchStation& station) {
   TestDefinition& test = station.Test();
   test.StartFreq = 20;
   test.StopFreq = 24;
-  test.StepType = 0;
+  test.StepType = StepType::Linear;
   test.LinearStep = 1;
   test.SweepDwell = 0.5;
-  test.ModType = static_cast<std::int32_t>(Modulation::Am);
+  test.ModType = Modulation::Am;
   test.AmDepth = 80;
   test.AmModFreq = 1;
   test.ModOffBetweenFreqs = true;
@@ -103,7 +103,7 @@ void ThreePoints(BenchStation& station) {
   CalSetupRecord& setup = station.Setup();
   setup.StartFreq = 20;
   setup.StopFreq = 22;
-  setup.StepType = 0;
+  setup.StepType = StepType::Linear;
   setup.LinearStep = 1;
   setup.RecordFwdPwr = setup.RecordRevPwr = setup.LimitFwdPwr = 1;
   setup.FwdPwrLimit = 25;
@@ -113,7 +113,7 @@ void ThreeCablePoints(BenchStation& station) {
   CableSetup& setup = station.cable.Setup;
   setup.StartFreq = 20;
   setup.StopFreq = 22;
-  setup.StepType = 0;
+  setup.StepType = StepType::Linear;
   setup.LinearStep = 1;
   setup.Level = -10;
   ASSERT_TRUE(station.cable.BuildPlan());

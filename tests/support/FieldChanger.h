@@ -16,6 +16,11 @@ class FieldChanger {
   void OptionalText(std::string& field) { Text(field); }
   void Int16(std::int16_t& field) { Add(field, std::int16_t{1}); }
   void Int32(std::int32_t& field) { Add(field, 1); }
+  /// A code that the program does not know.
+  template <class E>
+  void Code(E& field) {
+    if (Due()) field = static_cast<E>(static_cast<std::int32_t>(field) + 77);
+  }
   void Single(float& field) { Add(field, 0.25F); }
   void Double(double& field) { Add(field, 0.125); }
   void Flag(bool& field) {

@@ -25,7 +25,7 @@ class StationRig : public TestStation {
     const TempDir& files = t.directory;
     equipment.CableLossFile = files.Write("cable.los", "0.1 1\r\n1000 1\r\n1001 2\r\n");
     equipment.FwdPortFile = equipment.RevPortFile = files.Write("port.fac", "0.1 0\r\n1000 0\r\n1001 1\r\n");
-    equipment.AmpConfiguration = static_cast<int>(AmpConfig::DualFwdRev);
+    equipment.AmpConfiguration = AmpConfig::DualFwdRev;
     Redefine(pm, [](auto& d) { d.Bandswitch = 2, d.SettlingTime = 0.1F; });
     Redefine(meter, [](auto& d) { d.MaximumLevel = 140, d.MinimumLevel = -200, d.SettlingTime = 0.1F; });
   }
@@ -33,7 +33,7 @@ class StationRig : public TestStation {
 
   /// Gives the station a pair of IFI amplifiers.
   void UseIfi(double bandSwitchMHz = 2) {
-    equipment.AmplifierType = static_cast<int>(AmpType::Ifi);
+    equipment.AmplifierType = AmpType::Ifi;
     equipment.IfiBandSwitch = bandSwitchMHz;
   }
   /// How often the text was shown in a message.

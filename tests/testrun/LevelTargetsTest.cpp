@@ -12,13 +12,13 @@ namespace {
 
 TestDefinition Method(int method) {
   TestDefinition test;
-  test.LevelingMethod = method;
+  test.LevelingMethod = static_cast<LevelingMethod>(method);
   return test;
 }
 
 TestDefinition Am(float depth, bool offBetweenFreqs, bool constPeak) {
   TestDefinition test = Method(1);
-  test.ModType = 1;
+  test.ModType = Modulation::Am;
   test.AmDepth = depth;
   test.ModOffBetweenFreqs = offBetweenFreqs;
   test.ConstPeak = constPeak;
@@ -29,7 +29,7 @@ TEST(LevelTargets, ModulationDuringLevellingRaisesThePowerTargets) {
   EXPECT_NEAR(PowerCorrection(Am(80, false, false)), 1.2057, 1e-4);
   EXPECT_EQ(PowerCorrection(Am(80, true, false)), 0);
   TestDefinition pulse = Am(80, false, false);
-  pulse.ModType = 3;
+  pulse.ModType = Modulation::Pulse;
   EXPECT_EQ(PowerCorrection(pulse), 0);
 }
 
@@ -37,7 +37,7 @@ TEST(LevelTargets, ConstantPeakDropsTheCarrierForAmOnly) {
   EXPECT_NEAR(ConstPeakOffset(Am(80, true, true)), -5.105F, 1e-3);
   EXPECT_EQ(ConstPeakOffset(Am(80, true, false)), 0);
   TestDefinition fm = Am(80, true, true);
-  fm.ModType = 2;
+  fm.ModType = Modulation::Fm;
   EXPECT_EQ(ConstPeakOffset(fm), 0);
 }
 

@@ -437,7 +437,7 @@ TEST_F(ManualTest, ElapsedAndRemainingTimeLeaveManualModeOut) {
     SCOPED_TRACE(minutes);
     RunRig timed;
     timed.test.StopFreq = 3;
-    timed.test.StepType = 0;
+    timed.test.StepType = StepType::Linear;
     timed.test.LinearStep = 0.25;
     ASSERT_EQ(timed.Prepare(), RunReadiness::Ready);
     timed.t.events.onYield = [&, asked = false]() mutable {

@@ -325,14 +325,14 @@ TEST_F(RunEndTest, AnInstrumentThatDoesNotComeUpEndsTheRunBeforeRfIsOn) {
        "Error initializing signal generator"},
       {[](auto& r) { Redefine(r.sigGen, [](auto& d) { d.LevSetPrefix = d.LevSetSuffix = ""; }); },
        "Error initializing signal generator"},
-      {[](auto& r) { r.test.ModType = 3, Redefine(r.sigGen, [](auto& d) { d.PulseCapable = 0; }); },
+      {[](auto& r) { r.test.ModType = Modulation::Pulse, Redefine(r.sigGen, [](auto& d) { d.PulseCapable = 0; }); },
        "Signal generator can't do Pulse Modulation"},
-      {[](auto& r) { r.test.ModType = 2, Redefine(r.sigGen, [](auto& d) { d.FmCapable = 0; }); },
+      {[](auto& r) { r.test.ModType = Modulation::Fm, Redefine(r.sigGen, [](auto& d) { d.FmCapable = 0; }); },
        "Signal generator can't do Frequency Modulation"},
-      {[](auto& r) { r.test.LevelingMethod = 1, r.bus.FailLine("FIND 7", gpib::kEnol); },
+      {[](auto& r) { r.test.LevelingMethod = LevelingMethod::ForwardPower, r.bus.FailLine("FIND 7", gpib::kEnol); },
        "Error initializing Power Meter"},
       {[](auto& r) { r.test.MonitorProbe = true, r.bus.FailLine("FIND 13", gpib::kEnol); }, "Error initializing meter"},
-      {[](auto& r) { r.equipment.AmplifierType = 1, r.bus.FailLine("> 10 8", gpib::kEabo); },
+      {[](auto& r) { r.equipment.AmplifierType = AmpType::Ifi, r.bus.FailLine("> 10 8", gpib::kEabo); },
        "Error initializing IFI amp"},
   };
   for (const RefusalCase& c : cases) {

@@ -89,7 +89,7 @@ TEST_F(LevellingTest, ARunThatCannotBeLevelledEndsWithItsMessageBeforeTheLevelIs
        "Warning, amplifier gain is more than 3dB lower\r\nthan it should be.  Check setup.", -6.5},
       {[](auto& r) { r.UsePower(kNet), r.returnLossDb = 0; },
        "Error, reverse power reading greater than forward power,\r\ncheck setup carefully.", -28},
-      {[](auto& r) { r.UsePower(kNet), r.equipment.AmpConfiguration = static_cast<int>(AmpConfig::Single); },
+      {[](auto& r) { r.UsePower(kNet), r.equipment.AmpConfiguration = AmpConfig::Single; },
        "Power meter not defined as dual-channel, check setup", -70},
       {[](auto& r) {
          r.UsePower(kForward), r.t.directory.Write("bench.cal", "1,-10,120,na,na,\r\n4,-6,120,na,na,\r\n");
@@ -238,7 +238,7 @@ TEST_F(LevellingTest, GainThatComesBackFindsNoStepAboveItsCalibratedLevel) {
     RunRig recovering;
     recovering.UsePower(method);
     recovering.test.InitLevOffset = 0;
-    recovering.test.StepType = 0;
+    recovering.test.StepType = StepType::Linear;
     recovering.test.LinearStep = 0.05;
     recovering.test.StopFreq = 1.05;
     recovering.gainErrorDb[1] = -2.9;

@@ -15,7 +15,7 @@ struct RunPreparationTest : testing::Test {
   /// Fixed steps of 2 MHz from 1 to 6: the number of steps is rounded up to 4, so the last one is at 7 MHz.
   RunPreparationTest() {
     rig.test.StopFreq = 6;
-    rig.test.StepType = 0;
+    rig.test.StepType = StepType::Linear;
     rig.test.LinearStep = 2;
     Record("1,-10,120,40,30,\r\n5,-8,120,42,32,\r\n8,-6,120,44,34,\r\n");
   }

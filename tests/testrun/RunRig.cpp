@@ -20,7 +20,7 @@ void RunRig::Run() {
 }
 
 void RunRig::UseAm(bool offBetween, bool constPeak) {
-  test.ModType = static_cast<int>(Modulation::Am);
+  test.ModType = Modulation::Am;
   test.AmDepth = 80;
   test.AmModFreq = 1;
   test.ModOffBetweenFreqs = offBetween;
@@ -39,7 +39,7 @@ void RunRig::DefineTest() {
   test.StartFreq = 1;
   test.StopFreq = 4;
   test.FreqSweep = true;
-  test.StepType = 1;
+  test.StepType = StepType::Log;
   test.LogStep = 100;
   test.SweepDwell = 2;
   test.InitLevOffset = -12;

@@ -43,7 +43,7 @@ class RunRig : public StationRig {
   /// Prepares and runs.
   void Run();
   RunReadiness Prepare() { return engine.Prepare(); }
-  void UsePower(LevelingMethod method) { test.LevelingMethod = static_cast<int>(method); }
+  void UsePower(LevelingMethod method) { test.LevelingMethod = method; }
   void UseAm(bool offBetween, bool constPeak);
   /// Does something when the display shows this status for the n-th time.
   void AtStatus(const std::string& status, std::function<void()> action, int n = 1);

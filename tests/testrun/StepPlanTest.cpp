@@ -14,7 +14,7 @@ namespace {
 TestDefinition Sweep(int type, double start, double stop, double step) {
   TestDefinition test;
   test.FreqSweep = true;
-  test.StepType = type;
+  test.StepType = static_cast<StepType>(type);
   test.StartFreq = start;
   test.StopFreq = stop;
   test.LinearStep = test.LogStep = step;

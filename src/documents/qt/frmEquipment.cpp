@@ -309,12 +309,12 @@ void frmEquipment::EnableAmplifierControls() {
 }
 
 void frmEquipment::SetConfiguration(AmpConfig configuration) {
-  equip_.Record.AmpConfiguration = static_cast<std::int32_t>(configuration);
+  equip_.Record.AmpConfiguration = configuration;
   EnableAmplifierControls();
 }
 
 void frmEquipment::SetAmplifierType(AmpType type) {
-  equip_.Record.AmplifierType = static_cast<std::int32_t>(type);
+  equip_.Record.AmplifierType = type;
   EnableAmplifierControls();
 }
 
