@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "instruments/Instruments.h"
-#include "shell/FormInput.h"
+#include "shell/FormFields.h"
 #include "shell/Shell.h"
 #include "text/RecordFile.h"
 
@@ -17,18 +17,6 @@ constexpr const char *kSigGenBox = "txtSigGenAddr", *kMeterBox = "txtMeterAddr",
 /// A shorter path counts as none.
 constexpr std::size_t kShortestPath = 2;
 
-/// Takes an instrument's address from its box.
-std::optional<EntryFailure> TakeAddress(const char* control, const std::string& file, const std::string& text,
-                                        std::int16_t& address) {
-  if (file.size() < kShortestPath) return std::nullopt;
-  if (!IsNumeric(text)) return EntryFailure{control, EntryFailure::Kind::NotANumber};
-  const double number = ToDouble(text);
-  if (number < kLowestAddress || number > kHighestAddress || number != NearestWhole(number))
-    return EntryFailure{control, EntryFailure::Kind::OutOfRange};
-  address = ToInt16(text);
-  return std::nullopt;
-}
-
 std::string RangeText(double lowest, double highest, const char* unit) {
   return "from " + ShortestText(lowest) + " to " + ShortestText(highest) + unit;
 }
@@ -37,8 +25,10 @@ std::string BandSwitchRange() {
   return RangeText(EquipRecord::kLowestBandSwitchMHz, EquipRecord::kHighestBandSwitchMHz, " MHz");
 }
 
-std::string AddressText(const std::string& file, std::int16_t address) {
-  return file.empty() ? "" : std::to_string(address);
+/// An instrument's definition and address.
+void InstrumentFields(FormWalker& f, const char* label, std::string file, const char* box, std::int16_t& address) {
+  if (f.Uses(file.size() >= kShortestPath, {})) f.Number(box, address, WholeWithin(kLowestAddress, kHighestAddress));
+  f.Text(label, file);
 }
 
 }  // namespace
@@ -50,21 +40,35 @@ std::optional<StartFailure> CheckAmplifier(const EquipRecord& equipment) {
                       kAmplifierTab};
 }
 
-EquipmentEntries EntriesOf(const EquipRecord& record) {
-  EquipmentEntries entries;
-  entries.SigGenAddress = AddressText(record.SigGenFile, record.SigGenAddress);
-  entries.MeterAddress = AddressText(record.MeterFile, record.MeterAddress);
-  entries.PwrMtrAddress = AddressText(record.PwrMtrFile, record.PwrMtrAddress);
-  entries.IfiBandSwitch = ShortestText(record.IfiBandSwitch);
-  entries.Configuration = record.AmpConfiguration;
-  entries.Type = record.AmplifierType;
-  entries.IfiPower = record.IfiPower;
-  entries.IfiAtten = record.IfiAtten;
-  entries.CableLossFile = record.CableLossFile;
-  entries.FwdPortFile = record.FwdPortFile;
-  entries.RevPortFile = record.RevPortFile;
-  entries.MaxPowerFile = record.MaxPowerFile;
-  entries.ProbeFile = record.ProbeFile;
+void FormFields(FormWalker& f, EquipRecord& e) {
+  InstrumentFields(f, "lblSigGen", e.SigGenFile, kSigGenBox, e.SigGenAddress);
+  InstrumentFields(f, "lblMeter", e.MeterFile, kMeterBox, e.MeterAddress);
+  InstrumentFields(f, "lblPwrMtr", e.PwrMtrFile, kPwrMtrBox, e.PwrMtrAddress);
+  auto type = e.HasIfiAmplifier() ? AmpType::Ifi : AmpType::Generic;
+  f.Choice({"optGenericAmp", "optIFIAmp"}, type);
+  if (f.Uses(type == AmpType::Ifi, {kBandSwitchBox, "chkIfiPwr", "chkIfiAtten"})) {
+    f.Number(kBandSwitchBox, e.IfiBandSwitch);
+    if (f.Takes()) e.PmBandSwitch = e.IfiBandSwitch;  // amplifier and power meter change their band together
+    f.Check(kBandSwitchBox, e.IfiBandSwitch >= EquipRecord::kLowestBandSwitchMHz &&
+                                e.IfiBandSwitch <= EquipRecord::kHighestBandSwitchMHz);
+  }
+  f.Text("lblCalCable", e.CableLossFile);
+  f.Text("lblFwdPort", e.FwdPortFile);
+  f.Text("lblRevPort", e.RevPortFile);
+  f.Text("lblMaxPower", e.MaxPowerFile);
+  f.Text("lblProbeFile", e.ProbeFile);
+  f.Choice({"optSingle", "optDualFwdRev", "optDualSplit"}, e.AmpConfiguration);
+  // A code that the program does not know stands for a generic amplifier, and stays.
+  if (f.Takes() && (type == AmpType::Ifi) != e.HasIfiAmplifier()) e.AmplifierType = type;
+  f.Tick("chkIfiPwr", e.IfiPower);
+  f.Tick("chkIfiAtten", e.IfiAtten);
+}
+
+FormEntries EntriesOf(const EquipRecord& record) {
+  FormEntries entries = EntriesShowing(record);
+  if (record.SigGenFile.empty()) entries[kSigGenBox] = "";
+  if (record.MeterFile.empty()) entries[kMeterBox] = "";
+  if (record.PwrMtrFile.empty()) entries[kPwrMtrBox] = "";
   return entries;
 }
 
@@ -84,14 +88,6 @@ std::string BadEntryText(const EntryFailure& failure, const EquipRecord& station
     if (failure.Control == entry.control)
       text += "\r\nThe " + std::string(entry.name) + ", " + ShortestText(entry.value) + ", is not " + entry.range;
   return text;
-}
-
-bool SameEntries(const EquipmentEntries& a, const EquipmentEntries& b) {
-  return SameEntry(a.SigGenAddress, b.SigGenAddress) && SameEntry(a.MeterAddress, b.MeterAddress) &&
-         SameEntry(a.PwrMtrAddress, b.PwrMtrAddress) && SameEntry(a.IfiBandSwitch, b.IfiBandSwitch) &&
-         a.Configuration == b.Configuration && a.Type == b.Type && a.IfiPower == b.IfiPower &&
-         a.IfiAtten == b.IfiAtten && a.CableLossFile == b.CableLossFile && a.FwdPortFile == b.FwdPortFile &&
-         a.RevPortFile == b.RevPortFile && a.MaxPowerFile == b.MaxPowerFile && a.ProbeFile == b.ProbeFile;
 }
 
 int Equip::LoadDef(const std::string& path) {
@@ -134,39 +130,8 @@ std::optional<StartFailure> Equip::CheckDefinitions(bool meter, bool powerMeter)
   return powerMeter ? missing(instruments_.pm, Record.PwrMtrFile) : std::nullopt;
 }
 
-std::optional<EntryFailure> Equip::TakeEntries(const EquipmentEntries& entries) {
-  if (auto failure = TakeAddresses(entries)) return failure;
-  if (entries.Type == AmpType::Ifi)
-    if (auto failure = TakeBandSwitch(entries.IfiBandSwitch)) return failure;
-  Record.CableLossFile = entries.CableLossFile;
-  Record.FwdPortFile = entries.FwdPortFile;
-  Record.RevPortFile = entries.RevPortFile;
-  Record.MaxPowerFile = entries.MaxPowerFile;
-  Record.ProbeFile = entries.ProbeFile;
-  Record.AmpConfiguration = entries.Configuration;
-  Record.AmplifierType = entries.Type;
-  Record.IfiPower = entries.IfiPower;
-  Record.IfiAtten = entries.IfiAtten;
-  return std::nullopt;
-}
-
-std::optional<EntryFailure> Equip::TakeAddresses(const EquipmentEntries& entries) {
-  if (auto failure = TakeAddress(kSigGenBox, Record.SigGenFile, entries.SigGenAddress, Record.SigGenAddress))
-    return failure;
-  if (auto failure = TakeAddress(kMeterBox, Record.MeterFile, entries.MeterAddress, Record.MeterAddress))
-    return failure;
-  return TakeAddress(kPwrMtrBox, Record.PwrMtrFile, entries.PwrMtrAddress, Record.PwrMtrAddress);
-}
-
-std::optional<EntryFailure> Equip::TakeBandSwitch(const std::string& text) {
-  if (!IsNumeric(text)) return EntryFailure{kBandSwitchBox, EntryFailure::Kind::NotANumber};
-  const double bandSwitch = ToDouble(text);
-  // Amplifier and power meter change their band together.
-  Record.IfiBandSwitch = bandSwitch;
-  Record.PmBandSwitch = bandSwitch;
-  if (!(bandSwitch >= EquipRecord::kLowestBandSwitchMHz && bandSwitch <= EquipRecord::kHighestBandSwitchMHz))
-    return EntryFailure{kBandSwitchBox, EntryFailure::Kind::OutOfRange};
-  return std::nullopt;
+std::optional<EntryFailure> Equip::TakeEntries(const FormEntries& entries) {
+  return hylden::TakeEntries(entries, Record);
 }
 
 }  // namespace hylden

@@ -12,16 +12,6 @@ namespace hylden {
 class Shell;
 struct Instruments;
 
-/// What the equipment form holds when it is applied: its texts and choices.
-struct EquipmentEntries {
-  std::string SigGenAddress, MeterAddress, PwrMtrAddress;
-  std::string IfiBandSwitch;
-  AmpConfig Configuration = AmpConfig::Single;
-  AmpType Type = AmpType::Generic;
-  bool IfiPower = false, IfiAtten = false;
-  std::string CableLossFile, FwdPortFile, RevPortFile, MaxPowerFile, ProbeFile;
-};
-
 /// A check before a run that failed: the message, and the tab of the equipment form where it is mended.
 struct StartFailure {
   std::string Text;
@@ -31,11 +21,9 @@ struct StartFailure {
 /// The check that every run with the station's amplifier begins with: its band switch.
 std::optional<StartFailure> CheckAmplifier(const EquipRecord& equipment);
 /// The entries that show a record.
-EquipmentEntries EntriesOf(const EquipRecord& record);
+FormEntries EntriesOf(const EquipRecord& record);
 /// Tells of an entry of a loaded station that can't be used: file, entry, value and range.
 std::string BadEntryText(const EntryFailure& failure, const EquipRecord& station, const std::string& file);
-/// Whether both stand for the same values.
-bool SameEntries(const EquipmentEntries& a, const EquipmentEntries& b);
 
 /// The station's equipment configuration and its file.
 class Equip {
@@ -52,9 +40,9 @@ class Equip {
   /// @return the first one whose file could not be loaded
   std::optional<StartFailure> CheckDefinitions(bool meter, bool powerMeter) const;
   /// The form's entries as the record has them: what a freshly opened form would show.
-  EquipmentEntries Entries() const { return EntriesOf(Record); }
+  FormEntries Entries() const { return EntriesOf(Record); }
   /// Checks the entries in the form's order and takes them into the record, up to the first failure.
-  std::optional<EntryFailure> TakeEntries(const EquipmentEntries& entries);
+  std::optional<EntryFailure> TakeEntries(const FormEntries& entries);
 
   EquipRecord Record;
   /// What was loaded or saved last.
@@ -63,9 +51,6 @@ class Equip {
   std::string EquipFileName;
 
  private:
-  std::optional<EntryFailure> TakeAddresses(const EquipmentEntries& entries);
-  std::optional<EntryFailure> TakeBandSwitch(const std::string& text);
-
   Shell& shell_;
   const Instruments& instruments_;
   FilesBeside files_;

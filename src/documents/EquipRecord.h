@@ -7,6 +7,8 @@
 
 namespace hylden {
 
+class FormWalker;
+
 /// How amplifier power is measured.
 enum class AmpConfig : std::int32_t { Single = 0, DualFwdRev = 1, DualSplit = 2 };
 enum class AmpType : std::int32_t { Generic = 0, Ifi = 1 };
@@ -66,6 +68,9 @@ void Fields(F& f, EquipRecord& e) {
   f.Double(e.IfiBandSwitch);
   f.SpareLines(9);
 }
+
+/// The fields of frmEquipment. The definitions are shown only: choosing one loads it.
+void FormFields(FormWalker& f, EquipRecord& e);
 
 /// The fields that name other files.
 inline std::vector<std::string*> FileFields(EquipRecord& r) {

@@ -33,7 +33,7 @@ EquipRecord Station() {
 
 class EquipTest : public testing::Test {
  protected:
-  std::optional<EntryFailure> Apply(const EquipmentEntries& entries) { return equip.TakeEntries(entries); }
+  std::optional<EntryFailure> Apply(const FormEntries& entries) { return equip.TakeEntries(entries); }
 
   TestShell t;
   Instruments instruments{t.shell};
@@ -211,21 +211,20 @@ TEST_F(EquipTest, ABadAddressIsTaken) {
   equip.Record.AmplifierType = AmpType::Generic;
   struct Box {
     const char* control;
-    std::string EquipmentEntries::*entry;
     std::int16_t EquipRecord::*address;
   };
   const Box boxes[] = {
-      {"txtSigGenAddr", &EquipmentEntries::SigGenAddress, &EquipRecord::SigGenAddress},
-      {"txtMeterAddr", &EquipmentEntries::MeterAddress, &EquipRecord::MeterAddress},
-      {"txtPwrMtrAddr", &EquipmentEntries::PwrMtrAddress, &EquipRecord::PwrMtrAddress},
+      {"txtSigGenAddr", &EquipRecord::SigGenAddress},
+      {"txtMeterAddr", &EquipRecord::MeterAddress},
+      {"txtPwrMtrAddr", &EquipRecord::PwrMtrAddress},
   };
   for (const Box& box : boxes) {
     for (const Row& row : rows) {
       SCOPED_TRACE(std::string(box.control) + " " + row.text);
       ASSERT_FALSE(Apply(equip.Entries()));
       const int before = equip.Record.*box.address;
-      EquipmentEntries entries = equip.Entries();
-      entries.*box.entry = row.text;
+      FormEntries entries = equip.Entries();
+      entries[box.control] = row.text;
       const auto failure = Apply(entries);
       ASSERT_EQ(failure.has_value(), row.failure.has_value());
       EXPECT_EQ(equip.Record.*box.address, failure ? before : ToInt16(row.text));
@@ -237,9 +236,9 @@ TEST_F(EquipTest, ABadAddressIsTaken) {
 }
 
 TEST_F(EquipTest, AnInstrumentWithoutAFileNeedsAnAddress) {
-  EquipmentEntries entries = equip.Entries();
-  EXPECT_EQ(entries.SigGenAddress, "");
-  entries.ProbeFile = "new.prb";
+  FormEntries entries = equip.Entries();
+  EXPECT_EQ(entries["txtSigGenAddr"], "");
+  entries["lblProbeFile"] = "new.prb";
   EXPECT_FALSE(Apply(entries));
   EXPECT_EQ(equip.Record.ProbeFile, "new.prb");
 }
@@ -261,10 +260,10 @@ TEST_F(EquipTest, TheBandSwitchIsTakenWrongly) {
     equip.Record = EquipRecord{};
     equip.Record.IfiBandSwitch = 205;
     equip.Record.PmBandSwitch = 205;
-    EquipmentEntries entries = equip.Entries();
-    entries.Type = AmpType::Ifi;
-    entries.IfiBandSwitch = row.text;
-    entries.Configuration = AmpConfig::DualFwdRev;
+    FormEntries entries = equip.Entries();
+    entries.Tick("optGenericAmp", false), entries.Tick("optIFIAmp");
+    entries["txtIfiBandSwitch"] = row.text;
+    entries.Tick("optSingle", false), entries.Tick("optDualFwdRev");
     const auto failure = Apply(entries);
     ASSERT_EQ(failure.has_value(), row.failure.has_value());
     for (double stored : {equip.Record.IfiBandSwitch, equip.Record.PmBandSwitch}) EXPECT_EQ(stored, row.stored);
@@ -277,8 +276,8 @@ TEST_F(EquipTest, TheBandSwitchIsTakenWrongly) {
 
 TEST_F(EquipTest, AGenericAmplifierChangesTheBandSwitch) {
   equip.Record.PmBandSwitch = 100;
-  EquipmentEntries entries = equip.Entries();
-  entries.IfiBandSwitch = "not asked for";
+  FormEntries entries = equip.Entries();
+  entries["txtIfiBandSwitch"] = "not asked for";
   EXPECT_FALSE(Apply(entries));
   EXPECT_EQ(equip.Record.PmBandSwitch, 100);
 }
@@ -286,9 +285,13 @@ TEST_F(EquipTest, AGenericAmplifierChangesTheBandSwitch) {
 TEST_F(EquipTest, ApplyingAnUntouchedFormChangesTheRecord) {
   equip.Record = Station();
   equip.Record.PmBandSwitch = equip.Record.IfiBandSwitch;
-  const EquipRecord before = equip.Record;
-  EXPECT_FALSE(Apply(equip.Entries()));
-  EXPECT_TRUE(SameRecord(equip.Record, before));
+  for (const bool oddCodes : {false, true}) {
+    if (oddCodes) equip.Record.AmpConfiguration = static_cast<AmpConfig>(7);
+    if (oddCodes) equip.Record.AmplifierType = static_cast<AmpType>(9);
+    const EquipRecord before = equip.Record;
+    EXPECT_FALSE(Apply(equip.Entries()));
+    EXPECT_TRUE(SameRecord(equip.Record, before));
+  }
 }
 
 }  // namespace

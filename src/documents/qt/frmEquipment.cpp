@@ -9,7 +9,6 @@
 #include "shell/qt/AboutBox.h"
 #include "shell/qt/FormPrompts.h"
 #include "shell/qt/OptionsMenu.h"
-#include "text/Numbers.h"
 #include "ui_frmEquipment.h"
 #include "widgets/ThemeColors.h"
 
@@ -87,7 +86,7 @@ frmEquipment::frmEquipment(Shell& shell, Instruments& instruments, Equip& equip,
   ShowFileName();
   ShowRecord();
   WatchEntries();
-  if (HasUnsaved()) kept_ = equip_.Record;
+  KeepUnsaved();
 }
 
 frmEquipment::~frmEquipment() = default;
@@ -153,11 +152,13 @@ void frmEquipment::ConnectTables() {
 }
 
 void frmEquipment::ConnectAmplifier() {
-  On(ui_->optSingle, [this] { SetConfiguration(AmpConfig::Single); });
-  On(ui_->optDualFwdRev, [this] { SetConfiguration(AmpConfig::DualFwdRev); });
-  On(ui_->optDualSplit, [this] { SetConfiguration(AmpConfig::DualSplit); });
-  On(ui_->optGenericAmp, [this] { SetAmplifierType(AmpType::Generic); });
-  On(ui_->optIFIAmp, [this] { SetAmplifierType(AmpType::Ifi); });
+  const std::pair<QRadioButton*, AmpConfig> configurations[] = {{ui_->optSingle, AmpConfig::Single},
+                                                                {ui_->optDualFwdRev, AmpConfig::DualFwdRev},
+                                                                {ui_->optDualSplit, AmpConfig::DualSplit}};
+  for (const auto& [option, code] : configurations)
+    On(option, [this, code = code] { equip_.Record.AmpConfiguration = code; });
+  On(ui_->optGenericAmp, [this] { equip_.Record.AmplifierType = AmpType::Generic; });
+  On(ui_->optIFIAmp, [this] { equip_.Record.AmplifierType = AmpType::Ifi; });
   connect(ui_->chkIfiPwr, &QCheckBox::clicked, this, [this](bool ticked) { equip_.Record.IfiPower = ticked; });
   connect(ui_->chkIfiAtten, &QCheckBox::clicked, this, [this](bool ticked) { equip_.Record.IfiAtten = ticked; });
 }
@@ -258,38 +259,16 @@ void frmEquipment::SelectTable(const TableRow& row) {
 
 void frmEquipment::ShowRecord() {
   const EquipRecord& record = equip_.Record;
+  ShowEntries(EntriesOf(record));
   ShowInstruments();
-  const QString bandSwitch = ToQt(ShortestText(record.IfiBandSwitch));
-  ui_->txtPmBandSwitchFreq->setText(record.PwrMtrFile.empty() ? QString() : bandSwitch);
-  FitPathLabel(record.CableLossFile, *ui_->lblCalCable);
-  FitPathLabel(record.FwdPortFile, *ui_->lblFwdPort);
-  FitPathLabel(record.RevPortFile, *ui_->lblRevPort);
-  FitPathLabel(record.MaxPowerFile, *ui_->lblMaxPower);
-  FitPathLabel(record.ProbeFile, *ui_->lblProbeFile);
-  ui_->optSingle->setChecked(record.Is(AmpConfig::Single));
-  ui_->optDualFwdRev->setChecked(record.Is(AmpConfig::DualFwdRev));
-  ui_->optDualSplit->setChecked(record.Is(AmpConfig::DualSplit));
-  ui_->optGenericAmp->setChecked(!record.HasIfiAmplifier());
-  ui_->optIFIAmp->setChecked(record.HasIfiAmplifier());
-  ui_->txtIfiBandSwitch->setText(bandSwitch);
-  ui_->chkIfiPwr->setChecked(record.IfiPower);
-  ui_->chkIfiAtten->setChecked(record.IfiAtten);
-  EnableAmplifierControls();
-}
-
-bool frmEquipment::ShowsRecord() {
-  for (const InstrumentKind kind : {InstrumentKind::SigGen, InstrumentKind::Meter, InstrumentKind::PwrMtr})
-    if (const InstrumentRow row = Row(kind); row.label.Path() != row.file) return false;
-  return Shows(equip_.Record);
+  ui_->txtPmBandSwitchFreq->setText(record.PwrMtrFile.empty() ? QString() : ui_->txtIfiBandSwitch->text());
 }
 
 void frmEquipment::ShowChanges() {
-  const bool changed = !ShowsRecord();
+  const bool changed = !(Entries() == EntriesOf(equip_.Record));
   ShowRecord();
   ShowFileName();
-  if (!changed) return;
-  kept_.reset();
-  if (HasUnsaved()) kept_ = equip_.Record;  // the other form has asked about it
+  if (changed) KeepUnsaved();  // the other form has asked about it
 }
 
 void frmEquipment::ShowFileName() {
@@ -298,43 +277,14 @@ void frmEquipment::ShowFileName() {
   ShowSaveTarget(*ui_->mnuEquipFileSave, FileNameOnly(path));
 }
 
-void frmEquipment::EnableAmplifierControls() {
-  ui_->lblBandSwitchFreq->setEnabled(equip_.Record.Is(AmpConfig::DualSplit));
+UsedControls frmEquipment::UsedNow() const {
+  return UsedWith(Entries(), equip_.Record);
+}
+
+void frmEquipment::EnableControls() {
+  SetupForm::EnableControls();
+  ui_->lblBandSwitchFreq->setEnabled(ui_->optDualSplit->isChecked());
   ui_->txtPmBandSwitchFreq->setEnabled(false);  // it shows what the amplifier's band switch says
-  const bool ifi = equip_.Record.HasIfiAmplifier();
-  ui_->chkIfiPwr->setEnabled(ifi);
-  ui_->txtIfiBandSwitch->setEnabled(ifi);
-  ui_->lblAmpSwitchFreq->setEnabled(ifi);
-  ui_->chkIfiAtten->setEnabled(ifi);
-}
-
-void frmEquipment::SetConfiguration(AmpConfig configuration) {
-  equip_.Record.AmpConfiguration = configuration;
-  EnableAmplifierControls();
-}
-
-void frmEquipment::SetAmplifierType(AmpType type) {
-  equip_.Record.AmplifierType = type;
-  EnableAmplifierControls();
-}
-
-EquipmentEntries frmEquipment::Entries() const {
-  EquipmentEntries entries;
-  entries.SigGenAddress = FromQt(ui_->txtSigGenAddr->text());
-  entries.MeterAddress = FromQt(ui_->txtMeterAddr->text());
-  entries.PwrMtrAddress = FromQt(ui_->txtPwrMtrAddr->text());
-  entries.IfiBandSwitch = FromQt(ui_->txtIfiBandSwitch->text());
-  if (ui_->optDualFwdRev->isChecked()) entries.Configuration = AmpConfig::DualFwdRev;
-  if (ui_->optDualSplit->isChecked()) entries.Configuration = AmpConfig::DualSplit;
-  if (ui_->optIFIAmp->isChecked()) entries.Type = AmpType::Ifi;
-  entries.IfiPower = ui_->chkIfiPwr->isChecked();
-  entries.IfiAtten = ui_->chkIfiAtten->isChecked();
-  entries.CableLossFile = ui_->lblCalCable->Path();
-  entries.FwdPortFile = ui_->lblFwdPort->Path();
-  entries.RevPortFile = ui_->lblRevPort->Path();
-  entries.MaxPowerFile = ui_->lblMaxPower->Path();
-  entries.ProbeFile = ui_->lblProbeFile->Path();
-  return entries;
 }
 
 bool frmEquipment::ApplyEquipment() {
@@ -355,7 +305,7 @@ void frmEquipment::LoadFile(const QString& path) {
     const std::string file = FromQt(path);
     if (equip_.LoadDef(file) != 1) return;
     equip_.EquipFileName = file;
-    kept_.reset();
+    ForgetKept();
     ShowFileName();
     emit StationLoaded();
     ShowRecord();
@@ -364,17 +314,11 @@ void frmEquipment::LoadFile(const QString& path) {
 }
 
 bool frmEquipment::QueryUnload() {
-  return ApplyEquipment() && ((kept_ && Shows(*kept_)) || MayDropEntries());
+  return ApplyEquipment() && MayLeave();
 }
 
-bool frmEquipment::HasUnsaved() const {
-  return !Shows(equip_.Saved);
-}
-
-bool frmEquipment::Shows(const EquipRecord& record) const {
-  const EquipRecord& now = equip_.Record;
-  return now.SigGenFile == record.SigGenFile && now.MeterFile == record.MeterFile &&
-         now.PwrMtrFile == record.PwrMtrFile && SameEntries(Entries(), EntriesOf(record));
+std::optional<FormEntries> frmEquipment::SavedEntries() const {
+  return EntriesOf(equip_.Saved);
 }
 
 bool frmEquipment::SaveEntries() {
@@ -390,7 +334,7 @@ bool frmEquipment::SaveAs() {
 bool frmEquipment::SaveTo(const std::string& path) {
   if (!ApplyEquipment() || equip_.SaveDef(path) != 1) return false;
   equip_.EquipFileName = path;
-  kept_.reset();
+  ForgetKept();
   ShowRecord();
   ShowFileName();
   AddRecentFile(path);

@@ -12,7 +12,6 @@ namespace hylden {
 
 class Equip;
 class PathLabel;
-struct EquipmentEntries;
 struct Instruments;
 namespace Ui {
 class frmEquipment;
@@ -54,7 +53,7 @@ class frmEquipment : public SetupForm {
 
  protected:
   bool QueryUnload() override;
-  bool HasUnsaved() const override;
+  std::optional<FormEntries> SavedEntries() const override;
   bool SaveEntries() override;
 
  private:
@@ -77,14 +76,9 @@ class frmEquipment : public SetupForm {
   void SelectTable(const TableRow& row);
   void ShowRecord();
   void ShowFileName();
-  bool ShowsRecord();
-  void EnableAmplifierControls();
-  void SetConfiguration(AmpConfig configuration);
-  void SetAmplifierType(AmpType type);
-  EquipmentEntries Entries() const;
+  UsedControls UsedNow() const override;
+  void EnableControls() override;
   void AskAndLoad();
-  /// Whether the form shows this station.
-  bool Shows(const EquipRecord& record) const;
   bool SaveAs();
   bool SaveTo(const std::string& path);
   void RequestInsertionLoss();
@@ -92,8 +86,6 @@ class frmEquipment : public SetupForm {
   Instruments& instruments_;
   Equip& equip_;
   std::unique_ptr<Ui::frmEquipment> ui_;
-  /// Unsaved when the form opened: it was asked about before, and leaving the form costs none of it.
-  std::optional<EquipRecord> kept_;
 };
 
 }  // namespace hylden
