@@ -108,11 +108,11 @@ void EntryTaker::Require(const char* control, bool passes, const char* message) 
   if (Takes() && !passes) Refuse({control, EntryFailure::Kind::Message, message});
 }
 
-void EntryTaker::Replace(const char* control, double& field, double by, std::string notice) {
+void EntryTaker::Replace(const char* control, double& field, double by, const std::string& notice) {
   if (!Takes()) return;
   field = by;
   Entries[control] = ShortestText(by);
-  Notices.push_back(std::move(notice));
+  Notices.push_back(notice);
 }
 
 void EntryTaker::Refuse(EntryFailure failure) {

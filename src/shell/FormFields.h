@@ -90,7 +90,7 @@ class FormWalker {
   virtual void Check(const char* /*control*/, bool /*passes*/) {}
   virtual void Require(const char* /*control*/, bool /*passes*/, const char* /*message*/) {}
   /// Another number stands for what was taken, with a notice.
-  virtual void Replace(const char* /*control*/, double& /*field*/, double /*by*/, std::string /*notice*/) {}
+  virtual void Replace(const char* /*control*/, double& /*field*/, double /*by*/, const std::string& /*notice*/) {}
 
  protected:
   virtual void Box(const char* control, const NumberField& number) = 0;
@@ -127,7 +127,7 @@ class EntryTaker : public FormWalker {
   bool Takes() const override { return !Failure; }
   void Check(const char* control, bool passes) override;
   void Require(const char* control, bool passes, const char* message) override;
-  void Replace(const char* control, double& field, double by, std::string notice) override;
+  void Replace(const char* control, double& field, double by, const std::string& notice) override;
 
   FormEntries Entries;
   std::optional<EntryFailure> Failure;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "documents/qt/SetupForm.h"
+#include "shell/qt/SetupForm.h"
 
 namespace hylden {
 

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "documents/EquipRecord.h"
-#include "documents/qt/SetupForm.h"
+#include "shell/qt/SetupForm.h"
 
 class QLineEdit;
 class QToolButton;

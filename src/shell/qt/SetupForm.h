@@ -16,7 +16,7 @@ namespace hylden {
 
 class RecentFilesMenu;
 
-/// What the forms of equipment, calibration and test have in common: commands, dialogs and a current file.
+/// What forms that edit a record have in common: its entries, commands, dialogs and a current file.
 class SetupForm : public WorkingForm {
   Q_OBJECT
 

@@ -1,4 +1,4 @@
-#include "documents/qt/SetupForm.h"
+#include "shell/qt/SetupForm.h"
 
 #include <QAbstractButton>
 #include <QAction>
