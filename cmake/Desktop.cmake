@@ -16,6 +16,7 @@ file(GLOB former ${CMAKE_CURRENT_BINARY_DIR}/hylden_desktop_autogen/include/ui_*
 if(former)
   file(REMOVE ${former})
 endif()
+add_custom_target(hylden_forms DEPENDS ${formHeaders})
 add_library(hylden_desktop STATIC ${desktopSources} ${formHeaders})
 target_include_directories(hylden_desktop PRIVATE ${CMAKE_CURRENT_BINARY_DIR})
 # The list of sources is a dependency of its own: a class that is added later is seen by the next build.

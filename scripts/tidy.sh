@@ -7,7 +7,7 @@ scripts/setup.sh
 # A build of its own: it reads no other compiler's precompiled headers.
 cmake --preset dev -B build/tidy -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON -DHYLDEN_TESTS=OFF \
   -DCMAKE_AUTOGEN_ORIGIN_DEPENDS=OFF >/dev/null
-cmake --build build/tidy --target hylden_desktop_autogen hylden_desktop_app_autogen >/dev/null
+cmake --build build/tidy --target hylden_forms hylden_desktop_autogen hylden_desktop_app_autogen >/dev/null
 log=build/tidy/clang-tidy.log
 if run-clang-tidy -p build/tidy -quiet -j "$(nproc)" "$PWD/src/.*\.cpp$" >"$log" 2>&1; then
   echo "tidy: nothing found"
