@@ -39,7 +39,7 @@ std::int64_t DaysFromCivil(std::int64_t year, std::int64_t month, std::int64_t d
   const std::int64_t cycles = FloorDivide(year + carriedYears, kYearsOfCycle);
   const auto yearOfCycle = static_cast<int>(year + carriedYears - cycles * kYearsOfCycle);
   const auto carriedMonth = static_cast<unsigned>(month - carriedYears * 12);
-  const std::chrono::sys_days first = std::chrono::year(yearOfCycle) / carriedMonth / 1;
+  const std::chrono::sys_days first = std::chrono::year(yearOfCycle) / std::chrono::month(carriedMonth) / 1;
   return (first - kEpoch).count() + cycles * kDaysOfCycle + day - 1;
 }
 
