@@ -143,7 +143,7 @@ TEST_F(StationTest, TheEquipmentsAddressesAndBandSwitchRule) {
   EXPECT_EQ(instruments.sigGen.Address(), 18);
   EXPECT_EQ(instruments.pm.Address(), 5);
   EXPECT_EQ(instruments.pm.Bandswitch(), 100);
-  equip.Record.AmplifierType = static_cast<int>(AmpType::Ifi);
+  equip.Record.AmplifierType = AmpType::Ifi;
   EXPECT_TRUE(station.Apply());
   EXPECT_EQ(instruments.pm.Bandswitch(), 220) << "an IFI amplifier's band switch rules";
 }

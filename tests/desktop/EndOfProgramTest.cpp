@@ -287,7 +287,7 @@ INSTANTIATE_TEST_SUITE_P(, SignalInARun,
                          [](const auto& row) { return std::string(sigabbrev_np(row.param)); });
 
 TEST_F(EndOfTheProgram, AskedForInABoxOfAWindowThatOpensLeavesItShut) {
-  p.m.station.documents.calSetup.Record.CouplingMethod = 9;
+  p.m.station.documents.calSetup.Record.CouplingMethod = CouplingMethod{9};
   dialogs.onShow = [&](const Message&) {
     p.desktop->CloseAll();
     Program::Turn();
