@@ -36,7 +36,7 @@ std::optional<EntryFailure> Validate(const FormEntries& entries) {
   return failure;
 }
 
-TEST(CableSetupTest, ABadEntryIsTakenOrTheWrongBoxIsShown) {
+TEST(CableSetupTest, RefusesABadEntryAtItsBox) {
   constexpr Refusal<CableSetup> refusals[] = {
       {[](auto& s) { s = {}; }, "txtStartFreq", "", Kind::NotANumber},
       {{}, "txtStartFreq", "0"},
@@ -57,7 +57,7 @@ TEST(CableSetupTest, ABadEntryIsTakenOrTheWrongBoxIsShown) {
   }
 }
 
-TEST(CableSetupTest, AGoodSetupIsRefusedOrShownDifferently) {
+TEST(CableSetupTest, TakesAndShowsAGoodSetup) {
   FormEntries entries = EntriesOf(OneToTen());
   entries["txtLogStep"] = "x";
   entries["txtDwell"] = "0";
@@ -72,7 +72,7 @@ TEST(CableSetupTest, AGoodSetupIsRefusedOrShownDifferently) {
   EXPECT_EQ(EntriesOf(CableSetup())["txtStartFreq"], "");
 }
 
-TEST(CableSetupTest, TheStationIsNotChecked) {
+TEST(CableSetupTest, ChecksTheStation) {
   EquipRecord equipment;
   equipment.SigGenFile = "x";
   ASSERT_TRUE(CheckCableStation(equipment));
@@ -125,7 +125,7 @@ class CableTest : public testing::Test {
   RunCablCal& cable = rig.cable;
 };
 
-TEST_F(CableTest, ThePlanIsAnother) {
+TEST_F(CableTest, PlansTheSetupsFrequencies) {
   EXPECT_THAT(Frequencies(), ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9, 10));
   cable.Setup.StepType = StepType::Log;
   cable.Setup.LogStep = 50;
@@ -142,7 +142,7 @@ TEST_F(CableTest, ThePlanIsAnother) {
   EXPECT_EQ(cable.Points().size(), 3U);
 }
 
-TEST_F(CableTest, TheLossIsNotTheDifferenceOfTheReadings) {
+TEST_F(CableTest, TakesTheLossAsTheDifferenceOfTheReadings) {
   MeasureBoth();
   EXPECT_EQ(cable.Outcome(), RunOutcome::Finished);
   ASSERT_EQ(cable.Points().size(), 10U);
@@ -163,7 +163,7 @@ TEST_F(CableTest, TheLossIsNotTheDifferenceOfTheReadings) {
   EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 18"));
 }
 
-TEST_F(CableTest, TheFileIsNotToTheColumn) {
+TEST_F(CableTest, WritesTheFileToTheColumn) {
   cable.Setup.StopFreq = 2;
   cable.Setup.LinearStep = 0.5;
   ASSERT_TRUE(cable.BuildPlan());
@@ -191,7 +191,7 @@ TEST_F(CableTest, TheFileIsNotToTheColumn) {
   EXPECT_EQ(table.InterpVal(1.2, FreqScale::Linear), 2.75F);
 }
 
-TEST(InsertionLossTextTest, TheDocumentedExampleIsNotWhatIsWritten) {
+TEST(InsertionLossTextTest, WritesTheDocumentedExample) {
   const std::string text =
       InsertionLossText({{0.15, -10, 96.98, 96.93, 0.05}, {1, -10, 96.99, 96.89, 0.1}, {230, -10, 96.97, 95.57, 1.4}},
                         "/lab/cables/w17.los");
@@ -200,7 +200,7 @@ TEST(InsertionLossTextTest, TheDocumentedExampleIsNotWhatIsWritten) {
   EXPECT_NE(page.find("```text\r\n" + text + "```"), std::string::npos) << text;
 }
 
-TEST(InsertionLossTextTest, WideNumbersRunTogether) {
+TEST(InsertionLossTextTest, KeepsWideNumbersApart) {
   const std::string text = InsertionLossText({{12345.000001, -60, -120.25, -90.5, -29.75}}, "x.los");
   EXPECT_TRUE(text.ends_with("\r\n12345.000001, -29.75,   -120.25,  -90.5\r\n")) << text;
 }
@@ -282,7 +282,7 @@ TEST_F(CableTest, ReadingsAreNotDroppedUnasked) {
   EXPECT_EQ(Read(&CablePoint::HasBoth), 0);
 }
 
-TEST_F(CableTest, APassThatEndsAtItsFirstPointCutsThePlanOrMixesPasses) {
+TEST_F(CableTest, KeepsPlanAndPassesApartWhenAPassEndsAtItsFirstPoint) {
   MeasureBoth();
   rig.t.dialogs.Answer(MessageAnswer::No);  // not to be saved
   cable.Setup.Level = -30;
@@ -301,7 +301,7 @@ TEST_F(CableTest, APassThatEndsAtItsFirstPointCutsThePlanOrMixesPasses) {
   EXPECT_TRUE(cable.SaveFile());
 }
 
-TEST_F(CableTest, AnInsertPassRunsWithoutDirectReadings) {
+TEST_F(CableTest, RunsNoInsertPassWithoutDirectReadings) {
   cable.InsertPass(rig.display);
   EXPECT_EQ(rig.t.dialogs.LastText(), "You must take direct readings first");
   EXPECT_FALSE(cable.SaveFile());
@@ -313,7 +313,7 @@ TEST_F(CableTest, AnInsertPassRunsWithoutDirectReadings) {
   EXPECT_TRUE(rig.bus.Lines().empty());
 }
 
-TEST_F(CableTest, ABadReadingLeavesRfOnBehindItsMessage) {
+TEST_F(CableTest, TellsABadReadingWithRfOff) {
   rig.portDb = 30;
   rig.onMeterRead = [this](double) {
     if (rig.frequencyMHz == 3) rig.portDb = 200;
@@ -327,7 +327,7 @@ TEST_F(CableTest, ABadReadingLeavesRfOnBehindItsMessage) {
   EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 13"));
 }
 
-TEST_F(CableTest, AnAnswerWithoutANumberIsTakenForAReading) {
+TEST_F(CableTest, TakesNoAnswerWithoutANumberForAReading) {
   rig.portDb = 30;
   Redefine(rig.meter, [](auto& d) { d.LevSetPrefix = d.LevSetSuffix = ""; });
   rig.bus.Answers(13, {"10", "ERR 15"});
@@ -349,7 +349,7 @@ TEST_F(CableTest, AVoltageBelowZeroIsNoReading) {
   EXPECT_FALSE(rig.rfOnAtMessage);
 }
 
-TEST_F(CableTest, AnInstrumentThatIsNotThereCostsThePoints) {
+TEST_F(CableTest, KeepsThePointsWhenAnInstrumentIsNotThere) {
   MeasureBoth();
   const char* const failures[][2] = {{"FIND 18", "Error initializing signal generator"},
                                      {"FIND 13", "Error initializing meter"}};
@@ -368,7 +368,7 @@ TEST_F(CableTest, AnInstrumentThatIsNotThereCostsThePoints) {
   EXPECT_TRUE(rig.t.dialogs.WasShownContaining("RunCblCal.SaveFile"));
 }
 
-TEST_F(CableTest, ADwellOfZeroGoesOnAfterEscape) {
+TEST_F(CableTest, EndsAtEscapeFromADwellOfZero) {
   cable.Setup.Dwell = 0;
   rig.t.dialogs.Answer(MessageAnswer::Ok);
   rig.t.dialogs.Answer(MessageAnswer::Ok);
@@ -377,7 +377,7 @@ TEST_F(CableTest, ADwellOfZeroGoesOnAfterEscape) {
   EXPECT_EQ(Read(&CablePoint::HasDirect), 2);
 }
 
-TEST_F(CableTest, AnExceptionLeavesRfOn) {
+TEST_F(CableTest, EndsAnExceptionWithRfOff) {
   rig.display.throwAtStatus = "Reading...";
   cable.DirectPass(rig.display);
   EXPECT_EQ(rig.t.dialogs.Texts(), (std::vector<std::string>{"Error # 6\rOverflow\rRunCblCal.DirectPass\r"}));

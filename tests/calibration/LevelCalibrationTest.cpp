@@ -17,7 +17,7 @@ class LevelCalibrationTest : public testing::Test {
   CalibrationRig rig;
 };
 
-TEST_F(LevelCalibrationTest, APointIsRecordedAsItWasMeasuredInsteadOfAtTheMiddleOfTheBand) {
+TEST_F(LevelCalibrationTest, RecordsAPointAtTheMiddleOfTheBand) {
   rig.setup.RecordFwdPwr = rig.setup.RecordRevPwr = 1;
   rig.RunWithLevels({120.1, 120.25, 120.4});
   EXPECT_EQ(rig.level.Outcome(), RunOutcome::Finished);
@@ -37,7 +37,7 @@ TEST_F(LevelCalibrationTest, APointIsRecordedAsItWasMeasuredInsteadOfAtTheMiddle
   EXPECT_EQ(rig.level.Title(), "CDI Calibration: 1 V");
 }
 
-TEST_F(LevelCalibrationTest, ALevelOutsideTheBandIsTakenOrChangedWrongly) {
+TEST_F(LevelCalibrationTest, ChangesALevelOutsideTheBandByTheRule) {
   rig.setup.StopFreq = 1.5;
   rig.setup.LogStep = 200;
   rig.RunWithLevels({119.9, 120.6, 117, 100, 120.25, 120.25});
@@ -47,14 +47,14 @@ TEST_F(LevelCalibrationTest, ALevelOutsideTheBandIsTakenOrChangedWrongly) {
   EXPECT_THAT(rig.Rows(), ElementsAre("1.0,2.383,120.00,na,na,", "1.5,2.383,120.00,na,na,"));
 }
 
-TEST_F(LevelCalibrationTest, TheLargestStepIsExceededOrHoldsBackFallingSteps) {
+TEST_F(LevelCalibrationTest, HoldsRisingStepsToTheLargestOne) {
   rig.setup.MaxStep = 1;
   rig.RunWithLevels({117, 125, 120.25, 120.25, 120.25});
   const std::vector<double> levels = rig.display.All(Readout::SigGenLevel);
   EXPECT_THAT(std::vector<double>(levels.begin(), levels.begin() + 3), ElementsAre(-10, -9, -13.75));
 }
 
-TEST_F(LevelCalibrationTest, ThePhysicsIsNotFollowed) {
+TEST_F(LevelCalibrationTest, FollowsThePhysics) {
   rig.portDb = 131.9;
   rig.setup.InitLevel = -40;
   rig.setup.CouplingMethod = CouplingMethod::UserDefined;
@@ -67,7 +67,7 @@ TEST_F(LevelCalibrationTest, ThePhysicsIsNotFollowed) {
   EXPECT_THAT(rig.Sent(13), testing::Contains("RL 117.9 DB"));
 }
 
-TEST_F(LevelCalibrationTest, TheLevelCurveIsNotFollowed) {
+TEST_F(LevelCalibrationTest, FollowsTheLevelCurve) {
   rig.setup.LimitType = LimitType::File;
   rig.setup.LimitFile = rig.t.directory.Write("curve.lev", "1 1\r\n4 3\r\n");
   rig.Run();
@@ -82,7 +82,7 @@ struct EndCase {
   std::size_t rows;
 };
 
-TEST_F(LevelCalibrationTest, ARunEndsWithAnotherMessageOrRfOnOrPointsLost) {
+TEST_F(LevelCalibrationTest, EndsWithItsMessageRfOffAndThePointsKept) {
   const EndCase cases[] = {
       // 40 dBm are 10 W, 43 dBm 20 W
       {[](auto& r) { r.setup.LimitFwdPwr = 1, r.setup.FwdPwrLimit = 9.9F; }, "Forward power limit exceeded", 0},
@@ -151,7 +151,7 @@ TEST_F(LevelCalibrationTest, ARunEndsWithAnotherMessageOrRfOnOrPointsLost) {
   }
 }
 
-TEST_F(LevelCalibrationTest, AStepWithinTheHeadroomIsRefused) {
+TEST_F(LevelCalibrationTest, TakesAStepWithinTheHeadroom) {
   rig.setup.LimitFwdPwr = 1;
   rig.setup.FwdPwrLimit = 12.5F;
   rig.RunWithLevels({120 + 0.5 - 0.9 * 1.5, 120.25, 120.25, 120.25});
@@ -159,7 +159,7 @@ TEST_F(LevelCalibrationTest, AStepWithinTheHeadroomIsRefused) {
   EXPECT_EQ(rig.level.Outcome(), RunOutcome::Finished);
 }
 
-TEST_F(LevelCalibrationTest, ALimitIsIgnoredWhereTheForwardPowerIsNotTicked) {
+TEST_F(LevelCalibrationTest, HoldsALimitAlsoWhereTheForwardPowerIsNotTicked) {
   rig.setup.LimitFwdPwr = 1;
   rig.setup.RecordFwdPwr = 0;
   rig.setup.FwdPwrLimit = 1;
@@ -167,7 +167,7 @@ TEST_F(LevelCalibrationTest, ALimitIsIgnoredWhereTheForwardPowerIsNotTicked) {
   EXPECT_EQ(rig.Shown("Forward power limit exceeded"), 1);
 }
 
-TEST_F(LevelCalibrationTest, ADwellOfZeroDoesNotAskOrGoesOnAfterEscape) {
+TEST_F(LevelCalibrationTest, AsksAtADwellOfZeroAndEndsAtEscape) {
   rig.setup.Dwell = 0;
   rig.levels = {118, 120.25};
   rig.t.dialogs.Answer(MessageAnswer::Ok);
@@ -180,7 +180,7 @@ TEST_F(LevelCalibrationTest, ADwellOfZeroDoesNotAskOrGoesOnAfterEscape) {
   EXPECT_FALSE(rig.rfOn);
 }
 
-TEST_F(LevelCalibrationTest, AHaltIsOverheardOrRaisesTheLevel) {
+TEST_F(LevelCalibrationTest, EndsAtAHaltWithoutRaisingTheLevel) {
   rig.levels = {120.25, 110};
   int reads = 0;
   rig.onMeterRead = [&](double) {
@@ -198,14 +198,14 @@ TEST_F(LevelCalibrationTest, AHaltIsOverheardOrRaisesTheLevel) {
   EXPECT_FALSE(rig.t.shell.delay.HaltRequested());
 }
 
-TEST_F(LevelCalibrationTest, TheMiddleOfTheBandTakesTheNextFrequencyAboveTheHighestLevel) {
+TEST_F(LevelCalibrationTest, StartsNoFrequencyAboveTheHighestLevel) {
   rig.setup.MaxLevel = -9.9F;
   rig.RunWithLevels({120.05});  // the middle is at -9.8 dBm
   EXPECT_EQ(CellsOf(rig.level.Rows().front())[1], "-9.800");
   for (const double levelDbm : rig.display.All(Readout::SigGenLevel)) EXPECT_LE(levelDbm, -9.9 + 1e-6);
 }
 
-TEST_F(LevelCalibrationTest, AMeterThatIsAlsoThePowerMeterIsTriggeredTooEarly) {
+TEST_F(LevelCalibrationTest, TriggersAMeterThatIsAlsoThePowerMeterWhenItIsRead) {
   rig.setup.StopFreq = 1.5;
   rig.setup.RecordFwdPwr = 1;
   rig.Run();
@@ -223,7 +223,7 @@ TEST_F(LevelCalibrationTest, AMeterThatIsAlsoThePowerMeterIsTriggeredTooEarly) {
   EXPECT_LT(std::find(lines.begin(), lines.end(), "> 13 AR?"), std::find(lines.begin(), lines.end(), "> 13 TS"));
 }
 
-TEST_F(LevelCalibrationTest, AnIfiPairIsSwitchedOrSensedWrongly) {
+TEST_F(LevelCalibrationTest, SwitchesAndSensesAnIfiPair) {
   rig.UseIfi();
   rig.equipment.IfiPower = true;
   rig.setup.RecordFwdPwr = 1;
@@ -244,7 +244,7 @@ TEST_F(LevelCalibrationTest, AnIfiPairIsSwitchedOrSensedWrongly) {
                                        "L3", "M1", "ON", "B2", "ZA", "RP", "RP", "FA", "L3", "M1", "ON", "B1", "ZA"));
 }
 
-TEST_F(LevelCalibrationTest, SensorsSplitByBandAreReadOnTheWrongChannelOrMoved) {
+TEST_F(LevelCalibrationTest, ReadsSensorsSplitByBandOnTheirChannelsUnmoved) {
   rig.UseIfi();
   rig.equipment.AmpConfiguration = AmpConfig::DualSplit;
   rig.setup.RecordFwdPwr = 1;

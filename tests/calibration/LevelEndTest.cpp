@@ -31,7 +31,7 @@ struct NotReadyCase {
   Strings texts;
 };
 
-TEST_F(LevelEndTest, ARunStartsWithoutPlanOrTables) {
+TEST_F(LevelEndTest, StartsNoRunWithoutPlanOrTables) {
   const NotReadyCase cases[] = {
       {[](auto& r) { r.setup.LogStep = 0; }, {"Error, no frequencies to calibrate? Check setup."}},
       {[](auto& r) { r.equipment.CableLossFile = ""; }, {"Error loading cable loss file"}},
@@ -61,7 +61,7 @@ TEST_F(LevelEndTest, ARunStartsWithoutPlanOrTables) {
   }
 }
 
-TEST_F(LevelEndTest, InstrumentsAreTakenDownInAnotherOrder) {
+TEST_F(LevelEndTest, TakesTheInstrumentsDownInOrder) {
   rig.UseIfi();
   rig.setup.RecordFwdPwr = 1;
   rig.Run();
@@ -77,7 +77,7 @@ TEST_F(LevelEndTest, InstrumentsAreTakenDownInAnotherOrder) {
   EXPECT_EQ(rig.display.phases.back(), RunPhase::Ready);
 }
 
-TEST_F(LevelEndTest, ARunThatCannotStartCostsThePointsOfTheOneBefore) {
+TEST_F(LevelEndTest, KeepsThePointsBeforeARunThatCannotStart) {
   rig.setup.RecordFwdPwr = 1;
   rig.Run();
   const auto rows = rig.Rows();
@@ -113,14 +113,14 @@ TEST_F(LevelEndTest, ARunThatCannotStartCostsThePointsOfTheOneBefore) {
   EXPECT_EQ(rig.Rows(), rows);
 }
 
-TEST_F(LevelEndTest, NoInterfaceStartsARun) {
+TEST_F(LevelEndTest, StartsNoRunWithoutAnInterface) {
   rig.bus.FailLine("IFC", gpib::kEnol);
   rig.Run();
   EXPECT_TRUE(rig.t.dialogs.LastText().ends_with("\r\nError initializing GPIB"));
   EXPECT_TRUE(rig.Rows().empty());
 }
 
-TEST_F(LevelEndTest, AnExceptionLeavesRfOnOrPointsLost) {
+TEST_F(LevelEndTest, EndsAnExceptionWithRfOffAndThePointsKept) {
   rig.levels = {120.25};
   rig.onMeterRead = [&, reads = 0](double) mutable {
     if (++reads == 2) rig.display.throwAtStatus = "Dwelling...";
@@ -134,7 +134,7 @@ TEST_F(LevelEndTest, AnExceptionLeavesRfOnOrPointsLost) {
   EXPECT_FALSE(rig.level.IsRunning());
 }
 
-TEST_F(LevelEndTest, AnExceptionInTheEndKeepsInstrumentsUp) {
+TEST_F(LevelEndTest, TakesInstrumentsDownThoughTheEndThrows) {
   rig.display.throwAtStatus = "Shutting down instruments...";
   rig.Run();
   EXPECT_THAT(rig.bus.Lines(), testing::Contains("LOCAL 18"));
@@ -142,7 +142,7 @@ TEST_F(LevelEndTest, AnExceptionInTheEndKeepsInstrumentsUp) {
   EXPECT_EQ(rig.display.phases.back(), RunPhase::Ready);
 }
 
-TEST_F(LevelEndTest, TheEndOfTheProgramIsSwallowedOrCostsPoints) {
+TEST_F(LevelEndTest, PassesTheEndOfTheProgramOnAndKeepsThePoints) {
   rig.levels = {120.25, 120.25};
   rig.onMeterRead = [reads = 0](double) mutable {
     if (++reads == 2) throw ProgramEnd("the bus is gone");
@@ -154,7 +154,7 @@ TEST_F(LevelEndTest, TheEndOfTheProgramIsSwallowedOrCostsPoints) {
   EXPECT_THAT(rig.t.dialogs.Texts(), ElementsAre(kSaveQuestion));
 }
 
-TEST_F(LevelEndTest, ARowThatIsIncompleteSpoilsTheRecord) {
+TEST_F(LevelEndTest, LeavesAnIncompleteRowOutOfTheRecord) {
   rig.setup.RecordRevPwr = 1;
   rig.levels = {120.25, 120.25, 120.25};
   rig.onMeterRead = [&, reads = 0](double) mutable {
@@ -170,7 +170,7 @@ TEST_F(LevelEndTest, ARowThatIsIncompleteSpoilsTheRecord) {
   EXPECT_EQ(request.filter, "Calibration File (*.cal)|*.cal");
 }
 
-TEST_F(LevelEndTest, AFailedSaveLosesThePoints) {
+TEST_F(LevelEndTest, KeepsThePointsWhenASaveFails) {
   namespace fs = std::filesystem;
   const std::string kept = rig.t.directory.Write("a.cal", "old");
   fs::permissions(kept, fs::perms::owner_read);
@@ -184,7 +184,7 @@ TEST_F(LevelEndTest, AFailedSaveLosesThePoints) {
   EXPECT_FALSE(rig.level.Save());  // cancelled
 }
 
-TEST_F(LevelEndTest, OnePointMakesARecord) {
+TEST_F(LevelEndTest, MakesNoRecordOfOnePoint) {
   rig.setup.StepType = StepType::Linear;
   rig.setup.LinearStep = 10;
   rig.t.dialogs.AnswerSave(rig.t.directory.File("a.cal"));

@@ -23,7 +23,7 @@ struct StepCase {
 
 class NextLevelStepTest : public testing::TestWithParam<StepCase> {};
 
-TEST_P(NextLevelStepTest, TheNextTryIsAtAnotherLevel) {
+TEST_P(NextLevelStepTest, ClosesOnTheTarget) {
   EXPECT_NEAR(NextLevelStep(GetParam().level, GetParam().target, GetParam().tolerance), GetParam().expected, 1e-9);
 }
 
@@ -35,7 +35,7 @@ INSTANTIATE_TEST_SUITE_P(
                     StepCase{"UpperEdge", 120.5, 120, 0.5, -0.25}, StepCase{"FarAbove", 140, 120, 0.5, -19.75}),
     [](const auto& row) { return row.param.name; });
 
-TEST(Tolerance, AnEdgeOfTheBandCounts) {
+TEST(Tolerance, LeavesItsEdgesOut) {
   EXPECT_FALSE(InTolerance(120, 120, kToleranceDb));
   EXPECT_TRUE(InTolerance(120.01, 120, kToleranceDb));
   EXPECT_TRUE(InTolerance(120.49, 120, kToleranceDb));
@@ -43,14 +43,14 @@ TEST(Tolerance, AnEdgeOfTheBandCounts) {
   EXPECT_FALSE(InTolerance(std::nan(""), 120, kToleranceDb));
 }
 
-TEST(Headroom, AStepGoesBeyondThePowerLimit) {
+TEST(Headroom, EndsAtThePowerLimit) {
   EXPECT_NEAR(ForwardHeadroom(25, 20), 0.9691, 1e-4);
   EXPECT_LT(ForwardHeadroom(25, 30), 0);
   EXPECT_EQ(ForwardHeadroom(0, 20), -999);
   EXPECT_EQ(ForwardHeadroom(25, 0), -999);
 }
 
-TEST(ConvergenceTest, AnEndlessSearchIsNotEnded) {
+TEST(ConvergenceTest, EndsAnEndlessSearch) {
   Convergence swinging, creeping, noNumber;
   int tries = 0;
   while (tries < 1000 && swinging.GoesOn(tries % 2 ? -0.25 : 0.25)) ++tries;
@@ -60,7 +60,7 @@ TEST(ConvergenceTest, AnEndlessSearchIsNotEnded) {
   EXPECT_FALSE(noNumber.GoesOn(std::numeric_limits<double>::quiet_NaN()));
 }
 
-TEST(WarbleAlarmTest, TheAlarmIsAnotherOne) {
+TEST(WarbleAlarmTest, WarblesAroundItsFrequency) {
   FakeSpeaker speaker;
   WarbleAlarm(speaker);
   ASSERT_EQ(speaker.tones.size(), 40U);
@@ -72,7 +72,7 @@ TEST(WarbleAlarmTest, TheAlarmIsAnotherOne) {
   EXPECT_EQ(speaker.tones, (std::vector<FakeSpeaker::Tone>{{100, 50}}));
 }
 
-TEST(TargetTest, TheWantedLevelIsAnother) {
+TEST(TargetTest, IsTheSetupsLevelOrItsCurves) {
   TestShell t;
   InterpClass curve(t.shell);
   CalSetupRecord setup;
@@ -84,7 +84,7 @@ TEST(TargetTest, TheWantedLevelIsAnother) {
   EXPECT_FALSE(TargetDbuv(setup, curve, 101));
 }
 
-TEST(FrequencyPlanTest, AListsOwnRangeIsNotTaken) {
+TEST(FrequencyPlanTest, TakesAListsOwnRange) {
   TestShell t;
   FrequencyRequest request{StepType::List, 0, 0, 0, t.directory.Write("a.lst", "5\r\n10\r\n50\r\n")};
   EXPECT_EQ(PlanFrequencies(t.shell, request), (std::vector<double>{5, 10, 50}));

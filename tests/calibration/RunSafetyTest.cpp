@@ -21,7 +21,7 @@ class RunSafetyTest : public testing::Test {
   CalibrationRig rig;
 };
 
-TEST_F(RunSafetyTest, AHaltWhileARunComesUpCostsThePointsOfTheOneBefore) {
+TEST_F(RunSafetyTest, KeepsThePointsBeforeWhenARunIsHaltedComingUp) {
   rig.Run();
   const auto rows = rig.Rows();
   ASSERT_EQ(rows.size(), 3U);
@@ -34,7 +34,7 @@ TEST_F(RunSafetyTest, AHaltWhileARunComesUpCostsThePointsOfTheOneBefore) {
   EXPECT_THAT(rig.bus.Lines(), testing::Not(testing::Contains("> 18 OUTP ON")));
 }
 
-TEST_F(RunSafetyTest, APowerReadAfterRfWentOffIsRecorded) {
+TEST_F(RunSafetyTest, RecordsNoPowerThatWasReadAfterRfWentOff) {
   rig.setup.RecordRevPwr = 1;
   rig.levels = {120.25, 120.25, 120.25};
   int readings = 0;
@@ -51,7 +51,7 @@ TEST_F(RunSafetyTest, APowerReadAfterRfWentOffIsRecorded) {
   EXPECT_EQ(CompleteRows(rig.level.Rows()).size(), 2U);
 }
 
-TEST_F(RunSafetyTest, RfStaysOnWhileAnInstrumentsFailureIsTold) {
+TEST_F(RunSafetyTest, TellsAnInstrumentsFailureWithRfOff) {
   const struct {
     const char* line;
     const char* text;
@@ -96,7 +96,7 @@ TEST_F(RunSafetyTest, ACableReadingThatIsNoneIsToldWithRfOffThoughThreeRfOffsDoN
   EXPECT_FALSE(rig.rfOnAtMessage);
 }
 
-TEST_F(RunSafetyTest, ThatRfMayBeOnIsLeftUnsaidOrSaidTwice) {
+TEST_F(RunSafetyTest, SaysOnceThatRfMayBeOn) {
   rig.levels = {120.25};
   rig.onMeterRead = [&](double) { rig.bus.FailAlways(gpib::kEnol); };
   rig.Run();
@@ -108,7 +108,7 @@ TEST_F(RunSafetyTest, ThatRfMayBeOnIsLeftUnsaidOrSaidTwice) {
   EXPECT_EQ(rig.instruments.sigGen.RfState(), Rf::Unknown);
 }
 
-TEST_F(RunSafetyTest, ALastRfOffThatFailsOnceIsSaidInsteadOfSentAgain) {
+TEST_F(RunSafetyTest, SendsALastRfOffAgainThatFailedOnce) {
   rig.levels = {120.25, 120.25, 120.25};
   rig.onMeterRead = [&, reads = 0](double) mutable {
     if (++reads == 3) rig.bus.FailLine("> 18 OUTP OFF", gpib::kEnol);
@@ -119,7 +119,7 @@ TEST_F(RunSafetyTest, ALastRfOffThatFailsOnceIsSaidInsteadOfSentAgain) {
   EXPECT_FALSE(rig.rfOn);
 }
 
-TEST_F(RunSafetyTest, TwoRunsShareTheInstruments) {
+TEST_F(RunSafetyTest, RunsOneAtATime) {
   bool within = false;
   rig.onMeterRead = [&](double) {
     if (within) return;
@@ -134,7 +134,7 @@ TEST_F(RunSafetyTest, TwoRunsShareTheInstruments) {
   EXPECT_EQ(rig.cable.Outcome(), RunOutcome::Finished);
 }
 
-TEST_F(RunSafetyTest, AnInsertPassLeavesReadingsOfTheOneBefore) {
+TEST_F(RunSafetyTest, LeavesNoReadingsOfTheInsertPassBefore) {
   rig.cable.DirectPass(rig.display);
   rig.cable.InsertPass(rig.display);
   rig.display.done.clear();

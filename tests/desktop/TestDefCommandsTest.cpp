@@ -15,7 +15,7 @@ using Strings = std::vector<std::string>;
 
 constexpr char kNotANumber[] = "Value not a number, re-enter";
 
-TEST_F(TestDefForm, ALoadedFileShowsOnlyInPart) {
+TEST_F(TestDefForm, ShowsALoadedFileWhole) {
   documents.testSetup.TestFileName.clear();
   const TestDefinition saved = test();
   const std::string path = WriteTest("A & B.tst", saved);
@@ -42,7 +42,7 @@ TEST_F(TestDefForm, ALoadedFileShowsOnlyInPart) {
   EXPECT_EQ(Box("txtStopFreq").text(), "80");
 }
 
-TEST_F(TestDefForm, AFailedLoadCostsWhatWasThere) {
+TEST_F(TestDefForm, KeepsWhatWasThereWhenALoadFails) {
   const TestDefinition before = test();
   documents.testSetup.TestFileName = "kept.tst";
   const std::string cut = t.directory.Write("cut.tst", "other.hyinfo\r\n 1 \r\n");
@@ -57,7 +57,7 @@ TEST_F(TestDefForm, AFailedLoadCostsWhatWasThere) {
   }
 }
 
-TEST_F(TestDefForm, ATestIsCheckedAgainstTheCalibrationOfTheOneBefore) {
+TEST_F(TestDefForm, ChecksATestAgainstItsOwnCalibration) {
   TestDefinition orphan = test();
   orphan.CalInfoFile = t.directory.File("vanished.hyinfo");
   t.dialogs.AnswerOpen(WriteTest("orphan.tst", orphan));
@@ -67,7 +67,7 @@ TEST_F(TestDefForm, ATestIsCheckedAgainstTheCalibrationOfTheOneBefore) {
   EXPECT_EQ(requests().starts, 0);
 }
 
-TEST_F(TestDefForm, SavingAsksForNoNameOrLosesAnEntry) {
+TEST_F(TestDefForm, SavesEveryEntryUnderTheNameAskedFor) {
   const std::string path = t.directory.File("new.tst");
   Type("txtStopFreq", "60");
   t.dialogs.AnswerSave(path);
@@ -84,7 +84,7 @@ TEST_F(TestDefForm, SavingAsksForNoNameOrLosesAnEntry) {
   EXPECT_EQ(saved.StopFreq, 70);
 }
 
-TEST_F(TestDefForm, AnInvalidOrFailedSaveCostsTheFileThatWasThere) {
+TEST_F(TestDefForm, KeepsTheFileWhenASaveIsRefusedOrFails) {
   const std::string path = t.directory.Write("old.tst", "old");
   t.dialogs.AnswerSave(path);
   Type("txtStopFreq", "x");
@@ -96,7 +96,7 @@ TEST_F(TestDefForm, AnInvalidOrFailedSaveCostsTheFileThatWasThere) {
   EXPECT_EQ(form().windowTitle(), "Test Definition File: *");
 }
 
-TEST_F(TestDefForm, ACancelledDialogChangesSomething) {
+TEST_F(TestDefForm, ChangesNothingAtACancelledDialog) {
   const TestDefinition before = test();
   const Strings commands{"mnuFileLoad", "cmdLoad", "mnuFileSaveAs", "cmdSave", "cmdCalFile", "cmdListFile"};
   form();
@@ -111,7 +111,7 @@ TEST_F(TestDefForm, ACancelledDialogChangesSomething) {
   }
 }
 
-TEST_F(TestDefForm, AChosenCalibrationIsLostOrMixedWithTheOneBefore) {
+TEST_F(TestDefForm, TakesAChosenCalibrationWhole) {
   const std::string path = t.directory.Write("other.hyinfo", "Other\r\nA2\r\nD2\r\n3v\r\n1 - 30\r\n 1 \r\n");
   t.shell.settings.SaveDataDir(datakind::kCalibrations, t.directory.Path());
   t.dialogs.AnswerOpen(path);
@@ -129,7 +129,7 @@ TEST_F(TestDefForm, AChosenCalibrationIsLostOrMixedWithTheOneBefore) {
   EXPECT_EQ(documents.calInfo.Record.SetupDescription, "Other");
 }
 
-TEST_F(TestDefForm, ACalibrationThatWasDroppedStandsBesideTheRecord) {
+TEST_F(TestDefForm, DropsACalibrationFromFormAndRecord) {
   const std::string path = t.directory.Write("other.hyinfo", "Other\r\nA2\r\nD2\r\n3v\r\n1 - 30\r\n 1 \r\n");
   t.dialogs.AnswerOpen(path);
   Press("cmdCalFile");
@@ -148,7 +148,7 @@ TEST_F(TestDefForm, ACalibrationThatWasDroppedStandsBesideTheRecord) {
   EXPECT_EQ(documents.calInfo.Record.FreqRange, "1 - 30");
 }
 
-TEST_F(TestDefForm, AFileThatIsNoListBecomesTheList) {
+TEST_F(TestDefForm, TakesNoFileThatIsNoList) {
   test().FreqList = false;
   const std::string before = test().ListFile;
   t.shell.settings.SaveDataDir(datakind::kFreqList, t.directory.Path());
@@ -168,7 +168,7 @@ TEST_F(TestDefForm, AFileThatIsNoListBecomesTheList) {
   EXPECT_TRUE(Ticked("chkFreqList"));
 }
 
-TEST_F(TestDefForm, TheListBuilderIsAskedForWhereThereIsNone) {
+TEST_F(TestDefForm, AsksForNoListBuilderWhereThereIsNone) {
   Press("cmdCreateList");
   EXPECT_THAT(requests().lists, IsEmpty());
   form().Offer(true);
@@ -176,7 +176,7 @@ TEST_F(TestDefForm, TheListBuilderIsAskedForWhereThereIsNone) {
   EXPECT_EQ(requests().lists, QStringList(ToQt(test().ListFile)));
 }
 
-TEST_F(TestDefForm, AReadOnlyTestCanBeChangedOrAWritableOneCannot) {
+TEST_F(TestDefForm, LocksAReadOnlyTestOnly) {
   const Strings locked{"fraFeedback", "fraCalFileData", "fraLevelingMode", "fraLevelRamping", "cmdCalFile"};
   const auto expect = [&](bool enabled) {
     for (const std::string& name : locked) EXPECT_EQ(Enabled(name.c_str()), enabled) << name;
@@ -200,7 +200,7 @@ TEST_F(TestDefForm, AReadOnlyTestCanBeChangedOrAWritableOneCannot) {
   expect(false);
 }
 
-TEST_F(TestDefForm, AFailingPrinterEndsTheProgram) {
+TEST_F(TestDefForm, ReportsAFailingPrinter) {
   Choose("mnuFilePrint");
   ASSERT_EQ(t.printer.jobs.size(), 1U);
   EXPECT_EQ(t.printer.Lines().front(), "                 Test Run Parameters");
@@ -297,7 +297,7 @@ TEST_F(TestDefForm, DialogsBeginBesideTheFileThatIsLoaded) {
   EXPECT_EQ(t.dialogs.openRequests.back().fileName, test().ListFile);
 }
 
-TEST_F(TestDefForm, HelpOpensOnAnotherPage) {
+TEST_F(TestDefForm, OpensHelpAtItsChapter) {
   for (int tab = 0; tab < 4; ++tab) {
     Find<QTabWidget>("tabSetup").setCurrentIndex(tab);
     Choose("mnuHelpTestdef");
@@ -307,7 +307,7 @@ TEST_F(TestDefForm, HelpOpensOnAnotherPage) {
                                           "test level:test definition"}));
 }
 
-TEST_F(TestDefForm, AFileDroppedOnABoxBecomesItsText) {
+TEST_F(TestDefForm, TakesNoDroppedFileForTheTextOfABox) {
   TestDefinition other = test();
   other.StartFreq = 4;
   QMimeData data;

@@ -11,7 +11,7 @@ using Strings = std::vector<std::string>;
 constexpr char kNotANumber[] = "Value not a number, re-enter";
 constexpr char kOutOfRange[] = "Number outside valid range, re-enter";
 
-TEST_F(TestDefForm, AControlShowsOrFillsAnotherField) {
+TEST_F(TestDefForm, ShowsAndFillsEachFieldByItsControl) {
   TestDefinition other = GoodDefinition(t.directory);
   other.FreqSweep = other.ConstPeak = other.ModOffBetweenFreqs = other.UseAMdepth = false;
   other.Extrapolate = other.LimitCurrent = false;
@@ -35,7 +35,7 @@ TEST_F(TestDefForm, AControlShowsOrFillsAnotherField) {
   }
 }
 
-TEST_F(TestDefForm, ACodeThatNoOptionStandsForSelectsOne) {
+TEST_F(TestDefForm, SelectsNothingForACodeThatNoOptionStandsFor) {
   test().StepType = static_cast<StepType>(5), test().ModType = static_cast<Modulation>(9),
   test().LevelingMethod = static_cast<LevelingMethod>(7), test().LevelingMode = static_cast<LevelingMode>(4);
   for (const char* option : {"optLinStep", "optLogStep", "optNoMod", "optAMMod", "optFMMod", "optPulseMod",
@@ -47,7 +47,7 @@ TEST_F(TestDefForm, ACodeThatNoOptionStandsForSelectsOne) {
   EXPECT_FALSE(Ticked("optFMMod"));
 }
 
-TEST_F(TestDefForm, TheCalibrationShownIsAnother) {
+TEST_F(TestDefForm, ShowsTheCalibrationOfTheTest) {
   EXPECT_EQ(Text("lblCalDescription"), "Setup <b>1</b>");
   EXPECT_EQ(Find<QLabel>("lblCalDescription").textFormat(), Qt::PlainText);
   EXPECT_EQ(Text("lblAmplifier"), "Amp");
@@ -80,7 +80,7 @@ class TestDefBox : public TestDefForm, public testing::WithParamInterface<BoxCas
   }
 };
 
-TEST_P(TestDefBox, ABadEntryStartsATestOrAnotherBoxIsShown) {
+TEST_P(TestDefBox, StartsNoTestWithABadEntryAndShowsItsBox) {
   const BoxCase& c = GetParam();
   if (c.prepare) c.prepare(test());
   Open();
@@ -107,7 +107,7 @@ INSTANTIATE_TEST_SUITE_P(
         BoxCase{"txtLimitMargin", 3, {}, {"1e39"}}, BoxCase{"txtEUTCircuitImpedance", 3, {}, {"-1"}}),
     [](const auto& row) { return std::string(row.param.box); });
 
-TEST_F(TestDefForm, ANumberInAnotherSpellingIsRefusedOrMisread) {
+TEST_F(TestDefForm, TakesANumberInAnotherSpelling) {
   Type("txtStopFreq", " +8E1 ");
   Type("txtSweepDwell", "1000");
   Type("txtAmDepth", "1d2");
@@ -121,7 +121,7 @@ TEST_F(TestDefForm, ANumberInAnotherSpellingIsRefusedOrMisread) {
   EXPECT_EQ(test().LevelInc, 2);
 }
 
-TEST_F(TestDefForm, PulsesThatThePowerMeterAveragesAreToldAtAnotherBox) {
+TEST_F(TestDefForm, TellsPulsesThatThePowerMeterAveragesAtTheirBox) {
   test().ModType = Modulation::Pulse, test().LevelingMethod = LevelingMethod::ForwardPower,
   test().ModOffBetweenFreqs = false;
   Open();
@@ -132,7 +132,7 @@ TEST_F(TestDefForm, PulsesThatThePowerMeterAveragesAreToldAtAnotherBox) {
   EXPECT_EQ(requests().starts, 0);
 }
 
-TEST_F(TestDefForm, ARefusalWithoutABoxLeavesItsTabOrTheFormGoesOn) {
+TEST_F(TestDefForm, ShowsTheTabOfARefusalWithoutABox) {
   struct Row {
     std::function<void()> change;
     const char* message;
@@ -162,7 +162,7 @@ TEST_F(TestDefForm, ARefusalWithoutABoxLeavesItsTabOrTheFormGoesOn) {
   }
 }
 
-TEST_F(TestDefForm, ATestRunsOutsideItsCalibrationUnannounced) {
+TEST_F(TestDefForm, AnnouncesATestOutsideItsCalibration) {
   Type("txtStartFreq", "0.1");
   Type("txtStopFreq", "1e3");
   EXPECT_THAT(Told("cmdStart"),
@@ -177,7 +177,7 @@ TEST_F(TestDefForm, ATestRunsOutsideItsCalibrationUnannounced) {
   EXPECT_EQ(requests().starts, 1);
 }
 
-TEST_F(TestDefForm, AModulationLeavesBoxesThatItDoesNotUse) {
+TEST_F(TestDefForm, EnablesTheBoxesOfAModulation) {
   struct Row {
     const char* option;
     bool modOff, am, fm, pulse;
@@ -194,7 +194,7 @@ TEST_F(TestDefForm, AModulationLeavesBoxesThatItDoesNotUse) {
   }
 }
 
-TEST_F(TestDefForm, ConstantPeakStaysWithoutModulationOff) {
+TEST_F(TestDefForm, DropsConstantPeakWithoutModulationOff) {
   Press("chkModOffBetweenFreqs");
   EXPECT_FALSE(Ticked("chkConstPeak"));
   EXPECT_FALSE(Enabled("chkUseAMdepth"));
@@ -207,7 +207,7 @@ TEST_F(TestDefForm, ConstantPeakStaysWithoutModulationOff) {
   EXPECT_FALSE(test().ModOffBetweenFreqs);
 }
 
-TEST_F(TestDefForm, TheProbeLeavesItsLimitInUse) {
+TEST_F(TestDefForm, DropsTheLimitWithTheProbe) {
   const Strings margin{"txtLimitMargin", "lblLimitMargin", "lblLimitMargin2"};
   const auto expect = [&](bool probe, bool limit) {
     EXPECT_EQ(Enabled("chkLimitCurrent"), probe);
@@ -224,7 +224,7 @@ TEST_F(TestDefForm, TheProbeLeavesItsLimitInUse) {
   expect(true, true);
 }
 
-TEST_F(TestDefForm, AnIncompleteStationStartsOrAnotherPageOfTheEquipmentOpens) {
+TEST_F(TestDefForm, OpensTheEquipmentPageThatAnIncompleteStationLacks) {
   EquipRecord& equip = documents.equip.Record;
   equip.RevPortFile.clear();
   EXPECT_THAT(Told("cmdStart"), ElementsAre("No reverse coupler port file has been selected"));
@@ -239,7 +239,7 @@ TEST_F(TestDefForm, AnIncompleteStationStartsOrAnotherPageOfTheEquipmentOpens) {
   EXPECT_EQ(requests().starts, 1);
 }
 
-TEST_F(TestDefForm, TwoControlsOfAPageShareAMnemonic) {
+TEST_F(TestDefForm, HasEachMnemonicOncePerPage) {
   ExpectMnemonicsApart(form());
   EXPECT_LT(form().minimumSizeHint().height(), 700);
 }

@@ -27,7 +27,7 @@ class CalRecordTest : public testing::Test {
   clsCalFile cal{t.shell};
 };
 
-TEST_F(CalRecordTest, ASavedRecordReadsBackDifferently) {
+TEST_F(CalRecordTest, ReadsBackTheRecordItSaved) {
   const CalRows rows{{0.15, -12.345, 129.54, 33.1}, {80, -10, 130, {}, 20}};
   ASSERT_TRUE(SaveCal(t.shell, t.directory.File("Run 1.cal"), rows, kInfo));
   EXPECT_EQ(t.directory.Read("Run 1.cal"), "0.15,-12.345,129.54,33.10,na,\r\n80.0,-10.000,130.00,na,20.00,\r\n");
@@ -45,7 +45,7 @@ TEST_F(CalRecordTest, ASavedRecordReadsBackDifferently) {
   EXPECT_EQ(cal.GetRevPwr(80), 20.0F);
 }
 
-TEST_F(CalRecordTest, AFieldOfTheInfoIsLostOrMoved) {
+TEST_F(CalRecordTest, KeepsEveryFieldOfTheDescription) {
   const CalRows rows{{1, 0, 1}, {2, 0, 1}};
   CalInfo calInfo(t.shell);
   for (int field = 0; field < FieldCount(kInfo); ++field) {
@@ -56,7 +56,7 @@ TEST_F(CalRecordTest, AFieldOfTheInfoIsLostOrMoved) {
   }
 }
 
-TEST_F(CalRecordTest, AFailedSaveCostsTheRecordThatWasThere) {
+TEST_F(CalRecordTest, KeepsTheOldRecordWhenASaveFails) {
   const CalRows one{{1, 0, 1}};
   t.directory.Write("x.cal", "kept");
   EXPECT_FALSE(SaveCal(t.shell, t.directory.File("x.cal"), one, kInfo));
@@ -79,7 +79,7 @@ TEST_F(CalRecordTest, AFailedSaveCostsTheRecordThatWasThere) {
   EXPECT_TRUE(t.dialogs.LastText().ends_with("\rfrmRunCal.SaveCal\r" + nowhere));
 }
 
-TEST_F(CalRecordTest, ABadInfoFileIsTaken) {
+TEST_F(CalRecordTest, RefusesABadDescription) {
   CalInfo calInfo(t.shell);
   calInfo.Record = kInfo;
   EXPECT_FALSE(calInfo.LoadDef(""));
@@ -94,7 +94,7 @@ TEST_F(CalRecordTest, ABadInfoFileIsTaken) {
   EXPECT_EQ(t.dialogs.messages.size(), 4U);
 }
 
-TEST_F(CalRecordTest, ABadDataFileIsTakenOrItsFaultIsMisreported) {
+TEST_F(CalRecordTest, RefusesABadDataFileAndNamesItsFault) {
   const std::string good = "1,2,3,4,5,\r\n";
   const std::string path = t.directory.File("x.cal");
   const std::string lowerPath = [&] {
@@ -127,7 +127,7 @@ TEST_F(CalRecordTest, ABadDataFileIsTakenOrItsFaultIsMisreported) {
   }
 }
 
-TEST_F(CalRecordTest, ABadNameIsTakenAsARecord) {
+TEST_F(CalRecordTest, RefusesANameThatIsNoRecords) {
   EXPECT_FALSE(cal.LoadFile(""));
   EXPECT_TRUE(t.dialogs.messages.empty());
   EXPECT_FALSE(cal.LoadFile("A.CAL"));
@@ -138,7 +138,7 @@ TEST_F(CalRecordTest, ABadNameIsTakenAsARecord) {
   EXPECT_EQ(cal.GetNumSteps(), 0);
 }
 
-TEST_F(CalRecordTest, ANameInAnotherCaseLoadsAnotherRecord) {
+TEST_F(CalRecordTest, LoadsTheRecordInTheSpellingOfItsName) {
   t.directory.Write("Lab/x.cal", "1,-1,3,4,5,\r\n2,-1,3,4,5,\r\n");
   EXPECT_TRUE(cal.LoadFile(t.directory.File("Lab/X.HYINFO")));
   EXPECT_EQ(cal.GetSigGen(1), -1);
@@ -152,7 +152,7 @@ TEST_F(CalRecordTest, ANameInAnotherCaseLoadsAnotherRecord) {
   EXPECT_EQ(lower.GetSigGen(1), -1);
 }
 
-TEST_F(CalRecordTest, ALineIsReadWrongly) {
+TEST_F(CalRecordTest, ReadsALine) {
   const auto point = ParseCalLine(" 1.5 ,-2E1,+3,na,");
   ASSERT_TRUE(point);
   EXPECT_EQ(point->Freq, 1.5);
@@ -178,7 +178,7 @@ TEST_F(CalRecordTest, WhatEditorsLeaveAtTheEndDoesNoHarm) {
   }
 }
 
-TEST_F(CalRecordTest, ALookupGivesTheWrongValue) {
+TEST_F(CalRecordTest, LooksUpBetweenItsPointsAndAtThem) {
   ASSERT_TRUE(Load("1,-20,100,30,20,\r\n100,-10,120,40,na,\r\n100,-12,130,38,25,\r\n200,-10,120,40,40,\r\n"));
   EXPECT_FLOAT_EQ(cal.GetTestLevel(10), 110);
   EXPECT_FLOAT_EQ(cal.GetSigGen(50.5), -15);
@@ -195,13 +195,13 @@ TEST_F(CalRecordTest, ALookupGivesTheWrongValue) {
   EXPECT_TRUE(t.dialogs.messages.empty());
 }
 
-TEST_F(CalRecordTest, NetPowerIsTakenFromNothing) {
+TEST_F(CalRecordTest, HasNoNetPowerWithoutBothPowers) {
   ASSERT_TRUE(Load("1,0,1,40,30,\r\n2,0,1,40,40,\r\n3,0,1,30,40,\r\n4,0,1,na,10,\r\n5,0,1,10,na,\r\n"));
   EXPECT_NEAR(cal.GetNetPwr(1), 39.542, 0.001);
   for (double missing : {2.0, 3.0, 4.0, 5.0, 6.0}) EXPECT_EQ(cal.GetNetPwr(missing), -999) << missing;
 }
 
-TEST_F(CalRecordTest, TheOrderOfLookupsChangesTheirAnswers) {
+TEST_F(CalRecordTest, AnswersAlikeInWhateverOrderItIsAsked) {
   std::string data;
   for (int i = 0; i < 60; ++i) data += std::to_string(i / 2 * 2 + 1) + "," + std::to_string(i % 7) + ",1,na,na,\r\n";
   ASSERT_TRUE(Load(data));
@@ -215,7 +215,7 @@ TEST_F(CalRecordTest, TheOrderOfLookupsChangesTheirAnswers) {
   }
 }
 
-TEST_F(CalRecordTest, PointsOutOfOrderReadBesideTheTable) {
+TEST_F(CalRecordTest, SortsPointsThatAreOutOfOrder) {
   ASSERT_TRUE(Load("1,10,1,na,na,\r\n9,90,1,na,na,\r\n3,30,1,na,na,\r\n5,50,1,na,na,\r\n"));
   for (double f : {1.0, 2.0, 3.0, 4.0, 5.0, 4.5, 1.0, 5.0, 3.0}) EXPECT_NEAR(cal.GetSigGen(f), 10 * f, 1e-4) << f;
 }

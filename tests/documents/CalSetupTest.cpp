@@ -45,7 +45,7 @@ class CalSetupTest : public testing::Test {
   CalSetup setup{t.shell};
 };
 
-TEST_F(CalSetupTest, AFieldIsLostOrMovedInTheFile) {
+TEST_F(CalSetupTest, KeepsEveryFieldInItsPlaceInTheFile) {
   setup.Record = TenVolts();
   ASSERT_TRUE(setup.SaveDef(t.directory.File("a.csu")));
   EXPECT_EQ(t.directory.Read("a.csu"),
@@ -56,7 +56,7 @@ TEST_F(CalSetupTest, AFieldIsLostOrMovedInTheFile) {
   ExpectEveryFieldSurvives(t.directory, setup, other, &CalSetup::Record);
 }
 
-TEST_F(CalSetupTest, TheDemoSetupComesBackChanged) {
+TEST_F(CalSetupTest, ReadsBackTheDemoSetup) {
   const std::string demo = ReadTextFile(HYLDEN_SOURCE_DIR "/examples/station/cdn-10v.csu");
   t.directory.Write("stepped.lev", "0.15 10\r\n80 10\r\n");
   ASSERT_TRUE(setup.LoadDef(t.directory.Write("cdn-10v.csu", demo)));
@@ -73,7 +73,7 @@ TEST_F(CalSetupTest, ALevelFileBesideTheSetupIsFound) {
   EXPECT_EQ(setup.Record.LimitFile, levels);
 }
 
-TEST_F(CalSetupTest, AShortFileOrABadLineStaysHalfLoaded) {
+TEST_F(CalSetupTest, LeavesNothingHalfLoadedOfABadFile) {
   setup.Record = TenVolts();
   ASSERT_TRUE(setup.SaveDef(t.directory.File("a.csu")));
   std::vector<std::string> lines = ReadLines(t.directory.File("a.csu"));
@@ -96,7 +96,7 @@ TEST_F(CalSetupTest, AShortFileOrABadLineStaysHalfLoaded) {
   EXPECT_TRUE(t.dialogs.WasShownContaining("CalSetup.SaveDef"));
 }
 
-TEST_F(CalSetupTest, TheFormOpensWithOtherThanItsDefaults) {
+TEST_F(CalSetupTest, OpensTheFormWithItsDefaults) {
   setup.SetOpeningDefaults(0.2);
   EXPECT_EQ(setup.Record.StartFreq, 0.15);
   EXPECT_EQ(setup.Record.StopFreq, 80);
@@ -107,7 +107,7 @@ TEST_F(CalSetupTest, TheFormOpensWithOtherThanItsDefaults) {
   EXPECT_TRUE(SameRecord(setup.Record, TenVolts()));
 }
 
-TEST_F(CalSetupTest, ACodeWithoutAnOptionChangesTheOptions) {
+TEST_F(CalSetupTest, LeavesTheOptionsForACodeThatNoneStandsFor) {
   CalSetupRecord odd = TenVolts(), before = odd;
   odd.StepType = static_cast<StepType>(3);
   odd.LimitType = static_cast<LimitType>(-1);
@@ -123,7 +123,7 @@ TEST_F(CalSetupTest, ACodeWithoutAnOptionChangesTheOptions) {
   EXPECT_EQ(now.Entries, shown);
 }
 
-TEST_F(CalSetupTest, AListDoesNotSetTheRange) {
+TEST_F(CalSetupTest, SetsTheRangeFromAList) {
   EXPECT_TRUE(setup.LoadFreqList(t.directory.Write("x.lst", "10\r\n20\r\n45.5\r\n")));
   EXPECT_EQ(setup.Record.StartFreq, 10);
   EXPECT_EQ(setup.Record.StopFreq, 45.5);
@@ -157,7 +157,7 @@ void Lists(CalSetupRecord& setup) {
   setup.LimitType = LimitType::File;
 }
 
-TEST(CalSetupValidation, ABadEntryIsTakenOrTheWrongBoxIsShown) {
+TEST(CalSetupValidation, RefusesABadEntryAtItsBox) {
   constexpr auto kMessage = Kind::Message;
   constexpr Refusal<CalSetupRecord> refusals[] = {
       {{}, "txtStartFreq", "0"},
@@ -196,7 +196,7 @@ TEST(CalSetupValidation, AnEntryDoesNotComeBackOrIsNoNumber) {
   }
 }
 
-TEST(CalSetupValidation, AHiddenBoxIsCheckedOrAGoodEntryRefused) {
+TEST(CalSetupValidation, TakesGoodEntriesWithoutLookingAtHiddenBoxes) {
   FormEntries entries = EntriesShowing(TenVolts());
   entries["txtLinearStep"] = entries["txtFwdPwrLimit"] = entries["txtUserDefCF"] = "x";
   entries["txtFinalDwell"] = "0";
@@ -207,7 +207,7 @@ TEST(CalSetupValidation, AHiddenBoxIsCheckedOrAGoodEntryRefused) {
   EXPECT_EQ(setup.UserDefinedFactor, 4);
 }
 
-TEST(CalSetupValidation, AFailureStoresWhatComesBehindIt) {
+TEST(CalSetupValidation, StoresNothingBehindAFailure) {
   FormEntries entries = EntriesShowing(TenVolts());
   entries["txtCalLevel"] = "0";
   CalSetupRecord setup;
@@ -216,7 +216,7 @@ TEST(CalSetupValidation, AFailureStoresWhatComesBehindIt) {
   EXPECT_EQ(setup.MaxLevel, 0);
 }
 
-TEST(CalSetupValidation, ClosingTheFormLosesWhatWasTyped) {
+TEST(CalSetupValidation, KeepsWhatWasTypedWhenTheFormCloses) {
   CalSetupRecord setup = TenVolts();
   OwnFactor(setup);
   FormEntries entries = EntriesShowing(setup);
@@ -235,7 +235,7 @@ TEST(CalSetupValidation, ClosingTheFormLosesWhatWasTyped) {
   EXPECT_EQ(setup.UserDefinedFactor, 11);
 }
 
-TEST(CalSetupControls, ATickLeavesAnImpossibleCombination) {
+TEST(CalSetupControls, LeavesNoImpossibleCombinationBehindATick) {
   constexpr const char *kForward = "chkRecordFP", *kReverse = "chkRecordRP", *kLimit = "chkLimitFwdPwr";
   CalSetupRecord setup;
   setup.LimitFwdPwr = 1;
@@ -254,7 +254,7 @@ TEST(CalSetupControls, ATickLeavesAnImpossibleCombination) {
   EXPECT_TRUE(entries.IsTicked(kReverse));
 }
 
-TEST(CalSetupControls, ABoxThatIsNotUsedCanBeTypedInto) {
+TEST(CalSetupControls, EnablesOnlyTheBoxesInUse) {
   const struct {
     void (*change)(CalSetupRecord&);
     const char* used;
@@ -273,7 +273,7 @@ TEST(CalSetupControls, ABoxThatIsNotUsedCanBeTypedInto) {
   }
 }
 
-TEST(CheckStation, ACalibrationStartsWithoutWhatItNeeds) {
+TEST(CheckStation, StartsNoCalibrationWithoutWhatItNeeds) {
   EquipRecord all;
   all.SigGenFile = all.MeterFile = all.PwrMtrFile = "x";
   all.CableLossFile = all.FwdPortFile = all.RevPortFile = "x";
@@ -312,13 +312,13 @@ TEST(CheckStation, ACalibrationStartsWithoutWhatItNeeds) {
   }
 }
 
-TEST(CouplingFactor, AMethodHasAnotherFactor) {
+TEST(CouplingFactor, KnowsTheFactorOfEachMethod) {
   const double factors[] = {15.5, 6, 0, 9.25, 0};
   for (int code = 0; code < 5; ++code)
     EXPECT_EQ(CouplingFactorDb(static_cast<CouplingMethod>(code), 9.25F), factors[code]) << code;
 }
 
-TEST(CalInfoOfSetup, TheRecordTellsAnotherCalibration) {
+TEST(CalInfoOfSetup, DescribesTheCalibrationInItsRecord) {
   CalSetupRecord setup = TenVolts();
   setup.CalLevel = 3;
   CalInfoRec info = CalInfoOf(setup);

@@ -40,7 +40,7 @@ class EquipTest : public testing::Test {
   Equip equip{t.shell, instruments};
 };
 
-TEST_F(EquipTest, AFieldIsLostOrMovedInTheFile) {
+TEST_F(EquipTest, KeepsEveryFieldInItsPlaceInTheFile) {
   equip.Record = Station();
   ASSERT_EQ(equip.SaveDef(t.directory.File("a.eqp")), 1);
   EXPECT_EQ(t.directory.Read("a.eqp"),
@@ -51,7 +51,7 @@ TEST_F(EquipTest, AFieldIsLostOrMovedInTheFile) {
   ExpectEveryFieldSurvives(t.directory, equip, other, &Equip::Record);
 }
 
-TEST_F(EquipTest, AnOlderOrForeignFileDoesNotLoad) {
+TEST_F(EquipTest, LoadsOlderAndForeignFiles) {
   equip.Record = Station();
   ASSERT_EQ(equip.SaveDef(t.directory.File("a.eqp")), 1);
   std::string bytes = t.directory.Read("a.eqp");
@@ -67,7 +67,7 @@ TEST_F(EquipTest, AnOlderOrForeignFileDoesNotLoad) {
   EXPECT_EQ(other.LoadDef(t.directory.File("old.eqp")), 1);
 }
 
-TEST_F(EquipTest, ABadFileIsTakenAsGood) {
+TEST_F(EquipTest, RefusesABadFile) {
   struct Row {
     const char* name;
     std::string bytes;
@@ -97,12 +97,12 @@ TEST_F(EquipTest, ABadFileIsTakenAsGood) {
   EXPECT_EQ(t.dialogs.messages.size(), std::size(rows) + 3);
 }
 
-TEST_F(EquipTest, AFailedSaveIsTakenAsDone) {
+TEST_F(EquipTest, TellsAFailedSave) {
   EXPECT_EQ(equip.SaveDef(t.directory.File("nowhere/a.eqp")), 0);
   EXPECT_TRUE(t.dialogs.LastText().ends_with("\rEquip.SaveDef\r" + t.directory.File("nowhere/a.eqp")));
 }
 
-TEST_F(EquipTest, TheRunLogMissesALoad) {
+TEST_F(EquipTest, LogsEveryLoad) {
   WorkingDirectory here(t.directory.Path());
   t.shell.settings.Store().SaveSettingInt("System", "LogToFile", 1);
   ASSERT_EQ(equip.SaveDef("a.eqp"), 1);
@@ -170,7 +170,7 @@ TEST_F(EquipTest, FilesBesideTheEquipmentFileAreFoundFromAnywhere) {
   EXPECT_EQ(equip.Record.CableLossFile, "cable.los");
 }
 
-TEST_F(EquipTest, AStationThatCannotBeUsedIsToldWithoutItsFileEntryOrRange) {
+TEST_F(EquipTest, NamesFileEntryAndRangeOfAStationThatCannotBeUsed) {
   const struct {
     std::function<void(EquipRecord&)> spoil;
     const char* told;
@@ -243,7 +243,7 @@ TEST_F(EquipTest, AnInstrumentWithoutAFileNeedsAnAddress) {
   EXPECT_EQ(equip.Record.ProbeFile, "new.prb");
 }
 
-TEST_F(EquipTest, TheBandSwitchIsTakenWrongly) {
+TEST_F(EquipTest, TakesABandSwitchWithinItsRange) {
   struct Row {
     const char* text;
     std::optional<Kind> failure;
@@ -274,7 +274,7 @@ TEST_F(EquipTest, TheBandSwitchIsTakenWrongly) {
   }
 }
 
-TEST_F(EquipTest, AGenericAmplifierChangesTheBandSwitch) {
+TEST_F(EquipTest, KeepsTheBandSwitchWithAGenericAmplifier) {
   equip.Record.PmBandSwitch = 100;
   FormEntries entries = equip.Entries();
   entries["txtIfiBandSwitch"] = "not asked for";
@@ -282,7 +282,7 @@ TEST_F(EquipTest, AGenericAmplifierChangesTheBandSwitch) {
   EXPECT_EQ(equip.Record.PmBandSwitch, 100);
 }
 
-TEST_F(EquipTest, ApplyingAnUntouchedFormChangesTheRecord) {
+TEST_F(EquipTest, KeepsTheRecordOfAnUntouchedForm) {
   equip.Record = Station();
   equip.Record.PmBandSwitch = equip.Record.IfiBandSwitch;
   for (const bool oddCodes : {false, true}) {

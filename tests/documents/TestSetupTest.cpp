@@ -50,7 +50,7 @@ class TestSetupTest : public testing::Test {
   TestSetup setup{t.shell, calInfo};
 };
 
-TEST_F(TestSetupTest, AFieldIsLostOrMovedInTheFile) {
+TEST_F(TestSetupTest, KeepsEveryFieldInItsPlaceInTheFile) {
   setup.Definition = AmSweep();
   ASSERT_TRUE(setup.SaveDef(t.directory.File("a.tst")));
   EXPECT_EQ(t.directory.Read("a.tst"),
@@ -69,7 +69,7 @@ std::string FileWithLine(const TempDir& directory, int number, const std::string
   return directory.Write("changed.tst", JoinLines(lines) + "whatever follows\r\n");
 }
 
-TEST_F(TestSetupTest, ALineIsConvertedWrongly) {
+TEST_F(TestSetupTest, ConvertsEachLineToItsType) {
   setup.Definition = AmSweep();
   ASSERT_TRUE(setup.SaveDef(t.directory.File("a.tst")));
   TestSetup other(t.shell, calInfo);
@@ -87,7 +87,7 @@ TEST_F(TestSetupTest, ALineIsConvertedWrongly) {
   EXPECT_EQ(other.Definition.Spare1, "kept");
 }
 
-TEST_F(TestSetupTest, ABadLineIsTakenOrStaysHalfLoaded) {
+TEST_F(TestSetupTest, LeavesNothingHalfLoadedBehindABadLine) {
   setup.Definition = AmSweep();
   ASSERT_TRUE(setup.SaveDef(t.directory.File("a.tst")));
   const std::string before = setup.TestFileName;
@@ -128,7 +128,7 @@ TEST_F(TestSetupTest, FilesBesideTheDefinitionAreFound) {
   EXPECT_EQ(ExistingPath(other.Definition.CalInfoFile), info) << "from elsewhere it needs the whole path";
 }
 
-TEST_F(TestSetupTest, TheRunLogMissesALoad) {
+TEST_F(TestSetupTest, LogsEveryLoad) {
   WorkingDirectory here(t.directory.Path());
   t.shell.settings.Store().SaveSettingInt("System", "LogToFile", 1);
   ASSERT_TRUE(setup.SaveDef("a.tst"));
@@ -138,7 +138,7 @@ TEST_F(TestSetupTest, TheRunLogMissesALoad) {
             "01/05/26 09:00:00 - Test file saved: a.tst\r\n01/05/26 09:00:00 - Test file: a.tst\r\n");
 }
 
-TEST_F(TestSetupTest, AReadOnlyFileIsTakenAsWritable) {
+TEST_F(TestSetupTest, KnowsAReadOnlyFile) {
   EXPECT_FALSE(setup.TestFileReadOnly());
   ASSERT_TRUE(setup.SaveDef(t.directory.File("a.tst")));
   EXPECT_FALSE(setup.TestFileReadOnly());
@@ -149,7 +149,7 @@ TEST_F(TestSetupTest, AReadOnlyFileIsTakenAsWritable) {
   EXPECT_FALSE(setup.TestFileReadOnly());
 }
 
-TEST_F(TestSetupTest, TheSummaryTellsAnotherTest) {
+TEST_F(TestSetupTest, SummarisesTheTest) {
   setup.Definition = AmSweep();
   calInfo.Record = {"CDN calibration", "Amp", "CDN-M2", "10v", "0.15 - 80", CouplingMethod::Clamp150Ohm};
   EXPECT_EQ(Summary(),
@@ -171,7 +171,7 @@ TEST_F(TestSetupTest, TheSummaryTellsAnotherTest) {
             "     Leveling Method: Signal Generator values\r\n");
 }
 
-TEST_F(TestSetupTest, ALineOfTheSummaryDependsOnTheWrongField) {
+TEST_F(TestSetupTest, ShowsALineOfTheSummaryWhereItsFieldAsksForIt) {
   struct Row {
     const char* line;
     std::function<void(TestDefinition&)> change;
@@ -202,7 +202,7 @@ TEST_F(TestSetupTest, ALineOfTheSummaryDependsOnTheWrongField) {
     EXPECT_EQ(Summary().find(absent), std::string::npos) << absent;
 }
 
-TEST_F(TestSetupTest, ThePrintedPageDiffersFromTheText) {
+TEST_F(TestSetupTest, PrintsThePageThatTheTextHas) {
   setup.Definition = AmSweep();
   setup.Definition.UseAMdepth = true;
   setup.PrintTestSetup(setup.Definition);

@@ -57,7 +57,7 @@ void Probe(TestDefinition& test) {
   test.MonitorProbe = true;
 }
 
-TEST(TestValidationTest, ABadEntryIsTakenOrTheWrongBoxIsShown) {
+TEST(TestValidationTest, RefusesABadEntryAtItsBox) {
   constexpr Refusal<TestDefinition> refusals[] = {
       {{}, "txtStartFreq", "0"},
       {{}, "txtStopFreq", ".15"},
@@ -94,7 +94,7 @@ TEST(TestValidationTest, AnEntryDoesNotComeBackOrIsNoNumber) {
   }
 }
 
-TEST(TestValidationTest, AMissingChoiceGivesTheWrongMessage) {
+TEST(TestValidationTest, NamesAMissingChoice) {
   struct Row {
     std::function<void(FormEntries&)> change;
     const char* range;
@@ -128,7 +128,7 @@ TEST(TestValidationTest, AMissingChoiceGivesTheWrongMessage) {
   }
 }
 
-TEST(TestValidationTest, PulsesThatThePowerMeterAveragesAreLevelledByPower) {
+TEST(TestValidationTest, LevelsNoPulsesByPowerThatTheMeterAverages) {
   for (const auto method : {LevelingMethod::SigGen, LevelingMethod::ForwardPower, LevelingMethod::NetPower})
     for (const auto modulation : {Modulation::None, Modulation::Am, Modulation::Fm, Modulation::Pulse})
       for (const bool offBetween : {false, true}) {
@@ -149,7 +149,7 @@ TEST(TestValidationTest, PulsesThatThePowerMeterAveragesAreLevelledByPower) {
       }
 }
 
-TEST(TestValidationTest, ATestLeavesTheCalibratedRange) {
+TEST(TestValidationTest, KeepsATestInItsCalibratedRange) {
   FormEntries entries = GoodEntries();
   entries["txtStartFreq"] = ".1";
   entries["txtStopFreq"] = "400";
@@ -173,7 +173,7 @@ TEST(TestValidationTest, ATestLeavesTheCalibratedRange) {
   EXPECT_DOUBLE_EQ(test.StartFreq, 0.0333333333333333);
 }
 
-TEST(TestValidationTest, AnEntryIsStoredDifferently) {
+TEST(TestValidationTest, StoresEveryEntryAsItWasTyped) {
   FormEntries entries = GoodEntries();
   entries["txtInitLevOffset"] = "6";
   entries["txtLevelInc"] = "-2";
@@ -201,7 +201,7 @@ TEST(TestValidationTest, AnEntryIsStoredDifferently) {
   EXPECT_EQ(test.Spare3, "");
 }
 
-TEST(TestValidationTest, TheEdgeOfARangeIsRefused) {
+TEST(TestValidationTest, TakesTheEdgesOfARange) {
   const std::function<void(TestDefinition&)> changes[] = {
       [](auto& t) { t.ModType = Modulation::Am, t.AmDepth = 100, t.AmModFreq = 0.001F; },
       [](auto& t) { t.ModType = Modulation::Pulse, t.PulsePeriod = 1, t.PulseWidth = 5; },  // wider than its period
@@ -219,7 +219,7 @@ TEST(TestValidationTest, TheEdgeOfARangeIsRefused) {
   }
 }
 
-TEST(TestValidationTest, ConstantPeakOutlivesModulationOff) {
+TEST(TestValidationTest, DropsConstantPeakWithModulationOff) {
   for (bool modOff : {false, true}) {
     FormEntries entries = GoodEntries();
     entries.Tick("chkConstPeak");
@@ -238,7 +238,7 @@ TEST(TestValidationTest, ConstantPeakOutlivesModulationOff) {
   EXPECT_FALSE(entries.IsTicked("chkConstPeak"));
 }
 
-TEST(TestValidationTest, WhatWasReadBeforeAFailureIsLostOrWhatFollowsIsTaken) {
+TEST(TestValidationTest, TakesWhatStandsBeforeAFailureAndNothingBehindIt) {
   FormEntries entries = GoodEntries();
   entries["txtStopFreq"] = "70";
   entries["txtSweepDwell"] = "-1";
@@ -252,7 +252,7 @@ TEST(TestValidationTest, WhatWasReadBeforeAFailureIsLostOrWhatFollowsIsTaken) {
   EXPECT_EQ(test.ListFile, "old.lst");
 }
 
-TEST(TestValidationTest, AControlIsEnabledWrongly) {
+TEST(TestValidationTest, EnablesTheControlsInUse) {
   const struct {
     std::function<void(TestDefinition&)> change;
     std::string used;
@@ -276,7 +276,7 @@ TEST(TestValidationTest, AControlIsEnabledWrongly) {
   }
 }
 
-TEST(TestValidationTest, ATestStartsWithoutWhatItNeeds) {
+TEST(TestValidationTest, StartsNoTestWithoutWhatItNeeds) {
   TestDefinition test;
   test.MonitorProbe = true;
   test.LevelingMethod = LevelingMethod::NetPower;
@@ -317,7 +317,7 @@ TEST(TestValidationTest, ATestStartsWithoutWhatItNeeds) {
   EXPECT_FALSE(CheckStart(test, generatorOnly));
 }
 
-TEST(TestValidationTest, ARunStartsWithABandSwitchThatTheAmplifierDoesNotHave) {
+TEST(TestValidationTest, StartsNoRunWithABandSwitchThatTheAmplifierLacks) {
   TestDefinition test;
   CalSetupRecord setup;
   EquipRecord station;

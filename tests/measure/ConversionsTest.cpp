@@ -12,7 +12,7 @@ namespace {
 
 using namespace Conversions;
 
-TEST(ConversionsTest, LevelsThatConvertWrongly) {
+TEST(ConversionsTest, ConvertsLevelsBetweenTheirUnits) {
   struct Row {
     const char* name;
     double result, expected;
@@ -44,7 +44,7 @@ TEST(ConversionsTest, LevelsThatConvertWrongly) {
   for (const Row& row : rows) EXPECT_NEAR(row.result, row.expected, 5e-5) << row.name;
 }
 
-TEST(ConversionsTest, AnInvalidOperationPassesSilently) {
+TEST(ConversionsTest, TellsAnInvalidOperation) {
   const double kInfinity = std::numeric_limits<double>::infinity(), kNan = std::numeric_limits<double>::quiet_NaN();
   const std::function<double()> calls[] = {
       [] { return DbmToDbuv(0, 0); },
@@ -61,7 +61,7 @@ TEST(ConversionsTest, AnInvalidOperationPassesSilently) {
   for (const auto& call : calls) EXPECT_THROW(call(), RuntimeError) << "call " << index++;
 }
 
-TEST(ConversionsTest, AnInstrumentUnitConvertsAsAnother) {
+TEST(ConversionsTest, ConvertsEveryUnitThatInstrumentsHave) {
   const double powers[] = {30, 1, 1 - 106.9897, -46.9897, 13.0103, 61 - 106.9897};
   for (int code = 0; code < 6; ++code) EXPECT_NEAR(PowerReadingToDbm(code, 1).value(), powers[code], 5e-5) << code;
 

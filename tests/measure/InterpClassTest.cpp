@@ -33,7 +33,7 @@ class InterpClassTest : public testing::Test {
   InterpClass table{t.shell};
 };
 
-TEST_F(InterpClassTest, ALookupGivesTheWrongValue) {
+TEST_F(InterpClassTest, LooksUpBetweenItsPointsAndAtThem) {
   ASSERT_TRUE(Load("Cable loss\r\nC:\\cables\\one\r\nFreq, Loss\r\n1, .5\r\n 10\t0.7\r\n100,1.2\r\n"));
   EXPECT_EQ(table.MinFreq(), 1);
   EXPECT_EQ(table.MaxFreq(), 100);
@@ -48,13 +48,13 @@ TEST_F(InterpClassTest, ALookupGivesTheWrongValue) {
   EXPECT_TRUE(t.dialogs.messages.empty());
 }
 
-TEST_F(InterpClassTest, ALogLookupNearZeroInventsAValue) {
+TEST_F(InterpClassTest, HasNoValueOnALogScaleNearZero) {
   ASSERT_TRUE(Load("0,1\r\n1,2\r\n"));
   EXPECT_EQ(At(0.5, FreqScale::Log), -999);
   EXPECT_EQ(At(0.5), 1.5F);
 }
 
-TEST_F(InterpClassTest, ARunOfEqualValuesIsKeptOrCutWrongly) {
+TEST_F(InterpClassTest, KeepsTheEndsOfARunOfEqualValues) {
   struct Row {
     const char* text;
     std::vector<double> kept;
@@ -73,7 +73,7 @@ TEST_F(InterpClassTest, ARunOfEqualValuesIsKeptOrCutWrongly) {
   }
 }
 
-TEST_F(InterpClassTest, ABandChangeGivesTheWrongNeighbour) {
+TEST_F(InterpClassTest, GivesTheNeighbourThatTheRuleNamesAtABandChange) {
   ASSERT_TRUE(Load("50,4\r\n30,1\r\n30,1.5\r\n30,9\r\n1,3\r\n"));
   EXPECT_EQ(Frequencies(), (std::vector<double>{1, 30, 30, 30, 50}));
   // Equal frequencies keep their file order, so the pair at 30 MHz is 1 and 1.5 from whatever side the lookup comes.
@@ -88,7 +88,7 @@ TEST_F(InterpClassTest, ABandChangeGivesTheWrongNeighbour) {
   EXPECT_FLOAT_EQ(At(15.5), 2.0F);
 }
 
-TEST_F(InterpClassTest, TheOrderOfLookupsChangesTheirAnswers) {
+TEST_F(InterpClassTest, AnswersAlikeInWhateverOrderItIsAsked) {
   std::string text;
   for (int i = 0; i < 300; ++i) text += std::to_string(1 + i / 2 * 2) + "," + std::to_string(i % 7 * i) + "\r\n";
   ASSERT_TRUE(Load(text));
@@ -106,7 +106,7 @@ TEST_F(InterpClassTest, TheOrderOfLookupsChangesTheirAnswers) {
   }
 }
 
-TEST_F(InterpClassTest, ABadFileIsTakenOrItsFaultIsMisreported) {
+TEST_F(InterpClassTest, RefusesABadFileAndNamesItsFault) {
   struct Row {
     const char* name;
     std::string bytes, message;
@@ -148,7 +148,7 @@ TEST_F(InterpClassTest, ABadFileIsTakenOrItsFaultIsMisreported) {
   }
 }
 
-TEST_F(InterpClassTest, AFileThatCannotBeReadIsNotReported) {
+TEST_F(InterpClassTest, ReportsAFileThatCannotBeRead) {
   EXPECT_FALSE(table.InitInterp(""));
   EXPECT_TRUE(t.dialogs.messages.empty());
 
@@ -161,7 +161,7 @@ TEST_F(InterpClassTest, AFileThatCannotBeReadIsNotReported) {
   EXPECT_TRUE(t.dialogs.WasShownContaining("Error # 75"));
 }
 
-TEST_F(InterpClassTest, AnOddButValidFileIsRefused) {
+TEST_F(InterpClassTest, TakesEveryFileThatIsOddButValid) {
   ASSERT_TRUE(Load("0.15,0.5,7\n30,1\n100,1.5\t60,60.5\n"));
   EXPECT_EQ(At(0.15), 0.5F);
   EXPECT_EQ(At(30), 1);
@@ -175,7 +175,7 @@ TEST_F(InterpClassTest, AnOddButValidFileIsRefused) {
   EXPECT_FLOAT_EQ(At(2), 3);
 }
 
-TEST_F(InterpClassTest, ATableReloadedKeepsPartsOfTheOneBefore) {
+TEST_F(InterpClassTest, LoadsAfreshWithoutPartsOfTheTableBefore) {
   ASSERT_TRUE(Load("1,1\r\n2,2\r\n3,3\r\n4,4\r\n"));
   At(3.5);
   ASSERT_TRUE(Load("1,5\r\n2,6\r\n"));
@@ -183,7 +183,7 @@ TEST_F(InterpClassTest, ATableReloadedKeepsPartsOfTheOneBefore) {
   EXPECT_EQ(Frequencies().size(), 2U);
 }
 
-TEST_F(InterpClassTest, ASavedTableReadsBackDifferently) {
+TEST_F(InterpClassTest, ReadsBackTheTableItSaved) {
   ASSERT_TRUE(Load("0.033333333333333,1.23456\r\n80,-2\r\n"));
   ASSERT_TRUE(table.SaveFile(t.directory.File("copy.los")));
   EXPECT_EQ(t.directory.Read("copy.los"), "0.033333333333333, 1.235\r\n80, -2.0\r\n");
@@ -200,7 +200,7 @@ TEST_F(InterpClassTest, ASavedTableReadsBackDifferently) {
   EXPECT_TRUE(table.InitInterp(t.directory.File("copy.los"))) << "a table that was there is lost";
 }
 
-TEST_F(InterpClassTest, ALargeTableIsCut) {
+TEST_F(InterpClassTest, HoldsALargeTableWhole) {
   std::string text;
   for (int i = 0; i < 40000; ++i) text += std::to_string(i + 1) + "," + std::to_string(i % 5) + "\r\n";
   ASSERT_TRUE(Load(text));

@@ -25,7 +25,7 @@ class ReadFreqTest : public testing::Test {
   ReadFreq lists{t.shell};
 };
 
-TEST_F(ReadFreqTest, AListIsReadWrongly) {
+TEST_F(ReadFreqTest, ReadsAListsFrequencies) {
   List list;
   EXPECT_EQ(lists.FileTolist(t.directory.Write("a.lst", "10\r\n20\r\n30\r\n"), list), 3);
   EXPECT_EQ(list, (List{10, 20, 30}));
@@ -35,7 +35,7 @@ TEST_F(ReadFreqTest, AListIsReadWrongly) {
   EXPECT_TRUE(t.dialogs.messages.empty());
 }
 
-TEST_F(ReadFreqTest, ABadListIsTakenOrCostsTheListThatWasThere) {
+TEST_F(ReadFreqTest, RefusesABadListAndKeepsTheOneThatWasThere) {
   const std::string path = t.directory.File("f.lst");
   const std::string atEnd = "Unexpected end of file in " + path, badData = "Bad data in frequency list file";
   const std::pair<std::string, std::string> rows[] = {
@@ -64,20 +64,20 @@ TEST_F(ReadFreqTest, ABadListIsTakenOrCostsTheListThatWasThere) {
   EXPECT_EQ(list, List{5});
 }
 
-TEST_F(ReadFreqTest, ALinearPlanHasWrongPoints) {
+TEST_F(ReadFreqTest, PlansALinearSweep) {
   EXPECT_EQ(Plan(StepType::Linear, 1, 10, 1).size(), 10U);
   EXPECT_EQ(Plan(StepType::Linear, 1, 10, 2), (List{1, 3, 5, 7, 9, 11}));
   EXPECT_EQ(Plan(StepType::Linear, 1, 2.4, 1), (List{1, 2}));
   EXPECT_EQ(Plan(StepType::Linear, 5, 5, 1), List{5});
 }
 
-TEST_F(ReadFreqTest, ALinearPlanEndsBesideTheDecimalThatARecordHolds) {
+TEST_F(ReadFreqTest, EndsALinearPlanOnTheDecimalThatARecordHolds) {
   EXPECT_EQ(Plan(StepType::Linear, 0.15, 0.85, 0.1).back(), 0.85);
   EXPECT_EQ(Plan(StepType::Linear, 0.15, 230, 1).back(), 230.15);
   EXPECT_EQ(Plan(StepType::Linear, 1, 10.4, 0.7).back(), 10.1);
 }
 
-TEST_F(ReadFreqTest, ALogPlanHasWrongPoints) {
+TEST_F(ReadFreqTest, PlansALogarithmicSweep) {
   EXPECT_EQ(Plan(StepType::Log, 1, 2, 50), (List{1, 1.5, 2}));
   EXPECT_EQ(Plan(StepType::Log, 1, 3, 100), (List{1, 2, 3}));
   EXPECT_EQ(Plan(StepType::Log, 10, 14.4, 20), (List{10, 12, 14.4})) << "the last point stands there once";
@@ -85,14 +85,14 @@ TEST_F(ReadFreqTest, ALogPlanHasWrongPoints) {
   EXPECT_EQ(Plan(StepType::Log, 0.15, 230, 1).size(), 739U);
 }
 
-TEST_F(ReadFreqTest, AListPlanHasWrongPoints) {
+TEST_F(ReadFreqTest, PlansAListWithinItsRange) {
   t.directory.Write("f.lst", "5\r\n10\r\n50\r\n150\r\n20\r\n");
   EXPECT_EQ(Plan(StepType::List, 10, 100, 0, {true, 80}), (List{10, 50}));
   t.directory.Write("f.lst", "none");
   EXPECT_EQ(Plan(StepType::List, 10, 100, 0), List{});
 }
 
-TEST_F(ReadFreqTest, TheBandSwitchPairIsMissingOrMisplaced) {
+TEST_F(ReadFreqTest, PutsTheBandSwitchPairWhereThePlanCrossesIt) {
   constexpr double kAbove80 = 80 + 0.000001;
   struct Row {
     StepType type;
@@ -118,7 +118,7 @@ TEST_F(ReadFreqTest, TheBandSwitchPairIsMissingOrMisplaced) {
   }
 }
 
-TEST_F(ReadFreqTest, AnImpossibleStepHangsOrFillsTheMemory) {
+TEST_F(ReadFreqTest, GivesAnEmptyPlanForAnImpossibleStep) {
   const double kNan = std::numeric_limits<double>::quiet_NaN(), kInfinity = std::numeric_limits<double>::infinity();
   for (double step : {0.0, -1.0, 1e-12, 1e-300, kNan}) {
     EXPECT_EQ(Plan(StepType::Linear, 1, 100, step), List{}) << step;
@@ -132,7 +132,7 @@ TEST_F(ReadFreqTest, AnImpossibleStepHangsOrFillsTheMemory) {
   EXPECT_EQ(Plan(static_cast<StepType>(3), 1, 100, 1), List{});
 }
 
-TEST_F(ReadFreqTest, AListIsSortedWrongly) {
+TEST_F(ReadFreqTest, SortsAList) {
   List list{30, 1, 20, 1, 0.15};
   ReadFreq::SortFreqList(list);
   EXPECT_EQ(list, (List{0.15, 1, 1, 20, 30}));
