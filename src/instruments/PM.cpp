@@ -61,7 +61,8 @@ Done PM::PwrMtrSelect(int channel) {
 
 Done PM::PwrMtrTrigger(int channel) {
   const int active = ChannelFor(channel);
-  // RF may be on: nothing more is tried on a meter that did not take the selection. A silent failure is no such channel.
+  // RF may be on: nothing more is tried on a meter that did not take the selection. A silent failure is no such
+  // channel.
   if (Done selected = PwrMtrSelect(active); !selected && !selected.error().IsSilent()) return selected;
   const std::string& command = OfChannel(active, definition_.Ch1Trigger, definition_.Ch2Trigger);
   if (answers_.Trigger(Address(), command, double{definition_.SettlingTime})) return {};
