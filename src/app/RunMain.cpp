@@ -1,4 +1,5 @@
 #include <CLI/CLI.hpp>
+#include <cstdio>
 
 #include "app/ConsoleRun.h"
 #include "measure/ReadFreq.h"
@@ -66,10 +67,7 @@ int Refuse(const CLI::App& app, const CLI::ParseError& error) {
   return status == 0 ? 0 : static_cast<int>(hylden::ExitState::Usage);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  hylden::KeepStandardStreams();
+int Main(int argc, char** argv) {
   RunOptions options;
   CLI::App app{
       "Runs a conducted RF immunity test or a calibration from its files to the file that it makes.\n"
@@ -100,4 +98,16 @@ int main(int argc, char** argv) {
   }
   TakeChoices(app, options);
   return static_cast<int>(hylden::RunOnConsole(options));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  hylden::KeepStandardStreams();
+  try {
+    return Main(argc, argv);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "hylden-run: %s\n", error.what());
+    return static_cast<int>(hylden::ExitState::Failed);
+  }
 }

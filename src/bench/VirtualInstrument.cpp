@@ -55,7 +55,7 @@ std::optional<std::string> VirtualInstrument::Ended(std::optional<std::string> a
 }
 
 std::string AnswerText(const std::string& pattern, const AnswerValues& values) {
-  const std::string level = values.Linear ? Exponent(values.Level) : Fixed(values.Level);
+  std::string level = values.Linear ? Exponent(values.Level) : Fixed(values.Level);
   if (pattern.empty()) return level;
   std::string text = pattern;
   Replace(text, "{level}", level);

@@ -9,7 +9,7 @@ namespace hylden {
 FilesBeside::FilesBeside(const std::string& document) : document_(FullPath(document)) {}
 
 std::string FilesBeside::Find(const std::string& name) {
-  const std::string path = PathNamedIn(document_, name);
+  std::string path = PathNamedIn(document_, name);
   if (path != name) found_.push_back({path, name});
   return path;
 }

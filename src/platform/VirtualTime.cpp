@@ -8,7 +8,7 @@ namespace hylden {
 
 namespace {
 
-constexpr std::int64_t kDayMs = 24 * 60 * 60 * 1000;
+constexpr std::int64_t kDayMs = std::int64_t{24} * 60 * 60 * 1000;
 
 }  // namespace
 

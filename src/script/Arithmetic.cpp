@@ -94,7 +94,7 @@ Value AddLike(Operator operation, const Value& left, const Value& right) {
 }
 
 Value Joined(const Value& left, const Value& right, Budget& budget) {
-  const Value first = ToText(left), second = ToText(right);
+  Value first = ToText(left), second = ToText(right);
   if (second.Chars().empty()) return first;
   if (first.Chars().empty()) return second;
   const std::size_t length = first.Chars().size() + second.Chars().size();

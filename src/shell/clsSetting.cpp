@@ -103,7 +103,7 @@ std::string clsSetting::Path() {
 }
 
 std::string clsSetting::PathRead() {
-  const std::string own = Path();
+  std::string own = Path();
   if (commonDirectory_.empty() || !IsMissing(own)) return own;
   const std::string common = SettingsPath(commonDirectory_, applicationName_);
   return IsMissing(common) ? own : common;

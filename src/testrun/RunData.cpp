@@ -61,7 +61,7 @@ RunRow CellsOf(const RunEntry& entry) {
 }
 
 int RunData::AddStep(double frequencyMHz) {
-  entries_.emplace_back(std::in_place_type<StepEntry>, frequencyMHz);
+  entries_.emplace_back(StepEntry{frequencyMHz});
   return static_cast<int>(entries_.size());
 }
 
@@ -70,7 +70,10 @@ void RunData::FillStep(int row, const StepResult& result) {
 }
 
 int RunData::AddThreshold(double frequencyMHz, double offsetDb) {
-  entries_.emplace_back(std::in_place_type<ThresholdEntry>, frequencyMHz, offsetDb);
+  ThresholdEntry threshold;
+  threshold.Freq = frequencyMHz;
+  threshold.OffsetDb = offsetDb;
+  entries_.emplace_back(std::move(threshold));
   return static_cast<int>(entries_.size());
 }
 

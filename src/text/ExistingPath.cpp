@@ -65,11 +65,11 @@ std::string Follow(const std::string& folder, const std::vector<std::string>& pa
   if (index == parts.size()) return folder;
   const std::string exact = Joined(folder, parts[index]);
   if (Exists(exact)) {
-    const std::string found = Follow(exact, parts, index + 1);
+    std::string found = Follow(exact, parts, index + 1);
     if (!found.empty()) return found;
   }
   for (const std::string& name : OtherSpellings(folder, parts[index])) {
-    const std::string found = Follow(Joined(folder, name), parts, index + 1);
+    std::string found = Follow(Joined(folder, name), parts, index + 1);
     if (!found.empty()) return found;
   }
   return {};

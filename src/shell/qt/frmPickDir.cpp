@@ -170,7 +170,8 @@ void frmPickDir::ShowDirectory(const QString& path) {
 
 void frmPickDir::AddRow(const QString& path, int depth) {
   const QString name = QDir(path).dirName();
-  auto* const row = new QListWidgetItem(QString(depth * kIndent, QLatin1Char(' ')) + (name.isEmpty() ? path : name));
+  auto* const row =
+      new QListWidgetItem(QString(qsizetype{depth} * kIndent, QLatin1Char(' ')) + (name.isEmpty() ? path : name));
   row->setIcon(style()->standardIcon(directory_.startsWith(path) ? QStyle::SP_DirOpenIcon : QStyle::SP_DirClosedIcon));
   row->setData(kPathRole, path);
   row->setData(Qt::AccessibleTextRole, path);

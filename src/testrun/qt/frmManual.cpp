@@ -67,7 +67,7 @@ void frmManual::Open(const ManualStart& start, const std::string& place) {
 std::string frmManual::Unload() {
   hook_.Remove();
   timer1_.stop();
-  const std::string place = WindowPosition(*this);
+  std::string place = WindowPosition(*this);
   hide();
   return place;
 }
