@@ -17,6 +17,7 @@
 #include "documents/qt/frmCalSetup.h"
 #include "documents/qt/frmEquipment.h"
 #include "documents/qt/frmTestDef.h"
+#include "measure/qt/frmBuildList.h"
 #include "platform/qt/QtText.h"
 #include "shell/FormInput.h"
 #include "shell/Version.h"
@@ -137,6 +138,8 @@ void Desktop::OpenTestDefinition() {
   if (!shell_.end.MayStart()) return;
   auto* const form = new frmTestDef(shell_, documents_);
   connect(form, &frmTestDef::EditEquipmentRequested, this, [this, form](int tab) { OpenEquipment(form, tab, true); });
+  connect(form, &frmTestDef::CreateListRequested, this,
+          [this, form](const QString& list) { OpenListBuilder(form, list); });
   connect(form, &frmTestDef::StartRequested, this, [this, form] { OpenTestRun(form); });
   connect(form, &frmTestDef::PrintPreviewRequested, this, [this, form] { Preview([form] { form->Print(); }); });
   Open(form, menu_.get());
@@ -157,6 +160,8 @@ void Desktop::OpenCalibrationSetup() {
   if (!shell_.end.MayStart()) return;
   auto* const form = new frmCalSetup(shell_, instruments_, documents_);
   connect(form, &frmCalSetup::EditEquipmentRequested, this, [this, form](int tab) { OpenEquipment(form, tab, true); });
+  connect(form, &frmCalSetup::CreateListRequested, this,
+          [this, form](const QString& list) { OpenListBuilder(form, list); });
   connect(form, &frmCalSetup::StartRequested, this, [this, form] { OpenCalibrationRun(form); });
   Open(form, menu_.get());
 }
@@ -171,8 +176,21 @@ void Desktop::OpenCalibrationRun(QWidget* caller) {
 void Desktop::OpenCableSetup(QWidget* caller) {
   auto* const form = new frmCblSetup(shell_, documents_, *cableCalibration_);
   connect(form, &frmCblSetup::EditEquipmentRequested, this, [this, form](int tab) { OpenEquipment(form, tab, true); });
+  connect(form, &frmCblSetup::CreateListRequested, this,
+          [this, form](const QString& list) { OpenListBuilder(form, list); });
   connect(form, &frmCblSetup::StartRequested, this, [this, form] { OpenCableRun(form); });
   Open(form, caller);
+}
+
+void Desktop::OpenListBuilder(RunSetupForm* form, const QString& listFile) {
+  auto* const builder = new frmBuildList(shell_);
+  builder->setWindowModality(Qt::ApplicationModal);
+  builder->DoIt(listFile);
+  connect(builder, &WorkingForm::Unloaded, form, [builder, form] {
+    if (const QString list = builder->GetFilename(); !list.isEmpty())
+      form->Guard("cmdCreateList", [&] { form->UseList(list); });
+  });
+  Open(builder, form);
 }
 
 void Desktop::OpenCableRun(QWidget* caller) {

@@ -13,6 +13,7 @@ namespace hylden {
 
 class BenchWindows;
 class RunCablCal;
+class RunSetupForm;
 class Shell;
 class Station;
 class TopMenu;
@@ -58,6 +59,8 @@ class Desktop : public QObject {
   void OpenCalibrationRun(QWidget* caller);
   /// Opens the insertion-loss setup in the caller's place; its Start opens the two passes.
   void OpenCableSetup(QWidget* caller);
+  /// Opens the list builder above a form that sets up a run; the list composed there becomes the form's.
+  void OpenListBuilder(RunSetupForm* form, const QString& listFile);
   /// Connects a form to what every form may ask for, and shows it in the caller's place.
   /// @return false while the program is being ended: nothing is opened then
   bool Open(WorkingForm* form, QWidget* caller);

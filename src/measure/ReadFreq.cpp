@@ -40,14 +40,6 @@ class PlanBuilder {
   bool pairDone_ = false;
 };
 
-/// The frequency without what the arithmetic leaves behind its ninth decimal. A record, a table and the band switch are
-/// decimals: 0.8500000000000001 MHz would lie beyond a record that ends at 0.85, and 220.00000000000003 MHz in the band
-/// above a switch at 220.
-double Decimal(double frequencyMHz) {
-  constexpr double kParts = 1e9;
-  return std::round(frequencyMHz * kParts) / kParts;
-}
-
 std::vector<double> LinearPlan(double start, double stop, double step, BandSwitch band) {
   std::vector<double> plan;
   const std::vector<double> sweep = LinearSweep(start, stop, step);
@@ -97,20 +89,25 @@ std::string ReadList(std::string text, const std::string& fileName, std::vector<
 
 }  // namespace
 
+double SweepPoint(double frequencyMHz) {
+  constexpr double kParts = 1e9;
+  return std::round(frequencyMHz * kParts) / kParts;
+}
+
 std::vector<double> LinearSweep(double startMHz, double stopMHz, double stepMHz) {
   const double count = NearestWhole((stopMHz - startMHz) / stepMHz + 1);
   if (!(stepMHz > 0) || !(count >= 1 && count <= static_cast<double>(kMostSweepPoints))) return {};
   std::vector<double> sweep(static_cast<std::size_t>(count));
-  for (std::size_t k = 0; k < sweep.size(); ++k) sweep[k] = Decimal(startMHz + static_cast<double>(k) * stepMHz);
+  for (std::size_t k = 0; k < sweep.size(); ++k) sweep[k] = SweepPoint(startMHz + static_cast<double>(k) * stepMHz);
   return sweep;
 }
 
 std::vector<double> LogSweep(double startMHz, double stopMHz, double stepPercent) {
   if (!(stepPercent > 0) || !(startMHz > 0) || !std::isfinite(stopMHz)) return {};
   std::vector<double> sweep;
-  for (double f = startMHz; Decimal(f) < stopMHz; f *= 1 + stepPercent / 100) {
+  for (double f = startMHz; SweepPoint(f) < stopMHz; f *= 1 + stepPercent / 100) {
     if (sweep.size() + 1 >= kMostSweepPoints) return {};
-    sweep.push_back(Decimal(f));
+    sweep.push_back(SweepPoint(f));
   }
   sweep.push_back(stopMHz);
   return sweep;

@@ -20,6 +20,10 @@ struct BandSwitch {
 /// The longest sweep; what asks for more (a mistyped step) gives an empty one.
 inline constexpr std::size_t kMostSweepPoints = 1'000'000;
 
+/// The frequency without what the arithmetic of a sweep leaves behind its ninth decimal. A record, a table and the band
+/// switch are decimals: 0.8500000000000001 MHz would lie beyond a record that ends at 0.85, and 220.00000000000003 MHz
+/// in the band above a switch at 220.
+double SweepPoint(double frequencyMHz);
 /// The frequencies of a sweep in fixed steps, MHz. Their number is rounded to the nearest (ties to even), so that the
 /// last one may lie half a step above or below the stop frequency. Empty for a step of 0 or less.
 std::vector<double> LinearSweep(double startMHz, double stopMHz, double stepMHz);

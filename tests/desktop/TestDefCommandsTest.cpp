@@ -168,10 +168,7 @@ TEST_F(TestDefForm, TakesNoFileThatIsNoList) {
   EXPECT_TRUE(Ticked("chkFreqList"));
 }
 
-TEST_F(TestDefForm, AsksForNoListBuilderWhereThereIsNone) {
-  Press("cmdCreateList");
-  EXPECT_THAT(requests().lists, IsEmpty());
-  form().Offer(true);
+TEST_F(TestDefForm, AsksForTheListBuilderWithItsList) {
   Press("cmdCreateList");
   EXPECT_EQ(requests().lists, QStringList(ToQt(test().ListFile)));
 }

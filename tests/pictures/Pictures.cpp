@@ -15,6 +15,7 @@
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <array>
 #include <filesystem>
 #include <functional>
 #include <iostream>
@@ -218,6 +219,26 @@ void PictureCalibration(Desktop& desktop, Tour& tour, QtVirtualEventLoop& events
   Settle();
 }
 
+/// The list builder, opened by a form that sets up a run.
+void PictureListBuilder(QWidget& setup, Tour& tour) {
+  Tour::Press(setup, "cmdCreateList");
+  QWidget& builder = Window("frmBuildList");
+  const std::pair<const char*, std::array<const char*, 3>> parts[] = {{"optLog", {"0.15", "80", "1"}},
+                                                                      {"optLinear", {"11.5", "12.5", "0.05"}}};
+  for (const auto& [kind, texts] : parts) {
+    Find<QAbstractButton>(builder, kind).click();
+    Find<QLineEdit>(builder, "txtRangeStart").setText(QLatin1String(texts[0]));
+    Find<QLineEdit>(builder, "txtRangeEnd").setText(QLatin1String(texts[1]));
+    Find<QLineEdit>(builder, "txtStepSize").setText(QLatin1String(texts[2]));
+    Tour::Press(builder, "cmdAdd");
+  }
+  tour.Grab(builder, "list-builder");
+  Find<QAbstractButton>(builder, "cmdClear").click();
+  tour.OnBox("Hylden", "list-question", QMessageBox::No);
+  builder.close();
+  Settle();
+}
+
 /// Both passes of an insertion-loss calibration.
 void PictureCable(Desktop& desktop, Tour& tour, QtVirtualEventLoop& events) {
   desktop.OpenCableSetup(&desktop.Menu());
@@ -226,6 +247,7 @@ void PictureCable(Desktop& desktop, Tour& tour, QtVirtualEventLoop& events) {
       {"txtStartFreq", "0.15"}, {"txtStopFreq", "230"}, {"txtLogStep", "20"}, {"txtLev", "-10"}};
   for (const auto& [box, text] : entries) Find<QLineEdit>(setup, box).setText(QLatin1String(text));
   tour.Grab(setup, "insertion-loss-setup");
+  PictureListBuilder(setup, tour);
   Tour::Press(setup, "cmdStart");
   QWidget& passes = Window("frmRunCablCal");
   Tour::Press(passes, "cmdDirect");

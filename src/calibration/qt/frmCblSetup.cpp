@@ -22,7 +22,6 @@ frmCblSetup::frmCblSetup(Shell& shell, Documents& documents, RunCablCal& calibra
   On(ui_->cmdStart, [this] { Start(); });
   connect(ui_->cmdHelp, &QPushButton::clicked, this, [this] { emit HelpRequested(HelpTopic()); });
   connect(ui_->cmdExit, &QPushButton::clicked, this, &QWidget::close);
-  Offer(false);
   ShowEntries(EntriesOf(run_.Setup));
 }
 

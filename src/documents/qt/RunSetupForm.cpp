@@ -10,16 +10,9 @@
 namespace hylden {
 
 void RunSetupForm::ConnectList() {
-  auto* const create = findChild<QPushButton*>(QStringLiteral("cmdCreateList"));
   On(findChild<QPushButton*>(QStringLiteral("cmdListFile")), [this] { SelectListFile(); });
-  On(create, [this] { emit CreateListRequested(ToQt(Entries()["lblListFile"])); });
-}
-
-void RunSetupForm::Offer(bool listBuilder) {
-  auto* const create = findChild<QPushButton*>(QStringLiteral("cmdCreateList"));
-  create->setEnabled(listBuilder);
-  create->setToolTip(listBuilder ? QStringLiteral("Compose a frequency list")
-                                 : QStringLiteral("This version has no form for it"));
+  On(findChild<QPushButton*>(QStringLiteral("cmdCreateList")),
+     [this] { emit CreateListRequested(ToQt(Entries()["lblListFile"])); });
 }
 
 void RunSetupForm::SelectListFile() {

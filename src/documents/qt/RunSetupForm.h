@@ -13,8 +13,6 @@ class RunSetupForm : public SetupForm {
  public:
   /// Makes a file the frequency list; one that does not read as a list is refused.
   virtual void UseList(const QString& path) = 0;
-  /// Enables the button of the list builder when the program around has one.
-  void Offer(bool listBuilder);
 
  signals:
   /// The list builder is wanted; the list composed there comes back through UseList.

@@ -26,7 +26,7 @@ frmCalSetup::frmCalSetup(Shell& shell, Instruments& instruments, Documents& docu
       ui_(std::make_unique<Ui::frmCalSetup>()) {
   ui_->setupUi(this);
   ConnectCommands();
-  Offer(false, false);
+  Offer(false);
   ShowEntries(EntriesOf(CalSetupRecord()).Entries);
   documents_.calSetup.SetOpeningDefaults(static_cast<double>(instruments_.meter.SettlingTime()));
   SetupToForm();
@@ -62,10 +62,7 @@ void frmCalSetup::ConnectCommands() {
   ApplyRule(ui_->chkRecordRP, RecordRevPwrClicked);
 }
 
-void frmCalSetup::Offer(bool listBuilder, bool factorEditor) {
-  RunSetupForm::Offer(listBuilder);
-  ui_->mnuEditList->setEnabled(listBuilder);
-  ui_->mnuEditList->setToolTip(ui_->cmdCreateList->toolTip());
+void frmCalSetup::Offer(bool factorEditor) {
   ui_->mnuEditLevel->setEnabled(factorEditor);
   ui_->mnuEditLevel->setToolTip(factorEditor ? QStringLiteral("Edit a test level file")
                                              : QStringLiteral("This version has no form for it"));

@@ -34,7 +34,7 @@ class frmCalSetup : public RunSetupForm {
   /// Makes a file the test level; one that does not read as a factor table is refused.
   void UseLevelFile(const QString& path);
   /// Enables what opens the list builder and the factor file editor when the program around has them.
-  void Offer(bool listBuilder, bool factorEditor);
+  void Offer(bool factorEditor);
 
   QString HelpTopic() const override;
 

@@ -28,7 +28,6 @@ frmTestDef::frmTestDef(Shell& shell, Documents& documents, QWidget* parent)
   readOnlyNotice_->setMargin(4);
   ui_->statusBar->addWidget(readOnlyNotice_);
   ConnectCommands();
-  Offer(false);
   calInfoOfRecord_ = documents_.calInfo.Record;
   DefToForm();
   ShowCalInfo();

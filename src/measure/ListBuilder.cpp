@@ -1,0 +1,128 @@
+#include "measure/ListBuilder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "measure/ReadFreq.h"
+#include "shell/FormFields.h"
+#include "text/Numbers.h"
+#include "text/Pattern.h"
+#include "text/TextFile.h"
+
+namespace hylden {
+
+namespace {
+
+std::string ListText(double frequencyMHz) {
+  return Format(frequencyMHz, "#0.0#####");
+}
+
+std::vector<double> Harmonics(double fundamental, double count) {
+  std::vector<double> list;
+  for (double k = 1; k <= count; ++k) list.push_back(SweepPoint(fundamental * k));
+  return list;
+}
+
+std::vector<double> LinearRange(double start, double end, double step) {
+  std::vector<double> list;
+  for (double k = 0; SweepPoint(start + k * step) < end; ++k) list.push_back(SweepPoint(start + k * step));
+  list.push_back(end);
+  return list;
+}
+
+/// How many frequencies the part has, roughly.
+double SizeOf(const ListPart& part) {
+  switch (part.Kind) {
+    case ListPartKind::Linear:
+      return (part.End - part.Start) / part.Step;
+    case ListPartKind::Log:
+      return std::log(part.End / part.Start) / std::log1p(part.Step / 100);
+    case ListPartKind::Harmonics:
+      break;
+  }
+  return NearestWhole(part.Step);
+}
+
+}  // namespace
+
+void FormFields(FormWalker& f, ListPart& part) {
+  f.Choice({"optLinear", "optLog", "optHarmonics"}, part.Kind);
+  f.Number("txtRangeStart", part.Start, Above(0));
+  if (f.Uses(part.Kind != ListPartKind::Harmonics, {"txtRangeEnd"})) f.Number("txtRangeEnd", part.End, Above(0));
+  f.Number("txtStepSize", part.Step, Above(0));
+  f.Check("txtStepSize", !FrequenciesOf(part).empty());
+}
+
+std::vector<double> FrequenciesOf(const ListPart& part) {
+  if (!(part.Start > 0) || !(part.Step > 0) || !(SizeOf(part) < static_cast<double>(kMostSweepPoints))) return {};
+  switch (part.Kind) {
+    case ListPartKind::Linear:
+      return LinearRange(part.Start, part.End, part.Step);
+    case ListPartKind::Log:
+      return LogSweep(part.Start, part.End, part.Step);
+    case ListPartKind::Harmonics:
+      break;
+  }
+  return Harmonics(part.Start, NearestWhole(part.Step));
+}
+
+std::vector<double> TidyList(std::vector<double> list) {
+  ReadFreq::SortFreqList(list);
+  std::vector<double> tidy;
+  for (std::size_t i = 0; i < list.size() && list[i] != 0; ++i) {
+    tidy.push_back(list[i]);
+    if (i + 1 < list.size() && ShortestText(list[i]) == ShortestText(list[i + 1])) ++i;
+  }
+  return tidy;
+}
+
+std::vector<std::string> ListLines(const std::vector<double>& list) {
+  std::vector<std::string> lines(list.size());
+  std::transform(list.begin(), list.end(), lines.begin(), ListText);
+  return lines;
+}
+
+std::string ListSummary(const std::vector<double>& list) {
+  if (list.empty()) return "No frequencies yet";
+  const auto [lowest, highest] = std::minmax_element(list.begin(), list.end());
+  if (list.size() == 1) return "1 frequency, " + ListText(*lowest) + " MHz";
+  return std::to_string(list.size()) + " frequencies, " + ListText(*lowest) + " to " + ListText(*highest) + " MHz";
+}
+
+void ListBuilder::Open(std::vector<double> list, const std::string& file) {
+  list_ = std::move(list);
+  file_ = file;
+  unsaved_ = false;
+  unchanged_ = true;
+}
+
+void ListBuilder::AddFile(std::vector<double> list, const std::string& file) {
+  const bool isFirst = list_.empty();
+  Append(list);
+  if (!isFirst) return;
+  file_ = file;
+  unsaved_ = false;
+}
+
+void ListBuilder::Append(const std::vector<double>& more) {
+  list_.insert(list_.end(), more.begin(), more.end());
+  list_ = TidyList(std::move(list_));
+  file_.clear();
+  unsaved_ = true;
+  unchanged_ = false;
+}
+
+void ListBuilder::Clear() {
+  list_.clear();
+  file_.clear();
+  unchanged_ = false;
+}
+
+void ListBuilder::Save(const std::string& file) {
+  ReplaceFile(file, JoinLines(ListLines(list_)));
+  file_ = file;
+  unsaved_ = false;
+}
+
+}  // namespace hylden

@@ -1,0 +1,170 @@
+#include "measure/qt/frmBuildList.h"
+
+#include <algorithm>
+
+#include "measure/ReadFreq.h"
+#include "platform/qt/QtText.h"
+#include "shell/Shell.h"
+#include "shell/qt/FormPrompts.h"
+#include "text/TextFile.h"
+#include "ui_frmBuildList.h"
+
+namespace hylden {
+
+namespace {
+
+constexpr char kListFilter[] = "Frequency List Files (*.lst)|*.lst|All Files|*.*";
+
+/// The boxes' captions, by the kind of the part.
+struct PartCaptions {
+  const char *Start, *Step, *StartTip, *StepTip;
+};
+
+PartCaptions CaptionsOf(ListPartKind kind) {
+  switch (kind) {
+    case ListPartKind::Linear:
+      return {"&Start, MHz", "S&tep, MHz", "First frequency, MHz; above 0", "Step between frequencies, MHz; above 0"};
+    case ListPartKind::Log:
+      return {"&Start, MHz", "S&tep, %", "First frequency, MHz; above 0",
+              "Step between frequencies, percent of the present frequency; above 0"};
+    case ListPartKind::Harmonics:
+      break;
+  }
+  return {"Fundamental, M&Hz", "# of harmonics", "Fundamental, MHz; above 0",
+          "How many multiples of the fundamental, itself the first; a whole number"};
+}
+
+}  // namespace
+
+frmBuildList::frmBuildList(Shell& shell, QWidget* parent)
+    : SetupForm(shell, parent, "", ""), ui_(std::make_unique<Ui::frmBuildList>()) {
+  ui_->setupUi(this);
+  On(ui_->cmdAdd, [this] { Add(); });
+  for (const QLineEdit* const box : {ui_->txtRangeStart, ui_->txtRangeEnd, ui_->txtStepSize})
+    connect(box, &QLineEdit::returnPressed, ui_->cmdAdd, &QPushButton::click);
+  On(ui_->cmdClear, [this] { Clear(); });
+  On(ui_->mnuFileAdd, [this] { AddFile(); });
+  On(ui_->mnuFileSaveAs, [this] { SaveAs(); });
+  connect(ui_->cmdExit, &QPushButton::clicked, this, &QWidget::close);
+  connect(ui_->mnuFileExit, &QAction::triggered, this, &QWidget::close);
+  connect(ui_->mnuHelpList, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
+  FormEntries entries = EntriesShowing(ListPart());
+  for (const char* const box : {"txtRangeStart", "txtRangeEnd", "txtStepSize"}) entries[box].clear();
+  ShowEntries(entries);
+  ShowList();
+}
+
+frmBuildList::~frmBuildList() = default;
+
+void frmBuildList::DoIt(const QString& file) {
+  if (auto list = Read(FromQt(file))) builder_.Open(std::move(*list), FromQt(file));
+  ShowList();
+}
+
+QString frmBuildList::GetFilename() const {
+  return ToQt(builder_.File());
+}
+
+QString frmBuildList::HelpTopic() const {
+  return QStringLiteral("Frequency lists");
+}
+
+UsedControls frmBuildList::UsedNow() const {
+  return UsedWith(Entries(), ListPart());
+}
+
+void frmBuildList::EnableControls() {
+  SetupForm::EnableControls();
+  ListPart part;
+  TakeEntries(Entries(), part, EntryTaker::Refuses::Nothing);
+  const PartCaptions captions = CaptionsOf(part.Kind);
+  ui_->lblRangeStart->setText(QString::fromLatin1(captions.Start));
+  ui_->lblStep->setText(QString::fromLatin1(captions.Step));
+  ui_->txtRangeStart->setToolTip(QString::fromLatin1(captions.StartTip));
+  ui_->txtStepSize->setToolTip(QString::fromLatin1(captions.StepTip));
+  const bool hasEnd = part.Kind != ListPartKind::Harmonics;
+  ui_->lblRangeEnd->setVisible(hasEnd);
+  ui_->txtRangeEnd->setVisible(hasEnd);
+}
+
+void frmBuildList::Add() {
+  ListPart part;
+  if (const auto failure = TakeEntries(Entries(), part)) return PointOut(*this, *failure, shell_.dialogs);
+  builder_.Add(part);
+  ShowList();
+  ui_->txtRangeStart->clear();
+  ui_->txtRangeStart->setFocus();
+}
+
+std::optional<std::vector<double>> frmBuildList::Read(const std::string& file) {
+  std::vector<double> list;
+  if (ReadFreq(shell_).FileTolist(file, list) < 1) return std::nullopt;
+  return list;
+}
+
+void frmBuildList::AddFile() {
+  const auto path = AskFile("Select frequency list file", kListFilter, datakind::kFreqList, builder_.File());
+  if (!path) return;
+  ShowCaption(*path);
+  ui_->txtList->setPlainText(QStringLiteral("Sorting..."));
+  ui_->txtList->viewport()->repaint();
+  if (auto list = Read(*path)) {
+    if (std::any_of(list->begin(), list->end(), [](double frequency) { return frequency <= 0; }))
+      shell_.dialogs.Tell("A frequency of 0 MHz or less would end the list:\r\n" + *path);
+    else
+      builder_.AddFile(std::move(*list), *path);
+  }
+  ShowList();
+}
+
+void frmBuildList::SaveAs() {
+  if (builder_.List().empty()) return shell_.dialogs.Tell("Nothing to save!");
+  const auto path = AskSaveFile("Frequency List Filename", kListFilter, datakind::kFreqList, builder_.File());
+  if (!path) return;
+  try {
+    builder_.Save(*path);
+  } catch (const std::exception& error) {
+    shell_.ReportError(error, "frmBuildList.SaveFile", *path);
+  }
+  ShowCaption(builder_.File());
+}
+
+void frmBuildList::Clear() {
+  builder_.Clear();
+  ShowList();
+}
+
+bool frmBuildList::Settle() {
+  const auto ask = [this](const std::string& question) {
+    return shell_.dialogs.Show({question, {}, MessageIcon::Question, MessageButtons::YesNoCancel});
+  };
+  if (builder_.IsUnsaved()) {
+    const MessageAnswer answer = ask("Save before exiting?");
+    if (answer == MessageAnswer::Yes) SaveAs();
+    if (answer != MessageAnswer::No) return false;
+  }
+  if (builder_.IsUnchanged()) {
+    builder_.LetFileGo();
+  } else if (!builder_.File().empty()) {
+    const MessageAnswer answer = ask("Do you want to use file " + builder_.File() + "?");
+    if (answer == MessageAnswer::No) builder_.LetFileGo();
+    return answer == MessageAnswer::Yes || answer == MessageAnswer::No;
+  }
+  return true;
+}
+
+bool frmBuildList::QueryUnload() {
+  return Settle();
+}
+
+void frmBuildList::ShowList() {
+  ui_->txtList->setPlainText(ToQt(JoinLines(ListLines(builder_.List()))));
+  ui_->lblCount->setText(ToQt(ListSummary(builder_.List())));
+  ShowCaption(builder_.File());
+}
+
+void frmBuildList::ShowCaption(const std::string& file) {
+  setWindowTitle(QStringLiteral("Frequency List: ") + (file.empty() ? QStringLiteral("(unsaved)") : ToQt(file)));
+}
+
+}  // namespace hylden
