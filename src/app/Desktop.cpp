@@ -7,6 +7,7 @@
 #include "app/BusChoice.h"
 #include "app/DesktopBench.h"
 #include "app/DesktopBeside.h"
+#include "app/DesktopUtilities.h"
 #include "app/StartUp.h"
 #include "app/Station.h"
 #include "bench/Bench.h"
@@ -122,6 +123,8 @@ frmEquipment* Desktop::OpenEquipment(QWidget* caller, int tab, bool modal) {
   form->Offer(false, false, true);
   connect(form, &frmEquipment::StationLoaded, this, [this] { station_.LoadDefinitions(); });
   connect(form, &frmEquipment::EntriesTaken, this, [this] { station_.TakeAddresses(); });
+  connect(form, &frmEquipment::UtilityRequested, this,
+          [this](Utility utility) { RunUtility(utility, station_, helpFile_); });
   connect(form, &frmEquipment::InsertionLossRequested, this, [this, form] { OpenCableSetup(form); });
   connect(form, &WorkingForm::Unloaded, this, [this, form] { Applied(form); });
   return Open(form, caller) ? form : nullptr;

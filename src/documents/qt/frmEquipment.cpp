@@ -99,6 +99,9 @@ void frmEquipment::ConnectFileMenu() {
   On(ui_->mnuEquipFileSave, [this] { SaveEntries(); });
   On(ui_->mnuEquipFileSaveAs, [this] { SaveAs(); });
   On(ui_->mnuUtilInsertLoss, [this] { RequestInsertionLoss(); });
+  On(ui_->mnuUtilInterpolate, [this] { emit UtilityRequested(Utility::Interpolation); });
+  On(ui_->mnuUtilShortcut, [this] { emit UtilityRequested(Utility::Shortcut); });
+  On(ui_->mnuUtilSystem, [this] { emit UtilityRequested(Utility::SystemCheck); });
   connect(ui_->mnuHelpEquipment, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
   On(ui_->mnuHelpAbout, [this] { ShowAbout(shell_.dialogs); });
 }

@@ -19,6 +19,7 @@ class frmEquipment;
 
 enum class InstrumentKind { SigGen, Meter, PwrMtr };
 enum class FactorKind { Factor, Level, Loss };
+enum class Utility { Interpolation, Shortcut, SystemCheck };
 
 /// The station's equipment: which definitions, addresses and tables it consists of, and how its amplifier and power
 /// meter are arranged. Changes go into the record when the form closes; the file is written by Save only.
@@ -46,6 +47,7 @@ class frmEquipment : public SetupForm {
   void DefineInstrumentRequested(InstrumentKind kind);
   void EditFactorRequested(FactorKind kind);
   void InsertionLossRequested();
+  void UtilityRequested(Utility utility);
   /// Another station is loaded: its definitions and addresses are the drivers' now.
   void StationLoaded();
   /// The entries are in the record, up to one that is refused.

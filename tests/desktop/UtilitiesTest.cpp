@@ -1,0 +1,30 @@
+#include <gmock/gmock.h>
+
+#include "app/DesktopUtilities.h"
+#include "desktop/RunForms.h"
+#include "support/FakeDialogs.h"
+
+namespace hylden {
+namespace {
+
+TEST(DesktopUtilities, ShortcutStartsTheProgramOnItsFiles) {
+  const std::string text = ShortcutText("/opt/hylden", "/lab/100% \"A\"/st$.eqp", "/lab/b\\c.tst");
+  EXPECT_THAT(text, testing::HasSubstr("\nExec=\"/opt/hylden\" \"/e:/lab/100%% \\\\\"A\\\\\"/st\\\\$.eqp\" "
+                                       "\"/t:/lab/b\\\\\\\\c.tst\"\n"));
+}
+
+TEST(DesktopUtilities, FailuresAreTold) {
+  FakeDialogs dialogs;
+  BenchMachine m{dialogs};
+  RunUtility(Utility::Interpolation, m.station, {});
+  EXPECT_EQ(dialogs.LastText(), "Error running Interp.exe");
+  RunUtility(Utility::Shortcut, m.station, {});
+  EXPECT_EQ(dialogs.LastText(), "Save the equipment first: a shortcut names its file.");
+  m.station.shell.settings.SaveDataDir(datakind::kProbes, m.directory.File("gone"));
+  RunUtility(Utility::SystemCheck, m.station, m.directory.File("hylden.hlp"));
+  EXPECT_TRUE(dialogs.WasShownContaining("NOT OK:  Data, Probes: " + m.directory.File("gone") + " (not there)"));
+  EXPECT_EQ(dialogs.messages.back().icon, MessageIcon::Exclamation);
+}
+
+}  // namespace
+}  // namespace hylden
