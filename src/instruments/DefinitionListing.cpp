@@ -13,7 +13,6 @@ namespace {
 constexpr int kTopLines = 6;
 constexpr std::size_t kInitPieceLength = 60;
 const std::string kNoLabel(17, ' ');
-constexpr const char* kEndOfStringCodes = "  (0 = none, 1 = cr, 2 = cr/lf)";
 
 /// The text in pieces of at most `length` characters (of UTF-8); one empty piece for an empty text.
 std::vector<std::string> Pieces(std::string_view text, std::size_t length) {
@@ -48,6 +47,12 @@ class Lines {
     }
     return *this;
   }
+  Lines& Frequencies(const InstrumentDefinition& d) {
+    return Number("   Maximum Freq: ", d.MaximumFreq).Number("   Minimum Freq: ", d.MinimumFreq);
+  }
+  Lines& EndOfString(const InstrumentDefinition& d) {
+    return Code("  End of String: ", d.EndOfString, "  (0 = none, 1 = cr, 2 = cr/lf)");
+  }
   Lines& Gap() { return Text("", ""); }
   std::vector<std::string> Take() { return std::move(lines_); }
 
@@ -55,13 +60,19 @@ class Lines {
   std::vector<std::string> lines_;
 };
 
-}  // namespace
-
-std::vector<std::string> Listing(const SigGenDefinition& d) {
+/// The lines that every listing begins with.
+Lines Head(const InstrumentDefinition& d) {
   Lines lines;
   lines.Text("Instrument Name: ", d.InstrumentName).Code("        Address: ", d.Address).Gap();
   lines.Init(d.InitString).Gap();
   lines.Text("Freq Set Prefix: ", d.FreqSetPrefix).Text("         Suffix: ", d.FreqSetSuffix).Gap();
+  return lines;
+}
+
+}  // namespace
+
+std::vector<std::string> Listing(const SigGenDefinition& d) {
+  Lines lines = Head(d);
   lines.Text(" Lev Set Prefix: ", d.LevSetPrefix).Text(kNoLabel, d.LevSetSuffix).Gap();
   lines.Text(" Modulation Off: ", d.ModulationOff).Gap();
   lines.Text("         RF Off: ", d.RfOff).Text("         Rf On : ", d.RfOn).Gap();
@@ -78,34 +89,26 @@ std::vector<std::string> Listing(const SigGenDefinition& d) {
   lines.Text("Pulse Width Pre: ", d.PulseWidthPrefix).Text("            Suf: ", d.PulseWidthSuffix).Gap();
   lines.Text("   Pulse Mod On: ", d.PulseModOn).Gap();
   lines.Number("  Maximum Level: ", d.MaximumLevel).Number("  Minimum Level: ", d.MinimumLevel).Gap();
-  lines.Number("   Maximum Freq: ", d.MaximumFreq).Number("   Minimum Freq: ", d.MinimumFreq).Gap();
-  lines.Code("  End of String: ", d.EndOfString, kEndOfStringCodes);
-  return lines.Take();
+  lines.Frequencies(d).Gap();
+  return lines.EndOfString(d).Take();
 }
 
 std::vector<std::string> Listing(const MeterDefinition& d) {
-  Lines lines;
-  lines.Text("Instrument Name: ", d.InstrumentName).Code("        Address: ", d.Address).Gap();
-  lines.Init(d.InitString).Gap();
-  lines.Text("Freq Set Prefix: ", d.FreqSetPrefix).Text("         Suffix: ", d.FreqSetSuffix).Gap();
+  Lines lines = Head(d);
   lines.Text(" Lev Set Prefix: ", d.LevSetPrefix).Text(kNoLabel, d.LevSetSuffix).Gap();
   lines.Number("  Maximum Level: ", d.MaximumLevel, " dBuV").Number("  Minimum Level: ", d.MinimumLevel, " dBuV").Gap();
-  lines.Number("   Maximum Freq: ", d.MaximumFreq).Number("   Minimum Freq: ", d.MinimumFreq).Gap();
+  lines.Frequencies(d).Gap();
   lines.Text("        Trigger: ", d.Trigger).Text("           Read: ", d.Read);
   lines.Text("      Parse cmd: ", d.ParseCmd).Text("       Shutdown: ", d.Shutdown).Gap();
   lines.Code("          Units: ", d.Units, "  (0 = Volts, 1 = dBuv, 2 = mv, 3 = dbmv, 4 = dbm)");
   lines.Code("           Type: ", d.Type, "  (0 = SpecAn, 1 = Scope, 2 = RfMeter)");
   lines.Number("  Settling Time: ", d.SettlingTime);
-  lines.Code("  End of String: ", d.EndOfString, kEndOfStringCodes);
-  return lines.Take();
+  return lines.EndOfString(d).Take();
 }
 
 std::vector<std::string> Listing(const PowerMeterDefinition& d) {
-  Lines lines;
-  lines.Text("Instrument Name: ", d.InstrumentName).Code("        Address: ", d.Address).Gap();
-  lines.Init(d.InitString).Gap();
-  lines.Text("Freq Set Prefix: ", d.FreqSetPrefix).Text("         Suffix: ", d.FreqSetSuffix).Gap();
-  lines.Number("   Maximum Freq: ", d.MaximumFreq).Number("   Minimum Freq: ", d.MinimumFreq);
+  Lines lines = Head(d);
+  lines.Frequencies(d);
   lines.Number("     Bandswitch: ", d.Bandswitch).Gap();
   lines.Text("     Select Ch1: ", d.SelectCh1).Text("     Select Ch2: ", d.SelectCh2).Gap();
   lines.Text("    Ch1 Trigger: ", d.Ch1Trigger).Text("    Ch2 Trigger: ", d.Ch2Trigger).Gap();
@@ -114,8 +117,7 @@ std::vector<std::string> Listing(const PowerMeterDefinition& d) {
   lines.Code("          Units: ", d.Units, "  (0=Watts, 1=dBm, 2=dBuv, 3=mv, 4=Volts, 5=dBmv)");
   lines.Code("           Type: ", d.Type, "  (0 = SpecAn, 1 = PowerMeter)");
   lines.Number("  Settling Time: ", d.SettlingTime);
-  lines.Code("  End of String: ", d.EndOfString, kEndOfStringCodes);
-  return lines.Take();
+  return lines.EndOfString(d).Take();
 }
 
 PrintJob ListingJob(const std::string& title, const std::vector<std::string>& listing) {

@@ -1,18 +1,14 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
 #include <string_view>
+
+#include "instruments/InstrumentDefinition.h"
 
 namespace hylden {
 
 /// A signal generator's definition (.sg): its commands, limits and abilities. Frequencies in MHz, levels in dBm;
 /// modulation frequencies and deviation in kHz, depth in percent, pulse width in ms.
-struct SigGenDefinition {
-  std::string InstrumentName;
-  std::int16_t Address = 0;
-  std::string InitString;
-  std::string FreqSetPrefix, FreqSetSuffix;
+struct SigGenDefinition : InstrumentDefinition {
   std::string LevSetPrefix, LevSetSuffix;
   std::string ModulationOff;
   std::string RfOff, RfOn;
@@ -20,8 +16,6 @@ struct SigGenDefinition {
   std::string FmFreqPrefix, FmFreqSuffix, FmDevPrefix, FmDevSuffix, FmModOn;
   std::string PulseFreqPrefix, PulseFreqSuffix, PulseWidthPrefix, PulseWidthSuffix, PulseModOn;
   float MaximumLevel = 0, MinimumLevel = 0;
-  double MaximumFreq = 0, MinimumFreq = 0;
-  std::int32_t EndOfString = 0;
   std::int16_t AmCapable = 0, FmCapable = 0, PulseCapable = 0;
 };
 
@@ -31,11 +25,7 @@ constexpr std::string_view FileKind(const SigGenDefinition&) {
 
 template <class F>
 void Fields(F& f, SigGenDefinition& d) {
-  f.Text(d.InstrumentName);
-  f.Int16(d.Address);
-  f.Text(d.InitString);
-  f.Text(d.FreqSetPrefix);
-  f.Text(d.FreqSetSuffix);
+  HeadFields(f, d);
   f.Text(d.LevSetPrefix);
   f.Text(d.LevSetSuffix);
   f.Text(d.ModulationOff);
@@ -58,8 +48,7 @@ void Fields(F& f, SigGenDefinition& d) {
   f.Text(d.PulseModOn);
   f.Single(d.MaximumLevel);
   f.Single(d.MinimumLevel);
-  f.Double(d.MaximumFreq);
-  f.Double(d.MinimumFreq);
+  FreqFields(f, d);
   f.Int32(d.EndOfString);
   f.Int16(d.AmCapable);
   f.Int16(d.FmCapable);
