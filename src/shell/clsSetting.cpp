@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <chrono>
 #include <filesystem>
 #include <limits>
 #include <optional>
@@ -25,12 +26,11 @@ constexpr int kReadError = static_cast<int>(kErrorBase + 515);
 constexpr int kSectionError = static_cast<int>(kErrorBase + 516);
 constexpr int kDeleteError = static_cast<int>(kErrorBase + 517);
 
-/// Runs an operation of the class; a failure inside becomes a SettingError that names the operation.
+/// Runs an operation of the class; a failure inside becomes a SettingError.
 template <class Operation>
-auto Trapped(int number, const char* name, const char* what, Operation operation) {
+auto Numbered(int number, const char* what, Operation operation) {
   const auto failure = [&](int innerNumber, const std::string& innerDescription) {
-    return SettingError(number, std::string("CSetting.") + name,
-                        std::string(what) + " (" + std::to_string(innerNumber) + ", " + innerDescription + ")");
+    return SettingError(number, std::string(what) + " (" + std::to_string(innerNumber) + ", " + innerDescription + ")");
   };
   try {
     return operation();
@@ -46,6 +46,11 @@ auto Trapped(int number, const char* name, const char* what, Operation operation
 bool IsMissing(const std::string& path) {
   std::error_code error;
   return std::filesystem::status(path, error).type() == std::filesystem::file_type::not_found;
+}
+
+FileState StateOf(const std::string& path) {
+  std::error_code unknown;
+  return {path, std::filesystem::last_write_time(path, unknown), std::filesystem::file_size(path, unknown)};
 }
 
 /// A value as it comes out of the read buffer.
@@ -111,7 +116,15 @@ std::string clsSetting::PathRead() {
 
 std::string clsSetting::Text() {
   const std::string path = PathRead();
-  return IsMissing(path) ? std::string() : ReadFileBytes(path);
+  if (IsMissing(path)) return {};
+  const FileState now = StateOf(path);
+  if (!(now == keptOf_)) {
+    kept_ = ReadFileBytes(path);
+    // A file that was written this moment may be written again within the same tick of its time.
+    const bool atRest = std::filesystem::file_time_type::clock::now() - now.Written > std::chrono::seconds(2);
+    keptOf_ = atRest ? now : FileState();
+  }
+  return kept_;
 }
 
 std::string clsSetting::TextToChange() {
@@ -128,19 +141,19 @@ bool clsSetting::Fits(std::string_view value) {
 }
 
 std::string clsSetting::GetSettingStr(const std::string& section, const std::string& key, const std::string& fallback) {
-  return Trapped(kReadError, "GetSettingStr", "Error reading Setting",
-                 [&] { return ThroughBuffer(profile::Value(Text(), section, key).value_or(fallback)); });
+  return Numbered(kReadError, "Error reading Setting",
+                  [&] { return ThroughBuffer(profile::Value(Text(), section, key).value_or(fallback)); });
 }
 
 std::int16_t clsSetting::GetSettingInt(const std::string& section, const std::string& key, std::int16_t fallback) {
-  return Trapped(kReadError, "GetSettingInt", "Error reading Setting", [&] {
+  return Numbered(kReadError, "Error reading Setting", [&] {
     const auto value = profile::Value(Text(), section, key);
     return value ? LeadingInt16(*value) : fallback;
   });
 }
 
 std::vector<std::pair<std::string, std::string>> clsSetting::GetSettingAll(const std::string& section) {
-  return Trapped(kSectionError, "GetSettingAll", "Error reading Section", [&] {
+  return Numbered(kSectionError, "Error reading Section", [&] {
     const std::string text = Text();
     std::vector<std::pair<std::string, std::string>> rows;
     for (const std::string& key : ThroughListBuffer(profile::Keys(text, section))) {
@@ -151,17 +164,15 @@ std::vector<std::pair<std::string, std::string>> clsSetting::GetSettingAll(const
 }
 
 std::vector<std::string> clsSetting::GetSectionNames() {
-  return Trapped(kSectionError, "GetSectionNames", "Error reading Section",
-                 [&] { return ThroughListBuffer(profile::Sections(Text())); });
+  return Numbered(kSectionError, "Error reading Section", [&] { return ThroughListBuffer(profile::Sections(Text())); });
 }
 
 bool clsSetting::SaveSettingStr(const std::string& section, const std::string& key, const std::string& value) {
-  return Trapped(kWriteError, "SaveSettingStr", "Error writing Setting", [&] { return Write(section, key, value); });
+  return Numbered(kWriteError, "Error writing Setting", [&] { return Write(section, key, value); });
 }
 
 bool clsSetting::SaveSettingInt(const std::string& section, const std::string& key, std::int16_t value) {
-  return Trapped(kWriteError, "SaveSettingInt", "Error writing Setting",
-                 [&] { return Write(section, key, std::to_string(value)); });
+  return Numbered(kWriteError, "Error writing Setting", [&] { return Write(section, key, std::to_string(value)); });
 }
 
 bool clsSetting::Write(const std::string& section, const std::string& key, const std::string& value) {
@@ -174,13 +185,13 @@ bool clsSetting::Write(const std::string& section, const std::string& key, const
 }
 
 void clsSetting::DeleteKey(const std::string& section, const std::string& key) {
-  Trapped(kDeleteError, "DeleteKey", "Error Deleting Key", [&] {
+  Numbered(kDeleteError, "Error Deleting Key", [&] {
     const auto text = profile::WithoutKey(Text(), section, key);
     if (!text) return;
     try {
       ReplaceFile(Path(), *text);
     } catch (const RuntimeError&) {
-      throw SettingError(kDeleteError, "CSetting.DeleteKey", "Error Deleting Key (check if file is protected)");
+      throw SettingError(kDeleteError, "Error Deleting Key (check if file is protected)");
     }
   });
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -11,15 +12,18 @@
 
 namespace hylden {
 
-/// A failed settings operation: the number tells which kind, the source which operation ("CSetting.GetSettingStr").
+/// A failed settings operation; the number tells which kind.
 class SettingError : public RuntimeError {
  public:
-  SettingError(int number, std::string source, const std::string& description)
-      : RuntimeError(number, description), source_(std::move(source)) {}
-  const std::string& Source() const { return source_; }
+  using RuntimeError::RuntimeError;
+};
 
- private:
-  std::string source_;
+/// By what a file is known to be as it was.
+struct FileState {
+  std::string Path;
+  std::filesystem::file_time_type Written;
+  std::uintmax_t Size = 0;
+  bool operator==(const FileState&) const = default;
 };
 
 /// A settings file of sections and keys. Names match without regard to case; blanks around a value and one matching
@@ -61,7 +65,8 @@ class clsSetting {
   static bool Fits(std::string_view value);
 
  private:
-  /// The bytes of the settings; empty when there is no file.
+  /// The bytes of the settings; empty when there is no file. Read again when the file has changed: an administrator or
+  /// another program may have written it.
   std::string Text();
   /// The bytes that a write begins with; a common file that can't be read does not hold it up.
   std::string TextToChange();
@@ -71,6 +76,8 @@ class clsSetting {
   std::string programName_;
   std::string commonDirectory_;
   std::string applicationName_;
+  std::string kept_;  ///< the file as it was read last
+  FileState keptOf_;
 };
 
 }  // namespace hylden
