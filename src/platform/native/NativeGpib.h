@@ -17,9 +17,6 @@ class NativeGpib : public GpibDriver {
   NativeGpib();
   explicit NativeGpib(const Resolver& resolve);
 
-  /// Whether a library with all the calls was found.
-  bool Available() const { return available_; }
-
   int RegisterGpibGlobalsForThread(GpibStatusCells& cells) override;
   int UnregisterGpibGlobalsForThread() override;
   void SendIFC(int board) override;
