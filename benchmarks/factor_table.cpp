@@ -32,7 +32,7 @@ std::string TableText() {
 struct Table {
   Table() : machine(bus), table(machine.shell), path(machine.directory.Write("table.los", TableText())) {}
 
-  bool Load() { return table.InitInterp(path); }
+  bool Load() { return table.InitInterp(path).has_value(); }
 
   ScriptedBus bus;
   TestShell machine;

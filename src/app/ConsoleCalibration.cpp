@@ -48,7 +48,7 @@ bool Validate(ConsoleStation& station) {
 
 bool Load(ConsoleStation& station) {
   const std::string& file = station.Options().SetupFile;
-  if (!station.TheDocuments().calSetup.LoadDef(file)) {
+  if (!station.TheShell().Ok(station.TheDocuments().calSetup.LoadDef(file))) {
     station.Tell("Error loading calibration setup file: " + file);
     return false;
   }

@@ -29,12 +29,12 @@ bool Validate(ConsoleStation& station) {
 bool Load(ConsoleStation& station) {
   Documents& documents = station.TheDocuments();
   const std::string& file = station.Options().TestFile;
-  if (!documents.testSetup.LoadDef(file)) {
+  if (!station.TheShell().Ok(documents.testSetup.LoadDef(file))) {
     station.Tell("Error loading test setup file: " + file);
     return false;
   }
   const std::string infoFile = documents.testSetup.Definition.CalInfoFile;
-  if (!documents.calInfo.LoadDef(infoFile)) {
+  if (!station.TheShell().Ok(documents.calInfo.LoadDef(infoFile))) {
     station.Tell("Error loading calinfo file: " + infoFile);
     return false;
   }

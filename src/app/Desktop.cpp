@@ -252,7 +252,7 @@ void Desktop::CloseAll() {
   shell_.delay.RequestHalt();
   if (shell_.end.Ask()) ClearBoxes();
   // A session that ends may not wait for the run to end in order.
-  if (instruments_.sigGen.RfIsOn()) instruments_.sigGen.SilenceRf();
+  if (instruments_.sigGen.RfIsOn()) (void)instruments_.sigGen.SilenceRf();
   QTimer::singleShot(0, this, &Desktop::CloseNext);
 }
 

@@ -45,13 +45,13 @@ void LoadStation(Station& station, std::string path) {
 bool LoadTest(Station& station, const std::string& path) {
   Dialogs& dialogs = station.shell.dialogs;
   TestSetup& test = station.documents.testSetup;
-  if (!test.LoadDef(path)) {
+  if (!station.shell.Ok(test.LoadDef(path))) {
     dialogs.Tell("Error loading test setup file: " + path);
     return false;
   }
   AddRecent(station.shell, datakind::kTestSetups, path);
   const std::string& calInfoFile = test.Definition.CalInfoFile;
-  if (station.documents.calInfo.LoadDef(calInfoFile)) return true;
+  if (station.shell.Ok(station.documents.calInfo.LoadDef(calInfoFile))) return true;
   dialogs.Tell("Error loading calinfo file: " + calInfoFile);
   return false;
 }

@@ -24,7 +24,7 @@ BenchEquipment OnTheBench(const EquipRecord& equipment, const Instruments& instr
 }  // namespace
 
 bool Station::LoadEquipment(const std::string& path) {
-  if (documents.equip.LoadDef(path) != 1) {
+  if (!shell.Ok(documents.equip.LoadDef(path))) {
     shell.dialogs.Tell("Error loading equipment file " + path);
     return false;
   }
@@ -43,11 +43,11 @@ bool Station::Apply() {
 
 bool Station::LoadDefinitions() {
   // The command that ends RF goes with the definition.
-  if (instruments.sigGen.RfIsOn()) instruments.sigGen.SilenceRf();
+  if (instruments.sigGen.RfIsOn()) (void)instruments.sigGen.SilenceRf();
   bool loaded = true;
-  const auto load = [&loaded](auto& driver, const std::string& file) {
+  const auto load = [&](auto& driver, const std::string& file) {
     if (file.empty()) return driver.Forget();
-    loaded = driver.LoadFile(file) && loaded;
+    loaded = shell.Ok(driver.LoadFile(file)) && loaded;
   };
   const EquipRecord& equipment = documents.equip.Record;
   load(instruments.sigGen, equipment.SigGenFile);

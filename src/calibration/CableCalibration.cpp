@@ -34,8 +34,8 @@ bool RunCablCal::BuildPlan() {
   const auto type = Setup.StepType;
   FrequencyRequest request{type, Setup.StartFreq, Setup.StopFreq,
                            type == StepType::Log ? Setup.LogStep : Setup.LinearStep, Setup.ListFile};
-  const auto plan = PlanFrequencies(shell_, request);
-  if (!plan) return false;
+  const auto plan = PlanFrequencies(request);
+  if (!shell_.Ok(plan)) return false;
   if (plan->empty()) {
     shell_.dialogs.Tell("Error, no frequencies to calibrate? Check setup.");
     return false;

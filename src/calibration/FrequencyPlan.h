@@ -1,14 +1,11 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "measure/ReadFreq.h"
 
 namespace hylden {
-
-class Shell;
 
 /// What a calibration is to visit: MHz, and percent for a logarithmic step.
 struct FrequencyRequest {
@@ -20,7 +17,7 @@ struct FrequencyRequest {
 };
 
 /// Plans the frequencies of a calibration. Of a list, the first or last frequency stands in for a start or stop of 0,
-/// also in the request. @return nothing after a message of the list reader; empty where the request leaves no frequency
-std::optional<std::vector<double>> PlanFrequencies(Shell& shell, FrequencyRequest& request);
+/// also in the request. The plan is empty where the request leaves no frequency.
+Result<std::vector<double>> PlanFrequencies(FrequencyRequest& request);
 
 }  // namespace hylden

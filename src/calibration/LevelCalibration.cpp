@@ -48,8 +48,9 @@ bool LevelCalibration::Prepare() {
   return ready_;
 }
 
-bool LevelCalibration::NotReady(const std::string& text) {
-  shell_.dialogs.Tell(text);
+bool LevelCalibration::NotReady(const Failure& failure) {
+  shell_.Tell(failure);
+  const std::string text = failure.Boxes().back().text;
   display_.Status("Not ready: " + text.substr(0, text.find('\r')));
   return false;
 }
@@ -69,10 +70,11 @@ bool LevelCalibration::PlanRun() {
                            type == StepType::Log ? setup_.LogStep : setup_.LinearStep,
                            setup_.ListFile,
                            {equipment.HasIfiAmplifier(), equipment.IfiBandSwitch}};
-  plan_ = PlanFrequencies(shell_, request).value_or(std::vector<double>());
+  const auto plan = PlanFrequencies(request);
+  plan_ = shell_.Ok(plan) ? *plan : std::vector<double>();
   setup_.StartFreq = request.StartMHz;
   setup_.StopFreq = request.StopMHz;
-  if (plan_.empty()) return NotReady("Error, no frequencies to calibrate? Check setup.");
+  if (plan_.empty()) return NotReady(Failure("Error, no frequencies to calibrate? Check setup."));
   ShowPlan();
   return true;
 }
@@ -103,8 +105,8 @@ bool LevelCalibration::LoadTables() {
   PlanRange range(plan_, linear ? std::optional(setup_.StopFreq) : std::nullopt);
   for (const auto& t : tables) {
     if (!t.wanted) continue;
-    const std::string fault = LoadCoveringTable(t.table, t.file, range, t.loadText, t.coverText);
-    if (!fault.empty()) return NotReady(fault);
+    const Done loaded = LoadCoveringTable(t.table, t.file, range, t.loadText, t.coverText);
+    if (!loaded) return NotReady(loaded.error());
   }
   if (range.LeftOut()) LeaveOutLast(range);
   return true;
@@ -120,8 +122,8 @@ void LevelCalibration::LeaveOutLast(const PlanRange& range) {
 bool LevelCalibration::CheckTestLevels() {
   for (const double frequency : plan_)
     if (!TargetDbuv(setup_, testLevels_, frequency))
-      return NotReady("The test level file gives no level at " + ShortestText(frequency) + " MHz:\r\n" +
-                      setup_.LimitFile);
+      return NotReady(
+          Failure("The test level file gives no level at " + ShortestText(frequency) + " MHz:\r\n" + setup_.LimitFile));
   return true;
 }
 
@@ -196,7 +198,7 @@ bool LevelCalibration::WriteRecord() {
   const bool wholePlan = rows.size() >= plan_.size();
   CalInfoRec info = CalInfoOf(setup_);
   if (!wholePlan) info.FreqRange = RangeOf(rows);
-  if (!SaveCal(shell_, *path, rows, info)) return false;
+  if (!shell_.Ok(SaveCal(*path, rows, info))) return false;
   if (!wholePlan) shell_.dialogs.Tell("The calibration ended early: its record holds " + info.FreqRange + " MHz only.");
   return true;
 }

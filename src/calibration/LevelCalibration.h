@@ -75,7 +75,7 @@ class LevelCalibration {
   void LeaveOutLast(const PlanRange& range);
   bool CheckTestLevels();
   /// Tells why no run can be started, and leaves it on the display; false.
-  bool NotReady(const std::string& text);
+  bool NotReady(const Failure& failure);
   void RunPlan();
   bool BringUp();
   void Sweep();

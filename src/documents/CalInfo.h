@@ -4,10 +4,9 @@
 #include <string_view>
 
 #include "documents/CalSetupRecord.h"
+#include "shell/Failure.h"
 
 namespace hylden {
-
-class Shell;
 
 /// What a calibration record's info file (.hyinfo) tells about it.
 struct CalInfoRec {
@@ -34,17 +33,11 @@ void Fields(F& f, CalInfoRec& c) {
 }
 
 /// The calibration info that the program shows and checks against.
-class CalInfo {
- public:
-  explicit CalInfo(Shell& shell) : shell_(shell) {}
-
-  /// @return false after a message; the record is then as it was
-  bool LoadDef(const std::string& path);
+struct CalInfo {
+  /// One that fails leaves the record as it was.
+  Done LoadDef(const std::string& path);
 
   CalInfoRec Record;
-
- private:
-  Shell& shell_;
 };
 
 }  // namespace hylden

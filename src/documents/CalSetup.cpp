@@ -1,11 +1,8 @@
 #include "documents/CalSetup.h"
 
-#include <utility>
-
+#include "documents/DocumentFile.h"
 #include "measure/ReadFreq.h"
-#include "shell/Shell.h"
 #include "text/Numbers.h"
-#include "text/RecordFile.h"
 
 namespace hylden {
 namespace {
@@ -75,39 +72,21 @@ CalInfoRec CalInfoOf(const CalSetupRecord& setup) {
   return info;
 }
 
-bool CalSetup::LoadDef(const std::string& path) {
-  try {
-    CalSetupRecord read;
-    LoadRecord(path, read);
-    FilesBeside files(path);
-    FindFiles(read, files);
-    Record = std::move(read);
-    files_ = std::move(files);
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, "CalSetup.LoadDef", path);
-    return false;
-  }
-  Saved = Record;
-  return true;
+Done CalSetup::LoadDef(const std::string& path) {
+  return LoadDocument("CalSetup.LoadDef", path, Record, Saved, files_);
 }
 
-bool CalSetup::SaveDef(const std::string& path) {
-  try {
-    SaveRecord(path, WithFileNames(Record, files_, path), true);
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, "CalSetup.SaveDef", path);
-    return false;
-  }
-  Saved = Record;
-  return true;
+Done CalSetup::SaveDef(const std::string& path) {
+  return SaveDocument("CalSetup.SaveDef", path, Record, Saved, files_, true);
 }
 
-bool CalSetup::LoadFreqList(const std::string& path) {
-  std::vector<double> list;
-  if (ReadFreq(shell_).FileTolist(path, list) < 1) return false;
-  Record.StartFreq = list.front();
-  Record.StopFreq = list.back();
-  return true;
+Done CalSetup::LoadFreqList(const std::string& path) {
+  return ReadFreq::FileTolist(path).and_then([&](const std::vector<double>& list) -> Done {
+    if (list.empty()) return Because();
+    Record.StartFreq = list.front();
+    Record.StopFreq = list.back();
+    return {};
+  });
 }
 
 void CalSetup::SetOpeningDefaults(double meterSettling) {

@@ -1,15 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "measure/ReadFreq.h"
+#include "shell/FormFields.h"
 
 namespace hylden {
-
-class FormWalker;
 
 enum class LimitType : std::int32_t { Flat = 0, File = 1 };
 enum class CouplingMethod : std::int32_t {
@@ -87,6 +87,26 @@ void Fields(F& f, CalSetupRecord& c) {
 
 /// The fields of frmCalSetup. What is not in use is neither checked nor taken.
 void FormFields(FormWalker& f, CalSetupRecord& s);
+
+/// The entries that show a setup, and a message for every code in it that no option stands for.
+/// @param shown  what is shown so far: its choice stays where the setup's code is none
+struct CalSetupShown {
+  FormEntries Entries;
+  std::vector<std::string> Messages;
+};
+CalSetupShown EntriesOf(const CalSetupRecord& setup, const FormEntries* shown = nullptr);
+
+/// Takes the entries into the setup in the form's order, each field as soon as it has passed.
+/// @param validate  stop at the first failure; otherwise nothing is checked, and what is no number is left out
+/// @return the failure; lblListFile and lblLimitFile stand for a file that has to be picked
+std::optional<EntryFailure> ValidateCalSetup(const FormEntries& entries, bool validate, CalSetupRecord& setup);
+
+/// After a click on chkLimitFwdPwr: a limit needs the forward power.
+void LimitFwdPwrClicked(FormEntries& entries);
+/// After a click on chkRecordFP: without forward power there is neither reverse power nor a limit.
+void RecordFwdPwrClicked(FormEntries& entries);
+/// After a click on chkRecordRP: reverse power needs the forward power.
+void RecordRevPwrClicked(FormEntries& entries);
 
 /// The fields that name other files.
 inline std::vector<std::string*> FileFields(CalSetupRecord& r) {

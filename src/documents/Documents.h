@@ -9,8 +9,7 @@ namespace hylden {
 
 /// The documents of one station; one record of each kind.
 struct Documents {
-  Documents(Shell& shell, const Instruments& instruments)
-      : equip(shell, instruments), calSetup(shell), calInfo(shell), testSetup(shell, calInfo) {}
+  Documents(Shell& shell, const Instruments& instruments) : equip(shell, instruments), testSetup(shell, calInfo) {}
   Documents(const Documents&) = delete;
   Documents& operator=(const Documents&) = delete;
 

@@ -1,13 +1,14 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace hylden {
+#include "shell/FormFields.h"
 
-class FormWalker;
+namespace hylden {
 
 /// How amplifier power is measured.
 enum class AmpConfig : std::int32_t { Single = 0, DualFwdRev = 1, DualSplit = 2 };
@@ -71,6 +72,19 @@ void Fields(F& f, EquipRecord& e) {
 
 /// The fields of frmEquipment. The definitions are shown only: choosing one loads it.
 void FormFields(FormWalker& f, EquipRecord& e);
+
+/// A check before a run that failed: the message, and the tab of the equipment form where it is mended.
+struct StartFailure {
+  std::string Text;
+  int EquipmentTab = 0;
+};
+
+/// The check that every run with the station's amplifier begins with: its band switch.
+std::optional<StartFailure> CheckAmplifier(const EquipRecord& equipment);
+/// The entries that show a record.
+FormEntries EntriesOf(const EquipRecord& record);
+/// Tells of an entry of a loaded station that can't be used: file, entry, value and range.
+std::string BadEntryText(const EntryFailure& failure, const EquipRecord& station, const std::string& file);
 
 /// The fields that name other files.
 inline std::vector<std::string*> FileFields(EquipRecord& r) {

@@ -5,7 +5,6 @@
 
 #include "documents/CalInfo.h"
 #include "documents/CalSetup.h"
-#include "shell/Shell.h"
 #include "text/Case.h"
 #include "text/Numbers.h"
 #include "text/Pattern.h"
@@ -68,35 +67,24 @@ std::optional<std::string> InfoFileBeside(const std::string& dataFileName) {
   return dataFileName.substr(0, dataFileName.size() - kDataEnding.size()) + ".hyinfo";
 }
 
-bool SaveCal(Shell& shell, const std::string& dataFileName, const CalRows& rows, const CalInfoRec& info) {
-  if (rows.size() < 2) {
-    shell.dialogs.Tell("No data to save");
-    return false;
-  }
+Done SaveCal(const std::string& dataFileName, const CalRows& rows, const CalInfoRec& info) {
+  if (rows.size() < 2) return Because("No data to save");
   const std::optional<std::string> infoFileName = InfoFileBeside(dataFileName);
   // Under another name the record could be written, but not found again.
-  if (!infoFileName) {
-    shell.dialogs.Tell("Bad filename for calibration file: " + dataFileName);
-    return false;
-  }
+  if (!infoFileName) return Because("Bad filename for calibration file: " + dataFileName);
   // A list may be visited in any order; a record is looked up in rising frequency.
   CalRows rising = rows;
   std::stable_sort(rising.begin(), rising.end(), IsLower);
-  const std::string* current = &dataFileName;
-  try {
-    // The two belong together: neither is replaced unless both can be written.
-    FileReplacement data(dataFileName, CalDataText(rising));
-    current = &*infoFileName;
-    FileReplacement description(*infoFileName, RecordText(info, true));
-    current = &dataFileName;
-    data.Place();
-    current = &*infoFileName;
-    description.Place();
-  } catch (const std::exception& error) {
-    shell.ReportError(error, "frmRunCal.SaveCal", *current);
-    return false;
-  }
-  return true;
+  // The two belong together: neither is replaced unless both can be written.
+  std::optional<FileReplacement> data, description;
+  const auto write = [](const std::string& name, const auto& operation) {
+    return Trapped("frmRunCal.SaveCal", name, operation);
+  };
+  return write(dataFileName, [&] { data.emplace(dataFileName, CalDataText(rising)); })
+      .and_then(
+          [&] { return write(*infoFileName, [&] { description.emplace(*infoFileName, RecordText(info, true)); }); })
+      .and_then([&] { return write(dataFileName, [&] { data->Place(); }); })
+      .and_then([&] { return write(*infoFileName, [&] { description->Place(); }); });
 }
 
 }  // namespace hylden

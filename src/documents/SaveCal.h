@@ -5,9 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "shell/Failure.h"
+
 namespace hylden {
 
-class Shell;
 struct CalInfoRec;
 
 /// A calibrated frequency as a calibration found it.
@@ -38,7 +39,6 @@ std::optional<std::string> InfoFileBeside(const std::string& dataFileName);
 /// the info file beside it.
 /// @param dataFileName  ends with ".cal"
 /// @param rows  fewer than two: "No data to save"
-/// @return false after a message
-bool SaveCal(Shell& shell, const std::string& dataFileName, const CalRows& rows, const CalInfoRec& info);
+Done SaveCal(const std::string& dataFileName, const CalRows& rows, const CalInfoRec& info);
 
 }  // namespace hylden

@@ -9,10 +9,9 @@
 
 #include "instruments/SigGen.h"
 #include "measure/ReadFreq.h"
+#include "shell/FormFields.h"
 
 namespace hylden {
-
-class FormWalker;
 
 /// Kept and shown only.
 enum class LevelingMode : std::int32_t { Substitution = 0, ClosedLoop = 1 };
@@ -113,6 +112,23 @@ struct CalibratedRange {
 /// The fields of frmTestDef. Numbers are taken whether they are in use or not.
 /// @param range  of the calibration; a start or stop frequency outside becomes its limit, with a notice
 void FormFields(FormWalker& f, TestDefinition& t, const std::optional<CalibratedRange>& range = {});
+
+/// The outcome of a validation: the first failure, if any, and the messages shown on the way (limits taken over from
+/// the calibration record).
+struct TestValidation {
+  std::optional<EntryFailure> Failure;
+  std::vector<std::string> Notices;
+};
+
+/// Checks the entries in the form's order, storing each field as soon as it has been read, up to the first failure.
+/// @param entries       a start or stop frequency outside the calibration record becomes the record's limit
+/// @param calFreqRange  the calibration info's range text, "0.15 - 80"
+TestValidation ValidateTestDefinition(FormEntries& entries, const std::string& calFreqRange, TestDefinition& test);
+
+/// After a click on chkConstPeak: a constant peak needs modulation off between frequencies.
+void ConstPeakClicked(FormEntries& entries);
+/// After a click on chkModOffBetweenFreqs: without it there is no constant peak.
+void ModOffBetweenFreqsClicked(FormEntries& entries);
 
 /// The fields that name other files.
 inline std::vector<std::string*> FileFields(TestDefinition& r) {

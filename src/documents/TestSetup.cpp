@@ -2,12 +2,11 @@
 
 #include <filesystem>
 #include <fstream>
-#include <utility>
 
+#include "documents/DocumentFile.h"
 #include "documents/TestSummary.h"
 #include "shell/Shell.h"
 #include "text/ExistingPath.h"
-#include "text/RecordFile.h"
 
 namespace hylden {
 
@@ -41,35 +40,18 @@ std::optional<StartFailure> CheckStart(const TestDefinition& test, const Equip& 
   return equipment.CheckDefinitions(test.MonitorProbe, test.LevelsByPower());
 }
 
-bool TestSetup::LoadDef(const std::string& path) {
-  try {
-    TestDefinition read;
-    LoadRecord(path, read);
-    FilesBeside files(path);
-    FindFiles(read, files);
-    Definition = std::move(read);
-    files_ = std::move(files);
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, "TestSetup.LoadDef", path);
-    return false;
-  }
-  Saved = Definition;
-  TestFileName = path;
-  shell_.log.LogFile("Test file: " + path);
-  return true;
+Done TestSetup::LoadDef(const std::string& path) {
+  return LoadDocument("TestSetup.LoadDef", path, Definition, Saved, files_).map([&] {
+    TestFileName = path;
+    shell_.log.LogFile("Test file: " + path);
+  });
 }
 
-bool TestSetup::SaveDef(const std::string& path) {
-  try {
-    SaveRecord(path, WithFileNames(Definition, files_, path));
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, "TestSetup.SaveDef", path);
-    return false;
-  }
-  Saved = Definition;
-  TestFileName = path;
-  shell_.log.LogFile("Test file saved: " + path);
-  return true;
+Done TestSetup::SaveDef(const std::string& path) {
+  return SaveDocument("TestSetup.SaveDef", path, Definition, Saved, files_).map([&] {
+    TestFileName = path;
+    shell_.log.LogFile("Test file saved: " + path);
+  });
 }
 
 TestDefinition TestSetup::AsRun() const {
@@ -78,26 +60,18 @@ TestDefinition TestSetup::AsRun() const {
   return test;
 }
 
-std::string TestSetup::StringPrintTestSetup() {
-  try {
-    return JoinLines(TestSummaryLines(AsRun(), calInfo_.Record, SummaryForm::Text));
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, "TestSetup.StringPrintTestSetup");
-    shell_.dialogs.Tell("Error in TestSetup.StringPrintTestSetup");
-    return {};
-  }
+std::string TestSetup::StringPrintTestSetup() const {
+  return JoinLines(TestSummaryLines(AsRun(), calInfo_.Record, SummaryForm::Text));
 }
 
-void TestSetup::PrintTestSetup(const TestDefinition& test) {
-  try {
+Done TestSetup::PrintTestSetup(const TestDefinition& test) {
+  return Trapped("TestSetup.PrintTestSetup", {}, [&] {
     PrintJob job;
     job.title = "Test Run Parameters";
     for (std::string& line : TestSummaryLines(test, calInfo_.Record, SummaryForm::Page))
       job.lines.push_back({std::move(line)});
     shell_.printer.Print(job);
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, "TestSetup.PrintTestSetup");
-  }
+  });
 }
 
 bool TestSetup::TestFileReadOnly() const {

@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "measure/Conversions.h"
-#include "shell/Shell.h"
 #include "text/Case.h"
 #include "text/Numbers.h"
+#include "text/RuntimeError.h"
 #include "text/TextFile.h"
 
 namespace hylden {
@@ -104,40 +104,30 @@ float clsCalFile::GetNetPwr(double frequency) {
   return static_cast<float>(Conversions::WattsToDbm(netWatts));
 }
 
-bool clsCalFile::LoadFile(const std::string& infoFileName) {
-  if (infoFileName.empty()) return false;
+Done clsCalFile::LoadFile(const std::string& infoFileName) {
+  if (infoFileName.empty()) return Because();
   const std::string infoFile = LowerCase(infoFileName);
-  if (!infoFile.ends_with(kInfoEnding)) return Refuse("Bad filename for calibration file: " + infoFile);
+  if (!infoFile.ends_with(kInfoEnding)) return Because("Bad filename for calibration file: " + infoFile);
   const std::string dataFile = DataFileOf(infoFile);
-  try {
-    // Two records may differ in case only: the data file is looked for in the spelling of its info file first.
-    LineReader lines(ReadTextFile(DataFileOf(infoFileName)));
-    return ReadPoints(lines, dataFile);
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, "clsCalFile.LoadFile", dataFile);
-    return false;
-  }
+  // Two records may differ in case only: the data file is looked for in the spelling of its info file first.
+  return Trapped("clsCalFile.LoadFile", dataFile,
+                 [&] { return ReadPoints(LineReader(ReadTextFile(DataFileOf(infoFileName))), dataFile); });
 }
 
-bool clsCalFile::ReadPoints(LineReader& lines, const std::string& dataFile) {
+Done clsCalFile::ReadPoints(LineReader lines, const std::string& dataFile) {
   for (bool first = true; first || !lines.AtEnd(); first = false) {
-    const std::string line = lines.AtEnd() ? std::string() : lines.ReadLine();
-    if (first && lines.AtEnd()) return Refuse("Unexpected end of file in " + dataFile);
+    const std::string_view line = lines.AtEnd() ? std::string_view() : lines.NextLine();
+    if (first && lines.AtEnd()) return Because("Unexpected end of file in " + dataFile);
     if (line.empty() && lines.AtEnd()) break;  // an editor's last touch
     const std::optional<CalPoint> point = ParseCalLine(line);
-    if (!point) return Refuse("Bad data in calibration file: " + dataFile);
+    if (!point) return Because("Bad data in calibration file: " + dataFile);
     points_.push_back(*point);
   }
-  if (points_.size() < 2) return Refuse("Unexpected end of calibration file: " + dataFile);
+  if (points_.size() < 2) return Because("Unexpected end of calibration file: " + dataFile);
   // Older records were written in the order of a list, which may fall.
   std::stable_sort(points_.begin(), points_.end(),
                    [](const CalPoint& a, const CalPoint& b) { return a.Freq < b.Freq; });
-  return true;
-}
-
-bool clsCalFile::Refuse(const std::string& message) {
-  shell_.dialogs.Tell(message);
-  return false;
+  return {};
 }
 
 float clsCalFile::Value(double frequency, CalColumn column) {

@@ -6,11 +6,11 @@
 #include <vector>
 
 #include "measure/Interpolation.h"
+#include "shell/Failure.h"
 
 namespace hylden {
 
 class LineReader;
-class Shell;
 
 /// One calibrated frequency: MHz, dBm, dBuV, dBm, dBm; a power that was not recorded is -999.
 struct CalPoint {
@@ -32,8 +32,6 @@ std::optional<CalPoint> ParseCalLine(std::string_view line);
 /// band-change pair the larger value counts. A getter gives -999 where it has no answer.
 class clsCalFile {
  public:
-  explicit clsCalFile(Shell& shell) : shell_(shell) {}
-
   double GetStartFreq() const;
   double GetStopFreq() const;
   /// The highest point index: one less than there are points.
@@ -45,16 +43,13 @@ class clsCalFile {
   /// Forward minus reverse, in watts, as dBm.
   float GetNetPwr(double frequency);
   /// Appends the points of the .cal file that lies beside the info file, and sorts them by rising frequency.
-  /// @return false after a message
-  bool LoadFile(const std::string& infoFileName);
+  /// Silent for an empty name.
+  Done LoadFile(const std::string& infoFileName);
 
  private:
-  bool ReadPoints(LineReader& lines, const std::string& dataFile);
-  /// Shows the message; false.
-  bool Refuse(const std::string& message);
+  Done ReadPoints(LineReader lines, const std::string& dataFile);
   float Value(double frequency, CalColumn column);
 
-  Shell& shell_;
   std::vector<CalPoint> points_;
   FrequencyCursor cursor_;
 };

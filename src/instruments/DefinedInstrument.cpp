@@ -29,32 +29,23 @@ constexpr Names NamesOf(const PowerMeterDefinition&) {
 }  // namespace
 
 template <class Record>
-template <class Operation>
-bool DefinedInstrument<Record>::Reported(const char* context, const std::string& path, Operation operation) {
-  try {
-    operation();
-    return true;
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, context, path);
-    return false;
+Done DefinedInstrument<Record>::LoadFile(const std::string& path) {
+  const Done loaded = LoadFileOrKeep(path);
+  if (!loaded) {
+    Forget();
+    fileName_ = path;
   }
+  return loaded;
 }
 
 template <class Record>
-bool DefinedInstrument<Record>::LoadFile(const std::string& path) {
-  if (LoadFileOrKeep(path)) return true;
-  Forget();
-  fileName_ = path;
-  return false;
-}
-
-template <class Record>
-bool DefinedInstrument<Record>::LoadFileOrKeep(const std::string& path) {
-  Record read;
-  if (!Reported(NamesOf(read).Load, path, [&] { LoadRecord(path, read); })) return false;
-  PutDefinition(read);
-  fileName_ = path;
-  return true;
+Done DefinedInstrument<Record>::LoadFileOrKeep(const std::string& path) {
+  return Trapped(NamesOf(definition_).Load, path, [&] {
+    Record read;
+    LoadRecord(path, read);
+    PutDefinition(read);
+    fileName_ = path;
+  });
 }
 
 template <class Record>
@@ -71,16 +62,18 @@ Done DefinedInstrument<Record>::Ready() const {
 }
 
 template <class Record>
-bool DefinedInstrument<Record>::SaveFile(const std::string& path) {
-  const bool saved = Reported(NamesOf(definition_).Save, path, [&] { SaveRecord(path, definition_); });
-  if (saved) fileName_ = path;
-  return saved;
+Done DefinedInstrument<Record>::SaveFile(const std::string& path) {
+  return Trapped(NamesOf(definition_).Save, path, [&] {
+    SaveRecord(path, definition_);
+    fileName_ = path;
+  });
 }
 
 template <class Record>
-void DefinedInstrument<Record>::PrintSetup() {
+Done DefinedInstrument<Record>::PrintSetup() {
   const Names names = NamesOf(definition_);
-  Reported(names.Print, fileName_, [&] { shell_.printer.Print(ListingJob(names.Heading, Listing(definition_))); });
+  return Trapped(names.Print, fileName_,
+                 [&] { shell_.printer.Print(ListingJob(names.Heading, Listing(definition_))); });
 }
 
 template <class Record>

@@ -17,17 +17,17 @@ class DefinedInstrument {
   DefinedInstrument& operator=(const DefinedInstrument&) = delete;
 
   /// A file that fails leaves no definition: another instrument's commands and limits would be worse than none.
-  bool LoadFile(const std::string& path);
+  Done LoadFile(const std::string& path);
   /// The same, but a file that fails leaves everything as it was.
-  bool LoadFileOrKeep(const std::string& path);
+  Done LoadFileOrKeep(const std::string& path);
   /// Drops definition and file.
   void Forget();
   /// False after LoadFile has failed and after Forget, until a definition comes in.
   bool HasDefinition() const { return hasDefinition_; }
   /// A failure leaves the old file whole.
-  bool SaveFile(const std::string& path);
+  Done SaveFile(const std::string& path);
   /// The definition's listing on the printer.
-  void PrintSetup();
+  Done PrintSetup();
 
   const Record& Definition() const { return definition_; }
   void PutDefinition(const Record& definition);
@@ -52,9 +52,6 @@ class DefinedInstrument {
   Terminator terminator_;
 
  private:
-  template <class Operation>
-  bool Reported(const char* context, const std::string& path, Operation operation);
-
   std::string fileName_;
   bool hasDefinition_ = true;
 };

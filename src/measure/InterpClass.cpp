@@ -67,37 +67,24 @@ bool FitsSingle(double value) {
   return std::abs(value) <= static_cast<double>(std::numeric_limits<float>::max());
 }
 
-/// Reads the data lines of a factor file, after its header, into points.
-class TableReader {
- public:
-  TableReader(std::string text, const std::string& fileName) : lines_(std::move(text)), fileName_(fileName) {}
-
-  /// The file's points in file order. @return the message of what is wrong; empty when all was read
-  std::string Read(std::vector<FactorPoint>& points) {
-    ParsedFactorLine next;
-    do {
-      const std::string_view line = lines_.AtEnd() ? std::string_view() : lines_.NextLine();
-      if (MayHoldDecimalComma(line, 2)) return kBadData;
-      next = ParseFactorLine(line);
-      if (lines_.AtEnd()) return "Unexpected end of file in " + fileName_;
-    } while (!next.Ok);
+/// The points of a factor file, after its header, in file order.
+Result<std::vector<FactorPoint>> ReadPoints(LineReader lines, const std::string& fileName) {
+  ParsedFactorLine next;
+  do {
+    const std::string_view line = lines.AtEnd() ? std::string_view() : lines.NextLine();
+    if (MayHoldDecimalComma(line, 2)) return Because(kBadData);
+    next = ParseFactorLine(line);
+    if (lines.AtEnd()) return Because("Unexpected end of file in " + fileName);
+  } while (!next.Ok);
+  std::vector<FactorPoint> points{{next.Freq, next.Value}};
+  while (!lines.AtEnd()) {
+    next = ParseFactorLine(lines.NextLine());
+    if (!next.Ok) return Because(kBadData);
     points.push_back({next.Freq, next.Value});
-    while (!lines_.AtEnd())
-      if (!ReadPoint(points.emplace_back())) return kBadData;
-    if (points.size() < 2) return "Unexpected end of interpolation file";
-    return {};
   }
-
- private:
-  bool ReadPoint(FactorPoint& point) {
-    const ParsedFactorLine line = ParseFactorLine(lines_.NextLine());
-    if (line.Ok) point = {line.Freq, line.Value};
-    return line.Ok;
-  }
-
-  LineReader lines_;
-  const std::string& fileName_;
-};
+  if (points.size() < 2) return Because("Unexpected end of interpolation file");
+  return points;
+}
 
 bool Below(const FactorPoint& a, const FactorPoint& b) {
   return a.Freq < b.Freq;
@@ -144,23 +131,16 @@ ParsedFactorLine ParseFactorLine(std::string_view line) {
   return {true, frequency, static_cast<float>(value)};
 }
 
-bool InterpClass::InitInterp(const std::string& fileName) {
+Done InterpClass::InitInterp(const std::string& fileName) {
   points_.clear();
-  if (fileName.empty()) return false;
-  std::vector<FactorPoint> points;
-  try {
-    const std::string fault = TableReader(ReadTextFile(fileName), fileName).Read(points);
-    if (!fault.empty()) {
-      shell_.dialogs.Tell(fault);
-      return false;
-    }
-    SortAndCompact(points);
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, "InterpClass.FileToTable", fileName);
-    return false;
-  }
-  points_ = std::move(points);
-  return true;
+  if (fileName.empty()) return Because();
+  return Trapped("InterpClass.FileToTable", fileName, [&] {
+    return ReadPoints(LineReader(ReadTextFile(fileName)), fileName).and_then([&](std::vector<FactorPoint> points) {
+      SortAndCompact(points);
+      points_ = std::move(points);
+      return Done();
+    });
+  });
 }
 
 Result<float> InterpClass::InterpVal(double frequency, FreqScale scale, DuplicateRule rule) {
@@ -192,21 +172,12 @@ void InterpClass::GetTable(std::vector<double>& frequencies, std::vector<float>&
   }
 }
 
-bool InterpClass::SaveFile(const std::string& fileName) {
-  if (points_.size() < 2) {
-    shell_.dialogs.Tell(kNoPoints);
-    return false;
-  }
+Done InterpClass::SaveFile(const std::string& fileName) const {
+  if (points_.size() < 2) return Because(kNoPoints);
   std::vector<std::string> lines;
   for (const FactorPoint& point : points_)
     lines.push_back(PlainFrequency(point.Freq) + ", " + Format(point.Value, "0.0##"));
-  try {
-    ReplaceFile(fileName, JoinLines(lines));
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, "InterpClass.SaveFile", fileName);
-    return false;
-  }
-  return true;
+  return Trapped("InterpClass.SaveFile", fileName, [&] { ReplaceFile(fileName, JoinLines(lines)); });
 }
 
 }  // namespace hylden

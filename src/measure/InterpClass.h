@@ -36,8 +36,8 @@ class InterpClass {
  public:
   explicit InterpClass(Shell& shell) : shell_(shell) {}
 
-  /// Replaces the table by the file's. @return false after a message, or silently for an empty name
-  bool InitInterp(const std::string& fileName);
+  /// Replaces the table by the file's; where that fails, silently for an empty name, there is none.
+  Done InitInterp(const std::string& fileName);
   /// The value at a frequency in MHz; none in an unusable table, and, silently, outside the table. Lookups at rising
   /// frequencies take constant time.
   Result<float> InterpVal(double frequency, FreqScale scale, DuplicateRule rule = DuplicateRule::Larger);
@@ -46,8 +46,8 @@ class InterpClass {
   double MinFreq() const;
   /// Copies of the columns with one element more than there are points, which is 0; a single 0 when unusable.
   void GetTable(std::vector<double>& frequencies, std::vector<float>& values);
-  /// Writes the table in the factor table format; true when written.
-  bool SaveFile(const std::string& fileName);
+  /// Writes the table in the factor table format.
+  Done SaveFile(const std::string& fileName) const;
 
  private:
   Shell& shell_;

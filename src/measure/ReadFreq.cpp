@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "measure/InterpClass.h"
-#include "shell/Shell.h"
 #include "text/Numbers.h"
 #include "text/TextFile.h"
 
@@ -73,18 +72,15 @@ std::vector<double> ListPlan(const std::vector<double>& list, double start, doub
   return plan;
 }
 
-/// The frequencies of a list's text. @return the message of what is wrong; empty when all was read
-std::string ReadList(std::string text, const std::string& fileName, std::vector<double>& list) {
-  LineReader lines(std::move(text));
+Result<std::vector<double>> ReadList(LineReader lines, const std::string& fileName) {
+  std::vector<double> list;
   while (!lines.AtEnd()) {
-    const std::string line = lines.ReadLine();
-    double frequency = 0;
+    const std::string_view line = lines.NextLine();
     if (line.empty() && list.empty()) break;
-    if (line.empty()) continue;
-    if (!ReadFreq::ParseFreq(line, frequency)) return kBadData;
-    list.push_back(frequency);
+    if (!line.empty() && !ReadFreq::ParseFreq(line, list.emplace_back())) return Because(kBadData);
   }
-  return list.empty() ? "Unexpected end of file in " + fileName : "";
+  if (list.empty()) return Because("Unexpected end of file in " + fileName);
+  return list;
 }
 
 }  // namespace
@@ -113,21 +109,10 @@ std::vector<double> LogSweep(double startMHz, double stopMHz, double stepPercent
   return sweep;
 }
 
-int ReadFreq::FileTolist(const std::string& fileName, std::vector<double>& list) {
-  if (fileName.empty()) return 0;
-  std::vector<double> read;
-  try {
-    const std::string fault = ReadList(ReadTextFile(fileName), fileName, read);
-    if (!fault.empty()) {
-      shell_.dialogs.Tell(fault);
-      return -1;
-    }
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, "ReadFreq.FileTolist", fileName);
-    return -1;
-  }
-  list = std::move(read);
-  return static_cast<int>(list.size());
+Result<std::vector<double>> ReadFreq::FileTolist(const std::string& fileName) {
+  if (fileName.empty()) return {};
+  return Trapped("ReadFreq.FileTolist", fileName,
+                 [&] { return ReadList(LineReader(ReadTextFile(fileName)), fileName); });
 }
 
 bool ReadFreq::ParseFreq(std::string_view line, double& frequency) {
@@ -138,22 +123,18 @@ void ReadFreq::SortFreqList(std::vector<double>& list) {
   std::stable_sort(list.begin(), list.end());
 }
 
-int ReadFreq::BuildFreqPlan(StepType type, double startMHz, double stopMHz, double step, std::vector<double>& plan,
-                            const std::string& listFile, const BandSwitch& band) {
-  plan.clear();
-  std::vector<double> list;
+Result<std::vector<double>> ReadFreq::BuildFreqPlan(StepType type, double startMHz, double stopMHz, double step,
+                                                    const std::string& listFile, const BandSwitch& band) {
+  using Plan = Result<std::vector<double>>;
   switch (type) {
     case StepType::Linear:
-      plan = LinearPlan(startMHz, stopMHz, step, band);
-      break;
+      return LinearPlan(startMHz, stopMHz, step, band);
     case StepType::Log:
-      plan = LogPlan(startMHz, stopMHz, step, band);
-      break;
+      return LogPlan(startMHz, stopMHz, step, band);
     case StepType::List:
-      if (FileTolist(listFile, list) > 0) plan = ListPlan(list, startMHz, stopMHz);
-      break;
+      return FileTolist(listFile).and_then([&](const auto& list) { return Plan(ListPlan(list, startMHz, stopMHz)); });
   }
-  return static_cast<int>(plan.size());
+  return {};
 }
 
 }  // namespace hylden

@@ -5,9 +5,9 @@
 #include <string_view>
 #include <vector>
 
-namespace hylden {
+#include "shell/Failure.h"
 
-class Shell;
+namespace hylden {
 
 enum class StepType : int { Linear = 0, Log = 1, List = 2 };
 
@@ -34,21 +34,15 @@ std::vector<double> LogSweep(double startMHz, double stopMHz, double stepPercent
 /// Frequency lists (.lst) and the frequency plans of calibrations; frequencies in MHz.
 class ReadFreq {
  public:
-  explicit ReadFreq(Shell& shell) : shell_(shell) {}
-
-  /// Reads a list file. @return how many; 0 for an empty name; below 1 after a message when it can't be read
-  int FileTolist(const std::string& fileName, std::vector<double>& list);
+  /// The frequencies of a list file, in file order; none for an empty name.
+  static Result<std::vector<double>> FileTolist(const std::string& fileName);
   /// Whether the line holds a frequency (its first number), and which.
   static bool ParseFreq(std::string_view line, double& frequency);
   static void SortFreqList(std::vector<double>& list);
   /// The plan of a calibration; a step (or, on a logarithmic scale, a start) of 0 or less gives an empty plan.
   /// @param step  MHz (linear) or percent (logarithmic); not read for a list
-  /// @return the number of plan points
-  int BuildFreqPlan(StepType type, double startMHz, double stopMHz, double step, std::vector<double>& plan,
-                    const std::string& listFile, const BandSwitch& band);
-
- private:
-  Shell& shell_;
+  static Result<std::vector<double>> BuildFreqPlan(StepType type, double startMHz, double stopMHz, double step,
+                                                   const std::string& listFile, const BandSwitch& band);
 };
 
 }  // namespace hylden

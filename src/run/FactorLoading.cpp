@@ -32,10 +32,11 @@ std::string PlanRange::LeftOutText() const {
          ShortestText(highest_) + " MHz.";
 }
 
-std::string LoadCoveringTable(InterpClass& table, const std::string& path, PlanRange& plan, const char* loadText,
-                              const char* coverText) {
-  if (!table.InitInterp(path)) return loadText;
-  return plan.IsWithin(table.MinFreq(), table.MaxFreq()) ? "" : coverText;
+Done LoadCoveringTable(InterpClass& table, const std::string& path, PlanRange& plan, const char* loadText,
+                       const char* coverText) {
+  if (const Done loaded = table.InitInterp(path); !loaded)
+    return Because(Failure(loaded.error()).Add(Failure(loadText)));
+  return plan.IsWithin(table.MinFreq(), table.MaxFreq()) ? Done() : Because(coverText);
 }
 
 }  // namespace hylden

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "shell/Failure.h"
+
 namespace hylden {
 
 class InterpClass;
@@ -32,9 +34,8 @@ class PlanRange {
 };
 
 /// Loads a factor table, which has to cover the plan.
-/// @param loadText, coverText  what the operator is to be told when it can't be loaded, or doesn't cover the plan
-/// @return the one that holds; empty when neither does
-std::string LoadCoveringTable(InterpClass& table, const std::string& path, PlanRange& plan, const char* loadText,
-                              const char* coverText);
+/// @param loadText, coverText  what it means when it can't be loaded, or doesn't cover the plan
+Done LoadCoveringTable(InterpClass& table, const std::string& path, PlanRange& plan, const char* loadText,
+                       const char* coverText);
 
 }  // namespace hylden

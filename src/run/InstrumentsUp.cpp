@@ -61,7 +61,7 @@ bool InstrumentsUp::BringUpAmplifier(const EquipRecord& equipment) {
 
 void InstrumentsUp::CloseSigGen() {
   if (up_.SigGen != Generator::Up) return;
-  instruments_.sigGen.SilenceRf();
+  (void)instruments_.sigGen.SilenceRf();  // what stays up is tried again, and told then
   const Done closed = instruments_.sigGen.ShutdownSigGen();
   if (closed) up_.SigGen = Generator::Closed;
   Note(closed);

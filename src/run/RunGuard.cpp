@@ -90,7 +90,7 @@ void RunGuard::RfOff() {
   constexpr int kAttempts = 2;  // a box may stand on it for hours
   for (int attempt = 0; attempt < kAttempts && sigGen_.RfIsOn(); ++attempt) {
     try {
-      sigGen_.SilenceRf();
+      (void)sigGen_.SilenceRf();
     } catch (const std::exception&) {
       // Taking the instruments down tries again.
     }

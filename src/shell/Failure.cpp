@@ -2,15 +2,28 @@
 
 #include <algorithm>
 
+#include "text/RuntimeError.h"
+
 namespace hylden {
 
 Failure::Failure(const std::string& text, MessageIcon icon) {
-  if (!text.empty()) lines_.push_back({text, {}, icon});
+  if (!text.empty()) lines_.push_back({text, {}, {}, icon});
 }
 
 Failure Failure::OnBus(const std::string& text, const std::string& status) {
   Failure failure;
-  failure.lines_.push_back({text, status, MessageIcon::Exclamation});
+  failure.lines_.push_back({text, status, {}, MessageIcon::Exclamation});
+  return failure;
+}
+
+Failure Failure::Report(const std::exception& error, std::string_view context, std::string_view path) {
+  constexpr int kInternalError = 51;
+  const auto* const known = dynamic_cast<const RuntimeError*>(&error);
+  const RuntimeError numbered = known ? *known : RuntimeError(kInternalError, "Internal error");
+  std::string text = "Error # " + std::to_string(numbered.Number()) + "\r" + numbered.Description() + "\r";
+  text.append(context).append("\r").append(path);
+  Failure failure;
+  failure.lines_.push_back({text, {}, "Error", MessageIcon::Critical});
   return failure;
 }
 
@@ -27,8 +40,8 @@ std::vector<Message> Failure::Boxes() const {
   std::vector<Message> boxes;
   bool onBus = false;
   for (const Line& line : lines_) {
-    if (!onBus) {
-      boxes.push_back({line.Text + line.Status, {}, line.Icon});
+    if (!onBus || !line.Title.empty()) {
+      boxes.push_back({line.Text + line.Status, line.Title, line.Icon});
       onBus = !line.Status.empty();
       continue;
     }

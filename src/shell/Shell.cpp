@@ -4,12 +4,6 @@
 
 namespace hylden {
 
-namespace {
-
-constexpr int kInternalError = 51;
-
-}  // namespace
-
 Shell::Shell(const Platform& platform, const Directories& directories)
     : dialogs(platform.dialogs),
       clock(platform.clock),
@@ -34,21 +28,14 @@ bool Shell::ClaimInstruments(RunAtWork& run) {
   return true;
 }
 
-void Shell::ReportError(const RuntimeError& error, std::string_view context, std::string_view path) {
-  if (run_) run_->RfOff();
-  std::string text = "Error # " + std::to_string(error.Number()) + "\r" + error.Description() + "\r";
-  text.append(context).append("\r").append(path);
-  dialogs.Show({text, "Error", MessageIcon::Critical});
+void Shell::Tell(const Failure& failure) {
+  if (run_ && !failure.IsSilent()) run_->RfOff();
+  for (const Message& box : failure.Boxes()) dialogs.Show(box);
 }
 
 void Shell::ReportUnforeseen(const std::exception& error, std::string_view context) {
   if (InstrumentsClaimed()) delay.RequestHalt();
   ReportError(error, context);
-}
-
-void Shell::ReportError(const std::exception& error, std::string_view context, std::string_view path) {
-  const auto* numbered = dynamic_cast<const RuntimeError*>(&error);
-  ReportError(numbered ? *numbered : RuntimeError(kInternalError, "Internal error"), context, path);
 }
 
 }  // namespace hylden

@@ -12,10 +12,10 @@
 #include "platform/Speaker.h"
 #include "shell/BDelay.h"
 #include "shell/EndOfProgram.h"
+#include "shell/Failure.h"
 #include "shell/INISettings.h"
 #include "shell/RunAtWork.h"
 #include "shell/RunLog.h"
-#include "text/RuntimeError.h"
 
 namespace hylden {
 
@@ -45,11 +45,18 @@ class Shell {
   /// A run has the instruments.
   bool InstrumentsClaimed() const { return run_ != nullptr; }
 
-  /// The standard report of a trapped failure: critical icon, title "Error", "Error # " + number, CR, description, CR,
-  /// context, CR and, where a file is involved, its path. While a run has the instruments, RF goes off first.
-  void ReportError(const RuntimeError& error, std::string_view context, std::string_view path = {});
-  /// The same for any exception: one that carries no number is reported as number 51, "Internal error".
-  void ReportError(const std::exception& error, std::string_view context, std::string_view path = {});
+  /// Shows the boxes of a failure. While a run has the instruments, RF goes off first.
+  void Tell(const Failure& failure);
+  /// Whether it was done; otherwise it is told.
+  template <class T>
+  bool Ok(const Result<T>& result) {
+    if (!result) Tell(result.error());
+    return result.has_value();
+  }
+  /// Shows the standard report of what was thrown.
+  void ReportError(const std::exception& error, std::string_view context, std::string_view path = {}) {
+    Tell(Failure::Report(error, context, path));
+  }
   /// The same for a failure that nobody foresaw: a run that is on is halted.
   void ReportUnforeseen(const std::exception& error, std::string_view context);
 

@@ -18,7 +18,7 @@ namespace {
 
 // A meter that is also the power meter needs a rest between two initialisations.
 constexpr double kSharedAddressWait = 5;
-constexpr int kLeastListFrequencies = 2;
+constexpr std::size_t kLeastListFrequencies = 2;
 
 }  // namespace
 
@@ -29,7 +29,7 @@ RunPreparation::RunPreparation(Shell& shell, Instruments& instruments, Documents
       documents_(documents),
       display_(display),
       guard_(guard),
-      calibration_(std::make_unique<clsCalFile>(shell)),
+      calibration_(std::make_unique<clsCalFile>()),
       cableLoss_(shell),
       probeFactor_(shell),
       forwardPort_(shell),
@@ -53,11 +53,11 @@ int RunPreparation::PlanSteps(std::vector<PlanStep>& steps) {
 }
 
 void RunPreparation::TakeList(std::vector<PlanStep>& steps) {
-  std::vector<double> list;
-  const int count = ReadFreq(shell_).FileTolist(Test().ListFile, list);
-  listReadable_ = count >= 0;
+  auto list = ReadFreq::FileTolist(Test().ListFile);
+  listReadable_ = shell_.Ok(list);
+  const std::size_t count = listReadable_ ? list->size() : 0;
   if (count >= kLeastListFrequencies) {
-    MergeList(steps, std::move(list), Test());
+    MergeList(steps, std::move(*list), Test());
     return;
   }
   documents_.testSetup.ListUnused = true;
@@ -73,8 +73,8 @@ void RunPreparation::ShowPlan(const std::vector<PlanStep>& steps) {
 }
 
 bool RunPreparation::LoadCalibration() {
-  calibration_ = std::make_unique<clsCalFile>(shell_);
-  return calibration_->LoadFile(Test().CalInfoFile);
+  calibration_ = std::make_unique<clsCalFile>();
+  return shell_.Ok(calibration_->LoadFile(Test().CalInfoFile));
 }
 
 bool RunPreparation::LoadRunFactors(std::vector<PlanStep>& steps) {
@@ -120,11 +120,7 @@ bool RunPreparation::LoadTables(PlanRange& range) {
        "Reverse port file does not cover frequency range"},
   };
   for (const auto& t : tables) {
-    if (!t.wanted) continue;
-    const std::string fault = LoadCoveringTable(t.table, t.file, range, t.loadText, t.coverText);
-    if (fault.empty()) continue;
-    shell_.dialogs.Tell(fault);
-    return false;
+    if (t.wanted && !shell_.Ok(LoadCoveringTable(t.table, t.file, range, t.loadText, t.coverText))) return false;
   }
   return true;
 }

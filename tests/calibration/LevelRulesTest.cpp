@@ -12,6 +12,7 @@
 #include "measure/InterpClass.h"
 #include "run/ForwardSensor.h"
 #include "support/TestShell.h"
+#include "support/Told.h"
 
 namespace hylden {
 namespace {
@@ -85,14 +86,13 @@ TEST(TargetTest, IsTheSetupsLevelOrItsCurves) {
 }
 
 TEST(FrequencyPlanTest, TakesAListsOwnRange) {
-  TestShell t;
-  FrequencyRequest request{StepType::List, 0, 0, 0, t.directory.Write("a.lst", "5\r\n10\r\n50\r\n")};
-  EXPECT_EQ(PlanFrequencies(t.shell, request), (std::vector<double>{5, 10, 50}));
+  TempDir directory;
+  FrequencyRequest request{StepType::List, 0, 0, 0, directory.Write("a.lst", "5\r\n10\r\n50\r\n")};
+  EXPECT_EQ(PlanFrequencies(request), (std::vector<double>{5, 10, 50}));
   EXPECT_EQ(request.StartMHz, 5);
   EXPECT_EQ(request.StopMHz, 50);
-  request = {StepType::List, 0, 0, 0, t.directory.File("none.lst")};
-  EXPECT_FALSE(PlanFrequencies(t.shell, request));
-  EXPECT_EQ(t.dialogs.messages.size(), 1U);
+  request = {StepType::List, 0, 0, 0, directory.File("none.lst")};
+  EXPECT_TRUE(FailsWith(PlanFrequencies(request), "Error # 53\r"));
 }
 
 struct SensorCase {

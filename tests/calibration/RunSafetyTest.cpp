@@ -43,7 +43,7 @@ TEST_F(RunSafetyTest, RecordsNoPowerThatWasReadAfterRfWentOff) {
     if (line != "> 7 BR?" || ++readings != 3) return;
     // As when the program is asked to end.
     rig.t.shell.delay.RequestHalt();
-    rig.instruments.sigGen.SilenceRf();
+    EXPECT_TRUE(rig.instruments.sigGen.SilenceRf());
   };
   rig.Run();
   ASSERT_EQ(rig.Rows().size(), 3U);

@@ -63,7 +63,7 @@ class TestDefForm : public testing::Test {
     t.directory.Write("list.lst", "1.0\r\n2.0\r\n");
     test() = GoodDefinition(t.directory);
     documents.testSetup.Saved = test();
-    documents.calInfo.LoadDef(test().CalInfoFile);
+    EXPECT_TRUE(documents.calInfo.LoadDef(test().CalInfoFile));
     EquipRecord& equip = documents.equip.Record;
     equip.SigGenFile = equip.MeterFile = equip.PwrMtrFile = "x";
     equip.CableLossFile = equip.FwdPortFile = equip.RevPortFile = "x";

@@ -6,9 +6,12 @@
 #include "documents/CalInfo.h"
 #include "documents/SaveCal.h"
 #include "documents/clsCalFile.h"
+#include "measure/Conversions.h"
 #include "support/FieldChanger.h"
 #include "support/SameRecord.h"
-#include "support/TestShell.h"
+#include "support/TempDir.h"
+#include "support/Told.h"
+#include "text/Case.h"
 #include "text/RecordFile.h"
 
 namespace hylden {
@@ -16,24 +19,26 @@ namespace {
 
 const CalInfoRec kInfo{"BCI, 10 V", "Amp \"A\"", "CDN-M2", "10v", "0.15 - 80", CouplingMethod::CurrentClamp50Ohm};
 
+using Texts = std::vector<std::string>;
+
 class CalRecordTest : public testing::Test {
  protected:
-  bool Load(std::string_view data) {
-    t.directory.Write("x.cal", data);
-    return cal.LoadFile(t.directory.File("x.hyinfo"));
+  Done Load(std::string_view data) {
+    directory.Write("x.cal", data);
+    return cal.LoadFile(directory.File("x.hyinfo"));
   }
 
-  TestShell t;
-  clsCalFile cal{t.shell};
+  TempDir directory;
+  clsCalFile cal;
 };
 
 TEST_F(CalRecordTest, ReadsBackTheRecordItSaved) {
   const CalRows rows{{0.15, -12.345, 129.54, 33.1}, {80, -10, 130, {}, 20}};
-  ASSERT_TRUE(SaveCal(t.shell, t.directory.File("Run 1.cal"), rows, kInfo));
-  EXPECT_EQ(t.directory.Read("Run 1.cal"), "0.15,-12.345,129.54,33.10,na,\r\n80.0,-10.000,130.00,na,20.00,\r\n");
-  EXPECT_EQ(t.directory.Read("Run 1.hyinfo"), "BCI, 10 V\r\nAmp \"A\"\r\nCDN-M2\r\n10v\r\n0.15 - 80\r\n 1 \r\n");
+  ASSERT_TRUE(SaveCal(directory.File("Run 1.cal"), rows, kInfo));
+  EXPECT_EQ(directory.Read("Run 1.cal"), "0.15,-12.345,129.54,33.10,na,\r\n80.0,-10.000,130.00,na,20.00,\r\n");
+  EXPECT_EQ(directory.Read("Run 1.hyinfo"), "BCI, 10 V\r\nAmp \"A\"\r\nCDN-M2\r\n10v\r\n0.15 - 80\r\n 1 \r\n");
 
-  ASSERT_TRUE(cal.LoadFile(t.directory.File("Run 1.hyinfo")));
+  ASSERT_TRUE(cal.LoadFile(directory.File("Run 1.hyinfo")));
   EXPECT_EQ(cal.GetNumSteps(), 1);
   EXPECT_EQ(cal.GetStartFreq(), 0.15);
   EXPECT_EQ(cal.GetStopFreq(), 80);
@@ -47,61 +52,53 @@ TEST_F(CalRecordTest, ReadsBackTheRecordItSaved) {
 
 TEST_F(CalRecordTest, KeepsEveryFieldOfTheDescription) {
   const CalRows rows{{1, 0, 1}, {2, 0, 1}};
-  CalInfo calInfo(t.shell);
+  CalInfo calInfo;
   for (int field = 0; field < FieldCount(kInfo); ++field) {
     const CalInfoRec changed = WithChangedField(kInfo, field);
-    ASSERT_TRUE(SaveCal(t.shell, t.directory.File("x.cal"), rows, changed));
-    ASSERT_TRUE(calInfo.LoadDef(t.directory.File("X.HYINFO")));
+    ASSERT_TRUE(SaveCal(directory.File("x.cal"), rows, changed));
+    ASSERT_TRUE(calInfo.LoadDef(directory.File("X.HYINFO")));
     EXPECT_TRUE(SameRecord(calInfo.Record, changed)) << field;
   }
 }
 
 TEST_F(CalRecordTest, KeepsTheOldRecordWhenASaveFails) {
   const CalRows one{{1, 0, 1}};
-  t.directory.Write("x.cal", "kept");
-  EXPECT_FALSE(SaveCal(t.shell, t.directory.File("x.cal"), one, kInfo));
-  EXPECT_EQ(t.dialogs.LastText(), "No data to save");
-  EXPECT_EQ(t.directory.Read("x.cal"), "kept");
+  directory.Write("x.cal", "kept");
+  EXPECT_TRUE(FailsWith(SaveCal(directory.File("x.cal"), one, kInfo), "No data to save"));
+  EXPECT_EQ(directory.Read("x.cal"), "kept");
 
   const CalRows two{one[0], one[0]};
-  EXPECT_FALSE(SaveCal(t.shell, t.directory.File("x.dat"), two, kInfo));
-  EXPECT_FALSE(t.directory.Exists("x.dat"));
+  EXPECT_FALSE(SaveCal(directory.File("x.dat"), two, kInfo));
+  EXPECT_FALSE(directory.Exists("x.dat"));
 
   // A record of two halves would replay new levels under the old amplifier.
-  const std::string info = t.directory.Write("x.hyinfo", "kept");
+  const std::string info = directory.Write("x.hyinfo", "kept");
   std::filesystem::permissions(info, std::filesystem::perms::owner_read);
-  EXPECT_FALSE(SaveCal(t.shell, t.directory.File("x.cal"), two, kInfo));
-  EXPECT_TRUE(t.dialogs.LastText().ends_with("\rfrmRunCal.SaveCal\r" + info));
-  EXPECT_EQ(t.directory.Read("x.cal") + t.directory.Read("x.hyinfo"), "keptkept");
+  EXPECT_EQ(Told(SaveCal(directory.File("x.cal"), two, kInfo)),
+            Texts{"Error # 70\rPermission denied\rfrmRunCal.SaveCal\r" + info});
+  EXPECT_EQ(directory.Read("x.cal") + directory.Read("x.hyinfo"), "keptkept");
 
-  const std::string nowhere = t.directory.File("nowhere/x.cal");
-  EXPECT_FALSE(SaveCal(t.shell, nowhere, two, kInfo));
-  EXPECT_TRUE(t.dialogs.LastText().ends_with("\rfrmRunCal.SaveCal\r" + nowhere));
+  const std::string nowhere = directory.File("nowhere/x.cal");
+  EXPECT_EQ(Told(SaveCal(nowhere, two, kInfo)), Texts{"Error # 76\rPath not found\rfrmRunCal.SaveCal\r" + nowhere});
 }
 
 TEST_F(CalRecordTest, RefusesABadDescription) {
-  CalInfo calInfo(t.shell);
+  CalInfo calInfo;
   calInfo.Record = kInfo;
-  EXPECT_FALSE(calInfo.LoadDef(""));
-  EXPECT_EQ(t.dialogs.LastText(), "WARNING: \rNo calibration filename specified\rin test definition file.");
-  const std::string path = t.directory.Write("x.hyinfo", "a\r\nb\r\nc\r\nd\r\n1 - 2\r\nmethod\r\n");
-  EXPECT_FALSE(calInfo.LoadDef(path));
-  EXPECT_EQ(t.dialogs.LastText(),
-            "Error # 13\rType mismatch, line 6 of the calibration info file: \"method\"\rCalInfo.LoadDef\r" + path);
-  EXPECT_FALSE(calInfo.LoadDef(t.directory.Write("x.hyinfo", "a\r\n")));
+  EXPECT_EQ(Told(calInfo.LoadDef("")), Texts{"WARNING: \rNo calibration filename specified\rin test definition file."});
+  const std::string path = directory.Write("x.hyinfo", "a\r\nb\r\nc\r\nd\r\n1 - 2\r\nmethod\r\n");
+  EXPECT_EQ(
+      Told(calInfo.LoadDef(path)),
+      Texts{"Error # 13\rType mismatch, line 6 of the calibration info file: \"method\"\rCalInfo.LoadDef\r" + path});
+  EXPECT_FALSE(calInfo.LoadDef(directory.Write("x.hyinfo", "a\r\n")));
   EXPECT_TRUE(SameRecord(calInfo.Record, kInfo)) << "nothing half-loaded stays";
-  EXPECT_FALSE(calInfo.LoadDef(t.directory.File("missing.hyinfo")));
-  EXPECT_EQ(t.dialogs.messages.size(), 4U);
+  EXPECT_FALSE(calInfo.LoadDef(directory.File("missing.hyinfo")));
 }
 
 TEST_F(CalRecordTest, RefusesABadDataFileAndNamesItsFault) {
   const std::string good = "1,2,3,4,5,\r\n";
-  const std::string path = t.directory.File("x.cal");
-  const std::string lowerPath = [&] {
-    std::string text = path;
-    for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return text;
-  }();
+  const std::string path = directory.File("x.cal");
+  const std::string lowerPath = LowerCase(path);
   const std::string atEnd = "Unexpected end of file in " + lowerPath;
   const std::string badData = "Bad data in calibration file: " + lowerPath;
   struct Row {
@@ -121,60 +118,49 @@ TEST_F(CalRecordTest, RefusesABadDataFileAndNamesItsFault) {
       {"heading", "Freq,SG,Level,Fwd,Rev,\r\n" + good, badData},
   };
   for (const Row& row : rows) {
-    t.dialogs.Clear();
-    EXPECT_FALSE(Load(row.data)) << row.name;
-    EXPECT_EQ(t.dialogs.Texts(), std::vector<std::string>{row.message}) << row.name;
+    cal = {};
+    EXPECT_EQ(Told(Load(row.data)), Texts{row.message}) << row.name;
   }
 }
 
 TEST_F(CalRecordTest, RefusesANameThatIsNoRecords) {
-  EXPECT_FALSE(cal.LoadFile(""));
-  EXPECT_TRUE(t.dialogs.messages.empty());
-  EXPECT_FALSE(cal.LoadFile("A.CAL"));
-  EXPECT_EQ(t.dialogs.LastText(), "Bad filename for calibration file: a.cal");
-  EXPECT_FALSE(cal.LoadFile(t.directory.File("missing.hyinfo")));
-  EXPECT_TRUE(t.dialogs.WasShownContaining("Error # 53\rFile not found\rclsCalFile.LoadFile\r"));
+  EXPECT_TRUE(FailsSilently(cal.LoadFile("")));
+  EXPECT_EQ(Told(cal.LoadFile("A.CAL")), Texts{"Bad filename for calibration file: a.cal"});
+  EXPECT_TRUE(
+      FailsWith(cal.LoadFile(directory.File("missing.hyinfo")), "Error # 53\rFile not found\rclsCalFile.LoadFile\r"));
   EXPECT_EQ(cal.GetSigGen(1), -999);
   EXPECT_EQ(cal.GetNumSteps(), 0);
 }
 
 TEST_F(CalRecordTest, LoadsTheRecordInTheSpellingOfItsName) {
-  t.directory.Write("Lab/x.cal", "1,-1,3,4,5,\r\n2,-1,3,4,5,\r\n");
-  EXPECT_TRUE(cal.LoadFile(t.directory.File("Lab/X.HYINFO")));
+  directory.Write("Lab/x.cal", "1,-1,3,4,5,\r\n2,-1,3,4,5,\r\n");
+  EXPECT_TRUE(cal.LoadFile(directory.File("Lab/X.HYINFO")));
   EXPECT_EQ(cal.GetSigGen(1), -1);
 
   // Where both spellings exist, the one beside the chosen info file counts: the other may be levels too high.
-  t.directory.Write("Lab/X.cal", "1,-20,3,4,5,\r\n2,-20,3,4,5,\r\n");
-  clsCalFile upper(t.shell), lower(t.shell);
-  ASSERT_TRUE(upper.LoadFile(t.directory.File("Lab/X.hyinfo")));
+  directory.Write("Lab/X.cal", "1,-20,3,4,5,\r\n2,-20,3,4,5,\r\n");
+  clsCalFile upper, lower;
+  ASSERT_TRUE(upper.LoadFile(directory.File("Lab/X.hyinfo")));
   EXPECT_EQ(upper.GetSigGen(1), -20);
-  ASSERT_TRUE(lower.LoadFile(t.directory.File("Lab/x.hyinfo")));
+  ASSERT_TRUE(lower.LoadFile(directory.File("Lab/x.hyinfo")));
   EXPECT_EQ(lower.GetSigGen(1), -1);
 }
 
-TEST_F(CalRecordTest, ReadsALine) {
+TEST_F(CalRecordTest, TakesALineOfFiveFieldsAndANote) {
   const auto point = ParseCalLine(" 1.5 ,-2E1,+3,na,");
   ASSERT_TRUE(point);
-  EXPECT_EQ(point->Freq, 1.5);
-  EXPECT_EQ(point->SigGenLevel, -20);
-  EXPECT_EQ(point->TestLevel, 3);
-  EXPECT_EQ(point->FwdPwr, -999);
-  EXPECT_EQ(point->RevPwr, -999);
-  EXPECT_TRUE(ParseCalLine("1,2,3,4,5"));
-  EXPECT_TRUE(ParseCalLine("1,2,3,4,5, ,"));
-  EXPECT_TRUE(ParseCalLine("1,2,3,4,5,measured again")) << "a note";
-  EXPECT_FALSE(ParseCalLine("1,2,3,4"));
-  EXPECT_FALSE(ParseCalLine("1,2,3,4,5,6")) << "decimal commas";
-  EXPECT_FALSE(ParseCalLine("0,15,-12,345,129,54,33,10,na,")) << "decimal commas";
+  EXPECT_EQ(CalDataText({{point->Freq, point->SigGenLevel, point->TestLevel}}), "1.5,-20.000,3.00,na,na,\r\n");
+  EXPECT_TRUE(IsMissing(double{point->FwdPwr}) && IsMissing(double{point->RevPwr}));
+  for (const char* good : {"1,2,3,4,5", "1,2,3,4,5, ,", "1,2,3,4,5,measured again"}) EXPECT_TRUE(ParseCalLine(good));
+  // A sixth number: the commas are decimal signs.
+  for (const char* bad : {"1,2,3,4", "1,2,3,4,5,6", "0,15,-12,345,129,54,33,10,na,"}) EXPECT_FALSE(ParseCalLine(bad));
 }
 
 TEST_F(CalRecordTest, WhatEditorsLeaveAtTheEndDoesNoHarm) {
-  const std::string good = "1,-1,3,4,5,\r\n2,-2,3,4,5,\r\n";
   for (const char* end : {"\r\n", "\x1A", "\r\n\x1A"}) {
-    clsCalFile fresh(t.shell);
-    t.directory.Write("x.cal", good + end);
-    EXPECT_TRUE(fresh.LoadFile(t.directory.File("x.hyinfo")));
-    EXPECT_EQ(fresh.GetNumSteps(), 1);
+    cal = {};
+    EXPECT_TRUE(Load(std::string("1,-1,3,4,5,\r\n2,-2,3,4,5,\r\n") + end));
+    EXPECT_EQ(cal.GetNumSteps(), 1);
   }
 }
 
@@ -192,27 +178,12 @@ TEST_F(CalRecordTest, LooksUpBetweenItsPointsAndAtThem) {
   EXPECT_FLOAT_EQ(cal.GetSigGen(150), -11);
   for (double outside : {0.999, 200.001, std::numeric_limits<double>::quiet_NaN()})
     EXPECT_EQ(cal.GetSigGen(outside), -999) << outside;
-  EXPECT_TRUE(t.dialogs.messages.empty());
 }
 
 TEST_F(CalRecordTest, HasNoNetPowerWithoutBothPowers) {
   ASSERT_TRUE(Load("1,0,1,40,30,\r\n2,0,1,40,40,\r\n3,0,1,30,40,\r\n4,0,1,na,10,\r\n5,0,1,10,na,\r\n"));
   EXPECT_NEAR(cal.GetNetPwr(1), 39.542, 0.001);
   for (double missing : {2.0, 3.0, 4.0, 5.0, 6.0}) EXPECT_EQ(cal.GetNetPwr(missing), -999) << missing;
-}
-
-TEST_F(CalRecordTest, AnswersAlikeInWhateverOrderItIsAsked) {
-  std::string data;
-  for (int i = 0; i < 60; ++i) data += std::to_string(i / 2 * 2 + 1) + "," + std::to_string(i % 7) + ",1,na,na,\r\n";
-  ASSERT_TRUE(Load(data));
-  std::vector<float> rising;
-  for (int i = 2; i <= 118; ++i) rising.push_back(cal.GetSigGen(i * 0.5));
-  for (int i = 118; i >= 2; --i) {
-    EXPECT_EQ(cal.GetSigGen(i * 0.5), rising[static_cast<std::size_t>(i) - 2]) << i;
-    clsCalFile fresh(t.shell);
-    ASSERT_TRUE(fresh.LoadFile(t.directory.File("x.hyinfo")));
-    EXPECT_EQ(fresh.GetSigGen(i * 0.5), rising[static_cast<std::size_t>(i) - 2]) << i;
-  }
 }
 
 TEST_F(CalRecordTest, SortsPointsThatAreOutOfOrder) {

@@ -4,11 +4,10 @@
 
 #include <functional>
 
-#include "documents/RoundTrip.h"
 #include "support/FormTable.h"
-#include "support/ReadLines.h"
 #include "support/SameRecord.h"
-#include "support/TestShell.h"
+#include "support/TempDir.h"
+#include "support/Told.h"
 #include "text/TextFile.h"
 
 namespace hylden {
@@ -41,59 +40,16 @@ CalSetupRecord TenVolts() {
 
 class CalSetupTest : public testing::Test {
  protected:
-  TestShell t;
-  CalSetup setup{t.shell};
+  TempDir directory;
+  CalSetup setup;
 };
-
-TEST_F(CalSetupTest, KeepsEveryFieldInItsPlaceInTheFile) {
-  setup.Record = TenVolts();
-  ASSERT_TRUE(setup.SaveDef(t.directory.File("a.csu")));
-  EXPECT_EQ(t.directory.Read("a.csu"),
-            " .15 \r\n 80 \r\n 1 \r\n .5 \r\n 1 \r\n/lists/x.lst\r\n 0 \r\n 10 \r\n/levels/y.lev\r\n 7 \r\n 3.25 \r\n"
-            "-30 \r\n 1 \r\n 0 \r\n 0 \r\n 25 \r\n 0 \r\n .3 \r\nCDN M2, no. 4711\r\n25 W\r\n 0 \r\n10 V\r\n .1 \r\n"
-            "\r\n\r\n\r\n\r\n\r\n\r\n\r\n\r\n\r\n");
-  CalSetup other(t.shell);
-  ExpectEveryFieldSurvives(t.directory, setup, other, &CalSetup::Record);
-}
 
 TEST_F(CalSetupTest, ReadsBackTheDemoSetup) {
   const std::string demo = ReadTextFile(HYLDEN_SOURCE_DIR "/examples/station/cdn-10v.csu");
-  t.directory.Write("stepped.lev", "0.15 10\r\n80 10\r\n");
-  ASSERT_TRUE(setup.LoadDef(t.directory.Write("cdn-10v.csu", demo)));
-  ASSERT_TRUE(setup.SaveDef(t.directory.File("again.csu")));
-  EXPECT_EQ(t.directory.Read("again.csu"), demo);
-}
-
-TEST_F(CalSetupTest, ALevelFileBesideTheSetupIsFound) {
-  const std::string levels = t.directory.Write("lab/y.lev", "0.15 10\r\n80 10\r\n");
-  setup.Record = TenVolts();
-  setup.Record.LimitFile = "y.lev";
-  ASSERT_TRUE(setup.SaveDef(t.directory.File("lab/a.csu")));
-  ASSERT_TRUE(setup.LoadDef(t.directory.File("lab/a.csu")));
-  EXPECT_EQ(setup.Record.LimitFile, levels);
-}
-
-TEST_F(CalSetupTest, LeavesNothingHalfLoadedOfABadFile) {
-  setup.Record = TenVolts();
-  ASSERT_TRUE(setup.SaveDef(t.directory.File("a.csu")));
-  std::vector<std::string> lines = ReadLines(t.directory.File("a.csu"));
-  lines.resize(23);
-  CalSetup other(t.shell);
-  EXPECT_TRUE(other.LoadDef(t.directory.Write("23.csu", JoinLines(lines))));
-
-  lines.resize(22);
-  lines[0] = "1";
-  other.Record.UserDefinedFactor = 5;
-  const std::string path = t.directory.Write("22.csu", JoinLines(lines));
-  EXPECT_FALSE(other.LoadDef(path));
-  EXPECT_EQ(t.dialogs.LastText(), "Error # 62\rInput past end of file\rCalSetup.LoadDef\r" + path);
-  EXPECT_EQ(other.Record.StartFreq, setup.Record.StartFreq);
-  EXPECT_EQ(other.Record.UserDefinedFactor, 5);
-
-  lines[7] = "ten";
-  EXPECT_FALSE(other.LoadDef(t.directory.Write("bad.csu", JoinLines(lines))));
-  EXPECT_FALSE(other.SaveDef(t.directory.File("no/such.csu")));
-  EXPECT_TRUE(t.dialogs.WasShownContaining("CalSetup.SaveDef"));
+  directory.Write("stepped.lev", "0.15 10\r\n80 10\r\n");
+  ASSERT_TRUE(setup.LoadDef(directory.Write("cdn-10v.csu", demo)));
+  ASSERT_TRUE(setup.SaveDef(directory.File("again.csu")));
+  EXPECT_EQ(directory.Read("again.csu"), demo);
 }
 
 TEST_F(CalSetupTest, OpensTheFormWithItsDefaults) {
@@ -124,11 +80,10 @@ TEST_F(CalSetupTest, LeavesTheOptionsForACodeThatNoneStandsFor) {
 }
 
 TEST_F(CalSetupTest, SetsTheRangeFromAList) {
-  EXPECT_TRUE(setup.LoadFreqList(t.directory.Write("x.lst", "10\r\n20\r\n45.5\r\n")));
+  EXPECT_TRUE(setup.LoadFreqList(directory.Write("x.lst", "10\r\n20\r\n45.5\r\n")));
   EXPECT_EQ(setup.Record.StartFreq, 10);
   EXPECT_EQ(setup.Record.StopFreq, 45.5);
-  EXPECT_FALSE(setup.LoadFreqList(t.directory.Write("y.lst", "Freq\r\n")));
-  EXPECT_EQ(t.dialogs.LastText(), "Bad data in frequency list file");
+  EXPECT_TRUE(FailsWith(setup.LoadFreqList(directory.Write("y.lst", "Freq\r\n")), "Bad data in frequency list file"));
   EXPECT_EQ(setup.Record.StopFreq, 45.5);
 }
 

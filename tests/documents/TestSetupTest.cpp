@@ -4,10 +4,9 @@
 
 #include <filesystem>
 
-#include "documents/RoundTrip.h"
 #include "support/ReadLines.h"
 #include "support/TestShell.h"
-#include "text/ExistingPath.h"
+#include "support/Told.h"
 
 namespace hylden {
 namespace {
@@ -46,96 +45,27 @@ class TestSetupTest : public testing::Test {
   std::string Summary() { return setup.StringPrintTestSetup(); }
 
   TestShell t;
-  CalInfo calInfo{t.shell};
+  CalInfo calInfo;
   TestSetup setup{t.shell, calInfo};
 };
 
-TEST_F(TestSetupTest, KeepsEveryFieldInItsPlaceInTheFile) {
+TEST_F(TestSetupTest, OlderFilesEndAtTheirFlagsOrBeforeThem) {
   setup.Definition = AmSweep();
+  setup.Definition.Spare1 = "kept";
   ASSERT_TRUE(setup.SaveDef(t.directory.File("a.tst")));
-  EXPECT_EQ(t.directory.Read("a.tst"),
-            "/cal/CDN, 10 V.hyinfo\r\n .15\r\n 80\r\nTrue\r\n 1\r\n .5\r\n 1\r\n 2\r\nFalse\r\n/lists/x.lst\r\n 3\r\n"
-            " 1\r\n 80\r\n 1\r\n 10\r\n .4\r\n 1\r\n 4.6\r\nFalse\r\n 0\r\n-6\r\n 1.25\r\n .2\r\n 0\r\nFalse\r\n-3\r\n"
-            "False\r\nFalse\r\n 2\r\n 150\r\nTrue\r\nFalse\r\n\r\n\r\n\r\n\r\n\r\n");
-  TestSetup other(t.shell, calInfo);
-  ExpectEveryFieldSurvives(t.directory, setup, other, &TestSetup::Definition);
-  EXPECT_EQ(setup.TestFileName, t.directory.File("first"));
-}
-
-/// The file of AmSweep with one line replaced; lines count from 1.
-std::string FileWithLine(const TempDir& directory, int number, const std::string& text) {
-  std::vector<std::string> lines = ReadLines(directory.File("a.tst"));
-  lines.at(static_cast<std::size_t>(number) - 1) = text;
-  return directory.Write("changed.tst", JoinLines(lines) + "whatever follows\r\n");
-}
-
-TEST_F(TestSetupTest, ConvertsEachLineToItsType) {
-  setup.Definition = AmSweep();
-  ASSERT_TRUE(setup.SaveDef(t.directory.File("a.tst")));
-  TestSetup other(t.shell, calInfo);
-  ASSERT_TRUE(other.LoadDef(FileWithLine(t.directory, 31, "")));
-  EXPECT_FALSE(other.Definition.ModOffBetweenFreqs);
-  ASSERT_TRUE(other.LoadDef(FileWithLine(t.directory, 32, "-1")));
-  EXPECT_TRUE(other.Definition.UseAMdepth);
-  ASSERT_TRUE(other.LoadDef(FileWithLine(t.directory, 2, "  +1.5E-1  ")));
-  EXPECT_EQ(other.Definition.StartFreq, 0.15);
-  std::vector<std::string> lines = ReadLines(t.directory.File("a.tst"));
-  lines.resize(32);
-  ASSERT_TRUE(other.LoadDef(t.directory.Write("cut.tst", JoinLines(lines))));
-  EXPECT_EQ(other.Definition.EUTCircuitImpedance, AmSweep().EUTCircuitImpedance);
-  ASSERT_TRUE(other.LoadDef(FileWithLine(t.directory, 33, "kept")));
-  EXPECT_EQ(other.Definition.Spare1, "kept");
-}
-
-TEST_F(TestSetupTest, LeavesNothingHalfLoadedBehindABadLine) {
-  setup.Definition = AmSweep();
-  ASSERT_TRUE(setup.SaveDef(t.directory.File("a.tst")));
-  const std::string before = setup.TestFileName;
-  setup.Definition.StartFreq = 7;
-  setup.Definition.EUTCircuitImpedance = 7;
-  const std::pair<int, const char*> rows[] = {{3, ""},           {4, "yes"}, {9, ""},    {13, "1E39"},
-                                              {5, "3000000000"}, {26, "- "}, {3, "80,5"}};
-  for (const auto& [line, text] : rows) {
-    EXPECT_FALSE(setup.LoadDef(FileWithLine(t.directory, line, text))) << line;
-    EXPECT_TRUE(t.dialogs.LastText().ends_with("\rTestSetup.LoadDef\r" + t.directory.File("changed.tst")));
-    EXPECT_EQ(setup.Definition.StartFreq, 7) << line;
-    EXPECT_EQ(setup.Definition.EUTCircuitImpedance, 7) << line;
-  }
-  EXPECT_FALSE(setup.LoadDef(t.directory.Write("short.tst", "x\r\n 1\r\n")));
-  EXPECT_EQ(setup.Definition.StartFreq, 7);
+  const std::vector<std::string> whole = ReadLines(t.directory.File("a.tst"));
+  for (const std::size_t lines : {30U, 31U, 32U, 33U})
+    for (const bool emptied : {false, true}) {
+      SCOPED_TRACE(testing::Message() << lines << emptied);
+      std::vector<std::string> cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(lines));
+      if (emptied) cut.resize(cut.size() + 7 - (lines - 30));
+      ASSERT_TRUE(setup.LoadDef(t.directory.Write("cut.tst", JoinLines(cut))));
+      EXPECT_EQ(setup.Definition.EUTCircuitImpedance, 150);
+      EXPECT_EQ(setup.Definition.ModOffBetweenFreqs, lines > 30);
+      EXPECT_EQ(setup.Definition.Spare1, lines > 32 ? "kept" : "");
+    }
   EXPECT_FALSE(setup.LoadDef(t.directory.File("missing.tst")));
-  EXPECT_FALSE(setup.SaveDef(t.directory.Path()));
-  EXPECT_TRUE(t.dialogs.LastText().ends_with("\rTestSetup.SaveDef\r" + t.directory.Path()));
-  EXPECT_EQ(setup.TestFileName, before);
-}
-
-TEST_F(TestSetupTest, FilesBesideTheDefinitionAreFound) {
-  const std::string info = t.directory.Write("lab/x.hyinfo", "");
-  const std::string list = t.directory.Write("lab/lists/x.lst", "10\r\n");
-  setup.Definition = AmSweep();
-  setup.Definition.CalInfoFile = "X.hyinfo";
-  setup.Definition.ListFile = "lists\\x.lst";
-  ASSERT_TRUE(setup.SaveDef(t.directory.File("lab/a.tst")));
-  const std::string written = t.directory.Read("lab/a.tst");
-  ASSERT_TRUE(setup.LoadDef(t.directory.File("lab/a.tst")));
-  EXPECT_EQ(ExistingPath(setup.Definition.CalInfoFile), info);
-  EXPECT_EQ(ExistingPath(setup.Definition.ListFile), list);
-  ASSERT_TRUE(setup.SaveDef(t.directory.File("lab/b.tst")));
-  EXPECT_EQ(t.directory.Read("lab/b.tst"), written) << "the set can still be moved";
-  ASSERT_TRUE(setup.SaveDef(t.directory.File("c.tst")));
-  TestSetup other(t.shell, calInfo);
-  ASSERT_TRUE(other.LoadDef(t.directory.File("c.tst")));
-  EXPECT_EQ(ExistingPath(other.Definition.CalInfoFile), info) << "from elsewhere it needs the whole path";
-}
-
-TEST_F(TestSetupTest, LogsEveryLoad) {
-  WorkingDirectory here(t.directory.Path());
-  t.shell.settings.Store().SaveSettingInt("System", "LogToFile", 1);
-  ASSERT_TRUE(setup.SaveDef("a.tst"));
-  ASSERT_TRUE(setup.LoadDef("a.tst"));
-  setup.LoadDef("missing.tst");
-  EXPECT_EQ(t.directory.Read("runlog.hyl"),
-            "01/05/26 09:00:00 - Test file saved: a.tst\r\n01/05/26 09:00:00 - Test file: a.tst\r\n");
+  EXPECT_EQ(setup.TestFileName, t.directory.File("cut.tst"));
 }
 
 TEST_F(TestSetupTest, KnowsAReadOnlyFile) {
@@ -205,7 +135,7 @@ TEST_F(TestSetupTest, ShowsALineOfTheSummaryWhereItsFieldAsksForIt) {
 TEST_F(TestSetupTest, PrintsThePageThatTheTextHas) {
   setup.Definition = AmSweep();
   setup.Definition.UseAMdepth = true;
-  setup.PrintTestSetup(setup.Definition);
+  EXPECT_TRUE(setup.PrintTestSetup(setup.Definition));
   const std::vector<std::string> lines = t.printer.Lines();
   const auto at = std::find(lines.begin(), lines.end(), "Modulation off between frequencies");
   ASSERT_NE(at, lines.end());
@@ -214,8 +144,8 @@ TEST_F(TestSetupTest, PrintsThePageThatTheTextHas) {
   EXPECT_EQ(lines.back(), "     Leveling Method: Signal Generator values");
 
   t.printer.failure = ErrorNumber::DeviceIoError;
-  setup.PrintTestSetup(setup.Definition);
-  EXPECT_TRUE(t.dialogs.WasShownContaining("\rTestSetup.PrintTestSetup\r"));
+  EXPECT_EQ(Told(setup.PrintTestSetup(setup.Definition)),
+            std::vector<std::string>{"Error # 57\rDevice I/O error\rTestSetup.PrintTestSetup\r"});
 }
 
 }  // namespace

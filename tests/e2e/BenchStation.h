@@ -87,7 +87,7 @@ class BenchStation {
   RunCablCal cable{machine.shell, instruments};
 
  private:
-  clsCalFile calibration_{machine.shell};
+  clsCalFile calibration_;
 };
 
 }  // namespace hylden

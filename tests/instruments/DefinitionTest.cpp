@@ -81,14 +81,11 @@ TYPED_TEST(DefinitionFileTest, AFileThatIsTooShortIsReportedAndLeavesNoDefinitio
   EXPECT_TRUE(this->driver.LoadFile(this->directory.File("enough.def")));
   const std::string cut = this->directory.Write("cut.def", Head(content, TypeParam::kLinesNeeded - 1));
   this->driver.PutDefinition(TypeParam::Sample());
-  EXPECT_FALSE(this->driver.LoadFile(cut));
+  const Done loaded = this->driver.LoadFile(cut);
   EXPECT_FALSE(this->driver.HasDefinition());
   EXPECT_EQ(this->driver.InstrumentName(), "");
   EXPECT_EQ(this->driver.FileName(), cut);
-  const Message& message = this->s.t.dialogs.messages.at(0);
-  EXPECT_EQ(message.text, "Error # 62\rInput past end of file\r" + std::string(TypeParam::kLoad) + "\r" + cut);
-  EXPECT_EQ(message.title, "Error");
-  EXPECT_EQ(message.icon, MessageIcon::Critical);
+  EXPECT_EQ(Told(loaded), Strings{"Error # 62\rInput past end of file\r" + std::string(TypeParam::kLoad) + "\r" + cut});
 }
 
 TYPED_TEST(DefinitionFileTest, AChosenFileThatFailsLeavesTheDefinitionThatWasThere) {
@@ -102,19 +99,17 @@ TYPED_TEST(DefinitionFileTest, AChosenFileThatFailsLeavesTheDefinitionThatWasThe
 TYPED_TEST(DefinitionFileTest, AFailedSaveKeepsTheFileName) {
   ASSERT_TRUE(this->driver.SaveFile(this->path));
   const std::string nowhere = this->directory.File("missing/two.def");
-  EXPECT_FALSE(this->driver.SaveFile(nowhere));
+  EXPECT_EQ(Told(this->driver.SaveFile(nowhere)),
+            Strings{"Error # 76\rPath not found\r" + std::string(TypeParam::kSave) + "\r" + nowhere});
   EXPECT_EQ(this->driver.FileName(), this->path);
-  const std::string context = "\r" + std::string(TypeParam::kSave) + "\r" + nowhere;
-  EXPECT_TRUE(this->s.t.dialogs.LastText().ends_with(context));
 }
 
 TYPED_TEST(DefinitionFileTest, AFailingPrinterIsReported) {
-  this->driver.PrintSetup();
+  EXPECT_TRUE(this->driver.PrintSetup());
   EXPECT_EQ(this->s.t.printer.jobs.size(), 1U);
   this->s.t.printer.failure = ErrorNumber::DeviceIoError;
-  this->driver.PrintSetup();
-  EXPECT_TRUE(this->s.ToldOnce("Error # 57\r"));
-  EXPECT_TRUE(this->s.t.dialogs.WasShownContaining("\r" + std::string(TypeParam::kPrint) + "\r"));
+  EXPECT_TRUE(
+      FailsWith(this->driver.PrintSetup(), "Error # 57\rDevice I/O error\r" + std::string(TypeParam::kPrint) + "\r"));
 }
 
 TEST(Definition, LoadingDerivesTheTerminator) {
@@ -133,7 +128,6 @@ TEST(Definition, LoadingDerivesTheTerminator) {
 TEST(Definition, WithoutOneAnInstrumentIsNeverAddressed) {
   TestStation s;
   for (const bool failed : {true, false}) {
-    s.t.dialogs.Clear();
     if (failed) {
       EXPECT_FALSE(s.sigGen.LoadFile("missing.sg"));
       EXPECT_FALSE(s.meter.LoadFile("missing.mtr"));
@@ -161,42 +155,19 @@ TEST(DefinitionListing, PrintsAMeterInGroups) {
   d.InitString = std::string(60, 'a') + std::string(60, 'b') + "c";
   d.ParseCmd = "X";
   s.meter.PutDefinition(d);
-  s.meter.PrintSetup();
-  const Strings expected = {"",
-                            "",
-                            "",
-                            "",
-                            "",
-                            "",
-                            "Instrument Name: Analyser",
-                            "        Address: 13",
-                            "",
-                            "    Init String: " + std::string(60, 'a'),
-                            "                 " + std::string(60, 'b'),
-                            "                 c",
-                            "",
-                            "Freq Set Prefix: CF",
-                            "         Suffix: MZ",
-                            "",
-                            " Lev Set Prefix: RL",
-                            "                 DB",
-                            "",
-                            "  Maximum Level: 120 dBuV",
-                            "  Minimum Level: 20 dBuV",
-                            "",
-                            "   Maximum Freq: 1000",
-                            "   Minimum Freq: 0.1",
-                            "",
-                            "        Trigger: TS",
-                            "           Read: MA?",
-                            "      Parse cmd: X",
-                            "       Shutdown: BYE",
-                            "",
-                            "          Units: 1  (0 = Volts, 1 = dBuv, 2 = mv, 3 = dbmv, 4 = dbm)",
-                            "           Type: 0  (0 = SpecAn, 1 = Scope, 2 = RfMeter)",
-                            "  Settling Time: 0.5",
-                            "  End of String: 0  (0 = none, 1 = cr, 2 = cr/lf)"};
-  EXPECT_EQ(s.t.printer.Lines(), expected);
+  EXPECT_TRUE(s.meter.PrintSetup());
+  const std::string expected =
+      "\n\n\n\n\n\nInstrument Name: Analyser\n        Address: 13\n\n    Init String: " + std::string(60, 'a') +
+      "\n                 " + std::string(60, 'b') +
+      "\n                 c\n\nFreq Set Prefix: CF\n         Suffix: MZ\n\n Lev Set Prefix: RL\n                 DB\n\n"
+      "  Maximum Level: 120 dBuV\n  Minimum Level: 20 dBuV\n\n   Maximum Freq: 1000\n   Minimum Freq: 0.1\n\n"
+      "        Trigger: TS\n           Read: MA?\n      Parse cmd: X\n       Shutdown: BYE\n\n"
+      "          Units: 1  (0 = Volts, 1 = dBuv, 2 = mv, 3 = dbmv, 4 = dbm)\n"
+      "           Type: 0  (0 = SpecAn, 1 = Scope, 2 = RfMeter)\n  Settling Time: 0.5\n"
+      "  End of String: 0  (0 = none, 1 = cr, 2 = cr/lf)\n";
+  std::string printed;
+  for (const std::string& line : s.t.printer.Lines()) printed += line + "\n";
+  EXPECT_EQ(printed, expected);
 }
 
 TEST(DefinitionListing, ShowsEveryFieldUnderALabelOfOneWidth) {

@@ -14,8 +14,8 @@ const Strings kHigh = {"> 18 OUTP OFF", "> 9 FA\\r\\n", "> 10 8\\r\\n", "> 9 L3\
 
 struct IfiAmpTest : testing::Test, TestStation {
   void Start(double frequencyMHz) {
-    ifiAmp.IfiInit(AmpControl::Ifi, 215);
-    if (frequencyMHz != 0) ifiAmp.IfiSetBand(frequencyMHz);
+    EXPECT_TRUE(ifiAmp.IfiInit(AmpControl::Ifi, 215));
+    EXPECT_TRUE(frequencyMHz == 0 || ifiAmp.IfiSetBand(frequencyMHz));
     Took();
   }
   void ExpectPowers(float first, float second) {
@@ -69,7 +69,7 @@ TEST_F(IfiAmpTest, AFailedCommandStopsTheChangeOverAndLeavesItToBeRepeated) {
     for (int n = 2; n <= static_cast<int>(sequence.size()); ++n) {
       SCOPED_TRACE(sequence[static_cast<std::size_t>(n - 1)]);
       TestStation s;
-      s.ifiAmp.IfiInit(AmpControl::Ifi, 215);
+      EXPECT_TRUE(s.ifiAmp.IfiInit(AmpControl::Ifi, 215));
       s.Took();
       s.bus.FailCall(n, gpib::kEnol);
       EXPECT_TRUE(FailsWith(s.ifiAmp.IfiSetBand(high ? 300 : 100), "Error sending command to amps\r\n"));
@@ -91,8 +91,8 @@ TEST_F(IfiAmpTest, NeverChangesOverWhenRfCanNotBeSwitchedOff) {
 TEST_F(IfiAmpTest, NeverChangesOverUnderTheLevelOfAGeneratorWithoutRfOff) {
   Redefine(sigGen, [](auto& d) { d.RfOff = ""; });
   Start(100);
-  sigGen.SetFreqLevel(100, -10);
-  sigGen.RfOn();
+  EXPECT_TRUE(sigGen.SetFreqLevel(100, -10));
+  EXPECT_TRUE(sigGen.RfOn());
   Took();
   EXPECT_TRUE(ifiAmp.IfiSetBand(300));
   Strings expected = kHigh;
@@ -104,12 +104,12 @@ TEST_F(IfiAmpTest, ReadsThePowerOfTheSelectedUnit) {
   Start(0);
   EXPECT_TRUE(FailsSilently(ifiAmp.IfiReadPower()));
   EXPECT_TRUE(Took().empty());
-  ifiAmp.IfiSetBand(100);
+  EXPECT_TRUE(ifiAmp.IfiSetBand(100));
   Took();
   bus.Answer(10, "0100 0200\r\n");
   ExpectPowers(200, 100);
   EXPECT_EQ(Took(), (Strings{"> 10 RP\\r\\n", "< 10 0100 0200\\r\\n"}));
-  ifiAmp.IfiSetBand(300);
+  EXPECT_TRUE(ifiAmp.IfiSetBand(300));
   bus.Answer(9, "50.00 10.01");
   ExpectPowers(50.0F, 10.01F);
 }

@@ -39,7 +39,7 @@ TEST_F(PMTest, LetsTheBandChooseTheChannel) {
   for (const ChannelCase& c : cases) {
     SCOPED_TRACE(testing::Message() << c.freqMHz << " MHz, channel " << c.channel);
     TestStation s;
-    s.pm.PwrMtrSetFreq(c.freqMHz);
+    EXPECT_TRUE(s.pm.PwrMtrSetFreq(c.freqMHz));
     s.bus.transcript.Clear();
     s.bus.Answer(7, "-3.5");
     EXPECT_EQ(s.pm.ReadPower(c.channel), -3.5);
@@ -55,14 +55,14 @@ TEST_F(PMTest, TriesNothingMoreAfterAFailedSelection) {
 
 TEST_F(PMTest, ReadsAPendingTriggerAfterWhatIsLeftOfTheSettlingTimeOrAHalt) {
   bus.Answers(7, {"1", "2"});
-  pm.PwrMtrTrigger(1);
+  EXPECT_TRUE(pm.PwrMtrTrigger(1));
   auto start = t.clock.TickMs();
   t.clock.Advance(450);
   Took();
   EXPECT_EQ(pm.ReadPower(1), 1);
   EXPECT_EQ(t.clock.TickMs() - start, 500);
   EXPECT_EQ(Took(), (Strings{"> 7 AR?", "< 7 1"}));
-  pm.PwrMtrTrigger(1);
+  EXPECT_TRUE(pm.PwrMtrTrigger(1));
   start = t.clock.TickMs();
   t.events.At(start + 10, [this] { t.shell.delay.RequestHalt(); });
   EXPECT_TRUE(FailsSilently(pm.ReadPower(1)));

@@ -12,7 +12,7 @@ struct SigGenTest : testing::Test, TestStation {};
 
 TEST_F(SigGenTest, EndsEveryCommandWithTheDefinedEnd) {
   Redefine(sigGen, [](auto& d) { d.EndOfString = 2; });
-  sigGen.SetFreqLevel(100, -20);
+  EXPECT_TRUE(sigGen.SetFreqLevel(100, -20));
   EXPECT_TRUE(sigGen.RfOn());
   EXPECT_EQ(Took(), (Strings{"> 18 FREQ 100.0 MHZ\\r\\n", "> 18 POW -20.0 DBM\\r\\n", "> 18 OUTP ON\\r\\n"}));
   Redefine(sigGen, [](auto& d) { d.EndOfString = 5; });  // unknown: as before
@@ -36,15 +36,15 @@ TEST_F(SigGenTest, HoldsRequestsWhileRfIsOffAndSendsOnlyChangesWhileOn) {
 }
 
 TEST_F(SigGenTest, NeverPutsTheHigherLevelOnTheWrongFrequency) {
-  sigGen.SetFreqLevel(100, -20);
-  sigGen.RfOn();
+  EXPECT_TRUE(sigGen.SetFreqLevel(100, -20));
+  EXPECT_TRUE(sigGen.RfOn());
   Took();
   EXPECT_TRUE(sigGen.SetFreqLevel(101, -10));
   EXPECT_EQ(Took(), (Strings{"> 18 FREQ 101.0 MHZ", "> 18 POW -10.0 DBM"}));
   EXPECT_TRUE(sigGen.SetFreqLevel(102, -30));
   EXPECT_EQ(Took(), (Strings{"> 18 POW -30.0 DBM", "> 18 FREQ 102.0 MHZ"}));
-  sigGen.RfOff();
-  sigGen.SetFreqLevel(103, -40);
+  EXPECT_TRUE(sigGen.RfOff());
+  EXPECT_TRUE(sigGen.SetFreqLevel(103, -40));
   Took();
   EXPECT_TRUE(sigGen.RfOn());
   EXPECT_EQ(Took(), (Strings{"> 18 POW -40.0 DBM", "> 18 FREQ 103.0 MHZ", "> 18 OUTP ON"}));
@@ -67,8 +67,8 @@ TEST_F(SigGenTest, RefusesWhatIsOutsideTheLimitsWithRfOff) {
   for (const RefusalCase& c : cases) {
     SCOPED_TRACE(testing::Message() << c.freqMHz << " MHz, " << c.levelDbm << " dBm");
     TestStation s;
-    s.sigGen.SetFreqLevel(50, -50);
-    s.sigGen.RfOn();
+    EXPECT_TRUE(s.sigGen.SetFreqLevel(50, -50));
+    EXPECT_TRUE(s.sigGen.RfOn());
     s.Took();
     const Done set = s.sigGen.SetFreqLevel(c.freqMHz, c.levelDbm);
     EXPECT_EQ(set.has_value(), c.message == nullptr);
@@ -86,8 +86,8 @@ TEST_F(SigGenTest, SendsBothAgainAfterAFailedSend) {
   for (int failing = 1; failing <= 2; ++failing) {
     SCOPED_TRACE(failing);
     TestStation s;
-    s.sigGen.SetFreqLevel(50, -50);
-    s.sigGen.RfOn();
+    EXPECT_TRUE(s.sigGen.SetFreqLevel(50, -50));
+    EXPECT_TRUE(s.sigGen.RfOn());
     s.Took();
     s.bus.FailCall(failing, gpib::kEnol);
     EXPECT_TRUE(FailsWith(s.sigGen.SetFreqLevel(60, -40), "Error in writing command to Signal Generator. \r\n"));
@@ -113,7 +113,7 @@ TEST_F(SigGenTest, EmulatesRfOffByTheMinimumLevel) {
   EXPECT_TRUE(sigGen.RfOff());  // nothing was ever sent
   EXPECT_TRUE(sigGen.RfOn());
   EXPECT_EQ(Took(), (Strings{"> 18 FREQ 0.1 MHZ", "> 18 POW -120.0 DBM", "> 18 OUTP ON"}));
-  sigGen.SetFreqLevel(200, -10);
+  EXPECT_TRUE(sigGen.SetFreqLevel(200, -10));
   Took();
   EXPECT_TRUE(sigGen.RfOff());
   EXPECT_FALSE(sigGen.RfIsOn());
@@ -129,15 +129,15 @@ TEST_F(SigGenTest, AGeneratorWithoutRfOffIsAtItsMinimumWheneverRfHasToBeOff) {
   EXPECT_EQ(Took(),
             (Strings{"FIND 18", "REMOTE 18", "> 18 *RST", "> 18 MOD OFF", "> 18 POW -120.0 DBM", "> 18 FREQ 0.1 MHZ"}));
   for (const auto& [freqMHz, levelDbm] : {std::pair{2000.0, 0.0F}, std::pair{100.0, 99.0F}}) {
-    sigGen.SetFreqLevel(200, -10);
-    sigGen.RfOn();
+    EXPECT_TRUE(sigGen.SetFreqLevel(200, -10));
+    EXPECT_TRUE(sigGen.RfOn());
     Took();
     EXPECT_FALSE(sigGen.SetFreqLevel(freqMHz, levelDbm));
     EXPECT_EQ(Took(), (Strings{"> 18 POW -120.0 DBM"}));
   }
-  sigGen.SetFreqLevel(200, -10);
-  sigGen.RfOn();
-  sigGen.RfOff();  // as the operator's command it sends nothing, and the level stays
+  EXPECT_TRUE(sigGen.SetFreqLevel(200, -10));
+  EXPECT_TRUE(sigGen.RfOn());
+  EXPECT_TRUE(sigGen.RfOff());  // as the operator's command it sends nothing, and the level stays
   Took();
   EXPECT_TRUE(sigGen.ShutdownSigGen());
   EXPECT_EQ(Took(), (Strings{"> 18 POW -120.0 DBM", "> 18 FREQ 0.1 MHZ", "LOCAL 18"}));
@@ -147,8 +147,8 @@ TEST_F(SigGenTest, AGeneratorWithoutRfOffIsAtItsMinimumWheneverRfHasToBeOff) {
 
 TEST_F(SigGenTest, AGeneratorThatCanNotBeLoweredIsReportedAndTriedAgain) {
   Redefine(sigGen, [](auto& d) { d.RfOff = ""; });
-  sigGen.SetFreqLevel(200, -10);
-  sigGen.RfOn();
+  EXPECT_TRUE(sigGen.SetFreqLevel(200, -10));
+  EXPECT_TRUE(sigGen.RfOn());
   bus.FailLine("> 18 POW -120.0", gpib::kEnol);
   EXPECT_TRUE(FailsWith(sigGen.SilenceRf(), "Error in writing command to Signal Generator. \r\n"));
   EXPECT_EQ(sigGen.RfState(), Rf::Unknown);
@@ -161,7 +161,7 @@ TEST_F(SigGenTest, AGeneratorThatCanNotBeLoweredIsReportedAndTriedAgain) {
 }
 
 TEST_F(SigGenTest, RfCountsAsOnUntilACommandToEndItGotThrough) {
-  sigGen.SetFreqLevel(200, -10);
+  EXPECT_TRUE(sigGen.SetFreqLevel(200, -10));
   bus.FailLine("> 18 OUTP ON", gpib::kEnol);
   EXPECT_FALSE(sigGen.RfOn());
   EXPECT_EQ(sigGen.RfState(), Rf::Unknown);
@@ -182,13 +182,13 @@ TEST_F(SigGenTest, RfCountsAsOnUntilACommandToEndItGotThrough) {
 }
 
 TEST_F(SigGenTest, IsLeftAtItsMinimumWhateverItsStateAtShutdown) {
-  sigGen.SetFreqLevel(200, -10);
-  sigGen.RfOn();
-  sigGen.RfOff();
+  EXPECT_TRUE(sigGen.SetFreqLevel(200, -10));
+  EXPECT_TRUE(sigGen.RfOn());
+  EXPECT_TRUE(sigGen.RfOff());
   Took();
   EXPECT_TRUE(sigGen.ShutdownSigGen());
   EXPECT_EQ(Took(), (Strings{"> 18 POW -120.0 DBM", "> 18 FREQ 0.1 MHZ", "> 18 OUTP OFF", "LOCAL 18"}));
-  sigGen.InitSigGen(0, -60);  // the level is not known any more
+  EXPECT_TRUE(sigGen.InitSigGen(0, -60));  // the level is not known any more
   Took();
   EXPECT_TRUE(sigGen.ShutdownSigGen());
   EXPECT_EQ(Took(), (Strings{"> 18 POW -120.0 DBM", "> 18 FREQ 0.1 MHZ", "> 18 OUTP OFF", "LOCAL 18"}));
@@ -196,8 +196,8 @@ TEST_F(SigGenTest, IsLeftAtItsMinimumWhateverItsStateAtShutdown) {
 
 TEST_F(SigGenTest, SendsABareTerminatorForAnEmptyRfOn) {
   Redefine(sigGen, [](auto& d) { d.RfOn = "", d.EndOfString = 1; });
-  sigGen.SetFreqLevel(100, 0);
-  sigGen.RfOn();
+  EXPECT_TRUE(sigGen.SetFreqLevel(100, 0));
+  EXPECT_TRUE(sigGen.RfOn());
   EXPECT_EQ(Took().back(), "> 18 \\r");
 }
 
@@ -213,10 +213,10 @@ TEST_F(SigGenTest, StartsAtTheMinimumWithModulationAndRfOff) {
 
 TEST_F(SigGenTest, SendsATerminatorForAnEmptyInitStringButNothingWithoutOne) {
   Redefine(sigGen, [](auto& d) { d.InitString = ""; });
-  sigGen.InitSigGen(0, 0);
+  EXPECT_TRUE(sigGen.InitSigGen(0, 0));
   EXPECT_EQ(Took().at(2), "> 18 MOD OFF");
   Redefine(sigGen, [](auto& d) { d.EndOfString = 1; });
-  sigGen.InitSigGen(0, 0);
+  EXPECT_TRUE(sigGen.InitSigGen(0, 0));
   EXPECT_EQ(Took().at(2), "> 18 \\r");
 }
 
@@ -336,8 +336,8 @@ TEST_F(SigGenTest, EachFailedSendStopsTheOperationWithOneReport) {
     for (const std::string& call : c.calls) {
       SCOPED_TRACE(std::string(c.name) + " at " + call);
       TestStation s;
-      s.sigGen.SetFreqLevel(100, 0);
-      s.sigGen.RfOn();
+      EXPECT_TRUE(s.sigGen.SetFreqLevel(100, 0));
+      EXPECT_TRUE(s.sigGen.RfOn());
       s.bus.FailLine(call, gpib::kEnol);
       EXPECT_TRUE(FailsWith(c.operation(s.sigGen), c.report));
       EXPECT_TRUE(s.Took().back().starts_with(call));
@@ -346,8 +346,8 @@ TEST_F(SigGenTest, EachFailedSendStopsTheOperationWithOneReport) {
 }
 
 TEST_F(SigGenTest, CountsAsOnWhenSwitchingOffIsCutShort) {
-  sigGen.SetFreqLevel(100, 0);
-  sigGen.RfOn();
+  EXPECT_TRUE(sigGen.SetFreqLevel(100, 0));
+  EXPECT_TRUE(sigGen.RfOn());
   bus.transcript.onLine = [](const std::string&) { throw std::runtime_error("unplugged"); };
   EXPECT_THROW(sigGen.RfOff(), std::runtime_error);
   EXPECT_TRUE(sigGen.RfIsOn());

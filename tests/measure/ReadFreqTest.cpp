@@ -5,7 +5,8 @@
 #include <cmath>
 #include <limits>
 
-#include "support/TestShell.h"
+#include "support/TempDir.h"
+#include "support/Told.h"
 
 namespace hylden {
 namespace {
@@ -15,28 +16,21 @@ using List = std::vector<double>;
 class ReadFreqTest : public testing::Test {
  protected:
   List Plan(StepType type, double start, double stop, double step, BandSwitch band = {}) {
-    List plan{-1};
-    const int count = lists.BuildFreqPlan(type, start, stop, step, plan, t.directory.File("f.lst"), band);
-    EXPECT_EQ(static_cast<std::size_t>(count), plan.size());
-    return plan;
+    return ReadFreq::BuildFreqPlan(type, start, stop, step, directory.File("f.lst"), band).value_or(List{-1});
   }
 
-  TestShell t;
-  ReadFreq lists{t.shell};
+  TempDir directory;
 };
 
 TEST_F(ReadFreqTest, ReadsAListsFrequencies) {
-  List list;
-  EXPECT_EQ(lists.FileTolist(t.directory.Write("a.lst", "10\r\n20\r\n30\r\n"), list), 3);
-  EXPECT_EQ(list, (List{10, 20, 30}));
+  EXPECT_EQ(*ReadFreq::FileTolist(directory.Write("a.lst", "10\r\n20\r\n30\r\n")), (List{10, 20, 30}));
   // What follows the first number is ignored, and a blank line is no second visit to a frequency.
-  EXPECT_EQ(lists.FileTolist(t.directory.Write("b.lst", " ,0.15, 7\n\n+80\t.5\n\n"), list), 2);
-  EXPECT_EQ(list, (List{0.15, 80}));
-  EXPECT_TRUE(t.dialogs.messages.empty());
+  EXPECT_EQ(*ReadFreq::FileTolist(directory.Write("b.lst", " ,0.15, 7\n\n+80\t.5\n\n")), (List{0.15, 80}));
+  EXPECT_EQ(*ReadFreq::FileTolist(""), List{});
 }
 
-TEST_F(ReadFreqTest, RefusesABadListAndKeepsTheOneThatWasThere) {
-  const std::string path = t.directory.File("f.lst");
+TEST_F(ReadFreqTest, RefusesABadListAndNamesItsFault) {
+  const std::string path = directory.File("f.lst");
   const std::string atEnd = "Unexpected end of file in " + path, badData = "Bad data in frequency list file";
   const std::pair<std::string, std::string> rows[] = {
       {"", atEnd},
@@ -51,17 +45,11 @@ TEST_F(ReadFreqTest, RefusesABadListAndKeepsTheOneThatWasThere) {
       {"10\r\n20, 30,5\r\n", badData},
       {"10\r\n" + std::string(400, '9'), badData},
   };
-  List list{5};
-  for (const auto& [bytes, message] : rows) {
-    t.dialogs.Clear();
-    EXPECT_EQ(lists.FileTolist(t.directory.Write("f.lst", bytes), list), -1) << bytes;
-    EXPECT_EQ(t.dialogs.Texts(), std::vector<std::string>{message}) << bytes;
-  }
-  EXPECT_LT(lists.FileTolist(t.directory.File("missing.lst"), list), 1);
-  EXPECT_EQ(t.dialogs.LastText(),
-            "Error # 53\rFile not found\rReadFreq.FileTolist\r" + t.directory.File("missing.lst"));
-  EXPECT_EQ(lists.FileTolist("", list), 0);
-  EXPECT_EQ(list, List{5});
+  for (const auto& [bytes, message] : rows)
+    EXPECT_EQ(Told(ReadFreq::FileTolist(directory.Write("f.lst", bytes))), std::vector<std::string>{message}) << bytes;
+  const std::string missing = directory.File("missing.lst");
+  EXPECT_EQ(Told(ReadFreq::FileTolist(missing)),
+            std::vector<std::string>{"Error # 53\rFile not found\rReadFreq.FileTolist\r" + missing});
 }
 
 TEST_F(ReadFreqTest, PlansALinearSweep) {
@@ -86,10 +74,10 @@ TEST_F(ReadFreqTest, PlansALogarithmicSweep) {
 }
 
 TEST_F(ReadFreqTest, PlansAListWithinItsRange) {
-  t.directory.Write("f.lst", "5\r\n10\r\n50\r\n150\r\n20\r\n");
+  directory.Write("f.lst", "5\r\n10\r\n50\r\n150\r\n20\r\n");
   EXPECT_EQ(Plan(StepType::List, 10, 100, 0, {true, 80}), (List{10, 50}));
-  t.directory.Write("f.lst", "none");
-  EXPECT_EQ(Plan(StepType::List, 10, 100, 0), List{});
+  directory.Write("f.lst", "none");
+  EXPECT_EQ(Plan(StepType::List, 10, 100, 0), List{-1}) << "that it can't be read is no empty plan";
 }
 
 TEST_F(ReadFreqTest, PutsTheBandSwitchPairWhereThePlanCrossesIt) {

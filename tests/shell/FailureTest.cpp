@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/Told.h"
+#include "text/RuntimeError.h"
 
 namespace hylden {
 namespace {
@@ -10,6 +11,7 @@ namespace {
 const Failure kBus = Failure::OnBus("Error in reading meter. ", "\r\nibsta = &H8120");
 const Failure kRefusal("Bad units");
 const Failure kMeaning("Error initializing meter", MessageIcon::Critical);
+const Failure kReport = Failure::Report(RuntimeError(ErrorNumber::FileNotFound), "SigGen.LoadFile", "a.sg");
 
 struct BoxesCase {
   std::vector<Failure> parts;
@@ -31,6 +33,9 @@ TEST(Failure, WhatFollowsAFailureOnTheBusJoinsItsBox) {
       {{kBus, kMeaning},
        {"Error in reading meter. \r\nibsta = &H8120\r\nError initializing meter"},
        MessageIcon::Critical},
+      {{kBus, kReport, kRefusal},
+       {"Error in reading meter. \r\nibsta = &H8120", "Error # 53\rFile not found\rSigGen.LoadFile\ra.sg", "Bad units"},
+       MessageIcon::None},
   };
   for (const BoxesCase& c : cases) {
     Failure failure;

@@ -136,15 +136,23 @@ TEST_F(ShellTest, AFailureThatNobodyForesawHaltsARunWithRfOffBeforeItIsReported)
   }
 }
 
+TEST_F(ShellTest, AFailureIsToldOnceWithRfOff) {
+  SilentRun claiming;
+  t_.shell.ClaimInstruments(claiming);
+  EXPECT_FALSE(t_.shell.Ok(Done(Because())));
+  EXPECT_TRUE(t_.shell.Ok(Result<double>(1)));
+  EXPECT_FALSE(claiming.rfOff);
+  t_.dialogs.onShow = [&](const Message&) { EXPECT_TRUE(claiming.rfOff); };
+  EXPECT_FALSE(t_.shell.Ok(Done(Because("Bad data"))));
+  EXPECT_EQ(t_.dialogs.Texts(), std::vector<std::string>{"Bad data"});
+}
+
 TEST_F(ShellTest, ATrappedFailureIsReportedWithNumberContextAndPath) {
   t_.shell.ReportError(RuntimeError(ErrorNumber::TypeMismatch), "TestSetup.LoadDef", "/a.tst");
   const std::bad_alloc unnumbered;
   t_.shell.ReportError(unnumbered, "frmRunTest.RunCDI");
-  const RuntimeError numbered(ErrorNumber::DeviceIoError);
-  t_.shell.ReportError(static_cast<const std::exception&>(numbered), "SigGen.LoadFile");
   EXPECT_EQ(t_.dialogs.Texts(), (std::vector<std::string>{"Error # 13\rType mismatch\rTestSetup.LoadDef\r/a.tst",
-                                                          "Error # 51\rInternal error\rfrmRunTest.RunCDI\r",
-                                                          "Error # 57\rDevice I/O error\rSigGen.LoadFile\r"}));
+                                                          "Error # 51\rInternal error\rfrmRunTest.RunCDI\r"}));
   EXPECT_EQ(t_.dialogs.messages[0].title, "Error");
   EXPECT_EQ(t_.dialogs.messages[0].icon, MessageIcon::Critical);
 }

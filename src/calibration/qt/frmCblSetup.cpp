@@ -32,8 +32,7 @@ UsedControls frmCblSetup::UsedNow() const {
 }
 
 void frmCblSetup::UseList(const QString& path) {
-  std::vector<double> frequencies;
-  if (ReadFreq(shell_).FileTolist(FromQt(path), frequencies) < 1) return;
+  if (!shell_.Ok(ReadFreq::FileTolist(FromQt(path)))) return;
   FitPathLabel(FromQt(path), *ui_->lblListFile);
   ui_->optListStep->setChecked(true);
   EnableControls();

@@ -130,7 +130,7 @@ void frmCalSetup::LoadFile(const QString& path) {
   Guard("mnuFileLoad", [&] {
     if (!MayDropEntries()) return;
     CalSetup& setup = documents_.calSetup;
-    if (!setup.LoadDef(FromQt(path))) return;
+    if (!shell_.Ok(setup.LoadDef(FromQt(path)))) return;
     setup.FileName = FromQt(path);
     ForgetKept();
     ShowFile();
@@ -154,7 +154,7 @@ bool frmCalSetup::SaveAs() {
 
 bool frmCalSetup::SaveTo(const std::string& path) {
   CalSetup& setup = documents_.calSetup;
-  if (!setup.SaveDef(path)) return false;
+  if (!shell_.Ok(setup.SaveDef(path))) return false;
   setup.FileName = path;
   ForgetKept();
   // What the setup does not take, as the step of a kind that is not chosen, is not in the file.
@@ -167,7 +167,7 @@ bool frmCalSetup::SaveTo(const std::string& path) {
 
 void frmCalSetup::UseList(const QString& path) {
   CalSetup& setup = documents_.calSetup;
-  if (!setup.LoadFreqList(FromQt(path))) return;
+  if (!shell_.Ok(setup.LoadFreqList(FromQt(path)))) return;
   FitPathLabel(FromQt(path), *ui_->lblListFile);
   ui_->optListStep->setChecked(true);
   ui_->txtStartFreq->setText(ToQt(ShortestText(setup.Record.StartFreq)));
@@ -186,7 +186,7 @@ void frmCalSetup::SelectLevelFile() {
 
 void frmCalSetup::UseLevelFile(const QString& path) {
   InterpClass table(shell_);
-  if (!table.InitInterp(FromQt(path))) return;
+  if (!shell_.Ok(table.InitInterp(FromQt(path)))) return;
   FitPathLabel(FromQt(path), *ui_->lblLimitFile);
   ui_->optLimitFile->setChecked(true);
   EnableControls();

@@ -237,7 +237,7 @@ void frmEquipment::SelectDefinition(Driver& driver, InstrumentKind kind) {
   driver.SetAddress(row.address);
   const auto path = AskFile(dialog.title, dialog.filter, datakind::kEquip, row.file);
   if (!path) return;
-  if (!driver.LoadFileOrKeep(*path)) return;
+  if (!shell_.Ok(driver.LoadFileOrKeep(*path))) return;
   row.file = driver.FileName();
   row.address = static_cast<std::int16_t>(driver.Address());
   ShowInstrument(kind, driver);
@@ -255,7 +255,7 @@ void frmEquipment::SelectTable(const TableRow& row) {
   const auto path = AskFile(row.title, row.filter, row.directory, equip_.Record.*row.file);
   if (!path) return;
   InterpClass table(shell_);
-  if (!table.InitInterp(*path)) return;
+  if (!shell_.Ok(table.InitInterp(*path))) return;
   equip_.Record.*row.file = *path;
   FitPathLabel(*path, *row.label);
 }
@@ -306,7 +306,7 @@ void frmEquipment::LoadFile(const QString& path) {
   Guard("mnuEquipFileLoad", [&] {
     if (!MayDropEntries()) return;
     const std::string file = FromQt(path);
-    if (equip_.LoadDef(file) != 1) return;
+    if (!shell_.Ok(equip_.LoadDef(file))) return;
     equip_.EquipFileName = file;
     ForgetKept();
     ShowFileName();
@@ -335,7 +335,7 @@ bool frmEquipment::SaveAs() {
 }
 
 bool frmEquipment::SaveTo(const std::string& path) {
-  if (!ApplyEquipment() || equip_.SaveDef(path) != 1) return false;
+  if (!ApplyEquipment() || !shell_.Ok(equip_.SaveDef(path))) return false;
   equip_.EquipFileName = path;
   ForgetKept();
   ShowRecord();

@@ -142,13 +142,13 @@ void frmTestDef::LoadFile(const QString& path) {
   Guard("mnuFileLoad", [&] {
     if (!MayDropEntries()) return;
     TestSetup& testSetup = documents_.testSetup;
-    if (!testSetup.LoadDef(FromQt(path))) return;
+    if (!shell_.Ok(testSetup.LoadDef(FromQt(path)))) return;
     ForgetKept();
     DefToForm();
     ShowFile();
     // Without its own info the test must not be checked against that of the calibration before.
     CalInfo& calInfo = documents_.calInfo;
-    if (!calInfo.LoadDef(testSetup.Definition.CalInfoFile)) calInfo.Record = {};
+    if (!shell_.Ok(calInfo.LoadDef(testSetup.Definition.CalInfoFile))) calInfo.Record = {};
     calInfoOfRecord_ = calInfo.Record;
     ShowCalInfo();
     AddRecentFile(testSetup.TestFileName);
@@ -167,7 +167,7 @@ bool frmTestDef::SaveAs() {
 }
 
 bool frmTestDef::SaveTo(const std::string& path) {
-  if (!FormToDef() || !documents_.testSetup.SaveDef(path)) return false;
+  if (!FormToDef() || !shell_.Ok(documents_.testSetup.SaveDef(path))) return false;
   ForgetKept();
   // What the definition does not take, as an impedance without a probe, is not in the file.
   DefToForm();
@@ -179,7 +179,7 @@ bool frmTestDef::SaveTo(const std::string& path) {
 void frmTestDef::Print() {
   Guard("mnuFilePrint", [this] {
     TestDefinition shown = documents_.testSetup.Definition;
-    if (TakeInto(shown)) documents_.testSetup.PrintTestSetup(shown);
+    if (TakeInto(shown)) shell_.Ok(documents_.testSetup.PrintTestSetup(shown));
   });
 }
 
@@ -187,15 +187,14 @@ void frmTestDef::SelectCalFile() {
   const auto path =
       AskFile("Select Calibration File", kCalFilter, datakind::kCalibrations, ui_->lblCalFileName->Path());
   if (!path) return;
-  if (!documents_.calInfo.LoadDef(*path)) return;
+  if (!shell_.Ok(documents_.calInfo.LoadDef(*path))) return;
   FitPathLabel(*path, *ui_->lblCalFileName);
   ShowCalInfo();
 }
 
 void frmTestDef::UseList(const QString& path) {
   const std::string file = FromQt(path);
-  std::vector<double> frequencies;
-  if (ReadFreq(shell_).FileTolist(file, frequencies) < 1) return;
+  if (!shell_.Ok(ReadFreq::FileTolist(file))) return;
   FitPathLabel(file, *ui_->lblListFile);
   ui_->chkFreqList->setChecked(true);
   ShowMark();

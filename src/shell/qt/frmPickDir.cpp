@@ -9,6 +9,7 @@
 #include "shell/FitsSettings.h"
 #include "shell/Shell.h"
 #include "text/ExistingPath.h"
+#include "text/RuntimeError.h"
 #include "ui_frmPickDir.h"
 #include "widgets/PathLabel.h"
 

@@ -1,5 +1,4 @@
-#include "documents/CalSetup.h"
-#include "measure/ReadFreq.h"
+#include "documents/CalSetupRecord.h"
 
 namespace hylden {
 

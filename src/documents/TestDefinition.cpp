@@ -1,8 +1,7 @@
+#include "documents/TestDefinition.h"
+
 #include <cmath>
 
-#include "documents/TestSetup.h"
-#include "instruments/SigGen.h"
-#include "measure/ReadFreq.h"
 #include "text/Numbers.h"
 
 namespace hylden {
