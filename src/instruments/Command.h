@@ -3,7 +3,6 @@
 #include <string>
 #include <string_view>
 
-#include "instruments/Gpib.h"
 #include "text/Pattern.h"
 
 namespace hylden {
@@ -16,11 +15,11 @@ inline constexpr std::string_view kFreq = "####0.0##### ", kLevel = "##0.0 ", kM
                                   kSmallMeterLevel = "####0.0########### ", kMeterFreq = "####0.0######### ";
 }
 
-/// A command that sets a value: prefix, blank, value, suffix, terminator.
+/// A command that sets a value: prefix, blank, value, suffix.
 template <class Number>
-std::string SettingCommand(const std::string& prefix, Number value, std::string_view pattern, const std::string& suffix,
-                           const Terminator& terminator) {
-  return prefix + " " + Format(value, pattern) + suffix + terminator.Text;
+std::string SettingCommand(const std::string& prefix, Number value, std::string_view pattern,
+                           const std::string& suffix) {
+  return prefix + " " + Format(value, pattern) + suffix;
 }
 
 }  // namespace hylden

@@ -62,6 +62,13 @@ Done DefinedInstrument<Record>::Ready() const {
 }
 
 template <class Record>
+Done DefinedInstrument<Record>::Open(const char* name) {
+  if (Done ready = Ready(); !ready) return ready;
+  return gpib_.GpibOpen(Address(), definition_.InitString.empty() ? "" : definition_.InitString + terminator_.Text,
+                        name);
+}
+
+template <class Record>
 Done DefinedInstrument<Record>::SaveFile(const std::string& path) {
   return Trapped(NamesOf(definition_).Save, path, [&] {
     SaveRecord(path, definition_);

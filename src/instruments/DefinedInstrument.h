@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "instruments/Command.h"
 #include "instruments/Gpib.h"
 
 namespace hylden {
@@ -44,6 +45,16 @@ class DefinedInstrument {
 
   /// Done when there is a definition to work with.
   Done Ready() const;
+  /// Finds the instrument and sends its Init String; nothing where that is empty.
+  Done Open(const char* name);
+  /// Sends a command, ended as the instrument asks for it. @param failure  the first line of why not
+  Done SendCommand(const std::string& command, const std::string& failure) {
+    return gpib_.Send(Address(), command + terminator_.Text, failure);
+  }
+  /// @param value  in the unit of the command
+  std::string FreqCommand(double value, std::string_view pattern) const {
+    return SettingCommand(definition_.FreqSetPrefix, value, pattern, definition_.FreqSetSuffix);
+  }
   bool HasFreqCommand() const { return !definition_.FreqSetPrefix.empty() || !definition_.FreqSetSuffix.empty(); }
 
   Shell& shell_;

@@ -34,9 +34,7 @@ std::optional<double> NextReferenceLevel(double levelDbuv, double referenceDbuv,
 }
 
 Done Meter::InitMeter() {
-  if (Done ready = Ready(); !ready) return ready;
-  const std::string init = definition_.InitString.empty() ? "" : definition_.InitString + terminator_.Text;
-  if (Done opened = gpib_.GpibOpen(Address(), init, kName); !opened) return opened;
+  if (Done opened = Open(kName); !opened) return opened;
   currentFreq_ = 0;
   currentReference_ = kNoReference;
   answers_.ForgetTrigger();
@@ -49,10 +47,8 @@ Done Meter::MeterSetFreq(double frequencyMHz) {
   if (!inRange || !std::isfinite(setting)) return Because("Frequency requested exceeds meter's capability. ");
   if (frequencyMHz == currentFreq_) return {};
   currentFreq_ = 0;  // until the command has got through, nothing is assumed about the instrument
-  Done sent = HasFreqCommand()
-                  ? SendCommand(SettingCommand(definition_.FreqSetPrefix, setting, commandpattern::kMeterFreq,
-                                               definition_.FreqSetSuffix, terminator_))
-                  : Done();
+  const Done sent =
+      HasFreqCommand() ? SendCommand(FreqCommand(setting, commandpattern::kMeterFreq), kWriteFailed) : Done();
   return sent.map([&] { currentFreq_ = frequencyMHz; });
 }
 
@@ -74,7 +70,8 @@ Done Meter::SendReference(double levelDbuv) {
   const Result<double> setting = answers_.Converted(Conversions::DbuvToMeterUnits, definition_.Units, commanded);
   if (!setting) return Because(Failure(setting.error()).Add(gpib_.GpibError(kWriteFailed)));
   return SendCommand(SettingCommand(definition_.LevSetPrefix, *setting, LevelPattern(definition_.Units, *setting),
-                                    definition_.LevSetSuffix, terminator_));
+                                    definition_.LevSetSuffix),
+                     kWriteFailed);
 }
 
 Done Meter::MeterTrigger() {
@@ -125,13 +122,8 @@ Result<double> Meter::Judged(double levelDbuv) const {
 }
 
 Done Meter::MeterShutdown() {
-  const Done offline =
-      definition_.Shutdown.empty() ? InitMeter() : SendCommand(definition_.Shutdown + terminator_.Text);
+  const Done offline = definition_.Shutdown.empty() ? InitMeter() : SendCommand(definition_.Shutdown, kWriteFailed);
   return offline.and_then([&] { return gpib_.GpibClose(Address(), kName); });
-}
-
-Done Meter::SendCommand(const std::string& command) {
-  return gpib_.Send(Address(), command, kWriteFailed);
 }
 
 tl::unexpected<Failure> Meter::ReadFailed(Failure cause) const {

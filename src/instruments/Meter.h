@@ -60,7 +60,6 @@ class Meter : public DefinedInstrument<MeterDefinition> {
   Result<double> ReadLevel();
   /// The same where it is a level.
   Result<double> Judged(double levelDbuv) const;
-  Done SendCommand(const std::string& command);
   tl::unexpected<Failure> ReadFailed(Failure cause) const;
 
   AnswerReader answers_;

@@ -22,9 +22,7 @@ const std::string& OfChannel(int channel, const std::string& first, const std::s
 }  // namespace
 
 Done PM::InitPwrMtr() {
-  if (Done ready = Ready(); !ready) return ready;
-  const std::string init = definition_.InitString.empty() ? "" : definition_.InitString + terminator_.Text;
-  return gpib_.GpibOpen(Address(), init, kName).map([&] {
+  return Open(kName).map([&] {
     currentFreq_ = 0;
     answers_.ForgetTrigger();
   });
@@ -40,8 +38,7 @@ Done PM::PwrMtrSetFreq(double frequencyMHz) {
 }
 
 Done PM::TuneChannels(double frequencyMHz) {
-  const std::string command = SettingCommand(definition_.FreqSetPrefix, frequencyMHz, commandpattern::kMeterFreq,
-                                             definition_.FreqSetSuffix, terminator_);
+  const std::string command = FreqCommand(frequencyMHz, commandpattern::kMeterFreq);
   const Done first = TuneChannel(1, command);
   const bool twoChannels = !definition_.SelectCh2.empty();
   return first && twoChannels ? TuneChannel(2, command) : first;
@@ -49,14 +46,14 @@ Done PM::TuneChannels(double frequencyMHz) {
 
 Done PM::TuneChannel(int channel, const std::string& command) {
   // On the wrong channel the frequency would spoil the other sensor's calibration factor.
-  return PwrMtrSelect(channel).and_then([&] { return gpib_.Send(Address(), command, kWriteFailed); });
+  return PwrMtrSelect(channel).and_then([&] { return SendCommand(command, kWriteFailed); });
 }
 
 Done PM::PwrMtrSelect(int channel) {
   if (channel != 1 && channel != 2) return Because();
   const std::string& command = OfChannel(channel, definition_.SelectCh1, definition_.SelectCh2);
   if (command.empty()) return {};
-  return gpib_.Send(Address(), command + terminator_.Text, "Error in writing to power meter. ");
+  return SendCommand(command, "Error in writing to power meter. ");
 }
 
 Done PM::PwrMtrTrigger(int channel) {
@@ -100,9 +97,7 @@ int PM::ChannelFor(int channel) const {
 }
 
 Done PM::PwrMtrShutdown() {
-  const Done offline = definition_.Shutdown.empty()
-                           ? InitPwrMtr()
-                           : gpib_.Send(Address(), definition_.Shutdown + terminator_.Text, kWriteFailed);
+  const Done offline = definition_.Shutdown.empty() ? InitPwrMtr() : SendCommand(definition_.Shutdown, kWriteFailed);
   return offline.and_then([&] { return gpib_.GpibClose(Address(), kName); });
 }
 

@@ -65,17 +65,13 @@ Done SigGen::SendRequest(UnknownLevel order) {
 }
 
 Done SigGen::SendFreq() {
-  return gpib_.Send(Address(),
-                    SettingCommand(definition_.FreqSetPrefix, requestedFreq_, commandpattern::kFreq,
-                                   definition_.FreqSetSuffix, terminator_),
-                    kWriteFailed);
+  return SendCommand(FreqCommand(requestedFreq_, commandpattern::kFreq), kWriteFailed);
 }
 
 Done SigGen::SendLevel() {
-  return gpib_.Send(Address(),
-                    SettingCommand(definition_.LevSetPrefix, requestedLevel_, commandpattern::kLevel,
-                                   definition_.LevSetSuffix, terminator_),
-                    kWriteFailed);
+  return SendCommand(
+      SettingCommand(definition_.LevSetPrefix, requestedLevel_, commandpattern::kLevel, definition_.LevSetSuffix),
+      kWriteFailed);
 }
 
 void SigGen::ForgetSent() {
@@ -89,7 +85,7 @@ Done SigGen::RfOn() {
     rf_ = Rf::On;
     if (Done set = SetFreqLevel(requestedFreq_, requestedLevel_); !set) return set;
   }
-  Done sent = SendText(definition_.RfOn, "Error setting SigGen RF on. ");
+  Done sent = SendCommand(definition_.RfOn, "Error setting SigGen RF on. ");
   if (!sent) rf_ = Rf::Unknown;
   return sent;
 }
@@ -104,7 +100,7 @@ Done SigGen::RfOff() {
 Done SigGen::SilenceRf() {
   if (!HasDefinition()) return rf_ == Rf::Off ? Done() : Because();
   Done sent =
-      definition_.RfOff.empty() ? LowerToMinimum() : SendText(definition_.RfOff, "Error setting SigGen RF off. ");
+      definition_.RfOff.empty() ? LowerToMinimum() : SendCommand(definition_.RfOff, "Error setting SigGen RF off. ");
   // After the send: had it thrown, the output would still count as on. What was off stays off.
   if (sent) rf_ = Rf::Off;
   if (!sent && rf_ == Rf::On) rf_ = Rf::Unknown;
@@ -194,19 +190,21 @@ Done SigGen::PulseOn() {
 
 Done SigGen::SwitchModulationOn(const std::string& command, const std::string& failure) {
   modulated_ = Switched::Unknown;
-  return SendText(command, failure).map([&] { modulated_ = Switched::On; });
+  return SendCommand(command, failure).map([&] { modulated_ = Switched::On; });
 }
 
 Done SigGen::ModOff() {
   if (modulated_ == Switched::Off) return {};
   if (modulation_ == Modulation::Am && switchByDepth_) return SetUpAm(savedAmFreq_, 0, switchByDepth_);
   modulated_ = Switched::Unknown;
-  return SendText(definition_.ModulationOff, "Error turning modulation off. ").map([&] { modulated_ = Switched::Off; });
+  return SendCommand(definition_.ModulationOff, "Error turning modulation off. ").map([&] {
+    modulated_ = Switched::Off;
+  });
 }
 
 Done SigGen::SendModulation(const std::string& prefix, float value, std::string_view pattern, const std::string& suffix,
                             const std::string& failure) {
-  return gpib_.Send(Address(), SettingCommand(prefix, value, pattern, suffix, terminator_), failure);
+  return SendCommand(SettingCommand(prefix, value, pattern, suffix), failure);
 }
 
 Done SigGen::ShutdownSigGen() {
@@ -214,10 +212,6 @@ Done SigGen::ShutdownSigGen() {
       .and_then([&] { return SendRequest(UnknownLevel::LevelFirst); })
       .and_then([&] { return SilenceRf(); })
       .and_then([&] { return gpib_.GpibClose(Address(), kName); });
-}
-
-Done SigGen::SendText(const std::string& text, const std::string& failure) {
-  return gpib_.Send(Address(), text + terminator_.Text, failure);
 }
 
 Done SigGen::Refuse(const std::string& text) {

@@ -79,7 +79,6 @@ class SigGen : public DefinedInstrument<SigGenDefinition> {
   Done SendAm(float frequencyKHz, float depthPercent);
   Done SendModulation(const std::string& prefix, float value, std::string_view pattern, const std::string& suffix,
                       const std::string& failure);
-  Done SendText(const std::string& text, const std::string& failure);
   /// With RF off.
   Done Refuse(const std::string& text);
 
