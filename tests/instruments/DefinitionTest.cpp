@@ -121,8 +121,7 @@ TEST(Definition, LoadingDerivesTheTerminator) {
   EXPECT_TRUE(s.sigGen.LoadFile(path));
   s.sigGen.SetAddress(5);
   EXPECT_EQ(s.sigGen.Address(), 5);
-  EXPECT_TRUE(s.sigGen.RfOff());
-  EXPECT_EQ(s.Took(), (Strings{"> 5 OUTP OFF\\r\\n"}));
+  EXPECT_EQ(s.Out(s.sigGen.RfOff()), (Strings{"> 5 OUTP OFF\\r\\n"}));
 }
 
 TEST(Definition, WithoutOneAnInstrumentIsNeverAddressed) {

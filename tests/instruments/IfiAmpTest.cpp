@@ -36,31 +36,25 @@ TEST_F(IfiAmpTest, AGenericAmplifierIsLeftAlone) {
 
 TEST_F(IfiAmpTest, ResetsWithoutSwitchingTheLowBandOnAndWithoutWaiting) {
   const auto start = t.clock.TickMs();
-  EXPECT_TRUE(ifiAmp.IfiInit(AmpControl::Ifi, 215));
-  EXPECT_EQ(Took(), kReset);
+  EXPECT_EQ(Out(ifiAmp.IfiInit(AmpControl::Ifi, 215)), kReset);
   EXPECT_EQ(t.clock.TickMs(), start);
   EXPECT_TRUE(ifiAmp.IfiSetBand(500));
-  EXPECT_TRUE(ifiAmp.IfiReset());
-  Took();
-  EXPECT_TRUE(ifiAmp.IfiSetBand(500));  // forgotten by the reset
-  EXPECT_EQ(Took(), kHigh);
+  Out(ifiAmp.IfiReset());
+  // forgotten by the reset
+  EXPECT_EQ(Out(ifiAmp.IfiSetBand(500)), kHigh);
 }
 
 TEST_F(IfiAmpTest, ChangesOverOnlyWhenTheBandChanges) {
   Start(0);
   t.shell.delay.RequestHalt();  // must not shorten the change-over
   const auto start = t.clock.TickMs();
-  EXPECT_TRUE(ifiAmp.IfiSetBand(100));
-  EXPECT_EQ(Took(), kLow);
+  EXPECT_EQ(Out(ifiAmp.IfiSetBand(100)), kLow);
   EXPECT_EQ(t.clock.TickMs() - start, 2000);
   EXPECT_TRUE(ifiAmp.IfiSetBand(150));
-  EXPECT_TRUE(ifiAmp.IfiSetBand(215));
-  EXPECT_TRUE(Took().empty());
-  EXPECT_TRUE(ifiAmp.IfiSetBand(215.001));
-  EXPECT_EQ(Took(), kHigh);
+  EXPECT_TRUE(Out(ifiAmp.IfiSetBand(215)).empty());
+  EXPECT_EQ(Out(ifiAmp.IfiSetBand(215.001)), kHigh);
   EXPECT_EQ(t.clock.TickMs() - start, 4000);
-  EXPECT_TRUE(ifiAmp.IfiSetBand(300));
-  EXPECT_TRUE(Took().empty());
+  EXPECT_TRUE(Out(ifiAmp.IfiSetBand(300)).empty());
 }
 
 TEST_F(IfiAmpTest, AFailedCommandStopsTheChangeOverAndLeavesItToBeRepeated) {
@@ -69,8 +63,7 @@ TEST_F(IfiAmpTest, AFailedCommandStopsTheChangeOverAndLeavesItToBeRepeated) {
     for (int n = 2; n <= static_cast<int>(sequence.size()); ++n) {
       SCOPED_TRACE(sequence[static_cast<std::size_t>(n - 1)]);
       TestStation s;
-      EXPECT_TRUE(s.ifiAmp.IfiInit(AmpControl::Ifi, 215));
-      s.Took();
+      s.Out(s.ifiAmp.IfiInit(AmpControl::Ifi, 215));
       s.bus.FailCall(n, gpib::kEnol);
       EXPECT_TRUE(FailsWith(s.ifiAmp.IfiSetBand(high ? 300 : 100), "Error sending command to amps\r\n"));
       EXPECT_EQ(s.Took().size(), static_cast<std::size_t>(n));
@@ -91,9 +84,7 @@ TEST_F(IfiAmpTest, NeverChangesOverWhenRfCanNotBeSwitchedOff) {
 TEST_F(IfiAmpTest, NeverChangesOverUnderTheLevelOfAGeneratorWithoutRfOff) {
   Redefine(sigGen, [](auto& d) { d.RfOff = ""; });
   Start(100);
-  EXPECT_TRUE(sigGen.SetFreqLevel(100, -10));
-  EXPECT_TRUE(sigGen.RfOn());
-  Took();
+  RfOnAt(100, -10);
   EXPECT_TRUE(ifiAmp.IfiSetBand(300));
   Strings expected = kHigh;
   expected[0] = "> 18 POW -120.0 DBM";
@@ -104,8 +95,7 @@ TEST_F(IfiAmpTest, ReadsThePowerOfTheSelectedUnit) {
   Start(0);
   EXPECT_TRUE(FailsSilently(ifiAmp.IfiReadPower()));
   EXPECT_TRUE(Took().empty());
-  EXPECT_TRUE(ifiAmp.IfiSetBand(100));
-  Took();
+  Out(ifiAmp.IfiSetBand(100));
   bus.Answer(10, "0100 0200\r\n");
   ExpectPowers(200, 100);
   EXPECT_EQ(Took(), (Strings{"> 10 RP\\r\\n", "< 10 0100 0200\\r\\n"}));

@@ -15,11 +15,9 @@ struct MeterTest : testing::Test, TestStation {};
 
 TEST_F(MeterTest, OpensWithTheReferenceAtItsMaximum) {
   Redefine(meter, [](auto& d) { d.EndOfString = 1; });
-  EXPECT_TRUE(meter.InitMeter());
-  EXPECT_EQ(Took(), (Strings{"FIND 13", "REMOTE 13", "> 13 IP\\r", "> 13 RL 120.0 DB\\r"}));
+  EXPECT_EQ(Out(meter.InitMeter()), (Strings{"FIND 13", "REMOTE 13", "> 13 IP\\r", "> 13 RL 120.0 DB\\r"}));
   Redefine(meter, [](auto& d) { d.InitString = ""; });
-  EXPECT_TRUE(meter.InitMeter());
-  EXPECT_EQ(Took(), (Strings{"FIND 13", "REMOTE 13", "> 13 RL 120.0 DB\\r"}));
+  EXPECT_EQ(Out(meter.InitMeter()), (Strings{"FIND 13", "REMOTE 13", "> 13 RL 120.0 DB\\r"}));
 }
 
 struct LevelCase {
@@ -288,14 +286,12 @@ TEST_F(MeterTest, ReadsOnceWithoutALevelCommand) {
 }
 
 TEST_F(MeterTest, ShutsDownByItsCommandOrByStartingAnew) {
-  EXPECT_TRUE(meter.MeterShutdown());
-  EXPECT_EQ(Took(), (Strings{"> 13 BYE", "LOCAL 13"}));
+  EXPECT_EQ(Out(meter.MeterShutdown()), (Strings{"> 13 BYE", "LOCAL 13"}));
   bus.FailLine("> 13 BYE", gpib::kEnol);
   EXPECT_TRUE(FailsWith(meter.MeterShutdown(), "Error in writing command to meter. \r\n"));
   Redefine(meter, [](auto& d) { d.Shutdown = ""; });
   Took();
-  EXPECT_TRUE(meter.MeterShutdown());
-  EXPECT_EQ(Took(), (Strings{"FIND 13", "REMOTE 13", "> 13 IP", "> 13 RL 120.0 DB", "LOCAL 13"}));
+  EXPECT_EQ(Out(meter.MeterShutdown()), (Strings{"FIND 13", "REMOTE 13", "> 13 IP", "> 13 RL 120.0 DB", "LOCAL 13"}));
   bus.FailLine("> 13 RL", gpib::kEnol);
   EXPECT_TRUE(FailsWith(meter.MeterShutdown(), "Error in writing command to meter. \r\n"));
 }

@@ -11,11 +11,9 @@ struct PMTest : testing::Test, TestStation {};
 
 TEST_F(PMTest, TellsEverySensorTheFrequencyOncePerChange) {
   EXPECT_TRUE(pm.PwrMtrSetFreq(100));
-  EXPECT_TRUE(pm.PwrMtrSetFreq(100));
-  EXPECT_EQ(Took(), (Strings{"> 7 AP", "> 7 FR 100.0 MZ", "> 7 BP", "> 7 FR 100.0 MZ"}));
+  EXPECT_EQ(Out(pm.PwrMtrSetFreq(100)), (Strings{"> 7 AP", "> 7 FR 100.0 MZ", "> 7 BP", "> 7 FR 100.0 MZ"}));
   Redefine(pm, [](auto& d) { d.SelectCh2 = ""; });
-  EXPECT_TRUE(pm.PwrMtrSetFreq(101));
-  EXPECT_EQ(Took(), (Strings{"> 7 AP", "> 7 FR 101.0 MZ"}));
+  EXPECT_EQ(Out(pm.PwrMtrSetFreq(101)), (Strings{"> 7 AP", "> 7 FR 101.0 MZ"}));
   for (const double outside : {1001.0, 0.05})
     EXPECT_EQ(Told(pm.PwrMtrSetFreq(outside)), Strings{"Frequency requested exceeds power meter's capability. "});
   EXPECT_TRUE(Took().empty());
@@ -116,17 +114,14 @@ TEST_F(PMTest, AFrequencyThatDidNotGetThroughIsSentAgain) {
   bus.FailLine("> 7 FR", gpib::kEnol);
   EXPECT_FALSE(pm.PwrMtrSetFreq(50));
   Took();
-  EXPECT_TRUE(pm.PwrMtrSetFreq(50));
-  EXPECT_EQ(Took(), (Strings{"> 7 AP", "> 7 FR 50.0 MZ", "> 7 BP", "> 7 FR 50.0 MZ"}));
+  EXPECT_EQ(Out(pm.PwrMtrSetFreq(50)), (Strings{"> 7 AP", "> 7 FR 50.0 MZ", "> 7 BP", "> 7 FR 50.0 MZ"}));
 }
 
 TEST_F(PMTest, OpensAndShutsDown) {
   EXPECT_TRUE(pm.InitPwrMtr());
-  EXPECT_TRUE(pm.PwrMtrShutdown());
-  EXPECT_EQ(Took(), (Strings{"FIND 7", "REMOTE 7", "> 7 PR", "> 7 BYE", "LOCAL 7"}));
+  EXPECT_EQ(Out(pm.PwrMtrShutdown()), (Strings{"FIND 7", "REMOTE 7", "> 7 PR", "> 7 BYE", "LOCAL 7"}));
   Redefine(pm, [](auto& d) { d.Shutdown = d.InitString = ""; });
-  EXPECT_TRUE(pm.PwrMtrShutdown());
-  EXPECT_EQ(Took(), (Strings{"FIND 7", "REMOTE 7", "LOCAL 7"}));
+  EXPECT_EQ(Out(pm.PwrMtrShutdown()), (Strings{"FIND 7", "REMOTE 7", "LOCAL 7"}));
   Redefine(pm, [](auto& d) { d.Shutdown = "BYE"; });
   bus.FailLine("> 7 BYE", gpib::kEnol);
   EXPECT_TRUE(FailsWith(pm.PwrMtrShutdown(), "Error in writing command to power meter. \r\n"));

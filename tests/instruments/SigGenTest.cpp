@@ -12,42 +12,30 @@ struct SigGenTest : testing::Test, TestStation {};
 
 TEST_F(SigGenTest, EndsEveryCommandWithTheDefinedEnd) {
   Redefine(sigGen, [](auto& d) { d.EndOfString = 2; });
-  EXPECT_TRUE(sigGen.SetFreqLevel(100, -20));
-  EXPECT_TRUE(sigGen.RfOn());
-  EXPECT_EQ(Took(), (Strings{"> 18 FREQ 100.0 MHZ\\r\\n", "> 18 POW -20.0 DBM\\r\\n", "> 18 OUTP ON\\r\\n"}));
+  EXPECT_EQ(RfOnAt(100, -20), (Strings{"> 18 FREQ 100.0 MHZ\\r\\n", "> 18 POW -20.0 DBM\\r\\n", "> 18 OUTP ON\\r\\n"}));
   Redefine(sigGen, [](auto& d) { d.EndOfString = 5; });  // unknown: as before
   EXPECT_TRUE(sigGen.RfOff());
   Redefine(sigGen, [](auto& d) { d.EndOfString = 1; });
-  EXPECT_TRUE(sigGen.RfOff());
-  EXPECT_EQ(Took(), (Strings{"> 18 OUTP OFF\\r\\n", "> 18 OUTP OFF\\r"}));
+  EXPECT_EQ(Out(sigGen.RfOff()), (Strings{"> 18 OUTP OFF\\r\\n", "> 18 OUTP OFF\\r"}));
 }
 
 TEST_F(SigGenTest, HoldsRequestsWhileRfIsOffAndSendsOnlyChangesWhileOn) {
-  EXPECT_TRUE(sigGen.SetFreqLevel(150, -20));
-  EXPECT_TRUE(Took().empty());
-  EXPECT_TRUE(sigGen.RfOn());
+  EXPECT_TRUE(Out(sigGen.SetFreqLevel(150, -20)).empty());
+  EXPECT_EQ(Out(sigGen.RfOn()), (Strings{"> 18 FREQ 150.0 MHZ", "> 18 POW -20.0 DBM", "> 18 OUTP ON"}));
   EXPECT_TRUE(sigGen.RfIsOn());
-  EXPECT_EQ(Took(), (Strings{"> 18 FREQ 150.0 MHZ", "> 18 POW -20.0 DBM", "> 18 OUTP ON"}));
-  EXPECT_TRUE(sigGen.SetFreqLevel(150, -20));
-  EXPECT_TRUE(Took().empty());
+  EXPECT_TRUE(Out(sigGen.SetFreqLevel(150, -20)).empty());
   EXPECT_TRUE(sigGen.SetFreqLevel(150, -10.25F));
-  EXPECT_TRUE(sigGen.SetFreqLevel(151.123456F, -10.25F));
-  EXPECT_EQ(Took(), (Strings{"> 18 POW -10.3 DBM", "> 18 FREQ 151.123459 MHZ"}));
+  EXPECT_EQ(Out(sigGen.SetFreqLevel(151.123456F, -10.25F)),
+            (Strings{"> 18 POW -10.3 DBM", "> 18 FREQ 151.123459 MHZ"}));
 }
 
 TEST_F(SigGenTest, NeverPutsTheHigherLevelOnTheWrongFrequency) {
-  EXPECT_TRUE(sigGen.SetFreqLevel(100, -20));
-  EXPECT_TRUE(sigGen.RfOn());
-  Took();
-  EXPECT_TRUE(sigGen.SetFreqLevel(101, -10));
-  EXPECT_EQ(Took(), (Strings{"> 18 FREQ 101.0 MHZ", "> 18 POW -10.0 DBM"}));
-  EXPECT_TRUE(sigGen.SetFreqLevel(102, -30));
-  EXPECT_EQ(Took(), (Strings{"> 18 POW -30.0 DBM", "> 18 FREQ 102.0 MHZ"}));
+  RfOnAt(100, -20);
+  EXPECT_EQ(Out(sigGen.SetFreqLevel(101, -10)), (Strings{"> 18 FREQ 101.0 MHZ", "> 18 POW -10.0 DBM"}));
+  EXPECT_EQ(Out(sigGen.SetFreqLevel(102, -30)), (Strings{"> 18 POW -30.0 DBM", "> 18 FREQ 102.0 MHZ"}));
   EXPECT_TRUE(sigGen.RfOff());
-  EXPECT_TRUE(sigGen.SetFreqLevel(103, -40));
-  Took();
-  EXPECT_TRUE(sigGen.RfOn());
-  EXPECT_EQ(Took(), (Strings{"> 18 POW -40.0 DBM", "> 18 FREQ 103.0 MHZ", "> 18 OUTP ON"}));
+  Out(sigGen.SetFreqLevel(103, -40));
+  EXPECT_EQ(Out(sigGen.RfOn()), (Strings{"> 18 POW -40.0 DBM", "> 18 FREQ 103.0 MHZ", "> 18 OUTP ON"}));
 }
 
 struct RefusalCase {
@@ -67,9 +55,7 @@ TEST_F(SigGenTest, RefusesWhatIsOutsideTheLimitsWithRfOff) {
   for (const RefusalCase& c : cases) {
     SCOPED_TRACE(testing::Message() << c.freqMHz << " MHz, " << c.levelDbm << " dBm");
     TestStation s;
-    EXPECT_TRUE(s.sigGen.SetFreqLevel(50, -50));
-    EXPECT_TRUE(s.sigGen.RfOn());
-    s.Took();
+    s.RfOnAt(50, -50);
     const Done set = s.sigGen.SetFreqLevel(c.freqMHz, c.levelDbm);
     EXPECT_EQ(set.has_value(), c.message == nullptr);
     EXPECT_EQ(s.sigGen.RfIsOn(), c.message == nullptr);
@@ -77,8 +63,7 @@ TEST_F(SigGenTest, RefusesWhatIsOutsideTheLimitsWithRfOff) {
     EXPECT_EQ(s.Took(), (Strings{"> 18 OUTP OFF"}));
     EXPECT_EQ(Told(set), (Strings{c.message}));
     // The request before still stands.
-    EXPECT_TRUE(s.sigGen.RfOn());
-    EXPECT_EQ(s.Took(), (Strings{"> 18 OUTP ON"}));
+    EXPECT_EQ(s.Out(s.sigGen.RfOn()), (Strings{"> 18 OUTP ON"}));
   }
 }
 
@@ -86,17 +71,15 @@ TEST_F(SigGenTest, SendsBothAgainAfterAFailedSend) {
   for (int failing = 1; failing <= 2; ++failing) {
     SCOPED_TRACE(failing);
     TestStation s;
-    EXPECT_TRUE(s.sigGen.SetFreqLevel(50, -50));
-    EXPECT_TRUE(s.sigGen.RfOn());
-    s.Took();
+    s.RfOnAt(50, -50);
     s.bus.FailCall(failing, gpib::kEnol);
     EXPECT_TRUE(FailsWith(s.sigGen.SetFreqLevel(60, -40), "Error in writing command to Signal Generator. \r\n"));
     EXPECT_EQ(s.Took().size(), static_cast<std::size_t>(failing));
     // Neither the new pair nor the one before is known to stand.
     const double next = failing == 1 ? 60 : 50;
-    EXPECT_TRUE(s.sigGen.SetFreqLevel(next, static_cast<float>(next - 100)));
-    EXPECT_EQ(s.Took(), failing == 1 ? (Strings{"> 18 FREQ 60.0 MHZ", "> 18 POW -40.0 DBM"})
-                                     : (Strings{"> 18 FREQ 50.0 MHZ", "> 18 POW -50.0 DBM"}));
+    EXPECT_EQ(s.Out(s.sigGen.SetFreqLevel(next, static_cast<float>(next - 100))),
+              failing == 1 ? (Strings{"> 18 FREQ 60.0 MHZ", "> 18 POW -40.0 DBM"})
+                           : (Strings{"> 18 FREQ 50.0 MHZ", "> 18 POW -50.0 DBM"}));
   }
 }
 
@@ -111,15 +94,12 @@ TEST_F(SigGenTest, StaysSilentWithoutFrequencyOrLevelCommands) {
 TEST_F(SigGenTest, EmulatesRfOffByTheMinimumLevel) {
   Redefine(sigGen, [](auto& d) { d.RfOff = ""; });
   EXPECT_TRUE(sigGen.RfOff());  // nothing was ever sent
-  EXPECT_TRUE(sigGen.RfOn());
-  EXPECT_EQ(Took(), (Strings{"> 18 FREQ 0.1 MHZ", "> 18 POW -120.0 DBM", "> 18 OUTP ON"}));
-  EXPECT_TRUE(sigGen.SetFreqLevel(200, -10));
-  Took();
+  EXPECT_EQ(Out(sigGen.RfOn()), (Strings{"> 18 FREQ 0.1 MHZ", "> 18 POW -120.0 DBM", "> 18 OUTP ON"}));
+  Out(sigGen.SetFreqLevel(200, -10));
   EXPECT_TRUE(sigGen.RfOff());
   EXPECT_FALSE(sigGen.RfIsOn());
   EXPECT_TRUE(Took().empty());
-  EXPECT_TRUE(sigGen.RfOn());
-  EXPECT_EQ(Took(), (Strings{"> 18 POW -120.0 DBM", "> 18 OUTP ON"}));
+  EXPECT_EQ(Out(sigGen.RfOn()), (Strings{"> 18 POW -120.0 DBM", "> 18 OUTP ON"}));
   EXPECT_EQ(Told(sigGen.SetFreqLevel(2000, 0)).size(), 1U);  // not a loop
 }
 
@@ -129,26 +109,20 @@ TEST_F(SigGenTest, AGeneratorWithoutRfOffIsAtItsMinimumWheneverRfHasToBeOff) {
   EXPECT_EQ(Took(),
             (Strings{"FIND 18", "REMOTE 18", "> 18 *RST", "> 18 MOD OFF", "> 18 POW -120.0 DBM", "> 18 FREQ 0.1 MHZ"}));
   for (const auto& [freqMHz, levelDbm] : {std::pair{2000.0, 0.0F}, std::pair{100.0, 99.0F}}) {
-    EXPECT_TRUE(sigGen.SetFreqLevel(200, -10));
-    EXPECT_TRUE(sigGen.RfOn());
-    Took();
+    RfOnAt(200, -10);
     EXPECT_FALSE(sigGen.SetFreqLevel(freqMHz, levelDbm));
     EXPECT_EQ(Took(), (Strings{"> 18 POW -120.0 DBM"}));
   }
-  EXPECT_TRUE(sigGen.SetFreqLevel(200, -10));
-  EXPECT_TRUE(sigGen.RfOn());
+  RfOnAt(200, -10);
   EXPECT_TRUE(sigGen.RfOff());  // as the operator's command it sends nothing, and the level stays
   Took();
-  EXPECT_TRUE(sigGen.ShutdownSigGen());
-  EXPECT_EQ(Took(), (Strings{"> 18 POW -120.0 DBM", "> 18 FREQ 0.1 MHZ", "LOCAL 18"}));
-  EXPECT_TRUE(sigGen.SilenceRf());
-  EXPECT_TRUE(Took().empty());
+  EXPECT_EQ(Out(sigGen.ShutdownSigGen()), (Strings{"> 18 POW -120.0 DBM", "> 18 FREQ 0.1 MHZ", "LOCAL 18"}));
+  EXPECT_TRUE(Out(sigGen.SilenceRf()).empty());
 }
 
 TEST_F(SigGenTest, AGeneratorThatCanNotBeLoweredIsReportedAndTriedAgain) {
   Redefine(sigGen, [](auto& d) { d.RfOff = ""; });
-  EXPECT_TRUE(sigGen.SetFreqLevel(200, -10));
-  EXPECT_TRUE(sigGen.RfOn());
+  RfOnAt(200, -10);
   bus.FailLine("> 18 POW -120.0", gpib::kEnol);
   EXPECT_TRUE(FailsWith(sigGen.SilenceRf(), "Error in writing command to Signal Generator. \r\n"));
   EXPECT_EQ(sigGen.RfState(), Rf::Unknown);
@@ -182,33 +156,28 @@ TEST_F(SigGenTest, RfCountsAsOnUntilACommandToEndItGotThrough) {
 }
 
 TEST_F(SigGenTest, IsLeftAtItsMinimumWhateverItsStateAtShutdown) {
-  EXPECT_TRUE(sigGen.SetFreqLevel(200, -10));
-  EXPECT_TRUE(sigGen.RfOn());
-  EXPECT_TRUE(sigGen.RfOff());
-  Took();
-  EXPECT_TRUE(sigGen.ShutdownSigGen());
-  EXPECT_EQ(Took(), (Strings{"> 18 POW -120.0 DBM", "> 18 FREQ 0.1 MHZ", "> 18 OUTP OFF", "LOCAL 18"}));
+  RfOnAt(200, -10);
+  Out(sigGen.RfOff());
+  EXPECT_EQ(Out(sigGen.ShutdownSigGen()),
+            (Strings{"> 18 POW -120.0 DBM", "> 18 FREQ 0.1 MHZ", "> 18 OUTP OFF", "LOCAL 18"}));
   EXPECT_TRUE(sigGen.InitSigGen(0, -60));  // the level is not known any more
   Took();
-  EXPECT_TRUE(sigGen.ShutdownSigGen());
-  EXPECT_EQ(Took(), (Strings{"> 18 POW -120.0 DBM", "> 18 FREQ 0.1 MHZ", "> 18 OUTP OFF", "LOCAL 18"}));
+  EXPECT_EQ(Out(sigGen.ShutdownSigGen()),
+            (Strings{"> 18 POW -120.0 DBM", "> 18 FREQ 0.1 MHZ", "> 18 OUTP OFF", "LOCAL 18"}));
 }
 
 TEST_F(SigGenTest, SendsABareTerminatorForAnEmptyRfOn) {
   Redefine(sigGen, [](auto& d) { d.RfOn = "", d.EndOfString = 1; });
-  EXPECT_TRUE(sigGen.SetFreqLevel(100, 0));
-  EXPECT_TRUE(sigGen.RfOn());
-  EXPECT_EQ(Took().back(), "> 18 \\r");
+  EXPECT_EQ(RfOnAt(100, 0).back(), "> 18 \\r");
 }
 
 TEST_F(SigGenTest, StartsAtTheMinimumWithModulationAndRfOff) {
   EXPECT_TRUE(sigGen.InitSigGen(0, -60));
   EXPECT_FALSE(sigGen.RfIsOn());
   EXPECT_EQ(Took(), (Strings{"FIND 18", "REMOTE 18", "> 18 *RST", "> 18 MOD OFF", "> 18 OUTP OFF"}));
-  EXPECT_TRUE(sigGen.RfOn());
-  EXPECT_EQ(Took(), (Strings{"> 18 FREQ 0.1 MHZ", "> 18 POW -120.0 DBM", "> 18 OUTP ON"}));
-  EXPECT_TRUE(sigGen.ShutdownSigGen());  // already at the minimum
-  EXPECT_EQ(Took(), (Strings{"> 18 OUTP OFF", "LOCAL 18"}));
+  EXPECT_EQ(Out(sigGen.RfOn()), (Strings{"> 18 FREQ 0.1 MHZ", "> 18 POW -120.0 DBM", "> 18 OUTP ON"}));
+  // already at the minimum
+  EXPECT_EQ(Out(sigGen.ShutdownSigGen()), (Strings{"> 18 OUTP OFF", "LOCAL 18"}));
 }
 
 TEST_F(SigGenTest, SendsATerminatorForAnEmptyInitStringButNothingWithoutOne) {
@@ -228,13 +197,10 @@ TEST_F(SigGenTest, SwitchesRfOffEvenIfModulationCanNotBe) {
 
 TEST_F(SigGenTest, SwitchesAmByItsDepthWithoutLosingTheDepth) {
   EXPECT_TRUE(sigGen.SetAM(1, 80, true));
-  EXPECT_TRUE(sigGen.AmOn());
-  EXPECT_EQ(Took(), (Strings{"> 18 AMF 1.0 KHZ", "> 18 AMD 80.0 PCT", "> 18 AM ON"}));
+  EXPECT_EQ(Out(sigGen.AmOn()), (Strings{"> 18 AMF 1.0 KHZ", "> 18 AMD 80.0 PCT", "> 18 AM ON"}));
   for (int i = 0; i < 2; ++i) {
-    EXPECT_TRUE(sigGen.ModOff());
-    EXPECT_EQ(Took(), (Strings{"> 18 AMF 1.0 KHZ", "> 18 AMD 0.0 PCT"}));
-    EXPECT_TRUE(sigGen.AmOn());
-    EXPECT_EQ(Took(), (Strings{"> 18 AMF 1.0 KHZ", "> 18 AMD 80.0 PCT"}));
+    EXPECT_EQ(Out(sigGen.ModOff()), (Strings{"> 18 AMF 1.0 KHZ", "> 18 AMD 0.0 PCT"}));
+    EXPECT_EQ(Out(sigGen.AmOn()), (Strings{"> 18 AMF 1.0 KHZ", "> 18 AMD 80.0 PCT"}));
   }
 }
 
@@ -242,14 +208,12 @@ TEST_F(SigGenTest, SwitchesOtherModulationsByTheirCommands) {
   EXPECT_TRUE(sigGen.SetAM(0.4F, 30, false));
   EXPECT_TRUE(sigGen.AmOn());
   EXPECT_TRUE(sigGen.ModOff());
-  EXPECT_TRUE(sigGen.ModOff());  // already off
-  EXPECT_EQ(Took(), (Strings{"> 18 AMF 0.4 KHZ", "> 18 AMD 30.0 PCT", "> 18 AM ON", "> 18 MOD OFF"}));
+  // already off
+  EXPECT_EQ(Out(sigGen.ModOff()), (Strings{"> 18 AMF 0.4 KHZ", "> 18 AMD 30.0 PCT", "> 18 AM ON", "> 18 MOD OFF"}));
   EXPECT_TRUE(sigGen.SetFM(1, 2.5F));
-  EXPECT_TRUE(sigGen.FmOn());
-  EXPECT_EQ(Took(), (Strings{"> 18 FMF 1.0 KHZ", "> 18 FMD 2.5 KHZ", "> 18 FM ON"}));
+  EXPECT_EQ(Out(sigGen.FmOn()), (Strings{"> 18 FMF 1.0 KHZ", "> 18 FMD 2.5 KHZ", "> 18 FM ON"}));
   EXPECT_TRUE(sigGen.SetPulse(0.2F, 0.0005F));
-  EXPECT_TRUE(sigGen.PulseOn());
-  EXPECT_EQ(Took(), (Strings{"> 18 PLF 0.2 KHZ", "> 18 PLW 0.001 MS", "> 18 PL ON"}));
+  EXPECT_EQ(Out(sigGen.PulseOn()), (Strings{"> 18 PLF 0.2 KHZ", "> 18 PLW 0.001 MS", "> 18 PL ON"}));
 }
 
 TEST_F(SigGenTest, AModulationCommandThatDidNotGetThroughIsSentAgain) {
@@ -261,8 +225,7 @@ TEST_F(SigGenTest, AModulationCommandThatDidNotGetThroughIsSentAgain) {
   EXPECT_EQ(Took().front(), "> 18 AM ON");
   bus.FailLine("> 18 MOD OFF", gpib::kEnol);
   EXPECT_FALSE(sigGen.ModOff());
-  EXPECT_TRUE(sigGen.ModOff());
-  EXPECT_EQ(Took(), (Strings{"> 18 MOD OFF !2", "> 18 MOD OFF"}));
+  EXPECT_EQ(Out(sigGen.ModOff()), (Strings{"> 18 MOD OFF !2", "> 18 MOD OFF"}));
   bus.FailLine("> 18 FM ON", gpib::kEnol);  // or it got through, and its answer was lost
   EXPECT_FALSE(sigGen.FmOn());
   EXPECT_TRUE(sigGen.ModOff());
@@ -272,8 +235,7 @@ TEST_F(SigGenTest, AModulationCommandThatDidNotGetThroughIsSentAgain) {
 TEST_F(SigGenTest, SkipsEmptyAmCommandsButSendsEmptyFmOnes) {
   Redefine(sigGen, [](auto& d) { d.AmFreqPrefix = d.AmFreqSuffix = d.FmFreqPrefix = d.FmFreqSuffix = ""; });
   EXPECT_TRUE(sigGen.SetAM(1, 80, false));
-  EXPECT_TRUE(sigGen.SetFM(1, 2));
-  EXPECT_EQ(Took(), (Strings{"> 18 AMD 80.0 PCT", "> 18  1.0 ", "> 18 FMD 2.0 KHZ"}));
+  EXPECT_EQ(Out(sigGen.SetFM(1, 2)), (Strings{"> 18 AMD 80.0 PCT", "> 18  1.0 ", "> 18 FMD 2.0 KHZ"}));
 }
 
 TEST_F(SigGenTest, RefusesModulationsThatTheGeneratorLacks) {
@@ -336,8 +298,7 @@ TEST_F(SigGenTest, EachFailedSendStopsTheOperationWithOneReport) {
     for (const std::string& call : c.calls) {
       SCOPED_TRACE(std::string(c.name) + " at " + call);
       TestStation s;
-      EXPECT_TRUE(s.sigGen.SetFreqLevel(100, 0));
-      EXPECT_TRUE(s.sigGen.RfOn());
+      s.RfOnAt(100, 0);
       s.bus.FailLine(call, gpib::kEnol);
       EXPECT_TRUE(FailsWith(c.operation(s.sigGen), c.report));
       EXPECT_TRUE(s.Took().back().starts_with(call));
@@ -346,8 +307,7 @@ TEST_F(SigGenTest, EachFailedSendStopsTheOperationWithOneReport) {
 }
 
 TEST_F(SigGenTest, CountsAsOnWhenSwitchingOffIsCutShort) {
-  EXPECT_TRUE(sigGen.SetFreqLevel(100, 0));
-  EXPECT_TRUE(sigGen.RfOn());
+  RfOnAt(100, 0);
   bus.transcript.onLine = [](const std::string&) { throw std::runtime_error("unplugged"); };
   EXPECT_THROW(sigGen.RfOff(), std::runtime_error);
   EXPECT_TRUE(sigGen.RfIsOn());

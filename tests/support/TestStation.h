@@ -43,6 +43,16 @@ struct TestStation {
 
   /// What went over the bus since the last look.
   Strings Took() { return bus.transcript.Take(); }
+  /// The same, of an operation that was done.
+  Strings Out(const Done& done) {
+    EXPECT_TRUE(done);
+    return Took();
+  }
+  /// Sets the generator and switches it on. @return what went out
+  Strings RfOnAt(double frequencyMHz, float levelDbm) {
+    EXPECT_TRUE(sigGen.SetFreqLevel(frequencyMHz, levelDbm));
+    return Out(sigGen.RfOn());
+  }
   /// The commands that an instrument got, without line ends.
   Strings Sent(int address) const {
     Strings sent = bus.transcript.SentTo(address);
