@@ -229,42 +229,38 @@ TEST(CalSetupControls, EnablesOnlyTheBoxesInUse) {
 }
 
 TEST(CheckStation, StartsNoCalibrationWithoutWhatItNeeds) {
-  EquipRecord all;
-  all.SigGenFile = all.MeterFile = all.PwrMtrFile = "x";
-  all.CableLossFile = all.FwdPortFile = all.RevPortFile = "x";
-  all.AmpConfiguration = AmpConfig::DualFwdRev;
-  CalSetupRecord plain = TenVolts(), forward = plain, both = plain;
-  plain.RecordFwdPwr = 0;
-  both.RecordRevPwr = 1;
-  for (const CalSetupRecord& setup : {plain, forward, both}) EXPECT_FALSE(CheckStation(setup, all));
-
+  CalSetupRecord plain, forward, both;
+  forward.RecordFwdPwr = both.RecordFwdPwr = both.RecordRevPwr = 1;
+  // What is missing first, and what mends it.
   const struct {
-    const CalSetupRecord& setup;
-    std::function<void(EquipRecord&)> change;
     const char* text;
     int tab;
-  } cases[] = {
-      {plain, [](EquipRecord& e) { e.MeterFile = ""; }, "The signal generator and meter must both be selected", 0},
-      {both, [](EquipRecord& e) { e.SigGenFile = e.PwrMtrFile = ""; },
-       "The signal generator and meter must both be selected", 0},
-      {forward, [](EquipRecord& e) { e.PwrMtrFile = e.FwdPortFile = ""; },
-       "The power meter must be selected for this calibration", 0},
-      {forward, [](EquipRecord& e) { e.FwdPortFile = e.CableLossFile = ""; },
-       "No forward coupler port file has been selected", 1},
-      {both, [](EquipRecord& e) { e.AmpConfiguration = AmpConfig::DualSplit, e.RevPortFile = ""; },
-       "Power Meter must be dual channel for this calibration", 0},
-      {both, [](EquipRecord& e) { e.RevPortFile = e.CableLossFile = ""; },
-       "No reverse coupler port file has been selected", 1},
-      {plain, [](EquipRecord& e) { e.CableLossFile = e.PwrMtrFile = ""; }, "No cable loss file has been selected", 1},
+    void (*mend)(EquipRecord&);
+  } rows[] = {
+      {"The signal generator and meter must both be selected", 0, [](auto& e) { e.SigGenFile = "x"; }},
+      {"The signal generator and meter must both be selected", 0, [](auto& e) { e.MeterFile = "x"; }},
+      {"The power meter must be selected for this calibration", 0, [](auto& e) { e.PwrMtrFile = "x"; }},
+      {"No forward coupler port file has been selected", 1, [](auto& e) { e.FwdPortFile = "x"; }},
+      {"Power Meter must be dual channel for this calibration", 0,
+       [](auto& e) { e.AmpConfiguration = AmpConfig::DualSplit; }},
+      {"Power Meter must be dual channel for this calibration", 0,
+       [](auto& e) { e.AmpConfiguration = AmpConfig::DualFwdRev; }},
+      {"No reverse coupler port file has been selected", 1, [](auto& e) { e.RevPortFile = "x"; }},
+      {"No cable loss file has been selected", 1, [](auto& e) { e.CableLossFile = "x"; }},
   };
-  for (const auto& c : cases) {
-    EquipRecord equipment = all;
-    c.change(equipment);
-    const auto failure = CheckStation(c.setup, equipment);
-    ASSERT_TRUE(failure) << c.text;
-    EXPECT_EQ(failure->Text, c.text);
-    EXPECT_EQ(failure->EquipmentTab, c.tab) << c.text;
+  EquipRecord station;
+  for (const auto& row : rows) {
+    const auto failure = CheckStation(both, station);
+    ASSERT_TRUE(failure) << row.text;
+    EXPECT_EQ(failure->Text, row.text);
+    EXPECT_EQ(failure->EquipmentTab, row.tab);
+    EquipRecord cabled = station;
+    cabled.CableLossFile = "x";
+    EXPECT_EQ(!CheckStation(plain, cabled), !station.MeterFile.empty()) << row.text;
+    EXPECT_EQ(!CheckStation(forward, cabled), !station.FwdPortFile.empty()) << row.text;
+    row.mend(station);
   }
+  for (const CalSetupRecord& setup : {plain, forward, both}) EXPECT_FALSE(CheckStation(setup, station));
 }
 
 TEST(CouplingFactor, KnowsTheFactorOfEachMethod) {

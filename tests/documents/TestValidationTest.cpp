@@ -190,15 +190,15 @@ TEST(TestValidationTest, StoresEveryEntryAsItWasTyped) {
   test.EUTCircuitImpedance = 150;
   test.Spare3 = "old";
   ASSERT_FALSE(ValidateTestDefinition(entries, kRange, test).Failure);
-  EXPECT_EQ(test.InitLevOffset, -6);
-  EXPECT_EQ(test.LevelInc, 2);
-  EXPECT_EQ(test.LevelingMethod, LevelingMethod::SigGen);
-  EXPECT_EQ(test.ModType, Modulation::None);
-  EXPECT_EQ(test.LevelingMode, LevelingMode::ClosedLoop);
-  EXPECT_EQ(test.DiscreteDwell, 1000);
-  EXPECT_EQ(test.EUTCircuitImpedance, 150);
-  EXPECT_EQ(test.LimitMargin, -3);
-  EXPECT_EQ(test.Spare3, "");
+  TestDefinition expected = Good();
+  expected.InitLevOffset = -6;
+  expected.LevelInc = 2;
+  expected.LevelingMode = LevelingMode::ClosedLoop;
+  expected.FreqList = true;
+  expected.DiscreteDwell = 1000;
+  expected.EUTCircuitImpedance = 150;
+  expected.LimitMargin = -3;
+  EXPECT_EQ(RecordText(test), RecordText(expected));
 }
 
 TEST(TestValidationTest, TakesTheEdgesOfARange) {
@@ -277,44 +277,37 @@ TEST(TestValidationTest, EnablesTheControlsInUse) {
 }
 
 TEST(TestValidationTest, StartsNoTestWithoutWhatItNeeds) {
-  TestDefinition test;
-  test.MonitorProbe = true;
-  test.LevelingMethod = LevelingMethod::NetPower;
-  EquipRecord station;
-  const auto expect = [&](const char* text, int tab) {
-    const auto failure = CheckStart(test, station);
-    ASSERT_TRUE(failure) << text;
-    EXPECT_EQ(failure->Text, text);
-    EXPECT_EQ(failure->EquipmentTab, tab);
-  };
+  TestDefinition generator, forward, all;
+  forward.LevelingMethod = LevelingMethod::ForwardPower;
+  all.LevelingMethod = LevelingMethod::NetPower;
+  all.MonitorProbe = true;
   const char* dual = "A dual-channel power meter must be selected\r\nfor a net-power type test.";
-  expect("A signal generator must be selected", 0);
-  station.SigGenFile = "x";
-  expect("A meter device must be selected for\r\nmonitoring the induced level.", 0);
-  station.MeterFile = "x";
-  expect("No cable loss file has been selected", 1);
-  station.CableLossFile = "x";
-  expect("A power meter must be selected for this test", 0);
-  station.PwrMtrFile = "x";
-  expect("No forward coupler port file has been selected", 1);
-  station.FwdPortFile = "x";
-  expect(dual, 0);
-  station.AmpConfiguration = AmpConfig::DualSplit;
-  expect(dual, 0);
-  station.AmpConfiguration = AmpConfig::DualFwdRev;
-  expect("No reverse coupler port file has been selected", 1);
-  station.RevPortFile = "x";
-  EXPECT_FALSE(CheckStart(test, station));
-
-  test.LevelingMethod = LevelingMethod::ForwardPower;
-  station.RevPortFile = "";
-  station.AmpConfiguration = AmpConfig::Single;
-  EXPECT_FALSE(CheckStart(test, station));
-  test.LevelingMethod = LevelingMethod::SigGen;
-  test.MonitorProbe = false;
-  EquipRecord generatorOnly;
-  generatorOnly.SigGenFile = "x";
-  EXPECT_FALSE(CheckStart(test, generatorOnly));
+  // What is missing first, and what mends it.
+  const struct {
+    const char* text;
+    int tab;
+    void (*mend)(EquipRecord&);
+  } rows[] = {
+      {"A signal generator must be selected", 0, [](auto& e) { e.SigGenFile = "x"; }},
+      {"A meter device must be selected for\r\nmonitoring the induced level.", 0, [](auto& e) { e.MeterFile = "x"; }},
+      {"No cable loss file has been selected", 1, [](auto& e) { e.CableLossFile = "x"; }},
+      {"A power meter must be selected for this test", 0, [](auto& e) { e.PwrMtrFile = "x"; }},
+      {"No forward coupler port file has been selected", 1, [](auto& e) { e.FwdPortFile = "x"; }},
+      {dual, 0, [](auto& e) { e.AmpConfiguration = AmpConfig::DualSplit; }},
+      {dual, 0, [](auto& e) { e.AmpConfiguration = AmpConfig::DualFwdRev; }},
+      {"No reverse coupler port file has been selected", 1, [](auto& e) { e.RevPortFile = "x"; }},
+  };
+  EquipRecord station;
+  for (const auto& row : rows) {
+    EXPECT_EQ(!CheckStart(generator, station), !station.SigGenFile.empty()) << row.text;
+    EXPECT_EQ(!CheckStart(forward, station), !station.FwdPortFile.empty()) << row.text;
+    const auto failure = CheckStart(all, station);
+    ASSERT_TRUE(failure) << row.text;
+    EXPECT_EQ(failure->Text, row.text);
+    EXPECT_EQ(failure->EquipmentTab, row.tab);
+    row.mend(station);
+  }
+  EXPECT_FALSE(CheckStart(all, station));
 }
 
 TEST(TestValidationTest, StartsNoRunWithABandSwitchThatTheAmplifierLacks) {

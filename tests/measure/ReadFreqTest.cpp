@@ -52,23 +52,24 @@ TEST_F(ReadFreqTest, RefusesABadListAndNamesItsFault) {
             std::vector<std::string>{"Error # 53\rFile not found\rReadFreq.FileTolist\r" + missing});
 }
 
-TEST_F(ReadFreqTest, PlansALinearSweep) {
-  EXPECT_EQ(Plan(StepType::Linear, 1, 10, 1).size(), 10U);
-  EXPECT_EQ(Plan(StepType::Linear, 1, 10, 2), (List{1, 3, 5, 7, 9, 11}));
-  EXPECT_EQ(Plan(StepType::Linear, 1, 2.4, 1), (List{1, 2}));
-  EXPECT_EQ(Plan(StepType::Linear, 5, 5, 1), List{5});
-}
-
-TEST_F(ReadFreqTest, EndsALinearPlanOnTheDecimalThatARecordHolds) {
+TEST_F(ReadFreqTest, PlansASweepOnTheDecimalsThatARecordHolds) {
+  const struct {
+    StepType type;
+    double start, stop, step;
+    List plan;
+  } rows[] = {
+      {StepType::Linear, 1, 10, 2, {1, 3, 5, 7, 9, 11}},
+      {StepType::Linear, 1, 2.4, 1, {1, 2}},
+      {StepType::Linear, 5, 5, 1, {5}},
+      {StepType::Linear, 0.65, 0.85, 0.1, {0.65, 0.75, 0.85}},
+      {StepType::Log, 1, 2, 50, {1, 1.5, 2}},
+      {StepType::Log, 1, 3, 100, {1, 2, 3}},
+      {StepType::Log, 10, 14.4, 20, {10, 12, 14.4}},  // the last point stands there once
+  };
+  for (const auto& row : rows) EXPECT_EQ(Plan(row.type, row.start, row.stop, row.step), row.plan);
   EXPECT_EQ(Plan(StepType::Linear, 0.15, 0.85, 0.1).back(), 0.85);
   EXPECT_EQ(Plan(StepType::Linear, 0.15, 230, 1).back(), 230.15);
   EXPECT_EQ(Plan(StepType::Linear, 1, 10.4, 0.7).back(), 10.1);
-}
-
-TEST_F(ReadFreqTest, PlansALogarithmicSweep) {
-  EXPECT_EQ(Plan(StepType::Log, 1, 2, 50), (List{1, 1.5, 2}));
-  EXPECT_EQ(Plan(StepType::Log, 1, 3, 100), (List{1, 2, 3}));
-  EXPECT_EQ(Plan(StepType::Log, 10, 14.4, 20), (List{10, 12, 14.4})) << "the last point stands there once";
   EXPECT_EQ(Plan(StepType::Log, 0.15, 80, 1).size(), 633U);
   EXPECT_EQ(Plan(StepType::Log, 0.15, 230, 1).size(), 739U);
 }

@@ -62,8 +62,28 @@ TEST(Profile, AValueThatTheOldCodePageLacksIsNotLost) {
 class SettingsTest : public testing::Test {
  protected:
   INISettings Settings() { return INISettings(directory_.Path()); }
+  void Listen(INISettings& settings) {
+    settings.onTrouble = [this](const std::string& text) {
+      if (mayTell_) told_.push_back(text);
+      return mayTell_;
+    };
+  }
   TempDir directory_;
+  bool mayTell_ = true;
+  std::vector<std::string> told_;
 };
+
+/// The description of the SettingError with this number that the operation throws.
+template <class Operation>
+std::string SettingErrorOf(unsigned number, Operation operation) {
+  try {
+    operation();
+  } catch (const SettingError& error) {
+    EXPECT_EQ(error.Number(), static_cast<int>(number));
+    return error.Description();
+  }
+  return "no error";
+}
 
 TEST_F(SettingsTest, AStationWithoutASettingsFileRunsOnItsDefaults) {
   INISettings settings(directory_.Path() + "/");
@@ -160,46 +180,42 @@ TEST_F(SettingsTest, DeletingAKeyLeavesItsNeighbours) {
 TEST_F(SettingsTest, AFileThatCannotBeReadIsReportedAndLeftAlone) {
   directory_.Write("Hylden.ini/inside", "x");  // a directory of that name
   INISettings settings = Settings();
-  try {
-    settings.Store().GetSettingStr("Equip", "File", "");
-    FAIL() << "no error";
-  } catch (const SettingError& error) {
-    EXPECT_EQ(error.Number(), static_cast<int>(0x80040203u));
-    EXPECT_EQ(error.Description(), "Error reading Setting (75, Path/File access error)");
-  }
+  clsSetting& store = settings.Store();
+  const std::string why = " (75, Path/File access error)";
+  EXPECT_EQ(SettingErrorOf(0x80040203u, [&] { store.GetSettingStr("Equip", "File", ""); }),
+            "Error reading Setting" + why);
+  EXPECT_EQ(SettingErrorOf(0x80040204u, [&] { store.GetSettingAll("Equip"); }), "Error reading Section" + why);
+  EXPECT_EQ(SettingErrorOf(0x80040202u, [&] { store.SaveSettingInt("A", "k", 1); }), "no error");
+  EXPECT_EQ(SettingErrorOf(0x80040205u, [&] { store.DeleteKey("Equip", "File"); }), "Error Deleting Key" + why);
   EXPECT_NO_THROW(settings.SaveDefaultEquipFile("/a.eqp"));
-  EXPECT_THROW(settings.Store().DeleteKey("Equip", "File"), SettingError);
   EXPECT_TRUE(directory_.Exists("Hylden.ini/inside"));
 }
 
 TEST_F(SettingsTest, TheProgramGoesOnWithoutItsSettingsAndTellsOnce) {
-  for (const char* unreadable : {"a directory", "a failing disk"}) {
+  for (const bool failingDisk : {false, true}) {
+    SCOPED_TRACE(failingDisk);
     std::filesystem::remove_all(directory_.File("Hylden.ini"));
-    if (unreadable == std::string_view("a directory"))
-      directory_.Write("Hylden.ini/inside", "x");
-    else
+    if (failingDisk)
       std::filesystem::create_symlink("/proc/self/mem", directory_.File("Hylden.ini"));  // opens, and can't be read
-    SCOPED_TRACE(unreadable);
+    else
+      directory_.Write("Hylden.ini/inside", "x");
     INISettings settings = Settings();
-    std::vector<std::string> told;
-    bool mayTell = false;
-    settings.onTrouble = [&](const std::string& text) {
-      if (mayTell) told.push_back(text);
-      return mayTell;
-    };
+    Listen(settings);
+    told_.clear();
+    mayTell_ = false;
     EXPECT_EQ(settings.GetDefaultEquipFile(), "");
     EXPECT_EQ(settings.GetLogToFile(), 0);
-    EXPECT_TRUE(told.empty()) << "not the moment for it";
-    mayTell = true;
+    EXPECT_TRUE(told_.empty()) << "not the moment for it";
+    mayTell_ = true;
     EXPECT_EQ(settings.GetDataDir(datakind::kEquip), directory_.Path());
     EXPECT_EQ(settings.GetFormPosition(windowkey::kManualForm), "");
-    ASSERT_EQ(told.size(), 1U);
-    EXPECT_TRUE(told[0].starts_with("The settings can't be read; the program goes on with its defaults.\r\n" +
-                                    directory_.File("Hylden.ini")));
+    ASSERT_EQ(told_.size(), 1U);
+    EXPECT_TRUE(told_[0].starts_with("The settings can't be read; the program goes on with its defaults.\r\n" +
+                                     directory_.File("Hylden.ini")));
     settings.SaveFormPosition(windowkey::kManualForm, "1,2");
     settings.SaveDefaultEquipFile("/a.eqp");
-    ASSERT_EQ(told.size(), 2U);
-    EXPECT_EQ(told[1], "A setting could not be kept: this file can't be written.\r\n" + directory_.File("Hylden.ini"));
+    ASSERT_EQ(told_.size(), 2U);
+    EXPECT_EQ(told_[1], "A setting could not be kept: this file can't be written.\r\n" + directory_.File("Hylden.ini"));
   }
 }
 
@@ -237,19 +253,15 @@ TEST_F(SettingsTest, TheAdministratorsSettingsThatCannotBeReadAreNamedAndBlockNo
   directories.Common = directory_.File("bin");
   std::filesystem::create_directories(directories.Program);
   INISettings settings(directories);
-  std::vector<std::string> told;
-  settings.onTrouble = [&](const std::string& text) {
-    told.push_back(text);
-    return true;
-  };
+  Listen(settings);
   EXPECT_EQ(settings.GetDefaultEquipFile(), "");
-  ASSERT_EQ(told.size(), 1U);
-  EXPECT_TRUE(told[0].starts_with("The settings can't be read; the program goes on with its defaults.\r\n" +
-                                  directory_.File("bin/Hylden.ini") + "\r\n"))
-      << told[0];
+  ASSERT_EQ(told_.size(), 1U);
+  EXPECT_TRUE(told_[0].starts_with("The settings can't be read; the program goes on with its defaults.\r\n" +
+                                   directory_.File("bin/Hylden.ini") + "\r\n"))
+      << told_[0];
   settings.SaveDefaultEquipFile("/lab/b.eqp");
   EXPECT_EQ(settings.GetDefaultEquipFile(), "/lab/b.eqp");
-  EXPECT_EQ(told.size(), 1U);
+  EXPECT_EQ(told_.size(), 1U);
 }
 
 TEST_F(SettingsTest, AnEquipmentFileBesideTheSettingsIsFound) {
@@ -268,13 +280,8 @@ TEST_F(SettingsTest, AProtectedFileIsKeptAndOnlyDeletingComplains) {
   INISettings settings = Settings();
   EXPECT_NO_THROW(settings.SaveDefaultEquipFile("b"));
   EXPECT_EQ(settings.GetDefaultEquipFile(), "a");
-  try {
-    settings.Store().DeleteKey("Equip", "File");
-    FAIL() << "no error";
-  } catch (const SettingError& error) {
-    EXPECT_EQ(error.Number(), static_cast<int>(0x80040205u));
-    EXPECT_EQ(error.Description(), "Error Deleting Key (check if file is protected)");
-  }
+  EXPECT_EQ(SettingErrorOf(0x80040205u, [&] { settings.Store().DeleteKey("Equip", "File"); }),
+            "Error Deleting Key (check if file is protected)");
 }
 
 TEST_F(SettingsTest, TheDemosDialogsOpenInItsStation) {

@@ -46,27 +46,22 @@ TEST(Format, RoundsTheDecimalTextHalfAwayFromZero) {
 }
 
 TEST(Format, ASingleCountsWithItsSevenDigits) {
-  EXPECT_EQ(Format(2.675F, "##0.00"), "2.68");
-  EXPECT_EQ(Format(0.15F, "##0.0"), "0.2");
-  EXPECT_EQ(Format(-12.345F, "###0.000"), "-12.345");
-  EXPECT_EQ(Format(129.545F, "##0.00"), "129.55");
-  EXPECT_EQ(Format(0.1F, "#0.0#########"), "0.1");
+  const struct {
+    float value;
+    const char* pattern;
+    const char* text;
+  } cases[] = {{2.675F, "##0.00", "2.68"},        {0.15F, "##0.0", "0.2"},
+               {-12.345F, "###0.000", "-12.345"}, {129.545F, "##0.00", "129.55"},
+               {0.1F, "#0.0#########", "0.1"},    {-std::numeric_limits<float>::infinity(), "##0.0", "-inf"}};
+  for (const auto& row : cases) EXPECT_EQ(Format(row.value, row.pattern), row.text) << row.value;
 }
 
-TEST(Format, ZeroHasNoMinus) {
-  EXPECT_EQ(Format(-0.05, "##0.0"), "-0.1");
-  EXPECT_EQ(Format(-0.04, "##0.0"), "0.0");
-  EXPECT_EQ(Format(-1e-30, "##0.00"), "0.00");
-  EXPECT_EQ(Format(-0.0, "##0.0"), "0.0");
-}
-
-TEST(Format, SurvivesTheEndsOfTheRange) {
-  EXPECT_EQ(Format(1e22, "##0.0"), "1" + std::string(22, '0') + ".0");
-  EXPECT_EQ(Format(1e-30, "##0.0"), "0.0");
+TEST(Format, ZeroHasNoMinusAndTheEndsOfTheRangeAreSurvived) {
+  const std::pair<double, std::string> cases[] = {
+      {-0.05, "-0.1"}, {-0.04, "0.0"},       {-1e-30, "0.0"}, {-0.0, "0.0"}, {1e22, "1" + std::string(22, '0') + ".0"},
+      {5e-324, "0.0"}, {std::nan(""), "nan"}};
+  for (const auto& [value, text] : cases) EXPECT_EQ(Format(value, "##0.0"), text) << value;
   EXPECT_EQ(Format(std::numeric_limits<double>::max(), "0").size(), 309U);
-  EXPECT_EQ(Format(std::numeric_limits<double>::denorm_min(), "#0.0#"), "0.0");
-  EXPECT_EQ(Format(-std::numeric_limits<float>::infinity(), "##0.0"), "-inf");
-  EXPECT_EQ(Format(std::nan(""), "##0.0"), "nan");
 }
 
 }  // namespace
