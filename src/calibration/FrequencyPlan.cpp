@@ -4,7 +4,7 @@ namespace hylden {
 
 Result<std::vector<double>> PlanFrequencies(FrequencyRequest& request) {
   if (request.Type == StepType::List) {
-    const auto list = ReadFreq::FileTolist(request.ListFile);
+    auto list = ReadFreq::FileTolist(request.ListFile);
     if (!list) return list;
     if (request.StartMHz == 0 && !list->empty()) request.StartMHz = list->front();
     if (request.StopMHz == 0 && !list->empty()) request.StopMHz = list->back();

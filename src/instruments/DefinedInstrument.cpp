@@ -30,7 +30,7 @@ constexpr Names NamesOf(const PowerMeterDefinition&) {
 
 template <class Record>
 Done DefinedInstrument<Record>::LoadFile(const std::string& path) {
-  const Done loaded = LoadFileOrKeep(path);
+  Done loaded = LoadFileOrKeep(path);
   if (!loaded) {
     Forget();
     fileName_ = path;
