@@ -119,10 +119,12 @@ void ListBuilder::Clear() {
   unchanged_ = false;
 }
 
-void ListBuilder::Save(const std::string& file) {
-  ReplaceFile(file, JoinLines(ListLines(list_)));
-  file_ = file;
-  unsaved_ = false;
+Done ListBuilder::Save(const std::string& file) {
+  return Trapped("frmBuildList.SaveFile", file, [&] {
+    ReplaceFile(file, JoinLines(ListLines(list_)));
+    file_ = file;
+    unsaved_ = false;
+  });
 }
 
 }  // namespace hylden

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "shell/Failure.h"
+
 namespace hylden {
 
 class FormWalker;
@@ -51,8 +53,8 @@ class ListBuilder {
   /// Puts a file's frequencies to the list; the first ones are the file.
   void AddFile(std::vector<double> list, const std::string& file);
   void Clear();
-  /// The list is in this file now. @throws RuntimeError when it can't be written; nothing is changed then
-  void Save(const std::string& file);
+  /// The list is in this file now; nothing is changed when it can't be written.
+  Done Save(const std::string& file);
   /// The caller is to go on with what it had.
   void LetFileGo() { file_.clear(); }
 

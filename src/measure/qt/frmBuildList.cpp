@@ -97,9 +97,9 @@ void frmBuildList::Add() {
 }
 
 std::optional<std::vector<double>> frmBuildList::Read(const std::string& file) {
-  std::vector<double> list;
-  if (ReadFreq(shell_).FileTolist(file, list) < 1) return std::nullopt;
-  return list;
+  auto list = ReadFreq::FileTolist(file);
+  if (!shell_.Ok(list) || list->empty()) return std::nullopt;
+  return std::move(*list);
 }
 
 void frmBuildList::AddFile() {
@@ -121,12 +121,7 @@ void frmBuildList::SaveAs() {
   if (builder_.List().empty()) return shell_.dialogs.Tell("Nothing to save!");
   const auto path = AskSaveFile("Frequency List Filename", kListFilter, datakind::kFreqList, builder_.File());
   if (!path) return;
-  try {
-    builder_.Save(*path);
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, "frmBuildList.SaveFile", *path);
-  }
-  ShowCaption(builder_.File());
+  if (shell_.Ok(builder_.Save(*path))) ShowCaption(builder_.File());
 }
 
 void frmBuildList::Clear() {
