@@ -156,9 +156,9 @@ bool StepRunner::ReadProbe(const std::string& status) {
 
 bool StepRunner::ReadForward() {
   run_.display.Status("Reading forward power...");
-  const auto reading = run_.guard.Reading(run_.preparation.Sensor().Read());
+  const auto reading = run_.guard.Reading(run_.sensor.Read());
   if (!reading || Halted()) return false;
-  const auto factor = run_.preparation.ForwardPort().InterpVal(state_.Freq, FreqScale::Linear);
+  const auto factor = run_.inputs->ForwardPort.InterpVal(state_.Freq, FreqScale::Linear);
   if (!run_.guard.Ok(factor, "Error interpolating forward coupler factor")) return false;
   state_.Result.FwdPwr = LinePower(*reading, double{*factor});
   run_.display.Show(Readout::ForwardPower, state_.Result.FwdPwr);
@@ -171,7 +171,7 @@ bool StepRunner::ReadReverse() {
     return run_.guard.Fail("Power meter not defined as dual-channel, check setup");
   const auto reading = run_.guard.Reading(run_.instruments.pm.ReadPower(2));
   if (!reading || Halted()) return false;
-  const auto factor = run_.preparation.ReversePort().InterpVal(state_.Freq, FreqScale::Linear);
+  const auto factor = run_.inputs->ReversePort.InterpVal(state_.Freq, FreqScale::Linear);
   if (!run_.guard.Ok(factor, "Error interpolating reverse coupler factor")) return false;
   state_.Result.RevPwr = LinePower(*reading, double{*factor});
   return true;

@@ -9,7 +9,8 @@
 #include "measure/Conversions.h"
 #include "platform/FlagRaised.h"
 #include "shell/Shell.h"
-#include "testrun/StepRunner.h"
+#include "testrun/LevelTargets.h"
+#include "testrun/TestModulation.h"
 #include "text/Pattern.h"
 
 namespace hylden {
@@ -114,7 +115,7 @@ bool ManualMode::manStepNumChange(int step) {
 }
 
 Done ManualMode::GoToStep(int step) {
-  const bool inRange = step >= 1 && step <= highestStep_ && step <= static_cast<int>(run_.steps.size());
+  const bool inRange = step >= 1 && step <= highestStep_ && step <= static_cast<int>(run_.inputs->Steps.size());
   if (!inRange || !run_.reached[static_cast<std::size_t>(step - 1)]) return {};
   returnStep_ = step;
   ShowStep();
@@ -165,7 +166,7 @@ Done ManualMode::SwitchModulation(bool on) {
   }
   const bool constantPeak = test.ModType == Modulation::Am && test.ConstPeak;
   const Done levelled = constantPeak ? SetLevel() : Done();
-  return levelled.and_then([&] { return StepRunner::SwitchModulationOn(sigGen, test); }).map([&] {
+  return levelled.and_then([&] { return SwitchModulationOn(sigGen, test); }).map([&] {
     run_.modulationSilenced = false;
     modulationOn_ = true;
   });

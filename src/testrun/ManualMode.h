@@ -77,7 +77,7 @@ class ManualMode {
   Done SwitchRf(bool on);
   Done SwitchModulation(bool on);
   void SwitchRfOff();
-  double FreqNow() const { return run_.steps[static_cast<std::size_t>(returnStep_ - 1)].Freq; }
+  double FreqNow() const { return run_.inputs->Steps[static_cast<std::size_t>(returnStep_ - 1)].Freq; }
   const ReachedStep& StepNow() const { return *run_.reached[static_cast<std::size_t>(returnStep_ - 1)]; }
 
   RunContext& run_;

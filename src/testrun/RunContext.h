@@ -1,19 +1,22 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <vector>
 
+#include "documents/Documents.h"
 #include "instruments/Instruments.h"
+#include "run/ForwardSensor.h"
 #include "run/RunDisplay.h"
 #include "run/RunGuard.h"
 #include "testrun/ManualControls.h"
 #include "testrun/RunData.h"
-#include "testrun/RunPreparation.h"
+#include "testrun/RunInputs.h"
+#include "testrun/TestInstruments.h"
 
 namespace hylden {
 
 class Shell;
-struct Documents;
 
 /// What a step came to: the level that stood for its dwell.
 struct ReachedStep {
@@ -33,7 +36,8 @@ struct RunContext {
         display(theDisplay),
         manual(theManual),
         guard(theShell, theInstruments.sigGen),
-        preparation(theShell, theInstruments, theDocuments, theDisplay, guard) {}
+        up(theShell, theInstruments, theDocuments.testSetup.Definition, theDocuments.equip.Record, theDisplay, guard),
+        sensor(theShell, theInstruments, theDocuments.equip.Record) {}
 
   Shell& shell;
   Instruments& instruments;
@@ -41,10 +45,11 @@ struct RunContext {
   RunDisplay& display;
   ManualControls& manual;
   RunGuard guard;
-  RunPreparation preparation;
+  TestInstruments up;
+  ForwardSensor sensor;
   RunData data;
-  std::vector<PlanStep> steps;                      ///< step i of the run is steps[i - 1]
-  std::vector<std::optional<ReachedStep>> reached;  ///< the same for what they came to when they were run last
+  std::unique_ptr<RunInputs> inputs;                ///< nothing before the run is ready
+  std::vector<std::optional<ReachedStep>> reached;  ///< by step: what it came to when it was run last
 
   bool manualRequested = false;     ///< manual mode was asked for, or is going on
   bool modulationSilenced = false;  ///< manual mode left the modulation off

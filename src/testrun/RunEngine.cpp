@@ -1,11 +1,13 @@
 #include "testrun/RunEngine.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
 #include "run/RunQuestions.h"
 #include "shell/Shell.h"
+#include "testrun/RunLoader.h"
 
 namespace hylden {
 
@@ -27,20 +29,22 @@ bool RunEngine::Halted() const {
 
 RunReadiness RunEngine::Prepare() {
   if (IsRunning()) return RunReadiness::NotReady;
-  ready_ = false;
+  run_.inputs.reset();
   run_.display.Status("State: Idle");
-  if (run_.preparation.PlanSteps(run_.steps) < 1) {
+  auto inputs = std::make_unique<RunInputs>(run_.shell);
+  RunLoader loader(run_.shell, run_.documents, run_.display, *inputs);
+  loader.PlanSteps();
+  if (inputs->Steps.empty()) {
     run_.shell.dialogs.Tell("Error, no frequencies to test? Check setup.");
     return RunReadiness::NoSteps;
   }
-  const bool loaded = run_.preparation.ListReadable() && run_.preparation.LoadCalibration();
-  if (loaded) {
+  if (inputs->ListReadable && loader.LoadCalibration()) {
     run_.data.Clear();
     run_.display.RowChanged(0);
-    ready_ = run_.preparation.LoadRunFactors(run_.steps);
+    if (loader.LoadFactors()) run_.inputs = std::move(inputs);
   }
-  run_.display.Status(ready_ ? "State: Idle" : "State: Not ready");
-  if (!ready_) return RunReadiness::NotReady;
+  run_.display.Status(run_.inputs ? "State: Idle" : "State: Not ready");
+  if (!run_.inputs) return RunReadiness::NotReady;
   run_.display.Phase(RunPhase::Ready);
   return RunReadiness::Ready;
 }
@@ -59,7 +63,7 @@ bool RunEngine::Confirm() {
 }
 
 void RunEngine::RunCdiTest() {
-  if (IsRunning() || !ready_) return;
+  if (IsRunning() || !run_.inputs) return;
   run_.guard.Run(
       "frmRunTest.RunCDI", [this] { RunTest(); }, [this] { EndRun(); });
 }
@@ -74,8 +78,9 @@ void RunEngine::Reset() {
   run_.shell.delay.ClearHalt();
   run_.data.Clear();
   unsaved_.Reset();
+  run_.sensor.Reset();
   run_.display.RowChanged(0);
-  run_.reached.assign(run_.steps.size(), {});
+  run_.reached.assign(run_.inputs->Steps.size(), {});
   currentStep_ = highestStep_ = timedSteps_ = 0;
   run_.manualRequested = run_.modulationSilenced = false;
   stepRunner_.StartRun();
@@ -84,7 +89,7 @@ void RunEngine::Reset() {
 void RunEngine::RunTest() {
   Reset();
   run_.display.Phase(RunPhase::BringingUp);
-  if (!run_.preparation.InitInstruments() || Halted()) return;
+  if (!run_.up.BringUp() || Halted()) return;
   run_.display.Phase(RunPhase::Running);
   run_.shell.log.LogFile("Test run started\r\n" + run_.documents.testSetup.StringPrintTestSetup());
   run_.shell.log.Hold();
@@ -92,7 +97,7 @@ void RunEngine::RunTest() {
 }
 
 void RunEngine::Sweep() {
-  const int count = static_cast<int>(run_.steps.size());
+  const int count = static_cast<int>(run_.inputs->Steps.size());
   for (currentStep_ = 1; currentStep_ <= count; ++currentStep_) {
     if (Halted()) return;
     run_.display.Step(currentStep_);
@@ -104,14 +109,14 @@ void RunEngine::Sweep() {
   }
   currentStep_ = count;
   run_.guard.Finish();
-  run_.preparation.SwitchRfOff();
+  run_.up.SwitchRfOff();
   run_.shell.log.LogFile("Frequency sweep finished");
   run_.display.Show(Readout::Remaining, 0);
 }
 
 bool RunEngine::RunStep(bool first) {
   const auto index = static_cast<std::size_t>(currentStep_ - 1);
-  const std::optional<ReachedStep> reached = stepRunner_.Run(run_.steps.at(index), first);
+  const std::optional<ReachedStep> reached = stepRunner_.Run(run_.inputs->Steps.at(index), first);
   if (reached) run_.reached[index] = reached;
   return reached.has_value();
 }
@@ -126,7 +131,7 @@ bool RunEngine::RunTimedStep() {
 
 void RunEngine::ShowTimes() {
   const double minutes = elapsed_.Minutes();
-  const double left = static_cast<double>(run_.steps.size()) - (currentStep_ - 1);
+  const double left = static_cast<double>(run_.inputs->Steps.size()) - (currentStep_ - 1);
   run_.display.Show(Readout::Elapsed, minutes);
   run_.display.Show(Readout::Remaining, left * minutes / timedSteps_);
 }
@@ -143,7 +148,7 @@ bool RunEngine::ManualPhase() {
   run_.guard.GoOn();
   currentStep_ = manual_.ReturnStep();
   const auto index = static_cast<std::size_t>(currentStep_ - 1);
-  stepRunner_.ResumeFrom({run_.steps[index].Freq, run_.reached[index]->Offset});
+  stepRunner_.ResumeFrom({run_.inputs->Steps[index].Freq, run_.reached[index]->Offset});
   return true;
 }
 
@@ -154,7 +159,7 @@ void RunEngine::OpenManual() {
   run_.manual.OpenManual({.Step = currentStep_,
                           .HighestStep = highestStep_,
                           .LevelOffset = 0,
-                          .Freq = run_.steps[static_cast<std::size_t>(currentStep_ - 1)].Freq,
+                          .Freq = run_.inputs->Steps[static_cast<std::size_t>(currentStep_ - 1)].Freq,
                           .ModEnabled = test.ModType != Modulation::None,
                           .ModOn = manual_.ModulationIsOn(),
                           .RfOn = run_.instruments.sigGen.RfIsOn()});
@@ -171,12 +176,12 @@ void RunEngine::CloseManual() {
 }
 
 void RunEngine::EndRun() {
-  run_.guard.Attempt([&] { run_.preparation.SwitchRfOff(); });
+  run_.guard.Attempt([&] { run_.up.SwitchRfOff(); });
   // Stamped now, before dead instruments and boxes; written below, since the log may lie on a share that stalls.
   run_.shell.log.Hold();
   run_.shell.log.LogFile("Instruments taken offline");
   run_.guard.Attempt([&] { run_.display.Phase(RunPhase::TakingDown); });
-  run_.guard.Attempt([&] { run_.preparation.ShutdownInstruments(); });
+  run_.guard.Attempt([&] { run_.up.TakeDown(); });
   run_.guard.Attempt([&] { run_.shell.log.Release(); });
   run_.guard.Attempt([&] { CloseManual(); });
   run_.guard.Attempt([&] { run_.shell.speaker.Beep(1000, 2000); });

@@ -52,7 +52,8 @@ class RunEngine {
 
   ManualMode& Manual() { return manual_; }
   const RunData& Data() const { return run_.data; }
-  const std::vector<PlanStep>& Steps() const { return run_.steps; }
+  /// How many steps the run has; 0 before Prepare came to Ready.
+  std::size_t PlannedSteps() const { return run_.inputs ? run_.inputs->Steps.size() : 0; }
   /// What a step (counted from 1) came to; nothing before it was run.
   const std::optional<ReachedStep>& Reached(int step) const {
     return run_.reached.at(static_cast<std::size_t>(step - 1));
@@ -75,7 +76,6 @@ class RunEngine {
   UnsavedRows unsaved_;
   StepRunner stepRunner_;
   ManualMode manual_;
-  bool ready_ = false;
   bool manualOpen_ = false;
   int currentStep_ = 0;
   int highestStep_ = 0;

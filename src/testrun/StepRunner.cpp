@@ -3,6 +3,7 @@
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
 #include "shell/Shell.h"
+#include "testrun/TestModulation.h"
 #include "text/Pattern.h"
 
 namespace hylden {
@@ -52,7 +53,7 @@ void StepRunner::Begin(const PlanStep& step, bool first) {
 }
 
 bool StepRunner::FindTargets() {
-  const CalibratedLevels levels = LookUpLevels(run_.preparation.Calibration(), Test(), state_.Freq);
+  const CalibratedLevels levels = LookUpLevels(run_.inputs->Calibration, Test(), state_.Freq);
   const TargetsOrText found = TargetsFor(Test(), levels);
   if (!found.Text.empty()) return run_.guard.Fail(found.Text);
   state_.Targets = found.Targets;
@@ -69,9 +70,9 @@ bool StepRunner::FindTargets() {
 bool StepRunner::SetUpFeedback() {
   if (!Test().MonitorProbe) return true;
   run_.display.Status("Setting up feedback loop...");
-  const auto cableLoss = run_.preparation.CableLoss().InterpVal(state_.Freq, FreqScale::Linear);
+  const auto cableLoss = run_.inputs->CableLoss.InterpVal(state_.Freq, FreqScale::Linear);
   if (!run_.guard.Ok(cableLoss, "Error interpolating cable loss")) return false;
-  const auto probeFactor = run_.preparation.ProbeFactor().InterpVal(state_.Freq, FreqScale::Linear);
+  const auto probeFactor = run_.inputs->ProbeFactor.InterpVal(state_.Freq, FreqScale::Linear);
   if (!run_.guard.Ok(probeFactor, "Error interpolating probe factor")) return false;
   state_.Probe.Factors = double{*cableLoss} + double{*probeFactor};
 
@@ -118,7 +119,7 @@ bool StepRunner::Retune() {
   run_.display.Status("Setting Sig-Gen...");
   const bool hasBands = run_.documents.equip.Record.HasIfiAmplifier();
   if (hasBands && !run_.guard.Ok(run_.instruments.ifiAmp.IfiSetBand(state_.Freq))) return false;
-  if (test.LevelsByPower() && !run_.guard.Ok(run_.preparation.Sensor().Place(state_.Freq))) return false;
+  if (test.LevelsByPower() && !run_.guard.Ok(run_.sensor.Place(state_.Freq))) return false;
   if (test.ModOffBetweenFreqs && !run_.guard.Ok(sigGen.ModOff())) return false;
   if (Halted() || !run_.guard.Ok(sigGen.SetFreqLevel(state_.Freq, DriveLevel()), "Error setting SigGen")) return false;
   if (!run_.guard.Ok(sigGen.RfOn())) return false;
@@ -143,19 +144,6 @@ bool StepRunner::ModulationOn() {
   if (Halted() || !run_.guard.Ok(SwitchModulationOn(sigGen, test))) return false;
   StartDwell();
   return true;
-}
-
-Done StepRunner::SwitchModulationOn(SigGen& sigGen, const TestDefinition& test) {
-  switch (test.ModType) {
-    case Modulation::Am:
-      return sigGen.AmOn();
-    case Modulation::Fm:
-      return sigGen.FmOn();
-    case Modulation::Pulse:
-      return sigGen.PulseOn();
-    default:
-      return {};
-  }
 }
 
 bool StepRunner::HoldForDwell() {

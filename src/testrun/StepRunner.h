@@ -9,8 +9,6 @@
 
 namespace hylden {
 
-class SigGen;
-
 /// Levels and dwells one step of a test run: tunes the instruments, brings the level up to the calibrated target
 /// without overshooting, holds it for the dwell and records what was applied. Whatever fails, is halted or throws
 /// inside a step ends it with RF off. Levels are kept as an offset in dB below the calibrated generator level.
@@ -24,9 +22,6 @@ class StepRunner {
   std::optional<ReachedStep> Run(const PlanStep& step, bool first);
   /// The run goes on from an earlier step, which manual mode returned to.
   void ResumeFrom(const PreviousStep& step) { previous_ = step; }
-
-  /// Switches the test's modulation on.
-  static Done SwitchModulationOn(SigGen& sigGen, const TestDefinition& test);
 
  private:
   /// The way from the product's current to the meter, at one frequency.

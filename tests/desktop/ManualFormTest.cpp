@@ -63,7 +63,7 @@ TEST_F(ManualForm, OperatorFindsAThresholdAndTheTestGoesOn) {
     Bar("scrFreqStep").setValue(11);
   });
   Then([&] {
-    EXPECT_NEAR(Generator().FreqMHz, form->Engine().Steps()[10].Freq, 1e-6);
+    EXPECT_NEAR(Generator().FreqMHz, std::get<StepEntry>(Rows()[10]).Freq, 1e-6);
     EXPECT_EQ(TextOf(*Manual(), "lblFreq"), Row(11)[0]);
     EXPECT_EQ(Text("lblFreq"), Row(11)[0]);
     Bar("scrDbOffset").setValue(15);

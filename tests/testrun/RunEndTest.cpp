@@ -284,41 +284,41 @@ TEST_F(RunEndTest, TheRunIsConfirmedFirst) {
   EXPECT_EQ(rig.Rows().size(), 3U);
 }
 
-struct RefusalCase {
-  void (*change)(RunRig&);
-  const char* text;
-};
-
 TEST_F(RunEndTest, ARunWithoutPlanOrTablesTouchesNoInstrument) {
-  const RefusalCase cases[] = {
-      {[](auto& r) { r.test.FreqSweep = false; }, "Error, no frequencies to test? Check setup."},
+  const struct {
+    void (*change)(RunRig&);
+    RunReadiness readiness;
+    const char *text, *status;
+  } cases[] = {
+      {[](auto& r) { r.test.FreqSweep = false; }, RunReadiness::NoSteps, "Error, no frequencies to test? Check setup.",
+       "Calculating frequencies and dwell times..."},
       {[](auto& r) {
          r.test.FreqSweep = false, r.test.FreqList = true, r.test.ListFile = r.t.directory.Write("one.lst", "2\r\n");
        },
-       "Error, no frequencies to test? Check setup."},
-      {[](auto& r) {
-         r.test.MonitorProbe = true, r.equipment.CableLossFile = r.t.directory.Write("short.los", "1 1\r\n3 2\r\n");
-       },
-       "Cable loss file does not cover frequency range"},
-      {[](auto& r) { r.test.MonitorProbe = true, r.equipment.ProbeFile = ""; }, "Error loading probe factor file."},
-      {[](auto& r) { r.equipment.FwdPortFile = r.t.directory.File("none.fac"); },
-       "Error loading foward coupling port file"},
-      {[](auto& r) { r.equipment.RevPortFile = r.t.directory.Write("high.fac", "2 1\r\n9 2\r\n"); },
-       "Reverse port file does not cover frequency range"},
+       RunReadiness::NoSteps, "Error, no frequencies to test? Check setup.",
+       "Calculating frequencies and dwell times..."},
+      {[](auto& r) { r.equipment.FwdPortFile = r.t.directory.File("none.fac"); }, RunReadiness::NotReady,
+       "Error loading foward coupling port file", "State: Not ready"},
+      {[](auto& r) { r.test.FreqList = true, r.test.ListFile = r.t.directory.Write("bad.lst", "Freq\r\n"); },
+       RunReadiness::NotReady, "Bad data in frequency list file", "State: Not ready"},
   };
-  for (const RefusalCase& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
     RunRig refused;
     c.change(refused);
-    EXPECT_NE(refused.Prepare(), RunReadiness::Ready);
+    EXPECT_EQ(refused.Prepare(), c.readiness);
     EXPECT_EQ(refused.t.dialogs.LastText(), c.text);
+    EXPECT_EQ(refused.display.statuses.back(), c.status);
     refused.engine.RunCdiTest();
     EXPECT_EQ(refused.bus.Calls(), 0);
   }
 }
 
 TEST_F(RunEndTest, AnInstrumentThatDoesNotComeUpEndsTheRunBeforeRfIsOn) {
-  const RefusalCase cases[] = {
+  const struct {
+    void (*change)(RunRig&);
+    const char* text;
+  } cases[] = {
       {[](auto& r) { r.bus.FailLine("IFC", gpib::kEdvr); }, "Error initializing GPIB"},
       {[](auto& r) { r.bus.absent.insert(18); }, "Error initializing signal generator"},
       {[](auto& r) { Redefine(r.sigGen, [](auto& d) { d.FreqSetPrefix = d.FreqSetSuffix = ""; }); },
@@ -335,7 +335,7 @@ TEST_F(RunEndTest, AnInstrumentThatDoesNotComeUpEndsTheRunBeforeRfIsOn) {
       {[](auto& r) { r.equipment.AmplifierType = AmpType::Ifi, r.bus.FailLine("> 10 8", gpib::kEabo); },
        "Error initializing IFI amp"},
   };
-  for (const RefusalCase& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
     RunRig failing;
     c.change(failing);
