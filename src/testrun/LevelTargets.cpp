@@ -84,6 +84,7 @@ TargetsOrText TargetsFor(const TestDefinition& test, const CalibratedLevels& lev
   targets.ForwardReference = double{levels.FwdPwr} + PowerCorrection(test);
   targets.PowerTarget =
       double{test.LevelsBy(LevelingMethod::NetPower) ? levels.NetPwr : levels.FwdPwr} + PowerCorrection(test);
+  targets.InducedLimit = InducedCurrentLimit(test, levels.TestLevel).value_or(kNoValue);
   targets.ConstantPeakOffset = ConstPeakOffset(test);
   return result;
 }

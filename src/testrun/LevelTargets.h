@@ -49,6 +49,7 @@ struct StepTargets {
   float TestLevel = 0;           ///< dBuV at the coupling device
   double PowerTarget = 0;        ///< forward or net power, dBm, by levelling method
   double ForwardReference = 0;   ///< calibrated forward power, dBm
+  double InducedLimit = 0;       ///< highest induced current, dBuA; kNoValue where none can be told
   float ConstantPeakOffset = 0;  ///< dB
 };
 /// @return the targets, or the text to show when the record lacks what the method needs

@@ -1,76 +1,87 @@
 #include "testrun/ManualMode.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
-#include "documents/Documents.h"
+#include "documents/EquipRecord.h"
+#include "documents/TestDefinition.h"
 #include "instruments/Instruments.h"
-#include "measure/Conversions.h"
 #include "platform/FlagRaised.h"
+#include "run/RunDisplay.h"
+#include "run/RunGuard.h"
 #include "shell/Shell.h"
 #include "testrun/LevelTargets.h"
+#include "testrun/ManualControls.h"
+#include "testrun/RunData.h"
 #include "testrun/TestModulation.h"
-#include "text/Pattern.h"
 
 namespace hylden {
 
-namespace {
+ManualMode::ManualMode(Shell& shell, Instruments& instruments, const TestDefinition& test, const EquipRecord& equipment,
+                       RunDisplay& display, ManualControls& controls, RunGuard& guard, RunData& data,
+                       const std::vector<ReachedStep>& reached)
+    : shell_(shell),
+      instruments_(instruments),
+      test_(test),
+      equipment_(equipment),
+      display_(display),
+      controls_(controls),
+      guard_(guard),
+      data_(data),
+      reached_(reached) {}
 
-constexpr float kTenthMargin = 1e-3F;  ///< 2.3 is 2.2999999 as a single
-
-bool InRange(const ManualScroll& scroll, int highestStep) {
-  return scroll.Step >= 1 && scroll.Step <= highestStep && scroll.OffsetTenths >= kLowestOffsetTenths &&
-         scroll.OffsetTenths <= kHighestOffsetTenths;
+bool ManualMode::Halted() const {
+  return shell_.delay.HaltRequested();
 }
 
-}  // namespace
-
-ManualScroll MoveByKey(ManualScroll now, ArrowKey key, int highestStep) {
-  ManualScroll moved = now;
-  switch (key) {
-    case ArrowKey::Right:
-      ++moved.Step;
-      break;
-    case ArrowKey::Left:
-      --moved.Step;
-      break;
-    case ArrowKey::Up:
-      ++moved.OffsetTenths;
-      break;
-    case ArrowKey::Down:
-      --moved.OffsetTenths;
-      break;
-  }
-  return InRange(moved, highestStep) ? moved : now;
+std::optional<int> ManualMode::Run(int step) {
+  Open(step);
+  while (state_ == State::Open && !Halted()) shell_.delay.Yield();
+  const bool halted = Halted();
+  if (!halted) shell_.log.LogFile("Manual mode exited, test continued");
+  Close();
+  if (halted) return std::nullopt;
+  guard_.GoOn();
+  return step_;
 }
 
-void ManualMode::Enter(int step, int highestStep, float constantPeakOffset) {
-  returnStep_ = step;
-  highestStep_ = highestStep;
-  levelOffset_ = 0;
-  constantPeakOffset_ = constantPeakOffset;
-  standing_ = {FreqNow(), 0};
-  exposedOffset_ = 0;
-  modulationOn_ = run_.documents.testSetup.Definition.ModType != Modulation::None && !run_.modulationSilenced;
-  active_ = true;
+void ManualMode::Open(int step) {
+  state_ = State::Open;
+  step_ = step;
+  levelOffset_ = exposedOffset_ = 0;
+  standing_ = {StepNow().Freq, 0};
+  const bool modulates = test_.ModType != Modulation::None;
+  modulation_ = modulates ? Modulated::On : Modulated::Off;
   ShowStep();
+  controls_.OpenManual({.Step = step,
+                        .HighestStep = static_cast<int>(reached_.size()),
+                        .LevelOffset = 0,
+                        .Freq = StepNow().Freq,
+                        .ModEnabled = modulates,
+                        .ModOn = modulates,
+                        .RfOn = instruments_.sigGen.RfIsOn()});
+  display_.Status("Manual Mode");
+  shell_.log.LogFile("Manual mode entered");
+}
+
+void ManualMode::Close() {
+  if (std::exchange(state_, State::Closed) != State::Closed) controls_.CloseManual();
 }
 
 float ManualMode::MostRise() const {
-  return static_cast<float>(MaximumIncrement(run_.documents.testSetup.Definition));
+  return static_cast<float>(MaximumIncrement(test_));
 }
 
 bool ManualMode::Handle(const std::function<Done()>& change) {
-  if (!active_ || busy_ || run_.shell.delay.HaltRequested()) return false;
+  if (state_ != State::Open || busy_ || Halted()) return false;
   const FlagRaised busy(busy_);
   bool applied = false;
   try {
-    run_.guard.GoOn();
+    guard_.GoOn();
     const Done changed = change();
     if (!changed) SwitchRfOff();
-    applied = run_.guard.Ok(changed);
-    run_.manual.ManualRf(run_.instruments.sigGen.RfIsOn());
+    applied = guard_.Ok(changed);
+    controls_.ManualRf(instruments_.sigGen.RfIsOn());
   } catch (const std::exception& error) {
     Trap(error);
   }
@@ -79,35 +90,36 @@ bool ManualMode::Handle(const std::function<Done()>& change) {
 
 /// The operator's events come in from the windows, so an exception ends here: RF off, and the run is halted.
 void ManualMode::Trap(const std::exception& error) {
-  run_.shell.delay.RequestHalt();
-  run_.shell.ReportError(error, "frmRunTest.RunCDI");
+  shell_.delay.RequestHalt();
+  shell_.ReportError(error, "frmRunTest.RunCDI");
 }
 
 /// RF that can't be switched off here is left to the end of the run, which takes the instruments down.
 void ManualMode::SwitchRfOff() {
-  run_.guard.RfOff();
-  if (run_.instruments.sigGen.RfIsOn()) run_.shell.delay.RequestHalt();
+  guard_.RfOff();
+  if (instruments_.sigGen.RfIsOn()) shell_.delay.RequestHalt();
 }
 
 Done ManualMode::SetLevel() {
-  if (run_.shell.delay.HaltRequested()) return {};
-  const float level = StepNow().SigGenLevel + levelOffset_ + constantPeakOffset_;
-  if (Done set = run_.instruments.sigGen.SetFreqLevel(FreqNow(), level); !set) return set;
-  standing_ = {FreqNow(), levelOffset_};
-  if (run_.instruments.sigGen.RfIsOn()) exposedOffset_ = levelOffset_;
-  run_.display.Show(Readout::SigGenLevel, level);
+  if (Halted()) return {};
+  const double frequency = StepNow().Freq;
+  const float level = StepNow().SigGenLevel + levelOffset_ + ConstPeakOffset(test_);
+  if (Done set = instruments_.sigGen.SetFreqLevel(frequency, level); !set) return set;
+  standing_ = {frequency, levelOffset_};
+  if (instruments_.sigGen.RfIsOn()) exposedOffset_ = levelOffset_;
+  display_.Show(Readout::SigGenLevel, level);
   ShowLevel();
   return {};
 }
 
 /// Also where the generator refuses the step: it is the one that RF comes back with.
 void ManualMode::ShowStep() {
-  run_.display.Show(Readout::Frequency, FreqNow());
-  run_.manual.ManualStep(returnStep_, StepNow().Row, FreqNow());
+  display_.Show(Readout::Frequency, StepNow().Freq);
+  controls_.ManualStep(step_, StepNow().Row, StepNow().Freq);
 }
 
 void ManualMode::ShowLevel() {
-  run_.display.Show(Readout::TestLevel, StepNow().TestLevel + levelOffset_);
+  display_.Show(Readout::TestLevel, StepNow().TestLevel + levelOffset_);
 }
 
 bool ManualMode::manStepNumChange(int step) {
@@ -115,13 +127,12 @@ bool ManualMode::manStepNumChange(int step) {
 }
 
 Done ManualMode::GoToStep(int step) {
-  const bool inRange = step >= 1 && step <= highestStep_ && step <= static_cast<int>(run_.inputs->Steps.size());
-  if (!inRange || !run_.reached[static_cast<std::size_t>(step - 1)]) return {};
-  returnStep_ = step;
+  if (step < 1 || step > static_cast<int>(reached_.size())) return {};
+  step_ = step;
   ShowStep();
-  if (!run_.documents.equip.Record.HasIfiAmplifier()) return SetLevel();
-  const Done changedOver = run_.instruments.ifiAmp.IfiSetBand(FreqNow());
-  if (!changedOver) run_.shell.delay.RequestHalt();
+  if (!equipment_.HasIfiAmplifier()) return SetLevel();
+  const Done changedOver = instruments_.ifiAmp.IfiSetBand(StepNow().Freq);
+  if (!changedOver) shell_.delay.RequestHalt();
   return changedOver ? SetLevel() : changedOver;
 }
 
@@ -143,118 +154,45 @@ void ManualMode::manRfOn(bool on) {
 }
 
 Done ManualMode::SwitchRf(bool on) {
-  if (!on) return run_.instruments.sigGen.SilenceRf() ? Done() : Because();
+  if (!on) return instruments_.sigGen.SilenceRf() ? Done() : Because();
   // What was raised while RF was off comes by the increment, too.
   levelOffset_ = std::min(levelOffset_, exposedOffset_ + MostRise());
   // A generator without an RF-off command fell back to its minimum level: the level is asked for again.
-  return SetLevel().and_then([&] { return run_.instruments.sigGen.RfOn(); }).map([&] {
-    exposedOffset_ = levelOffset_;
-  });
+  return SetLevel().and_then([&] { return instruments_.sigGen.RfOn(); }).map([&] { exposedOffset_ = levelOffset_; });
 }
 
 void ManualMode::manModOn(bool on) {
   Handle([&] { return SwitchModulation(on); });
-  run_.manual.ManualMod(modulationOn_);
+  controls_.ManualMod(modulation_ != Modulated::Off);
 }
 
 Done ManualMode::SwitchModulation(bool on) {
-  SigGen& sigGen = run_.instruments.sigGen;
-  const TestDefinition& test = run_.documents.testSetup.Definition;
+  SigGen& sigGen = instruments_.sigGen;
   if (!on) {
-    run_.modulationSilenced = true;
-    return sigGen.ModOff().map([&] { modulationOn_ = false; });
+    if (modulation_ == Modulated::On) modulation_ = Modulated::Unknown;
+    return sigGen.ModOff().map([&] { modulation_ = Modulated::Off; });
   }
-  const bool constantPeak = test.ModType == Modulation::Am && test.ConstPeak;
+  const bool constantPeak = test_.ModType == Modulation::Am && test_.ConstPeak;
   const Done levelled = constantPeak ? SetLevel() : Done();
-  return levelled.and_then([&] { return SwitchModulationOn(sigGen, test); }).map([&] {
-    run_.modulationSilenced = false;
-    modulationOn_ = true;
-  });
+  return levelled.and_then([&] { return SwitchModulationOn(sigGen, test_); }).map([&] { modulation_ = Modulated::On; });
 }
 
 void ManualMode::manThresholdClick(double frequencyMHz, float offsetDb) {
-  if (!active_ || busy_) return;
+  if (state_ != State::Open || busy_) return;
   try {
-    const int row = run_.data.AddThreshold(frequencyMHz, double{offsetDb});
-    run_.display.RowChanged(row);
-    const auto comment = run_.shell.dialogs.InputBox("Enter comments", "Threshold Comment");
+    const int row = data_.AddThreshold(frequencyMHz, double{offsetDb});
+    display_.RowChanged(row);
+    const auto comment = shell_.dialogs.InputBox("Enter comments", "Threshold Comment");
     if (!comment) return;
-    run_.data.SetComment(row, *comment);
-    run_.display.RowChanged(row);
+    data_.SetComment(row, *comment);
+    display_.RowChanged(row);
   } catch (const std::exception& error) {
     Trap(error);
   }
 }
 
 void ManualMode::manExitClick() {
-  active_ = false;
-}
-
-void ManualPanel::Open(const ManualStart& start) {
-  highestStep_ = start.HighestStep;
-  scroll_ = {start.Step, static_cast<int>(start.LevelOffset * 10)};
-  stepChanged_ = levelChanged_ = rising_ = false;
-}
-
-bool ManualPanel::MoveStep(int step) {
-  const ManualScroll moved{step, scroll_.OffsetTenths};
-  if (moved == scroll_ || !InRange(moved, highestStep_)) return false;
-  scroll_ = moved;
-  return stepChanged_ = true;
-}
-
-bool ManualPanel::MoveOffset(int tenths) {
-  const ManualScroll moved{scroll_.Step, tenths};
-  if (moved == scroll_ || !InRange(moved, highestStep_)) return false;
-  scroll_ = moved;
-  return levelChanged_ = true;
-}
-
-bool ManualPanel::Key(ArrowKey key) {
-  const ManualScroll moved = MoveByKey(scroll_, key, highestStep_);
-  return MoveStep(moved.Step) || MoveOffset(moved.OffsetTenths);
-}
-
-void ManualPanel::Tick() {
-  if (mode_.IsBusy()) return;
-  const bool step = std::exchange(stepChanged_, false);
-  const bool level = std::exchange(levelChanged_, false) || OffsetDb() > mode_.LevelOffset();
-  if (Apply(step, level))
-    rising_ = OffsetDb() > mode_.LevelOffset();
-  else
-    EndRise();
-}
-
-bool ManualPanel::Apply(bool step, bool level) {
-  const float offset = std::min(OffsetDb(), mode_.LevelOffset() + mode_.MostRise());
-  // The higher of two levels never stands at the step that it was not meant for.
-  const bool levelFirst = offset < mode_.LevelOffset();
-  if (level && levelFirst && !mode_.manLevOffsetChange(offset)) return false;
-  if (step && !mode_.manStepNumChange(scroll_.Step)) return false;
-  return !level || levelFirst || mode_.manLevOffsetChange(offset);
-}
-
-void ManualPanel::EndRise() {
-  levelChanged_ = rising_ = false;
-  // Never above what stands: the next tick would raise it.
-  scroll_.OffsetTenths = static_cast<int>(std::floor(mode_.LevelOffset() * 10 + kTenthMargin));
-}
-
-std::optional<ManualStanding> ManualPanel::Threshold() {
-  if (mode_.IsBusy()) return std::nullopt;
-  if (!rising_) Tick();
-  EndRise();
-  return mode_.Standing();
-}
-
-void ManualPanel::Leave() {
-  if (mode_.IsBusy()) return;
-  if (OffsetDb() > mode_.LevelOffset()) EndRise();
-  Tick();
-}
-
-std::string ManualPanel::OffsetText() const {
-  return Format(OffsetDb(), "#0.0");
+  if (state_ == State::Open) state_ = State::Left;
 }
 
 }  // namespace hylden

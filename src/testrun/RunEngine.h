@@ -1,15 +1,20 @@
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "run/ElapsedTime.h"
-#include "run/RunOutcome.h"
+#include "run/RunGuard.h"
 #include "run/UnsavedRows.h"
 #include "testrun/ManualMode.h"
-#include "testrun/RunContext.h"
-#include "testrun/StepRunner.h"
+#include "testrun/RunData.h"
+#include "testrun/TestInstruments.h"
 
 namespace hylden {
+
+class StepRunner;
+struct Documents;
+struct RunInputs;
 
 /// What Prepare came to.
 enum class RunReadiness {
@@ -23,7 +28,9 @@ enum class RunReadiness {
 /// that an operator of the station knows.
 class RunEngine {
  public:
-  RunEngine(Shell& shell, Instruments& instruments, Documents& documents, RunDisplay& display, ManualControls& manual);
+  RunEngine(Shell& shell, Instruments& instruments, Documents& documents, RunDisplay& display,
+            ManualControls& controls);
+  ~RunEngine();
   RunEngine(const RunEngine&) = delete;
   RunEngine& operator=(const RunEngine&) = delete;
 
@@ -34,30 +41,23 @@ class RunEngine {
   void ConfirmAndRun();
   /// Runs the whole test; returns when it ended, failed or was halted. Does nothing before Prepare came to Ready.
   void RunCdiTest();
-  /// Levels and dwells the current step; false ends the run.
-  bool RunStep(bool first);
-  int CurrentStepNumber() const { return currentStep_; }
 
-  bool IsRunning() const { return run_.guard.IsRunning(); }
+  bool IsRunning() const { return guard_.IsRunning(); }
   /// The save command: asks for a file and writes all rows to it. @return false when there were rows and they were not
   /// written
   bool Save() { return unsaved_.Save(); }
   UnsavedRows& Unsaved() { return unsaved_; }
   const UnsavedRows& Unsaved() const { return unsaved_; }
-  RunOutcome Outcome() const { return run_.guard.Outcome(); }
+  RunOutcome Outcome() const { return guard_.Outcome(); }
+  /// How many steps the run has; 0 before Prepare came to Ready.
+  std::size_t PlannedSteps() const;
   /// The highest step reached in the last run.
-  int CompletedSteps() const { return highestStep_; }
+  int CompletedSteps() const { return static_cast<int>(reached_.size()); }
   /// Manual mode after the current step; a long dwell in progress ends one intermediate dwell from now.
   void RequestManual();
 
   ManualMode& Manual() { return manual_; }
-  const RunData& Data() const { return run_.data; }
-  /// How many steps the run has; 0 before Prepare came to Ready.
-  std::size_t PlannedSteps() const { return run_.inputs ? run_.inputs->Steps.size() : 0; }
-  /// What a step (counted from 1) came to; nothing before it was run.
-  const std::optional<ReachedStep>& Reached(int step) const {
-    return run_.reached.at(static_cast<std::size_t>(step - 1));
-  }
+  const RunData& Data() const { return data_; }
 
  private:
   bool Halted() const;
@@ -65,20 +65,26 @@ class RunEngine {
   void Reset();
   void RunTest();
   void Sweep();
-  bool ManualPhase();
-  void OpenManual();
-  void CloseManual();
   bool RunTimedStep();
+  /// Levels, dwells and records the current step; false ends the run.
+  bool RunStep();
+  bool ManualPhase();
   void ShowTimes();
   void EndRun();
 
-  RunContext run_;
+  Shell& shell_;
+  Documents& documents_;
+  Instruments& instruments_;
+  RunDisplay& display_;
+  RunGuard guard_;
+  TestInstruments up_;
+  RunData data_;
   UnsavedRows unsaved_;
-  StepRunner stepRunner_;
+  std::unique_ptr<RunInputs> inputs_;  ///< of a run that is ready
+  std::unique_ptr<StepRunner> step_;   ///< of the last run
+  std::vector<ReachedStep> reached_;   ///< in the last run: step i is reached_[i - 1]
   ManualMode manual_;
-  bool manualOpen_ = false;
   int currentStep_ = 0;
-  int highestStep_ = 0;
   ElapsedTime elapsed_;  ///< without manual mode
   int timedSteps_ = 0;   ///< steps that it covers; not the first, which starts from far below the level
 };

@@ -1,8 +1,11 @@
 #include "testrun/StepRunner.h"
 
-#include "documents/Documents.h"
+#include "documents/EquipRecord.h"
+#include "documents/TestDefinition.h"
 #include "instruments/Instruments.h"
+#include "run/RunGuard.h"
 #include "shell/Shell.h"
+#include "testrun/RunInputs.h"
 #include "testrun/TestModulation.h"
 #include "text/Pattern.h"
 
@@ -12,180 +15,227 @@ namespace {
 constexpr double kConstantPeakWait = 0.5;
 }  // namespace
 
-const TestDefinition& StepRunner::Test() const {
-  return run_.documents.testSetup.Definition;
-}
+StepRunner::StepRunner(Shell& shell, Instruments& instruments, const TestDefinition& test, const EquipRecord& equipment,
+                       RunInputs& inputs, RunDisplay& display, RunGuard& guard)
+    : shell_(shell),
+      instruments_(instruments),
+      test_(test),
+      equipment_(equipment),
+      inputs_(inputs),
+      display_(display),
+      guard_(guard),
+      sensor_(shell, instruments, equipment) {}
 
 bool StepRunner::Halted() const {
-  return run_.shell.delay.HaltRequested();
+  return shell_.delay.HaltRequested();
 }
 
-void StepRunner::StartRun() {
-  previous_ = {};
-  conflictAccepted_ = false;
+void StepRunner::CutDwells() {
+  shell_.delay.StartDelay(double{test_.InterDwell});
+  dwellsCut_ = true;
 }
 
-std::optional<ReachedStep> StepRunner::Run(const PlanStep& step, bool first) {
-  state_ = {};
-  if (Procedure(step, first)) return Record();
-  run_.guard.RfOff();
-  run_.display.Status("");
+void StepRunner::GoOn(bool modulationMayBeOff) {
+  dwellsCut_ = false;
+  modulationMayBeOff_ = modulationMayBeOff;
+}
+
+std::optional<ReachedLevel> StepRunner::Run(const PlanStep& step, const PreviousStep& previous) {
+  step_ = step;
+  Begin();
+  if (FindTargets() && SetUpFeedback() && ChooseStart(previous) && Retune() && RampToTarget() && ModulationOn() &&
+      HoldForDwell())
+    return reached_;
+  guard_.RfOff();
+  display_.Status("");
   return std::nullopt;
 }
 
-bool StepRunner::Procedure(const PlanStep& step, bool first) {
-  Begin(step, first);
-  if (!FindTargets() || !SetUpFeedback() || !ChooseStart(first)) return false;
-  return Retune() && RampToTarget() && ModulationOn() && HoldForDwell();
-}
-
-void StepRunner::Begin(const PlanStep& step, bool first) {
-  run_.display.Status("Ramping level...");
-  if (first) previous_ = {};
-  state_.Freq = step.Freq;
-  state_.Dwell = step.Dwell;
-  state_.Row = run_.data.AddStep(step.Freq);
-  run_.display.RowChanged(state_.Row);
-  run_.display.Show(Readout::Frequency, step.Freq);
-  for (const auto reading : {Readout::InducedLevel, Readout::ForwardPower}) run_.display.Show(reading, std::nullopt);
+void StepRunner::Begin() {
+  display_.Status("Ramping level...");
+  display_.Show(Readout::Frequency, step_.Freq);
+  for (const auto reading : {Readout::InducedLevel, Readout::ForwardPower}) display_.Show(reading, std::nullopt);
   for (const auto held : {Readout::SigGenLevel, Readout::InducedLevel, Readout::ForwardPower})
-    run_.display.Mark(held, false);
+    display_.Mark(held, false);
 }
 
 bool StepRunner::FindTargets() {
-  const CalibratedLevels levels = LookUpLevels(run_.inputs->Calibration, Test(), state_.Freq);
-  const TargetsOrText found = TargetsFor(Test(), levels);
-  if (!found.Text.empty()) return run_.guard.Fail(found.Text);
-  state_.Targets = found.Targets;
-  state_.Result.TestLevel = found.Targets.TestLevel;
-  state_.Probe.LimitDbua = InducedCurrentLimit(Test(), levels.TestLevel).value_or(kNoValue);
-
-  if (Test().LevelsByPower() &&
-      !run_.guard.Ok(run_.instruments.pm.PwrMtrSetFreq(state_.Freq), "Error setting power meter"))
+  const TargetsOrText found = TargetsFor(test_, LookUpLevels(inputs_.Calibration, test_, step_.Freq));
+  if (!found.Text.empty()) return guard_.Fail(found.Text);
+  targets_ = found.Targets;
+  if (test_.LevelsByPower() && !guard_.Ok(instruments_.pm.PwrMtrSetFreq(step_.Freq), "Error setting power meter"))
     return false;
-  const std::string floorText = GeneratorFloorText(state_.Targets.SigGenCal, run_.instruments.sigGen.MinimumLevel());
-  return floorText.empty() || run_.guard.Fail(floorText);
+  const std::string floorText = GeneratorFloorText(targets_.SigGenCal, instruments_.sigGen.MinimumLevel());
+  return floorText.empty() || guard_.Fail(floorText);
 }
 
 bool StepRunner::SetUpFeedback() {
-  if (!Test().MonitorProbe) return true;
-  run_.display.Status("Setting up feedback loop...");
-  const auto cableLoss = run_.inputs->CableLoss.InterpVal(state_.Freq, FreqScale::Linear);
-  if (!run_.guard.Ok(cableLoss, "Error interpolating cable loss")) return false;
-  const auto probeFactor = run_.inputs->ProbeFactor.InterpVal(state_.Freq, FreqScale::Linear);
-  if (!run_.guard.Ok(probeFactor, "Error interpolating probe factor")) return false;
-  state_.Probe.Factors = double{*cableLoss} + double{*probeFactor};
+  if (!test_.MonitorProbe) return true;
+  display_.Status("Setting up feedback loop...");
+  const auto cableLoss = Factor(inputs_.CableLoss, "cable loss");
+  if (!cableLoss) return false;
+  const auto probeFactor = Factor(inputs_.ProbeFactor, "probe factor");
+  if (!probeFactor) return false;
+  probeFactors_ = *cableLoss + *probeFactor;
 
-  if (Halted()) return false;
-  if (!run_.guard.Ok(run_.instruments.meter.MeterSetFreq(state_.Freq))) return false;
-  if (!Test().LimitCurrent) return true;
-  if (IsMissing(state_.Probe.LimitDbua))
-    return run_.guard.Fail("The induced current can't be limited: check circuit impedance and test level");
-  return run_.guard.Ok(run_.instruments.meter.MeterSetLevel(state_.Probe.LimitDbua - state_.Probe.Factors));
+  if (Halted() || !guard_.Ok(instruments_.meter.MeterSetFreq(step_.Freq))) return false;
+  if (!test_.LimitCurrent) return true;
+  if (IsMissing(targets_.InducedLimit))
+    return guard_.Fail("The induced current can't be limited: check circuit impedance and test level");
+  return guard_.Ok(instruments_.meter.MeterSetLevel(targets_.InducedLimit - probeFactors_));
 }
 
-bool StepRunner::ChooseStart(bool first) {
-  state_.Now.Offset = StartingOffset(Test(), first ? PreviousStep{} : previous_, state_.Freq);
-  state_.Now.MaximumIncrement = MaximumIncrement(Test());
-  run_.display.Show(Readout::Dwell, state_.Dwell);
+bool StepRunner::ChooseStart(const PreviousStep& previous) {
+  offset_ = StartingOffset(test_, previous, step_.Freq);
+  display_.Show(Readout::Dwell, step_.Dwell);
   if (!AcceptConflict()) return false;
-  run_.display.Show(Readout::SigGenLevel, DriveLevel());
-  run_.display.Show(Readout::TestLevel, state_.Targets.TestLevel);
+  display_.Show(Readout::SigGenLevel, StartLevel());
+  display_.Show(Readout::TestLevel, targets_.TestLevel);
   return true;
 }
 
 bool StepRunner::AcceptConflict() {
-  const float minimum = run_.instruments.sigGen.MinimumLevel();
-  if (DriveLevel() >= minimum) return true;
+  SigGen& sigGen = instruments_.sigGen;
+  const float minimum = sigGen.MinimumLevel();
+  if (StartLevel() >= minimum) return true;
   if (!conflictAccepted_) {
     // The question may stand for hours; the step brings RF back, at its own level.
-    SigGen& sigGen = run_.instruments.sigGen;
-    if (sigGen.RfIsOn() && !run_.guard.Ok(sigGen.SilenceRf())) return false;
+    if (sigGen.RfIsOn() && !guard_.Ok(sigGen.SilenceRf())) return false;
     const MessageAnswer answer =
-        run_.shell.dialogs.Show({"Calibration sig-gen level is above the minimum possible sig-gen level,\r\n"
-                                 "but the starting offset puts it below the minimum. Proceed anyway?",
-                                 "Sig-Gen level conflict", MessageIcon::Question, MessageButtons::YesNo});
+        shell_.dialogs.Show({"Calibration sig-gen level is above the minimum possible sig-gen level,\r\n"
+                             "but the starting offset puts it below the minimum. Proceed anyway?",
+                             "Sig-Gen level conflict", MessageIcon::Question, MessageButtons::YesNo});
     if (answer != MessageAnswer::Yes) return false;
     conflictAccepted_ = true;
   }
-  state_.Now.Offset = double{state_.Targets.SigGenCal} - double{minimum};
+  offset_ = double{targets_.SigGenCal} - double{minimum};
   return true;
 }
 
 bool StepRunner::Retune() {
   if (Halted()) return false;
-  const TestDefinition& test = Test();
-  SigGen& sigGen = run_.instruments.sigGen;
-  run_.display.Status("Setting Sig-Gen...");
-  const bool hasBands = run_.documents.equip.Record.HasIfiAmplifier();
-  if (hasBands && !run_.guard.Ok(run_.instruments.ifiAmp.IfiSetBand(state_.Freq))) return false;
-  if (test.LevelsByPower() && !run_.guard.Ok(run_.sensor.Place(state_.Freq))) return false;
-  if (test.ModOffBetweenFreqs && !run_.guard.Ok(sigGen.ModOff())) return false;
-  if (Halted() || !run_.guard.Ok(sigGen.SetFreqLevel(state_.Freq, DriveLevel()), "Error setting SigGen")) return false;
-  if (!run_.guard.Ok(sigGen.RfOn())) return false;
+  SigGen& sigGen = instruments_.sigGen;
+  display_.Status("Setting Sig-Gen...");
+  if (equipment_.HasIfiAmplifier() && !guard_.Ok(instruments_.ifiAmp.IfiSetBand(step_.Freq))) return false;
+  if (test_.LevelsByPower() && !guard_.Ok(sensor_.Place(step_.Freq))) return false;
+  if (test_.ModOffBetweenFreqs && !guard_.Ok(sigGen.ModOff())) return false;
+  if (Halted() || !guard_.Ok(sigGen.SetFreqLevel(step_.Freq, StartLevel()), "Error setting SigGen")) return false;
+  if (!guard_.Ok(sigGen.RfOn())) return false;
   // The level is reached with the modulation that the test has, whatever manual mode left behind.
-  const bool silenced = run_.modulationSilenced && !test.ModOffBetweenFreqs;
-  if (silenced && !run_.guard.Ok(SwitchModulationOn(sigGen, test))) return false;
-  run_.modulationSilenced = false;
-  return Wait(double{test.InterDwell}, "Intermediate dwell...");
+  const bool silenced = modulationMayBeOff_ && !test_.ModOffBetweenFreqs;
+  if (silenced && !guard_.Ok(SwitchModulationOn(sigGen, test_))) return false;
+  modulationMayBeOff_ = false;
+  return IntermediateDwell("Intermediate dwell...");
+}
+
+bool StepRunner::RampToTarget() {
+  const std::optional<ReachedLevel> reached = LevelRamp(*this, test_, targets_).From(offset_);
+  if (reached) reached_ = *reached;
+  return reached.has_value();
 }
 
 bool StepRunner::ModulationOn() {
-  const TestDefinition& test = Test();
-  if (!test.ModOffBetweenFreqs) return true;
-  SigGen& sigGen = run_.instruments.sigGen;
-  if (test.ModType == Modulation::Am && test.ConstPeak) {
+  if (!test_.ModOffBetweenFreqs) return true;
+  SigGen& sigGen = instruments_.sigGen;
+  if (test_.ModType == Modulation::Am && test_.ConstPeak) {
     // The carrier drops before the modulation's peaks come on top of it.
-    const float level = DriveLevel() + state_.Targets.ConstantPeakOffset;
-    if (!run_.guard.Ok(sigGen.SetFreqLevel(state_.Freq, level))) return false;
-    run_.display.Show(Readout::SigGenLevel, level);
-    if (!run_.shell.delay.Delay(kConstantPeakWait, true)) return false;
+    const float level = reached_.Applied.SigGenLevel + targets_.ConstantPeakOffset;
+    if (!guard_.Ok(sigGen.SetFreqLevel(step_.Freq, level))) return false;
+    display_.Show(Readout::SigGenLevel, level);
+    if (!shell_.delay.Delay(kConstantPeakWait, true)) return false;
   }
-  if (Halted() || !run_.guard.Ok(SwitchModulationOn(sigGen, test))) return false;
+  if (Halted() || !guard_.Ok(SwitchModulationOn(sigGen, test_))) return false;
   StartDwell();
   return true;
 }
 
 bool StepRunner::HoldForDwell() {
-  if (!run_.manualRequested) {
-    run_.display.Status("Finishing Final Dwell...");
-    if (!run_.shell.delay.WaitDelay(true, &run_.display)) return false;
+  if (!dwellsCut_) {
+    display_.Status("Finishing Final Dwell...");
+    if (!shell_.delay.WaitDelay(true, &display_)) return false;
   }
   if (Halted()) return false;
-  if (run_.manualRequested) LogCutDwell();
+  if (dwellsCut_) LogCutDwell();
   return true;
 }
 
 /// The record shows the step as run; the log tells that the product was not exposed for the whole dwell.
 void StepRunner::LogCutDwell() {
-  const double held = static_cast<double>(run_.shell.clock.TickMs() - state_.DwellStartMs) / 1000;
-  if (held >= state_.Dwell) return;
-  run_.shell.log.LogFile("Dwell cut short by Manual at " + Format(state_.Freq, "#0.0#####") + " MHz: held " +
-                         Format(held, "##0.0##") + " s of " + Format(state_.Dwell, "##0.0##") + " s");
+  const double held = static_cast<double>(shell_.clock.TickMs() - dwellStartMs_) / 1000;
+  if (held >= step_.Dwell) return;
+  shell_.log.LogFile("Dwell cut short by Manual at " + Format(step_.Freq, "#0.0#####") + " MHz: held " +
+                     Format(held, "##0.0##") + " s of " + Format(step_.Dwell, "##0.0##") + " s");
 }
 
-ReachedStep StepRunner::Record() {
-  previous_ = {state_.Freq, state_.KeptOffset};
-  state_.Result.SigGenLevel = DriveLevel();
-  run_.data.FillStep(state_.Row, state_.Result);
-  run_.display.RowChanged(state_.Row);
-  return {DriveLevel(), state_.Targets.TestLevel, state_.KeptOffset, state_.Row};
+bool StepRunner::Raise(float levelDbm) {
+  if (Halted()) return false;
+  display_.Show(Readout::SigGenLevel, levelDbm);
+  display_.Status("Raising sig-gen level...");
+  if (Halted() || !guard_.Ok(instruments_.sigGen.SetFreqLevel(step_.Freq, levelDbm))) return false;
+  return IntermediateDwell(test_.LevelsByPower() ? "Intermediate Dwell..." : "Intermediate dwell...");
 }
 
-bool StepRunner::Wait(double seconds, const std::string& status) {
-  run_.display.Status(status);
-  run_.shell.delay.StartDelay(seconds);
-  return run_.shell.delay.WaitDelay(true, &run_.display) && !Halted();
+bool StepRunner::IntermediateDwell(const char* status) {
+  display_.Status(status);
+  shell_.delay.StartDelay(double{test_.InterDwell});
+  return shell_.delay.WaitDelay(true, &display_) && !Halted();
 }
 
 void StepRunner::StartDwell() {
-  run_.shell.delay.StartDelay(state_.Dwell);
-  state_.DwellStartMs = run_.shell.clock.TickMs();
+  shell_.delay.StartDelay(step_.Dwell);
+  dwellStartMs_ = shell_.clock.TickMs();
 }
 
-void StepRunner::Mark(bool& mark, Readout readout) {
-  mark = true;
-  run_.display.Mark(readout, true);
+std::optional<double> StepRunner::ReadForward() {
+  display_.Status("Reading forward power...");
+  const auto reading = guard_.Reading(sensor_.Read());
+  if (!reading || Halted()) return std::nullopt;
+  const auto factor = Factor(inputs_.ForwardPort, "forward coupler factor");
+  if (!factor) return std::nullopt;
+  const double power = LinePower(*reading, *factor);
+  display_.Show(Readout::ForwardPower, power);
+  return power;
+}
+
+std::optional<double> StepRunner::ReadReverse() {
+  display_.Status("Reading reverse power...");
+  if (!equipment_.Is(AmpConfig::DualFwdRev)) {
+    guard_.Fail("Power meter not defined as dual-channel, check setup");
+    return std::nullopt;
+  }
+  const auto reading = guard_.Reading(instruments_.pm.ReadPower(2));
+  if (!reading || Halted()) return std::nullopt;
+  const auto factor = Factor(inputs_.ReversePort, "reverse coupler factor");
+  return factor ? std::optional(LinePower(*reading, *factor)) : std::nullopt;
+}
+
+std::optional<double> StepRunner::ReadProbe() {
+  display_.Status(LimitsCurrent(test_) ? "Getting feedback..." : "Reading Meter...");
+  const auto reading = guard_.Reading(instruments_.meter.MeterRead(ReadMode::AutoRange));
+  if (!reading || Halted()) return std::nullopt;
+  const double current = *reading + probeFactors_;
+  display_.Show(Readout::InducedLimit, targets_.InducedLimit);
+  display_.Show(Readout::InducedLevel, current);
+  return current;
+}
+
+std::optional<double> StepRunner::Factor(InterpClass& table, const char* name) {
+  const Result<float> value = table.InterpVal(step_.Freq, FreqScale::Linear);
+  return guard_.Ok(value, std::string("Error interpolating ") + name) ? std::optional(double{*value}) : std::nullopt;
+}
+
+void StepRunner::Held(Readout by) {
+  display_.Mark(by, true);
+}
+
+bool StepRunner::Fail(const std::string& text) {
+  return guard_.Fail(text);
+}
+
+bool StepRunner::FailAloud(const std::string& text) {
+  guard_.RfOff();
+  shell_.speaker.Beep(1000, 500);
+  return guard_.Fail(text);
 }
 
 }  // namespace hylden

@@ -2,88 +2,90 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
 
+#include "run/ForwardSensor.h"
+#include "testrun/LevelRamp.h"
 #include "testrun/LevelTargets.h"
-#include "testrun/RunContext.h"
+#include "testrun/StepPlan.h"
 
 namespace hylden {
 
-/// Levels and dwells one step of a test run: tunes the instruments, brings the level up to the calibrated target
-/// without overshooting, holds it for the dwell and records what was applied. Whatever fails, is halted or throws
-/// inside a step ends it with RF off. Levels are kept as an offset in dB below the calibrated generator level.
-class StepRunner {
- public:
-  explicit StepRunner(RunContext& run) : run_(run) {}
+class InterpClass;
+class RunDisplay;
+class RunGuard;
+class Shell;
+struct EquipRecord;
+struct Instruments;
+struct RunInputs;
+struct TestDefinition;
 
-  /// A run begins: nothing is known of earlier steps, and no question has been answered.
-  void StartRun();
-  /// @return what it came to; nothing when the run is to end: RF is off then, and the reason has been shown
-  std::optional<ReachedStep> Run(const PlanStep& step, bool first);
-  /// The run goes on from an earlier step, which manual mode returned to.
-  void ResumeFrom(const PreviousStep& step) { previous_ = step; }
+/// Levels and dwells the steps of one run: tunes the instruments, brings the level up to the calibrated target, and
+/// holds it for the dwell. Whatever fails, is halted or throws inside a step ends it with RF off.
+class StepRunner : private RampStation {
+ public:
+  StepRunner(Shell& shell, Instruments& instruments, const TestDefinition& test, const EquipRecord& equipment,
+             RunInputs& inputs, RunDisplay& display, RunGuard& guard);
+  StepRunner(const StepRunner&) = delete;
+  StepRunner& operator=(const StepRunner&) = delete;
+
+  /// @param previous  the step before in the plan, which has been run
+  /// @return what was applied; nothing when the run is to end: RF is off then, and the reason has been shown
+  std::optional<ReachedLevel> Run(const PlanStep& step, const PreviousStep& previous);
+  /// The operator wants manual mode: the dwell at work ends one intermediate dwell from now, later ones are not held.
+  void CutDwells();
+  bool DwellsAreCut() const { return dwellsCut_; }
+  /// Manual mode is over.
+  /// @param modulationMayBeOff  the next step has to switch it on again
+  void GoOn(bool modulationMayBeOff);
 
  private:
-  /// The way from the product's current to the meter, at one frequency.
-  struct ProbePath {
-    double Factors = 0;           ///< cable loss and probe factor, dB
-    double LimitDbua = kNoValue;  ///< kNoValue where no limit can be told
-  };
-  struct StepState {
-    double Freq = 0;
-    double Dwell = 0;
-    int Row = 0;
-    StepTargets Targets = {};
-    Drive Now = {};
-    double KeptOffset = 0;
-    ProbePath Probe = {};
-    StepResult Result = {};
-    std::int64_t DwellStartMs = 0;  ///< when the level was reached
-  };
-
-  const TestDefinition& Test() const;
-  bool Halted() const;
-  float DriveLevel() const { return static_cast<float>(double{state_.Targets.SigGenCal} - state_.Now.Offset); }
-
   // The step as a procedure; each part is false when the step fails.
-  bool Procedure(const PlanStep& step, bool first);
-  void Begin(const PlanStep& step, bool first);
+  void Begin();
   bool FindTargets();
   bool SetUpFeedback();
-  bool ChooseStart(bool first);
+  bool ChooseStart(const PreviousStep& previous);
   bool AcceptConflict();
   bool Retune();
   bool RampToTarget();
   bool ModulationOn();
   bool HoldForDwell();
-  ReachedStep Record();
 
-  // The ramps (LevelRamps.cpp).
-  bool RampSigGen();
-  bool RampSigGenWithLimit();
-  bool RampForwardPower();
-  bool RampNetPower();
-  bool FinishPowerRamp(double powerDbm);
-  bool CheckDrive();
-  bool CheckGain();
-  bool RaiseAndDwell(const std::string& dwellStatus);
-  /// Reads the probe before a raise where the current is limited: narrows the headroom, or holds the level above the
-  /// limit. @return false without a reading
-  bool LimitByCurrent(double& headroomDb, bool& held);
-  bool ReadProbe(const std::string& status);
-  bool ReadForward();
-  bool ReadReverse();
-  std::optional<double> ReadNet();
+  // What the ramp has of the station.
+  bool Raise(float levelDbm) override;
+  void StartDwell() override;
+  std::optional<double> ReadForward() override;
+  std::optional<double> ReadReverse() override;
+  std::optional<double> ReadProbe() override;
+  void Held(Readout by) override;
+  bool Fail(const std::string& text) override;
+  bool FailAloud(const std::string& text) override;
 
-  bool Wait(double seconds, const std::string& status);
-  void StartDwell();
+  bool Halted() const;
+  float StartLevel() const { return static_cast<float>(double{targets_.SigGenCal} - offset_); }
+  /// The value of a factor table at the step's frequency.
+  std::optional<double> Factor(InterpClass& table, const char* name);
+  bool IntermediateDwell(const char* status);
   void LogCutDwell();
-  void Mark(bool& mark, Readout readout);
 
-  RunContext& run_;
-  StepState state_;
-  PreviousStep previous_;
+  Shell& shell_;
+  Instruments& instruments_;
+  const TestDefinition& test_;
+  const EquipRecord& equipment_;
+  RunInputs& inputs_;
+  RunDisplay& display_;
+  RunGuard& guard_;
+  ForwardSensor sensor_;
   bool conflictAccepted_ = false;
+  bool dwellsCut_ = false;
+  bool modulationMayBeOff_ = false;
+
+  // The step at work.
+  PlanStep step_;
+  StepTargets targets_;
+  double offset_ = 0;        ///< where it starts, dB below the calibrated level
+  double probeFactors_ = 0;  ///< from the meter's reading to the product's current: cable loss and probe factor, dB
+  ReachedLevel reached_;
+  std::int64_t dwellStartMs_ = 0;  ///< when the level was reached
 };
 
 }  // namespace hylden

@@ -46,7 +46,9 @@ class ManualForm : public RunForms {
   QScrollBar& Bar(const char* name) { return Find<QScrollBar>(*Manual(), name); }
   const GeneratorState& Generator() { return m.bench.State().Generator; }
   int CurrentRow() { return Find<QTableView>(*form, "flxTestData").currentIndex().row(); }
-  float LevelOf(int step) { return form->Engine().Reached(step)->SigGenLevel; }
+  float LevelOf(int step) {
+    return std::get<StepEntry>(Rows()[static_cast<std::size_t>(step - 1)]).Result->SigGenLevel;
+  }
 };
 
 TEST_F(ManualForm, OperatorFindsAThresholdAndTheTestGoesOn) {

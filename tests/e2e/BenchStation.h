@@ -8,6 +8,8 @@
 #include "bench/Bench.h"
 #include "calibration/CableCalibration.h"
 #include "calibration/LevelCalibration.h"
+#include "documents/clsCalFile.h"
+#include "run/RunDisplay.h"
 #include "support/DriverWrappers.h"
 #include "support/TestShell.h"
 #include "testrun/ManualControls.h"

@@ -128,11 +128,11 @@ class DuringTheRun {
   void Look() {
     if (looking_) return;
     looking_ = true;
-    if (stage_ == 0 && run_.Engine().CurrentStepNumber() == 20) {
+    if (stage_ == 0 && CurrentStep() == 20) {
       tour_.Grab(run_, "test-run");
       tour_.Grab(Window("frmRunButtons"), "run-controls");
       stage_ = 1;
-    } else if (stage_ == 1 && run_.Engine().CurrentStepNumber() == 49) {
+    } else if (stage_ == 1 && CurrentStep() == 49) {
       Tour::Press(Window("frmRunButtons"), "cmdManual");
       stage_ = 2;
     } else if (stage_ == 2 && IsManual()) {
@@ -147,6 +147,7 @@ class DuringTheRun {
   }
 
  private:
+  int CurrentStep() const { return Find<QLabel>(run_, "lblStep").text().section('#', 1).toInt(); }
   static bool IsManual() {
     for (QWidget* const window : QApplication::topLevelWidgets())
       if (window->isVisible() && window->objectName() == QLatin1String("frmManual")) return true;

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "testrun/ManualPanel.h"
 #include "testrun/RunRig.h"
 
 namespace hylden {
@@ -40,11 +41,11 @@ struct ManualTest : testing::Test {
   void Run() {
     rig.t.events.onYield = [this, next = std::size_t{0}, asked = false, other = onYield]() mutable {
       if (other) other();
-      if (!asked && rig.engine.CurrentStepNumber() == manualAfter) {
+      if (!asked && rig.display.steps.size() == static_cast<std::size_t>(manualAfter)) {
         asked = true;
         rig.engine.RequestManual();
       }
-      if (!rig.engine.Manual().IsActive() || rig.engine.Manual().IsBusy()) return;
+      if (!rig.manual.isOpen || rig.engine.Manual().IsBusy()) return;
       if (next == 0) {
         panel.Open(rig.manual.opened);
         sentBefore = rig.Sent(18).size();
@@ -84,7 +85,7 @@ TEST_F(ManualTest, ChangesWaitForTheTimerAndTheLowerLevelComesFirst) {
   manual = {[&] {
               EXPECT_TRUE(panel.MoveOffset(15));
               EXPECT_TRUE(panel.MoveStep(1));
-              EXPECT_EQ(panel.OffsetText(), "1.5");
+              EXPECT_EQ(panel.Scroll().OffsetTenths, 15);
               EXPECT_EQ(rig.Sent(18).size(), sentBefore);
             },
             [&] { panel.Tick(); },
@@ -149,7 +150,7 @@ TEST_F(ManualTest, AThresholdNotesWhatStandsAndEndsTheRise) {
     ASSERT_TRUE(standing);
     EXPECT_EQ(standing->Freq, 2);
     EXPECT_EQ(standing->Offset, 6);
-    EXPECT_EQ(panel.OffsetText(), "6.0") << "the bar goes back to what stands";
+    EXPECT_EQ(panel.Scroll().OffsetTenths, 60) << "the bar goes back to what stands";
     panel.Tick();
     EXPECT_EQ(rig.generatorDbm, -8 + 6);
   }};
@@ -195,7 +196,7 @@ TEST_F(ManualTest, ARefusedOffsetIsGivenUp) {
     panel.MoveOffset(90);
     panel.Tick();
     EXPECT_FALSE(rig.rfOn);
-    EXPECT_EQ(panel.OffsetText(), "7.0");
+    EXPECT_EQ(panel.Scroll().OffsetTenths, 70);
     for (int tick = 0; tick < 3; ++tick) panel.Tick();
     EXPECT_EQ(rig.Shown("Level requested outside of range of instrument"), 1);
     EXPECT_EQ(panel.Threshold()->Offset, 7);
@@ -210,7 +211,7 @@ TEST_F(ManualTest, ReturningRaisesNothingAnyMore) {
     panel.MoveStep(1);
     panel.MoveOffset(50);
     panel.Leave();
-    EXPECT_EQ(rig.engine.Manual().ReturnStep(), 1);
+    EXPECT_EQ(rig.manual.at.first, 1);
   }};
   Run();
   EXPECT_EQ(rig.highestAt[1], -10);
@@ -244,7 +245,7 @@ TEST_F(ManualTest, OnlyStepsThatWereRunCanBeReached) {
     EXPECT_FALSE(panel.MoveStep(0));
     EXPECT_FALSE(panel.Key(ArrowKey::Right));
     rig.engine.Manual().manStepNumChange(3);
-    EXPECT_EQ(rig.engine.Manual().ReturnStep(), 2);
+    EXPECT_EQ(rig.manual.at.first, 2);
   }};
   Run();
 }
@@ -334,7 +335,7 @@ TEST_F(ManualTest, ALevelThatTheGeneratorRefusesEndsWithRfOffAndTheOperatorGoesO
             [&] {
               EXPECT_FALSE(rig.rfOn);
               EXPECT_FALSE(rig.manual.rf);
-              EXPECT_TRUE(rig.engine.Manual().IsActive());
+              EXPECT_TRUE(rig.manual.isOpen);
             }};
   Run();
   EXPECT_EQ(rig.Rows().size(), 3U);
@@ -403,7 +404,7 @@ TEST_F(ManualTest, TheManualButtonCutsALongDwellToOneIntermediateDwell) {
       rig.engine.RequestManual();
       pressedAt = rig.t.clock.TickMs();
     }
-    if (!rig.engine.Manual().IsActive()) return;
+    if (!rig.manual.isOpen) return;
     EXPECT_LE(rig.t.clock.TickMs() - pressedAt, 502);
     rig.t.shell.delay.RequestHalt();
   };
@@ -441,11 +442,11 @@ TEST_F(ManualTest, ElapsedAndRemainingTimeLeaveManualModeOut) {
     timed.test.LinearStep = 0.25;
     ASSERT_EQ(timed.Prepare(), RunReadiness::Ready);
     timed.t.events.onYield = [&, asked = false]() mutable {
-      if (!asked && timed.engine.CurrentStepNumber() == 4) {
+      if (!asked && timed.display.steps.size() == 4) {
         asked = true;
         timed.engine.RequestManual();
       }
-      if (!timed.engine.Manual().IsActive()) return;
+      if (!timed.manual.isOpen) return;
       timed.t.clock.Advance(minutes * 60000);
       timed.engine.Manual().manExitClick();
     };

@@ -17,8 +17,12 @@ class RecordingManual : public ManualControls {
   void OpenManual(const ManualStart& start) override {
     calls.push_back("manual opened");
     opened = start;
+    isOpen = true;
   }
-  void CloseManual() override { calls.push_back("manual closed"); }
+  void CloseManual() override {
+    calls.push_back("manual closed");
+    isOpen = false;
+  }
   void ManualStep(int step, int row, double frequencyMHz) override {
     at = {step, row};
     freq = frequencyMHz;
@@ -27,6 +31,7 @@ class RecordingManual : public ManualControls {
   void ManualMod(bool on) override { mod = on; }
 
   std::vector<std::string> calls;
+  bool isOpen = false;
   ManualStart opened;
   std::pair<int, int> at;  ///< step and row
   double freq = 0;

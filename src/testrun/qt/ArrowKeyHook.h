@@ -3,7 +3,7 @@
 #include <QObject>
 #include <functional>
 
-#include "testrun/ManualMode.h"
+#include "testrun/ManualPanel.h"
 
 namespace hylden {
 

@@ -7,6 +7,7 @@
 #include "shell/Shell.h"
 #include "shell/qt/WorkingForm.h"
 #include "testrun/ManualControls.h"
+#include "testrun/ManualMode.h"
 #include "text/Pattern.h"
 #include "ui_frmManual.h"
 #include "widgets/WindowPlace.h"

@@ -4,7 +4,7 @@
 #include <QWidget>
 #include <memory>
 
-#include "testrun/ManualMode.h"
+#include "testrun/ManualPanel.h"
 #include "testrun/qt/ArrowKeyHook.h"
 
 class QCloseEvent;
