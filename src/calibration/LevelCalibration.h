@@ -82,7 +82,7 @@ class LevelCalibration {
   void ShowTimes(std::size_t done);
   void End();
 
-  // One frequency (LevelPoint.cpp); each part is false when the run is to end.
+  // One frequency; each part is false when the run is to end.
   bool CalibratePoint(double frequencyMHz);
   bool FindTarget();
   bool TuneMeter();

@@ -32,11 +32,14 @@ std::string PlanRange::LeftOutText() const {
          ShortestText(highest_) + " MHz.";
 }
 
-Done LoadCoveringTable(InterpClass& table, const std::string& path, PlanRange& plan, const char* loadText,
-                       const char* coverText) {
-  if (const Done loaded = table.InitInterp(path); !loaded)
-    return Because(Failure(loaded.error()).Add(Failure(loadText)));
-  return plan.IsWithin(table.MinFreq(), table.MaxFreq()) ? Done() : Because(coverText);
+Done LoadCoveringTables(std::initializer_list<FactorTable> tables, PlanRange& plan) {
+  for (const FactorTable& t : tables) {
+    if (!t.Wanted) continue;
+    if (const Done loaded = t.Table.InitInterp(t.Path); !loaded)
+      return Because(Failure(loaded.error()).Add(Failure(t.LoadText)));
+    if (!plan.IsWithin(t.Table.MinFreq(), t.Table.MaxFreq())) return Because(t.CoverText);
+  }
+  return {};
 }
 
 }  // namespace hylden

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <vector>
@@ -33,9 +34,14 @@ class PlanRange {
   std::optional<double> leftOut_;
 };
 
-/// Loads a factor table, which has to cover the plan.
-/// @param loadText, coverText  what it means when it can't be loaded, or doesn't cover the plan
-Done LoadCoveringTable(InterpClass& table, const std::string& path, PlanRange& plan, const char* loadText,
-                       const char* coverText);
+/// A factor table of a run, and what it means when it can't be loaded, or doesn't cover the plan.
+struct FactorTable {
+  bool Wanted;
+  InterpClass& Table;
+  const std::string& Path;
+  const char *LoadText, *CoverText;
+};
+/// Loads the tables that are wanted, in this order, up to one that can't be used.
+Done LoadCoveringTables(std::initializer_list<FactorTable> tables, PlanRange& plan);
 
 }  // namespace hylden

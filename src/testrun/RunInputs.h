@@ -10,8 +10,7 @@ namespace hylden {
 
 /// What a test run is made of, read before anything is switched on. The record and the tables in use cover the steps.
 struct RunInputs {
-  explicit RunInputs(Shell& shell)
-      : CableLoss(shell), ProbeFactor(shell), ForwardPort(shell), ReversePort(shell) {}
+  explicit RunInputs(Shell& shell) : CableLoss(shell), ProbeFactor(shell), ForwardPort(shell), ReversePort(shell) {}
   RunInputs(const RunInputs&) = delete;
   RunInputs& operator=(const RunInputs&) = delete;
 

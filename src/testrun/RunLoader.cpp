@@ -78,26 +78,18 @@ bool RunLoader::RecordCovers(PlanRange& range) {
 bool RunLoader::LoadTables(PlanRange& range) {
   const EquipRecord& equipment = documents_.equip.Record;
   const bool probe = test_.MonitorProbe;
-  const struct {
-    bool wanted;
-    InterpClass& table;
-    const std::string& file;
-    const char* loadText;
-    const char* coverText;
-  } tables[] = {
-      {probe, inputs_.CableLoss, equipment.CableLossFile, "Error loading cable loss file.",
-       "Cable loss file does not cover frequency range"},
-      {probe, inputs_.ProbeFactor, equipment.ProbeFile, "Error loading probe factor file.",
-       "Probe factor file does not cover frequency range"},
-      {!equipment.FwdPortFile.empty(), inputs_.ForwardPort, equipment.FwdPortFile,
-       "Error loading foward coupling port file", "Forward port file does not cover frequency range"},
-      {!equipment.RevPortFile.empty(), inputs_.ReversePort, equipment.RevPortFile,
-       "Error loading reverse coupling port file", "Reverse port file does not cover frequency range"},
-  };
-  for (const auto& t : tables) {
-    if (t.wanted && !shell_.Ok(LoadCoveringTable(t.table, t.file, range, t.loadText, t.coverText))) return false;
-  }
-  return true;
+  return shell_.Ok(LoadCoveringTables(
+      {
+          {probe, inputs_.CableLoss, equipment.CableLossFile, "Error loading cable loss file.",
+           "Cable loss file does not cover frequency range"},
+          {probe, inputs_.ProbeFactor, equipment.ProbeFile, "Error loading probe factor file.",
+           "Probe factor file does not cover frequency range"},
+          {!equipment.FwdPortFile.empty(), inputs_.ForwardPort, equipment.FwdPortFile,
+           "Error loading foward coupling port file", "Forward port file does not cover frequency range"},
+          {!equipment.RevPortFile.empty(), inputs_.ReversePort, equipment.RevPortFile,
+           "Error loading reverse coupling port file", "Reverse port file does not cover frequency range"},
+      },
+      range));
 }
 
 bool RunLoader::RecordHasLevels() {
