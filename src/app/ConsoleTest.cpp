@@ -66,10 +66,10 @@ ExitState RunTest(ConsoleStation& station) {
   ManualControls manual;
   RunEngine engine(station.TheShell(), station.TheInstruments(), station.TheDocuments(), display, manual);
   if (engine.Prepare() != RunReadiness::Ready) return ExitState::Failed;
-  if (!station.MayMakeOutput(engine.PlannedSteps())) return ExitState::Failed;
+  if (!station.MayMakeOutput(engine.Steps().size())) return ExitState::Failed;
   station.Run([&] { engine.ConfirmAndRun(); });
   const bool saved = SavedOrPrinted(station, engine);
-  return station.End(engine.Outcome(), saved, static_cast<std::size_t>(engine.CompletedSteps()), engine.PlannedSteps());
+  return station.End(engine.Outcome(), saved, static_cast<std::size_t>(engine.CompletedSteps()), engine.Steps().size());
 }
 
 }  // namespace hylden

@@ -193,6 +193,19 @@ Done SigGen::SwitchModulationOn(const std::string& command, const std::string& f
   return SendCommand(command, failure).map([&] { modulated_ = Switched::On; });
 }
 
+Done SigGen::ModOn(Modulation modulation) {
+  switch (modulation) {
+    case Modulation::Am:
+      return AmOn();
+    case Modulation::Fm:
+      return FmOn();
+    case Modulation::Pulse:
+      return PulseOn();
+    default:
+      return {};
+  }
+}
+
 Done SigGen::ModOff() {
   if (modulated_ == Switched::Off) return {};
   if (modulation_ == Modulation::Am && switchByDepth_) return SetUpAm(savedAmFreq_, 0, switchByDepth_);

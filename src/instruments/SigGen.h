@@ -41,6 +41,8 @@ class SigGen : public DefinedInstrument<SigGenDefinition> {
   Done AmOn();
   Done FmOn();
   Done PulseOn();
+  /// Switches a modulation on as it was set up; nothing for none.
+  Done ModOn(Modulation modulation);
   Done ModOff();
   /// Minimum level and frequency, which are sent with RF off, too, RF off, local; stops at the first failure.
   Done ShutdownSigGen();

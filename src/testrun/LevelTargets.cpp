@@ -20,6 +20,16 @@ constexpr double kLeastStep = 0.1;
 constexpr double kSmallStep = 0.2;
 constexpr double kSlowIncrement = 1;
 
+/// Modulation depth as a ratio; 0 unless the test is amplitude modulated.
+double AmDepthRatio(const TestDefinition& test) {
+  return test.ModType == Modulation::Am ? double{test.AmDepth} / 100 : 0;
+}
+
+/// dB added to every calibrated level.
+double LevelAdjustment(const TestDefinition& test) {
+  return test.Extrapolate ? test.ExtrapolateTo : 0;
+}
+
 std::string MissingText(const TestDefinition& test, const CalibratedLevels& levels) {
   if (IsMissing(levels.SigGenLevel) || IsMissing(levels.TestLevel))
     return "Calibration file gives no level at this frequency.";
@@ -33,14 +43,6 @@ std::string MissingText(const TestDefinition& test, const CalibratedLevels& leve
 }
 
 }  // namespace
-
-double AmDepthRatio(const TestDefinition& test) {
-  return test.ModType == Modulation::Am ? double{test.AmDepth} / 100 : 0;
-}
-
-double LevelAdjustment(const TestDefinition& test) {
-  return test.Extrapolate ? test.ExtrapolateTo : 0;
-}
 
 double PowerCorrection(const TestDefinition& test) {
   const double depth = test.ModOffBetweenFreqs ? 0 : AmDepthRatio(test);
@@ -57,10 +59,6 @@ double MaximumIncrement(const TestDefinition& test) {
   return increment > 0 ? std::max(increment, kLeastIncrement) : kDefaultIncrement;
 }
 
-double InitialDrop(const TestDefinition& test) {
-  return std::abs(double{test.InitLevOffset});
-}
-
 bool LimitsCurrent(const TestDefinition& test) {
   return test.LimitCurrent && test.MonitorProbe;
 }
@@ -74,10 +72,9 @@ CalibratedLevels LookUpLevels(clsCalFile& calibration, const TestDefinition& tes
   return levels;
 }
 
-TargetsOrText TargetsFor(const TestDefinition& test, const CalibratedLevels& levels) {
-  TargetsOrText result;
-  result.Text = MissingText(test, levels);
-  StepTargets& targets = result.Targets;
+Result<StepTargets> TargetsFor(const TestDefinition& test, const CalibratedLevels& levels) {
+  if (const std::string missing = MissingText(test, levels); !missing.empty()) return Because(missing);
+  StepTargets targets;
   const double adjustment = LevelAdjustment(test);
   targets.SigGenCal = static_cast<float>(double{levels.SigGenLevel} + adjustment);
   targets.TestLevel = static_cast<float>(double{levels.TestLevel} + adjustment);
@@ -86,7 +83,7 @@ TargetsOrText TargetsFor(const TestDefinition& test, const CalibratedLevels& lev
       double{test.LevelsBy(LevelingMethod::NetPower) ? levels.NetPwr : levels.FwdPwr} + PowerCorrection(test);
   targets.InducedLimit = InducedCurrentLimit(test, levels.TestLevel).value_or(kNoValue);
   targets.ConstantPeakOffset = ConstPeakOffset(test);
-  return result;
+  return targets;
 }
 
 std::optional<double> InducedCurrentLimit(const TestDefinition& test, float calibratedTestLevelDbuv) {
@@ -96,14 +93,15 @@ std::optional<double> InducedCurrentLimit(const TestDefinition& test, float cali
   return std::isfinite(limit) ? std::optional(limit) : std::nullopt;
 }
 
-std::string GeneratorFloorText(float sigGenCalDbm, float generatorMinimumDbm) {
+Done GeneratorGoesDownTo(float sigGenCalDbm, float generatorMinimumDbm) {
   if (sigGenCalDbm >= generatorMinimumDbm) return {};
-  return "Signal generator can't possibly be set low enough to run this test\r\nCalibration sig-gen level = " +
-         ShortestText(sigGenCalDbm) + "\r\nThe minimum possible sig-gen level is " + ShortestText(generatorMinimumDbm);
+  return Because("Signal generator can't possibly be set low enough to run this test\r\nCalibration sig-gen level = " +
+                 ShortestText(sigGenCalDbm) + "\r\nThe minimum possible sig-gen level is " +
+                 ShortestText(generatorMinimumDbm));
 }
 
 double StartingOffset(const TestDefinition& test, const PreviousStep& previous, double frequencyMHz) {
-  const double drop = InitialDrop(test);
+  const double drop = std::abs(double{test.InitLevOffset});
   if (previous.Freq <= 0) {
     const bool farBelow = test.LimitCurrent || test.LevelsByPower();
     return farBelow ? std::max(drop, kFirstDrop) : drop;

@@ -1,17 +1,14 @@
 #pragma once
 
 #include <optional>
-#include <string>
 
 #include "measure/Conversions.h"
+#include "shell/Failure.h"
 
 namespace hylden {
 
 class clsCalFile;
 struct TestDefinition;
-
-/// Modulation depth as a ratio; 0 unless the test is amplitude modulated.
-double AmDepthRatio(const TestDefinition& test);
 
 /// What the power targets lie above the calibrated powers, in dB. While the level is reached with AM on, the power
 /// meter sees the mean power, 1 + m^2/2 times the carrier's; an adjusted test level moves the targets with it.
@@ -21,14 +18,8 @@ double PowerCorrection(const TestDefinition& test);
 /// -20 log10(1 + m); 0 unless the test holds the peak constant.
 float ConstPeakOffset(const TestDefinition& test);
 
-/// dB added to every calibrated level.
-double LevelAdjustment(const TestDefinition& test);
-
 /// Largest raise of one ramp step in dB: the test's increment, or 6 dB where it has none.
 double MaximumIncrement(const TestDefinition& test);
-
-/// How far below the calibrated level each frequency starts, dB, 0 or above.
-double InitialDrop(const TestDefinition& test);
 
 /// Whether the induced current holds the level.
 bool LimitsCurrent(const TestDefinition& test);
@@ -52,19 +43,15 @@ struct StepTargets {
   double InducedLimit = 0;       ///< highest induced current, dBuA; kNoValue where none can be told
   float ConstantPeakOffset = 0;  ///< dB
 };
-/// @return the targets, or the text to show when the record lacks what the method needs
-struct TargetsOrText {
-  StepTargets Targets;
-  std::string Text = {};
-};
-TargetsOrText TargetsFor(const TestDefinition& test, const CalibratedLevels& levels);
+/// It fails where the record lacks what the method needs.
+Result<StepTargets> TargetsFor(const TestDefinition& test, const CalibratedLevels& levels);
 
 /// Highest induced current in dBuA: what the test level drives through the circuit impedance, plus the margin. Nothing
 /// for an impedance that is not above 0 or a missing test level.
 std::optional<double> InducedCurrentLimit(const TestDefinition& test, float calibratedTestLevelDbuv);
 
-/// Text to show when the generator can't go as low as the calibrated level; empty when it can.
-std::string GeneratorFloorText(float sigGenCalDbm, float generatorMinimumDbm);
+/// Whether the generator can go as low as the calibrated level.
+Done GeneratorGoesDownTo(float sigGenCalDbm, float generatorMinimumDbm);
 
 /// The last completed step: its frequency and the offset that it ended with. A frequency of 0: there is none.
 struct PreviousStep {

@@ -6,8 +6,7 @@ namespace hylden {
 struct ManualStart {
   int Step = 1;
   int HighestStep = 1;
-  float LevelOffset = 0;  ///< dB
-  double Freq = 0;        ///< MHz
+  double Freq = 0;  ///< MHz
   bool ModEnabled = false;
   bool ModOn = false;
   bool RfOn = false;

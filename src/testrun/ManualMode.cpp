@@ -13,7 +13,6 @@
 #include "testrun/LevelTargets.h"
 #include "testrun/ManualControls.h"
 #include "testrun/RunData.h"
-#include "testrun/TestModulation.h"
 
 namespace hylden {
 
@@ -55,7 +54,6 @@ void ManualMode::Open(int step) {
   ShowStep();
   controls_.OpenManual({.Step = step,
                         .HighestStep = static_cast<int>(reached_.size()),
-                        .LevelOffset = 0,
                         .Freq = StepNow().Freq,
                         .ModEnabled = modulates,
                         .ModOn = modulates,
@@ -108,7 +106,7 @@ Done ManualMode::SetLevel() {
   standing_ = {frequency, levelOffset_};
   if (instruments_.sigGen.RfIsOn()) exposedOffset_ = levelOffset_;
   display_.Show(Readout::SigGenLevel, level);
-  ShowLevel();
+  display_.Show(Readout::TestLevel, StepNow().TestLevel + levelOffset_);
   return {};
 }
 
@@ -116,10 +114,6 @@ Done ManualMode::SetLevel() {
 void ManualMode::ShowStep() {
   display_.Show(Readout::Frequency, StepNow().Freq);
   controls_.ManualStep(step_, StepNow().Row, StepNow().Freq);
-}
-
-void ManualMode::ShowLevel() {
-  display_.Show(Readout::TestLevel, StepNow().TestLevel + levelOffset_);
 }
 
 bool ManualMode::manStepNumChange(int step) {
@@ -146,11 +140,11 @@ bool ManualMode::manLevOffsetChange(float offsetDb) {
 }
 
 void ManualMode::manRfOn(bool on) {
-  if (!on && busy_) {
+  if (!on && busy_)
     SwitchRfOff();  // never kept waiting
-    return;
-  }
-  Handle([&] { return SwitchRf(on); });
+  else
+    Handle([&] { return SwitchRf(on); });
+  controls_.ManualRf(instruments_.sigGen.RfIsOn());  // also where the switch was taken no notice of
 }
 
 Done ManualMode::SwitchRf(bool on) {
@@ -174,7 +168,7 @@ Done ManualMode::SwitchModulation(bool on) {
   }
   const bool constantPeak = test_.ModType == Modulation::Am && test_.ConstPeak;
   const Done levelled = constantPeak ? SetLevel() : Done();
-  return levelled.and_then([&] { return SwitchModulationOn(sigGen, test_); }).map([&] { modulation_ = Modulated::On; });
+  return levelled.and_then([&] { return sigGen.ModOn(test_.ModType); }).map([&] { modulation_ = Modulated::On; });
 }
 
 void ManualMode::manThresholdClick(double frequencyMHz, float offsetDb) {

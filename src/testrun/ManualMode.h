@@ -86,7 +86,6 @@ class ManualMode {
   Done GoToStep(int step);
   Done SetLevel();
   void ShowStep();
-  void ShowLevel();
   Done SwitchRf(bool on);
   Done SwitchModulation(bool on);
   void SwitchRfOff();

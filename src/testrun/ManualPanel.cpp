@@ -13,55 +13,37 @@ namespace {
 
 constexpr float kTenthMargin = 1e-3F;  ///< 2.3 is 2.2999999 as a single
 
-bool InRange(const ManualScroll& scroll, int highestStep) {
-  return scroll.Step >= 1 && scroll.Step <= highestStep && scroll.OffsetTenths >= kLowestOffsetTenths &&
-         scroll.OffsetTenths <= kHighestOffsetTenths;
-}
-
 }  // namespace
-
-ManualScroll MoveByKey(ManualScroll now, ArrowKey key, int highestStep) {
-  ManualScroll moved = now;
-  switch (key) {
-    case ArrowKey::Right:
-      ++moved.Step;
-      break;
-    case ArrowKey::Left:
-      --moved.Step;
-      break;
-    case ArrowKey::Up:
-      ++moved.OffsetTenths;
-      break;
-    case ArrowKey::Down:
-      --moved.OffsetTenths;
-      break;
-  }
-  return InRange(moved, highestStep) ? moved : now;
-}
 
 void ManualPanel::Open(const ManualStart& start) {
   highestStep_ = start.HighestStep;
-  scroll_ = {start.Step, static_cast<int>(start.LevelOffset * 10)};
+  scroll_ = {start.Step, 0};
   stepChanged_ = levelChanged_ = rising_ = false;
 }
 
 bool ManualPanel::MoveStep(int step) {
-  const ManualScroll moved{step, scroll_.OffsetTenths};
-  if (moved == scroll_ || !InRange(moved, highestStep_)) return false;
-  scroll_ = moved;
+  if (step == scroll_.Step || step < 1 || step > highestStep_) return false;
+  scroll_.Step = step;
   return stepChanged_ = true;
 }
 
 bool ManualPanel::MoveOffset(int tenths) {
-  const ManualScroll moved{scroll_.Step, tenths};
-  if (moved == scroll_ || !InRange(moved, highestStep_)) return false;
-  scroll_ = moved;
+  if (tenths == scroll_.OffsetTenths || tenths < kLowestOffsetTenths || tenths > kHighestOffsetTenths) return false;
+  scroll_.OffsetTenths = tenths;
   return levelChanged_ = true;
 }
 
 bool ManualPanel::Key(ArrowKey key) {
-  const ManualScroll moved = MoveByKey(scroll_, key, highestStep_);
-  return MoveStep(moved.Step) || MoveOffset(moved.OffsetTenths);
+  switch (key) {
+    case ArrowKey::Left:
+      return MoveStep(scroll_.Step - 1);
+    case ArrowKey::Right:
+      return MoveStep(scroll_.Step + 1);
+    case ArrowKey::Up:
+      return MoveOffset(scroll_.OffsetTenths + 1);
+    default:
+      return MoveOffset(scroll_.OffsetTenths - 1);
+  }
 }
 
 void ManualPanel::Tick() {

@@ -20,11 +20,7 @@ enum class ArrowKey { Left, Right, Up, Down };
 struct ManualScroll {
   int Step = 1;          ///< 1 to the highest step reached
   int OffsetTenths = 0;  ///< tenths of a dB
-  bool operator==(const ManualScroll&) const = default;
 };
-/// Right and Left move a step up and down, Up and Down the level by 0.1 dB. A key that would leave a range moves
-/// nothing.
-ManualScroll MoveByKey(ManualScroll now, ArrowKey key, int highestStep);
 
 /// Manual mode as the operator's form holds it: the scroll bars and what has changed since the last tick of its timer.
 class ManualPanel {
@@ -37,6 +33,7 @@ class ManualPanel {
   /// The bar was moved; a value outside its range is not taken. @return whether it moved
   bool MoveStep(int step);
   bool MoveOffset(int tenths);
+  /// Right and Left move a step up and down, Up and Down the level by 0.1 dB.
   bool Key(ArrowKey key);
   /// The timer: applies what has changed, the lower of two levels first. A rise takes as many ticks as the test's level
   /// increment makes of it; what the generator refuses is given up, and the bar goes back to what stands.

@@ -7,7 +7,6 @@
 #include "run/RunDisplay.h"
 #include "run/RunQuestions.h"
 #include "shell/Shell.h"
-#include "testrun/RunInputs.h"
 #include "testrun/RunLoader.h"
 #include "testrun/StepRunner.h"
 
@@ -26,39 +25,32 @@ RunEngine::RunEngine(Shell& shell, Instruments& instruments, Documents& document
           {question::kSaveRunData, "Would you like to save the testrun data?",
            "The run data has not been saved.\r\nSave it?"},
           [this] { return !data_.IsEmpty(); }, [this] { return SaveRunData(shell_, data_); }),
+      inputs_(std::make_unique<RunInputs>(shell)),
       manual_(shell, instruments, documents.testSetup.Definition, documents.equip.Record, display, controls, guard_,
               data_, reached_),
       elapsed_(shell.clock) {}
 
 RunEngine::~RunEngine() = default;
 
-bool RunEngine::Halted() const {
-  return shell_.delay.HaltRequested();
-}
-
-std::size_t RunEngine::PlannedSteps() const {
-  return inputs_ ? inputs_->Steps.size() : 0;
-}
-
 RunReadiness RunEngine::Prepare() {
   if (IsRunning()) return RunReadiness::NotReady;
-  step_.reset();
-  inputs_.reset();
+  ready_ = false;
+  stepRunner_.reset();
+  inputs_ = std::make_unique<RunInputs>(shell_);
+  RunLoader loader(shell_, documents_, display_, *inputs_);
   display_.Status("State: Idle");
-  auto inputs = std::make_unique<RunInputs>(shell_);
-  RunLoader loader(shell_, documents_, display_, *inputs);
   loader.PlanSteps();
-  if (inputs->Steps.empty()) {
+  if (inputs_->Steps.empty()) {
     shell_.dialogs.Tell("Error, no frequencies to test? Check setup.");
     return RunReadiness::NoSteps;
   }
-  if (inputs->ListReadable && loader.LoadCalibration()) {
+  if (inputs_->ListReadable && loader.LoadCalibration()) {
     data_.Clear();
     display_.RowChanged(0);
-    if (loader.LoadFactors()) inputs_ = std::move(inputs);
+    ready_ = loader.LoadFactors();
   }
-  display_.Status(inputs_ ? "State: Idle" : "State: Not ready");
-  if (!inputs_) return RunReadiness::NotReady;
+  display_.Status(ready_ ? "State: Idle" : "State: Not ready");
+  if (!ready_) return RunReadiness::NotReady;
   display_.Phase(RunPhase::Ready);
   return RunReadiness::Ready;
 }
@@ -77,18 +69,18 @@ bool RunEngine::Confirm() {
 }
 
 void RunEngine::RunCdiTest() {
-  if (IsRunning() || !inputs_) return;
+  if (IsRunning() || !ready_) return;
   guard_.Run(
       "frmRunTest.RunCDI", [this] { RunTest(); }, [this] { EndRun(); });
 }
 
 void RunEngine::RequestManual() {
-  if (IsRunning()) step_->CutDwells();
+  if (IsRunning()) stepRunner_->CutDwells();
 }
 
 void RunEngine::Reset() {
-  step_ = std::make_unique<StepRunner>(shell_, instruments_, documents_.testSetup.Definition, documents_.equip.Record,
-                                       *inputs_, display_, guard_);
+  stepRunner_ = std::make_unique<StepRunner>(shell_, instruments_, documents_.testSetup.Definition,
+                                             documents_.equip.Record, *inputs_, display_, guard_);
   shell_.delay.ClearHalt();
   data_.Clear();
   unsaved_.Reset();
@@ -100,7 +92,7 @@ void RunEngine::Reset() {
 void RunEngine::RunTest() {
   Reset();
   display_.Phase(RunPhase::BringingUp);
-  if (!up_.BringUp() || Halted()) return;
+  if (!up_.BringUp() || shell_.delay.HaltRequested()) return;
   display_.Phase(RunPhase::Running);
   shell_.log.LogFile("Test run started\r\n" + documents_.testSetup.StringPrintTestSetup());
   shell_.log.Hold();
@@ -108,12 +100,13 @@ void RunEngine::RunTest() {
 }
 
 void RunEngine::Sweep() {
-  const int count = static_cast<int>(PlannedSteps());
+  const int count = static_cast<int>(Steps().size());
   for (currentStep_ = 1; currentStep_ <= count; ++currentStep_) {
-    if (Halted()) return;
-    display_.Step(currentStep_);
-    if (!RunTimedStep()) return;
-    if (step_->DwellsAreCut() && !ManualPhase()) return;
+    if (shell_.delay.HaltRequested()) return;
+    if (currentStep_ > 1 && timedSteps_ == 0) elapsed_.Start();
+    if (!RunStep()) return;
+    if (currentStep_ > 1) ++timedSteps_;
+    if (stepRunner_->DwellsAreCut() && !ManualPhase()) return;
     if (timedSteps_ >= 2) ShowTimes();
     display_.StepDone(currentStep_);
   }
@@ -123,22 +116,13 @@ void RunEngine::Sweep() {
   display_.Show(Readout::Remaining, 0);
 }
 
-bool RunEngine::RunTimedStep() {
-  const bool first = currentStep_ == 1;
-  if (!first && timedSteps_ == 0) elapsed_.Start();
-  if (!RunStep()) return false;
-  if (!first) ++timedSteps_;
-  return true;
-}
-
 bool RunEngine::RunStep() {
   const auto index = static_cast<std::size_t>(currentStep_ - 1);
-  const PlanStep& planned = inputs_->Steps[index];
+  const PlanStep& planned = Steps()[index];
+  display_.Step(currentStep_);
   const int row = data_.AddStep(planned.Freq);
   display_.RowChanged(row);
-  const PreviousStep previous =
-      index == 0 ? PreviousStep() : PreviousStep{reached_[index - 1].Freq, reached_[index - 1].KeptOffset};
-  const std::optional<ReachedLevel> level = step_->Run(planned, previous);
+  const std::optional<ReachedLevel> level = stepRunner_->Run(planned, Previous());
   if (!level) return false;
   const StepResult& applied = level->Applied;
   data_.FillStep(row, applied);
@@ -148,9 +132,15 @@ bool RunEngine::RunStep() {
   return true;
 }
 
+PreviousStep RunEngine::Previous() const {
+  if (currentStep_ == 1) return {};
+  const ReachedStep& reached = reached_[static_cast<std::size_t>(currentStep_ - 2)];
+  return {reached.Freq, reached.KeptOffset};
+}
+
 void RunEngine::ShowTimes() {
   const double minutes = elapsed_.Minutes();
-  const double left = static_cast<double>(PlannedSteps()) - (currentStep_ - 1);
+  const double left = static_cast<double>(Steps().size()) - (currentStep_ - 1);
   display_.Show(Readout::Elapsed, minutes);
   display_.Show(Readout::Remaining, left * minutes / timedSteps_);
 }
@@ -161,7 +151,7 @@ bool RunEngine::ManualPhase() {
   elapsed_.Resume();
   if (!returnStep) return false;
   currentStep_ = *returnStep;
-  step_->GoOn(manual_.ModulationMayBeOff());
+  stepRunner_->GoOn(manual_.ModulationMayBeOff());
   return true;
 }
 

@@ -8,13 +8,14 @@
 #include "run/UnsavedRows.h"
 #include "testrun/ManualMode.h"
 #include "testrun/RunData.h"
+#include "testrun/RunInputs.h"
 #include "testrun/TestInstruments.h"
 
 namespace hylden {
 
 class StepRunner;
 struct Documents;
-struct RunInputs;
+struct PreviousStep;
 
 /// What Prepare came to.
 enum class RunReadiness {
@@ -49,8 +50,6 @@ class RunEngine {
   UnsavedRows& Unsaved() { return unsaved_; }
   const UnsavedRows& Unsaved() const { return unsaved_; }
   RunOutcome Outcome() const { return guard_.Outcome(); }
-  /// How many steps the run has; 0 before Prepare came to Ready.
-  std::size_t PlannedSteps() const;
   /// The highest step reached in the last run.
   int CompletedSteps() const { return static_cast<int>(reached_.size()); }
   /// Manual mode after the current step; a long dwell in progress ends one intermediate dwell from now.
@@ -58,16 +57,16 @@ class RunEngine {
 
   ManualMode& Manual() { return manual_; }
   const RunData& Data() const { return data_; }
+  const std::vector<PlanStep>& Steps() const { return inputs_->Steps; }
 
  private:
-  bool Halted() const;
   bool Confirm();
   void Reset();
   void RunTest();
   void Sweep();
-  bool RunTimedStep();
   /// Levels, dwells and records the current step; false ends the run.
   bool RunStep();
+  PreviousStep Previous() const;
   bool ManualPhase();
   void ShowTimes();
   void EndRun();
@@ -80,10 +79,11 @@ class RunEngine {
   TestInstruments up_;
   RunData data_;
   UnsavedRows unsaved_;
-  std::unique_ptr<RunInputs> inputs_;  ///< of a run that is ready
-  std::unique_ptr<StepRunner> step_;   ///< of the last run
-  std::vector<ReachedStep> reached_;   ///< in the last run: step i is reached_[i - 1]
+  std::unique_ptr<RunInputs> inputs_;
+  std::unique_ptr<StepRunner> stepRunner_;  ///< runs those of one run
+  std::vector<ReachedStep> reached_;        ///< in the last run: step i is reached_[i - 1]
   ManualMode manual_;
+  bool ready_ = false;
   int currentStep_ = 0;
   ElapsedTime elapsed_;  ///< without manual mode
   int timedSteps_ = 0;   ///< steps that it covers; not the first, which starts from far below the level

@@ -6,7 +6,6 @@
 #include "run/RunGuard.h"
 #include "shell/Shell.h"
 #include "testrun/RunInputs.h"
-#include "testrun/TestModulation.h"
 #include "text/Pattern.h"
 
 namespace hylden {
@@ -60,13 +59,12 @@ void StepRunner::Begin() {
 }
 
 bool StepRunner::FindTargets() {
-  const TargetsOrText found = TargetsFor(test_, LookUpLevels(inputs_.Calibration, test_, step_.Freq));
-  if (!found.Text.empty()) return guard_.Fail(found.Text);
-  targets_ = found.Targets;
+  const auto targets = TargetsFor(test_, LookUpLevels(inputs_.Calibration, test_, step_.Freq));
+  if (!guard_.Ok(targets)) return false;
+  targets_ = *targets;
   if (test_.LevelsByPower() && !guard_.Ok(instruments_.pm.PwrMtrSetFreq(step_.Freq), "Error setting power meter"))
     return false;
-  const std::string floorText = GeneratorFloorText(targets_.SigGenCal, instruments_.sigGen.MinimumLevel());
-  return floorText.empty() || guard_.Fail(floorText);
+  return guard_.Ok(GeneratorGoesDownTo(targets_.SigGenCal, instruments_.sigGen.MinimumLevel()));
 }
 
 bool StepRunner::SetUpFeedback() {
@@ -123,7 +121,7 @@ bool StepRunner::Retune() {
   if (!guard_.Ok(sigGen.RfOn())) return false;
   // The level is reached with the modulation that the test has, whatever manual mode left behind.
   const bool silenced = modulationMayBeOff_ && !test_.ModOffBetweenFreqs;
-  if (silenced && !guard_.Ok(SwitchModulationOn(sigGen, test_))) return false;
+  if (silenced && !guard_.Ok(sigGen.ModOn(test_.ModType))) return false;
   modulationMayBeOff_ = false;
   return IntermediateDwell("Intermediate dwell...");
 }
@@ -144,7 +142,7 @@ bool StepRunner::ModulationOn() {
     display_.Show(Readout::SigGenLevel, level);
     if (!shell_.delay.Delay(kConstantPeakWait, true)) return false;
   }
-  if (Halted() || !guard_.Ok(SwitchModulationOn(sigGen, test_))) return false;
+  if (Halted() || !guard_.Ok(sigGen.ModOn(test_.ModType))) return false;
   StartDwell();
   return true;
 }

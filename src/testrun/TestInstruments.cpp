@@ -6,13 +6,31 @@
 #include "run/RunDisplay.h"
 #include "run/RunGuard.h"
 #include "shell/Shell.h"
-#include "testrun/TestModulation.h"
 
 namespace hylden {
 
 namespace {
+
 // A meter that is also the power meter needs a rest between two initialisations.
 constexpr double kSharedAddressWait = 5;
+
+Done Cannot(const std::string& modulation) {
+  return Because(Failure("Signal generator can't do " + modulation + " Modulation", MessageIcon::Critical));
+}
+
+Done SetModulation(SigGen& sigGen, const TestDefinition& test) {
+  switch (test.ModType) {
+    case Modulation::Am:
+      return sigGen.AmCapable() ? sigGen.SetAM(test.AmModFreq, test.AmDepth, test.UseAMdepth) : Cannot("Amplitude");
+    case Modulation::Fm:
+      return sigGen.FmCapable() ? sigGen.SetFM(test.FmModFreq, test.FmDev) : Cannot("Frequency");
+    case Modulation::Pulse:
+      return sigGen.PulseCapable() ? sigGen.SetPulse(1 / test.PulsePeriod, test.PulseWidth) : Cannot("Pulse");
+    default:
+      return sigGen.ModOff();
+  }
+}
+
 }  // namespace
 
 TestInstruments::TestInstruments(Shell& shell, Instruments& instruments, const TestDefinition& test,
@@ -33,8 +51,13 @@ bool TestInstruments::BringUp() {
 }
 
 bool TestInstruments::BringUpAll() {
-  return up_.BringUpSigGen() && guard_.Ok(SetUpModulation(instruments_.sigGen, test_)) && BringUpPowerMeter() &&
-         BringUpMeter() && up_.BringUpAmplifier(equipment_);
+  return up_.BringUpSigGen() && SetUpModulation() && BringUpPowerMeter() && BringUpMeter() &&
+         up_.BringUpAmplifier(equipment_);
+}
+
+bool TestInstruments::SetUpModulation() {
+  SigGen& sigGen = instruments_.sigGen;
+  return guard_.Ok(SetModulation(sigGen, test_)) && guard_.Ok(sigGen.ModOn(test_.ModType));
 }
 
 bool TestInstruments::BringUpPowerMeter() {

@@ -26,6 +26,7 @@ class TestInstruments {
 
  private:
   bool BringUpAll();
+  bool SetUpModulation();
   bool BringUpPowerMeter();
   bool BringUpMeter();
   bool WaitForSharedAddress();

@@ -81,8 +81,8 @@ TEST_P(ClosedLoop, ProductSeesTheWantedLevelAndNeverMore) {
   station.Run();
 
   EXPECT_EQ(station.engine.Outcome(), RunOutcome::Finished) << station.machine.dialogs.LastText();
-  EXPECT_EQ(levelled, static_cast<int>(station.engine.PlannedSteps()));
-  EXPECT_EQ(station.Rows().size(), station.engine.PlannedSteps());
+  EXPECT_EQ(levelled, static_cast<int>(station.engine.Steps().size()));
+  EXPECT_EQ(station.Rows().size(), station.engine.Steps().size());
   EXPECT_GT(moments, levelled);
   EXPECT_TRUE(!station.bench.State().Generator.RfOn || IsAtRest(station.bench.State()));
   EXPECT_FALSE(station.instruments.sigGen.RfIsOn());

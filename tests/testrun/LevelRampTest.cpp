@@ -28,7 +28,7 @@ struct FakeStation : RampStation {
   }
   std::optional<ReachedLevel> Ramp(double offset = 60) {
     level = static_cast<float>(-10 - offset);
-    StepTargets targets = TargetsFor(test, {-10, 120, 40, 39.5424F}).Targets;
+    StepTargets targets = *TargetsFor(test, {-10, 120, 40, 39.5424F});
     targets.InducedLimit = limit;
     return LevelRamp(*this, test, targets).From(offset);
   }

@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "documents/TestDefinition.h"
-#include "run/ForwardSensor.h"
+#include "support/Told.h"
 
 namespace hylden {
 namespace {
@@ -45,26 +45,26 @@ TEST(LevelTargets, AnAdjustedTestMovesEveryLevel) {
   TestDefinition test = Method(2);
   test.Extrapolate = true;
   test.ExtrapolateTo = -6;
-  const StepTargets targets = TargetsFor(test, {-10, 120, 40, 39}).Targets;
+  const StepTargets targets = *TargetsFor(test, {-10, 120, 40, 39});
   EXPECT_FLOAT_EQ(targets.SigGenCal, -16);
   EXPECT_FLOAT_EQ(targets.TestLevel, 114);
   EXPECT_DOUBLE_EQ(targets.ForwardReference, 34);
   EXPECT_DOUBLE_EQ(targets.PowerTarget, 33);
   test.Extrapolate = false;
-  EXPECT_FLOAT_EQ(TargetsFor(test, {-10, 120, 40, 39}).Targets.SigGenCal, -10);
+  EXPECT_FLOAT_EQ(TargetsFor(test, {-10, 120, 40, 39})->SigGenCal, -10);
 }
 
 TEST(LevelTargets, MissingPowerIsToldAlsoWhenTheCorrectionLiftsTheMarker) {
   const TestDefinition forward = Am(100, false, false);  // -999 + 1.76 would pass for a power
-  EXPECT_EQ(TargetsFor(forward, {-10, 120, -999, -999}).Text,
-            "Forward power data not in calibration file.\r\nThis calibration file can't be used for \r\n"
-            "power leveled tests.");
-  EXPECT_EQ(TargetsFor(Method(2), {-10, 120, 40, -999}).Text,
-            "Net power data not in calibration file.\r\nThis calibration file can't be used for \r\n"
-            "Net-power leveled tests.");
-  EXPECT_EQ(TargetsFor(Method(0), {-10, 120, -999, -999}).Text, "");
+  EXPECT_TRUE(FailsWith(TargetsFor(forward, {-10, 120, -999, -999}),
+                        "Forward power data not in calibration file.\r\nThis calibration file can't be used for \r\n"
+                        "power leveled tests."));
+  EXPECT_TRUE(FailsWith(TargetsFor(Method(2), {-10, 120, 40, -999}),
+                        "Net power data not in calibration file.\r\nThis calibration file can't be used for \r\n"
+                        "Net-power leveled tests."));
+  EXPECT_TRUE(TargetsFor(Method(0), {-10, 120, -999, -999}));
   for (const CalibratedLevels& none : {CalibratedLevels{-999, 120}, CalibratedLevels{-10, -999}})
-    EXPECT_EQ(TargetsFor(Method(0), none).Text, "Calibration file gives no level at this frequency.");
+    EXPECT_TRUE(FailsWith(TargetsFor(Method(0), none), "Calibration file gives no level at this frequency."));
 }
 
 TEST(LevelTargets, TheCurrentLimitFollowsTheImpedance) {
@@ -79,11 +79,11 @@ TEST(LevelTargets, TheCurrentLimitFollowsTheImpedance) {
 }
 
 TEST(LevelTargets, AGeneratorThatCannotGoLowEnoughIsTold) {
-  EXPECT_EQ(GeneratorFloorText(-10, -10), "");
-  EXPECT_EQ(GeneratorFloorText(-10.5F, -10),
-            "Signal generator can't possibly be set low enough to run this test\r\n"
-            "Calibration sig-gen level = -10.5\r\nThe minimum possible sig-gen level is -10");
-  EXPECT_NE(GeneratorFloorText(std::numeric_limits<float>::quiet_NaN(), -10), "");
+  EXPECT_TRUE(GeneratorGoesDownTo(-10, -10));
+  EXPECT_TRUE(FailsWith(GeneratorGoesDownTo(-10.5F, -10),
+                        "Signal generator can't possibly be set low enough to run this test\r\n"
+                        "Calibration sig-gen level = -10.5\r\nThe minimum possible sig-gen level is -10"));
+  EXPECT_FALSE(GeneratorGoesDownTo(std::numeric_limits<float>::quiet_NaN(), -10));
 }
 
 struct StartCase {

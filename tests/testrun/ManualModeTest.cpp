@@ -12,18 +12,26 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 
-TEST(ManualScroll, ArrowKeysStayInRange) {
+TEST(ManualPanel, ArrowKeysStayInRange) {
   struct Case {
-    ManualScroll now;
+    int step, tenths;
     ArrowKey key;
-    ManualScroll expected;
+    int expectedStep, expectedTenths;
   };
   const Case cases[] = {
-      {{3, 0}, ArrowKey::Up, {3, 1}},     {{3, 0}, ArrowKey::Down, {3, -1}},      {{3, 0}, ArrowKey::Right, {4, 0}},
-      {{3, 0}, ArrowKey::Left, {2, 0}},   {{12, 0}, ArrowKey::Right, {12, 0}},    {{1, 0}, ArrowKey::Left, {1, 0}},
-      {{3, 100}, ArrowKey::Up, {3, 100}}, {{3, -600}, ArrowKey::Down, {3, -600}},
+      {3, 0, ArrowKey::Up, 3, 1},     {3, 0, ArrowKey::Down, 3, -1},      {3, 0, ArrowKey::Right, 4, 0},
+      {3, 0, ArrowKey::Left, 2, 0},   {12, 0, ArrowKey::Right, 12, 0},    {1, 0, ArrowKey::Left, 1, 0},
+      {3, 100, ArrowKey::Up, 3, 100}, {3, -600, ArrowKey::Down, 3, -600},
   };
-  for (const Case& c : cases) EXPECT_EQ(MoveByKey(c.now, c.key, 12), c.expected);
+  RunRig rig;
+  for (const Case& c : cases) {
+    ManualPanel panel(rig.engine.Manual());
+    panel.Open({.Step = c.step, .HighestStep = 12});
+    panel.MoveOffset(c.tenths);
+    panel.Key(c.key);
+    EXPECT_EQ(panel.Scroll().Step, c.expectedStep);
+    EXPECT_EQ(panel.Scroll().OffsetTenths, c.expectedTenths);
+  }
 }
 
 /// A run that goes to manual mode after its second step, or another; `manual` is played there, one action per turn of
@@ -71,7 +79,6 @@ TEST_F(ManualTest, OpensAfterTheStepAndTheRunGoesOn) {
   EXPECT_EQ(rig.manual.opened.Step, 2);
   EXPECT_EQ(rig.manual.opened.HighestStep, 2);
   EXPECT_EQ(rig.manual.opened.Freq, 2);
-  EXPECT_EQ(rig.manual.opened.LevelOffset, 0);
   EXPECT_TRUE(rig.manual.opened.RfOn);
   EXPECT_FALSE(rig.manual.opened.ModEnabled);
   EXPECT_EQ(rig.display.steps, (std::vector<int>{1, 2, 3}));
@@ -196,6 +203,8 @@ TEST_F(ManualTest, ARefusedOffsetIsGivenUp) {
     panel.MoveOffset(90);
     panel.Tick();
     EXPECT_FALSE(rig.rfOn);
+    EXPECT_FALSE(rig.manual.rf);
+    EXPECT_TRUE(rig.manual.isOpen);
     EXPECT_EQ(panel.Scroll().OffsetTenths, 70);
     for (int tick = 0; tick < 3; ++tick) panel.Tick();
     EXPECT_EQ(rig.Shown("Level requested outside of range of instrument"), 1);
@@ -313,32 +322,17 @@ TEST_F(ManualTest, ModulationSwitchedOffByHandIsBackForTheNextStep) {
   EXPECT_THAT(rig.Sent(18), testing::Contains("AM ON").Times(2));
 }
 
-TEST_F(ManualTest, AThresholdIsRecordedBetweenTheStepsWithItsComment) {
+TEST_F(ManualTest, AThresholdIsRecordedBetweenTheStepsWithItsCommentIfAny) {
   rig.t.dialogs.AnswerInput("display flickers");
-  manual = {[&] { rig.engine.Manual().manThresholdClick(2, -1.5F); }};
+  rig.t.dialogs.AnswerInput(std::nullopt);
+  manual = {[&] { rig.engine.Manual().manThresholdClick(2, -1.5F); },
+            [&] { rig.engine.Manual().manThresholdClick(2, 0); }};
   Run();
-  ASSERT_EQ(rig.Rows().size(), 4U);
+  ASSERT_EQ(rig.Rows().size(), 5U);
   EXPECT_EQ(rig.Rows()[2], "2.0, Threshold -1.5dB, display flickers");
+  EXPECT_EQ(rig.Rows()[3], "2.0, Threshold 0.0dB, ");
   EXPECT_EQ(rig.t.dialogs.inputs[0].title, "Threshold Comment");
   EXPECT_EQ(rig.t.dialogs.inputs[0].prompt, "Enter comments");
-}
-
-TEST_F(ManualTest, AThresholdWithoutACommentIsKept) {
-  rig.t.dialogs.AnswerInput(std::nullopt);
-  manual = {[&] { rig.engine.Manual().manThresholdClick(2, 0); }};
-  Run();
-  EXPECT_EQ(rig.Rows()[2], "2.0, Threshold 0.0dB, ");
-}
-
-TEST_F(ManualTest, ALevelThatTheGeneratorRefusesEndsWithRfOffAndTheOperatorGoesOn) {
-  manual = {[&] { rig.engine.Manual().manLevOffsetChange(50); },
-            [&] {
-              EXPECT_FALSE(rig.rfOn);
-              EXPECT_FALSE(rig.manual.rf);
-              EXPECT_TRUE(rig.manual.isOpen);
-            }};
-  Run();
-  EXPECT_EQ(rig.Rows().size(), 3U);
 }
 
 TEST_F(ManualTest, AHaltEndsTheRunAndRemovesTheForm) {

@@ -41,7 +41,6 @@ void OpenOnRightClick(QMenu& menu, const std::vector<QWidget*>& labels) {
 
 frmRunTest::frmRunTest(Shell& shell, Instruments& instruments, Documents& documents, QWidget* parent)
     : RunWindow(shell, instruments.sigGen, parent),
-      instruments_(instruments),
       documents_(documents),
       ui_(std::make_unique<Ui::frmRunTest>()),
       engine_(shell, instruments, documents, *this, *this),
@@ -323,15 +322,6 @@ void frmRunTest::ManualRf(bool on) {
 
 void frmRunTest::ManualMod(bool on) {
   if (ManForm) ManForm->SetModOn(on);
-}
-
-void frmRunTest::manform_manThresholdClick(double frequencyMHz, float offsetDb) {
-  engine_.Manual().manThresholdClick(frequencyMHz, offsetDb);
-}
-
-void frmRunTest::manform_manRfOn(bool on) {
-  engine_.Manual().manRfOn(on);
-  ManualRf(instruments_.sigGen.RfIsOn());  // also where the run took no notice of the switch
 }
 
 }  // namespace hylden

@@ -84,8 +84,10 @@ class frmRunTest : public RunWindow, private ManualControls {
   void buttonform_HaltClick() { Halt(); }
   void buttonform_ManualClick() { engine_.RequestManual(); }
   void buttonform_exitclick() { close(); }
-  void manform_manThresholdClick(double frequencyMHz, float offsetDb);
-  void manform_manRfOn(bool on);
+  void manform_manThresholdClick(double frequencyMHz, float offsetDb) {
+    engine_.Manual().manThresholdClick(frequencyMHz, offsetDb);
+  }
+  void manform_manRfOn(bool on) { engine_.Manual().manRfOn(on); }
   void manform_manModOn(bool on) { engine_.Manual().manModOn(on); }
   void manform_manExitClick() { engine_.Manual().manExitClick(); }
 
@@ -99,7 +101,6 @@ class frmRunTest : public RunWindow, private ManualControls {
   /// Whether the row, counted from 0, is a threshold.
   bool IsThreshold(std::size_t row) const;
 
-  Instruments& instruments_;
   Documents& documents_;
   std::unique_ptr<Ui::frmRunTest> ui_;
   RunEngine engine_;
