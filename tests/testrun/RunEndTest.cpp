@@ -109,15 +109,6 @@ TEST_F(RunEndTest, AmplifiersAreResetBeforeADeadMeterIsWaitedForWhenRfMayBeOn) {
   EXPECT_THAT((Strings{reset, lines.end()}), testing::Contains("> 13 BYE"));
 }
 
-TEST_F(RunEndTest, AFailureWhileTheLevelIsHeldSwitchesRfOffBeforeAnyMessage) {
-  rig.UsePower(LevelingMethod::NetPower);
-  rig.returnLossDb = 0;
-  rig.Run();
-  EXPECT_EQ(rig.t.dialogs.messages.size(), 2U);
-  EXPECT_FALSE(rig.rfOnAtMessage);
-  ExpectEndedWithRfOff(rig);
-}
-
 struct HaltCase {
   const char* name;
   const char* status;
