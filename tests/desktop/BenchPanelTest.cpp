@@ -2,8 +2,6 @@
 
 #include "bench/qt/frmBench.h"
 
-#include <gmock/gmock.h>
-
 #include <QCheckBox>
 #include <QRadioButton>
 #include <QSignalSpy>
@@ -11,61 +9,45 @@
 #include <QTextBrowser>
 #include <filesystem>
 
-#include "app/Desktop.h"
 #include "bench/BenchTexts.h"
-#include "desktop/RunForms.h"
+#include "desktop/DemoWindows.h"
 #include "documents/qt/frmEquipment.h"
 #include "instruments/Instruments.h"
-#include "shell/qt/TopMenu.h"
 #include "shell/qt/WorkingForm.h"
 #include "shell/qt/frmHelp.h"
 #include "support/SilentRun.h"
+#include "testrun/qt/frmRunTest.h"
 #include "text/Pattern.h"
 
 namespace hylden {
 namespace {
 
-class BenchPanel : public testing::Test {
+class BenchPanel : public DemoWindowsTest {
  protected:
   void SetUp() override {
-    m.LoadStation();
     m.LoadTest("substitution-am.tst");
-    Start(&m.bench);
-  }
-  void TearDown() override {
-    desktop.reset();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-  }
-
-  void Start(Bench* bench) {
-    desktop.reset();
-    m.station.bench = bench;
-    desktop = std::make_unique<Desktop>(m.station);
-    desktop->Menu().show();
+    m.Start();
   }
   frmBench& Panel() {
-    if (!OpenWindow<frmBench>()) desktop->ShowBenchPanel();
+    if (!OpenWindow<frmBench>()) m.desktop->ShowBenchPanel();
     OpenWindow<frmBench>()->Refresh();
     return *OpenWindow<frmBench>();
   }
-  MeterAt Cabling() const { return m.bench.State().Cabling.Meter; }
+  std::string Text(const char* label) { return TextOf(Panel(), label); }
   /// The demo station's generator, by its own commands.
   void Drive(double freqMHz, double levelDbm) {
-    SigGen& generator = m.station.instruments.sigGen;
+    SigGen& generator = m.instruments.sigGen;
     ASSERT_TRUE(generator.InitSigGen(freqMHz, static_cast<float>(levelDbm)));
     ASSERT_TRUE(generator.RfOn());
   }
-
-  FakeDialogs dialogs;
-  BenchMachine m{dialogs};
-  std::unique_ptr<Desktop> desktop;
 };
 
 TEST_F(BenchPanel, ExistsOnlyWhereTheBenchDrivesTheProgram) {
-  EXPECT_TRUE(Find<QAbstractButton>(desktop->Menu(), "cmdBench").isVisible());
-  Start(nullptr);
-  EXPECT_FALSE(Find<QAbstractButton>(desktop->Menu(), "cmdBench").isVisible());
-  desktop->ShowBenchPanel();
+  EXPECT_TRUE(Find<QAbstractButton>(m.desktop->Menu(), "cmdBench").isVisible());
+  m.station.bench = nullptr;
+  m.Start();
+  EXPECT_FALSE(Find<QAbstractButton>(m.desktop->Menu(), "cmdBench").isVisible());
+  m.desktop->ShowBenchPanel();
   EXPECT_EQ(OpenWindow<frmBench>(), nullptr);
 }
 
@@ -73,16 +55,16 @@ TEST_F(BenchPanel, TheRunLogSaysOfEveryRunThatItIsSimulated) {
   m.directory.Write("Hylden.ini", "[System]\r\nLogToFile=1\r\n");
   const WorkingDirectory inDirectory(m.directory.Path());
   SilentRun run;
-  ASSERT_TRUE(m.station.shell.ClaimInstruments(run));
-  m.station.shell.ReleaseInstruments();
+  ASSERT_TRUE(m.shell.ClaimInstruments(run));
+  m.shell.ReleaseInstruments();
   EXPECT_EQ(m.directory.Read("runlog.hyl"), "01/05/26 09:00:00 - SIMULATED BENCH: no instrument is driven\r\n");
 }
 
 TEST_F(BenchPanel, OpensOnceFromTheMenuAndFromTheNoticeOfEveryForm) {
-  Press(desktop->Menu(), "cmdBench");
+  Press(m.desktop->Menu(), "cmdBench");
   ASSERT_EQ(OpenWindows<frmBench>().size(), 1u);
   EXPECT_TRUE(Find<QLabel>(Panel(), "lblBench").isVisible());
-  frmEquipment& form = *desktop->OpenEquipment(&desktop->Menu());
+  frmEquipment& form = *m.desktop->OpenEquipment(&m.desktop->Menu());
   Choose(form, "mnuBench");
   EXPECT_EQ(OpenWindows<frmBench>().size(), 1u);
   Press(Panel(), "cmdClose");
@@ -94,7 +76,7 @@ TEST_F(BenchPanel, OpensOnceFromTheMenuAndFromTheNoticeOfEveryForm) {
 }
 
 TEST_F(BenchPanel, FitsBesideARunWindowOnASmallScreen) {
-  desktop->OpenTestRun(&desktop->Menu());
+  m.desktop->OpenTestRun(&m.desktop->Menu());
   frmRunTest& run = *OpenWindow<frmRunTest>();
   EXPECT_LE(Panel().minimumSizeHint().width() + run.minimumSizeHint().width(), 1024);
   EXPECT_LE(Panel().height(), 700);
@@ -103,39 +85,35 @@ TEST_F(BenchPanel, FitsBesideARunWindowOnASmallScreen) {
 
 TEST_F(BenchPanel, ShowsInstrumentsAndProduct) {
   m.bench.Connect(MeterAt::Probe);
-  EXPECT_EQ(TextOf(Panel(), "lblRf"), "RF off");
-  EXPECT_EQ(TextOf(Panel(), "lblProduct"), "Without RF");
-  EXPECT_EQ(TextOf(Panel(), "lblTestLevel"), "--");
-  EXPECT_EQ(TextOf(Panel(), "lblMeterReading"), "nothing yet");
-  Drive(12.5, -20);
-  EXPECT_EQ(TextOf(Panel(), "lblRf"), "RF ON");
-  EXPECT_EQ(TextOf(Panel(), "lblFreq"), "12.5 MHz");
-  EXPECT_EQ(TextOf(Panel(), "lblLevel"), "-20.0 dBm");
-  EXPECT_EQ(TextOf(Panel(), "lblProduct"), "PASSES");
-  EXPECT_EQ(TextOf(Panel(), "lblThreshold"), "138.0 dBuV peak");
-  EXPECT_EQ(TextOf(Panel(), "lblLastDisturbance"), "never so far");
+  EXPECT_EQ(Text("lblRf"), "RF off");
+  EXPECT_EQ(Text("lblProduct"), "Without RF");
+  EXPECT_EQ(Text("lblTestLevel"), "--");
+  EXPECT_EQ(Text("lblMeterReading"), "nothing yet");
+  EXPECT_EQ(Text("lblLastDisturbance"), "never so far");
   Drive(12.5, -10);
   const BenchState& state = m.bench.State();
-  EXPECT_EQ(TextOf(Panel(), "lblProduct"), "DISTURBED");
-  EXPECT_THAT(TextOf(Panel(), "lblMargin"), testing::EndsWith("above the threshold"));
-  EXPECT_EQ(TextOf(Panel(), "lblTestLevel"), Format(state.TestLevelDbuv, "0.0") + " dBuV");
-  EXPECT_EQ(TextOf(Panel(), "lblTestLevelVolts"),
-            Format(Conversions::DbuvToVolts(state.TestLevelDbuv), "0.00#") + " V");
-  EXPECT_EQ(TextOf(Panel(), "lblForwardWatts"), Format(Conversions::DbmToWatts(state.ForwardDbm), "0.00#") + " W");
-  EXPECT_EQ(TextOf(Panel(), "lblReverse"), Format(state.ReverseDbm, "0.0") + " dBm");
-  EXPECT_EQ(TextOf(Panel(), "lblCurrent"), Format(state.InducedDbua, "0.0") + " dBuA");
+  EXPECT_EQ(Text("lblRf"), "RF ON");
+  EXPECT_EQ(Text("lblFreq"), "12.5 MHz");
+  EXPECT_EQ(Text("lblLevel"), "-10.0 dBm");
+  EXPECT_EQ(Text("lblProduct"), "DISTURBED");
+  EXPECT_EQ(Text("lblThreshold"), "138.0 dBuV peak");
+  EXPECT_THAT(Text("lblMargin"), testing::EndsWith("above the threshold"));
+  EXPECT_EQ(Text("lblTestLevel"), Format(state.TestLevelDbuv, "0.0") + " dBuV");
+  EXPECT_EQ(Text("lblTestLevelVolts"), Format(Conversions::DbuvToVolts(state.TestLevelDbuv), "0.00#") + " V");
+  EXPECT_EQ(Text("lblForwardWatts"), Format(Conversions::DbmToWatts(state.ForwardDbm), "0.00#") + " W");
+  EXPECT_EQ(Text("lblReverse"), Format(state.ReverseDbm, "0.0") + " dBm");
+  EXPECT_EQ(Text("lblCurrent"), Format(state.InducedDbua, "0.0") + " dBuA");
 }
 
 TEST_F(BenchPanel, SurvivesAnotherStationAndFollowsIt) {
   Drive(12.5, -20);
-  EXPECT_EQ(TextOf(Panel(), "lblRf"), "RF ON");
+  EXPECT_EQ(Text("lblRf"), "RF ON");
   m.bench.Equip(BenchEquipment{});
-  EXPECT_EQ(TextOf(Panel(), "lblRf"), "RF off");
-  EXPECT_EQ(TextOf(Panel(), "lblGenerator"), "not on the bus");
-  EXPECT_EQ(TextOf(Panel(), "lblFreq"), "--");
-  EXPECT_EQ(TextOf(Panel(), "lblThreshold"), "--");
+  EXPECT_EQ(Text("lblRf"), "RF off");
+  EXPECT_EQ(Text("lblGenerator"), "not on the bus");
+  for (const char* figure : {"lblFreq", "lblThreshold"}) EXPECT_EQ(Text(figure), "--");
   m.station.EquipBench();
-  EXPECT_THAT(TextOf(Panel(), "lblGenerator"), testing::StartsWith("Address 18"));
+  EXPECT_THAT(Text("lblGenerator"), testing::StartsWith("Address 18"));
 }
 
 TEST_F(BenchPanel, CablesTheMeterAndShowsHowItIsCabled) {
@@ -145,8 +123,8 @@ TEST_F(BenchPanel, CablesTheMeterAndShowsHowItIsCabled) {
                                                     {"optPort", MeterAt::Port}};
   for (const auto& [button, place] : places) {
     QTest::mouseClick(&Find<QRadioButton>(Panel(), button), Qt::LeftButton);
-    EXPECT_EQ(Cabling(), place) << button;
-    EXPECT_EQ(TextOf(Panel(), "lblCabling"), CablingText(place));
+    EXPECT_EQ(m.Cabled(), place) << button;
+    EXPECT_EQ(Text("lblCabling"), CablingText(place));
   }
   for (const auto& [button, place] : places) {
     m.bench.Connect(place);
@@ -156,49 +134,49 @@ TEST_F(BenchPanel, CablesTheMeterAndShowsHowItIsCabled) {
 
 TEST_F(BenchPanel, RunsCableTheBenchUnlessTheOperatorDoes) {
   m.bench.Connect(MeterAt::Cable);
-  desktop->OpenTestRun(&desktop->Menu());
-  EXPECT_EQ(Cabling(), MeterAt::Probe) << "the panel was never opened";
+  m.desktop->OpenTestRun(&m.desktop->Menu());
+  EXPECT_EQ(m.Cabled(), MeterAt::Probe) << "the panel was never opened";
   OpenWindow<frmRunTest>()->close();
-  desktop->OpenCalibrationRun(&desktop->Menu());
-  EXPECT_EQ(Cabling(), MeterAt::Port);
+  m.desktop->OpenCalibrationRun(&m.desktop->Menu());
+  EXPECT_EQ(m.Cabled(), MeterAt::Port);
   OpenWindow<WorkingForm>()->close();
   Find<QCheckBox>(Panel(), "chkCables").click();
   Press(Panel(), "cmdClose");
-  desktop->OpenTestRun(&desktop->Menu());
-  EXPECT_EQ(Cabling(), MeterAt::Port) << "the choice stands when the panel is closed";
+  m.desktop->OpenTestRun(&m.desktop->Menu());
+  EXPECT_EQ(m.Cabled(), MeterAt::Port) << "the choice stands when the panel is closed";
 }
 
 TEST_F(BenchPanel, EscapeClosesItButHaltsARun) {
-  desktop->OpenTestRun(&desktop->Menu());
+  m.desktop->OpenTestRun(&m.desktop->Menu());
   QTest::keyClick(&Find<QRadioButton>(Panel(), "optPort"), Qt::Key_Escape);
   EXPECT_EQ(OpenWindow<frmBench>(), nullptr) << "the run has not begun";
-  QSignalSpy halts(desktop.get(), &Desktop::EscapePressed);
+  QSignalSpy halts(m.desktop.get(), &Desktop::EscapePressed);
   SilentRun run;
-  ASSERT_TRUE(m.station.shell.ClaimInstruments(run));
+  ASSERT_TRUE(m.shell.ClaimInstruments(run));
   QTest::keyClick(&Panel(), Qt::Key_Escape);
-  m.station.shell.ReleaseInstruments();
+  m.shell.ReleaseInstruments();
   EXPECT_EQ(halts.count(), 1);
   EXPECT_EQ(OpenWindows<frmBench>().size(), 1u);
 }
 
 TEST_F(BenchPanel, CablesBesideAModalForm) {
-  frmEquipment& form = *desktop->OpenEquipment(&desktop->Menu(), 0, true);
+  frmEquipment& form = *m.desktop->OpenEquipment(&m.desktop->Menu(), 0, true);
   Choose(form, "mnuBench");
   const auto click = [this](const char* button) {
     ClickOnScreen(Panel(), button);
-    return Cabling();
+    return m.Cabled();
   };
   EXPECT_EQ(click("optCable"), MeterAt::Cable);
   form.close();
   QCoreApplication::processEvents();
   EXPECT_EQ(click("optProbe"), MeterAt::Probe) << "the form is gone";
-  desktop->OpenEquipment(&desktop->Menu(), 0, true);
+  m.desktop->OpenEquipment(&m.desktop->Menu(), 0, true);
   EXPECT_EQ(click("optGenerator"), MeterAt::Generator) << "the panel was there before the form";
 }
 
 TEST_F(BenchPanel, F1OpensItsChapterOfTheManual) {
   std::filesystem::copy_file(HYLDEN_SOURCE_DIR "/help/hylden.md", m.directory.File("hylden.hlp"));
-  desktop->Start("");
+  m.desktop->Start("");
   QTest::keyClick(&Panel(), Qt::Key_F1);
   ASSERT_EQ(OpenWindows<frmHelp>().size(), 1u);
   const QTextCursor place = Find<QTextBrowser>(*OpenWindow<frmHelp>(), "txtHelp").textCursor();
@@ -206,11 +184,10 @@ TEST_F(BenchPanel, F1OpensItsChapterOfTheManual) {
 }
 
 TEST_F(BenchPanel, ClosesWithTheProgram) {
-  QSignalSpy ended(desktop.get(), &Desktop::Ended);
   Panel();
-  desktop->CloseAll();
-  for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
-  EXPECT_EQ(ended.count(), 1);
+  m.desktop->CloseAll();
+  Turn();
+  EXPECT_EQ(m.ended, 1);
   EXPECT_EQ(OpenWindow<frmBench>(), nullptr);
 }
 

@@ -1,65 +1,54 @@
-// The windows of the calibrations on the bench: set up, run, halted, closed in the middle, saved.
-
-#include <gmock/gmock.h>
+// The windows of the calibrations on the bench: set up, run, halted, closed in the middle, saved; from the main menu to
+// their files and back.
 
 #include <QPushButton>
-#include <QTabWidget>
 #include <QTableView>
+#include <filesystem>
 
 #include "calibration/qt/frmCblSetup.h"
 #include "calibration/qt/frmRunCablCal.h"
 #include "calibration/qt/frmRunCal.h"
-#include "desktop/RunForms.h"
+#include "desktop/DemoWindows.h"
 #include "documents/qt/frmCalSetup.h"
+#include "documents/qt/frmEquipment.h"
+#include "shell/qt/frmHelp.h"
 #include "support/ReadLines.h"
 #include "text/RecordFile.h"
-#include "text/TextFile.h"
 
 namespace hylden {
 namespace {
 
-class CalForms : public testing::Test {
+class CalForms : public DemoWindowsTest {
  protected:
-  void SetUp() override {
-    m.LoadStation();
-    ASSERT_TRUE(Cal().LoadDef("cdn-10v.csu"));
-    Cal().Record.StartFreq = 1, Cal().Record.StopFreq = 3, Cal().Record.StepType = StepType::Linear;
-    Cal().Saved = Cal().Record;
-  }
-  CalSetup& Cal() { return m.station.documents.calSetup; }
-  bool RfIsOn() { return m.station.instruments.sigGen.RfIsOn(); }
+  CalSetup& Cal() { return m.documents.calSetup; }
   std::unique_ptr<frmCalSetup> OpenSetup() {
-    return std::make_unique<frmCalSetup>(m.station.shell, m.station.instruments, m.station.documents);
+    auto form = std::make_unique<frmCalSetup>(m.shell, m.instruments, m.documents);
+    form->show();
+    return form;
   }
   std::unique_ptr<frmRunCal> OpenRun() {
-    auto form = std::make_unique<frmRunCal>(m.station.shell, m.station.instruments, m.station.documents);
+    auto form = std::make_unique<frmRunCal>(m.shell, m.instruments, m.documents);
     form->OpenFrom(&caller);
     form->Load();
     return form;
   }
-  int Questions() const {
-    return static_cast<int>(std::count_if(dialogs.messages.begin(), dialogs.messages.end(),
-                                          [](const Message& shown) { return shown.title == "Save Calibration"; }));
-  }
   static std::string Cell(QWidget& form, const char* table, int row, int column) {
-    const QAbstractItemModel& model = *Find<QTableView>(form, table).model();
-    return model.index(row, column).data().toString().toStdString();
+    return Find<QTableView>(form, table).model()->index(row, column).data().toString().toStdString();
   }
   static int Rows(QWidget& form, const char* table) { return Find<QTableView>(form, table).model()->rowCount(); }
+  std::size_t LinesOf(const std::string& name) { return ReadLines(m.directory.File(name)).size(); }
 
-  FakeDialogs dialogs;
-  BenchMachine m{dialogs};
   QWidget caller;
 };
 
-TEST_F(CalForms, FirstOpeningShowsUsableDefaults) {
+TEST_F(CalForms, OpensWithUsableDefaultsAndShowsZeroAsAValue) {
   Cal().Record = {};
-  const auto form = OpenSetup();
-  EXPECT_EQ(TextOf(*form, "txtStartFreq"), "0.15");
-  EXPECT_EQ(TextOf(*form, "txtStopFreq"), "80");
-  EXPECT_EQ(TextOf(*form, "txtInitLev"), "-60");
-  EXPECT_EQ(TextOf(*form, "txtInterDwell"), "1.0");
-  EXPECT_EQ(Cal().Record.Dwell, double{m.station.instruments.meter.SettlingTime()});
+  EXPECT_EQ(TextOf(*OpenSetup(), "txtStopFreq"), "80");
+  EXPECT_EQ(TextOf(*OpenSetup(), "txtInterDwell"), "1.0");
+  EXPECT_EQ(Cal().Record.Dwell, double{m.instruments.meter.SettlingTime()});
+  Cal().Record.InitLevel = 0, Cal().Record.Dwell = 0;
+  EXPECT_EQ(TextOf(*OpenSetup(), "txtInitLev"), "0");
+  EXPECT_EQ(TextOf(*OpenSetup(), "txtFinalDwell"), "0.0");
 }
 
 TEST_F(CalForms, EveryEntryComesBackFromTheForm) {
@@ -78,25 +67,14 @@ TEST_F(CalForms, EveryEntryComesBackFromTheForm) {
   EXPECT_EQ(RecordText(setup), RecordText(shown));
 }
 
-TEST_F(CalForms, InvalidEntryIsShownOnItsPage) {
-  const struct {
-    const char *box, *text;
-    int tab;
-    const char* told;
-  } cases[] = {{"txtStartFreq", "abc", 0, "Value not a number, re-enter"},
-               {"txtStopFreq", "1", 0, "Number outside valid range, re-enter"},
-               {"txtMaxStep", "0", 1, "Number outside valid range, re-enter"},
-               {"txtFinalDwell", "-1", 1, "Number outside valid range, re-enter"}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.box);
-    const auto form = OpenSetup();
-    form->show();
-    Find<QTabWidget>(*form, "tabSetup").setCurrentIndex(3);
-    Find<QLineEdit>(*form, c.box).setText(c.text);
-    Press(*form, "cmdStart");
-    EXPECT_EQ(Find<QTabWidget>(*form, "tabSetup").currentIndex(), c.tab);
-    EXPECT_EQ(dialogs.LastText(), c.told);
-  }
+TEST_F(CalForms, EveryBoxThatHoldsNoNumberIsPointedOut) {
+  Cal().Record.LimitFwdPwr = 1;
+  EXPECT_EQ(ExpectPointedOut(dialogs, *OpenSetup(), Cal().Record, "cmdStart"), 9U);
+  RunCablCal calibration(m.shell, m.instruments);
+  calibration.Setup.StartFreq = 1, calibration.Setup.StopFreq = 2;
+  frmCblSetup cableSetup(m.shell, m.documents, calibration);
+  cableSetup.show();
+  EXPECT_EQ(ExpectPointedOut(dialogs, cableSetup, calibration.Setup, "cmdStart"), 5U);
 }
 
 TEST_F(CalForms, ListStepsWithoutAFileOpenThePickerInsteadOfStarting) {
@@ -105,107 +83,36 @@ TEST_F(CalForms, ListStepsWithoutAFileOpenThePickerInsteadOfStarting) {
   bool started = false;
   QObject::connect(form.get(), &frmCalSetup::StartRequested, [&] { started = true; });
   Press(*form, "optListStep");
+  dialogs.Answer(MessageAnswer::Cancel);
+  EXPECT_THAT(Told(dialogs, *form, "cmdStart"), testing::ElementsAre("Need filename, please pick frequency list file"));
+  EXPECT_TRUE(dialogs.openRequests.empty());
   dialogs.AnswerOpen("radio-services.lst");
   Press(*form, "cmdStart");
   EXPECT_FALSE(started);
-  EXPECT_EQ(dialogs.LastText(), "Need filename, please pick frequency list file");
-  EXPECT_EQ(TextOf(*form, "txtStartFreq"),
-            std::to_string(Cal().Record.StartFreq).substr(0, TextOf(*form, "txtStartFreq").size()));
+  EXPECT_EQ(std::stod(TextOf(*form, "txtStartFreq")), Cal().Record.StartFreq);
   Press(*form, "cmdStart");
   EXPECT_TRUE(started) << dialogs.LastText();
-}
-
-TEST_F(CalForms, ClosingKeepsWhatWasTyped) {
-  const auto form = OpenSetup();
-  Find<QLineEdit>(*form, "txtMaxLev").setText("-99");
-  Find<QLineEdit>(*form, "txtStartFreq").setText("nothing");
-  dialogs.Answer(MessageAnswer::No);
-  form->close();
-  EXPECT_EQ(dialogs.messages.size(), 1U);
-  EXPECT_EQ(Cal().Record.MaxLevel, -99.0F);
-  EXPECT_EQ(Cal().Record.StartFreq, 1);
-}
-
-TEST_F(CalForms, NoDwellAndZeroDbmComeBackWhenTheFormOpensAgain) {
-  Cal().Record.InitLevel = 0, Cal().Record.Dwell = 0;
-  const auto form = OpenSetup();
-  EXPECT_EQ(TextOf(*form, "txtInitLev"), "0");
-  EXPECT_EQ(TextOf(*form, "txtFinalDwell"), "0.0");
-}
-
-TEST_F(CalForms, CancelledPromptForAListOpensNoPicker) {
-  Cal().Record.ListFile.clear();
-  const auto form = OpenSetup();
-  Press(*form, "optListStep");
-  dialogs.Answer(MessageAnswer::Cancel);
-  Press(*form, "cmdStart");
-  EXPECT_EQ(dialogs.LastText(), "Need filename, please pick frequency list file");
-  EXPECT_TRUE(dialogs.openRequests.empty());
-}
-
-TEST_F(CalForms, UnsavedSetupIsMarkedAndAskedAbout) {
-  const auto form = OpenSetup();
-  const std::string file = m.directory.File("own.csu");
-  dialogs.AnswerSave(file);
-  Find<QLineEdit>(*form, "txtLogStep").setText("7");  // of no use in linear steps
-  Press(*form, "cmdSave");
-  const QString title = QString::fromStdString("Cal Setup File: " + file);
-  EXPECT_EQ(form->windowTitle(), title);
-  Find<QLineEdit>(*form, "txtStopFreq").setText("3.00");
-  EXPECT_EQ(form->windowTitle(), title);
-  Press(*form, "chkRecordFP");
-  EXPECT_EQ(form->windowTitle(), title + "*");
-  dialogs.Answer(MessageAnswer::Cancel);
-  form->LoadFile("cdn-10v.csu");
-  EXPECT_EQ(dialogs.LastText(), "The calibration setup has changes that are not saved.\r\nSave them?");
-  EXPECT_EQ(form->windowTitle(), title + "*");
-  dialogs.Answer(MessageAnswer::No);
-  form->close();
-  const auto again = OpenSetup();
-  EXPECT_EQ(again->windowTitle(), title + "*") << "what was typed stays, and so does its file";
-  EXPECT_TRUE(again->close()) << "asked once";
-  EXPECT_EQ(dialogs.UnusedAnswers(), 0U);
-}
-
-TEST_F(CalForms, FileThatDoesNotLoadCostsNothing) {
-  const auto form = OpenSetup();
-  m.directory.Write("short.csu", "5\r\n6\r\n");
-  form->LoadFile(QString::fromStdString(m.directory.File("short.csu")));
-  EXPECT_EQ(Cal().Record.StartFreq, 1);
-  EXPECT_EQ(form->windowTitle(), "Cal Setup File: ");
-  EXPECT_EQ(dialogs.messages.size(), 1U);
-}
-
-TEST_F(CalForms, MissingCableLossLeadsToTheFactorTables) {
-  m.station.documents.equip.Record.CableLossFile.clear();
-  const auto form = OpenSetup();
-  int tab = -1;
-  QObject::connect(form.get(), &frmCalSetup::EditEquipmentRequested, [&](int page) { tab = page; });
-  Press(*form, "cmdStart");
-  EXPECT_EQ(tab, 1);
-  EXPECT_EQ(dialogs.LastText(), "No cable loss file has been selected");
 }
 
 TEST_F(CalForms, WholeRunIsShownAndSaved) {
   const auto form = OpenRun();
   EXPECT_EQ(form->windowTitle(), "CDI Calibration: 10 V, 0.15 to 230 MHz");
-  const std::string file = m.directory.File("done.cal");
-  dialogs.AnswerSave(file);
+  dialogs.AnswerSave(m.directory.File("done.cal"));
   bool lit = false;
   m.events.onYield = [&] {
     lit = lit || TextOf(*form, "lblRf") == "RF ON";
-    EXPECT_FALSE(Find<QWidget>(*form, "cmdStart").isEnabled() || Find<QWidget>(*form, "cmdExit").isEnabled());
+    EXPECT_FALSE(IsEnabled(*form, "cmdStart") || IsEnabled(*form, "cmdExit"));
   };
   Press(*form, "cmdStart");
   EXPECT_TRUE(lit);
-  EXPECT_FALSE(RfIsOn());
+  EXPECT_FALSE(m.RfIsOn());
   EXPECT_EQ(TextOf(*form, "lblRf"), "RF off");
   ASSERT_EQ(Rows(*form, "flxCalData"), 3);
   EXPECT_EQ(Cell(*form, "flxCalData", 2, 0), "3.0");
   EXPECT_EQ(Cell(*form, "flxCalData", 0, 2), "140.00");
   EXPECT_EQ(TextOf(*form, "pnlStep"), "Step Number 3");
-  EXPECT_EQ(ReadLines(file).size(), 3U);
-  EXPECT_TRUE(Find<QWidget>(*form, "cmdSave").isEnabled() && Find<QWidget>(*form, "cmdStart").isEnabled());
+  EXPECT_EQ(LinesOf("done.cal"), 3U);
+  EXPECT_TRUE(IsEnabled(*form, "cmdSave") && IsEnabled(*form, "cmdStart"));
 }
 
 TEST_F(CalForms, RunThatCanNotBePreparedCanNotBeStarted) {
@@ -217,70 +124,31 @@ TEST_F(CalForms, RunThatCanNotBePreparedCanNotBeStarted) {
   EXPECT_EQ(title, "CDI Calibration: 10 V, 0.15 to 230 MHz");
   EXPECT_EQ(TextOf(*form, "pnlStatus"), "Not ready: Cable loss file does not cover frequency range");
   EXPECT_EQ(TextOf(*form, "lblState"), "Not ready");
-  EXPECT_FALSE(Find<QWidget>(*form, "cmdStart").isEnabled());
-}
-
-TEST_F(CalForms, UserDefinedFactorLowersTheReadingThatIsWanted) {
-  Cal().Record.RecordFwdPwr = Cal().Record.RecordRevPwr = Cal().Record.LimitFwdPwr = 0;
-  const auto setup = OpenSetup();
-  Press(*setup, "optUserDefinedCF");
-  Find<QLineEdit>(*setup, "txtUserDefCF").setText("9.5");
-  ASSERT_TRUE(setup->FormToSetup(true)) << dialogs.LastText();
-  EXPECT_EQ(Cal().CouplingFactor(), 9.5);
-  const std::string file = m.directory.File("own.csu");
-  ASSERT_TRUE(Cal().SaveDef(file));
-  Cal().Record = {};
-  ASSERT_TRUE(Cal().LoadDef(file));
-  EXPECT_EQ(TextOf(*OpenSetup(), "txtUserDefCF"), "9.5");
-}
-
-TEST_F(CalForms, MnemonicsAreApart) {
-  RunCablCal calibration(m.station.shell, m.station.instruments);
-  frmCblSetup cableSetup(m.station.shell, m.station.documents, calibration);
-  frmRunCablCal cableRun(m.station.shell, m.station.instruments, calibration);
-  const auto setup = OpenSetup();
-  for (QMainWindow* const form : std::initializer_list<QMainWindow*>{setup.get(), &cableSetup, &cableRun}) {
-    form->show();
-    ExpectMnemonicsApart(*form);
-  }
-  EXPECT_FALSE(Find<QPushButton>(*setup, "cmdStart").shortcut().isEmpty());
-  ExpectMnemonicsApart(*OpenRun());
-}
-
-TEST_F(CalForms, NoButtonOfASetupLooksAsIfEnterPressedIt) {
-  RunCablCal calibration(m.station.shell, m.station.instruments);
-  frmCblSetup cableSetup(m.station.shell, m.station.documents, calibration);
-  const auto setup = OpenSetup();
-  for (QMainWindow* const form : std::initializer_list<QMainWindow*>{setup.get(), &cableSetup})
-    for (const QPushButton* button : form->findChildren<QPushButton*>())
-      EXPECT_FALSE(button->isDefault()) << button->objectName().toStdString();
+  EXPECT_FALSE(IsEnabled(*form, "cmdStart"));
 }
 
 TEST_F(CalForms, KeyHeldDownStartsNoSecondRun) {
   const auto form = OpenRun();
   auto& start = Find<QPushButton>(*form, "cmdStart");
   start.setAutoDefault(true);
-  const auto press = [&](bool repeated) {
+  for (const bool repeated : {false, true}) {
     QKeyEvent key(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QString(), repeated);
     QCoreApplication::sendEvent(&start, &key);
-  };
-  press(false);
-  EXPECT_EQ(Questions(), 1);
-  press(true);
-  EXPECT_EQ(Questions(), 1);
+    EXPECT_EQ(m.Asked("Save Calibration"), 1U);
+  }
 }
 
 TEST_F(CalForms, ClosingWindowStaysForPointsThatMakeARecord) {
   for (const char* last : {"2.0", "3.0"}) {
     const auto form = OpenRun();
     // To be saved, and the file dialog is cancelled.
-    m.When([&] { return TextOf(*form, "lblFreq") == last && RfIsOn(); }, [&] { form->close(); });
+    m.When([&] { return TextOf(*form, "lblFreq") == last && m.RfIsOn(); }, [&] { form->close(); });
     Press(*form, "cmdStart");
     QCoreApplication::processEvents();
     const std::size_t points = form->Calibration().Rows().size();
     EXPECT_EQ(form->isVisible(), points >= 2) << points;
     EXPECT_EQ(Find<QWidget>(*form, "cmdSave").isVisible(), points >= 2);
-    EXPECT_FALSE(RfIsOn());
+    EXPECT_FALSE(m.RfIsOn());
   }
 }
 
@@ -288,35 +156,33 @@ TEST_F(CalForms, ClosingWindowStaysForPointsThatMakeARecord) {
 class CableForms : public CalForms {
  protected:
   void SetUp() override {
-    CalForms::SetUp();
     CableSetup& setup = calibration.Setup;
     setup.StartFreq = 1, setup.StopFreq = 2, setup.StepType = StepType::Log, setup.LogStep = 50;
     ASSERT_TRUE(calibration.BuildPlan());
   }
   std::unique_ptr<frmRunCablCal> OpenPasses() {
-    auto form = std::make_unique<frmRunCablCal>(m.station.shell, m.station.instruments, calibration);
+    auto form = std::make_unique<frmRunCablCal>(m.shell, m.instruments, calibration);
     QObject::connect(form.get(), &frmRunCablCal::PassStarting,
                      [&](bool inserted) { m.bench.Connect(inserted ? MeterAt::Cable : MeterAt::Generator); });
     form->OpenFrom(&caller);
     return form;
   }
 
-  RunCablCal calibration{m.station.shell, m.station.instruments};
+  RunCablCal calibration{m.shell, m.instruments};
 };
 
 TEST_F(CableForms, BothPassesGiveTheLoss) {
-  frmCblSetup setup(m.station.shell, m.station.documents, calibration);
-  bool started = false;
-  QObject::connect(&setup, &frmCblSetup::StartRequested, [&] { started = true; });
   calibration.Setup.StopFreq = 0;
-  frmCblSetup fresh(m.station.shell, m.station.documents, calibration);
+  frmCblSetup fresh(m.shell, m.documents, calibration);
   EXPECT_EQ(TextOf(fresh, "txtStartFreq"), "") << "a placeholder is no value";
   EXPECT_EQ(Find<QLineEdit>(fresh, "txtStartFreq").placeholderText(), "Lowest Frequency");
+  Type(fresh, "txtStartFreq", "1");
+  Type(fresh, "txtStopFreq", "2");
+  Type(fresh, "txtLogStep", "50");
+  bool started = false;
+  QObject::connect(&fresh, &frmCblSetup::StartRequested, [&] { started = true; });
   Press(fresh, "cmdStart");
-  EXPECT_EQ(dialogs.LastText(), "Value not a number, re-enter");
-  Find<QLineEdit>(setup, "txtStartFreq").setText("1");
-  Press(setup, "cmdStart");
-  ASSERT_TRUE(started);
+  ASSERT_TRUE(started) << dialogs.LastText();
 
   const auto form = OpenPasses();
   Press(*form, "cmdInsert");
@@ -326,13 +192,17 @@ TEST_F(CableForms, BothPassesGiveTheLoss) {
   EXPECT_NE(Cell(*form, "lvwData", 1, 2), "");
   EXPECT_EQ(Cell(*form, "lvwData", 1, 4), "");
   Press(*form, "cmdInsert");
-  const double loss = std::stod(Cell(*form, "lvwData", 1, 4));
-  EXPECT_NEAR(loss, m.bench.Config().CableUnderTest.At(1.5), 0.1);
-  EXPECT_FALSE(RfIsOn());
-  const std::string file = m.directory.File("cable.los");
-  dialogs.AnswerSave(file);
+  const std::string loss = Cell(*form, "lvwData", 1, 4);
+  EXPECT_NEAR(std::stod(loss), m.bench.Config().CableUnderTest.At(1.5), 0.1);
+  EXPECT_FALSE(m.RfIsOn());
+  dialogs.AnswerSave(m.directory.File("cable.los"));
   Press(*form, "cmdSave");
-  EXPECT_EQ(ReadLines(file).size(), 15U);
+  EXPECT_EQ(LinesOf("cable.los"), 15U);
+
+  m.bench.Inject({.Kind = FaultKind::Absent, .Who = BenchRole::Meter});
+  Press(*form, "cmdDirect");
+  EXPECT_TRUE(dialogs.LastText().ends_with("\r\nError initializing meter"));
+  EXPECT_EQ(Cell(*form, "lvwData", 1, 4), loss) << "a pass that comes to nothing hides no reading";
   EXPECT_TRUE(form->close());
   EXPECT_FALSE(dialogs.WasShownContaining("has not been saved"));
 }
@@ -340,54 +210,133 @@ TEST_F(CableForms, BothPassesGiveTheLoss) {
 TEST_F(CableForms, MeasuredLossIsNotLostByClosing) {
   auto form = OpenPasses();
   Press(*form, "cmdDirect");
+  const std::string reading = Cell(*form, "lvwData", 2, 2);
+  EXPECT_TRUE(form->close());
+  form = OpenPasses();
+  EXPECT_EQ(Cell(*form, "lvwData", 2, 2), reading) << "direct readings wait for their insert pass";
   dialogs.Answer(MessageAnswer::Cancel);
   dialogs.onShow = [&](const Message&) { EXPECT_TRUE(form->AsksToSave()) << "the end of the program takes it away"; };
-  m.When([&] { return TextOf(*form, "lblFreq") == "2.0" && RfIsOn(); }, [&] { form->close(); });
+  m.When([&] { return TextOf(*form, "lblFreq") == "2.0" && m.RfIsOn(); }, [&] { form->close(); });
   Press(*form, "cmdInsert");
   QCoreApplication::processEvents();
-  EXPECT_FALSE(RfIsOn());
+  EXPECT_FALSE(m.RfIsOn());
   EXPECT_TRUE(dialogs.WasShownContaining("has not been saved"));
   EXPECT_TRUE(form->isVisible());
   EXPECT_EQ(Rows(*form, "lvwData"), 3);
   EXPECT_EQ(Cell(*form, "lvwData", 2, 4), "") << "it was halted there";
 
-  const std::string file = m.directory.File("cable.los");
   dialogs.Answer(MessageAnswer::Yes);
-  dialogs.AnswerSave(file);
+  dialogs.AnswerSave(m.directory.File("cable.los"));
   EXPECT_TRUE(form->close());
-  EXPECT_EQ(ReadLines(file).size(), 14U);
+  EXPECT_EQ(LinesOf("cable.los"), 14U);
 }
 
-TEST_F(CableForms, DirectReadingsAreThereWhenTheWindowOpensAgain) {
-  auto form = OpenPasses();
-  Press(*form, "cmdDirect");
-  const std::string reading = Cell(*form, "lvwData", 2, 2);
-  EXPECT_TRUE(form->close());
-  ASSERT_TRUE(calibration.BuildPlan());
-  form = OpenPasses();
-  ASSERT_EQ(Rows(*form, "lvwData"), 3);
-  EXPECT_EQ(Cell(*form, "lvwData", 2, 2), reading);
-  calibration.Setup.StopFreq = 3;
-  dialogs.Answer(MessageAnswer::No);
-  ASSERT_FALSE(calibration.BuildPlan());
-  EXPECT_TRUE(calibration.Points().front().HasDirect());
-  ASSERT_TRUE(calibration.BuildPlan());
-  EXPECT_FALSE(calibration.Points().front().HasDirect());
+/// The calibrations among the program's windows.
+class CalibrationDesktop : public CalForms {
+ protected:
+  void SetUp() override {
+    std::filesystem::copy_file(HYLDEN_SOURCE_DIR "/help/hylden.md", m.directory.File("hylden.hlp"));
+    m.Start();
+  }
+  frmRunCablCal& OpenPasses(frmEquipment& equipment) {
+    Choose(equipment, "mnuUtilInsertLoss");
+    auto& cable = m.Opened<frmCblSetup>();
+    EXPECT_EQ(QApplication::activeModalWidget(), &cable);
+    Type(cable, "txtStartFreq", "1");
+    Type(cable, "txtStopFreq", "2");
+    Type(cable, "txtLogStep", "50");
+    Press(cable, "cmdStart");
+    auto& passes = m.Opened<frmRunCablCal>();
+    // The calibration setup behind it could start a second run on the same generator.
+    EXPECT_EQ(QApplication::activeModalWidget(), &passes);
+    return passes;
+  }
+};
+
+TEST_F(CalibrationDesktop, MainMenuLeadsToARecordAndBack) {
+  m.bench.Connect(MeterAt::Generator);
+  Press(m.desktop->Menu(), "cmdCalibration");
+  Press(m.Opened<frmCalSetup>(), "cmdStart");
+  auto& run = m.Opened<frmRunCal>();
+  EXPECT_EQ(OpenWindow<frmCalSetup>(), nullptr);
+  EXPECT_EQ(m.Cabled(), MeterAt::Port);
+  EXPECT_TRUE(Find<QLabel>(run, "lblBench").isVisible());
+  dialogs.AnswerSave(m.directory.File("whole.cal"));
+  Press(run, "cmdStart");
+  EXPECT_EQ(LinesOf("whole.cal"), 3U);
+  Press(run, "cmdExit");
+  Press(m.Opened<frmCalSetup>(), "cmdExit");
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(m.desktop->Menu().isVisible());
 }
 
-TEST_F(CableForms, PassThatComesToNothingHidesNoReading) {
-  const auto form = OpenPasses();
-  Press(*form, "cmdDirect");
-  Press(*form, "cmdInsert");
-  const std::string loss = Cell(*form, "lvwData", 2, 4);
-  ASSERT_NE(loss, "");
-  m.bench.Inject({.Kind = FaultKind::Absent, .Who = BenchRole::Meter});
-  dialogs.Answer(MessageAnswer::No);  // not to be saved
-  Press(*form, "cmdDirect");
-  EXPECT_TRUE(dialogs.LastText().ends_with("\r\nError initializing meter"));
-  ASSERT_EQ(Rows(*form, "lvwData"), 3);
-  EXPECT_EQ(Cell(*form, "lvwData", 2, 4), loss);
-  EXPECT_TRUE(form->close());
+TEST_F(CalibrationDesktop, MissingCableLossIsMeasuredFromTheModalEquipmentForm) {
+  m.documents.equip.Record.CableLossFile.clear();
+  m.desktop->OpenCalibrationSetup();
+  Press(m.Opened<frmCalSetup>(), "cmdStart");
+  EXPECT_EQ(dialogs.LastText(), "No cable loss file has been selected");
+  auto& equipment = m.Opened<frmEquipment>();
+  EXPECT_EQ(QApplication::activeModalWidget(), &equipment);
+  EXPECT_EQ(Find<QTabWidget>(equipment, "tabSetup").currentIndex(), 1) << "where the tables are";
+  auto& passes = OpenPasses(equipment);
+  Press(passes, "cmdDirect");
+  EXPECT_EQ(m.Cabled(), MeterAt::Generator);
+  Press(passes, "cmdInsert");
+  EXPECT_EQ(m.Cabled(), MeterAt::Cable);
+  dialogs.AnswerSave(m.directory.File("cable.los"));
+  Press(passes, "cmdSave");
+  EXPECT_EQ(LinesOf("cable.los"), 15U);
+  Press(passes, "cmdExit");
+  Press(m.Opened<frmCblSetup>(), "cmdExit");
+  EXPECT_EQ(&m.Opened<frmEquipment>(), &equipment);
+  EXPECT_EQ(QApplication::activeModalWidget(), &equipment);
+}
+
+TEST_F(CalibrationDesktop, HelpBesideAModalRunLeavesHaltInReach) {
+  frmEquipment& equipment = *m.desktop->OpenEquipment(&m.desktop->Menu(), 0, true);
+  auto& passes = OpenPasses(equipment);
+  const std::function<void()> halts[] = {
+      [&] { ClickOnScreen(passes, "cmdHalt"); },
+      [&] { QTest::keyClick(passes.windowHandle(), Qt::Key_Escape); },
+  };
+  for (const auto& halt : halts) {
+    m.WhenRfIsOn([&] { QTest::keyClick(passes.windowHandle(), Qt::Key_F1); });
+    m.When([&] { return OpenWindow<frmHelp>() != nullptr; }, halt);
+    Press(passes, "cmdDirect");
+    EXPECT_FALSE(m.RfIsOn());
+    EXPECT_EQ(m.ActionsLeft(), 0U);
+    EXPECT_EQ(Cell(passes, "lvwData", 0, 2), "") << "it was not halted at its first point";
+  }
+  passes.close();
+  m.Opened<frmCblSetup>().close();
+  m.Opened<frmEquipment>().close();
+  QCoreApplication::processEvents();
+  ClickOnScreen(m.desktop->Menu(), "cmdConfigSys");
+  EXPECT_NE(OpenWindow<frmEquipment>(), nullptr) << "the manual locks nothing";
+  QTest::keyClick(m.Opened<frmHelp>().windowHandle(), Qt::Key_Escape);
+  EXPECT_EQ(OpenWindow<frmHelp>(), nullptr);
+}
+
+TEST_F(CalibrationDesktop, EscapeInTheManualLeavesItsSearchAndThenTheManualButNotTheRun) {
+  m.desktop->OpenCalibrationSetup();
+  Press(m.Opened<frmCalSetup>(), "cmdStart");
+  auto& run = m.Opened<frmRunCal>();
+  m.WhenRfIsOn([&] { QTest::keyClick(&run, Qt::Key_F1); });
+  m.When([&] { return OpenWindow<frmHelp>() != nullptr; },
+         [&] {
+           auto& manual = m.Opened<frmHelp>();
+           auto& search = Find<QLineEdit>(manual, "txtSearch");
+           search.setFocus();
+           QTest::keyClicks(&search, "halt");
+           QTest::keyClick(&search, Qt::Key_Escape);
+           EXPECT_TRUE(search.text().isEmpty() && manual.isVisible());
+           QTest::keyClick(&manual, Qt::Key_Escape);
+           EXPECT_FALSE(manual.isVisible());
+           EXPECT_FALSE(m.shell.delay.HaltRequested());
+           run.PressHalt();
+         });
+  Press(run, "cmdStart");
+  EXPECT_EQ(m.ActionsLeft(), 0U);
 }
 
 }  // namespace

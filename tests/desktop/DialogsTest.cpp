@@ -24,34 +24,24 @@ TEST(FileFilters, OffersEveryKindInBothCases) {
   EXPECT_EQ(DefaultSuffix(""), "");
 }
 
-struct ClosedBox {
-  MessageButtons buttons;
-  MessageAnswer answer;
-};
-
-class ClosedBoxTest : public testing::TestWithParam<ClosedBox> {};
-
-TEST_P(ClosedBoxTest, EscapeIsHaltAndTheCautiousAnswer) {
-  QtDialogs dialogs;
-  int halts = 0;
-  dialogs.onEscape = [&] { ++halts; };
-  OnModalWindow([](QWidget& box) { QTest::keyClick(&box, Qt::Key_Escape); });
-  EXPECT_EQ(dialogs.Show({"Go on?", {}, MessageIcon::Question, GetParam().buttons}), GetParam().answer);
-  EXPECT_EQ(halts, 1);
+TEST(QtDialogs, EscapeIsHaltAndTheCautiousAnswerAndSoIsTheEndOfTheProgramWithoutAHalt) {
+  const std::pair<MessageButtons, MessageAnswer> boxes[] = {{MessageButtons::Ok, MessageAnswer::Ok},
+                                                            {MessageButtons::OkCancel, MessageAnswer::Cancel},
+                                                            {MessageButtons::YesNo, MessageAnswer::No},
+                                                            {MessageButtons::YesNoCancel, MessageAnswer::Cancel},
+                                                            {MessageButtons::RetryCancel, MessageAnswer::Cancel}};
+  for (const auto& [buttons, answer] : boxes) {
+    QtDialogs dialogs;
+    int halts = 0;
+    dialogs.onEscape = [&] { ++halts; };
+    OnModalWindow([](QWidget& box) { QTest::keyClick(&box, Qt::Key_Escape); });
+    EXPECT_EQ(dialogs.Show({"Go on?", {}, MessageIcon::Question, buttons}), answer);
+    EXPECT_EQ(halts, 1);
+    OnModalWindow([&](QWidget&) { dialogs.CloseBoxes(); });
+    EXPECT_EQ(dialogs.Show({"Go on?", {}, MessageIcon::Question, buttons}), answer);
+    EXPECT_EQ(halts, 1);
+  }
 }
-
-TEST_P(ClosedBoxTest, EndOfTheProgramAnswersTheSame) {
-  QtDialogs dialogs;
-  OnModalWindow([&](QWidget&) { dialogs.CloseBoxes(); });
-  EXPECT_EQ(dialogs.Show({"Go on?", {}, MessageIcon::Question, GetParam().buttons}), GetParam().answer);
-}
-
-INSTANTIATE_TEST_SUITE_P(Buttons, ClosedBoxTest,
-                         testing::Values(ClosedBox{MessageButtons::Ok, MessageAnswer::Ok},
-                                         ClosedBox{MessageButtons::OkCancel, MessageAnswer::Cancel},
-                                         ClosedBox{MessageButtons::YesNo, MessageAnswer::No},
-                                         ClosedBox{MessageButtons::YesNoCancel, MessageAnswer::Cancel},
-                                         ClosedBox{MessageButtons::RetryCancel, MessageAnswer::Cancel}));
 
 TEST(QtDialogs, ShowsLinesAndTheProgramsOwnTitle) {
   QtDialogs dialogs;
@@ -80,32 +70,22 @@ TEST(QtDialogs, PointsAtABoxWhileTheProgramIsBusy) {
   EXPECT_EQ(shape(), -1);
 }
 
-class HeldKeyTest : public testing::TestWithParam<Qt::Key> {};
-
-TEST_P(HeldKeyTest, HeldDownFromBeforeAnswersNothing) {
+TEST(QtDialogs, EnterAnswersButNoKeyThatIsHeldDownFromBefore) {
   QtDialogs dialogs;
   int halts = 0;
   dialogs.onEscape = [&] { ++halts; };
   OnModalWindow([](QWidget& window) {
     auto& box = dynamic_cast<QMessageBox&>(window);
-    for (QObject* const target : {static_cast<QObject*>(box.button(QMessageBox::Ok)), static_cast<QObject*>(&box)}) {
-      QKeyEvent held(QEvent::KeyPress, GetParam(), Qt::NoModifier, QString(), true);
-      QCoreApplication::sendEvent(target, &held);
-      EXPECT_TRUE(box.isVisible());
-    }
-    box.button(QMessageBox::Cancel)->click();
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape})
+      for (QObject* const target : {static_cast<QObject*>(box.button(QMessageBox::Ok)), static_cast<QObject*>(&box)}) {
+        QKeyEvent held(QEvent::KeyPress, key, Qt::NoModifier, QString(), true);
+        QCoreApplication::sendEvent(target, &held);
+        EXPECT_TRUE(box.isVisible()) << key;
+      }
+    QTest::keyClick(&box, Qt::Key_Return);
   });
-  EXPECT_EQ(dialogs.Show({"Sure?", {}, MessageIcon::None, MessageButtons::OkCancel}), MessageAnswer::Cancel);
-  EXPECT_EQ(halts, 0);
-}
-
-INSTANTIATE_TEST_SUITE_P(, HeldKeyTest, testing::Values(Qt::Key_Return, Qt::Key_Escape),
-                         [](const auto& row) { return row.param == Qt::Key_Return ? "enter" : "escape"; });
-
-TEST(QtDialogs, EnterAnswers) {
-  QtDialogs dialogs;
-  OnModalWindow([](QWidget& box) { QTest::keyClick(&box, Qt::Key_Return); });
   EXPECT_EQ(dialogs.Show({"Sure?", {}, MessageIcon::None, MessageButtons::OkCancel}), MessageAnswer::Ok);
+  EXPECT_EQ(halts, 0);
 }
 
 TEST(QtDialogs, InputBoxTellsCancelFromEmptyText) {
@@ -168,17 +148,12 @@ TEST(QtDialogs, SavesUnderANameThatCarriesTheKindsEnding) {
   const auto record = saveAs("level 1.5");
   EXPECT_TRUE(record && record->ends_with("level 1.5.cal"));
 
-  QString told;
-  QTimer reader;
-  QObject::connect(&reader, &QTimer::timeout, &reader, [&] {
-    auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-    if (!box) return;
-    told = box->text();
-    box->accept();
+  std::string told;
+  const Someone reader([&](QWidget& modal) {
+    if (auto* const box = qobject_cast<QMessageBox*>(&modal)) told = FromQt(box->text()), box->accept();
   });
-  reader.start(0);
   EXPECT_FALSE(saveAs("what?.cal"));
-  EXPECT_TRUE(told.contains("what?.cal")) << told.toStdString();
+  EXPECT_NE(told.find("what?.cal"), std::string::npos) << told;
 }
 
 /// Where the next file dialog begins; it is answered with the file, or cancelled.

@@ -1,60 +1,43 @@
 // The end of the program, asked for while its windows are busy: boxes give way, RF goes off, and no window closes under
 // a command of its own; a window that stays open refuses the end.
 
-#include <gmock/gmock.h>
-
 #include <QDialog>
+#include <QFileDialog>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
-#include <QSignalSpy>
 #include <csignal>
 
-#include "app/Desktop.h"
 #include "calibration/qt/frmCblSetup.h"
 #include "calibration/qt/frmRunCal.h"
-#include "desktop/RunForms.h"
+#include "desktop/DemoWindows.h"
 #include "documents/qt/frmCalSetup.h"
 #include "documents/qt/frmEquipment.h"
 #include "documents/qt/frmTestDef.h"
 #include "platform/qt/EndSignals.h"
 #include "platform/qt/QtDialogs.h"
-#include "shell/qt/TopMenu.h"
+#include "platform/qt/QtText.h"
+#include "testrun/qt/frmRunTest.h"
 
 namespace hylden {
 namespace {
 
-/// The demo station's program on the bench, with one window of its own open.
-class Program {
+/// The demo station's program with its documents loaded.
+class Program : public DemoWindows {
  public:
-  explicit Program(Dialogs& dialogs, std::function<void()> clearBoxes = {}) : m(dialogs) {
-    DesktopOptions options;
-    options.onEnding = std::move(clearBoxes);
-    desktop = std::make_unique<Desktop>(m.station, options);
-    QObject::connect(desktop.get(), &Desktop::Ended, [this] { ++ended; });
-    EXPECT_TRUE(desktop->Start("\"/e:station.eqp\""));
-    m.LoadTest("substitution-am.tst");
-    EXPECT_TRUE(m.station.documents.calSetup.LoadDef("cdn-10v.csu"));
-    CalSetupRecord& setup = m.station.documents.calSetup.Record;
-    setup.StartFreq = 1, setup.StopFreq = 3, setup.StepType = StepType::Linear;
-    m.station.documents.calSetup.Saved = setup;
+  explicit Program(Dialogs* others = nullptr, std::function<void()> clearBoxes = {}) : DemoWindows(others) {
+    Start({}, std::move(clearBoxes));
+    LoadTest("substitution-am.tst");
   }
-  ~Program() {
-    desktop.reset();
-    Turn();
-  }
-  static void Turn() {
-    for (int i = 0; i < 20; ++i) {
-      QCoreApplication::processEvents();
-      QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-  }
-  EndOfProgram::State End() const { return m.station.shell.end.Now(); }
-  bool RfIsOn() { return m.bench.State().Generator.RfOn; }
+  EndOfProgram::State End() const { return shell.end.Now(); }
   frmEquipment& Equipment() { return *desktop->OpenEquipment(&desktop->Menu()); }
   frmTestDef& TestDefinitionForm() {
     desktop->OpenTestDefinition();
     return *OpenWindow<frmTestDef>();
+  }
+  frmCalSetup& CalibrationSetup() {
+    desktop->OpenCalibrationSetup();
+    return *OpenWindow<frmCalSetup>();
   }
   frmRunTest& TestRun() {
     desktop->OpenTestRun(&desktop->Menu());
@@ -64,10 +47,6 @@ class Program {
     desktop->OpenCalibrationRun(&desktop->Menu());
     return *OpenWindow<frmRunCal>();
   }
-
-  BenchMachine m;
-  std::unique_ptr<Desktop> desktop;
-  int ended = 0;
 };
 
 /// What an operator does, who has a box on the screen, and the boxes that are seen until the program has ended.
@@ -81,39 +60,32 @@ class EndUnderABox : public testing::TestWithParam<BoxCase> {};
 
 TEST_P(EndUnderABox, EndsInOrderAndTakesNoQuestionForAnswered) {
   QtDialogs dialogs;
-  Program p(dialogs, [&] { dialogs.CloseBoxes(); });
-  dialogs.isEnding = [&] { return p.m.station.shell.end.IsAsked(); };
-  std::vector<std::string> boxes;
-  QPointer<QWidget> last;
-  QTimer someone;
-  QObject::connect(&someone, &QTimer::timeout, &someone, [&] {
-    auto* const box = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-    if (!box || box == last) return;
-    last = box;
-    boxes.push_back(box->windowTitle().toStdString());
-    if (boxes.size() == 1) return p.desktop->CloseAll();
-    auto* const question = qobject_cast<QMessageBox*>(box);
+  Program p(&dialogs, [&] { dialogs.CloseBoxes(); });
+  dialogs.isEnding = [&] { return p.shell.end.IsAsked(); };
+  Someone someone([&](QWidget& box) {
+    if (someone.seen.size() == 1) return p.desktop->CloseAll();
+    auto* const question = qobject_cast<QMessageBox*>(&box);
     QAbstractButton* const no = question ? question->button(QMessageBox::No) : nullptr;
-    no ? no->click() : box->reject();
+    no ? no->click() : dynamic_cast<QDialog&>(box).reject();
   });
-  someone.start(0);
   GetParam().act(p);
-  Program::Turn();
-  EXPECT_EQ(boxes, GetParam().boxes);
+  Turn();
+  EXPECT_EQ(someone.seen, GetParam().boxes);
   EXPECT_EQ(p.ended, 1);
   EXPECT_EQ(OpenWindow<QWidget>(), nullptr);
   EXPECT_FALSE(p.RfIsOn());
+}
+
+void TypeAndClose(WorkingForm& form, const char* box) {
+  Type(form, box, "9");
+  form.close();
 }
 
 INSTANTIATE_TEST_SUITE_P(
     , EndUnderABox,
     testing::Values(
         BoxCase{"equipment_closing",
-                [](Program& p) {
-                  frmEquipment& form = p.Equipment();
-                  Type(form, "txtSigGenAddr", "9");
-                  form.close();
-                },
+                [](Program& p) { TypeAndClose(p.Equipment(), "txtSigGenAddr"); },
                 {"Save Equipment", "Save Equipment"}},
         BoxCase{"equipment_loading",
                 [](Program& p) {
@@ -125,25 +97,17 @@ INSTANTIATE_TEST_SUITE_P(
         BoxCase{
             "equipment_directory", [](Program& p) { Choose(p.Equipment(), "mnuFileOptCalDir"); }, {"Select Directory"}},
         BoxCase{"test_definition_closing",
-                [](Program& p) {
-                  frmTestDef& form = p.TestDefinitionForm();
-                  Type(form, "txtStartFreq", "9");
-                  form.close();
-                },
+                [](Program& p) { TypeAndClose(p.TestDefinitionForm(), "txtStartFreq"); },
                 {"Save Test Definition", "Save Test Definition"}},
         BoxCase{"test_definition_start_without_its_station",
                 [](Program& p) {
-                  p.m.station.documents.equip.Record.SigGenFile.clear();
-                  p.m.station.documents.equip.Saved = p.m.station.documents.equip.Record;
+                  p.documents.equip.Record.SigGenFile.clear();
+                  p.documents.equip.Saved = p.documents.equip.Record;
                   Press(p.TestDefinitionForm(), "cmdStart");
                 },
                 {"Hylden"}},
         BoxCase{"calibration_setup_closing",
-                [](Program& p) {
-                  p.desktop->OpenCalibrationSetup();
-                  Type(*OpenWindow<frmCalSetup>(), "txtStartFreq", "2");
-                  OpenWindow<frmCalSetup>()->close();
-                },
+                [](Program& p) { TypeAndClose(p.CalibrationSetup(), "txtStopFreq"); },
                 {"Save Calibration Setup", "Save Calibration Setup"}},
         BoxCase{"cable_setup_list",
                 [](Program& p) {
@@ -157,42 +121,40 @@ INSTANTIATE_TEST_SUITE_P(
 
 class EndOfTheProgram : public testing::Test {
  protected:
-  FakeDialogs dialogs;
-  Program p{dialogs};
+  Program p;
+  FakeDialogs& dialogs = p.dialogs;
 };
 
 TEST_F(EndOfTheProgram, ComesBehindACommandNotBetweenItsBoxes) {
   const QPointer<frmEquipment> form = &p.Equipment();
   Type(*form, "txtSigGenAddr", "9");
-  for (int i = 0; i < 2; ++i) dialogs.Answer(i == 0 ? MessageAnswer::No : MessageAnswer::Ok);
-  dialogs.Answer(MessageAnswer::No);
-  std::size_t boxes = 0;
+  for (const MessageAnswer answer : {MessageAnswer::No, MessageAnswer::Ok, MessageAnswer::No}) dialogs.Answer(answer);
   dialogs.onShow = [&](const Message&) {
-    if (++boxes == 1) p.desktop->CloseAll();
-    Program::Turn();
-    ASSERT_TRUE(form && form->isVisible()) << boxes;
+    if (dialogs.messages.size() == 1) p.desktop->CloseAll();
+    Turn();
+    ASSERT_TRUE(form && form->isVisible()) << dialogs.messages.size();
   };
-  form->LoadFile(QString::fromStdString(p.m.directory.Write("half.eqp", "other.sg\r\n 3 \r\n")));
-  EXPECT_EQ(boxes, 2U) << "the question, and what is wrong with the file";
-  Program::Turn();
-  EXPECT_EQ(boxes, 3U) << "the question of the end";
+  form->LoadFile(QString::fromStdString(p.directory.Write("half.eqp", "other.sg\r\n 3 \r\n")));
+  EXPECT_EQ(dialogs.messages.size(), 2U) << "the question, and what is wrong with the file";
+  Turn();
+  EXPECT_EQ(dialogs.messages.size(), 3U) << "the question of the end";
   EXPECT_EQ(p.ended, 1);
 }
 
 TEST_F(EndOfTheProgram, StartsNothingThatIsConfirmedMeanwhile) {
   frmRunTest& form = p.TestRun();
-  const int calls = p.m.driver.Calls();
+  const int calls = p.driver.Calls();
   dialogs.onShow = [&](const Message& message) {
     if (message.title == "MAKE SURE!!!") p.desktop->CloseAll();
   };
   Press(form, "cmdRun");  // OK
   EXPECT_EQ(form.Engine().Outcome(), RunOutcome::NotRun);
-  EXPECT_EQ(p.m.driver.Calls(), calls) << "the bus was touched";
+  EXPECT_EQ(p.driver.Calls(), calls) << "the bus was touched";
   Press(form, "cmdRun");
   EXPECT_EQ(dialogs.messages.size(), 1U);
   Press(p.desktop->Menu(), "cmdConfigSys");
   EXPECT_EQ(OpenWindow<frmEquipment>(), nullptr);
-  Program::Turn();
+  Turn();
   EXPECT_EQ(p.ended, 1);
 }
 
@@ -207,14 +169,14 @@ class EndInARun : public EndOfTheProgram, public testing::WithParamInterface<Run
  protected:
   void RunAndEndIt() {
     WorkingForm& form = GetParam().open(p);
-    p.m.When([&] { return p.RfIsOn() && TextOf(form, "lblStep").ends_with("2"); },
-             [&] {
-               p.desktop->CloseAll();
-               EXPECT_FALSE(p.RfIsOn());
-             });
+    p.When([&] { return p.RfIsOn() && TextOf(form, "lblStep").ends_with("2"); },
+           [&] {
+             p.desktop->CloseAll();
+             EXPECT_FALSE(p.RfIsOn());
+           });
     Press(form, GetParam().start);
-    EXPECT_EQ(p.m.ActionsLeft(), 0U);
-    Program::Turn();
+    EXPECT_EQ(p.ActionsLeft(), 0U);
+    Turn();
   }
 };
 
@@ -225,14 +187,9 @@ TEST_P(EndInARun, IsRefusedByASaveThatIsCancelledAndTheProgramRunsAsBefore) {
   EXPECT_EQ(dialogs.LastText(),
             "The program was asked to end, but this window stays open:\r\n" + form.windowTitle().toStdString());
   dialogs.Answer(MessageAnswer::No);  // the rows may go
-  bool again = false;
-  p.m.When([&] { return p.RfIsOn(); },
-           [&] {
-             again = true;
-             emit p.desktop->EscapePressed();
-           });
+  p.WhenRfIsOn([&] { emit p.desktop->EscapePressed(); });
   Press(form, GetParam().start);
-  EXPECT_TRUE(again);
+  EXPECT_EQ(p.ActionsLeft(), 0U);
   // A save that was missed before is asked about again.
   dialogs.Answer(MessageAnswer::Ok);
   dialogs.Answer(MessageAnswer::No);
@@ -240,7 +197,7 @@ TEST_P(EndInARun, IsRefusedByASaveThatIsCancelledAndTheProgramRunsAsBefore) {
     if (message.text == "Busy") p.desktop->CloseAll();
   };
   form.Guard("cmdX", [&] { dialogs.Tell("Busy"); });
-  Program::Turn();
+  Turn();
   EXPECT_EQ(p.ended, 1);
 }
 
@@ -259,25 +216,41 @@ INSTANTIATE_TEST_SUITE_P(
                     RunCase{"calibration", [](Program& p) -> WorkingForm& { return p.Calibration(); }, "cmdStart"}),
     [](const auto& row) { return std::string(row.param.name); });
 
+TEST_F(EndOfTheProgram, AskedTwiceKeepsTheQuestionWhetherToSaveStanding) {
+  dialogs.AnswerSave(p.directory.File("ended.run"));
+  frmRunTest& form = p.TestRun();
+  dialogs.onShow = [&](const Message& message) {
+    if (message.title != "Save Run Data") return;
+    p.desktop->CloseAll();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(form.isVisible()) << "its data would be gone";
+  };
+  p.WhenRfIsOn([&] { p.desktop->CloseAll(); });
+  Press(form, "cmdRun");
+  EXPECT_TRUE(p.directory.Exists("ended.run"));
+  Turn();
+  EXPECT_EQ(p.ended, 1);
+}
+
 class SignalInARun : public EndOfTheProgram, public testing::WithParamInterface<int> {};
 
 TEST_P(SignalInARun, EndsOnlyInOrderWithRfOffOrNotAtAll) {
   const bool stops = GetParam() == SIGHUP || GetParam() == SIGQUIT || GetParam() == SIGPWR || GetParam() == SIGTERM;
   const EndSignals watch([this] { p.desktop->CloseAll(); });
   frmRunTest& form = p.TestRun();
-  dialogs.AnswerSave(p.m.directory.File("kept.run"));
-  p.m.When([&] { return TextOf(form, "lblStep") == "Step# 3" && p.RfIsOn(); }, [] { raise(GetParam()); });
-  p.m.When([] { return true; },
-           [&] {
-             EXPECT_EQ(p.RfIsOn(), !stops) << "at once";
-             EXPECT_EQ(p.m.station.shell.delay.HaltRequested(), stops);
-             form.PressHalt();
-           });
+  dialogs.AnswerSave(p.directory.File("kept.run"));
+  p.When([&] { return TextOf(form, "lblStep") == "Step# 3" && p.RfIsOn(); }, [] { raise(GetParam()); });
+  p.When([] { return true; },
+         [&] {
+           EXPECT_EQ(p.RfIsOn(), !stops) << "at once";
+           EXPECT_EQ(p.shell.delay.HaltRequested(), stops);
+           form.PressHalt();
+         });
   Press(form, "cmdRun");
-  EXPECT_EQ(p.m.ActionsLeft(), 0U);
-  Program::Turn();
+  EXPECT_EQ(p.ActionsLeft(), 0U);
+  Turn();
   EXPECT_FALSE(p.RfIsOn());
-  EXPECT_TRUE(p.m.directory.Exists("kept.run"));
+  EXPECT_TRUE(p.directory.Exists("kept.run"));
   EXPECT_EQ(p.ended, stops ? 1 : 0);
 }
 
@@ -287,13 +260,13 @@ INSTANTIATE_TEST_SUITE_P(, SignalInARun,
                          [](const auto& row) { return std::string(sigabbrev_np(row.param)); });
 
 TEST_F(EndOfTheProgram, AskedForInABoxOfAWindowThatOpensLeavesItShut) {
-  p.m.station.documents.calSetup.Record.CouplingMethod = CouplingMethod{9};
+  p.documents.calSetup.Record.CouplingMethod = CouplingMethod{9};
   dialogs.onShow = [&](const Message&) {
     p.desktop->CloseAll();
-    Program::Turn();
+    Turn();
   };
   p.desktop->OpenCalibrationSetup();
-  Program::Turn();
+  Turn();
   EXPECT_FALSE(dialogs.messages.empty());
   EXPECT_EQ(OpenWindow<QWidget>(), nullptr);
   EXPECT_EQ(p.ended, 1);
@@ -304,7 +277,7 @@ TEST_F(EndOfTheProgram, CommandThatFailsIsReportedWhereverItWasStarted) {
     using WorkingForm::WorkingForm;
     bool QueryUnload() override { throw RuntimeError(ErrorNumber::DiskFull); }
   };
-  auto* const form = new Failing(p.m.station.shell);
+  auto* const form = new Failing(p.shell);
   form->setObjectName("frmX");
   p.desktop->Open(form, &p.desktop->Menu());
   form->Guard("cmdY", [] { throw std::logic_error("never"); });
@@ -312,6 +285,82 @@ TEST_F(EndOfTheProgram, CommandThatFailsIsReportedWhereverItWasStarted) {
   EXPECT_FALSE(form->close());
   EXPECT_TRUE(dialogs.LastText().starts_with("Error # 61\r")) << dialogs.LastText();
   EXPECT_FALSE(form->IsBusy());
+}
+
+TEST_F(EndOfTheProgram, EntryThatCanNotBeTakenOrIsThoughtAboutRefusesItAndTheFormWorksAsBefore) {
+  frmEquipment& form = p.Equipment();
+  Type(form, "txtSigGenAddr", "99");
+  p.desktop->CloseAll();
+  EXPECT_TRUE(p.shell.delay.HaltRequested());
+  Turn();
+  EXPECT_EQ(dialogs.Texts(), (std::vector<std::string>{"Number outside valid range, re-enter",
+                                                       "The program was asked to end, but this window stays open:\r\n" +
+                                                           form.windowTitle().toStdString()}));
+  EXPECT_EQ(p.End(), EndOfProgram::State::Refused);
+  Type(form, "txtSigGenAddr", "9");
+  dialogs.Answer(MessageAnswer::Cancel);
+  p.desktop->CloseAll();
+  Turn();
+  EXPECT_TRUE(form.isVisible());
+  EXPECT_EQ(p.End(), EndOfProgram::State::Refused);
+  dialogs.Answer(MessageAnswer::No);
+  form.close();
+  Turn();
+  EXPECT_EQ(p.ended, 0);
+  EXPECT_TRUE(p.desktop->Menu().isVisible());
+  EXPECT_EQ(p.documents.equip.Record.SigGenAddress, 9) << "kept in the session as before";
+}
+
+/// The program on real boxes.
+class RealBoxes : public testing::Test {
+ protected:
+  RealBoxes() {
+    p.Start(" \"/t:substitution-am.tst\"");
+    Press(*OpenWindow<frmTestDef>(), "cmdStart");
+    EXPECT_EQ(OpenWindow<frmTestDef>(), nullptr) << "the form that opened it is hidden";
+  }
+  QtDialogs dialogs;
+  DemoWindows p{&dialogs};
+};
+
+TEST_F(RealBoxes, CommandLineLeadsToSavedRunDataAndBack) {
+  frmRunTest& form = *OpenWindow<frmRunTest>();
+  EXPECT_TRUE(Find<QLabel>(form, "lblBench").isVisible());
+  const Someone someone([&](QWidget& modal) {
+    if (auto* const box = qobject_cast<QMessageBox*>(&modal)) return box->buttons().front()->click();
+    dynamic_cast<QFileDialog&>(modal).selectFile(ToQt(p.directory.File("whole.run")));
+    QMetaObject::invokeMethod(&modal, "accept", Qt::DirectConnection);
+  });
+  Press(form, "cmdRun");
+  EXPECT_THAT(someone.seen, testing::ElementsAre("MAKE SURE!!!", "Save Run Data", "Select run file"));
+  EXPECT_EQ(form.Engine().Outcome(), RunOutcome::Finished);
+  EXPECT_EQ(p.directory.Read("whole.run"), RunFileText(form.Engine().Data(), false));
+  Press(form, "cmdExit");
+  Turn();
+  EXPECT_EQ(OpenWindow<frmRunTest>(), nullptr);
+  EXPECT_NE(OpenWindow<frmTestDef>(), nullptr);
+}
+
+TEST_F(RealBoxes, EscapeInOneHaltsTheRun) {
+  dialogs.onEscape = [&] { p.desktop->EscapeInBox(); };
+  ASSERT_TRUE(OpenWindow<frmRunTest>()->close());
+  Turn();
+  p.Test().SweepDwell = 0;
+  p.desktop->OpenTestRun(&p.desktop->Menu());
+  frmRunTest& run = *OpenWindow<frmRunTest>();
+  bool halted = false;
+  const Someone someone([&](QWidget& modal) {
+    auto& box = dynamic_cast<QMessageBox&>(modal);
+    if (box.windowTitle() != "Wait for user")
+      return box.button(box.windowTitle() == "MAKE SURE!!!" ? QMessageBox::Ok : QMessageBox::No)->click();
+    EXPECT_TRUE(p.RfIsOn());
+    QTest::keyClick(&box, Qt::Key_Escape);
+    halted = p.shell.delay.HaltRequested();
+  });
+  Press(run, "cmdRun");
+  EXPECT_TRUE(halted);
+  EXPECT_FALSE(p.RfIsOn());
+  EXPECT_EQ(run.Engine().Data().Entries().size(), 1u);
 }
 
 }  // namespace

@@ -1,154 +1,59 @@
-#include <gtest/gtest.h>
-
-#include <QCheckBox>
-#include <QMenu>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QSignalSpy>
-#include <QTabWidget>
-#include <QTest>
-
-#include "app/Station.h"
-#include "desktop/FormDriver.h"
-#include "documents/Documents.h"
 #include "documents/qt/frmEquipment.h"
-#include "instruments/Instruments.h"
-#include "support/ScriptedBus.h"
-#include "support/TestShell.h"
+
+#include <QMenu>
+#include <QSignalSpy>
+
+#include "desktop/DemoWindows.h"
 #include "text/RecordFile.h"
-#include "widgets/PathLabel.h"
 
 namespace hylden {
 namespace {
 
-constexpr char kTable[] = "0.15 0.1\r\n80 0.5\r\n";
-
-class EquipmentFormTest : public testing::Test {
+class EquipmentForm : public DemoWindowsTest {
  protected:
-  EquipmentFormTest() {
-    SigGenDefinition generator;
-    generator.InstrumentName = "Demo generator";
-    generator.Address = 18;
-    SaveRecord(t.directory.File("gen.sg"), generator);
-    PowerMeterDefinition powerMeter;
-    powerMeter.InstrumentName = "Demo power meter";
-    SaveRecord(t.directory.File("power.pm"), powerMeter);
-    documents.equip.Record.SigGenFile = t.directory.File("gen.sg");
-    documents.equip.Record.SigGenAddress = 19;
-    documents.equip.Record.PwrMtrFile = t.directory.File("power.pm");
-    documents.equip.Record.PwrMtrAddress = 13;
-    documents.equip.Record.IfiBandSwitch = 220;
-    documents.equip.Saved = documents.equip.Record;
-  }
-
-  frmEquipment& Open() {
-    station.LoadDefinitions();
-    form = std::make_unique<frmEquipment>(t.shell, instruments, documents.equip);
-    QObject::connect(form.get(), &frmEquipment::StationLoaded, [this] { station.LoadDefinitions(); });
-    QObject::connect(form.get(), &frmEquipment::EntriesTaken, [this] { station.TakeAddresses(); });
-    form->show();
-    QApplication::setActiveWindow(form.get());
-    return *form;
-  }
-  EquipRecord& Record() { return documents.equip.Record; }
-
-  ScriptedBus bus;
-  TestShell t{bus};
-  Station station{t.shell};
-  Instruments& instruments = station.instruments;
-  Documents& documents = station.documents;
-  std::unique_ptr<frmEquipment> form;
+  void SetUp() override { m.Start(); }
+  frmEquipment& Open() { return *m.desktop->OpenEquipment(&m.desktop->Menu()); }
+  EquipRecord& Record() { return m.documents.equip.Record; }
 };
 
-TEST_F(EquipmentFormTest, ShowsTheStation) {
+TEST_F(EquipmentForm, ShowsTheStationAndMarksWhatDoesNotLoad) {
+  Record().SigGenAddress = 19;
+  Record().MeterFile = m.directory.File("missing.mtr");
+  Record().PwrMtrFile.clear();
+  Record().CableLossFile = "/lab/cable.los";
   Record().AmpConfiguration = AmpConfig::DualSplit;
   Record().AmplifierType = AmpType::Ifi;
   Record().IfiPower = true;
-  Record().CableLossFile = "/lab/cable.los";
   frmEquipment& f = Open();
-  EXPECT_EQ(Find<PathLabel>(f, "lblSigGen").Path(), Record().SigGenFile);
-  EXPECT_EQ(Find<PathLabel>(f, "lblSigGen").toolTip(), "Demo generator");
+  EXPECT_EQ(PathOf(f, "lblSigGen"), Record().SigGenFile);
+  EXPECT_EQ(Find<PathLabel>(f, "lblSigGen").toolTip().toStdString(), m.instruments.sigGen.InstrumentName());
   EXPECT_EQ(TextOf(f, "txtSigGenAddr"), "19");
-  EXPECT_EQ(TextOf(f, "txtMeterAddr"), "") << "no meter, no address";
-  EXPECT_EQ(TextOf(f, "txtPmBandSwitchFreq"), "220");
-  EXPECT_EQ(Find<PathLabel>(f, "lblCalCable").Path(), "/lab/cable.los");
-  EXPECT_TRUE(Find<QRadioButton>(f, "optDualSplit").isChecked());
-  EXPECT_TRUE(Find<QRadioButton>(f, "optIFIAmp").isChecked());
-  EXPECT_TRUE(Find<QCheckBox>(f, "chkIfiPwr").isChecked());
-  EXPECT_EQ(instruments.sigGen.Address(), 19) << "the station's address rules";
-}
+  EXPECT_EQ(m.instruments.sigGen.Address(), 19) << "the station's address rules";
+  EXPECT_EQ(TextOf(f, "txtPwrMtrAddr"), "") << "no power meter, no address";
+  EXPECT_EQ(PathOf(f, "lblCalCable"), "/lab/cable.los");
+  EXPECT_TRUE(IsTicked(f, "optDualSplit") && IsTicked(f, "optIFIAmp") && IsTicked(f, "chkIfiPwr"));
 
-TEST_F(EquipmentFormTest, MarksAnInstrumentWhoseDefinitionDoesNotLoad) {
-  Record().MeterFile = t.directory.File("missing.mtr");
-  frmEquipment& f = Open();
   const PathLabel& meter = Find<PathLabel>(f, "lblMeter");
-  EXPECT_TRUE(meter.font().strikeOut());
-  EXPECT_TRUE(meter.toolTip().contains("could not be loaded"));
+  EXPECT_TRUE(meter.font().strikeOut() && meter.toolTip().contains("could not be loaded"));
   EXPECT_EQ(meter.Path(), Record().MeterFile);
   EXPECT_FALSE(Find<PathLabel>(f, "lblSigGen").font().strikeOut());
-  Find<QAbstractButton>(f, "cmdNoMeter").click();
+  Press(f, "cmdNoMeter");
   EXPECT_FALSE(meter.font().strikeOut());
 }
 
-struct AddressCase {
-  const char* text;
-  const char* message;
-};
-
-class AddressTest : public EquipmentFormTest, public testing::WithParamInterface<AddressCase> {};
-
-TEST_P(AddressTest, WrongAddressKeepsTheFormOpenAndTheOldAddress) {
+TEST_F(EquipmentForm, EveryBoxThatHoldsNoNumberIsPointedOutAndTheOldOneStays) {
+  Record().AmplifierType = AmpType::Ifi;
   frmEquipment& f = Open();
-  f.ShowTab(2);
-  Find<QLineEdit>(f, "txtSigGenAddr").setText(GetParam().text);
+  EXPECT_EQ(ExpectPointedOut(dialogs, f, Record(), "mnuUtilInsertLoss"), 4U);
+  Type(f, "txtSigGenAddr", "31");
   EXPECT_FALSE(f.close());
-  EXPECT_TRUE(f.isVisible());
-  EXPECT_EQ(t.dialogs.LastText(), GetParam().message);
-  EXPECT_EQ(QApplication::focusWidget(), &Find<QLineEdit>(f, "txtSigGenAddr"));
-  EXPECT_EQ(Find<QLineEdit>(f, "txtSigGenAddr").selectedText(), GetParam().text);
-  EXPECT_EQ(Record().SigGenAddress, 19);
+  EXPECT_EQ(dialogs.LastText(), "Number outside valid range, re-enter");
+  EXPECT_EQ(Record().SigGenAddress, 18);
 }
 
-INSTANTIATE_TEST_SUITE_P(Texts, AddressTest,
-                         testing::Values(AddressCase{"31", "Number outside valid range, re-enter"},
-                                         AddressCase{"-1", "Number outside valid range, re-enter"},
-                                         AddressCase{"1e99", "Number outside valid range, re-enter"},
-                                         AddressCase{"abc", "Value not a number, re-enter"},
-                                         AddressCase{"", "Value not a number, re-enter"}));
-
-TEST_F(EquipmentFormTest, ClosingAppliesAndShowsTheCaller) {
-  QWidget caller;
+TEST_F(EquipmentForm, ChoicesAreStoredAtOnceAndRuleTheirControls) {
   frmEquipment& f = Open();
-  f.OpenFrom(&caller);
-  Type(f, "txtSigGenAddr", "30");
-  QSignalSpy unloaded(&f, &WorkingForm::Unloaded);
-  t.dialogs.Answer(MessageAnswer::No);
-  EXPECT_TRUE(f.close());
-  EXPECT_TRUE(caller.isVisible());
-  EXPECT_EQ(unloaded.count(), 1);
-  EXPECT_EQ(Record().SigGenAddress, 30);
-  EXPECT_EQ(instruments.sigGen.Address(), 30);
-}
-
-TEST_F(EquipmentFormTest, AmplifierBandSwitchRulesThePowerMeters) {
-  frmEquipment& f = Open();
-  f.ShowTab(2);
-  Press(f, "optIFIAmp");
-  Type(f, "txtIfiBandSwitch", "215");
-  EXPECT_TRUE(f.ApplyEquipment());
-  EXPECT_EQ(instruments.pm.Bandswitch(), 215);
-  EXPECT_EQ(Record().PmBandSwitch, 215);
-  for (const char* wrong : {"199.9", "230.1"}) {
-    f.ShowTab(0);
-    Find<QLineEdit>(f, "txtIfiBandSwitch").setText(wrong);
-    EXPECT_FALSE(f.close()) << wrong;
-    EXPECT_EQ(Find<QTabWidget>(f, "tabSetup").currentIndex(), 2);
-  }
-}
-
-TEST_F(EquipmentFormTest, ChoicesAreStoredAtOnceAndRuleTheirControls) {
-  frmEquipment& f = Open();
-  const auto enabled = [&](const char* name) { return Find<QWidget>(f, name).isEnabled(); };
+  const auto enabled = [&](const char* name) { return IsEnabled(f, name); };
   Press(f, "optDualFwdRev");
   EXPECT_TRUE(Record().Is(AmpConfig::DualFwdRev));
   EXPECT_FALSE(enabled("lblBandSwitchFreq"));
@@ -166,71 +71,62 @@ TEST_F(EquipmentFormTest, ChoicesAreStoredAtOnceAndRuleTheirControls) {
   EXPECT_FALSE(enabled("chkIfiPwr") || enabled("chkIfiAtten") || enabled("txtIfiBandSwitch"));
 }
 
-TEST_F(EquipmentFormTest, SelectedDefinitionBringsItsNameAndAddress) {
+TEST_F(EquipmentForm, DefinitionIsTakenWithItsNameAndAddressWhenItLoads) {
+  const std::string broken = m.directory.Write("broken.mtr", "Half a meter\r\n5\r\n"), before = Record().MeterFile;
+  frmEquipment& f = Open();
+  Type(f, "txtMeterAddr", "7");
+  Press(f, "cmdMeter");  // cancelled
+  dialogs.AnswerOpen(broken);
+  EXPECT_EQ(Told(dialogs, f, "cmdMeter").size(), 1u);
+  EXPECT_EQ(Record().MeterFile, before);
+  EXPECT_EQ(TextOf(f, "txtMeterAddr"), "7");
   MeterDefinition meter;
   meter.InstrumentName = "Demo analyser";
   meter.Address = 20;
-  SaveRecord(t.directory.File("analyser.mtr"), meter);
-  frmEquipment& f = Open();
-  t.dialogs.AnswerOpen(t.directory.File("analyser.mtr"));
+  SaveRecord(m.directory.File("good.mtr"), meter);
+  dialogs.AnswerOpen(m.directory.File("good.mtr"));
   Choose(f, "mnuInstSelMeter");
-  EXPECT_EQ(t.dialogs.openRequests.back().title, "Select meter definition file");
-  EXPECT_EQ(Record().MeterFile, t.directory.File("analyser.mtr"));
+  EXPECT_EQ(dialogs.openRequests.back().title, "Select meter definition file");
+  EXPECT_EQ(Record().MeterFile, m.directory.File("good.mtr"));
   EXPECT_EQ(TextOf(f, "txtMeterAddr"), "20");
   EXPECT_EQ(Find<PathLabel>(f, "lblMeter").toolTip(), "Demo analyser");
 }
 
-TEST_F(EquipmentFormTest, CancelledOrBrokenDefinitionLeavesTheOldOne) {
-  const std::string before = Record().SigGenFile;
+TEST_F(EquipmentForm, EveryTableIsTakenWhenItLoadsAndCanBeGivenUp) {
+  const struct {
+    const char *button, *entry, *clear, *label, *filter;
+    std::string EquipRecord::*file;
+  } tables[] = {{"cmdCalCable", "mnuFactorsSelectCalCable", "cmdNoCalCable", "lblCalCable",
+                 "Cable Loss File (*.los)|*.los", &EquipRecord::CableLossFile},
+                {"cmdFwdPort", "mnuFactorsSelectFwdPort", "cmdNoFwdPort", "lblFwdPort", "Factor File (*.fac)|*.fac",
+                 &EquipRecord::FwdPortFile},
+                {"cmdRevPort", "mnuFactorsSelectRevPort", "cmdNoRevPort", "lblRevPort", "Factor File (*.fac)|*.fac",
+                 &EquipRecord::RevPortFile},
+                {"cmdMaxPower", "mnuFactorsSelectMaxPower", "cmdNoMaxPower", "lblMaxPower",
+                 "Amp Power File (*.pwr)|*.pwr", &EquipRecord::MaxPowerFile},
+                {"cmdProbe", "mnuFactorsSelectProbe", "cmdNoProbe", "lblProbeFile", "Probe File (*.prb)|*.prb",
+                 &EquipRecord::ProbeFile}};
+  const std::string good = m.directory.Write("good", "0.15 0.1\r\n80 0.5\r\n"),
+                    junk = m.directory.Write("junk", "no table\r\n");
   frmEquipment& f = Open();
-  Type(f, "txtSigGenAddr", "7");
-  Press(f, "cmdSigGen");
-  t.dialogs.AnswerOpen(t.directory.Write("broken.sg", "Half a generator\r\n5\r\n"));
-  Press(f, "cmdSigGen");
-  EXPECT_EQ(t.dialogs.messages.size(), 1u);
-  EXPECT_EQ(Record().SigGenFile, before);
-  EXPECT_EQ(TextOf(f, "txtSigGenAddr"), "7");
-  EXPECT_EQ(instruments.sigGen.InstrumentName(), "Demo generator");
+  for (const auto& table : tables) {
+    SCOPED_TRACE(table.button);
+    dialogs.AnswerOpen(good);
+    EXPECT_THAT(Told(dialogs, f, table.button), testing::IsEmpty());
+    EXPECT_EQ(dialogs.openRequests.back().filter, table.filter);
+    dialogs.AnswerOpen(junk);
+    EXPECT_EQ(Told(dialogs, f, table.entry).size(), 1u);
+    EXPECT_EQ(Record().*table.file, good);
+    EXPECT_EQ(PathOf(f, table.label), good);
+    Press(f, table.clear);
+    EXPECT_TRUE(f.ApplyEquipment());
+    EXPECT_EQ(Record().*table.file, "");
+  }
 }
 
-TEST_F(EquipmentFormTest, TableIsTakenOnlyWhenItLoads) {
+TEST_F(EquipmentForm, RecentFilesSayThatAPathIsTooLongForThem) {
   frmEquipment& f = Open();
-  const std::string good = t.directory.Write("port.fac", kTable);
-  t.dialogs.AnswerOpen(good);
-  Press(f, "cmdFwdPort");
-  EXPECT_EQ(t.dialogs.openRequests.back().filter, "Factor File (*.fac)|*.fac");
-  EXPECT_EQ(Record().FwdPortFile, good);
-  t.dialogs.AnswerOpen(t.directory.Write("junk.fac", "no table\r\n"));
-  Choose(f, "mnuFactorsSelectFwdPort");
-  EXPECT_EQ(Record().FwdPortFile, good);
-  EXPECT_EQ(Find<PathLabel>(f, "lblFwdPort").Path(), good);
-  EXPECT_EQ(t.dialogs.messages.size(), 1u);
-  Press(f, "cmdNoFwdPort");
-  EXPECT_TRUE(f.ApplyEquipment());
-  EXPECT_EQ(Record().FwdPortFile, "");
-}
-
-TEST_F(EquipmentFormTest, SavedStationLoadsAgainThroughRecentFiles) {
-  frmEquipment& f = Open();
-  Type(f, "txtSigGenAddr", "5");
-  t.dialogs.AnswerSave(t.directory.File("lab.eqp"));
-  Choose(f, "mnuEquipFileSave");
-  EXPECT_EQ(f.windowTitle().toStdString(), "Equipment File: " + t.directory.File("lab.eqp"));
-  EXPECT_EQ(Find<QAction>(f, "mnuEquipFileSave").text(), "&Save lab.eqp");
-  Record() = EquipRecord();
-  f.ShowChanges();
-  EXPECT_EQ(TextOf(f, "txtSigGenAddr"), "");
-  auto& recent = Find<QMenu>(f, "mnuFileRecent");
-  emit recent.aboutToShow();
-  ASSERT_EQ(recent.actions().size(), 1);
-  t.dialogs.Answer(MessageAnswer::No);
-  recent.actions().first()->trigger();
-  EXPECT_EQ(TextOf(f, "txtSigGenAddr"), "5");
-}
-
-TEST_F(EquipmentFormTest, RecentFilesSayThatAPathIsTooLongForThem) {
-  frmEquipment& f = Open();
-  const std::string path = t.directory.Write(std::string(120, 'd') + "/lab.eqp", "");
+  const std::string path = m.directory.Write(std::string(120, 'd') + "/lab.eqp", "");
   SaveRecord(path, Record());
   f.LoadFile(QString::fromStdString(path));
   auto& recent = Find<QMenu>(f, "mnuFileRecent");
@@ -238,89 +134,18 @@ TEST_F(EquipmentFormTest, RecentFilesSayThatAPathIsTooLongForThem) {
   EXPECT_EQ(recent.actions().last()->text(), "A path of more than 127 characters can't be kept here");
 }
 
-TEST_F(EquipmentFormTest, InvalidEntryIsNotSaved) {
+TEST_F(EquipmentForm, CableCalibrationNeedsGeneratorAndMeter) {
+  Record().MeterFile.clear();
   frmEquipment& f = Open();
-  Type(f, "txtSigGenAddr", "99");
-  t.dialogs.AnswerSave(t.directory.File("lab.eqp"));
-  Choose(f, "mnuEquipFileSaveAs");
-  EXPECT_FALSE(t.directory.Exists("lab.eqp"));
-  EXPECT_EQ(f.windowTitle(), "Equipment File: *");
-}
-
-TEST_F(EquipmentFormTest, VanishedFileLeavesTheStationAsItWas) {
-  frmEquipment& f = Open();
-  t.dialogs.AnswerOpen(t.directory.File("gone.eqp"));
-  Choose(f, "mnuEquipFileLoad");
-  EXPECT_TRUE(t.dialogs.WasShownContaining("Error # 53"));
-  EXPECT_EQ(f.windowTitle(), "Equipment File: ");
-  EXPECT_EQ(TextOf(f, "txtSigGenAddr"), "19");
-}
-
-TEST_F(EquipmentFormTest, BrokenFileLeavesStationAndEntriesAsTheyWere) {
-  const EquipRecord before = Record();
-  frmEquipment& f = Open();
-  Type(f, "txtSigGenAddr", "7");
-  t.dialogs.AnswerOpen(t.directory.Write("half.eqp", "other.sg\r\n 3 \r\nother.mtr\r\n"));
-  t.dialogs.Answer(MessageAnswer::No);
-  Choose(f, "mnuEquipFileLoad");
-  EXPECT_EQ(t.dialogs.messages.size(), 2u);
-  EXPECT_EQ(Record().SigGenFile, before.SigGenFile);
-  EXPECT_EQ(Record().MeterFile, before.MeterFile);
-  EXPECT_EQ(TextOf(f, "txtSigGenAddr"), "7");
-}
-
-TEST_F(EquipmentFormTest, CableCalibrationNeedsGeneratorAndMeter) {
-  frmEquipment& f = Open();
-  EXPECT_FALSE(Find<QAction>(f, "mnuUtilInsertLoss").isEnabled());
-  f.Offer(true, true, true);
+  EXPECT_THAT(Told(dialogs, f, "mnuUtilInsertLoss"),
+              testing::ElementsAre("The signal generator and meter must both be selected first"));
   QSignalSpy requested(&f, &frmEquipment::InsertionLossRequested);
-  Choose(f, "mnuUtilInsertLoss");
-  EXPECT_EQ(t.dialogs.LastText(), "The signal generator and meter must both be selected first");
   Record().MeterFile = "/lab/m.mtr";
   Type(f, "txtMeterAddr", "20");
   Choose(f, "mnuUtilInsertLoss");
   EXPECT_EQ(requested.count(), 1);
-}
-
-TEST_F(EquipmentFormTest, MarksAndAsksForWhatIsNotSaved) {
-  documents.equip.EquipFileName = t.directory.File("lab.eqp");
-  const QString title = QString::fromStdString("Equipment File: " + documents.equip.EquipFileName);
-  frmEquipment& f = Open();
-  EXPECT_EQ(f.windowTitle(), title);
-  const struct {
-    const char* name;
-    std::function<void()> change, back;
-  } changes[] = {{"address", [&] { Type(f, "txtSigGenAddr", "7"); }, [&] { Type(f, "txtSigGenAddr", "19"); }},
-                 {"choice", [&] { Press(f, "optDualSplit"); }, [&] { Press(f, "optSingle"); }},
-                 {"band switch", [&] { f.ShowTab(2), Press(f, "optIFIAmp"), Type(f, "txtIfiBandSwitch", "215"); },
-                  [&] { Type(f, "txtIfiBandSwitch", "220"), Press(f, "optGenericAmp"); }}};
-  for (const auto& c : changes) {
-    SCOPED_TRACE(c.name);
-    c.change();
-    EXPECT_EQ(f.windowTitle(), title + "*");
-    c.back();
-    EXPECT_EQ(f.windowTitle(), title);
-  }
-  Press(f, "cmdNoPwrMtr");
-  EXPECT_EQ(f.windowTitle(), title + "*");
-  t.dialogs.Answer(MessageAnswer::Cancel);
-  EXPECT_FALSE(f.close());
-  EXPECT_EQ(t.dialogs.LastText(), "The equipment has changes that are not saved.\r\nSave them?");
-  EXPECT_TRUE(f.close()) << "Yes";
-  EquipRecord saved;
-  LoadRecord(t.directory.File("lab.eqp"), saved);
-  EXPECT_EQ(saved.PwrMtrFile, "");
-}
-
-/// Every box and choice says what it is to those who can't see it, and fits a small screen.
-TEST_F(EquipmentFormTest, EveryControlHasANameAndTheFormFitsASmallScreen) {
-  frmEquipment& f = Open();
-  for (const QLineEdit* box : f.findChildren<QLineEdit*>())
-    EXPECT_FALSE(box->accessibleName().isEmpty()) << box->objectName().toStdString();
-  for (const QPushButton* button : f.findChildren<QPushButton*>())
-    EXPECT_FALSE(button->toolTip().isEmpty()) << button->objectName().toStdString();
-  EXPECT_LE(f.minimumSizeHint().width(), 1024);
-  EXPECT_LE(f.minimumSizeHint().height(), 720);
+  f.Offer(true, true, false);
+  EXPECT_FALSE(Find<QAction>(f, "mnuUtilInsertLoss").isEnabled());
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMenuBar>
+#include <QPointer>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTest>
@@ -16,9 +17,17 @@
 #include <QWindow>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "support/FakeDialogs.h"
+#include "support/FormTable.h"
+#include "widgets/PathLabel.h"
+
 namespace hylden {
+
+// Forms are driven by the names of their controls, as an operator drives them by their captions: find a control, type,
+// press a button or tick, choose a menu entry, answer the boxes on the screen.
 
 /// A control by its name; a missing one fails the test.
 template <class Control>
@@ -52,6 +61,30 @@ inline std::string TextOf(QWidget& form, const char* name) {
   if (auto* const box = form.findChild<QLineEdit*>(QString::fromLatin1(name))) return box->text().toStdString();
   return Find<QLabel>(form, name).text().toStdString();
 }
+inline std::string PathOf(QWidget& form, const char* name) {
+  return Find<PathLabel>(form, name).Path();
+}
+inline bool IsEnabled(QWidget& form, const char* name) {
+  return Find<QWidget>(form, name).isEnabled();
+}
+inline bool IsTicked(QWidget& form, const char* name) {
+  return Find<QAbstractButton>(form, name).isChecked();
+}
+
+/// Presses a button or chooses a menu entry, and returns what was told meanwhile.
+inline std::vector<std::string> Told(FakeDialogs& dialogs, QWidget& form, const char* name) {
+  dialogs.Clear();
+  std::string_view(name).starts_with("mnu") ? Choose(form, name) : Press(form, name);
+  return dialogs.Texts();
+}
+
+/// Lets the windows do what they have put off, and forms that have closed go.
+inline void Turn() {
+  for (int i = 0; i < 20; ++i) {
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  }
+}
 
 /// The windows of this kind that are on the screen.
 template <class Form>
@@ -73,6 +106,29 @@ Form* OpenWindow() {
 inline void ClickOnScreen(QWidget& form, const char* name) {
   auto& control = Find<QWidget>(form, name);
   QTest::mouseClick(form.windowHandle(), Qt::LeftButton, {}, control.mapTo(&form, control.rect().center()));
+}
+
+/// Every number box that can be used on the form of a record holds up the command while it holds no number, and is in
+/// sight then. @return how many there are
+template <class Record>
+std::size_t ExpectPointedOut(FakeDialogs& dialogs, QWidget& form, Record record, const char* command) {
+  NumberBoxes boxes;
+  FormFields(boxes, record);
+  std::size_t used = 0;
+  for (const std::string& name : boxes.names) {
+    SCOPED_TRACE(name);
+    auto& box = Find<QLineEdit>(form, name.c_str());
+    if (!box.isEnabled()) continue;
+    ++used;
+    const QString before = box.text();
+    if (auto* const tabs = form.findChild<QTabWidget*>()) tabs->setCurrentIndex(tabs->count() - 1);
+    Type(form, name.c_str(), "1,5");
+    EXPECT_EQ(Told(dialogs, form, command), std::vector<std::string>{"Value not a number, re-enter"});
+    EXPECT_EQ(form.focusWidget(), &box);
+    EXPECT_TRUE(box.isVisible() && box.selectedText() == QLatin1String("1,5"));
+    box.setText(before);
+  }
+  return used;
 }
 
 /// What can be reached by Alt in the window as it is shown: no key is there twice.
@@ -114,5 +170,28 @@ inline void OnModalWindow(std::function<void(QWidget&)> action) {
     action(*window);
   });
 }
+
+/// Someone at the boxes on the screen, who does something with each, once.
+class Someone {
+ public:
+  explicit Someone(std::function<void(QWidget& box)> answer) : answer_(std::move(answer)) {
+    QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { Look(); });
+    timer_.start(0);
+  }
+  std::vector<std::string> seen;  ///< the titles of the boxes
+
+ private:
+  void Look() {
+    QWidget* const box = QApplication::activeModalWidget();
+    if (!box || box == last_) return;
+    last_ = box;
+    seen.push_back(box->windowTitle().toStdString());
+    answer_(*box);
+  }
+
+  std::function<void(QWidget&)> answer_;
+  QTimer timer_;
+  QPointer<QWidget> last_;
+};
 
 }  // namespace hylden

@@ -17,7 +17,6 @@
 #include "shell/qt/OptionsMenu.h"
 #include "shell/qt/frmHelp.h"
 #include "shell/qt/frmPickDir.h"
-#include "support/ScriptedBus.h"
 #include "support/TestShell.h"
 #include "widgets/PathLabel.h"
 #include "widgets/RfLamp.h"
@@ -54,10 +53,12 @@ TEST(PathLabel, ShowsAsMuchOfThePathAsFitsAndKeepsAllOfItInTheTag) {
   EXPECT_TRUE(label.toolTip().isEmpty());
 }
 
-TEST(RfLamp, IsRedOfTheThemeThatComesWhileRfIsOn) {
+TEST(RfLamp, IsRedOfTheThemeThatComesWhileRfIsOnAndAsksWhileItIsNotKnown) {
   RfLamp lamp;
   lamp.show();
-  lamp.ShowRf(true);
+  lamp.ShowRf(true, false);
+  EXPECT_EQ(lamp.text(), "RF ON?");
+  EXPECT_FALSE(lamp.toolTip().isEmpty());
   const QPalette light = QApplication::palette();
   for (const QPalette& theme : {QPalette(QColor(30, 30, 30)), light}) {
     QApplication::setPalette(theme);
@@ -65,14 +66,6 @@ TEST(RfLamp, IsRedOfTheThemeThatComesWhileRfIsOn) {
     EXPECT_EQ(lamp.palette().color(QPalette::Window), HighlightRed(theme));
     EXPECT_EQ(lamp.palette().color(QPalette::WindowText), QColor(IsDark(theme) ? Qt::black : Qt::white));
   }
-}
-
-TEST(RfLamp, IsRedAndAsksWhileRfIsNotKnownToBeOff) {
-  RfLamp lamp;
-  lamp.ShowRf(true, false);
-  EXPECT_EQ(lamp.text(), "RF ON?");
-  EXPECT_FALSE(lamp.toolTip().isEmpty());
-  EXPECT_EQ(lamp.palette().color(QPalette::Window), HighlightRed(QApplication::palette()));
   lamp.ShowRf(false);
   EXPECT_EQ(lamp.text(), "RF off");
   EXPECT_TRUE(lamp.toolTip().isEmpty());
@@ -80,8 +73,7 @@ TEST(RfLamp, IsRedAndAsksWhileRfIsNotKnownToBeOff) {
 
 class FormHelpersTest : public testing::Test {
  protected:
-  ScriptedBus bus;
-  TestShell t{bus};
+  TestShell t;
 };
 
 TEST_F(FormHelpersTest, PromptSelectsAVisibleBoxAndLeavesAHiddenOneAlone) {
@@ -115,11 +107,11 @@ TEST_F(FormHelpersTest, WindowComesBackToItsPlaceOrIsCentred) {
   EXPECT_NEAR(window.y(), (screen.height() - 100) / 2, 1);
 }
 
-TEST_F(FormHelpersTest, PickerTakesTheHighlightedDirectory) {
+TEST_F(FormHelpersTest, PickerTakesTheHighlightedDirectoryAndOpensOneByKeys) {
   std::filesystem::create_directories(t.directory.File("factors/cables"));
   frmPickDir picker(t.shell);
   picker.StartDir(t.directory.File("factors"));
-  EXPECT_EQ(Find<PathLabel>(picker, "lblPath").Path(), t.directory.File("factors"));
+  EXPECT_EQ(PathOf(picker, "lblPath"), t.directory.File("factors"));
   picker.accept();
   EXPECT_EQ(picker.PickedDir(), t.directory.File("factors"));
   auto& list = Find<QListWidget>(picker, "lstDir");
@@ -128,18 +120,16 @@ TEST_F(FormHelpersTest, PickerTakesTheHighlightedDirectory) {
   EXPECT_EQ(picker.PickedDir(), t.directory.File("factors/cables"));
   picker.reject();
   EXPECT_EQ(picker.PickedDir(), "");
-}
-
-TEST_F(FormHelpersTest, PickerOpensDirectoriesByKeys) {
-  std::filesystem::create_directories(t.directory.File("factors/cables"));
-  frmPickDir picker(t.shell);
-  picker.StartDir(t.directory.Path());
-  auto& list = Find<QListWidget>(picker, "lstDir");
-  list.setCurrentRow(list.count() - 1);
   QTest::keyClick(&list, Qt::Key_Right);
-  EXPECT_EQ(Find<PathLabel>(picker, "lblPath").Path(), t.directory.File("factors"));
+  EXPECT_EQ(PathOf(picker, "lblPath"), t.directory.File("factors/cables"));
   QTest::keyClick(&list, Qt::Key_Left);
-  EXPECT_EQ(Find<PathLabel>(picker, "lblPath").Path(), t.directory.Path());
+  EXPECT_EQ(PathOf(picker, "lblPath"), t.directory.File("factors"));
+  picker.StartDir(t.directory.File("gone"));
+  EXPECT_EQ(t.dialogs.LastText(),
+            "Existing entry, " + t.directory.File("gone") + ", does not exist on your system.\r\nChoose another path.");
+  EXPECT_EQ(PathOf(picker, "lblPath"), t.directory.File("factors"));
+  picker.StartDir("");
+  EXPECT_EQ(t.dialogs.messages.size(), 1u);
 }
 
 TEST_F(FormHelpersTest, PickerTakesWhatIsTypedAndMakesWhatIsMissing) {
@@ -176,21 +166,9 @@ TEST_F(FormHelpersTest, AboutNamesTheLicence) {
   EXPECT_TRUE(t.dialogs.WasShownContaining("GNU General Public License"));
 }
 
-TEST_F(FormHelpersTest, PickerTellsOfAVanishedDirectoryAndStaysWhereItWas) {
-  frmPickDir picker(t.shell);
-  picker.StartDir(t.directory.Path());
-  picker.StartDir(t.directory.File("gone"));
-  EXPECT_EQ(t.dialogs.LastText(),
-            "Existing entry, " + t.directory.File("gone") + ", does not exist on your system.\r\nChoose another path.");
-  EXPECT_EQ(Find<PathLabel>(picker, "lblPath").Path(), t.directory.Path());
-  picker.StartDir("");
-  EXPECT_EQ(t.dialogs.messages.size(), 1u);
-}
-
 class OptionsMenuTest : public FormHelpersTest {
  protected:
   OptionsMenuTest() { FillOptionsMenu(menu, t.shell); }
-  void Trigger(const char* name) { menu.findChild<QAction*>(QString::fromLatin1(name))->trigger(); }
   QMenu menu;
 };
 
@@ -201,33 +179,28 @@ TEST_F(OptionsMenuTest, PickedDirectoryIsKeptAndCancelKeepsTheOldOne) {
     EXPECT_EQ(TextOf(picker, "lblFor"), "Insertion Loss Output Dir");
     Press(picker, "cmdOK");
   });
-  Trigger("mnuFileOptInsLossDir");
+  Choose(menu, "mnuFileOptInsLossDir");
   EXPECT_EQ(t.shell.settings.GetDataDir(datakind::kInsertionLoss), t.directory.Path());
   OnModalWindow([](QWidget& picker) {
     auto& list = Find<QListWidget>(picker, "lstDir");
     list.setCurrentRow(0);
     Press(picker, "cmdCancel");
   });
-  Trigger("mnuFileOptCableDir");
+  Choose(menu, "mnuFileOptCableDir");
   EXPECT_EQ(t.shell.settings.GetDataDir(datakind::kCables), t.directory.File("losses"));
 }
 
-TEST_F(OptionsMenuTest, DefaultEquipmentDialogOpensWhereTheFileIs) {
+TEST_F(OptionsMenuTest, DefaultEquipmentIsKeptUnlessTheSettingsWouldCutIt) {
   t.dialogs.AnswerOpen("/lab/ring.eqp");
-  Trigger("mnuFileOptEquipfile");
+  Choose(menu, "mnuFileOptEquipfile");
   EXPECT_EQ(t.dialogs.openRequests[0].directory, t.directory.Path());
   EXPECT_EQ(t.shell.settings.GetDefaultEquipFile(), "/lab/ring.eqp");
-  Trigger("mnuFileOptEquipfile");
-  EXPECT_EQ(t.dialogs.openRequests[1].fileName, "/lab/ring.eqp");
-  EXPECT_EQ(t.shell.settings.GetDefaultEquipFile(), "/lab/ring.eqp") << "a cancel clears nothing";
-}
-
-TEST_F(OptionsMenuTest, PathThatTheSettingsWouldCutIsRefused) {
-  t.shell.settings.SaveDefaultEquipFile("/lab/ring.eqp");
+  Choose(menu, "mnuFileOptEquipfile");
+  EXPECT_EQ(t.dialogs.openRequests[1].fileName, "/lab/ring.eqp") << "the dialog opens where the file is";
   t.dialogs.AnswerOpen("/" + std::string(127, 'd'));
-  Trigger("mnuFileOptEquipfile");
+  Choose(menu, "mnuFileOptEquipfile");
   EXPECT_EQ(t.dialogs.messages.size(), 1u);
-  EXPECT_EQ(t.shell.settings.GetDefaultEquipFile(), "/lab/ring.eqp");
+  EXPECT_EQ(t.shell.settings.GetDefaultEquipFile(), "/lab/ring.eqp") << "a cancel clears nothing either";
 }
 
 class HelpTest : public FormHelpersTest {
@@ -262,15 +235,11 @@ TEST_F(HelpTest, OpensByKeywordAndGoesBack) {
   EXPECT_EQ(TopLine(), "Manual");
 }
 
-TEST_F(HelpTest, ContentsAreTheHeadings) {
+TEST_F(HelpTest, ContentsSearchAndLinksLeadToHeadings) {
   auto& contents = Find<QTreeWidget>(help, "trvContents");
-  ASSERT_EQ(contents.topLevelItemCount(), 1);
   ASSERT_EQ(contents.topLevelItem(0)->childCount(), 3);
   emit contents.itemClicked(contents.topLevelItem(0)->child(1), 0);
   EXPECT_EQ(TopLine(), "Modulation");
-}
-
-TEST_F(HelpTest, SearchGoesRoundAndLinksLeadToHeadings) {
   Type(help, "txtSearch", "manual");
   EXPECT_EQ(TextOf(help, "lblFound"), "Found: 1");
   Press(help, "cmdFind");

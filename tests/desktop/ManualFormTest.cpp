@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-
 #include <QCheckBox>
 #include <QMenu>
 #include <QMessageBox>
@@ -21,16 +19,13 @@ namespace {
 class ManualForm : public RunForms {
  protected:
   void SetUp() override {
-    RunForms::SetUp();
-    Open("substitution-am.tst");
-    m.When(AtStep(12), [this] { Press(*form, "cmdManual"); });
-    m.When([this] { return Manual() != nullptr; },
-           [this] {
-             auto& timer = *Manual()->findChild<QTimer*>("Timer1");
-             EXPECT_TRUE(timer.isActive());
-             EXPECT_EQ(timer.interval(), 500);
-             timer.setInterval(0);
-           });
+    Open();
+    InManualMode(12, [this] {
+      auto& timer = *Manual()->findChild<QTimer*>("Timer1");
+      EXPECT_TRUE(timer.isActive());
+      EXPECT_EQ(timer.interval(), 500);
+      timer.setInterval(0);
+    });
   }
   /// Lets a few ticks of the timer pass, and does it.
   void Then(std::function<void()> action) {
@@ -38,16 +33,25 @@ class ManualForm : public RunForms {
     m.When([] { return true; }, std::move(action));
   }
   void Run() {
-    Press(*form, "cmdRun");
-    EXPECT_EQ(m.ActionsLeft(), 0u);
-    EXPECT_FALSE(m.bench.State().Generator.RfOn);
+    RunForms::Run();
     EXPECT_EQ(Manual(), nullptr);
   }
+  /// The same as the last thing, and a halt.
+  void ThenHaltAndRun(std::function<void()> action) {
+    Then([this, action] {
+      action();
+      form->PressHalt();
+    });
+    Run();
+  }
   QScrollBar& Bar(const char* name) { return Find<QScrollBar>(*Manual(), name); }
+  QScrollBar& Step() { return Bar("scrFreqStep"); }
+  QScrollBar& Offset() { return Bar("scrDbOffset"); }
   const GeneratorState& Generator() { return m.bench.State().Generator; }
   int CurrentRow() { return Find<QTableView>(*form, "flxTestData").currentIndex().row(); }
-  float LevelOf(int step) {
-    return std::get<StepEntry>(Rows()[static_cast<std::size_t>(step - 1)]).Result->SigGenLevel;
+  void ExpectLevelAbove(int step, double offsetDb) {
+    const auto& entry = std::get<StepEntry>(Rows()[static_cast<std::size_t>(step - 1)]);
+    EXPECT_NEAR(Generator().LevelDbm, double{entry.Result->SigGenLevel} + offsetDb, 0.051);
   }
 };
 
@@ -55,24 +59,24 @@ TEST_F(ManualForm, OperatorFindsAThresholdAndTheTestGoesOn) {
   dialogs.AnswerInput("display flickers");
   dialogs.AnswerSave(m.directory.File("manual.run"));
   Then([&] {
-    EXPECT_EQ(Bar("scrFreqStep").minimum(), 1);
-    EXPECT_EQ(Bar("scrFreqStep").maximum(), 12);
-    EXPECT_EQ(Bar("scrFreqStep").value(), 12);
-    EXPECT_TRUE(Find<QCheckBox>(*Manual(), "chkRfOn").isChecked());
-    EXPECT_TRUE(Find<QCheckBox>(*Manual(), "chkModOn").isEnabled());
+    EXPECT_EQ(Step().minimum(), 1);
+    EXPECT_EQ(Step().maximum(), 12);
+    EXPECT_EQ(Step().value(), 12);
+    EXPECT_TRUE(IsTicked(*Manual(), "chkRfOn"));
+    EXPECT_TRUE(IsEnabled(*Manual(), "chkModOn"));
     EXPECT_FALSE(Buttons().isVisible());
     EXPECT_EQ(Text("pnlStatus"), "Manual Mode");
-    Bar("scrFreqStep").setValue(11);
+    Step().setValue(11);
   });
   Then([&] {
     EXPECT_NEAR(Generator().FreqMHz, std::get<StepEntry>(Rows()[10]).Freq, 1e-6);
     EXPECT_EQ(TextOf(*Manual(), "lblFreq"), Row(11)[0]);
     EXPECT_EQ(Text("lblFreq"), Row(11)[0]);
-    Bar("scrDbOffset").setValue(15);
+    Offset().setValue(15);
     EXPECT_EQ(TextOf(*Manual(), "lblOffset"), "1.5");
   });
   Then([&] {
-    EXPECT_NEAR(Generator().LevelDbm, double{LevelOf(11)} + 1.5, 0.051);
+    ExpectLevelAbove(11, 1.5);
     Press(*Manual(), "chkRfOn");
     EXPECT_FALSE(Generator().RfOn);
     EXPECT_EQ(Text("lblRf"), "RF off");
@@ -85,10 +89,8 @@ TEST_F(ManualForm, OperatorFindsAThresholdAndTheTestGoesOn) {
   });
   Then([&] { Press(*Manual(), "cmdThreshold"); });
   Then([&] { Press(*Manual(), "cmdReturn"); });
-  std::size_t rowsAtReturn = 0;
   m.When([&] { return Manual() == nullptr; },
          [&] {
-           rowsAtReturn = Rows().size();
            EXPECT_TRUE(Buttons().isVisible());
            EXPECT_EQ(Text("lblStep"), "Step# 12") << "the step after the one returned to";
          });
@@ -97,14 +99,11 @@ TEST_F(ManualForm, OperatorFindsAThresholdAndTheTestGoesOn) {
   ASSERT_EQ(dialogs.inputs.size(), 1u);
   EXPECT_EQ(dialogs.inputs[0].title, "Threshold Comment");
   EXPECT_EQ(dialogs.inputs[0].prompt, "Enter comments");
-  const RunRow threshold = Row(13);
-  EXPECT_EQ(threshold[0], Row(11)[0]);
-  EXPECT_EQ(threshold[1], "Threshold 1.5dB");
-  EXPECT_EQ(threshold[2], "display flickers");
-  EXPECT_THAT(m.directory.Read("manual.run"),
-              testing::HasSubstr(threshold[0] + ", Threshold 1.5dB, display flickers\r\n"));
+  const std::string threshold = Row(11)[0] + ", Threshold 1.5dB, display flickers";
+  EXPECT_EQ(Row(13)[0] + ", " + Row(13)[1] + ", " + Row(13)[2], threshold);
+  EXPECT_THAT(m.directory.Read("manual.run"), testing::HasSubstr(threshold + "\r\n"));
   Choose(*form, "mnuFilePrintThreshold");
-  EXPECT_EQ(m.printer.Lines().back(), threshold[0] + ", Threshold 1.5dB, display flickers");
+  EXPECT_EQ(m.printer.Lines().back(), threshold);
 }
 
 TEST_F(ManualForm, ArrowKeysBelongToManualModeWhereverTheFocusIs) {
@@ -112,24 +111,19 @@ TEST_F(ManualForm, ArrowKeysBelongToManualModeWhereverTheFocusIs) {
   elsewhere.setValue(50);
   elsewhere.show();
   Then([&] {
-    QTest::keyClick(&elsewhere, Qt::Key_Left);
-    QTest::keyClick(&elsewhere, Qt::Key_Right);
-    QTest::keyClick(&elsewhere, Qt::Key_Left);
-    QTest::keyClick(&elsewhere, Qt::Key_Left);
+    QTest::keyClick(form.get(), Qt::Key_Right);
+    EXPECT_EQ(Step().value(), 12) << "the highest step reached";
+    for (const Qt::Key key : {Qt::Key_Left, Qt::Key_Right, Qt::Key_Left, Qt::Key_Left})
+      QTest::keyClick(&elsewhere, key);
     for (int i = 0; i < 4; ++i) QTest::keyClick(form.get(), Qt::Key_Up);
-    QTest::keyClick(&Bar("scrDbOffset"), Qt::Key_Down);
+    QTest::keyClick(&Offset(), Qt::Key_Down);
     EXPECT_EQ(elsewhere.value(), 50) << "the press was passed on";
     QTest::keyClick(&elsewhere, Qt::Key_Home);
     EXPECT_EQ(elsewhere.value(), 0) << "another key was swallowed";
-    EXPECT_EQ(Bar("scrFreqStep").value(), 10);
-    EXPECT_EQ(Bar("scrDbOffset").value(), 3);
+    EXPECT_EQ(Step().value(), 10);
     EXPECT_EQ(TextOf(*Manual(), "lblOffset"), "0.3");
   });
-  Then([&] {
-    EXPECT_NEAR(Generator().LevelDbm, double{LevelOf(10)} + 0.3, 0.051);
-    form->PressHalt();
-  });
-  Run();
+  ThenHaltAndRun([&] { ExpectLevelAbove(10, 0.3); });
   QTest::keyClick(&elsewhere, Qt::Key_Right);
   EXPECT_EQ(elsewhere.value(), 1) << "still caught after manual mode";
 }
@@ -159,20 +153,18 @@ TEST_F(ManualForm, ArrowKeysStayWithATextABoxAMenuAndTheManual) {
     form->menuBar()->setFocus();
     QTest::keyClick(form->menuBar(), Qt::Key_Left);
   });
-  Then([&] {
-    EXPECT_EQ(Bar("scrFreqStep").value(), 12);
-    EXPECT_EQ(Bar("scrDbOffset").value(), 0);
-    EXPECT_NEAR(Generator().LevelDbm, double{LevelOf(12)}, 0.051);
-    form->PressHalt();
+  ThenHaltAndRun([&] {
+    EXPECT_EQ(Step().value(), 12);
+    EXPECT_EQ(Offset().value(), 0);
+    ExpectLevelAbove(12, 0);
   });
-  Run();
 }
 
 TEST_F(ManualForm, WindowShowsTheStepAndTheLevelThatStand) {
   Then([&] {
     EXPECT_EQ(CurrentRow(), 11);
-    Bar("scrFreqStep").setValue(3);
-    Bar("scrDbOffset").setValue(-15);
+    Step().setValue(3);
+    Offset().setValue(-15);
   });
   Then([&] {
     EXPECT_EQ(CurrentRow(), 2);
@@ -192,26 +184,28 @@ TEST_F(ManualForm, WindowShowsTheStepAndTheLevelThatStand) {
   Run();
 }
 
-TEST_F(ManualForm, LevelThatTheGeneratorRefusesGoesBackOnTheBar) {
-  Then([&] { Bar("scrDbOffset").setValue(-10); });
+TEST_F(ManualForm, LevelThatTheGeneratorRefusesGoesBackOnTheBarWithRfOff) {
+  Then([&] { Offset().setValue(-10); });
   Then([&] {
     m.driver.FailLine("> 18 POW", gpib::kEnol);
-    Bar("scrDbOffset").setValue(-20);
+    Offset().setValue(-20);
   });
-  Then([&] {
-    EXPECT_EQ(Bar("scrDbOffset").value(), -10);
+  ThenHaltAndRun([&] {
     EXPECT_EQ(TextOf(*Manual(), "lblOffset"), "-1.0");
-    form->PressHalt();
+    EXPECT_EQ(Offset().value(), -10);
+    EXPECT_FALSE(Generator().RfOn || IsTicked(*Manual(), "chkRfOn"));
+    EXPECT_FALSE(dialogs.messages.empty());
   });
-  Run();
 }
 
-TEST_F(ManualForm, HasAHaltOfItsOwnAndStaysWithTheRunWindow) {
+TEST_F(ManualForm, OpensAboveTheRunWindowWithoutTheKeysAndHasAHaltOfItsOwn) {
   Then([&] {
-    EXPECT_EQ(Manual()->windowHandle()->transientParent(), form->windowHandle());
+    EXPECT_TRUE(Manual()->testAttribute(Qt::WA_ShowWithoutActivating));
+    EXPECT_TRUE(Manual()->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
     EXPECT_FALSE(Manual()->windowFlags().testFlag(Qt::WindowMinimizeButtonHint));
+    EXPECT_EQ(Manual()->windowHandle()->transientParent(), form->windowHandle());
     Press(*Manual(), "cmdManualHalt");
-    EXPECT_TRUE(m.station.shell.delay.HaltRequested());
+    EXPECT_TRUE(m.shell.delay.HaltRequested());
   });
   Run();
 }
@@ -219,115 +213,67 @@ TEST_F(ManualForm, HasAHaltOfItsOwnAndStaysWithTheRunWindow) {
 TEST_F(ManualForm, F1OpensItsChapterOfTheManual) {
   QStringList topics;
   QObject::connect(form.get(), &WorkingForm::HelpRequested, [&](const QString& topic) { topics << topic; });
-  Then([&] {
+  ThenHaltAndRun([&] {
     QTest::keyClick(Manual(), Qt::Key_F1);
     QTest::keyClick(form.get(), Qt::Key_F1);
-    form->PressHalt();
   });
-  Run();
   QTest::keyClick(&Buttons(), Qt::Key_F1);
   EXPECT_EQ(topics, (QStringList{"Manual mode", "Manual mode", "Running a test"}));
 }
 
-TEST_F(ManualForm, KeysStopAtTheHighestStepReached) {
-  Then([&] {
-    QTest::keyClick(form.get(), Qt::Key_Right);
-    EXPECT_EQ(Bar("scrFreqStep").value(), 12);
-    form->close();
-  });
-  Run();
-}
-
 TEST_F(ManualForm, DraggedLevelIsAppliedWhenItIsReleased) {
   Then([&] {
-    Bar("scrDbOffset").setSliderDown(true);
-    Bar("scrDbOffset").setSliderPosition(-30);
+    Offset().setSliderDown(true);
+    Offset().setSliderPosition(-30);
     EXPECT_EQ(TextOf(*Manual(), "lblOffset"), "-3.0");
   });
   Then([&] {
-    EXPECT_NEAR(Generator().LevelDbm, double{LevelOf(12)}, 0.051) << "still being dragged";
-    Bar("scrDbOffset").setSliderDown(false);
+    ExpectLevelAbove(12, 0);  // still being dragged
+    Offset().setSliderDown(false);
   });
   Then([&] {
-    EXPECT_NEAR(Generator().LevelDbm, double{LevelOf(12)} - 3, 0.051);
-    form->PressHalt();
+    ExpectLevelAbove(12, -3);
+    form->close();
   });
   Run();
 }
 
 TEST_F(ManualForm, CloseBoxReturnsToTheTest) {
   Then([&] { EXPECT_FALSE(Manual()->close()); });
-  m.When(AtStep(13), [&] { Press(*form, "cmdHalt"); });
+  HaltAtStep(13);
   Run();
 }
 
 TEST_F(ManualForm, EscapeOnItHaltsAndTakesItAway) {
-  Then([&] { QTest::keyClick(&Bar("scrDbOffset"), Qt::Key_Escape); });
+  Then([&] { QTest::keyClick(&Offset(), Qt::Key_Escape); });
   Run();
   EXPECT_EQ(form->Engine().CompletedSteps(), 12);
   EXPECT_TRUE(Buttons().isVisible());
 }
 
-TEST_F(ManualForm, OpensWithoutTakingTheFocus) {
-  Then([&] {
-    EXPECT_TRUE(Manual()->testAttribute(Qt::WA_ShowWithoutActivating));
-    EXPECT_TRUE(Manual()->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
-    form->PressHalt();
-  });
-  Run();
-}
-
-TEST_F(ManualForm, HasTheKeysAgainAfterTheComment) {
-  Then([&] {
+TEST_F(ManualForm, HasTheKeysAfterTheCommentAndMnemonicsPressTheirButtons) {
+  ThenHaltAndRun([&] {
     QObject::connect(Manual(), &frmManual::manThresholdClick, [this] { form->activateWindow(); });
     Manual()->activateWindow();
     Press(*Manual(), "cmdThreshold");
     EXPECT_EQ(QApplication::activeWindow(), Manual());
-    form->PressHalt();
-  });
-  Run();
-}
-
-TEST_F(ManualForm, MnemonicsPressTheirButtons) {
-  const struct {
-    Qt::Key key;
-    const char* button;
-  } rows[] = {{Qt::Key_T, "cmdThreshold"}, {Qt::Key_N, "cmdReturn"}, {Qt::Key_H, "cmdRunHalt"}};
-  Then([&] {
-    Manual()->activateWindow();
-    for (const auto& row : rows) {
-      QTest::keyClick(Manual(), row.key, Qt::AltModifier);
-      EXPECT_TRUE(Find<QPushButton>(*form, row.button).isDown()) << row.button;
+    const std::pair<Qt::Key, const char*> mnemonics[] = {
+        {Qt::Key_T, "cmdThreshold"}, {Qt::Key_N, "cmdReturn"}, {Qt::Key_H, "cmdRunHalt"}};
+    for (const auto& [key, button] : mnemonics) {
+      QTest::keyClick(Manual(), key, Qt::AltModifier);
+      EXPECT_TRUE(Find<QPushButton>(*form, button).isDown()) << button;
     }
-    form->PressHalt();
   });
-  Run();
 }
 
 TEST_F(ManualForm, SecondHookIsRefused) {
-  Then([&] {
+  ThenHaltAndRun([&] {
     ArrowKeyHook second([](ArrowKey) { ADD_FAILURE() << "two hooks"; });
     EXPECT_FALSE(second.Install(dialogs));
     EXPECT_EQ(dialogs.LastText(), "Don't hook WH_KEYBOARD twice or you will be unable to unhook it.");
     QTest::keyClick(form.get(), Qt::Key_Up);
-    EXPECT_EQ(Bar("scrDbOffset").value(), 1) << "the first one is gone";
-    form->PressHalt();
+    EXPECT_EQ(Offset().value(), 1) << "the first one is gone";
   });
-  Run();
-}
-
-TEST_F(ManualForm, RefusingGeneratorIsShownWithRfOff) {
-  Then([&] {
-    m.driver.FailLine("> 18 POW", gpib::kEnol);
-    Bar("scrDbOffset").setValue(-10);
-  });
-  Then([&] {
-    EXPECT_FALSE(Generator().RfOn);
-    EXPECT_FALSE(Find<QCheckBox>(*Manual(), "chkRfOn").isChecked());
-    EXPECT_FALSE(dialogs.messages.empty());
-    form->PressHalt();
-  });
-  Run();
 }
 
 }  // namespace

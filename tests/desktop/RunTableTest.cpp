@@ -2,11 +2,8 @@
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
-#include <QScrollBar>
 #include <QTableView>
-#include <QTest>
 
-#include "desktop/RunForms.h"
 #include "run/qt/RowTable.h"
 #include "widgets/AlignedNumbers.h"
 #include "widgets/TableFollower.h"
@@ -63,36 +60,6 @@ TEST(RunTable, NumbersOfAColumnHaveTheirPointsBelowEachOther) {
   for (const auto& row : rows)
     EXPECT_EQ(Aligned(QString::fromLatin1(row.text), row.column), QString::fromLatin1(row.text) + row.behind);
   EXPECT_EQ(Aligned(QStringLiteral("34.2 +2"), {2, true}), QStringLiteral("34.2") + digit + QStringLiteral(" +2"));
-}
-
-TEST_F(RunForms, TableFollowsTheRunUnlessTheOperatorLooksBack) {
-  Open("substitution-am.tst");
-  auto& table = Find<QTableView>(*form, "flxTestData");
-  form->findChild<QTimer*>("tmrFollow")->setInterval(0);
-  const auto settle = [] {
-    for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
-  };
-  const auto lastIsVisible = [&] {
-    return table.viewport()->rect().contains(table.visualRect(table.model()->index(table.model()->rowCount() - 1, 0)));
-  };
-  m.When(AtStep(20), [&] {
-    settle();
-    EXPECT_TRUE(lastIsVisible());
-    EXPECT_GT(table.verticalScrollBar()->value(), 0);
-    table.verticalScrollBar()->setValue(0);
-  });
-  m.When(AtStep(24), [&] {
-    settle();
-    EXPECT_EQ(table.verticalScrollBar()->value(), 0);
-    table.scrollToBottom();
-  });
-  m.When(AtStep(28), [&] {
-    settle();
-    EXPECT_TRUE(lastIsVisible());
-    Press(*form, "cmdHalt");
-  });
-  Press(*form, "cmdRun");
-  EXPECT_EQ(m.ActionsLeft(), 0u);
 }
 
 }  // namespace

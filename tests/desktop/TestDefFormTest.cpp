@@ -1,5 +1,12 @@
-#include "desktop/TestDefForm.h"
+#include <QSignalSpy>
+#include <QTabWidget>
+#include <filesystem>
+
+#include "desktop/DemoWindows.h"
+#include "documents/qt/frmTestDef.h"
+#include "platform/qt/QtText.h"
 #include "support/SameRecord.h"
+#include "text/RecordFile.h"
 
 namespace hylden {
 namespace {
@@ -9,47 +16,102 @@ using testing::IsEmpty;
 using Strings = std::vector<std::string>;
 
 constexpr char kNotANumber[] = "Value not a number, re-enter";
-constexpr char kOutOfRange[] = "Number outside valid range, re-enter";
+
+/// A definition that passes every check, with a different value in every field.
+TestDefinition GoodDefinition(const TempDir& directory) {
+  TestDefinition d;
+  d.CalInfoFile = directory.File("cal.hyinfo");
+  d.StartFreq = 0.2, d.StopFreq = 80;
+  d.FreqSweep = true;
+  d.StepType = StepType::Log;
+  d.LinearStep = 0.5, d.LogStep = 1.25, d.SweepDwell = 2;
+  d.FreqList = true;
+  d.ListFile = directory.File("list.lst");
+  d.DiscreteDwell = 3;
+  d.ModType = Modulation::Am;
+  d.AmDepth = 60, d.AmModFreq = 1, d.FmDev = 4, d.FmModFreq = 5, d.PulseWidth = 6, d.PulsePeriod = 7;
+  d.ConstPeak = d.ModOffBetweenFreqs = d.UseAMdepth = true;
+  d.LevelingMode = LevelingMode::ClosedLoop;
+  d.InitLevOffset = -8, d.LevelInc = 9, d.InterDwell = 0.25F;
+  d.LevelingMethod = LevelingMethod::NetPower;
+  d.Extrapolate = true;
+  d.ExtrapolateTo = -1.5;
+  d.MonitorProbe = d.LimitCurrent = true;
+  d.LimitMargin = 11, d.EUTCircuitImpedance = 50;
+  return d;
+}
+
+class TestDefForm : public DemoWindowsTest {
+ protected:
+  void SetUp() override {
+    m.directory.Write("cal.hyinfo", "Setup <b>1</b>\r\nAmp\r\nCDN\r\n10v\r\n0.15 - 230\r\n 1 \r\n");
+    other = m.directory.Write("other.hyinfo", "Other\r\nA2\r\nD2\r\n3v\r\n1 - 30\r\n 1 \r\n");
+    m.directory.Write("list.lst", "1.0\r\n2.0\r\n");
+    test() = m.documents.testSetup.Saved = GoodDefinition(m.directory);
+    EXPECT_TRUE(m.documents.calInfo.LoadDef(test().CalInfoFile));
+    Open();
+  }
+  TestDefinition& test() { return m.documents.testSetup.Definition; }
+  CalInfoRec& info() { return m.documents.calInfo.Record; }
+
+  void Open() {
+    form.reset();
+    form = std::make_unique<frmTestDef>(m.shell, m.documents);
+    starts = std::make_unique<QSignalSpy>(form.get(), &frmTestDef::StartRequested);
+    form->show();
+    QApplication::setActiveWindow(form.get());
+  }
+  void Type(const char* name, const char* text) { hylden::Type(*form, name, text); }
+  void Press(const char* name) { hylden::Press(*form, name); }
+  std::string Text(const char* name) { return TextOf(*form, name); }
+  std::string Path(const char* label) { return PathOf(*form, label); }
+  QTabWidget& Tabs() { return Find<QTabWidget>(*form, "tabSetup"); }
+  Strings Told(const char* name) { return hylden::Told(dialogs, *form, name); }
+
+  std::string other;  ///< another calibration
+  std::unique_ptr<frmTestDef> form;
+  std::unique_ptr<QSignalSpy> starts;
+};
 
 TEST_F(TestDefForm, ShowsAndFillsEachFieldByItsControl) {
-  TestDefinition other = GoodDefinition(t.directory);
-  other.FreqSweep = other.ConstPeak = other.ModOffBetweenFreqs = other.UseAMdepth = false;
-  other.Extrapolate = other.LimitCurrent = false;
-  other.StepType = StepType::Linear;  // kept only while the sweep is on
-  other.ModType = Modulation::Fm, other.LevelingMethod = LevelingMethod::ForwardPower,
-  other.LevelingMode = LevelingMode::Substitution;
-  TestDefinition third = other;
+  TestDefinition second = test();
+  second.FreqSweep = second.ConstPeak = second.ModOffBetweenFreqs = second.UseAMdepth = false;
+  second.Extrapolate = second.LimitCurrent = false;
+  second.StepType = StepType::Linear;  // kept only while the sweep is on
+  second.ModType = Modulation::Fm, second.LevelingMethod = LevelingMethod::ForwardPower,
+  second.LevelingMode = LevelingMode::Substitution;
+  TestDefinition third = second;
   third.FreqSweep = true, third.FreqList = false;
   third.ModType = Modulation::Pulse, third.LevelingMethod = LevelingMethod::SigGen,
   third.ModOffBetweenFreqs = third.LimitCurrent = true;
   TestDefinition plain = third;
   plain.ModType = Modulation::None;
-  for (const TestDefinition& shown : {GoodDefinition(t.directory), other, third, plain}) {
-    t.dialogs.Clear();
+  for (const TestDefinition& shown : {GoodDefinition(m.directory), second, third, plain}) {
     test() = shown;
     Open();
     test() = {};
-    EXPECT_TRUE(form().FormToDef());
+    EXPECT_TRUE(form->FormToDef());
     EXPECT_TRUE(SameRecord(test(), shown));
-    EXPECT_THAT(t.dialogs.Texts(), IsEmpty());
+    EXPECT_THAT(dialogs.Texts(), IsEmpty());
   }
 }
 
 TEST_F(TestDefForm, SelectsNothingForACodeThatNoOptionStandsFor) {
   test().StepType = static_cast<StepType>(5), test().ModType = static_cast<Modulation>(9),
   test().LevelingMethod = static_cast<LevelingMethod>(7), test().LevelingMode = static_cast<LevelingMode>(4);
+  Open();
   for (const char* option : {"optLinStep", "optLogStep", "optNoMod", "optAMMod", "optFMMod", "optPulseMod",
                              "optSigGenLevel", "optUseFwdPwr", "optNetPwrLev", "optRealTimeLevel"})
-    EXPECT_FALSE(Ticked(option)) << option;
-  EXPECT_TRUE(Ticked("optSubstitution"));
+    EXPECT_FALSE(IsTicked(*form, option)) << option;
+  EXPECT_TRUE(IsTicked(*form, "optSubstitution"));
   Press("optFMMod");
   Press("optPulseMod");
-  EXPECT_FALSE(Ticked("optFMMod"));
+  EXPECT_FALSE(IsTicked(*form, "optFMMod"));
 }
 
 TEST_F(TestDefForm, ShowsTheCalibrationOfTheTest) {
   EXPECT_EQ(Text("lblCalDescription"), "Setup <b>1</b>");
-  EXPECT_EQ(Find<QLabel>("lblCalDescription").textFormat(), Qt::PlainText);
+  EXPECT_EQ(Find<QLabel>(*form, "lblCalDescription").textFormat(), Qt::PlainText);
   EXPECT_EQ(Text("lblAmplifier"), "Amp");
   EXPECT_EQ(Text("lblCouplingMethod"), "CDN");
   EXPECT_EQ(Path("lblCalLevel"), "10v");
@@ -57,191 +119,214 @@ TEST_F(TestDefForm, ShowsTheCalibrationOfTheTest) {
   EXPECT_EQ(Path("lblCalFileName"), test().CalInfoFile);
 }
 
-struct BoxCase {
-  const char* box;
-  int tab;
-  std::function<void(TestDefinition&)> prepare;
-  Strings outOfRange;
-};
-
-class TestDefBox : public TestDefForm, public testing::WithParamInterface<BoxCase> {
- protected:
-  void ExpectPrompt(const std::string& typed, const char* prompt) {
-    SCOPED_TRACE(typed);
-    const BoxCase& c = GetParam();
-    Find<QTabWidget>("tabSetup").setCurrentIndex((c.tab + 1) % 4);
-    Type(c.box, typed);
-    EXPECT_THAT(Told("cmdStart"), ElementsAre(prompt));
-    EXPECT_EQ(t.dialogs.messages.back().buttons, MessageButtons::RetryCancel);
-    EXPECT_EQ(Tab(), c.tab);
-    EXPECT_EQ(form().focusWidget(), &Box(c.box));
-    EXPECT_EQ(FromQt(Box(c.box).selectedText()), typed);
-    EXPECT_EQ(requests().starts, 0);
+TEST_F(TestDefForm, StartsNoTestWithABoxThatHoldsNoNumberAndPointsItOut) {
+  EXPECT_EQ(ExpectPointedOut(dialogs, *form, test(), "cmdStart"), 14U);
+  for (const char* modulation : {"optFMMod", "optPulseMod"}) {
+    Press(modulation);
+    EXPECT_EQ(ExpectPointedOut(dialogs, *form, test(), "cmdStart"), 14U) << modulation;
   }
-};
-
-TEST_P(TestDefBox, StartsNoTestWithABadEntryAndShowsItsBox) {
-  const BoxCase& c = GetParam();
-  if (c.prepare) c.prepare(test());
-  Open();
-  for (const char* text : {"", "abc", "1.2.3", "5 V", "0.5,5", "0,15", "1,000", "1e400", "--1"})
-    ExpectPrompt(text, kNotANumber);
-  for (const std::string& text : c.outOfRange) ExpectPrompt(text, kOutOfRange);
+  EXPECT_EQ(starts->count(), 0);
 }
 
-const auto kLinear = [](TestDefinition& d) { d.StepType = StepType::Linear; };
-const auto kFm = [](TestDefinition& d) { d.ModType = Modulation::Fm; };
-const auto kPulse = [](TestDefinition& d) { d.ModType = Modulation::Pulse; };
-
-INSTANTIATE_TEST_SUITE_P(
-    Boxes, TestDefBox,
-    testing::Values(
-        BoxCase{"txtStartFreq", 0, {}, {"0", "-1", "-1e5"}}, BoxCase{"txtStopFreq", 0, {}, {"0.2", "2E-1", "0", "-80"}},
-        BoxCase{"txtLinearStep", 0, kLinear, {"0", "-0.1"}}, BoxCase{"txtLogStep", 0, {}, {"0", "-1"}},
-        BoxCase{"txtSweepDwell", 0, {}, {"-0.001", "-1000"}}, BoxCase{"txtDiscreteDwell", 0, {}, {"-1"}},
-        BoxCase{"txtAmDepth", 1, {}, {"0", "100.5", "-1", "1e39"}}, BoxCase{"txtAmModFreq", 1, {}, {"0", "-1"}},
-        BoxCase{"txtFmDev", 1, kFm, {"0", "-1"}}, BoxCase{"txtFmModFreq", 1, kFm, {"0", "-1", "1e39"}},
-        BoxCase{"txtPulseWidth", 1, kPulse, {"0", "-1"}}, BoxCase{"txtPulsePeriod", 1, kPulse, {"0", "-1"}},
-        BoxCase{"txtExtrapolateTo", 2, {}, {"0", "3"}}, BoxCase{"txtInitLevOffset", 3, {}, {"1e39", "-1e39"}},
-        BoxCase{"txtLevelInc", 3, {}, {"0", "1e39"}}, BoxCase{"txtInterDwell", 3, {}, {"-0.1"}},
-        BoxCase{"txtLimitMargin", 3, {}, {"1e39"}}, BoxCase{"txtEUTCircuitImpedance", 3, {}, {"-1"}}),
-    [](const auto& row) { return std::string(row.param.box); });
-
-TEST_F(TestDefForm, TakesANumberInAnotherSpelling) {
-  Type("txtStopFreq", " +8E1 ");
-  Type("txtSweepDwell", "1000");
-  Type("txtAmDepth", "1d2");
-  Type("txtInitLevOffset", "6");
-  Type("txtLevelInc", "-2");
-  EXPECT_TRUE(form().FormToDef()) << testing::PrintToString(t.dialogs.Texts());
-  EXPECT_EQ(test().StopFreq, 80);
-  EXPECT_EQ(test().SweepDwell, 1000);
-  EXPECT_EQ(test().AmDepth, 100);
-  EXPECT_EQ(test().InitLevOffset, -6);
-  EXPECT_EQ(test().LevelInc, 2);
-}
-
-TEST_F(TestDefForm, TellsPulsesThatThePowerMeterAveragesAtTheirBox) {
-  test().ModType = Modulation::Pulse, test().LevelingMethod = LevelingMethod::ForwardPower,
-  test().ModOffBetweenFreqs = false;
-  Open();
-  Find<QTabWidget>("tabSetup").setCurrentIndex(3);
-  EXPECT_THAT(Told("cmdStart"), ElementsAre(testing::StartsWith("The power meter reads the mean of a pulsed signal")));
-  EXPECT_EQ(Tab(), 1);
-  EXPECT_EQ(form().focusWidget(), &Find<QWidget>("chkModOffBetweenFreqs"));
-  EXPECT_EQ(requests().starts, 0);
-}
-
-TEST_F(TestDefForm, ShowsTheTabOfARefusalWithoutABox) {
-  struct Row {
-    std::function<void()> change;
+TEST_F(TestDefForm, ShowsThePageOfWhatIsMissing) {
+  const struct {
+    void (*change)(TestDefinition& test);
     const char* message;
     int tab;
-  };
-  const Row rows[] = {
-      {[&] { documents.calInfo.Record.FreqRange = "80"; },
-       "No start/stop frequencies in calibration file.\r\nTry checking calibration file data.", 2},
-      {[&] { test().CalInfoFile.clear(); }, "No calibration setup file specified!", 2},
-      {[&] { test() = {}, documents.calInfo.Record = {}; }, "No calibration setup file specified!", 2},
-      {[&] { test().FreqSweep = test().FreqList = false; },
-       "Either a swept frequency test or \r\na discrete frequency test must be specified", 0},
-      {[&] { test().ListFile.clear(); }, "No frequency list file specified", 0},
-  };
-  const TestDefinition good = test();
-  for (const Row& row : rows) {
+  } rows[] = {{[](auto& t) { t.CalInfoFile.clear(); }, "No calibration setup file specified!", 2},
+              {[](auto& t) { t.FreqSweep = t.FreqList = false; },
+               "Either a swept frequency test or \r\na discrete frequency test must be specified", 0},
+              {[](auto& t) { t.ListFile.clear(); }, "No frequency list file specified", 0},
+              {[](auto& t) { t.ModType = Modulation::Pulse, t.ConstPeak = t.ModOffBetweenFreqs = false; },
+               "The power meter reads the mean of a pulsed signal", 1}};
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.message);
-    test() = good;
-    documents.calInfo.Record.FreqRange = "0.15 - 230";
-    row.change();
+    test() = GoodDefinition(m.directory);
+    row.change(test());
     Open();
-    Find<QTabWidget>("tabSetup").setCurrentIndex(3);
-    EXPECT_THAT(Told("cmdStart"), ElementsAre(row.message));
-    EXPECT_EQ(t.dialogs.messages.back().buttons, MessageButtons::Ok);
-    EXPECT_EQ(Tab(), row.tab);
-    EXPECT_EQ(requests().starts, 0);
+    Tabs().setCurrentIndex(3);
+    EXPECT_THAT(Told("cmdStart"), ElementsAre(testing::StartsWith(row.message)));
+    EXPECT_EQ(dialogs.messages.back().buttons, MessageButtons::Ok);
+    EXPECT_EQ(Tabs().currentIndex(), row.tab);
+    EXPECT_EQ(starts->count(), 0);
   }
 }
 
-TEST_F(TestDefForm, AnnouncesATestOutsideItsCalibration) {
+TEST_F(TestDefForm, AnnouncesATestOutsideItsCalibrationAndStartsItWithin) {
   Type("txtStartFreq", "0.1");
   Type("txtStopFreq", "1e3");
-  EXPECT_THAT(Told("cmdStart"),
-              ElementsAre("Start frequency specified, 0.1 MHz, is less than the\r\nlowest frequency in the cal file, "
-                          "0.15 MHz. \r\nTesting will not happen outside the cal file limits.",
-                          "Stop frequency specified, 1000 MHz, is greater than the\r\nhighest frequency in the cal "
-                          "file, 230 MHz. \r\nTesting will not happen outside the cal file limits."));
-  EXPECT_EQ(Box("txtStartFreq").text(), "0.15");
-  EXPECT_EQ(Box("txtStopFreq").text(), "230");
-  EXPECT_EQ(test().StartFreq, 0.15);
-  EXPECT_EQ(test().StopFreq, 230);
-  EXPECT_EQ(requests().starts, 1);
+  EXPECT_EQ(Told("cmdStart").size(), 2U);
+  EXPECT_EQ(Text("txtStartFreq"), "0.15");
+  EXPECT_EQ(Text("txtStopFreq"), "230");
+  EXPECT_EQ(starts->count(), 1);
 }
 
-TEST_F(TestDefForm, EnablesTheBoxesOfAModulation) {
-  struct Row {
-    const char* option;
-    bool modOff, am, fm, pulse;
-  };
-  for (const Row& row : {Row{"optNoMod", false, false, false, false}, Row{"optFMMod", true, false, true, false},
-                         Row{"optPulseMod", true, false, false, true}, Row{"optAMMod", true, true, false, false}}) {
-    SCOPED_TRACE(row.option);
-    Press(row.option);
-    EXPECT_EQ(Enabled("chkModOffBetweenFreqs"), row.modOff);
-    for (const char* name : {"chkConstPeak", "txtAmDepth", "txtAmModFreq", "chkUseAMdepth"})
-      EXPECT_EQ(Enabled(name), row.am) << name;
-    for (const char* name : {"txtFmDev", "txtFmModFreq"}) EXPECT_EQ(Enabled(name), row.fm) << name;
-    for (const char* name : {"txtPulsePeriod", "txtPulseWidth"}) EXPECT_EQ(Enabled(name), row.pulse) << name;
-  }
-}
-
-TEST_F(TestDefForm, DropsConstantPeakWithoutModulationOff) {
+TEST_F(TestDefForm, AClickEnablesWhatItPutsInUseAndFollowsItsRule) {
+  Press("optFMMod");
+  EXPECT_TRUE(IsEnabled(*form, "txtFmDev"));
+  EXPECT_FALSE(IsEnabled(*form, "txtAmDepth"));
+  Press("optAMMod");
   Press("chkModOffBetweenFreqs");
-  EXPECT_FALSE(Ticked("chkConstPeak"));
-  EXPECT_FALSE(Enabled("chkUseAMdepth"));
+  EXPECT_FALSE(IsTicked(*form, "chkConstPeak") || IsEnabled(*form, "chkUseAMdepth"));
   Press("chkConstPeak");
-  EXPECT_TRUE(Ticked("chkModOffBetweenFreqs"));
-  EXPECT_TRUE(Enabled("chkUseAMdepth"));
-  Press("chkModOffBetweenFreqs");
-  ASSERT_TRUE(form().FormToDef());
-  EXPECT_FALSE(test().ConstPeak);
-  EXPECT_FALSE(test().ModOffBetweenFreqs);
-}
-
-TEST_F(TestDefForm, DropsTheLimitWithTheProbe) {
-  const Strings margin{"txtLimitMargin", "lblLimitMargin", "lblLimitMargin2"};
-  const auto expect = [&](bool probe, bool limit) {
-    EXPECT_EQ(Enabled("chkLimitCurrent"), probe);
-    EXPECT_EQ(Enabled("txtEUTCircuitImpedance"), probe);
-    for (const std::string& name : margin) EXPECT_EQ(Enabled(name.c_str()), limit) << name;
-  };
-  expect(true, true);
-  Press("chkLimitCurrent");
-  expect(true, false);
+  EXPECT_TRUE(IsTicked(*form, "chkModOffBetweenFreqs") && IsEnabled(*form, "chkUseAMdepth"));
   Press("chkMonitorProbe");
-  expect(false, false);
-  Press("chkMonitorProbe");
-  Press("chkLimitCurrent");
-  expect(true, true);
+  EXPECT_FALSE(IsEnabled(*form, "chkLimitCurrent") || IsEnabled(*form, "lblLimitMargin2"));
 }
 
 TEST_F(TestDefForm, OpensTheEquipmentPageThatAnIncompleteStationLacks) {
-  EquipRecord& equip = documents.equip.Record;
-  equip.RevPortFile.clear();
+  QSignalSpy pages(form.get(), &frmTestDef::EditEquipmentRequested);
+  m.documents.equip.Record.RevPortFile.clear();
   EXPECT_THAT(Told("cmdStart"), ElementsAre("No reverse coupler port file has been selected"));
-  equip.AmpConfiguration = AmpConfig::Single;
-  EXPECT_THAT(Told("cmdStart"),
-              ElementsAre("A dual-channel power meter must be selected\r\nfor a net-power type test."));
-  EXPECT_THAT(requests().equipmentTabs, ElementsAre(1, 0));
-  EXPECT_EQ(requests().starts, 0);
-  EXPECT_TRUE(form().isVisible());
+  m.documents.equip.Record.AmpConfiguration = AmpConfig::Single;
+  EXPECT_EQ(Told("cmdStart").size(), 1U);
+  ASSERT_EQ(pages.count(), 2);
+  EXPECT_EQ(pages[0][0].toInt(), 1);
+  EXPECT_EQ(pages[1][0].toInt(), 0);
+  EXPECT_EQ(starts->count(), 0);
   Press("optSigGenLevel");
   EXPECT_THAT(Told("cmdStart"), IsEmpty());
-  EXPECT_EQ(requests().starts, 1);
+  EXPECT_EQ(starts->count(), 1);
 }
 
-TEST_F(TestDefForm, HasEachMnemonicOncePerPage) {
-  ExpectMnemonicsApart(form());
-  EXPECT_LT(form().minimumSizeHint().height(), 700);
+TEST_F(TestDefForm, ChecksATestAgainstItsOwnCalibration) {
+  TestDefinition orphan = test();
+  orphan.CalInfoFile = m.directory.File("vanished.hyinfo");
+  SaveRecord(m.directory.File("orphan.tst"), orphan);
+  dialogs.AnswerOpen(m.directory.File("orphan.tst"));
+  EXPECT_THAT(Told("cmdLoad"), ElementsAre(testing::HasSubstr("CalInfo.LoadDef")));
+  EXPECT_EQ(Text("lblCalFreqRange"), "");
+  EXPECT_THAT(Told("cmdStart"), ElementsAre(testing::HasSubstr("No start/stop frequencies")));
+}
+
+TEST_F(TestDefForm, TakesAChosenCalibrationWholeOrNotAtAll) {
+  Told("cmdCalFile");
+  EXPECT_EQ(dialogs.openRequests.back().title, "Select Calibration File");
+  EXPECT_EQ(dialogs.openRequests.back().filter, "CalInfo (*.hyinfo)|*.hyinfo");
+  EXPECT_EQ(dialogs.openRequests.back().fileName, test().CalInfoFile);
+  dialogs.AnswerOpen(other);
+  EXPECT_THAT(Told("cmdCalFile"), IsEmpty());
+  dialogs.AnswerOpen(m.directory.Write("bad.hyinfo", "Bad\r\n"));
+  EXPECT_THAT(Told("cmdCalFile"), ElementsAre(testing::HasSubstr("CalInfo.LoadDef")));
+  EXPECT_EQ(Path("lblCalFileName"), other);
+  EXPECT_EQ(Text("lblCalDescription"), "Other");
+  EXPECT_EQ(info().SetupDescription, "Other");
+}
+
+TEST_F(TestDefForm, DropsACalibrationFromFormAndRecord) {
+  dialogs.AnswerOpen(other);
+  Press("cmdCalFile");
+  dialogs.Answer(MessageAnswer::No);
+  Press("cmdExit");
+  EXPECT_FALSE(form->isVisible());
+  EXPECT_EQ(info().FreqRange, "0.15 - 230");
+
+  dialogs.AnswerOpen(other);
+  Open();
+  Press("cmdCalFile");
+  ASSERT_TRUE(form->FormToDef());
+  dialogs.Answer(MessageAnswer::No);
+  Choose(*form, "mnuFileExit");
+  EXPECT_EQ(test().CalInfoFile, other);
+  EXPECT_EQ(info().FreqRange, "1 - 30");
+}
+
+TEST_F(TestDefForm, TakesNoFileThatIsNoList) {
+  test().FreqList = false;
+  Open();
+  const std::string before = test().ListFile;
+  for (const std::string& path : {m.directory.Write("bad.lst", "1\r\ntwo\r\n"), m.directory.File("vanished.lst")}) {
+    dialogs.AnswerOpen(path);
+    EXPECT_EQ(Told("cmdListFile").size(), 1U);
+    EXPECT_EQ(Path("lblListFile"), before);
+    EXPECT_FALSE(IsTicked(*form, "chkFreqList"));
+  }
+  const std::string path = m.directory.Write("good.lst", "1\r\n2\r\n");
+  dialogs.AnswerOpen(path);
+  EXPECT_THAT(Told("cmdListFile"), IsEmpty());
+  EXPECT_EQ(dialogs.openRequests.back().title, "Select frequency list file");
+  EXPECT_EQ(dialogs.openRequests.back().filter, "Frequency List (*.lst)|*.lst|All Files|*.*");
+  EXPECT_EQ(dialogs.openRequests.back().fileName, before);
+  EXPECT_EQ(Path("lblListFile"), path);
+  EXPECT_TRUE(IsTicked(*form, "chkFreqList"));
+}
+
+TEST_F(TestDefForm, AsksForTheListBuilderWithItsList) {
+  QSignalSpy lists(form.get(), &frmTestDef::CreateListRequested);
+  Press("cmdCreateList");
+  ASSERT_EQ(lists.count(), 1);
+  EXPECT_EQ(lists[0][0].toString(), ToQt(test().ListFile));
+}
+
+TEST_F(TestDefForm, LocksAReadOnlyTestOnly) {
+  const auto expect = [&](bool enabled) {
+    for (const char* name : {"fraFeedback", "fraCalFileData", "fraLevelingMode", "fraLevelRamping", "cmdCalFile"})
+      EXPECT_EQ(IsEnabled(*form, name), enabled) << name;
+    EXPECT_TRUE(IsEnabled(*form, "txtStartFreq"));
+    EXPECT_EQ(Find<QLabel>(*form, "lblReadOnly").isVisible(), !enabled);
+  };
+  const std::string path = m.directory.File("fixed.tst");
+  SaveRecord(path, test());
+  std::filesystem::permissions(path, std::filesystem::perms::owner_read);
+  m.documents.testSetup.TestFileName = path;
+  Open();
+  expect(false);
+  EXPECT_THAT(Told("cmdSave"), ElementsAre(testing::HasSubstr("TestSetup.SaveDef")));
+  dialogs.AnswerSave(m.directory.File("copy.tst"));
+  EXPECT_THAT(Told("mnuFileSaveAs"), IsEmpty());
+  expect(true);
+  dialogs.AnswerOpen(path);
+  Press("cmdLoad");
+  expect(false);
+}
+
+TEST_F(TestDefForm, PrintsWhatIsOnTheScreenAndReportsAFailingPrinter) {
+  Type("txtStopFreq", "60");
+  Choose(*form, "mnuFilePrint");
+  ASSERT_EQ(m.printer.jobs.size(), 1U);
+  EXPECT_THAT(m.printer.Lines(), testing::Contains("          Freq Range: 0.2 - 60.0"));
+  EXPECT_EQ(test().StopFreq, 80) << "printing takes nothing over";
+  Type("txtStopFreq", "x");
+  EXPECT_THAT(Told("mnuFilePrint"), ElementsAre(kNotANumber));
+  EXPECT_EQ(m.printer.jobs.size(), 1U) << "a page that shows another test than the screen";
+  Type("txtStopFreq", "60");
+  m.printer.failure = ErrorNumber::DeviceIoError;
+  EXPECT_THAT(Told("mnuFilePrint"), ElementsAre(testing::HasSubstr("TestSetup.PrintTestSetup")));
+  QSignalSpy previews(form.get(), &frmTestDef::PrintPreviewRequested);
+  Choose(*form, "mnuFilePreview");
+  EXPECT_EQ(previews.count(), 1);
+}
+
+TEST_F(TestDefForm, AsksOnceAboutWhatStaysInTheSession) {
+  Type("txtStopFreq", "70");
+  Press("cmdStart");
+  dialogs.Answer(MessageAnswer::No);
+  Press("cmdExit");
+  Open();
+  EXPECT_EQ(form->windowTitle(), "Test Definition File: *");
+  EXPECT_THAT(Told("cmdExit"), IsEmpty());
+  EXPECT_FALSE(form->isVisible());
+}
+
+TEST_F(TestDefForm, TabSkipsTheStepThatIsNotChosen) {
+  const auto stops = [this](const char* box) {
+    return (Find<QLineEdit>(*form, box).focusPolicy() & Qt::TabFocus) != 0;
+  };
+  EXPECT_TRUE(stops("txtLogStep") && !stops("txtLinearStep"));
+  Press("optLinStep");
+  EXPECT_TRUE(stops("txtLinearStep") && !stops("txtLogStep"));
+}
+
+TEST_F(TestDefForm, OpensHelpAtItsChapter) {
+  QStringList topics;
+  QObject::connect(form.get(), &WorkingForm::HelpRequested, [&](const QString& topic) { topics << topic; });
+  for (int tab = 0; tab < 4; ++tab) {
+    Tabs().setCurrentIndex(tab);
+    Choose(*form, "mnuHelpTestdef");
+  }
+  QTest::keyClick(&Find<QLineEdit>(*form, "txtLevelInc"), Qt::Key_F1);
+  EXPECT_EQ(topics, QStringList({"frequencies", "modulation", "calibration file", "test level:test definition",
+                                 "test level:test definition"}));
 }
 
 }  // namespace
