@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "calibration/CalibrationRig.h"
+#include "calibration/CalibrationRuns.h"
 #include "run/FactorLoading.h"
 
 namespace hylden {
@@ -47,13 +47,8 @@ class LevelPlanTest : public testing::Test {
   /// Steps of 2 MHz from 1 to 4.5: the last of the three is at 5 MHz.
   void UseLinear() { rig.setup.StopFreq = 4.5, rig.setup.StepType = StepType::Linear, rig.setup.LinearStep = 2; }
   std::string Record() const { return rig.t.directory.Read("a.cal") + rig.t.directory.Read("a.hyinfo"); }
-  void HaltAt(double frequencyMHz) {
-    rig.onMeterRead = [this, frequencyMHz](double) {
-      if (rig.frequencyMHz == frequencyMHz) rig.t.shell.delay.RequestHalt();
-    };
-  }
 
-  CalibrationRig rig;
+  CalibrationRuns rig;
 };
 
 TEST_F(LevelPlanTest, ARoundedLastPointStaysWhereEverythingCoversIt) {
@@ -96,13 +91,6 @@ TEST_F(LevelPlanTest, AFallingListMakesARisingRecord) {
   EXPECT_EQ(rig.Rows().front().substr(0, 4), "4.0,");
 }
 
-TEST_F(LevelPlanTest, ARecordOfARunThatEndedEarlyNamesTheRangeThatItHolds) {
-  HaltAt(4);
-  rig.Run();
-  EXPECT_THAT(Record(), HasSubstr("\r\n1 - 2\r\n"));
-  EXPECT_EQ(rig.t.dialogs.LastText(), "The calibration ended early: its record holds 1 - 2 MHz only.");
-}
-
 TEST_F(LevelPlanTest, ADescriptionBesideANewNameIsReplacedOnlyWhenAsked) {
   const std::string info = rig.t.directory.Write("a.hyinfo", "another cable");
   rig.t.dialogs.Answer(MessageAnswer::Yes);  // save
@@ -119,9 +107,9 @@ TEST_F(LevelPlanTest, ADescriptionBesideANewNameIsReplacedOnlyWhenAsked) {
   EXPECT_THAT(rig.t.directory.Read("a.hyinfo"), StartsWith("1 V\r\n"));
 }
 
-TEST_F(LevelPlanTest, AnotherRunAsksBeforeItDropsRowsThatAreNotSaved) {
+TEST_F(LevelPlanTest, AnotherRunAsksBeforeItDropsRowsAndTheirRecordNamesTheRangeThatItHolds) {
   constexpr const char* kQuestion = "The calibration data has not been saved.\r\nSave it?";
-  HaltAt(4);
+  rig.HaltAt(4);
   rig.t.dialogs.Answer(MessageAnswer::No);
   rig.Run();
   const auto rows = rig.Rows();
@@ -139,6 +127,7 @@ TEST_F(LevelPlanTest, AnotherRunAsksBeforeItDropsRowsThatAreNotSaved) {
   rig.t.dialogs.Answer(MessageAnswer::Ok);  // it ended early
   rig.t.dialogs.Answer(MessageAnswer::No);
   rig.level.Run();
+  EXPECT_EQ(rig.Shown("The calibration ended early: its record holds 1 - 2 MHz only."), 1);
   EXPECT_THAT(Record(), HasSubstr("\r\n1 - 2\r\n"));
   EXPECT_EQ(rig.Rows().size(), 3U);
 }

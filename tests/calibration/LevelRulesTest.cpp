@@ -17,24 +17,13 @@
 namespace hylden {
 namespace {
 
-struct StepCase {
-  const char* name;
-  double level, target, tolerance, expected;
-};
-
-class NextLevelStepTest : public testing::TestWithParam<StepCase> {};
-
-TEST_P(NextLevelStepTest, ClosesOnTheTarget) {
-  EXPECT_NEAR(NextLevelStep(GetParam().level, GetParam().target, GetParam().tolerance), GetParam().expected, 1e-9);
+TEST(NextLevelStepTest, ClosesOnTheTarget) {
+  const struct {
+    double level, tolerance, expected;
+  } cases[] = {{117, 0.5, 3.5 / 1.5}, {100, 0.5, 10},   {105.5, 0.5, 10},    {119.9, 0.5, 0.4},
+               {119.95, 0.2, 0.1},    {120, 0.5, 0.25}, {120.5, 0.5, -0.25}, {140, 0.5, -19.75}};
+  for (const auto& c : cases) EXPECT_NEAR(NextLevelStep(c.level, 120, c.tolerance), c.expected, 1e-9) << c.level;
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Steps, NextLevelStepTest,
-    testing::Values(StepCase{"ThreeLow", 117, 120, 0.5, 3.5 / 1.5}, StepCase{"TwentyLow", 100, 120, 0.5, 10},
-                    StepCase{"JustTen", 105.5, 120, 0.5, 10}, StepCase{"LittleLow", 119.9, 120, 0.5, 0.4},
-                    StepCase{"NarrowBand", 119.95, 120, 0.2, 0.1}, StepCase{"AtTarget", 120, 120, 0.5, 0.25},
-                    StepCase{"UpperEdge", 120.5, 120, 0.5, -0.25}, StepCase{"FarAbove", 140, 120, 0.5, -19.75}),
-    [](const auto& row) { return row.param.name; });
 
 TEST(Tolerance, LeavesItsEdgesOut) {
   EXPECT_FALSE(InTolerance(120, 120, kToleranceDb));
@@ -95,20 +84,17 @@ TEST(FrequencyPlanTest, TakesAListsOwnRange) {
   EXPECT_TRUE(FailsWith(PlanFrequencies(request), "Error # 53\r"));
 }
 
-struct SensorCase {
-  double previous, frequency;
-  const char* expected;
-};
 TEST(SensorPrompt, MovesTheSensorAtBandChangesOnly) {
-  const SensorCase cases[] = {
-      {0, 215, "Move sensor to low freq coupler"},
-      {0, 215.001, "Move sensor to high freq coupler"},
-      {215, 215.001, "Move sensor(s) to high freq coupler"},
-      {300, 215, "Move sensor(s) to low freq coupler"},
-      {100, 215, ""},
-      {300, 216, ""},
-  };
-  for (const SensorCase& c : cases) EXPECT_EQ(SensorPrompt(c.previous, c.frequency, 215), c.expected);
+  const struct {
+    double previous, frequency;
+    const char* expected;
+  } cases[] = {{0, 215, "Move sensor to low freq coupler"},
+               {0, 215.001, "Move sensor to high freq coupler"},
+               {215, 215.001, "Move sensor(s) to high freq coupler"},
+               {300, 215, "Move sensor(s) to low freq coupler"},
+               {100, 215, ""},
+               {300, 216, ""}};
+  for (const auto& c : cases) EXPECT_EQ(SensorPrompt(c.previous, c.frequency, 215), c.expected);
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "calibration/CalibrationRig.h"
+#include "calibration/CalibrationRuns.h"
 
 namespace hylden {
 namespace {
@@ -12,13 +12,7 @@ using testing::ElementsAre;
 
 class RunSafetyTest : public testing::Test {
  protected:
-  void SetUp() override {
-    CableSetup& cable = rig.cable.Setup;
-    cable.StartFreq = 1, cable.StopFreq = 4, cable.StepType = StepType::Log, cable.LogStep = 100;
-    ASSERT_TRUE(rig.cable.BuildPlan());
-  }
-
-  CalibrationRig rig;
+  CalibrationRuns rig;
 };
 
 TEST_F(RunSafetyTest, KeepsThePointsBeforeWhenARunIsHaltedComingUp) {
@@ -51,31 +45,9 @@ TEST_F(RunSafetyTest, RecordsNoPowerThatWasReadAfterRfWentOff) {
   EXPECT_EQ(CompleteRows(rig.level.Rows()).size(), 2U);
 }
 
-TEST_F(RunSafetyTest, TellsAnInstrumentsFailureWithRfOff) {
-  const struct {
-    const char* line;
-    const char* text;
-  } failures[] = {{"> 13 TS", "Error triggering meter"},
-                  {"> 13 CF 1.", "Error writing to meter"},
-                  {"> 13 MA?", "Error"},
-                  {"> 18 OUTP ON", "Error setting SigGen RF on. "}};
-  for (const bool cable : {false, true})
-    for (const auto& failure : failures) {
-      SCOPED_TRACE(failure.line);
-      rig.t.dialogs.Clear();
-      rig.rfOnAtMessage = false;
-      rig.bus.FailLine(failure.line, gpib::kEnol);
-      cable ? rig.cable.DirectPass(rig.display) : rig.Run();
-      EXPECT_TRUE(rig.t.dialogs.WasShownContaining("ibsta"));
-      EXPECT_EQ(rig.t.dialogs.pointerResets, 1);
-      EXPECT_FALSE(rig.rfOnAtMessage);
-      EXPECT_FALSE(rig.rfOn);
-    }
-}
-
 TEST_F(RunSafetyTest, AnExceptionIsToldWithRfOffThoughTheFirstRfOffDoesNotGetThrough) {
   for (const bool throws : {false, true}) {
-    CalibrationRig failing;
+    CalibrationRuns failing;
     failing.onMeterRead = [&](double) {
       throws ? failing.throwAtLines.push_back("> 18 OUTP OFF") : failing.bus.FailLine("> 18 OUTP OFF", gpib::kEnol);
       throw RuntimeError(ErrorNumber::Overflow);
@@ -94,29 +66,6 @@ TEST_F(RunSafetyTest, ACableReadingThatIsNoneIsToldWithRfOffThoughThreeRfOffsDoN
   rig.cable.DirectPass(rig.display);
   EXPECT_TRUE(rig.t.dialogs.WasShownContaining("The meter's answer is no level"));
   EXPECT_FALSE(rig.rfOnAtMessage);
-}
-
-TEST_F(RunSafetyTest, SaysOnceThatRfMayBeOn) {
-  rig.levels = {120.25};
-  rig.onMeterRead = [&](double) { rig.bus.FailAlways(gpib::kEnol); };
-  rig.Run();
-  const auto texts = rig.t.dialogs.Texts();
-  ASSERT_GE(texts.size(), 2U);
-  EXPECT_TRUE(texts[0].starts_with("Error in writing command to meter. \r\nibsta = &H8120")) << texts[0];
-  EXPECT_EQ(texts[1], "RF could not be switched off: switch the amplifier off by hand.");
-  EXPECT_LE(texts.size(), 3U);  // the question whether to save
-  EXPECT_EQ(rig.instruments.sigGen.RfState(), Rf::Unknown);
-}
-
-TEST_F(RunSafetyTest, SendsALastRfOffAgainThatFailedOnce) {
-  rig.levels = {120.25, 120.25, 120.25};
-  rig.onMeterRead = [&, reads = 0](double) mutable {
-    if (++reads == 3) rig.bus.FailLine("> 18 OUTP OFF", gpib::kEnol);
-  };
-  rig.Run();
-  EXPECT_EQ(rig.Rows().size(), 3U);
-  EXPECT_EQ(rig.t.dialogs.messages.size(), 1U) << rig.t.dialogs.Texts().front();
-  EXPECT_FALSE(rig.rfOn);
 }
 
 TEST_F(RunSafetyTest, RunsOneAtATime) {

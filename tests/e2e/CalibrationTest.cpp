@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <string>
 
-#include "BenchStation.h"
+#include "e2e/DemoRuns.h"
 
 namespace hylden {
 namespace {
@@ -20,14 +20,14 @@ void LittleNoise(BenchConfig& config) {
   config.NoiseDb = kNoiseDb;
 }
 
-Amplifier AmplifierAt(const BenchStation& station, double frequencyMHz) {
+Amplifier AmplifierAt(const DemoRuns& station, double frequencyMHz) {
   const EquipRecord& equipment = station.documents.equip.Record;
   if (!equipment.HasIfiAmplifier()) return Amplifier::Generic;
   return frequencyMHz <= equipment.IfiBandSwitch ? Amplifier::IfiLow : Amplifier::IfiHigh;
 }
 
 /// Watches that the level at the port stands in the tolerance band whenever a point is recorded.
-void WatchBand(BenchStation& station, int& recorded) {
+void WatchBand(DemoRuns& station, int& recorded) {
   station.calibrationDisplay.onStep = [&](int) {
     ++recorded;
     const BenchState& state = station.bench.State();
@@ -38,7 +38,7 @@ void WatchBand(BenchStation& station, int& recorded) {
 }
 
 /// The recorded generator level brings the port into the tolerance band, and the powers are those seen there.
-void ExpectTrueRecord(const BenchStation& station) {
+void ExpectTrueRecord(const DemoRuns& station) {
   for (const CalRow& row : station.level.Rows()) {
     const CalibrationReading truth =
         station.bench.Path().CalibrationPort(row.Freq, row.SigGenLevel, AmplifierAt(station, row.Freq));
@@ -52,7 +52,7 @@ void ExpectTrueRecord(const BenchStation& station) {
 }
 
 /// Replays the record by one of the demo tests; every step ends at the calibrated level or barely above it.
-void ExpectReplayed(BenchStation& station, const std::string& testFile, const std::string& infoFile) {
+void ExpectReplayed(DemoRuns& station, const std::string& testFile, const std::string& infoFile) {
   SCOPED_TRACE(testFile);
   ASSERT_TRUE(station.documents.testSetup.LoadDef(testFile));
   station.Test().CalInfoFile = infoFile;
@@ -69,26 +69,22 @@ void ExpectReplayed(BenchStation& station, const std::string& testFile, const st
     EXPECT_LT(state.TestLevelDbuv, kTargetDbuv + 0.9) << state.Generator.FreqMHz << " MHz";
   };
   station.Run();
-  EXPECT_EQ(station.engine.Outcome(), RunOutcome::Finished) << station.machine.dialogs.LastText();
+  EXPECT_EQ(station.engine.Outcome(), RunOutcome::Finished) << station.dialogs.LastText();
   EXPECT_EQ(levelled, static_cast<int>(station.engine.Steps().size()));
   EXPECT_GT(levelled, 100);
 }
 
 TEST(CalibrationLoop, CableThenLevelThenTestAgreeWithThePhysics) {
-  BenchStation station("station.eqp", LittleNoise);
-  const TempDir& files = station.machine.directory;
+  DemoRuns station("station.eqp", LittleNoise);
+  const TempDir& files = station.directory;
 
-  CableSetup& cableSetup = station.cable.Setup;
-  cableSetup.StartFreq = 0.15;
-  cableSetup.StopFreq = 230;
-  cableSetup.StepType = StepType::Log;
-  cableSetup.LogStep = 3;
-  cableSetup.Level = -10;
+  CableSetup& setup = station.cable.Setup;
+  setup.StartFreq = 0.15, setup.StopFreq = 230, setup.StepType = StepType::Log, setup.LogStep = 3, setup.Level = -10;
   ASSERT_TRUE(station.cable.BuildPlan());
   station.DirectPass();
   station.InsertPass();
-  station.machine.dialogs.AnswerSave(files.File("measured.los"));
-  ASSERT_TRUE(station.cable.SaveFile()) << station.machine.dialogs.LastText();
+  station.dialogs.AnswerSave(files.File("measured.los"));
+  ASSERT_TRUE(station.cable.SaveFile()) << station.dialogs.LastText();
   ASSERT_GT(station.cable.Points().size(), 200U);
   for (const CablePoint& point : station.cable.Points())
     EXPECT_NEAR(point.Loss, station.bench.Config().CableUnderTest.At(point.Freq), 0.1) << point.Freq << " MHz";
@@ -98,7 +94,7 @@ TEST(CalibrationLoop, CableThenLevelThenTestAgreeWithThePhysics) {
   int recorded = 0;
   WatchBand(station, recorded);
   station.Calibrate(files.File("level.cal"));
-  EXPECT_EQ(station.level.Outcome(), RunOutcome::Finished) << station.machine.dialogs.LastText();
+  EXPECT_EQ(station.level.Outcome(), RunOutcome::Finished) << station.dialogs.LastText();
   EXPECT_EQ(recorded, 739);
   EXPECT_EQ(station.level.Rows().size(), 739U);
   ExpectTrueRecord(station);
@@ -106,42 +102,35 @@ TEST(CalibrationLoop, CableThenLevelThenTestAgreeWithThePhysics) {
 
   for (const char* test : {"substitution-am.tst", "forward-power-constant-peak.tst", "net-power-fm.tst"})
     ExpectReplayed(station, test, files.File("level.hyinfo"));
-  EXPECT_FALSE(station.bench.State().Generator.RfOn);
-  EXPECT_FALSE(station.AnyRemote());
-  EXPECT_EQ(station.bench.Bus().UnknownCount(), 0);
+  station.ExpectAtRest();
 }
 
 TEST(CalibrationLoop, ACompressingAmplifierEndsTheRunAndKeepsThePoints) {
-  BenchStation station("station.eqp", [](BenchConfig& config) { config.SaturationDbm = 34; });
-  station.Setup().StartFreq = 1;
-  station.Setup().LogStep = 5;
-  station.Setup().LimitFwdPwr = 0;
-  const std::string record = station.machine.directory.File("partial.cal");
+  DemoRuns station("station.eqp", [](BenchConfig& config) { config.SaturationDbm = 34; });
+  station.Setup().StartFreq = 1, station.Setup().LogStep = 5, station.Setup().LimitFwdPwr = 0;
+  const std::string record = station.directory.File("partial.cal");
   station.Calibrate(record);
   EXPECT_EQ(station.level.Outcome(), RunOutcome::EndedEarly);
-  EXPECT_TRUE(station.machine.dialogs.WasShown("Level requested is higher than defined in the calibrations setup"));
+  EXPECT_TRUE(station.dialogs.WasShown("Level requested is higher than defined in the calibrations setup"));
   EXPECT_GT(station.level.Rows().size(), 10U);
   EXPECT_LT(station.level.Rows().size(), station.level.Frequencies().size());
   EXPECT_EQ(CompleteRows(station.level.Rows()).size(), station.level.Rows().size());
-  EXPECT_TRUE(station.machine.directory.Exists("partial.cal"));
-  EXPECT_FALSE(station.bench.State().Generator.RfOn);
-  EXPECT_FALSE(station.AnyRemote());
+  EXPECT_TRUE(station.directory.Exists("partial.cal"));
+  station.ExpectAtRest();
 }
 
 TEST(CalibrationLoop, AGeneratorThatCantSwitchOffRestsAtItsMinimum) {
   for (const bool limited : {false, true}) {
-    BenchStation station("older-generator.eqp", LittleNoise);
-    station.Setup().StartFreq = 20;
-    station.Setup().StopFreq = 22;
-    station.Setup().LimitFwdPwr = limited ? 1 : 0;
-    station.Setup().FwdPwrLimit = 0.5F;  // 10 V take more
+    DemoRuns station("older-generator.eqp", LittleNoise);
+    station.Setup().StartFreq = 20, station.Setup().StopFreq = 22;
+    station.Setup().LimitFwdPwr = limited ? 1 : 0, station.Setup().FwdPwrLimit = 0.5F;  // 10 V take more
     double highestAtMessage = kNoValue;
-    station.machine.dialogs.onShow = [&](const Message&) {
+    station.dialogs.onShow = [&](const Message&) {
       highestAtMessage = std::max(highestAtMessage, station.bench.State().TestLevelDbuv);
     };
     station.Calibrate();
     EXPECT_EQ(station.level.Outcome(), limited ? RunOutcome::EndedEarly : RunOutcome::Finished);
-    EXPECT_EQ(station.machine.dialogs.messages.size(), 1U);
+    EXPECT_EQ(station.dialogs.messages.size(), 1U);
     EXPECT_LT(highestAtMessage, 40);
     EXPECT_LT(station.bench.State().TestLevelDbuv, 40);
   }
@@ -150,7 +139,7 @@ TEST(CalibrationLoop, AGeneratorThatCantSwitchOffRestsAtItsMinimum) {
 class IfiCalibration : public testing::TestWithParam<AmpConfig> {};
 
 TEST_P(IfiCalibration, BothBandsAreCalibratedWithTheSensorInTheRightPlace) {
-  BenchStation station("ifi-station.eqp", LittleNoise);
+  DemoRuns station("ifi-station.eqp", LittleNoise);
   station.documents.equip.Record.AmpConfiguration = GetParam();
   station.station.EquipBench();
   station.Setup().StartFreq = 190;
@@ -160,15 +149,13 @@ TEST_P(IfiCalibration, BothBandsAreCalibratedWithTheSensorInTheRightPlace) {
   WatchBand(station, recorded);
   station.Calibrate();
 
-  EXPECT_EQ(station.level.Outcome(), RunOutcome::Finished) << station.machine.dialogs.LastText();
+  EXPECT_EQ(station.level.Outcome(), RunOutcome::Finished) << station.dialogs.LastText();
   EXPECT_EQ(recorded, static_cast<int>(station.level.Frequencies().size()));
   EXPECT_THAT(station.level.Frequencies(), testing::IsSupersetOf({215.0, 215.000001}));
   ExpectTrueRecord(station);
-  EXPECT_EQ(station.machine.dialogs.WasShown("Move sensor to low freq coupler"), GetParam() == AmpConfig::DualFwdRev);
-  EXPECT_EQ(station.machine.dialogs.WasShown("Move sensor(s) to high freq coupler"),
-            GetParam() == AmpConfig::DualFwdRev);
-  EXPECT_FALSE(station.bench.State().Generator.RfOn);
-  EXPECT_FALSE(station.AnyRemote());
+  for (const char* prompt : {"Move sensor to low freq coupler", "Move sensor(s) to high freq coupler"})
+    EXPECT_EQ(station.dialogs.WasShown(prompt), GetParam() == AmpConfig::DualFwdRev) << prompt;
+  station.ExpectAtRest();
 }
 
 INSTANTIATE_TEST_SUITE_P(Sensors, IfiCalibration, testing::Values(AmpConfig::DualFwdRev, AmpConfig::DualSplit));

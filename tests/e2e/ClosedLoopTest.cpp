@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "BenchStation.h"
+#include "e2e/DemoRuns.h"
 #include "testrun/LevelTargets.h"
 
 namespace hylden {
@@ -18,7 +18,7 @@ struct DemoTest {
   bool limited;         ///< the induced current may hold the level down
   const char* name = "";
   void (*adjust)(BenchConfig&) = nullptr;  ///< what is different on the bench
-  void (*arrange)(BenchStation&) = [](BenchStation&) {};
+  void (*arrange)(DemoRuns&) = [](DemoRuns&) {};
 };
 
 /// Ordinary diode sensors: at the start of a run both show nothing but their own noise.
@@ -27,15 +27,10 @@ void OrdinarySensors(BenchConfig& config) {
 }
 
 /// The reading at the start of the run is far below what the meter can be ranged to.
-void DeafMeter(BenchStation& station) {
-  Meter& meter = station.instruments.meter;
-  MeterDefinition definition = meter.Definition();
+void DeafMeter(DemoRuns& station) {
+  MeterDefinition definition = station.instruments.meter.Definition();
   definition.MinimumLevel = 40;
-  meter.PutDefinition(definition);
-}
-
-void PrintTo(const DemoTest& test, std::ostream* out) {
-  *out << test.file;
+  station.instruments.meter.PutDefinition(definition);
 }
 
 /// A generator without an RF-off command rests at its minimum, far below anything that matters.
@@ -47,17 +42,20 @@ bool IsAtRest(const BenchState& state) {
 class ClosedLoop : public testing::TestWithParam<DemoTest> {};
 
 TEST_P(ClosedLoop, ProductSeesTheWantedLevelAndNeverMore) {
-  BenchStation station(GetParam().equipment, GetParam().adjust);
+  DemoRuns station(GetParam().equipment, GetParam().adjust);
   station.Load(GetParam().file);
   GetParam().arrange(station);
   const bool constantPeak = station.Test().ConstPeak;
+
+  const auto levelOf = [constantPeak](const BenchState& state) {
+    return constantPeak ? state.PeakTestLevelDbuv : state.TestLevelDbuv;
+  };
 
   int moments = 0;
   station.bench.OnChange([&](const BenchState& state) {
     if (!state.Generator.RfOn || IsAtRest(state)) return;
     ++moments;
-    const double level = constantPeak ? state.PeakTestLevelDbuv : state.TestLevelDbuv;
-    EXPECT_LE(level, station.TargetDbuv(state.Generator.FreqMHz) + kMostOvershootDb)
+    EXPECT_LE(levelOf(state), station.TargetDbuv(state.Generator.FreqMHz) + kMostOvershootDb)
         << "at " << state.Generator.FreqMHz << " MHz";
   });
 
@@ -66,8 +64,7 @@ TEST_P(ClosedLoop, ProductSeesTheWantedLevelAndNeverMore) {
     if (!station.IsComplete(row)) return;  // the step only begins
     ++levelled;
     const BenchState& state = station.bench.State();
-    const double level = constantPeak ? state.PeakTestLevelDbuv : state.TestLevelDbuv;
-    const double target = station.TargetDbuv(state.Generator.FreqMHz);
+    const double level = levelOf(state), target = station.TargetDbuv(state.Generator.FreqMHz);
     const double limit =
         InducedCurrentLimit(station.Test(), static_cast<float>(target)).value_or(1e9) - 0.3;  // noise of the probe
     const bool held = GetParam().limited && state.InducedDbua >= limit;
@@ -80,14 +77,12 @@ TEST_P(ClosedLoop, ProductSeesTheWantedLevelAndNeverMore) {
 
   station.Run();
 
-  EXPECT_EQ(station.engine.Outcome(), RunOutcome::Finished) << station.machine.dialogs.LastText();
+  EXPECT_EQ(station.engine.Outcome(), RunOutcome::Finished) << station.dialogs.LastText();
   EXPECT_EQ(levelled, static_cast<int>(station.engine.Steps().size()));
   EXPECT_EQ(station.Rows().size(), station.engine.Steps().size());
   EXPECT_GT(moments, levelled);
-  EXPECT_TRUE(!station.bench.State().Generator.RfOn || IsAtRest(station.bench.State()));
-  EXPECT_FALSE(station.instruments.sigGen.RfIsOn());
-  EXPECT_EQ(station.bench.Bus().UnknownCount(), 0) << station.bench.Bus().UnknownCommands().front().Text;
-  EXPECT_FALSE(station.AnyRemote());
+  EXPECT_TRUE(!station.RfIsOn() || IsAtRest(station.bench.State()));
+  station.ExpectAtRest();
 }
 
 INSTANTIATE_TEST_SUITE_P(DemoStation, ClosedLoop,
@@ -115,14 +110,14 @@ INSTANTIATE_TEST_SUITE_P(DemoStation, ClosedLoop,
 TEST(OrdinarySensorsTest, NetPowerFinishesWhateverTheNoise) {
   for (int seed = 1; seed <= 20; ++seed) {
     SCOPED_TRACE(seed);
-    BenchStation station("station.eqp", [seed](BenchConfig& config) {
+    DemoRuns station("station.eqp", [seed](BenchConfig& config) {
       OrdinarySensors(config);
       config.Seed = seed;
     });
     station.Load("net-power-fm.tst");
     station.Test().LogStep = 50;
     station.Run();
-    EXPECT_EQ(station.engine.Outcome(), RunOutcome::Finished) << station.machine.dialogs.LastText();
+    EXPECT_EQ(station.engine.Outcome(), RunOutcome::Finished) << station.dialogs.LastText();
   }
 }
 

@@ -7,8 +7,9 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <tuple>
 
-#include "BenchStation.h"
+#include "e2e/DemoRuns.h"
 
 namespace hylden {
 namespace {
@@ -16,13 +17,19 @@ namespace {
 constexpr double kMostOvershootDb = 0.6;
 constexpr int kWholeBus = -1;
 
+std::string Joined(const auto& cells) {
+  std::string text;
+  for (const std::string& cell : cells) text += cell + ",";
+  return text;
+}
+
 /// A run that is disturbed: what it does, what it has measured, and how it ended.
 struct Subject {
   const char* name;
-  void (*arrange)(BenchStation&);
-  void (*run)(BenchStation&);
-  std::vector<std::string> (*results)(const BenchStation&);
-  RunOutcome (*outcome)(const BenchStation&);
+  void (*arrange)(DemoRuns&);
+  void (*run)(DemoRuns&);
+  std::vector<std::string> (*results)(const DemoRuns&);
+  RunOutcome (*outcome)(const DemoRuns&);
   std::size_t points;        ///< that an undisturbed run measures
   const char* saveQuestion;  ///< title of the question whether to save; null where nobody asks
   bool accumulates;          ///< ended early, it has measured the first points of an undisturbed run
@@ -32,66 +39,36 @@ void PrintTo(const Subject& subject, std::ostream* out) {
   *out << subject.name;
 }
 
-std::string Joined(const std::vector<std::string>& cells) {
-  std::string text;
-  for (const std::string& cell : cells) text += cell + ",";
-  return text;
-}
-
-std::vector<std::string> CompletedSteps(const BenchStation& station) {
+std::vector<std::string> CompletedSteps(const DemoRuns& station) {
   std::vector<std::string> rows;
   for (const RunEntry& entry : station.Rows())
-    if (const RunRow row = CellsOf(entry); !row[1].empty()) rows.push_back(Joined({row.begin(), row.end()}));
+    if (const RunRow row = CellsOf(entry); !row[1].empty()) rows.push_back(Joined(row));
   return rows;
 }
 
-std::vector<std::string> CalibratedRows(const BenchStation& station) {
+std::vector<std::string> CalibratedRows(const DemoRuns& station) {
   std::vector<std::string> rows;
-  for (const CalRow& row : CompleteRows(station.level.Rows())) {
-    const auto cells = CellsOf(row);
-    rows.push_back(Joined({cells.begin(), cells.end()}));
-  }
+  for (const CalRow& row : CompleteRows(station.level.Rows())) rows.push_back(Joined(CellsOf(row)));
   return rows;
 }
 
-std::vector<std::string> MeasuredPoints(const BenchStation& station) {
+std::vector<std::string> MeasuredPoints(const DemoRuns& station) {
   std::vector<std::string> points;
   for (const CablePoint& point : station.cable.Points())
-    if (point.HasDirect())
-      points.push_back(
-          Joined({std::to_string(point.Freq), std::to_string(point.Direct), std::to_string(point.Insert)}));
+    if (point.HasDirect()) points.push_back(testing::PrintToString(std::tuple(point.Freq, point.Direct, point.Insert)));
   return points;
 }
 
-RunOutcome TestOutcome(const BenchStation& station) {
-  return station.engine.Outcome();
-}
-RunOutcome LevelOutcome(const BenchStation& station) {
-  return station.level.Outcome();
-}
-RunOutcome CableOutcome(const BenchStation& station) {
-  return station.cable.Outcome();
-}
-
 /// Five steps, levelled by net power, with the induced current limited through the probe, and AM.
-void FiveSteps(BenchStation& station) {
+void FiveSteps(DemoRuns& station) {
   station.Load("net-power-fm.tst");
   TestDefinition& test = station.Test();
-  test.StartFreq = 20;
-  test.StopFreq = 24;
-  test.StepType = StepType::Linear;
-  test.LinearStep = 1;
+  test.StartFreq = 20, test.StopFreq = 24, test.StepType = StepType::Linear, test.LinearStep = 1;
   test.SweepDwell = 0.5;
-  test.ModType = Modulation::Am;
-  test.AmDepth = 80;
-  test.AmModFreq = 1;
-  test.ModOffBetweenFreqs = true;
-  test.MonitorProbe = test.LimitCurrent = true;
-  test.LimitMargin = 3;
-  test.EUTCircuitImpedance = 150;
-  test.InitLevOffset = -6;
-  test.LevelInc = 10;
-  test.InterDwell = 0.1F;
+  test.ModType = Modulation::Am, test.AmDepth = 80, test.AmModFreq = 1;
+  test.ModOffBetweenFreqs = test.MonitorProbe = test.LimitCurrent = true;
+  test.LimitMargin = 3, test.EUTCircuitImpedance = 150;
+  test.InitLevOffset = -6, test.LevelInc = 10, test.InterDwell = 0.1F;
   station.bench.Connect(MeterAt::Probe);
   station.bench.OnChange([&station](const BenchState& state) {
     if (!state.Generator.RfOn) return;
@@ -99,28 +76,24 @@ void FiveSteps(BenchStation& station) {
   });
 }
 
-void ThreePoints(BenchStation& station) {
+/// 20, 21 and 22 MHz.
+template <class Setup>
+void ThreePoints(Setup& setup) {
+  setup.StartFreq = 20, setup.StopFreq = 22, setup.StepType = StepType::Linear, setup.LinearStep = 1;
+}
+void LevelPoints(DemoRuns& station) {
   CalSetupRecord& setup = station.Setup();
-  setup.StartFreq = 20;
-  setup.StopFreq = 22;
-  setup.StepType = StepType::Linear;
-  setup.LinearStep = 1;
+  ThreePoints(setup);
   setup.RecordFwdPwr = setup.RecordRevPwr = setup.LimitFwdPwr = 1;
   setup.FwdPwrLimit = 25;
 }
-
-void ThreeCablePoints(BenchStation& station) {
-  CableSetup& setup = station.cable.Setup;
-  setup.StartFreq = 20;
-  setup.StopFreq = 22;
-  setup.StepType = StepType::Linear;
-  setup.LinearStep = 1;
-  setup.Level = -10;
+void CablePoints(DemoRuns& station) {
+  ThreePoints(station.cable.Setup);
+  station.cable.Setup.Level = -10;
   ASSERT_TRUE(station.cable.BuildPlan());
 }
-
-void DirectDone(BenchStation& station) {
-  ThreeCablePoints(station);
+void DirectDone(DemoRuns& station) {
+  CablePoints(station);
   station.DirectPass();
   ASSERT_EQ(station.cable.Outcome(), RunOutcome::Finished);
 }
@@ -131,9 +104,9 @@ struct Undisturbed {
 };
 
 /// The run's messages but those about saving; none may be shown twice.
-std::vector<std::string> MessagesShownOnce(const BenchStation& station) {
+std::vector<std::string> MessagesShownOnce(const DemoRuns& station) {
   std::map<std::string, int> shown;
-  for (const Message& message : station.machine.dialogs.messages)
+  for (const Message& message : station.dialogs.messages)
     if (!message.title.starts_with("Save ") && message.text != "No run data to save") ++shown[message.text];
   std::vector<std::string> texts;
   for (const auto& [text, count] : shown) {
@@ -145,40 +118,56 @@ std::vector<std::string> MessagesShownOnce(const BenchStation& station) {
 
 class FaultSweep : public testing::TestWithParam<Subject> {
  protected:
-  static std::unique_ptr<BenchStation> Arranged() {
-    auto station = std::make_unique<BenchStation>();
-    GetParam().arrange(*station);
-    return station;
+  void SetUp() override {
+    DemoRuns station;
+    GetParam().arrange(station);
+    const int calls = station.driver.Calls(), reads = station.driver.Reads();
+    station.events.onYield = [&] { ++undisturbed.yields; };
+    GetParam().run(station);
+    EXPECT_EQ(GetParam().outcome(station), RunOutcome::Finished) << station.dialogs.LastText();
+    EXPECT_THAT(MessagesShownOnce(station), testing::IsEmpty());
+    undisturbed.results = GetParam().results(station);
+    EXPECT_EQ(undisturbed.results.size(), GetParam().points);
+    undisturbed.calls = station.driver.Calls() - calls;
+    undisturbed.reads = station.driver.Reads() - reads;
+    ASSERT_TRUE(undisturbed.calls > 20 && undisturbed.reads >= 3 && undisturbed.yields > 5);
   }
 
-  static Undisturbed RunUndisturbed() {
-    const auto station = Arranged();
-    Undisturbed result;
-    const int calls = station->driver.Calls(), reads = station->driver.Reads();
-    station->machine.events.onYield = [&] { ++result.yields; };
-    GetParam().run(*station);
-    EXPECT_EQ(GetParam().outcome(*station), RunOutcome::Finished) << station->machine.dialogs.LastText();
-    EXPECT_THAT(MessagesShownOnce(*station), testing::IsEmpty());
-    result.results = GetParam().results(*station);
-    EXPECT_EQ(result.results.size(), GetParam().points);
-    result.calls = station->driver.Calls() - calls;
-    result.reads = station->driver.Reads() - reads;
-    return result;
+  /// Disturbs a run at the first, the second, ... of so many places, and looks at its end.
+  template <class Disturb, class Expect>
+  void Sweep(const std::string& what, int places, const Disturb& disturb, const Expect& expect) {
+    for (int place = 1; place <= places && !HasFailure(); ++place) {
+      SCOPED_TRACE(what + " " + std::to_string(place));
+      DemoRuns station;
+      GetParam().arrange(station);
+      disturb(station, place);
+      GetParam().run(station);
+      ExpectPointsKept(station);
+      expect(station);
+    }
+  }
+
+  static void ExpectRfOffAtMessages(DemoRuns& station) {
+    station.dialogs.onShow = [&](const Message& message) {
+      if (message.text.starts_with("Error setting SigGen RF o")) return;  // the very call that failed
+      EXPECT_FALSE(station.RfIsOn()) << message.text;
+    };
   }
 
   /// What has to hold at the end of every run, however it ended.
-  static void ExpectOrderlyEnd(BenchStation& station) {
-    EXPECT_FALSE(station.bench.State().Generator.RfOn) << "RF stayed on";
+  static void ExpectOrderlyEnd(DemoRuns& station) {
+    EXPECT_FALSE(station.RfIsOn()) << "RF stayed on";
     EXPECT_FALSE(station.instruments.sigGen.RfIsOn());
     if (!GetParam().saveQuestion) return;
-    const int asked = station.Asked(GetParam().saveQuestion);
-    const bool recorded = !station.Rows().empty() || !station.level.Rows().empty();
-    EXPECT_EQ(asked, recorded ? 1 : 0);
-    EXPECT_TRUE(asked == 0 || !station.machine.speaker.tones.empty()) << "it ended in silence";
+    const auto& messages = station.dialogs.messages;
+    const auto asked = std::count_if(messages.begin(), messages.end(),
+                                     [](const Message& m) { return m.title == GetParam().saveQuestion; });
+    EXPECT_EQ(asked, station.Rows().empty() && station.level.Rows().empty() ? 0 : 1);
+    EXPECT_TRUE(asked == 0 || !station.speaker.tones.empty()) << "it ended in silence";
   }
 
   /// What was measured is what an undisturbed run measures, as far as it came.
-  static void ExpectPointsKept(BenchStation& station, const Undisturbed& undisturbed) {
+  void ExpectPointsKept(DemoRuns& station) const {
     const std::vector<std::string> results = GetParam().results(station);
     const bool finished = GetParam().outcome(station) == RunOutcome::Finished;
     ASSERT_LE(results.size(), undisturbed.results.size());
@@ -186,85 +175,83 @@ class FaultSweep : public testing::TestWithParam<Subject> {
     if (!GetParam().accumulates) return;
     EXPECT_TRUE(std::equal(results.begin(), results.end(), undisturbed.results.begin()));
   }
+
+  Undisturbed undisturbed;
 };
 
 TEST_P(FaultSweep, EverySingleBusFailureEndsInOrder) {
-  const Undisturbed undisturbed = RunUndisturbed();
-  ASSERT_GT(undisturbed.calls, 20);
   int silent = 0;
-  for (int call = 1; call <= undisturbed.calls && !HasFailure(); ++call) {
-    SCOPED_TRACE("bus call " + std::to_string(call));
-    const auto station = Arranged();
-    station->driver.FailCall(call, gpib::kEnol);
-    station->machine.dialogs.onShow = [&](const Message& message) {
-      if (message.text.starts_with("Error setting SigGen RF o")) return;  // the very call that failed
-      EXPECT_FALSE(station->bench.State().Generator.RfOn) << message.text;
-    };
-    GetParam().run(*station);
-    ExpectOrderlyEnd(*station);
-    ExpectPointsKept(*station, undisturbed);
-    const std::vector<std::string> texts = MessagesShownOnce(*station);
+  const auto fail = [](DemoRuns& station, int call) {
+    station.driver.FailCall(call, gpib::kEnol);
+    ExpectRfOffAtMessages(station);
+  };
+  Sweep("bus call", undisturbed.calls, fail, [&](DemoRuns& station) {
+    ExpectOrderlyEnd(station);
+    const std::vector<std::string> texts = MessagesShownOnce(station);
     const bool reported = std::any_of(texts.begin(), texts.end(), [](const std::string& text) {
       return text.find("iberr = ENOL <No Listener>") != std::string::npos;
     });
-    if (reported) continue;
+    if (reported) {
+      EXPECT_GE(station.dialogs.pointerResets, 1) << "the pointer says that it is busy";
+      return;
+    }
     // Only the calls that read away stale answers may fail unnoticed: the run then goes on to its end.
     ++silent;
-    EXPECT_EQ(GetParam().outcome(*station), RunOutcome::Finished);
+    EXPECT_EQ(GetParam().outcome(station), RunOutcome::Finished);
     EXPECT_THAT(texts, testing::IsEmpty());
-  }
+  });
   EXPECT_LT(silent, undisturbed.calls);
 }
 
 TEST_P(FaultSweep, EverySingleExceptionIsToldOnceWithRfOff) {
-  const Undisturbed undisturbed = RunUndisturbed();
-  for (int call = 1; call <= undisturbed.calls && !HasFailure(); ++call) {
-    SCOPED_TRACE("bus call " + std::to_string(call));
-    const auto station = Arranged();
-    station->driver.ThrowAtCall(call);
-    station->machine.dialogs.onShow = [&](const Message& message) {
-      EXPECT_FALSE(station->bench.State().Generator.RfOn) << message.text;
-    };
-    GetParam().run(*station);
-    ExpectOrderlyEnd(*station);
-    ExpectPointsKept(*station, undisturbed);
-    EXPECT_THAT(MessagesShownOnce(*station), testing::ElementsAre(testing::StartsWith("Error # 51\rInternal error\r")));
-  }
+  const auto throwAt = [](DemoRuns& station, int call) {
+    station.driver.ThrowAtCall(call);
+    ExpectRfOffAtMessages(station);
+  };
+  Sweep("bus call", undisturbed.calls, throwAt, [](DemoRuns& station) {
+    ExpectOrderlyEnd(station);
+    EXPECT_THAT(MessagesShownOnce(station), testing::ElementsAre(testing::StartsWith("Error # 51\rInternal error\r")));
+  });
+}
+
+/// Meter and power meter go offline by starting anew.
+void ForgetShutdownTexts(Instruments& instruments) {
+  MeterDefinition meter = instruments.meter.Definition();
+  PowerMeterDefinition powerMeter = instruments.pm.Definition();
+  meter.Shutdown = powerMeter.Shutdown = "";
+  instruments.meter.PutDefinition(meter);
+  instruments.pm.PutDefinition(powerMeter);
 }
 
 /// An instrument that dies for good: the run ends with one box about it, and one more where RF may have stayed on.
-void ExpectShortEnd(BenchStation& station, int dead) {
+void ExpectShortEnd(DemoRuns& station, int dead) {
   constexpr int kGenerator = 18;  // or the whole bus
   constexpr double kTwoTimeOuts = 20;
   const std::string kRfMayBeOn = "RF could not be switched off: switch the amplifier off by hand.";
   std::size_t failures = 0, warnings = 0;
   for (const std::string& text : MessagesShownOnce(station)) ++(text == kRfMayBeOn ? warnings : failures);
-  EXPECT_LE(failures, 1U) << testing::PrintToString(station.machine.dialogs.Texts());
+  EXPECT_LE(failures, 1U) << testing::PrintToString(station.dialogs.Texts());
   EXPECT_LE(station.driver.FrozenSeconds(), kTwoTimeOuts);
   const bool warned = warnings == 1;
-  EXPECT_TRUE(warned || !station.bench.State().Generator.RfOn) << "RF stayed on without a word";
+  EXPECT_TRUE(warned || !station.RfIsOn()) << "RF stayed on without a word";
   EXPECT_TRUE(!warned || dead == kGenerator || dead == kWholeBus);
   EXPECT_EQ(station.instruments.sigGen.RfIsOn(), warned);
 }
 
 TEST_P(FaultSweep, AnInstrumentThatDiesForGoodEndsTheRunSoonAndIsToldOnce) {
-  const Undisturbed undisturbed = RunUndisturbed();
   for (const int dead : {18, 13, 14, kWholeBus}) {
-    for (int call = 1; call <= undisturbed.calls && !HasFailure(); ++call) {
-      SCOPED_TRACE("address " + std::to_string(dead) + " from bus call " + std::to_string(call));
-      const auto station = Arranged();
-      if (call % 3 == 0) station->ForgetShutdownTexts();
-      dead == kWholeBus ? station->driver.KillBus(call) : station->driver.Kill(dead, call);
-      GetParam().run(*station);
-      ExpectShortEnd(*station, dead);
-      ExpectPointsKept(*station, undisturbed);
-    }
+    const auto kill = [dead](DemoRuns& station, int call) {
+      if (call % 3 == 0) ForgetShutdownTexts(station.instruments);
+      dead == kWholeBus ? station.driver.KillBus(call) : station.driver.Kill(dead, call);
+    };
+    Sweep("address " + std::to_string(dead) + " from bus call", undisturbed.calls, kill,
+          [dead](DemoRuns& station) { ExpectShortEnd(station, dead); });
   }
 }
 
 TEST(DeadAmplifier, TheOtherUnitIsResetWheneverOneOfThePairDies) {
   const auto arranged = [] {
-    auto station = std::make_unique<BenchStation>("ifi-station.eqp");
+    auto station = std::make_unique<DemoRuns>("ifi-station.eqp");
     station->Load("ifi-band-change.tst");
     return station;
   };
@@ -302,74 +289,66 @@ TEST(DeadAmplifier, TheOtherUnitIsResetWheneverOneOfThePairDies) {
 }
 
 TEST_P(FaultSweep, EverySilentAnswerEndsTheRunInOrder) {
-  const Undisturbed undisturbed = RunUndisturbed();
-  ASSERT_GE(undisturbed.reads, 3);
-  for (int read = 1; read <= undisturbed.reads && !HasFailure(); ++read) {
-    SCOPED_TRACE("answer " + std::to_string(read));
-    const auto station = Arranged();
-    station->driver.SilenceReceive(read);
-    GetParam().run(*station);
-    ExpectOrderlyEnd(*station);
-    EXPECT_EQ(GetParam().outcome(*station), RunOutcome::EndedEarly);
-    ExpectPointsKept(*station, undisturbed);
-    MessagesShownOnce(*station);
-  }
+  const auto silence = [](DemoRuns& station, int read) { station.driver.SilenceReceive(read); };
+  Sweep("answer", undisturbed.reads, silence, [](DemoRuns& station) {
+    ExpectOrderlyEnd(station);
+    EXPECT_EQ(GetParam().outcome(station), RunOutcome::EndedEarly);
+    MessagesShownOnce(station);
+  });
 }
 
 TEST_P(FaultSweep, EveryGarbledAnswerEndsTheRunWithAMessageThatShowsIt) {
-  const Undisturbed undisturbed = RunUndisturbed();
-  for (int read = 1; read <= undisturbed.reads && !HasFailure(); ++read) {
-    SCOPED_TRACE("answer " + std::to_string(read));
-    const auto station = Arranged();
-    station->driver.GarbleReceive(read, "MKA %&/ ?!\r\n");
-    station->machine.dialogs.onShow = [&](const Message& message) {
-      EXPECT_FALSE(station->bench.State().Generator.RfOn) << message.text;
-    };
-    GetParam().run(*station);
-    ExpectOrderlyEnd(*station);
-    EXPECT_EQ(GetParam().outcome(*station), RunOutcome::EndedEarly);
-    ExpectPointsKept(*station, undisturbed);
-    const std::vector<std::string> texts = MessagesShownOnce(*station);
-    EXPECT_THAT(texts, testing::Contains(testing::EndsWith(" answer holds no number:\r\n\"MKA %&/ ?!\"")));
-  }
+  const auto garble = [](DemoRuns& station, int read) {
+    station.driver.GarbleReceive(read, "MKA %&/ ?!\r\n");
+    ExpectRfOffAtMessages(station);
+  };
+  Sweep("answer", undisturbed.reads, garble, [](DemoRuns& station) {
+    ExpectOrderlyEnd(station);
+    EXPECT_EQ(GetParam().outcome(station), RunOutcome::EndedEarly);
+    EXPECT_THAT(MessagesShownOnce(station),
+                testing::Contains(testing::EndsWith(" answer holds no number:\r\n\"MKA %&/ ?!\"")));
+  });
 }
 
-TEST_P(FaultSweep, AHaltAtAnyWaitEndsInOrder) {
-  const Undisturbed undisturbed = RunUndisturbed();
-  ASSERT_GT(undisturbed.yields, 5);
-  for (int wait = 1; wait <= undisturbed.yields && !HasFailure(); ++wait) {
-    SCOPED_TRACE("wait " + std::to_string(wait));
-    const auto station = Arranged();
-    int yields = 0;
-    double sentAtHalt = kNoValue, productAtHalt = kNoValue;
-    station->bench.OnChange([&](const BenchState& state) {
+TEST_P(FaultSweep, AHaltAtAnyWaitEndsInOrderAndRaisesNothing) {
+  int yields = 0;
+  double sentAtHalt = kNoValue, productAtHalt = kNoValue;
+  const auto halt = [&](DemoRuns& station, int wait) {
+    yields = 0;
+    sentAtHalt = productAtHalt = kNoValue;
+    station.bench.OnChange([&, wait](const BenchState& state) {
       if (yields < wait || !state.Generator.RfOn) return;
       EXPECT_LE(state.Generator.LevelDbm, sentAtHalt) << "the level was raised after the halt";
       EXPECT_LE(state.TestLevelDbuv, productAtHalt + 0.01) << "the level was raised after the halt";
     });
-    station->machine.events.onYield = [&] {
+    station.events.onYield = [&, wait] {
       if (++yields != wait) return;
-      const BenchState& state = station->bench.State();
+      const BenchState& state = station.bench.State();
       if (state.Generator.RfOn) sentAtHalt = state.Generator.LevelDbm, productAtHalt = state.TestLevelDbuv;
-      station->machine.shell.delay.RequestHalt();
+      station.shell.delay.RequestHalt();
     };
-    GetParam().run(*station);
-    ExpectOrderlyEnd(*station);
-    ExpectPointsKept(*station, undisturbed);
-    EXPECT_THAT(MessagesShownOnce(*station), testing::IsEmpty());
-  }
+  };
+  Sweep("wait", undisturbed.yields, halt, [](DemoRuns& station) {
+    ExpectOrderlyEnd(station);
+    EXPECT_THAT(MessagesShownOnce(station), testing::IsEmpty());
+  });
 }
 
-INSTANTIATE_TEST_SUITE_P(Runs, FaultSweep,
-                         testing::Values(Subject{"Test", FiveSteps, [](auto& s) { s.Run(); }, CompletedSteps,
-                                                 TestOutcome, 5, "Save Run Data", true},
-                                         Subject{"Level", ThreePoints, [](auto& s) { s.Calibrate(); }, CalibratedRows,
-                                                 LevelOutcome, 3, "Save Calibration", true},
-                                         Subject{"CableDirect", ThreeCablePoints, [](auto& s) { s.DirectPass(); },
-                                                 MeasuredPoints, CableOutcome, 3, nullptr, true},
-                                         Subject{"CableInsert", DirectDone, [](auto& s) { s.InsertPass(); },
-                                                 MeasuredPoints, CableOutcome, 3, nullptr, false}),
-                         [](const auto& subject) { return subject.param.name; });
+RunOutcome CableOutcome(const DemoRuns& station) {
+  return station.cable.Outcome();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Runs, FaultSweep,
+    testing::Values(Subject{"Test", FiveSteps, [](auto& s) { s.Run(); }, CompletedSteps,
+                            [](const auto& s) { return s.engine.Outcome(); }, 5, "Save Run Data", true},
+                    Subject{"Level", LevelPoints, [](auto& s) { s.Calibrate(); }, CalibratedRows,
+                            [](const auto& s) { return s.level.Outcome(); }, 3, "Save Calibration", true},
+                    Subject{"CableDirect", CablePoints, [](auto& s) { s.DirectPass(); }, MeasuredPoints, CableOutcome,
+                            3, nullptr, true},
+                    Subject{"CableInsert", DirectDone, [](auto& s) { s.InsertPass(); }, MeasuredPoints, CableOutcome, 3,
+                            nullptr, false}),
+    [](const auto& subject) { return subject.param.name; });
 
 }  // namespace
 }  // namespace hylden

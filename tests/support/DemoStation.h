@@ -9,7 +9,7 @@
 #include "app/Station.h"
 #include "bench/Bench.h"
 #include "platform/VirtualTime.h"
-#include "support/DriverWrappers.h"
+#include "support/FailingDriver.h"
 #include "support/FakeDialogs.h"
 #include "support/FakePrinter.h"
 #include "support/FakeSpeaker.h"

@@ -3,38 +3,20 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 
 namespace hylden {
 
 namespace {
 
-bool HasButton(MessageButtons buttons, MessageAnswer answer) {
-  switch (buttons) {
-    case MessageButtons::Ok:
-      return answer == MessageAnswer::Ok;
-    case MessageButtons::OkCancel:
-      return answer == MessageAnswer::Ok || answer == MessageAnswer::Cancel;
-    case MessageButtons::YesNo:
-      return answer == MessageAnswer::Yes || answer == MessageAnswer::No;
-    case MessageButtons::YesNoCancel:
-      return answer != MessageAnswer::Ok && answer != MessageAnswer::Retry;
-    case MessageButtons::RetryCancel:
-      return answer == MessageAnswer::Retry || answer == MessageAnswer::Cancel;
-  }
-  return false;
-}
+using enum MessageAnswer;
 
-MessageAnswer Confirmation(MessageButtons buttons) {
-  switch (buttons) {
-    case MessageButtons::YesNo:
-    case MessageButtons::YesNoCancel:
-      return MessageAnswer::Yes;
-    case MessageButtons::RetryCancel:
-      return MessageAnswer::Cancel;
-    default:
-      return MessageAnswer::Ok;
-  }
-}
+/// The buttons of each kind of box; the first one is pressed without a scripted answer.
+const std::map<MessageButtons, std::vector<MessageAnswer>> kButtons = {{MessageButtons::Ok, {Ok}},
+                                                                       {MessageButtons::OkCancel, {Ok, Cancel}},
+                                                                       {MessageButtons::YesNo, {Yes, No}},
+                                                                       {MessageButtons::YesNoCancel, {Yes, No, Cancel}},
+                                                                       {MessageButtons::RetryCancel, {Cancel, Retry}}};
 
 std::optional<std::string> Take(std::deque<std::optional<std::string>>& answers, std::optional<std::string> otherwise) {
   if (answers.empty()) return otherwise;
@@ -79,10 +61,12 @@ void FakeDialogs::Clear() {
 MessageAnswer FakeDialogs::Show(const Message& message) {
   messages.push_back(message);
   if (onShow) onShow(message);
-  if (answers_.empty()) return Confirmation(message.buttons);
+  const std::vector<MessageAnswer>& buttons = kButtons.at(message.buttons);
+  if (answers_.empty()) return buttons.front();
   const MessageAnswer answer = answers_.front();
   answers_.pop_front();
-  EXPECT_TRUE(HasButton(message.buttons, answer)) << "no such button on the box: " << message.text;
+  EXPECT_NE(std::find(buttons.begin(), buttons.end(), answer), buttons.end())
+      << "no such button on the box: " << message.text;
   return answer;
 }
 

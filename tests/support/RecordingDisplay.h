@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -21,10 +22,16 @@ class RecordingDisplay : public RunDisplay {
   }
   void Plan(const RunPlan& made) override { plan = made; }
   void Step(int step) override { steps.push_back(step); }
-  void StepDone(int step) override { done.push_back(step); }
+  void StepDone(int step) override {
+    done.push_back(step);
+    if (onStep) onStep(step);
+  }
   void Show(Readout readout, std::optional<double> value) override { shown[readout].push_back(value); }
   void Mark(Readout readout, bool held) override { marked[readout] = held; }
-  void RowChanged(int row) override { rows = row == 0 ? 0 : std::max(rows, row); }
+  void RowChanged(int row) override {
+    rows = row == 0 ? 0 : std::max(rows, row);
+    if (row > 0 && onRow) onRow(row);
+  }
 
   /// What a figure shows now; 0 where it shows nothing.
   double Now(Readout readout) { return shown[readout].empty() ? 0 : shown[readout].back().value_or(0); }
@@ -36,6 +43,8 @@ class RecordingDisplay : public RunDisplay {
     return all;
   }
 
+  std::function<void(int row)> onRow;    ///< a row has changed, with RF still on
+  std::function<void(int step)> onStep;  ///< a step is recorded, with RF still on
   std::optional<std::string> throwAtStatus;
   std::vector<RunPhase> phases;
   std::vector<std::string> statuses;
