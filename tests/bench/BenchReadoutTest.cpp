@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "BenchRig.h"
+#include "bench/BareBench.h"
 #include "bench/BenchTexts.h"
 
 namespace hylden {
@@ -19,14 +19,14 @@ BenchEquipment NamedStation() {
 }
 
 TEST(BenchReadout, NothingOnTheBusSaysSo) {
-  const BenchReadout readout = ReadBench(BenchRig(BenchEquipment{}).bench);
+  const BenchReadout readout = ReadBench(BareBench(BenchEquipment{}).bench);
   for (const auto* instrument : {&readout.Generator, &readout.Meter, &readout.PowerMeter, &readout.IfiLow})
     EXPECT_EQ(InstrumentText(*instrument), "not on the bus");
   EXPECT_EQ(MeterSettingText(readout), "");
 }
 
 TEST(BenchReadout, ProductHasNoThresholdWithoutAFrequency) {
-  BenchRig rig(BenchEquipment{});
+  BareBench rig(BenchEquipment{});
   rig.bench.Connect(MeterAt::Probe);
   EXPECT_TRUE(IsMissing(ReadBench(rig.bench).Product.ThresholdDbuv)) << "without a generator";
   BenchEquipment station = NamedStation();
@@ -42,7 +42,7 @@ TEST(BenchReadout, ProductHasNoThresholdWithoutAFrequency) {
 }
 
 TEST(BenchReadout, InstrumentsAfterSwitchingOn) {
-  const BenchRig rig(NamedStation());
+  const BareBench rig(NamedStation());
   const BenchReadout readout = ReadBench(rig.bench);
   EXPECT_EQ(InstrumentText(readout.Generator), "Address 18: Source");
   EXPECT_FALSE(readout.Output.RfOn);
@@ -56,7 +56,7 @@ TEST(BenchReadout, InstrumentsAfterSwitchingOn) {
 }
 
 TEST(BenchReadout, InstrumentTakenOffTheBusDoesNotAnswer) {
-  BenchRig rig(NamedStation());
+  BareBench rig(NamedStation());
   rig.bench.Inject({FaultKind::Absent, BenchRole::Meter, 1});
   rig.Send(13, "TS");
   EXPECT_EQ(InstrumentText(ReadBench(rig.bench).Meter), "Address 13 does not answer: Analyser");
@@ -64,7 +64,7 @@ TEST(BenchReadout, InstrumentTakenOffTheBusDoesNotAnswer) {
 }
 
 TEST(BenchReadout, FollowsTheProgramsCommands) {
-  BenchRig rig(NamedStation());
+  BareBench rig(NamedStation());
   rig.Drive(27.5, -12);
   rig.Send(13, "CF 27.5 MZ"), rig.Send(13, "RL 127.0 DB");
   rig.MeterReading();
@@ -90,48 +90,35 @@ TEST(BenchReadout, FollowsTheProgramsCommands) {
   EXPECT_FALSE(ReadBench(rig.bench).MeterReading) << "another meter has read nothing";
 }
 
-struct ModulationCase {
-  std::vector<const char*> commands;
-  const char* expected;
-};
-class BenchModulationText : public testing::TestWithParam<ModulationCase> {};
-
-TEST_P(BenchModulationText, NamesTheKindAndItsSettings) {
-  BenchRig rig(NamedStation());
-  for (const char* command : GetParam().commands) rig.Send(18, command);
-  EXPECT_EQ(rig.bench.Bus().UnknownCount(), 0);
-  EXPECT_EQ(ModulationText(ReadBench(rig.bench).Output), GetParam().expected);
+TEST(BenchReadout, ModulationNamesItsKindAndSettings) {
+  const std::pair<std::vector<const char*>, const char*> rows[] = {
+      {{"AM 80.0 PC", "AF 1.0 KZ", "M1"}, "AM 80 %, 1 kHz"},
+      {{"AM 30.5 PC", "M1"}, "AM 30.5 %"},
+      {{"FM 10.0 KZ", "M2"}, "FM 10 kHz deviation"},
+      {{"PF 0.2 KZ", "PW 2.5 MS", "M3"}, "Pulse 2.5 ms, 0.2 kHz"},
+      {{"AM 80.0 PC", "AF 1.0 KZ", "M1", "M0"}, "none"}};
+  for (const auto& [commands, expected] : rows) {
+    BareBench rig(NamedStation());
+    for (const char* command : commands) rig.Send(18, command);
+    EXPECT_EQ(rig.bench.Bus().UnknownCount(), 0);
+    EXPECT_EQ(ModulationText(ReadBench(rig.bench).Output), expected);
+  }
 }
 
-INSTANTIATE_TEST_SUITE_P(, BenchModulationText,
-                         testing::Values(ModulationCase{{"AM 80.0 PC", "AF 1.0 KZ", "M1"}, "AM 80 %, 1 kHz"},
-                                         ModulationCase{{"AM 30.5 PC", "M1"}, "AM 30.5 %"},
-                                         ModulationCase{{"FM 10.0 KZ", "M2"}, "FM 10 kHz deviation"},
-                                         ModulationCase{{"PF 0.2 KZ", "PW 2.5 MS", "M3"}, "Pulse 2.5 ms, 0.2 kHz"},
-                                         ModulationCase{{"AM 80.0 PC", "AF 1.0 KZ", "M1", "M0"}, "none"}));
-
-struct ReadingCase {
-  std::optional<BenchReading> reading;
-  const char* expected;
-};
-class BenchReadingText : public testing::TestWithParam<ReadingCase> {};
-
-TEST_P(BenchReadingText, HasItsUnit) {
-  EXPECT_EQ(ReadingText(GetParam().reading), GetParam().expected);
+TEST(BenchReadout, ReadingHasItsUnit) {
+  const std::pair<std::optional<BenchReading>, const char*> rows[] = {{std::nullopt, "nothing yet"},
+                                                                      {BenchReading{72.6686, "dBuV"}, "72.67 dBuV"},
+                                                                      {BenchReading{-3.456, "dBm"}, "-3.46 dBm"},
+                                                                      {BenchReading{1.67377, "V", true}, "1.674 V"},
+                                                                      {BenchReading{3.2e-7, "W", true}, "3.2e-07 W"}};
+  for (const auto& [reading, expected] : rows) EXPECT_EQ(ReadingText(reading), expected);
 }
-
-INSTANTIATE_TEST_SUITE_P(, BenchReadingText,
-                         testing::Values(ReadingCase{std::nullopt, "nothing yet"},
-                                         ReadingCase{BenchReading{72.6686, "dBuV"}, "72.67 dBuV"},
-                                         ReadingCase{BenchReading{-3.456, "dBm"}, "-3.46 dBm"},
-                                         ReadingCase{BenchReading{1.67377, "V", true}, "1.674 V"},
-                                         ReadingCase{BenchReading{3.2e-7, "W", true}, "3.2e-07 W"}));
 
 TEST(BenchReadout, ReadingsAreInTheUnitsOfTheDefinitions) {
   BenchEquipment station = NamedStation();
   station.Meter->Units = static_cast<std::int32_t>(Conversions::MeterUnits::Volts);
   station.PowerMeter->Units = static_cast<std::int32_t>(Conversions::PowerUnits::Watts);
-  BenchRig rig(station);
+  BareBench rig(station);
   rig.Drive(10, -12);
   rig.Send(13, "CF 10.0 MZ");
   rig.MeterReading();
@@ -147,7 +134,7 @@ TEST(BenchReadout, ReadingsAreInTheUnitsOfTheDefinitions) {
 TEST(BenchReadout, IfiPairShowsTheBandThatAmplifies) {
   BenchEquipment station = NamedStation();
   station.IfiAmplifier = true;
-  BenchRig rig(station);
+  BareBench rig(station);
   EXPECT_EQ(AmplifierText(ReadBench(rig.bench)), "IFI pair, no band selected");
   rig.Send(10, "9\r\n"), rig.Send(9, "ZA\r\n"), rig.Send(9, "B1\r\n");
   EXPECT_EQ(AmplifierText(ReadBench(rig.bench)), "Address 10: IFI low band");
@@ -165,7 +152,7 @@ BenchConfig Susceptible() {
 }
 
 /// The generator level that puts this test level on the product, dBm.
-double LevelFor(const BenchRig& rig, double freqMHz, double testLevelDbuv) {
+double LevelFor(const BareBench& rig, double freqMHz, double testLevelDbuv) {
   double low = -60, high = 0;
   for (int i = 0; i < 50; ++i) {
     const double middle = (low + high) / 2;
@@ -174,46 +161,39 @@ double LevelFor(const BenchRig& rig, double freqMHz, double testLevelDbuv) {
   return high;
 }
 
-struct ProductCase {
-  const char* name;
-  MeterAt place;
-  const char* then;
-  double freqMHz, testLevelDbuv;
-  ProductState state;
-  double thresholdDbuv;
-  const char* margin;
-};
-class BenchProduct : public testing::TestWithParam<ProductCase> {};
-
-TEST_P(BenchProduct, IsJudgedByTheCurveAtThePresentFrequency) {
-  const ProductCase& c = GetParam();
-  BenchRig rig(NamedStation(), Susceptible());
-  rig.bench.Connect(c.place);
-  rig.Drive(c.freqMHz, LevelFor(rig, c.freqMHz, c.testLevelDbuv));
-  rig.Send(18, "AM 80.0 PC"), rig.Send(18, c.then);
-  const ProductReadout product = ReadBench(rig.bench).Product;
-  EXPECT_EQ(product.State, c.state);
-  EXPECT_EQ(product.ThresholdDbuv, c.thresholdDbuv);
-  EXPECT_EQ(MarginText(product), c.margin);
-  EXPECT_EQ(IsMissing(product.InducedDbua), c.place != MeterAt::Probe || c.then == std::string("R0"));
+TEST(BenchReadout, ProductIsJudgedByTheCurveAtThePresentFrequencyAndByItsPeaks) {
+  const struct {
+    MeterAt place;
+    const char* then;
+    double freqMHz, testLevelDbuv;
+    ProductState state;
+    double thresholdDbuv;
+    const char* margin;
+  } rows[] = {{MeterAt::Probe, "M0", 10, 137, ProductState::Passes, 140, "3.0 dB below the threshold"},
+              {MeterAt::Probe, "M0", 10, 139.9, ProductState::Passes, 140, "0.1 dB below the threshold"},
+              {MeterAt::Probe, "M0", 10, 140.1, ProductState::Disturbed, 140, "0.1 dB above the threshold"},
+              {MeterAt::Probe, "M1", 10, 136, ProductState::Disturbed, 140, "1.0 dB above the threshold"},
+              {MeterAt::Probe, "M0", 60, 141, ProductState::Passes, 150, "9.0 dB below the threshold"},
+              {MeterAt::Probe, "R0", 10, 145, ProductState::WithoutRf, 140, ""},
+              {MeterAt::Port, "M0", 10, 145, ProductState::NotConnected, kNoValue, ""},
+              {MeterAt::Generator, "M0", 10, 145, ProductState::WithoutRf, 140, ""}};
+  for (const auto& c : rows) {
+    SCOPED_TRACE(testing::Message() << c.then << " " << c.testLevelDbuv);
+    BareBench rig(NamedStation(), Susceptible());
+    rig.bench.Connect(c.place);
+    rig.Drive(c.freqMHz, LevelFor(rig, c.freqMHz, c.testLevelDbuv));
+    rig.Send(18, "AM 80.0 PC"), rig.Send(18, c.then);
+    const ProductReadout product = ReadBench(rig.bench).Product;
+    EXPECT_EQ(product.State, c.state);
+    EXPECT_EQ(product.ThresholdDbuv, c.thresholdDbuv);
+    EXPECT_EQ(MarginText(product), c.margin);
+    EXPECT_EQ(rig.bench.ProductDisturbed(), c.state == ProductState::Disturbed);
+    EXPECT_EQ(IsMissing(product.InducedDbua), c.place != MeterAt::Probe || c.then == std::string("R0"));
+  }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    , BenchProduct,
-    testing::Values(
-        ProductCase{"below", MeterAt::Probe, "M0", 10, 137, ProductState::Passes, 140, "3.0 dB below the threshold"},
-        ProductCase{"just", MeterAt::Probe, "M0", 10, 139.9, ProductState::Passes, 140, "0.1 dB below the threshold"},
-        ProductCase{"over", MeterAt::Probe, "M0", 10, 140.1, ProductState::Disturbed, 140,
-                    "0.1 dB above the threshold"},
-        ProductCase{"peaks", MeterAt::Probe, "M1", 10, 136, ProductState::Disturbed, 140, "1.0 dB above the threshold"},
-        ProductCase{"higher", MeterAt::Probe, "M0", 60, 141, ProductState::Passes, 150, "9.0 dB below the threshold"},
-        ProductCase{"off", MeterAt::Probe, "R0", 10, 145, ProductState::WithoutRf, 140, ""},
-        ProductCase{"port", MeterAt::Port, "M0", 10, 145, ProductState::NotConnected, kNoValue, ""},
-        ProductCase{"undriven", MeterAt::Generator, "M0", 10, 145, ProductState::WithoutRf, 140, ""}),
-    [](const auto& row) { return std::string(row.param.name); });
-
 TEST(BenchReadout, KeepsWhereTheProductWasDisturbedLast) {
-  BenchRig rig(NamedStation(), Susceptible());
+  BareBench rig(NamedStation(), Susceptible());
   rig.bench.Connect(MeterAt::Probe);
   EXPECT_FALSE(ReadBench(rig.bench).Product.LastDisturbance);
   rig.Drive(10, LevelFor(rig, 10, 141));

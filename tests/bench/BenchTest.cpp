@@ -5,13 +5,13 @@
 #include <fstream>
 #include <sstream>
 
-#include "BenchRig.h"
+#include "bench/BareBench.h"
 
 namespace hylden {
 namespace {
 
 TEST(Bench, TellsOfEveryChangeAndOfNothingElse) {
-  BenchRig rig;
+  BareBench rig;
   std::vector<BenchState> seen;
   rig.bench.OnChange([&](const BenchState& state) { seen.push_back(state); });
   for (const char* command : {"FR 10.0 MZ", "AP -12.0 DM", "AP -12.0 DM", "R1", "R1", "bad", "AM 80.0 PC", "R0"})
@@ -23,62 +23,37 @@ TEST(Bench, TellsOfEveryChangeAndOfNothingElse) {
   EXPECT_FALSE(seen[4].Generator.RfOn);
 }
 
-TEST(Bench, TheProductIsDisturbedByThePeakOfTheTestLevel) {
-  BenchConfig config = Noiseless();
-  config.Susceptibility = FrequencyTable{{1, 140}};
-  BenchRig rig(SmallStation(), config);
-  rig.bench.Connect(MeterAt::Probe);
-  rig.Drive(10, -14);
-  ASSERT_LT(rig.bench.State().TestLevelDbuv, 140);
-  EXPECT_FALSE(rig.bench.ProductDisturbed());
-  rig.Send(18, "AM 80.0 PC"), rig.Send(18, "M1");
-  EXPECT_TRUE(rig.bench.ProductDisturbed());
-  rig.Send(18, "R0");
-  EXPECT_FALSE(rig.bench.ProductDisturbed());
-}
-
 TEST(Bench, EquippingAnewEndsWithRfOff) {
-  BenchRig rig;
+  BareBench rig;
   rig.Drive(10, -12);
   rig.bench.Equip(SmallStation());
   EXPECT_FALSE(rig.bench.State().Generator.RfOn);
 }
 
-struct BadLine {
-  const char* text;
-  const char* error;
-};
-class BenchFileError : public testing::TestWithParam<BadLine> {};
-
-TEST_P(BenchFileError, NamesTheLineAndTheFault) {
-  const BenchFile file = ParseBenchFile(GetParam().text);
-  EXPECT_EQ(file.Error, GetParam().error);
+TEST(BenchFile, ErrorNamesTheLineAndTheFault) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"\n# a comment\nnoise = 1\n", "line 3: unknown key noise"},
+      {"noise_db = much\n", "line 1: noise_db must be a number from 0 to 10"},
+      {"noise_db = -1\n", "line 1: noise_db must be a number from 0 to 10"},
+      {"noise_db = 1\nnoise_db = 2\n", "line 2: noise_db is given twice"},
+      {"seed = 1.5\n", "line 1: seed must be a whole number"},
+      {"meter_at = wall\n", "line 1: meter_at must be one of port probe generator cable"},
+      {"amplifier.protection = on\n", "line 1: amplifier.protection must be yes or no"},
+      {"just words\n", "line 1: expected key = value, or [table]"},
+      {"[gain]\n1 2\n", "line 1: unknown table gain"},
+      {"[amplifier.gain\n", "line 1: a table's name stands between [ and ]"},
+      {"amplifier.gain = 4\n", "line 1: amplifier.gain is a table: write [amplifier.gain] and a line for each point"},
+      {"[amplifier.gain]\n1 45\n0.5 45\n", "line 3: the frequencies of amplifier.gain must rise"},
+      {"[amplifier.gain]\n1\n", "line 2: a point of amplifier.gain is a frequency and a value"},
+      {"[product.ohm]\n1 -5\n", "line 2: the value of product.ohm must be a number from 0.1 to 1000000"},
+      {"[amplifier.gain]\n[product.ohm]\n1 5\n", "line 2: the table amplifier.gain has no points"},
+      {"[amplifier.gain]\n", "line 1: the table amplifier.gain has no points"},
+      {"fault = late meter 3\n", "line 1: fault needs the delay in ms as its last word"},
+      {"fault = break meter 3\n", "line 1: fault kind must be one of fail late garbage silent absent protection"},
+      {"fault = fail meter 0\n", "line 1: fault must be a number from 1 to 1000000000"}};
+  for (const auto& [text, error] : rows) EXPECT_EQ(ParseBenchFile(text).Error, error);
+  EXPECT_EQ(LoadBenchFile("no-such-bench.txt").Error.rfind("no-such-bench.txt: ", 0), 0u);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    , BenchFileError,
-    testing::Values(BadLine{"\n# a comment\nnoise = 1\n", "line 3: unknown key noise"},
-                    BadLine{"noise_db = much\n", "line 1: noise_db must be a number from 0 to 10"},
-                    BadLine{"noise_db = -1\n", "line 1: noise_db must be a number from 0 to 10"},
-                    BadLine{"noise_db = 1\nnoise_db = 2\n", "line 2: noise_db is given twice"},
-                    BadLine{"seed = 1.5\n", "line 1: seed must be a whole number"},
-                    BadLine{"meter_at = wall\n", "line 1: meter_at must be one of port probe generator cable"},
-                    BadLine{"amplifier.protection = on\n", "line 1: amplifier.protection must be yes or no"},
-                    BadLine{"just words\n", "line 1: expected key = value, or [table]"},
-                    BadLine{"[gain]\n1 2\n", "line 1: unknown table gain"},
-                    BadLine{"[amplifier.gain\n", "line 1: a table's name stands between [ and ]"},
-                    BadLine{"amplifier.gain = 4\n",
-                            "line 1: amplifier.gain is a table: write [amplifier.gain] and a line for each point"},
-                    BadLine{"[amplifier.gain]\n1 45\n0.5 45\n", "line 3: the frequencies of amplifier.gain must rise"},
-                    BadLine{"[amplifier.gain]\n1\n", "line 2: a point of amplifier.gain is a frequency and a value"},
-                    BadLine{"[product.ohm]\n1 -5\n",
-                            "line 2: the value of product.ohm must be a number from 0.1 to 1000000"},
-                    BadLine{"[amplifier.gain]\n[product.ohm]\n1 5\n", "line 2: the table amplifier.gain has no points"},
-                    BadLine{"[amplifier.gain]\n", "line 1: the table amplifier.gain has no points"},
-                    BadLine{"fault = late meter 3\n", "line 1: fault needs the delay in ms as its last word"},
-                    BadLine{"fault = break meter 3\n",
-                            "line 1: fault kind must be one of fail late garbage silent absent protection"},
-                    BadLine{"fault = fail meter 0\n", "line 1: fault must be a number from 1 to 1000000000"}));
 
 TEST(BenchFileText, ReadsBackAsTheConfigurationItWasWrittenFrom) {
   BenchConfig config;
@@ -94,10 +69,6 @@ TEST(BenchFileText, ReadsBackAsTheConfigurationItWasWrittenFrom) {
   EXPECT_EQ(file.Config.Meter, MeterAt::Cable);
   EXPECT_EQ(file.Config.Faults[0].LateMs, 15000);
   EXPECT_EQ(file.Config.ProductOhm.Points().size(), 2u);
-}
-
-TEST(BenchFile, AFileThatIsMissingIsAnErrorWithItsName) {
-  EXPECT_EQ(LoadBenchFile("no-such-bench.txt").Error.rfind("no-such-bench.txt: ", 0), 0u);
 }
 
 TEST(BenchFile, EveryKeyAndTableHasItsPlaceInTheDocumentation) {

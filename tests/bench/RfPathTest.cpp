@@ -74,11 +74,11 @@ TEST(Modulation, APulseKeepsItsLevelAndAveragesByItsDutyCycle) {
 }
 
 TEST(ReturnLoss, FollowsTheLoadAndThePad) {
-  struct Row {
+  const struct {
     double load, source, pad, expected;
-  };
-  for (const Row& row : {Row{150, 150, 0, 3.52}, Row{150, 150, 6, 15.52}, Row{30, 150, 0, 7.04},
-                         Row{1500, 150, 0, 0.54}, Row{50, 50, 0, 40}, Row{150, 50, 0, 6.02}})
+  } rows[] = {{150, 150, 0, 3.52},  {150, 150, 6, 15.52}, {30, 150, 0, 7.04},
+              {1500, 150, 0, 0.54}, {50, 50, 0, 40},      {150, 50, 0, 6.02}};
+  for (const auto& row : rows)
     EXPECT_NEAR(ReturnLossDb(row.load, row.source, row.pad), row.expected, 0.01) << row.load << " " << row.source;
 }
 
@@ -119,11 +119,9 @@ TEST(RfPath, OnlyTheSelectedIfiBandAmplifies) {
 
 TEST(FrequencyTable, HoldsItsEndsAndJumpsAtAPair) {
   const FrequencyTable table{{1, 2}, {10, 4}, {10, 8}, {20, 10}};
-  struct Row {
-    double freq, expected;
-  };
-  for (const Row& row : {Row{0.5, 2}, Row{1, 2}, Row{5.5, 3}, Row{9.999999, 4}, Row{10, 8}, Row{15, 9}, Row{99, 10}})
-    EXPECT_NEAR(table.At(row.freq), row.expected, 1e-5) << row.freq;
+  for (const auto& [freq, expected] :
+       {std::pair{0.5, 2.0}, {1, 2}, {5.5, 3}, {9.999999, 4}, {10, 8}, {15, 9}, {99, 10}})
+    EXPECT_NEAR(table.At(freq), expected, 1e-5) << freq;
 }
 
 }  // namespace

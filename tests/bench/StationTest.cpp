@@ -7,7 +7,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "BenchRig.h"
+#include "bench/Bench.h"
 #include "documents/CalInfo.h"
 #include "documents/EquipRecord.h"
 #include "documents/TestDefinition.h"
@@ -23,20 +23,6 @@ const std::filesystem::path kStation = HYLDEN_SOURCE_DIR "/examples/station";
 
 std::string File(const std::string& name) {
   return (kStation / name).string();
-}
-
-/// The instruments of definition files, with the addresses that they hold.
-BenchEquipment Equipment(const std::string& sigGen, const std::string& meter = {}, const std::string& powerMeter = {}) {
-  BenchEquipment equipment;
-  LoadRecord(File(sigGen), equipment.SigGen.emplace());
-  equipment.SigGenAddress = equipment.SigGen->Address;
-  if (meter.empty()) return equipment;
-  LoadRecord(File(meter), equipment.Meter.emplace());
-  equipment.MeterAddress = equipment.Meter->Address;
-  LoadRecord(File(powerMeter), equipment.PowerMeter.emplace());
-  equipment.PowerMeterAddress = equipment.PowerMeter->Address;
-  equipment.SensorBandSwitchMHz = equipment.PowerMeter->Bandswitch;
-  return equipment;
 }
 
 std::vector<std::filesystem::path> FilesOf(const std::string& extension) {
@@ -152,42 +138,6 @@ TEST(Station, TestsAndEquipmentNameFilesThatAreThere) {
                              e.MaxPowerFile, e.ProbeFile})
       EXPECT_TRUE(!name.empty() && there(name)) << path << " " << name;
   }
-}
-
-TEST(Station, TheScpiStationUnderstandsTheProgramsBytes) {
-  BenchRig rig(Equipment("scpi.sg", "analyser.mtr", "two-channel.pm"), StationBench());
-  for (const char* command : {"*CLS\r\n", "FREQ 27.0 MHZ\r\n", "POW -12.3 DBM\r\n", "AM:INT:FREQ 1.0 KHZ\r\n",
-                              "AM:DEPT 80.0 PCT\r\n", "AM:STAT ON\r\n", "MOD:STAT OFF\r\n", "OUTP ON\r\n"})
-    rig.Send(18, command);
-  EXPECT_TRUE(rig.bench.State().Generator.RfOn);
-  EXPECT_EQ(rig.bench.State().Generator.FreqMHz, 27);
-  EXPECT_EQ(rig.bench.State().Generator.LevelDbm, -12.3);
-  EXPECT_EQ(rig.bench.State().Generator.Modulation, BenchModulation::None);
-  rig.clock.Advance(50);
-
-  for (const char* command : {"IP\r\n", "CF 27.0 MZ\r\n", "RL 126.0 DBUV\r\n", "TS\r\n"}) rig.Send(13, command);
-  for (const char* command : {"CHA\r\n", "FREQ 27.0 MHZ\r\n", "CHB\r\n", "FREQ 27.0 MHZ\r\n", "TRGA\r\n"})
-    rig.Send(14, command);
-  rig.clock.Advance(200);
-  rig.Send(13, "MKA?\r\n");
-  const std::string level = rig.Read(13, 10);
-  rig.Send(14, "READA?\r\n");
-  const std::string power = rig.Read(14, 10);
-  EXPECT_EQ(level.substr(0, 6), "MKA 12") << level;
-  EXPECT_EQ(level.substr(level.size() - 7), " DBUV\r\n");
-  EXPECT_EQ(power.substr(0, 4), "A: -") << power;
-  const CalibrationReading expected = rig.bench.Path().CalibrationPort(27, -12.3);
-  EXPECT_NEAR(LeadingNumber(std::string_view(level).substr(4)), expected.MeterDbuv, 0.3);
-  EXPECT_NEAR(LeadingNumber(std::string_view(power).substr(3)), expected.ForwardDbm - 40, 0.3);
-  EXPECT_EQ(rig.bench.Bus().UnknownCount(), 0);
-}
-
-TEST(Station, TheOlderGeneratorIsSwitchedOffByItsMinimumLevel) {
-  BenchRig rig(Equipment("two-letter.sg"), StationBench());
-  for (const char* command : {"\r", "FR 27.0 MZ\r", "AP -12.3 DM\r", "R3\r", "AP -140.0 DM\r"}) rig.Send(18, command);
-  EXPECT_EQ(rig.bench.Bus().UnknownCount(), 0);
-  EXPECT_TRUE(rig.bench.State().Generator.RfOn);
-  EXPECT_LT(rig.bench.State().TestLevelDbuv, 20);
 }
 
 }  // namespace

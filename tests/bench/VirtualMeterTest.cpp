@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "BenchRig.h"
+#include "bench/BareBench.h"
 #include "measure/Conversions.h"
 
 namespace hylden {
@@ -16,16 +16,16 @@ double AtPort() {
 }
 
 /// A station whose meter has this type and these units, tuned to the signal.
-BenchRig Tuned(MeterType type, std::int32_t units, BenchConfig config = Noiseless()) {
+BareBench Tuned(MeterType type, std::int32_t units, BenchConfig config = Noiseless()) {
   BenchEquipment station = SmallStation();
   station.Meter->Type = static_cast<std::int32_t>(type);
   station.Meter->Units = units;
-  return BenchRig(station, config);
+  return BareBench(station, config);
 }
 
 TEST(VirtualMeter, AnswersInItsDefinitionsUnits) {
   for (std::int32_t units = 0; units <= 4; ++units) {
-    BenchRig rig = Tuned(MeterType::RfMeter, units);
+    BareBench rig = Tuned(MeterType::RfMeter, units);
     rig.Drive(kFreq, kLevel);
     const auto dbuv = Conversions::MeterReadingToDbuv(units, rig.MeterReading());
     EXPECT_NEAR(*dbuv, AtPort(), 0.001) << "units " << units;
@@ -33,7 +33,7 @@ TEST(VirtualMeter, AnswersInItsDefinitionsUnits) {
 }
 
 TEST(VirtualMeter, AnAnalyserSeesOnlyWhatItIsTunedTo) {
-  BenchRig rig;
+  BareBench rig;
   rig.Drive(kFreq, kLevel);
   rig.Send(13, "CF 10.5 MZ");
   EXPECT_LT(rig.MeterReading(), 60);
@@ -42,7 +42,7 @@ TEST(VirtualMeter, AnAnalyserSeesOnlyWhatItIsTunedTo) {
 }
 
 TEST(VirtualMeter, IsClippedAboveAndBlindFarBelowItsReferenceLevel) {
-  BenchRig rig;
+  BareBench rig;
   rig.Drive(kFreq, kLevel);
   rig.Send(13, "CF 10.0 MZ");
   rig.Send(13, "RL 90.0 DB");
@@ -55,7 +55,7 @@ TEST(VirtualMeter, IsClippedAboveAndBlindFarBelowItsReferenceLevel) {
 }
 
 TEST(VirtualMeter, AScopesRangeIsVoltsPerDivision) {
-  BenchRig rig = Tuned(MeterType::Scope, 0);
+  BareBench rig = Tuned(MeterType::Scope, 0);
   rig.Drive(kFreq, kLevel);
   // The program commands the wanted level less 6.8 dB as volts: the screen then ends about 2 dB above that level.
   rig.Send(13, "RL " + std::to_string(Conversions::DbuvToVolts(100 - 6.8)) + " DB");
@@ -63,23 +63,20 @@ TEST(VirtualMeter, AScopesRangeIsVoltsPerDivision) {
 }
 
 TEST(VirtualMeter, ReadsAModulatedSignalAsItsTypeDoes) {
-  struct Row {
-    MeterType type;
-    double expectedDb;
-  };
-  for (const Row& row : {Row{MeterType::SpecAn, 0}, Row{MeterType::Scope, 5.105}, Row{MeterType::RfMeter, 1.206}}) {
-    BenchRig rig = Tuned(row.type, 1);
+  for (const auto& [type, expectedDb] :
+       {std::pair{MeterType::SpecAn, 0.0}, {MeterType::Scope, 5.105}, {MeterType::RfMeter, 1.206}}) {
+    BareBench rig = Tuned(type, 1);
     rig.Send(13, "CF 10.0 MZ");
     rig.Drive(kFreq, kLevel);
     const double unmodulated = rig.MeterReading();
     rig.Send(18, "AM 80.0 PC"), rig.Send(18, "M1");
     rig.clock.Advance(50);
-    EXPECT_NEAR(rig.MeterReading() - unmodulated, row.expectedDb, 0.002) << static_cast<int>(row.type);
+    EXPECT_NEAR(rig.MeterReading() - unmodulated, expectedDb, 0.002) << static_cast<int>(type);
   }
 }
 
 TEST(VirtualMeter, ShowsTheWorldAtTheEndOfItsCapture) {
-  BenchRig rig = Tuned(MeterType::RfMeter, 1);
+  BareBench rig = Tuned(MeterType::RfMeter, 1);
   rig.Drive(kFreq, kLevel);
   const double before = rig.MeterReading();
   rig.Send(13, "TS");
@@ -96,7 +93,7 @@ TEST(VirtualMeter, AReadingBeforeTheGeneratorHasSettledShowsTheFormerLevel) {
   BenchEquipment station = SmallStation();
   station.Meter->Trigger = "";
   station.Meter->Type = static_cast<std::int32_t>(MeterType::RfMeter);
-  BenchRig rig(station);
+  BareBench rig(station);
   rig.Drive(kFreq, kLevel);
   rig.Send(18, "AP -40.0 DM");
   rig.clock.Advance(19);
@@ -114,14 +111,14 @@ TEST(VirtualMeter, TalksWheneverAddressedWhenItHasNoReadCommand) {
   station.Meter->Type = static_cast<std::int32_t>(MeterType::RfMeter);
   BenchConfig config = Noiseless();
   config.MeterAnswer = "VALUE {level} DBUV AT {freq} ({level:e})";
-  BenchRig rig(station, config);
+  BareBench rig(station, config);
   EXPECT_EQ(rig.Read(13, 10), "VALUE 50.000 DBUV AT 0.000 (+5.00000E+01)\r\n");
 }
 
 TEST(VirtualMeter, SeesTheGeneratorDirectlyOrThroughTheCableUnderTest) {
   BenchConfig config = Noiseless();
   config.CableUnderTest = FrequencyTable{{1, 3.25}};
-  BenchRig rig = Tuned(MeterType::RfMeter, 1, config);
+  BareBench rig = Tuned(MeterType::RfMeter, 1, config);
   rig.bench.Connect(MeterAt::Generator);
   rig.Drive(kFreq, -20);
   const double direct = rig.MeterReading();

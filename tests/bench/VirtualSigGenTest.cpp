@@ -2,17 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include "BenchRig.h"
+#include "bench/BareBench.h"
 
 namespace hylden {
 namespace {
 
-const GeneratorState& Output(const BenchRig& rig) {
+const GeneratorState& Output(const BareBench& rig) {
   return rig.bench.State().Generator;
 }
 
 TEST(VirtualSigGen, TakesEveryCommandOfItsDefinition) {
-  BenchRig rig;
+  BareBench rig;
   for (const char* command : {"FR 12.5 MZ", "AP -20.0 DM", "AM 80.0 PC", "PF 0.2 KZ", "PW 0.5 MS", "FM 10.0 KZ", "R1"})
     EXPECT_TRUE(rig.Send(18, command));
   EXPECT_TRUE(Output(rig).RfOn);
@@ -38,7 +38,7 @@ TEST(VirtualSigGen, TakesEveryCommandOfItsDefinition) {
 TEST(VirtualSigGen, IgnoresAndCountsWhatItDoesNotUnderstand) {
   BenchEquipment station = SmallStation();
   station.SigGen->EndOfString = 2;
-  BenchRig rig(station);
+  BareBench rig(station);
   for (const char* command : {"FR 10.0 MZ", "FR 10.0 MZ\r", "FR 10.0\r\n", "fr 10.0 MZ\r\n", "FR ten MZ\r\n",
                               "FR 10.0 5 MZ\r\n", "R1 \r\n", "R11\r\n"})
     EXPECT_TRUE(rig.Send(18, command)) << "an instrument that does not understand still listens: " << command;
@@ -50,7 +50,7 @@ TEST(VirtualSigGen, IgnoresAndCountsWhatItDoesNotUnderstand) {
 }
 
 TEST(VirtualSigGen, TakesNoValueOutsideItsLimits) {
-  BenchRig rig;
+  BareBench rig;
   rig.Drive(10, -20);
   for (const char* command : {"FR 1000.1 MZ", "FR 0.05 MZ", "AP 13.1 DM", "AP -141.0 DM", "AM 101.0 PC"})
     rig.Send(18, command);
@@ -62,14 +62,14 @@ TEST(VirtualSigGen, TakesNoValueOutsideItsLimits) {
 TEST(VirtualSigGen, WithoutAnRfOnCommandItsOutputIsAlwaysOnAtTheMinimumLevel) {
   BenchEquipment station = SmallStation();
   station.SigGen->RfOn = station.SigGen->RfOff = "";
-  BenchRig rig(station);
+  BareBench rig(station);
   EXPECT_TRUE(Output(rig).RfOn);
   EXPECT_EQ(Output(rig).LevelDbm, -140);
   EXPECT_LT(rig.bench.State().TestLevelDbuv, 20);
 }
 
 TEST(VirtualSigGen, AmOfDepthZeroIsNoModulationInThePhysics) {
-  BenchRig rig;
+  BareBench rig;
   rig.Drive(10, -30);
   rig.Send(18, "AM 80.0 PC"), rig.Send(18, "M1");
   EXPECT_NEAR(rig.bench.State().PeakTestLevelDbuv - rig.bench.State().TestLevelDbuv, 5.105, 0.01);
@@ -80,19 +80,15 @@ TEST(VirtualSigGen, AmOfDepthZeroIsNoModulationInThePhysics) {
 TEST(VirtualSigGen, OneOnCommandForAllKindsSwitchesOnTheKindSetUpLast) {
   BenchEquipment station = SmallStation();
   station.SigGen->AmModOn = station.SigGen->FmModOn = station.SigGen->PulseModOn = "MOD ON";
-  BenchRig rig(station);
+  BareBench rig(station);
   rig.Send(18, "FM 10.0 KZ"), rig.Send(18, "MOD ON");
   EXPECT_EQ(Output(rig).Modulation, BenchModulation::Fm);
   rig.Send(18, "AM 80.0 PC"), rig.Send(18, "MOD ON");
   EXPECT_EQ(Output(rig).Modulation, BenchModulation::Am);
-}
-
-TEST(VirtualSigGen, WithoutAnAmOnCommandADepthSwitchesAmOn) {
-  BenchEquipment station = SmallStation();
   station.SigGen->AmModOn = "";
-  BenchRig rig(station);
-  rig.Send(18, "AM 80.0 PC");
-  EXPECT_EQ(Output(rig).Modulation, BenchModulation::Am);
+  BareBench older(station);
+  older.Send(18, "AM 80.0 PC");
+  EXPECT_EQ(Output(older).Modulation, BenchModulation::Am) << "without a command of its own a depth switches it on";
 }
 
 }  // namespace

@@ -39,9 +39,9 @@ inline BenchConfig Noiseless() {
   return config;
 }
 
-/// A bench with a program's hands on its bus.
-struct BenchRig {
-  explicit BenchRig(const BenchEquipment& equipment = SmallStation(), const BenchConfig& config = Noiseless())
+/// The bench alone, without a program: the test has its hands on the bus.
+struct BareBench {
+  explicit BareBench(const BenchEquipment& equipment = SmallStation(), const BenchConfig& config = Noiseless())
       : bench(clock, config) {
     bench.Driver().RegisterGpibGlobalsForThread(cells);
     bench.Equip(equipment);
