@@ -66,7 +66,7 @@ struct DemoRuns : DemoStation<> {
   RunEngine engine{shell, instruments, documents, display, manual};
   LevelCalibration level{shell, instruments, documents, calibrationDisplay};
   RunCablCal cable{shell, instruments};
-  clsCalFile record{shell};
+  clsCalFile record;
 };
 
 }  // namespace hylden

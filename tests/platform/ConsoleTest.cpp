@@ -24,10 +24,16 @@ namespace {
 
 class ConsoleTest : public testing::Test {
  protected:
-  ConsoleTest() { EXPECT_EQ(pipe(input_), 0); }
+  ConsoleTest() { NewInput(); }
   ~ConsoleTest() override {
     EndInput();
     close(input_[0]);
+  }
+
+  void NewInput() {
+    EndInput();
+    if (input_[0] >= 0) close(input_[0]);
+    EXPECT_EQ(pipe(input_), 0);
   }
 
   void Type(const std::string& text) {
@@ -46,58 +52,45 @@ class ConsoleTest : public testing::Test {
   ConsoleEventLoop events_{clock_, [this] { ++stops_; }};
 };
 
-struct AnswerCase {
-  const char* typed;
-  MessageButtons buttons;
-  MessageAnswer expected;
-};
-
-class ConsoleAnswerTest : public ConsoleTest, public testing::WithParamInterface<AnswerCase> {};
-
-TEST_P(ConsoleAnswerTest, TakesTheButtonThatWasTyped) {
-  Type(GetParam().typed);
-  EndInput();
-  ConsoleDialogs dialogs = Make({.terminal = true});
-  EXPECT_EQ(dialogs.Show({"Go on?", {}, MessageIcon::Question, GetParam().buttons}), GetParam().expected);
-}
-
 using enum MessageButtons;
-INSTANTIATE_TEST_SUITE_P(Console, ConsoleAnswerTest,
-                         testing::Values(AnswerCase{"\n", OkCancel, MessageAnswer::Ok},
-                                         AnswerCase{"\x1b\n", OkCancel, MessageAnswer::Cancel},
-                                         AnswerCase{"Cancel\r\n", OkCancel, MessageAnswer::Cancel},
-                                         AnswerCase{"\n\nY\n", YesNo, MessageAnswer::Yes},
-                                         AnswerCase{"what\nn\n", YesNoCancel, MessageAnswer::No},
-                                         AnswerCase{"\n", YesNo, MessageAnswer::No},
-                                         AnswerCase{"\n", RetryCancel, MessageAnswer::Cancel},
-                                         AnswerCase{"r\n", RetryCancel, MessageAnswer::Retry},
-                                         AnswerCase{"", Ok, MessageAnswer::Ok},
-                                         AnswerCase{"y", YesNo, MessageAnswer::No}));
 
-TEST_F(ConsoleTest, ConfirmsNothingUnaskedWithoutATerminal) {
-  Type("y\ny\ny\n");
-  ConsoleDialogs dialogs = Make({});
-  EXPECT_EQ(dialogs.Show({"RF on?", "Start", MessageIcon::None, OkCancel}), MessageAnswer::Cancel);
-  EXPECT_EQ(dialogs.Show({"RF on?", "Start", MessageIcon::None, YesNo}), MessageAnswer::No);
-  EXPECT_EQ(dialogs.Show({"again?", "Start", MessageIcon::None, RetryCancel}), MessageAnswer::Cancel);
-  EXPECT_EQ(dialogs.InputBox("How much?", "Level", "10"), std::nullopt);
-  EXPECT_EQ(dialogs.SaveFile({"Save run data", ""}), std::nullopt);
-  EXPECT_EQ(dialogs.Show({"done", {}}), MessageAnswer::Ok);
+TEST_F(ConsoleTest, TakesTheButtonThatWasTyped) {
+  const struct {
+    const char* typed;
+    MessageButtons buttons;
+    MessageAnswer expected;
+  } rows[] = {{"\n", OkCancel, MessageAnswer::Ok},
+              {"\x1b\n", OkCancel, MessageAnswer::Cancel},
+              {"Cancel\r\n", OkCancel, MessageAnswer::Cancel},
+              {"\n\nY\n", YesNo, MessageAnswer::Yes},
+              {"what\nn\n", YesNoCancel, MessageAnswer::No},
+              {"\n", YesNo, MessageAnswer::No},
+              {"\n", RetryCancel, MessageAnswer::Cancel},
+              {"r\n", RetryCancel, MessageAnswer::Retry},
+              {"", Ok, MessageAnswer::Ok},
+              {"y", YesNo, MessageAnswer::No}};
+  for (const auto& row : rows) {
+    NewInput();
+    Type(row.typed);
+    EndInput();
+    ConsoleDialogs dialogs = Make({.terminal = true});
+    EXPECT_EQ(dialogs.Show({"Go on?", {}, MessageIcon::Question, row.buttons}), row.expected) << row.typed;
+  }
 }
 
-TEST_F(ConsoleTest, ConfirmsOnlyTheQuestionsThatWereNamed) {
+TEST_F(ConsoleTest, ConfirmsOnlyWhatWasNamedWithoutATerminalAndPrintsTheAnswerThatNobodyTyped) {
+  Type("y\ny\ny\n");
   ConsoleDialogs dialogs = Make({.confirmedTitles = {"Run Test"}});
   EXPECT_EQ(dialogs.Show({"RF on?", "Run Test", MessageIcon::None, YesNo}), MessageAnswer::Yes);
-  EXPECT_EQ(dialogs.Show({"RF on?", "Other", MessageIcon::None, YesNo}), MessageAnswer::No);
-  EXPECT_EQ(dialogs.Show({"RF on?", "", MessageIcon::None, YesNo}), MessageAnswer::No);
-}
-
-TEST_F(ConsoleTest, PrintsTheAnswerThatNobodyTyped) {
-  ConsoleDialogs dialogs = Make({.confirmedTitles = {"Run Test"}});
-  dialogs.Show({"RF on?", "Run Test", MessageIcon::None, YesNo});
-  dialogs.Show({"Again?", "", MessageIcon::None, OkCancel});
-  dialogs.Show({"Done", ""});
-  EXPECT_EQ(out_.str(), "Run Test:\nRF on?\n[Yes]\nAgain?\n[Cancel] Nobody is at a terminal to answer.\nDone\n");
+  EXPECT_EQ(dialogs.Show({"Other?", "Other", MessageIcon::None, OkCancel}), MessageAnswer::Cancel);
+  EXPECT_EQ(dialogs.Show({"Again?", "", MessageIcon::None, RetryCancel}), MessageAnswer::Cancel);
+  EXPECT_EQ(dialogs.Show({"Done", {}}), MessageAnswer::Ok);
+  EXPECT_EQ(out_.str(),
+            "Run Test:\nRF on?\n[Yes]\nOther:\nOther?\n[Cancel] Nobody is at a terminal to answer.\n"
+            "Again?\n[Cancel] Nobody is at a terminal to answer.\nDone\n");
+  EXPECT_EQ(dialogs.Show({"RF on?", "Start", MessageIcon::None, YesNo}), MessageAnswer::No);
+  EXPECT_EQ(dialogs.InputBox("How much?", "Level", "10"), std::nullopt);
+  EXPECT_EQ(dialogs.SaveFile({"Save run data", ""}), std::nullopt);
 }
 
 TEST_F(ConsoleTest, ARequestToStopDeclinesTheOpenQuestionAndAllThatFollow) {
@@ -131,18 +124,17 @@ TEST_F(ConsoleTest, AnInputBoxKeepsItsTextOnEnter) {
   EXPECT_EQ(dialogs.InputBox("Address", "Meter", "18"), std::nullopt);
 }
 
-class StopSignalTest : public ConsoleTest, public testing::WithParamInterface<int> {};
-
-TEST_P(StopSignalTest, RunsTheCallbackInsteadOfEndingTheProgram) {
-  raise(GetParam());
-  EXPECT_EQ(stops_, 0) << "the callback belongs to the program's own turn";
-  events_.Yield();
-  events_.Yield();
-  EXPECT_EQ(stops_, 1);
-  EXPECT_TRUE(events_.StopRequested());
+TEST_F(ConsoleTest, StopSignalRunsTheCallbackInTheProgramsOwnTurn) {
+  int stops = 0;
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPWR, SIGXCPU}) {
+    raise(signal);
+    EXPECT_EQ(stops_, stops) << signal;
+    events_.Yield();
+    events_.Yield();
+    EXPECT_EQ(stops_, ++stops) << signal;
+    EXPECT_TRUE(events_.StopRequested());
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Console, StopSignalTest, testing::Values(SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPWR, SIGXCPU));
 
 TEST_F(ConsoleTest, NoOtherSignalThanAFaultOfItsOwnEndsOrFreezesTheProgram) {
   for (int number = 1; number <= SIGRTMAX; ++number) {

@@ -33,38 +33,27 @@ class ProgramDirectoryTest : public testing::Test {
   const std::string readOnly = "/proc/self";  // no user can write there
 };
 
-TEST_F(ProgramDirectoryTest, AProgramThatMayWriteBesideItselfKeepsEverythingThere) {
-  const Directories directories = ProgramDirectories(home.Path());
-  EXPECT_EQ(directories.Program, home.Path());
-  EXPECT_EQ(directories.Data, "");
-  EXPECT_EQ(directories.Common, "");
+TEST_F(ProgramDirectoryTest, AProgramThatMayWriteThereOrAChosenDirectoryHoldsEverything) {
+  const auto expect = [](const Directories& directories, const std::string& path) {
+    EXPECT_EQ(directories.Program, path);
+    EXPECT_EQ(directories.Data + directories.Common, "");
+  };
+  expect(ProgramDirectories(home.Path()), home.Path());
+  const Variable chosen("HYLDEN_HOME", home.File("lab/"));
+  expect(ProgramDirectories(readOnly), home.File("lab"));
 }
 
 TEST_F(ProgramDirectoryTest, AnInstalledProgramKeepsSettingsWithTheUserAndFilesAmongTheDocuments) {
+  EXPECT_EQ(ProgramDirectories(readOnly).Data, home.File("Hylden")) << "without documents";
   home.Write("Documents/note", "");
   const Directories directories = ProgramDirectories(readOnly);
   EXPECT_EQ(directories.Program, home.File(".config/hylden"));
   EXPECT_EQ(directories.Data, home.File("Documents/Hylden"));
   EXPECT_EQ(directories.Common, readOnly);
   EXPECT_TRUE(home.Exists("Documents/Hylden"));
-}
-
-TEST_F(ProgramDirectoryTest, DocumentsHaveTheNameOfTheUsersLanguage) {
   home.Write("Dokumente/note", "");
   home.Write(".config/user-dirs.dirs", "# mine\nXDG_DOCUMENTS_DIR=\"$HOME/Dokumente\"\n");
-  EXPECT_EQ(ProgramDirectories(readOnly).Data, home.File("Dokumente/Hylden"));
-}
-
-TEST_F(ProgramDirectoryTest, WithoutDocumentsTheFilesAreInTheHomeDirectory) {
-  EXPECT_EQ(ProgramDirectories(readOnly).Data, home.File("Hylden"));
-}
-
-TEST_F(ProgramDirectoryTest, AChosenDirectoryHoldsEverything) {
-  const Variable chosen("HYLDEN_HOME", home.File("lab/"));
-  const Directories directories = ProgramDirectories(readOnly);
-  EXPECT_EQ(directories.Program, home.File("lab"));
-  EXPECT_EQ(directories.Data, "");
-  EXPECT_EQ(directories.Common, "");
+  EXPECT_EQ(ProgramDirectories(readOnly).Data, home.File("Dokumente/Hylden")) << "in the user's language";
 }
 
 }  // namespace
