@@ -3,8 +3,7 @@
 #include <QPlainTextEdit>
 #include <QRadioButton>
 
-#include "app/Desktop.h"
-#include "desktop/RunForms.h"
+#include "desktop/DemoWindows.h"
 #include "documents/qt/frmCalSetup.h"
 #include "measure/qt/frmBuildList.h"
 #include "shell/FormEntries.h"
@@ -130,23 +129,21 @@ TEST_F(ListBuilderForm, NoAtTheEndLeavesTheCallerItsList) {
 }
 
 TEST(ListBuilderDesktop, ComposedListBecomesTheSetups) {
-  FakeDialogs dialogs;
-  BenchMachine m{dialogs};
-  Desktop desktop(m.station);
-  ASSERT_TRUE(desktop.Start("\"/e:station.eqp\""));
-  desktop.OpenCalibrationSetup();
-  auto& setup = *OpenWindow<frmCalSetup>();
+  DemoWindows m;
+  m.Start();
+  m.desktop->OpenCalibrationSetup();
+  auto& setup = m.Opened<frmCalSetup>();
   Press(setup, "cmdCreateList");
-  auto& builder = *OpenWindow<frmBuildList>();
+  auto& builder = m.Opened<frmBuildList>();
   EXPECT_EQ(QApplication::activeModalWidget(), &builder);
   Type(builder, "txtRangeStart", "7");
   Type(builder, "txtStepSize", "3");
   Press(builder, "cmdAdd");
-  dialogs.AnswerSave(m.directory.File("made.lst"));
+  m.dialogs.AnswerSave(m.directory.File("made.lst"));
   Choose(builder, "mnuFileSaveAs");
   Press(builder, "cmdExit");
   EXPECT_EQ(OpenWindow<frmBuildList>(), nullptr);
-  EXPECT_TRUE(Find<QRadioButton>(setup, "optListStep").isChecked());
+  EXPECT_TRUE(IsTicked(setup, "optListStep"));
   EXPECT_EQ(TextOf(setup, "txtStartFreq"), "7");
   EXPECT_EQ(TextOf(setup, "txtStopFreq"), "21");
 }

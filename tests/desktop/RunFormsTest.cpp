@@ -24,7 +24,7 @@ TEST_F(RunForms, ReadyFormOffersRunAndExitOnly) {
   };
   expectReady();
   EXPECT_NE(Buttons().focusWidget(), nullptr);
-  EXPECT_EQ(Text("lblSteps"), std::to_string(form->Engine().PlannedSteps()));
+  EXPECT_EQ(Text("lblSteps"), std::to_string(form->Engine().Steps().size()));
   EXPECT_EQ(Text("lblStartFreq"), "0.15");
   EXPECT_EQ(Text("lblStopFreq"), "80.0");
   EXPECT_EQ(Text("lblFreq"), "--");
@@ -62,7 +62,7 @@ TEST_F(RunForms, WholeRunIsShownSavedAndPrintedAsRecorded) {
   EXPECT_THAT(states, testing::IsSupersetOf({"Intermediate dwell...", "Finishing Final Dwell..."}));
   EXPECT_EQ(Text("pnlStatus"), "State: Idle");
   EXPECT_TRUE(Enabled("cmdRun") && Find<QAction>(*form, "mnuFileSave").isEnabled());
-  EXPECT_EQ(Find<QProgressBar>(*form, "prgSteps").value(), static_cast<int>(form->Engine().PlannedSteps()));
+  EXPECT_EQ(Find<QProgressBar>(*form, "prgSteps").value(), static_cast<int>(form->Engine().Steps().size()));
 
   const RunRow last = Row(Rows().size());
   EXPECT_EQ(Text("lblFreq"), last[0]);

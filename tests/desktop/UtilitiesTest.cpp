@@ -1,8 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "app/DesktopUtilities.h"
-#include "desktop/RunForms.h"
-#include "support/FakeDialogs.h"
+#include "support/DemoStation.h"
 
 namespace hylden {
 namespace {
@@ -14,13 +13,14 @@ TEST(DesktopUtilities, ShortcutStartsTheProgramOnItsFiles) {
 }
 
 TEST(DesktopUtilities, FailuresAreTold) {
-  FakeDialogs dialogs;
-  BenchMachine m{dialogs};
+  DemoStation<> m;
+  FakeDialogs& dialogs = m.dialogs;
+  m.documents.equip.EquipFileName.clear();
   RunUtility(Utility::Interpolation, m.station, {});
   EXPECT_EQ(dialogs.LastText(), "Error running Interp.exe");
   RunUtility(Utility::Shortcut, m.station, {});
   EXPECT_EQ(dialogs.LastText(), "Save the equipment first: a shortcut names its file.");
-  m.station.shell.settings.SaveDataDir(datakind::kProbes, m.directory.File("gone"));
+  m.shell.settings.SaveDataDir(datakind::kProbes, m.directory.File("gone"));
   RunUtility(Utility::SystemCheck, m.station, m.directory.File("hylden.hlp"));
   EXPECT_TRUE(dialogs.WasShownContaining("NOT OK:  Data, Probes: " + m.directory.File("gone") + " (not there)"));
   EXPECT_EQ(dialogs.messages.back().icon, MessageIcon::Exclamation);
