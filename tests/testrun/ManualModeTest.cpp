@@ -38,7 +38,8 @@ TEST(ManualPanel, ArrowKeysStayInRange) {
 /// the user interface, and manual mode is left after the last.
 struct ManualTest : testing::Test {
   RunRig rig;
-  ManualPanel panel{rig.engine.Manual()};
+  ManualMode& mode = rig.engine.Manual();
+  ManualPanel panel{mode};
   std::vector<std::function<void()>> manual;
   std::function<void()> onYield;  ///< besides
   std::size_t sentBefore = 0;
@@ -53,7 +54,7 @@ struct ManualTest : testing::Test {
         asked = true;
         rig.engine.RequestManual();
       }
-      if (!rig.manual.isOpen || rig.engine.Manual().IsBusy()) return;
+      if (!rig.manual.isOpen || mode.IsBusy()) return;
       if (next == 0) {
         panel.Open(rig.manual.opened);
         sentBefore = rig.Sent(18).size();
@@ -61,9 +62,13 @@ struct ManualTest : testing::Test {
       if (next < manual.size())
         manual[next++]();
       else
-        rig.engine.Manual().manExitClick();
+        mode.manExitClick();
     };
     rig.Run();
+  }
+  void InManual(const std::function<void()>& action) {
+    manual = {action};
+    Run();
   }
   /// What the generator was sent in manual mode, up to the next step's frequency.
   std::vector<std::string> Sent() {
@@ -74,8 +79,7 @@ struct ManualTest : testing::Test {
 };
 
 TEST_F(ManualTest, OpensAfterTheStepAndTheRunGoesOn) {
-  manual = {[] {}};
-  Run();
+  InManual([&] { EXPECT_EQ(rig.manual.at, std::pair(2, 2)); });
   EXPECT_EQ(rig.manual.opened.Step, 2);
   EXPECT_EQ(rig.manual.opened.HighestStep, 2);
   EXPECT_EQ(rig.manual.opened.Freq, 2);
@@ -112,13 +116,12 @@ TEST_F(ManualTest, ChangesWaitForTheTimerAndTheLowerLevelComesFirst) {
 
 TEST_F(ManualTest, TheLevelRisesByTheTestsIncrementPerTickAndFallsAtOnce) {
   rig.test.LevelInc = 4;
-  manual = {[&] {
+  InManual([&] {
     panel.MoveOffset(kHighestOffsetTenths);
     for (int tick = 0; tick < 4; ++tick) panel.Tick();
     panel.MoveOffset(-80);
     panel.Tick();
-  }};
-  Run();
+  });
   auto sent = Sent();
   sent.resize(4);
   EXPECT_THAT(sent, ElementsAre("POW -4.0 DBM", "POW 0.0 DBM", "POW 2.0 DBM", "POW -16.0 DBM"));
@@ -126,31 +129,30 @@ TEST_F(ManualTest, TheLevelRisesByTheTestsIncrementPerTickAndFallsAtOnce) {
 
 TEST_F(ManualTest, RfThatComesBackDoesNotJumpToWhatWasRaisedMeanwhile) {
   rig.test.LevelInc = 4;
-  manual = {[&] {
-    rig.engine.Manual().manRfOn(false);
+  InManual([&] {
+    mode.manRfOn(false);
     panel.MoveOffset(kHighestOffsetTenths);
     for (int tick = 0; tick < 3; ++tick) panel.Tick();
-    rig.engine.Manual().manRfOn(true);
+    mode.manRfOn(true);
     EXPECT_EQ(rig.generatorDbm, -8 + 4);
     panel.Tick();
     EXPECT_EQ(rig.generatorDbm, -8 + 8);
     panel.Tick();
     EXPECT_EQ(rig.generatorDbm, -8 + 10);
-    rig.engine.Manual().manRfOn(false);
+    mode.manRfOn(false);
     panel.MoveOffset(-300);
     panel.Tick();
-    rig.engine.Manual().manRfOn(true);
-    rig.engine.Manual().manRfOn(false);
+    mode.manRfOn(true);
+    mode.manRfOn(false);
     panel.MoveOffset(0);
     for (int tick = 0; tick < 8; ++tick) panel.Tick();
-    rig.engine.Manual().manRfOn(true);
+    mode.manRfOn(true);
     EXPECT_EQ(rig.generatorDbm, -8 - 26);
-  }};
-  Run();
+  });
 }
 
 TEST_F(ManualTest, AThresholdNotesWhatStandsAndEndsTheRise) {
-  manual = {[&] {
+  InManual([&] {
     panel.MoveOffset(95);
     panel.Tick();
     const auto standing = panel.Threshold();
@@ -160,25 +162,11 @@ TEST_F(ManualTest, AThresholdNotesWhatStandsAndEndsTheRise) {
     EXPECT_EQ(panel.Scroll().OffsetTenths, 60) << "the bar goes back to what stands";
     panel.Tick();
     EXPECT_EQ(rig.generatorDbm, -8 + 6);
-  }};
-  Run();
-}
-
-TEST_F(ManualTest, TheDisplayShowsTheStepAndOffsetThatStand) {
-  manual = {[&] {
-    EXPECT_EQ(rig.manual.at, std::pair(2, 2));
-    panel.MoveStep(1);
-    panel.MoveOffset(-15);
-    panel.Tick();
-    EXPECT_EQ(rig.manual.at, std::pair(1, 1));
-    EXPECT_EQ(rig.display.Now(Readout::TestLevel), 118.5);
-    EXPECT_EQ(rig.display.Now(Readout::Frequency), 1);
-  }};
-  Run();
+  });
 }
 
 TEST_F(ManualTest, ARefusedStepShowsTheFrequencyThatRfComesBackWith) {
-  manual = {[&] {
+  InManual([&] {
     rig.bus.FailLine("> 18 FREQ", gpib::kEnol);
     panel.MoveStep(1);
     panel.Tick();
@@ -186,18 +174,17 @@ TEST_F(ManualTest, ARefusedStepShowsTheFrequencyThatRfComesBackWith) {
     EXPECT_EQ(rig.manual.freq, 1);
     EXPECT_EQ(rig.display.Now(Readout::Frequency), 1);
     EXPECT_EQ(panel.Threshold()->Freq, 2) << "the product never saw the other";
-    rig.engine.Manual().manRfOn(true);
+    mode.manRfOn(true);
     EXPECT_TRUE(rig.rfOn);
     EXPECT_EQ(rig.frequencyMHz, 1);
     EXPECT_EQ(panel.Threshold()->Freq, 1);
-  }};
-  Run();
+  });
 }
 
 TEST_F(ManualTest, ARefusedOffsetIsGivenUp) {
   rig.test.LevelInc = 10;
   Redefine(rig.sigGen, [](auto& d) { d.MaximumLevel = 0; });
-  manual = {[&] {
+  InManual([&] {
     panel.MoveOffset(70);
     panel.Tick();
     panel.MoveOffset(90);
@@ -209,20 +196,18 @@ TEST_F(ManualTest, ARefusedOffsetIsGivenUp) {
     for (int tick = 0; tick < 3; ++tick) panel.Tick();
     EXPECT_EQ(rig.Shown("Level requested outside of range of instrument"), 1);
     EXPECT_EQ(panel.Threshold()->Offset, 7);
-    rig.engine.Manual().manRfOn(true);
+    mode.manRfOn(true);
     EXPECT_EQ(rig.generatorDbm, -1);
-  }};
-  Run();
+  });
 }
 
 TEST_F(ManualTest, ReturningRaisesNothingAnyMore) {
-  manual = {[&] {
+  InManual([&] {
     panel.MoveStep(1);
     panel.MoveOffset(50);
     panel.Leave();
     EXPECT_EQ(rig.manual.at.first, 1);
-  }};
-  Run();
+  });
   EXPECT_EQ(rig.highestAt[1], -10);
 }
 
@@ -240,7 +225,7 @@ TEST_F(ManualTest, NoThresholdWhileTheAmplifiersChangeOver) {
     if (!changingOver) return;
     ++asked;
     EXPECT_FALSE(panel.Threshold());
-    rig.engine.Manual().manThresholdClick(2, 0);
+    mode.manThresholdClick(2, 0);
   };
   Run();
   EXPECT_GT(asked, 0);
@@ -249,22 +234,24 @@ TEST_F(ManualTest, NoThresholdWhileTheAmplifiersChangeOver) {
 }
 
 TEST_F(ManualTest, OnlyStepsThatWereRunCanBeReached) {
-  manual = {[&] {
+  InManual([&] {
     EXPECT_FALSE(panel.MoveStep(3));
     EXPECT_FALSE(panel.MoveStep(0));
     EXPECT_FALSE(panel.Key(ArrowKey::Right));
-    rig.engine.Manual().manStepNumChange(3);
+    mode.manStepNumChange(3);
     EXPECT_EQ(rig.manual.at.first, 2);
-  }};
-  Run();
+  });
 }
 
-TEST_F(ManualTest, TheRunGoesOnBehindTheStepThatWasReturnedTo) {
-  manual = {[&] {
+TEST_F(ManualTest, TheRunGoesOnBehindTheStepThatIsShown) {
+  InManual([&] {
     panel.Key(ArrowKey::Left);
+    panel.MoveOffset(-15);
     panel.Tick();
-  }};
-  Run();
+    EXPECT_EQ(rig.manual.at, std::pair(1, 1));
+    EXPECT_EQ(rig.display.Now(Readout::TestLevel), 118.5);
+    EXPECT_EQ(rig.display.Now(Readout::Frequency), 1);
+  });
   EXPECT_EQ(rig.display.steps, (std::vector<int>{1, 2, 2, 3}));
   EXPECT_EQ(rig.Rows().size(), 4U);
   EXPECT_LE(rig.highestAt[2], -8);
@@ -272,13 +259,13 @@ TEST_F(ManualTest, TheRunGoesOnBehindTheStepThatWasReturnedTo) {
 
 TEST_F(ManualTest, RfAndModulationFollowTheOperator) {
   rig.UseAm(true, true);
-  manual = {[&] { rig.engine.Manual().manModOn(false); }, [&] { rig.engine.Manual().manRfOn(false); },
+  manual = {[&] { mode.manModOn(false); }, [&] { mode.manRfOn(false); },
             [&] {
               EXPECT_FALSE(rig.manual.rf);
               EXPECT_FALSE(rig.manual.mod);
-              rig.engine.Manual().manLevOffsetChange(-3);
+              mode.manLevOffsetChange(-3);
             },
-            [&] { rig.engine.Manual().manRfOn(true); }, [&] { rig.engine.Manual().manModOn(true); }};
+            [&] { mode.manRfOn(true); }, [&] { mode.manModOn(true); }};
   Run();
   EXPECT_TRUE(rig.manual.opened.ModEnabled && rig.manual.opened.ModOn && rig.manual.mod);
   auto sent = Sent();
@@ -288,26 +275,24 @@ TEST_F(ManualTest, RfAndModulationFollowTheOperator) {
 
 TEST_F(ManualTest, ModulationThatTheGeneratorRefusesIsNotShownAsSwitched) {
   rig.UseAm(true, false);
-  manual = {[&] {
+  InManual([&] {
     rig.bus.FailLine("> 18 MOD OFF", gpib::kEnol);
-    rig.engine.Manual().manModOn(false);
+    mode.manModOn(false);
     EXPECT_TRUE(rig.manual.mod);
-    rig.engine.Manual().manModOn(false);
+    mode.manModOn(false);
     EXPECT_FALSE(rig.manual.mod);
     rig.bus.FailLine("> 18 AM ON", gpib::kEnol);
-    rig.engine.Manual().manModOn(true);
+    mode.manModOn(true);
     EXPECT_FALSE(rig.manual.mod);
     EXPECT_FALSE(rig.rfOn);
-  }};
-  Run();
+  });
 }
 
 TEST_F(ManualTest, AFailureAfterOneThatTheOperatorWentOnFromIsToldToo) {
   const char* const lines[] = {"> 18 POW -9.0", "> 18 POW -7.0", "> 18 FREQ 4.0"};  // twice by hand, then the next step
   for (const char* line : lines) rig.bus.FailLine(line, gpib::kEnol);
-  const auto offset = [&](float db) { rig.engine.Manual().manLevOffsetChange(db); };
-  manual = {[&] { rig.engine.Manual().manRfOn(true), offset(-1); },
-            [&] { rig.engine.Manual().manRfOn(true), offset(1); }};
+  const auto offset = [&](float db) { mode.manLevOffsetChange(db); };
+  manual = {[&] { mode.manRfOn(true), offset(-1); }, [&] { mode.manRfOn(true), offset(1); }};
   Run();
   const auto texts = rig.t.dialogs.Texts();
   EXPECT_EQ(std::count_if(texts.begin(), texts.end(),
@@ -317,16 +302,14 @@ TEST_F(ManualTest, AFailureAfterOneThatTheOperatorWentOnFromIsToldToo) {
 
 TEST_F(ManualTest, ModulationSwitchedOffByHandIsBackForTheNextStep) {
   rig.UseAm(false, false);
-  manual = {[&] { rig.engine.Manual().manModOn(false); }};
-  Run();
+  InManual([&] { mode.manModOn(false); });
   EXPECT_THAT(rig.Sent(18), testing::Contains("AM ON").Times(2));
 }
 
 TEST_F(ManualTest, AThresholdIsRecordedBetweenTheStepsWithItsCommentIfAny) {
   rig.t.dialogs.AnswerInput("display flickers");
   rig.t.dialogs.AnswerInput(std::nullopt);
-  manual = {[&] { rig.engine.Manual().manThresholdClick(2, -1.5F); },
-            [&] { rig.engine.Manual().manThresholdClick(2, 0); }};
+  manual = {[&] { mode.manThresholdClick(2, -1.5F); }, [&] { mode.manThresholdClick(2, 0); }};
   Run();
   ASSERT_EQ(rig.Rows().size(), 5U);
   EXPECT_EQ(rig.Rows()[2], "2.0, Threshold -1.5dB, display flickers");
@@ -336,7 +319,7 @@ TEST_F(ManualTest, AThresholdIsRecordedBetweenTheStepsWithItsCommentIfAny) {
 }
 
 TEST_F(ManualTest, AHaltEndsTheRunAndRemovesTheForm) {
-  manual = {[&] { rig.t.shell.delay.RequestHalt(); }, [&] { rig.engine.Manual().manLevOffsetChange(3); }};
+  manual = {[&] { rig.t.shell.delay.RequestHalt(); }, [&] { mode.manLevOffsetChange(3); }};
   Run();
   EXPECT_EQ(rig.Rows().size(), 2U);
   EXPECT_THAT(rig.manual.calls, Contains("manual closed"));
@@ -346,12 +329,11 @@ TEST_F(ManualTest, AHaltEndsTheRunAndRemovesTheForm) {
 
 TEST_F(ManualTest, AnAmplifierThatFailsHaltsTheRun) {
   rig.UseIfi(1.5);
-  manual = {[&] {
+  InManual([&] {
     rig.bus.FailLine("> 10 8", gpib::kEabo);
-    rig.engine.Manual().manStepNumChange(1);
+    mode.manStepNumChange(1);
     EXPECT_TRUE(rig.t.shell.delay.HaltRequested());
-  }};
-  Run();
+  });
   EXPECT_EQ(rig.Rows().size(), 2U);
   EXPECT_FALSE(rig.rfOn);
 }
@@ -359,12 +341,11 @@ TEST_F(ManualTest, AnAmplifierThatFailsHaltsTheRun) {
 class ManualThrowTest : public ManualTest, public testing::WithParamInterface<bool> {};
 
 TEST_P(ManualThrowTest, AnExceptionIsToldWithRfOffThoughTheFirstRfOffDoesNotGetThrough) {
-  manual = {[&] {
+  InManual([&] {
     rig.throwAtLines = {"> 18 POW"};
     GetParam() ? rig.throwAtLines.push_back("> 18 OUTP OFF") : rig.bus.FailLine("> 18 OUTP OFF", gpib::kEnol);
-    rig.engine.Manual().manLevOffsetChange(-3);
-  }};
-  Run();
+    mode.manLevOffsetChange(-3);
+  });
   EXPECT_EQ(rig.Shown("Error # 6\rOverflow\rfrmRunTest.RunCDI\r"), 1);
   EXPECT_FALSE(rig.rfOnAtMessage);
   EXPECT_EQ(rig.Rows().size(), 2U) << "the run is halted";
@@ -377,9 +358,9 @@ TEST_F(ManualTest, RfThatManualModeLeftOnIsOffWhileTheSensorIsMoved) {
   rig.UsePower(LevelingMethod::ForwardPower);
   rig.UseIfi();
   manualAfter = 3;
-  manual = {[&] { rig.engine.Manual().manStepNumChange(1); },
+  manual = {[&] { mode.manStepNumChange(1); },
             [&] {
-              rig.engine.Manual().manRfOn(true);
+              mode.manRfOn(true);
               EXPECT_TRUE(rig.rfOn);
             }};
   Run();
@@ -417,7 +398,7 @@ TEST_F(ManualTest, TheRunLogTellsHowLongACutDwellWasHeld) {
       [&] {
         const std::int64_t levelReached = rig.t.clock.TickMs();
         rig.t.events.At(levelReached + 1500, [&] { rig.engine.RequestManual(); });
-        rig.t.events.At(levelReached + 2100, [&] { rig.engine.Manual().manExitClick(); });
+        rig.t.events.At(levelReached + 2100, [&] { mode.manExitClick(); });
       },
       4);
   rig.engine.RunCdiTest();
@@ -455,11 +436,10 @@ TEST_F(ManualTest, ElapsedAndRemainingTimeLeaveManualModeOut) {
 
 TEST_F(ManualTest, StepsThatAreRunAgainCountInTheTimePerStep) {
   rig.test.InitLevOffset = 0;
-  manual = {[&] {
+  InManual([&] {
     panel.MoveStep(1);
     panel.Tick();
-  }};
-  Run();
+  });
   // Steps 2, 2 and 3 are timed, 2.5 s each but for the cut dwell; after the last, one step is still counted as left.
   const double minutes = rig.display.Now(Readout::Elapsed);
   EXPECT_NEAR(*(rig.display.All(Readout::Remaining).end() - 2), minutes / 3, 1e-9);
