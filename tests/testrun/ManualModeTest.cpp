@@ -306,6 +306,25 @@ TEST_F(ManualTest, ModulationSwitchedOffByHandIsBackForTheNextStep) {
   EXPECT_THAT(rig.Sent(18), testing::Contains("AM ON").Times(2));
 }
 
+TEST_F(ManualTest, ModulationIsBackForTheNextStepAlsoWhereItMayBeOff) {
+  rig.UseAm(false, false);
+  InManual([&] {
+    rig.bus.FailLine("> 18 MOD OFF", gpib::kEnol);
+    mode.manModOn(false);
+  });
+  EXPECT_THAT(rig.Sent(18), testing::Contains("AM ON").Times(2));
+}
+
+TEST_F(ManualTest, AFormThatAnExceptionLeftOpenIsTakenAwayWithRfOff) {
+  onYield = [&, thrown = false]() mutable {
+    if (rig.manual.isOpen && !std::exchange(thrown, true)) throw RuntimeError(ErrorNumber::Overflow);
+  };
+  Run();
+  EXPECT_THAT(rig.manual.calls, ElementsAre("manual opened", "manual closed"));
+  EXPECT_FALSE(rig.rfOn);
+  EXPECT_EQ(rig.engine.Outcome(), RunOutcome::EndedEarly);
+}
+
 TEST_F(ManualTest, AThresholdIsRecordedBetweenTheStepsWithItsCommentIfAny) {
   rig.t.dialogs.AnswerInput("display flickers");
   rig.t.dialogs.AnswerInput(std::nullopt);

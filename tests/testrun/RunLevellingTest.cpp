@@ -167,10 +167,11 @@ TEST_F(LevellingTest, ByGeneratorWithCurrentLimitTheRampStopsAtTheLimit) {
 
 TEST_F(LevellingTest, ByForwardPowerTheNextStepStartsLowerByWhatWasTooMuch) {
   rig.UsePower(LevelingMethod::ForwardPower);
+  rig.gainErrorDb[1] = 2.95;
   rig.test.StopFreq = 2;
   rig.Run();
-  // Offset -0.1, plus 0.1 of overshoot, 12 below, and 6.02 dB for the doubled frequency.
-  EXPECT_THAT(rig.Sent(18), testing::Contains("POW -26.0 DBM"));
+  // Offset 2.85, plus 0.05 of overshoot, 12 below, and 6.02 dB for the doubled frequency.
+  EXPECT_THAT(rig.Sent(18), testing::Contains("POW -28.9 DBM"));
   EXPECT_EQ(rig.Rows()[1], "2.0, -7.9, 120.0, , 42.1 **, ");
 }
 
