@@ -28,6 +28,8 @@ struct Instruments;
 class LevelCalibration {
  public:
   LevelCalibration(Shell& shell, Instruments& instruments, Documents& documents, RunDisplay& display);
+  LevelCalibration(const LevelCalibration&) = delete;
+  LevelCalibration& operator=(const LevelCalibration&) = delete;
 
   /// Plans the frequencies and loads the factor tables for the calibration setup as it is now.
   /// @return false after a message: no run can be started
