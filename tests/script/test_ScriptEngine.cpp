@@ -112,83 +112,61 @@ TEST_F(Engine, BoundsWhatAnExpressionMayUse) {
   EXPECT_EQ(StatementError("a = Array(a)"), 28);
 }
 
-std::vector<std::string> Words(const std::string& text) {
-  std::istringstream words(text);
-  return {std::istream_iterator<std::string>(words), {}};
-}
-
 /// Writes expressions by a grammar, well-formed for the most part, with a stray token now and then.
 class Scribbler {
- public:
-  explicit Scribbler(unsigned seed) : random_(seed) {}
+  int Below(int bound) { return static_cast<int>(random_() % static_cast<unsigned>(bound)); }
+  auto& OneOf(auto& choices) { return choices[random_() % choices.size()]; }
 
+ public:
   std::string Expression(int depth) {
-    static const auto operators = Words(R"(
-      + - * / \ ^ & = <> < >= Is Mod And Or Xor Eqv Imp)");
-    if (depth <= 0 || Below(4) == 0) return Atom();
+    if (depth <= 0 || Below(4) == 0) return OneOf(kAtoms);
+    const std::string inner = Expression(depth - 1);
     switch (Below(6)) {
       case 0:
-        return "(" + Expression(depth - 1) + ")";
+        return "(" + inner + ")";
       case 1:
-        return (Below(2) == 0 ? "Not " : "-") + Expression(depth - 1);
+        return (Below(2) == 0 ? "Not " : "-") + inner;
       case 2:
+        return inner + "(" + Expression(depth - 1) + ")";
       case 3:
-        return FunctionCall(depth);
-      case 4:
-        return Expression(depth - 1) + "(" + Expression(depth - 1) + ")";
+        return inner + " " + OneOf(kOperators) + " " + Expression(depth - 1);
       default:
-        return Expression(depth - 1) + " " + OneOf(operators) + " " + Expression(depth - 1);
+        std::string call = OneOf(kFunctions) + "(" + inner;
+        for (int more = Below(4); more > 0; --more) call += Below(12) == 0 ? "," : "," + Expression(depth - 1);
+        return call + ")";
     }
   }
 
   std::string Garbled(std::string text) {
     static const std::string strays = "()\"'#&.,[]^=<>:\\ \n\x80\xE2x1e";
-    for (int i = Below(3); i >= 0 && !text.empty(); --i) {
-      const std::size_t at = static_cast<std::size_t>(Below(static_cast<int>(text.size())));
-      text[at] = strays[static_cast<std::size_t>(Below(static_cast<int>(strays.size())))];
-    }
+    for (int i = Below(3); i >= 0; --i) OneOf(text) = OneOf(strays);
     return text;
   }
 
-  int Below(int bound) { return static_cast<int>(random_() % static_cast<unsigned>(bound)); }
-
  private:
-  const std::string& OneOf(const std::vector<std::string>& choices) {
-    return choices[static_cast<std::size_t>(Below(static_cast<int>(choices.size())))];
+  static std::vector<std::string> Words(const std::string& text) {
+    std::istringstream words(text);
+    return {std::istream_iterator<std::string>(words), {}};
   }
-
-  std::string Atom() {
-    static const auto atoms = Words(R"(
+  const std::vector<std::string> kOperators = Words("+ - * / \\ ^ & = <> < >= Is Mod And Or Xor Eqv Imp");
+  const std::vector<std::string> kAtoms = Words(R"(
       x a unknown RetString MathLib MathLib.RetString 0 -1 32767 2147483647 1E308 &HFFFF "" "72.6" "True" True Null
       Empty Nothing #1/5/2026# vbCrLf Now Rnd Array(1,,"b") CByte(200) CCur(922337203685477) CSng(3E38) "yyyy" "ww"
       1000000)");
-    return OneOf(atoms);
-  }
-
-  std::string FunctionCall(int depth) {
-    static const auto functions = Words(R"(
+  const std::vector<std::string> kFunctions = Words(R"(
       Abs Array Asc AscB AscW Atn CBool CByte CCur CDate CDbl Chr ChrW CInt CLng Cos CSng CStr DateAdd DateDiff
       DatePart DateSerial DateValue Day Escape Exp Filter Fix FormatCurrency FormatDateTime FormatNumber
       FormatPercent Hex Hour InStr InStrRev Int IsArray IsDate IsEmpty IsNull IsNumeric IsObject Join LBound LCase
       Left Len LenB Log LTrim Mid Minute Month MonthName Oct Randomize Replace RGB Right Rnd Round RTrim Second Sgn
       Sin Space Split Sqr StrComp String StrReverse Tan TimeSerial TimeValue Trim TypeName UBound UCase Unescape
       VarType Weekday WeekdayName Year unknown)");
-    std::string call = OneOf(functions) + "(";
-    const int count = Below(4);
-    for (int i = 0; i <= count; ++i) {
-      if (i > 0) call += ",";
-      if (Below(12) != 0) call += Expression(depth - 1);
-    }
-    return call + ")";
-  }
-
-  std::mt19937 random_;
+  std::mt19937 random_{20260105};
 };
 
 TEST_F(Engine, AnswersAnyTextWithAValueOrAScriptError) {
   Answer("VALUE 72.669 DBUV");
   ASSERT_EQ(StatementError("a = Split(x)"), 0);
-  Scribbler scribbler(20260105);
+  Scribbler scribbler;
   int values = 0, errors = 0;
   for (int i = 0; i < 20000; ++i) {
     std::string text = scribbler.Expression(4);
