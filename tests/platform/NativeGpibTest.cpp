@@ -18,65 +18,49 @@ struct FakeLibrary {
   long count = 0;
 } library;
 
-std::string List(const std::uint16_t* addresses) {
-  std::string text;
-  while (*addresses != 0xFFFF) text += " " + std::to_string(*addresses++);
+std::string Joined(const std::uint16_t* addresses) {
+  std::string text = std::to_string(*addresses);
+  while (*++addresses != 0xFFFF) text += " " + std::to_string(*addresses);
   return text;
-}
-
-void LibSendIFC(int board) {
-  library.calls.push_back("IFC " + std::to_string(board));
-}
-void LibFindLstn(int, const std::uint16_t* addresses, std::uint16_t* results, int limit) {
-  library.calls.push_back("FIND" + List(addresses) + " limit " + std::to_string(limit));
-  results[0] = 18;
-}
-void LibSetRWLS(int, const std::uint16_t* addresses) {
-  library.calls.push_back("REMOTE" + List(addresses));
-}
-void LibEnableLocal(int, const std::uint16_t* addresses) {
-  library.calls.push_back("LOCAL" + List(addresses));
-}
-void LibSend(int, std::uint16_t address, const void* bytes, long count, int mode) {
-  const std::string text(static_cast<const char*>(bytes), static_cast<std::size_t>(count));
-  library.calls.push_back("> " + std::to_string(address) + " " + text + " mode " + std::to_string(mode));
-}
-void LibReceive(int, std::uint16_t address, void* buffer, long size, int termination) {
-  library.calls.push_back("< " + std::to_string(address) + " size " + std::to_string(size) + " until " +
-                          std::to_string(termination));
-  std::memcpy(buffer, "72.6", 4);
-  library.count = 4;
-}
-int LibIbtmo(int, int code) {
-  library.calls.push_back("TMO " + std::to_string(code));
-  return 0;
-}
-int LibStatus() {
-  return library.status;
-}
-int LibError() {
-  return library.error;
-}
-long LibLongCount() {
-  return library.count;
-}
-int LibCount() {
-  return static_cast<int>(library.count);
 }
 
 using Functions = std::map<std::string, void*>;
 
-template <class F>
-void* Address(F* function) {
-  return reinterpret_cast<void*>(function);
+/// The address of a function without captures.
+void* Address(auto function) {
+  return reinterpret_cast<void*>(+function);
 }
 
 Functions AllFunctions() {
-  return {{"SendIFC", Address(LibSendIFC)},   {"FindLstn", Address(LibFindLstn)},
-          {"SetRWLS", Address(LibSetRWLS)},   {"EnableLocal", Address(LibEnableLocal)},
-          {"Send", Address(LibSend)},         {"Receive", Address(LibReceive)},
-          {"ibtmo", Address(LibIbtmo)},       {"ThreadIbsta", Address(LibStatus)},
-          {"ThreadIberr", Address(LibError)}, {"ThreadIbcntl", Address(LibLongCount)}};
+  using List = const std::uint16_t*;
+  static const auto note = [](std::string line, const auto&... values) {
+    ((line += std::string(" ") + values), ...);
+    library.calls.push_back(line);
+  };
+  static const auto text = [](long number) { return std::to_string(number); };
+  return {{"SendIFC", Address([](int board) { note("IFC", text(board)); })},
+          {"FindLstn", Address([](int, List addresses, std::uint16_t* results, int limit) {
+             note("FIND", Joined(addresses), "limit", text(limit));
+             results[0] = 18;
+           })},
+          {"SetRWLS", Address([](int, List addresses) { note("REMOTE", Joined(addresses)); })},
+          {"EnableLocal", Address([](int, List addresses) { note("LOCAL", Joined(addresses)); })},
+          {"Send", Address([](int, std::uint16_t address, const void* bytes, long count, int mode) {
+             const std::string sent(static_cast<const char*>(bytes), static_cast<std::size_t>(count));
+             note(">", text(address), sent, "mode", text(mode));
+           })},
+          {"Receive", Address([](int, std::uint16_t address, void* buffer, long size, int termination) {
+             note("<", text(address), "size", text(size), "until", text(termination));
+             std::memcpy(buffer, "72.6", 4);
+             library.count = 4;
+           })},
+          {"ibtmo", Address([](int, int code) {
+             note("TMO", text(code));
+             return 0;
+           })},
+          {"ThreadIbsta", Address([] { return library.status; })},
+          {"ThreadIberr", Address([] { return library.error; })},
+          {"ThreadIbcntl", Address([] { return library.count; })}};
 }
 
 NativeGpib::Resolver Resolving(Functions functions) {
@@ -117,7 +101,9 @@ TEST_F(NativeGpibTest, HandsEveryCallToTheLibraryUnchanged) {
 TEST_F(NativeGpibTest, StatusComesFromTheLibraryAfterEveryCallWhateverItsNames) {
   Functions older = AllFunctions();
   for (const char* name : {"ThreadIbsta", "ThreadIberr", "ThreadIbcntl"}) older.erase(name);
-  older["Ibsta"] = Address(LibStatus), older["Iberr"] = Address(LibError), older["Ibcnt"] = Address(LibCount);
+  older["Ibsta"] = Address([] { return library.status; });
+  older["Iberr"] = Address([] { return library.error; });
+  older["Ibcnt"] = Address([] { return static_cast<int>(library.count); });
   for (const Functions& functions : {AllFunctions(), older}) {
     NativeGpib driver(Resolving(functions));
     driver.RegisterGpibGlobalsForThread(cells_);
