@@ -181,14 +181,6 @@ TEST_F(HyldenRunProgram, FinishesWithARowForEveryStep) {
   EXPECT_EQ(directory_.Read("out.run").find("BENCH"), std::string::npos);
 }
 
-TEST_F(HyldenRunProgram, FindsTheFilesOfAStationBesideItFromAnywhere) {
-  const std::string station = std::string(kStation) + "/";
-  const Outcome outcome = HyldenRun({"--equipment", station + "station.eqp", "--test", station + "substitution-am.tst",
-                                     "--output", Output(), "--bench", station + "bench.txt", "--virtual-time", "--yes"},
-                                    {}, "/");
-  EXPECT_EQ(outcome.status, kFinished) << outcome.output;
-}
-
 TEST_F(HyldenRunProgram, KeepsAnExistingOutputFileUnlessToldOtherwise) {
   directory_.Write("out.run", "yesterday");
   EXPECT_EQ(HyldenRun(Test("substitution-am.tst", {})).status, kFailed);
@@ -305,16 +297,6 @@ TEST_F(HyldenRunProgram, NeverReplacesAFileThatTheRunUses) {
     ExpectSaid(HyldenRun(arguments, {}, station), kFailed, "would replace a file that this run uses: " + row.used);
     EXPECT_EQ(directory_.Read("station/" + row.used), before);
   }
-}
-
-TEST_F(HyldenRunProgram, RunsAndSavesWithoutSettingsThatCanNotBeReadAndNamesThem) {
-  directory_.Write("home/Hylden.ini/inside", "");
-  setenv("HYLDEN_HOME", directory_.File("home").c_str(), 1);
-  const Outcome outcome = HyldenRun(Test("substitution-am.tst", {"--yes"}));
-  unsetenv("HYLDEN_HOME");
-  EXPECT_EQ(outcome.status, kFinished);
-  EXPECT_EQ(Count(outcome.output, "Hylden.ini"), 1U) << outcome.output;
-  EXPECT_TRUE(std::filesystem::exists(Output()));
 }
 
 TEST_F(HyldenRunProgram, LogsEveryRunOnTheBenchAsSimulatedAndWithTheRealTime) {

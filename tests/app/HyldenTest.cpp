@@ -9,7 +9,6 @@
 #include <array>
 #include <filesystem>
 #include <string>
-#include <vector>
 
 #include "platform/native/SingleInstance.h"
 #include "support/TempDir.h"
@@ -17,13 +16,7 @@
 namespace hylden {
 namespace {
 
-/// What it is sent; the last one is the end.
-struct SignalCase {
-  const char* name;
-  std::vector<int> signals;
-};
-
-class HyldenProgram : public testing::TestWithParam<SignalCase> {
+class HyldenProgram : public testing::Test {
  protected:
   HyldenProgram() {
     std::filesystem::copy(HYLDEN_SOURCE_DIR "/examples/station", station_);
@@ -67,10 +60,10 @@ class HyldenProgram : public testing::TestWithParam<SignalCase> {
   }
 };
 
-TEST_P(HyldenProgram, EndsInOrderWithRfOffAndIsNeverFrozen) {
+TEST_F(HyldenProgram, EndsInOrderWithRfOffAtASignalAndIsNeverFrozen) {
   Start();
   ASSERT_NE(SaidUntil("RF ON\n").find("RF ON"), std::string::npos);
-  for (const int number : GetParam().signals) kill(child_, number);
+  for (const int number : {SIGTSTP, SIGPIPE, SIGQUIT}) kill(child_, number);
   int status = 0;
   waitpid(child_, &status, WUNTRACED);
   ASSERT_TRUE(WIFEXITED(status)) << "ended or stopped by signal " << (status & 0x7f) << ", " << (status >> 8);
@@ -80,9 +73,7 @@ TEST_P(HyldenProgram, EndsInOrderWithRfOffAndIsNeverFrozen) {
   EXPECT_NE(directory_.Read("station/runlog.hyl").find("Instruments taken offline"), std::string::npos);
 }
 
-using SecondInstance = HyldenProgram;
-
-TEST_F(SecondInstance, EndsAtOnce) {
+TEST_F(HyldenProgram, EndsAtOnceBesideAnotherOne) {
   SingleInstance other("hylden-" + lock_);
   ASSERT_TRUE(other.Claim());
   Start();
@@ -92,11 +83,6 @@ TEST_F(SecondInstance, EndsAtOnce) {
   EXPECT_EQ(WEXITSTATUS(status), 1);
   EXPECT_EQ(SaidUntil("end"), "");
 }
-
-INSTANTIATE_TEST_SUITE_P(, HyldenProgram,
-                         testing::Values(SignalCase{"by_SIGHUP", {SIGHUP}},
-                                         SignalCase{"by_SIGQUIT_alone", {SIGTSTP, SIGPIPE, SIGQUIT}}),
-                         [](const auto& row) { return std::string(row.param.name); });
 
 }  // namespace
 }  // namespace hylden

@@ -18,13 +18,6 @@ BenchEquipment NamedStation() {
   return station;
 }
 
-TEST(BenchReadout, NothingOnTheBusSaysSo) {
-  const BenchReadout readout = ReadBench(BareBench(BenchEquipment{}).bench);
-  for (const auto* instrument : {&readout.Generator, &readout.Meter, &readout.PowerMeter, &readout.IfiLow})
-    EXPECT_EQ(InstrumentText(*instrument), "not on the bus");
-  EXPECT_EQ(MeterSettingText(readout), "");
-}
-
 TEST(BenchReadout, ProductHasNoThresholdWithoutAFrequency) {
   BareBench rig(BenchEquipment{});
   rig.bench.Connect(MeterAt::Probe);
@@ -41,9 +34,9 @@ TEST(BenchReadout, ProductHasNoThresholdWithoutAFrequency) {
   EXPECT_FALSE(IsMissing(ReadBench(rig.bench).Product.ThresholdDbuv));
 }
 
-TEST(BenchReadout, InstrumentsAfterSwitchingOn) {
-  const BareBench rig(NamedStation());
-  const BenchReadout readout = ReadBench(rig.bench);
+TEST(BenchReadout, InstrumentsAreNamedWithWhatTheyDo) {
+  BareBench rig(NamedStation());
+  BenchReadout readout = ReadBench(rig.bench);
   EXPECT_EQ(InstrumentText(readout.Generator), "Address 18: Source");
   EXPECT_FALSE(readout.Output.RfOn);
   EXPECT_EQ(ModulationText(readout.Output), "none");
@@ -51,16 +44,17 @@ TEST(BenchReadout, InstrumentsAfterSwitchingOn) {
   EXPECT_EQ(MeterSettingText(readout), "not tuned yet, up to 130.0 dBuV");
   EXPECT_EQ(ReadingText(readout.MeterReading), "nothing yet");
   EXPECT_EQ(InstrumentText(readout.PowerMeter), "Address 14: Two heads");
-  EXPECT_EQ(ReadingText(readout.PowerReadings[0]), "nothing yet");
   EXPECT_EQ(AmplifierText(readout), "One for all bands, not on the bus");
-}
-
-TEST(BenchReadout, InstrumentTakenOffTheBusDoesNotAnswer) {
-  BareBench rig(NamedStation());
   rig.bench.Inject({FaultKind::Absent, BenchRole::Meter, 1});
   rig.Send(13, "TS");
-  EXPECT_EQ(InstrumentText(ReadBench(rig.bench).Meter), "Address 13 does not answer: Analyser");
-  EXPECT_TRUE(ReadBench(rig.bench).Generator.Listens);
+  readout = ReadBench(rig.bench);
+  EXPECT_EQ(InstrumentText(readout.Meter), "Address 13 does not answer: Analyser");
+  EXPECT_TRUE(readout.Generator.Listens);
+  rig.bench.Equip(BenchEquipment{});
+  readout = ReadBench(rig.bench);
+  for (const auto* instrument : {&readout.Generator, &readout.Meter, &readout.PowerMeter, &readout.IfiLow})
+    EXPECT_EQ(InstrumentText(*instrument), "not on the bus");
+  EXPECT_EQ(MeterSettingText(readout), "");
 }
 
 TEST(BenchReadout, FollowsTheProgramsCommands) {

@@ -78,6 +78,10 @@ TEST(Fault, AFailedCallGetsNothingThroughAndTheBusCountsEveryCall) {
   EXPECT_TRUE(rig.Ok());
   EXPECT_TRUE(rig.Send(13, "CF 1.0 MZ"));
   EXPECT_FALSE(rig.Send(14, "TA"));
+  rig.bench.Inject({FaultKind::Absent, BenchRole::SigGen, 2});
+  EXPECT_TRUE(rig.Send(18, "R1"));
+  for (int i = 0; i < 2; ++i) EXPECT_FALSE(rig.Send(18, "R0")) << "it stays away";
+  EXPECT_EQ(rig.cells.error, gpib::kEnol);
 }
 
 TEST(Fault, ALateAnswerTimesOutAndIsReadAsTheNextOne) {
@@ -107,15 +111,6 @@ TEST(Fault, GarbageAndSilenceHitTheChosenAnswer) {
   EXPECT_FALSE(answers[1].empty());
   EXPECT_EQ(answers[2], "");
   EXPECT_EQ(answers[3], kAnswer);
-}
-
-TEST(Fault, AnInstrumentThatDropsOffTheBusStaysAway) {
-  BareBench rig;
-  rig.bench.Inject({FaultKind::Absent, BenchRole::SigGen, 2});
-  EXPECT_TRUE(rig.Send(18, "R1"));
-  EXPECT_FALSE(rig.Send(18, "R0"));
-  EXPECT_EQ(rig.cells.error, gpib::kEnol);
-  EXPECT_FALSE(rig.Send(18, "R0"));
 }
 
 TEST(Fault, ProtectionTakesTwentyDbOffTheGain) {
