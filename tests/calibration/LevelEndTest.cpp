@@ -61,50 +61,6 @@ TEST_F(LevelEndTest, StartsNoRunWithoutPlanOrTables) {
   }
 }
 
-TEST_F(LevelEndTest, TakesTheInstrumentsDownInOrder) {
-  rig.UseIfi();
-  rig.setup.RecordFwdPwr = 1;
-  rig.Run();
-  const auto& lines = rig.bus.Lines();
-  const auto last = [&](const std::string& text) {
-    return std::find(lines.rbegin(), lines.rend(), text) - lines.rbegin();
-  };
-  EXPECT_GT(last("LOCAL 13"), last("> 9 ZA\\r\\n"));
-  EXPECT_GT(last("> 9 ZA\\r\\n"), last("LOCAL 7"));
-  EXPECT_GT(last("LOCAL 7"), last("LOCAL 18"));
-  EXPECT_EQ(last("LOCAL 18"), 0);
-  EXPECT_EQ(rig.t.speaker.tones.size(), 40U);
-  EXPECT_EQ(rig.display.phases.back(), RunPhase::Ready);
-}
-
-TEST_F(LevelEndTest, KeepsThePointsBeforeARunThatCannotStart) {
-  rig.setup.RecordFwdPwr = 1;
-  rig.Run();
-  const auto rows = rig.Rows();
-  ASSERT_EQ(rows.size(), 3U);
-  const std::pair<std::string, const char*> failures[] = {{"FIND 18", "Error initializing signal generator"},
-                                                          {"FIND 7", "Error initializing Power Meter"},
-                                                          {"FIND 13", "Error initializing meter"},
-                                                          {"> 10 8", "Error initializing IFI amp"}};
-  rig.t.dialogs.Answer(MessageAnswer::No);  // not to be saved
-  for (const auto& [line, text] : failures) {
-    SCOPED_TRACE(text);
-    if (line[0] == '>') rig.UseIfi();
-    rig.t.dialogs.Clear();
-    rig.bus.transcript.Clear();
-    rig.bus.FailLine(line, gpib::kEnol);
-    rig.level.Run();
-    EXPECT_TRUE(rig.t.dialogs.LastText().ends_with(text));
-    EXPECT_EQ(rig.t.dialogs.messages.size(), line == "FIND 18" ? 2U : 1U);
-    EXPECT_EQ(rig.t.dialogs.messages.back().icon, MessageIcon::Critical);
-    EXPECT_EQ(rig.Rows(), rows);
-    EXPECT_EQ(rig.display.phases.back(), RunPhase::Ready);
-    EXPECT_TRUE(line == "FIND 18" || rig.bus.Lines().back() == "LOCAL 18");
-  }
-  rig.level.Run();
-  EXPECT_EQ(rig.Rows(), rows);
-}
-
 TEST_F(LevelEndTest, TakesInstrumentsDownThoughTheEndThrows) {
   rig.display.throwAtStatus = "Shutting down instruments...";
   rig.Run();

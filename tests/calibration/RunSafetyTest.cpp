@@ -15,17 +15,29 @@ class RunSafetyTest : public testing::Test {
   CalibrationRuns rig;
 };
 
-TEST_F(RunSafetyTest, KeepsThePointsBeforeWhenARunIsHaltedComingUp) {
+TEST_F(RunSafetyTest, KeepsThePointsBeforeWhenARunIsHaltedOrFailsComingUp) {
+  rig.setup.RecordFwdPwr = 1;
   rig.Run();
   const auto rows = rig.Rows();
   ASSERT_EQ(rows.size(), 3U);
-  rig.bus.transcript.Clear();
-  rig.t.events.onYield = [&] { rig.t.shell.delay.RequestHalt(); };
   rig.t.dialogs.Answer(MessageAnswer::No);  // not to be saved
-  rig.level.Run();
-  EXPECT_EQ(rig.Rows(), rows);
-  EXPECT_EQ(rig.level.Outcome(), RunOutcome::EndedEarly);
-  EXPECT_THAT(rig.bus.Lines(), testing::Not(testing::Contains("> 18 OUTP ON")));
+  for (const char* line : {"", "FIND 18", "FIND 7", "FIND 13", "> 10 8"}) {
+    SCOPED_TRACE(line);
+    const bool halts = *line == 0;
+    rig.t.events.onYield = [&] {
+      if (halts) rig.t.shell.delay.RequestHalt();
+    };
+    if (!halts) rig.bus.FailLine(line, gpib::kEnol);
+    if (*line == '>') rig.UseIfi();
+    rig.t.dialogs.Clear();
+    rig.bus.transcript.Clear();
+    rig.level.Run();
+    EXPECT_EQ(rig.t.dialogs.messages.size(), halts ? 2U : 1U) << testing::PrintToString(rig.t.dialogs.Texts());
+    EXPECT_EQ(rig.Rows(), rows);
+    EXPECT_EQ(rig.level.Outcome(), RunOutcome::EndedEarly);
+    EXPECT_EQ(rig.display.phases.back(), RunPhase::Ready);
+    EXPECT_THAT(rig.bus.Lines(), testing::Not(testing::Contains("> 18 OUTP ON")));
+  }
 }
 
 TEST_F(RunSafetyTest, RecordsNoPowerThatWasReadAfterRfWentOff) {

@@ -2,11 +2,6 @@
 
 #include "bench/qt/frmBench.h"
 
-#include <QCheckBox>
-#include <QRadioButton>
-#include <QSignalSpy>
-#include <QTextBlock>
-#include <QTextBrowser>
 #include <filesystem>
 
 #include "bench/BenchTexts.h"

@@ -1,8 +1,6 @@
 // The windows of the calibrations on the bench: set up, run, halted, closed in the middle, saved; from the main menu to
 // their files and back.
 
-#include <QPushButton>
-#include <QTableView>
 #include <filesystem>
 
 #include "calibration/qt/frmCblSetup.h"
@@ -92,27 +90,6 @@ TEST_F(CalForms, ListStepsWithoutAFileOpenThePickerInsteadOfStarting) {
   EXPECT_EQ(std::stod(TextOf(*form, "txtStartFreq")), Cal().Record.StartFreq);
   Press(*form, "cmdStart");
   EXPECT_TRUE(started) << dialogs.LastText();
-}
-
-TEST_F(CalForms, WholeRunIsShownAndSaved) {
-  const auto form = OpenRun();
-  EXPECT_EQ(form->windowTitle(), "CDI Calibration: 10 V, 0.15 to 230 MHz");
-  dialogs.AnswerSave(m.directory.File("done.cal"));
-  bool lit = false;
-  m.events.onYield = [&] {
-    lit = lit || TextOf(*form, "lblRf") == "RF ON";
-    EXPECT_FALSE(IsEnabled(*form, "cmdStart") || IsEnabled(*form, "cmdExit"));
-  };
-  Press(*form, "cmdStart");
-  EXPECT_TRUE(lit);
-  EXPECT_FALSE(m.RfIsOn());
-  EXPECT_EQ(TextOf(*form, "lblRf"), "RF off");
-  ASSERT_EQ(Rows(*form, "flxCalData"), 3);
-  EXPECT_EQ(Cell(*form, "flxCalData", 2, 0), "3.0");
-  EXPECT_EQ(Cell(*form, "flxCalData", 0, 2), "140.00");
-  EXPECT_EQ(TextOf(*form, "pnlStep"), "Step Number 3");
-  EXPECT_EQ(LinesOf("done.cal"), 3U);
-  EXPECT_TRUE(IsEnabled(*form, "cmdSave") && IsEnabled(*form, "cmdStart"));
 }
 
 TEST_F(CalForms, RunThatCanNotBePreparedCanNotBeStarted) {
@@ -253,7 +230,7 @@ class CalibrationDesktop : public CalForms {
   }
 };
 
-TEST_F(CalibrationDesktop, MainMenuLeadsToARecordAndBack) {
+TEST_F(CalibrationDesktop, MainMenuLeadsToARunThatIsShownAndSavedAndBack) {
   m.bench.Connect(MeterAt::Generator);
   Press(m.desktop->Menu(), "cmdCalibration");
   Press(m.Opened<frmCalSetup>(), "cmdStart");
@@ -261,9 +238,20 @@ TEST_F(CalibrationDesktop, MainMenuLeadsToARecordAndBack) {
   EXPECT_EQ(OpenWindow<frmCalSetup>(), nullptr);
   EXPECT_EQ(m.Cabled(), MeterAt::Port);
   EXPECT_TRUE(Find<QLabel>(run, "lblBench").isVisible());
+  EXPECT_EQ(run.windowTitle(), "CDI Calibration: 10 V, 0.15 to 230 MHz");
   dialogs.AnswerSave(m.directory.File("whole.cal"));
+  m.WhenRfIsOn([&] { EXPECT_EQ(TextOf(run, "lblRf"), "RF ON"); });
+  m.When([] { return true; }, [&] { EXPECT_FALSE(IsEnabled(run, "cmdStart") || IsEnabled(run, "cmdExit")); });
   Press(run, "cmdStart");
+  EXPECT_EQ(m.ActionsLeft(), 0U);
+  EXPECT_FALSE(m.RfIsOn());
+  EXPECT_EQ(TextOf(run, "lblRf"), "RF off");
+  ASSERT_EQ(Rows(run, "flxCalData"), 3);
+  EXPECT_EQ(Cell(run, "flxCalData", 2, 0), "3.0");
+  EXPECT_EQ(Cell(run, "flxCalData", 0, 2), "140.00");
+  EXPECT_EQ(TextOf(run, "pnlStep"), "Step Number 3");
   EXPECT_EQ(LinesOf("whole.cal"), 3U);
+  EXPECT_TRUE(IsEnabled(run, "cmdSave") && IsEnabled(run, "cmdStart"));
   Press(run, "cmdExit");
   Press(m.Opened<frmCalSetup>(), "cmdExit");
   QCoreApplication::processEvents();

@@ -1,10 +1,7 @@
 #include "app/Desktop.h"
 
-#include <QPushButton>
-
 #include "desktop/DemoWindows.h"
 #include "documents/qt/frmEquipment.h"
-#include "documents/qt/frmTestDef.h"
 #include "text/RecordFile.h"
 
 namespace hylden {
@@ -39,12 +36,6 @@ TEST_F(DesktopTest, StationOfTheCommandLineReachesTheDriversTheBenchAndTheForm) 
   OpenEquipment().LoadFile("ifi-station.eqp");
   OpenWindow<frmEquipment>()->close();
   EXPECT_EQ(TextOf(menu, "lblStation"), "Station: ifi-station.eqp\nTest: none");
-}
-
-TEST_F(DesktopTest, TestNamedOnTheCommandLineOpensInsteadOfTheMenu) {
-  m.Start(" \"/t:substitution-am.tst\"");
-  EXPECT_FALSE(m.desktop->Menu().isVisible());
-  EXPECT_NE(OpenWindow<frmTestDef>(), nullptr);
 }
 
 TEST_F(DesktopTest, BenchIsAnnouncedOnEveryWindowWhereThereIsOne) {

@@ -1,9 +1,4 @@
-#include <gtest/gtest.h>
 
-#include <QFileDialog>
-#include <QFileInfo>
-#include <QMessageBox>
-#include <QPushButton>
 
 #include "desktop/FormDriver.h"
 #include "platform/qt/CommandWindow.h"

@@ -1,11 +1,6 @@
 // The end of the program, asked for while its windows are busy: boxes give way, RF goes off, and no window closes under
 // a command of its own; a window that stays open refuses the end.
 
-#include <QDialog>
-#include <QFileDialog>
-#include <QMessageBox>
-#include <QPointer>
-#include <QPushButton>
 #include <csignal>
 
 #include "calibration/qt/frmCblSetup.h"
@@ -316,6 +311,7 @@ class RealBoxes : public testing::Test {
  protected:
   RealBoxes() {
     p.Start(" \"/t:substitution-am.tst\"");
+    EXPECT_FALSE(p.desktop->Menu().isVisible());
     Press(*OpenWindow<frmTestDef>(), "cmdStart");
     EXPECT_EQ(OpenWindow<frmTestDef>(), nullptr) << "the form that opened it is hidden";
   }

@@ -1,8 +1,5 @@
 #include "documents/qt/frmEquipment.h"
 
-#include <QMenu>
-#include <QSignalSpy>
-
 #include "desktop/DemoWindows.h"
 #include "text/RecordFile.h"
 

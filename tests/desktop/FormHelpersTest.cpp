@@ -1,13 +1,4 @@
-#include <gtest/gtest.h>
 
-#include <QApplication>
-#include <QListWidget>
-#include <QMenu>
-#include <QPushButton>
-#include <QScreen>
-#include <QTextBlock>
-#include <QTextBrowser>
-#include <QTreeWidget>
 #include <filesystem>
 
 #include "desktop/FormDriver.h"

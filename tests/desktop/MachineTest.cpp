@@ -1,14 +1,5 @@
-#include <gtest/gtest.h>
 
-#include <QDialog>
-#include <QDropEvent>
-#include <QElapsedTimer>
-#include <QMessageBox>
-#include <QMimeData>
-#include <QPalette>
 #include <QPrinter>
-#include <QUrl>
-#include <QWidget>
 #include <string_view>
 
 #include "desktop/FormDriver.h"

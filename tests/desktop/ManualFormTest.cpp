@@ -1,11 +1,3 @@
-#include <QCheckBox>
-#include <QMenu>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QScrollBar>
-#include <QSlider>
-#include <QTableView>
-#include <QTextBrowser>
 
 #include "desktop/RunForms.h"
 #include "shell/qt/frmHelp.h"

@@ -1,12 +1,5 @@
 #include "desktop/RunForms.h"
 
-#include <QMenu>
-#include <QProgressBar>
-#include <QPushButton>
-#include <QScrollBar>
-#include <QSignalSpy>
-#include <QTableView>
-
 #include "testrun/RunUnits.h"
 #include "widgets/WindowPlace.h"
 

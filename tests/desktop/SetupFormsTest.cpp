@@ -1,11 +1,5 @@
 // What the forms that edit a record have in common, each as the program opens it on the demo station.
 
-#include <QDropEvent>
-#include <QMenu>
-#include <QMimeData>
-#include <QPushButton>
-#include <QUrl>
-
 #include "calibration/qt/frmCblSetup.h"
 #include "calibration/qt/frmRunCablCal.h"
 #include "calibration/qt/frmRunCal.h"
@@ -39,7 +33,7 @@ struct SetupCase {
   const char* unused;                    ///< a box that the record does not take as it is; null for none
   bool keeps;                            ///< what was entered stays in the session also when it is not to be saved
   const char *load, *save, *saveAs;
-  const char *title, *saveTitle, *filter, *question, *questionTitle;
+  const char *title, *saveTitle, *filter, *what, *questionTitle;
   const char* another;  ///< a file of the demo station
   std::string_view kind;
 };
@@ -48,21 +42,28 @@ void PrintTo(const SetupCase& setup, std::ostream* out) {
   *out << setup.name;
 }
 
+std::string EquipmentText(DemoWindows& m) {
+  return RecordText(m.documents.equip.Record);
+}
+std::string TestText(DemoWindows& m) {
+  return RecordText(m.Test());
+}
+std::string CalSetupText(DemoWindows& m) {
+  return RecordText(m.documents.calSetup.Record);
+}
+
 const SetupCase kSetups[] = {
-    {"equipment", OpenEquipment, [](DemoWindows& m) { return RecordText(m.documents.equip.Record); }, "txtSigGenAddr",
-     "18.0", "7", "99", nullptr, true, "mnuEquipFileLoad", "mnuEquipFileSave", "mnuEquipFileSaveAs",
-     "Select equipment file", "Select equipment file", "Equipment Setup Files (*.eqp)|*.eqp|All Files|*.*",
-     "The equipment has changes that are not saved.\r\nSave them?", "Save Equipment", "ifi-station.eqp",
+    {"equipment", OpenEquipment, EquipmentText, "txtSigGenAddr", "18.0", "7", "99", nullptr, true, "mnuEquipFileLoad",
+     "mnuEquipFileSave", "mnuEquipFileSaveAs", "Select equipment file", "Select equipment file",
+     "Equipment Setup Files (*.eqp)|*.eqp|All Files|*.*", "The equipment", "Save Equipment", "ifi-station.eqp",
      datakind::kEquip},
-    {"test_definition", OpenTest, [](DemoWindows& m) { return RecordText(m.Test()); }, "txtStopFreq", "80.0", "70", "x",
-     "txtEUTCircuitImpedance", false, "mnuFileLoad", "mnuFileSave", "mnuFileSaveAs", "Select Test Definition File",
-     "Select Test Definition Filename", "Definitions (*.tst)|*.tst",
-     "The test definition has changes that are not saved.\r\nSave them?", "Save Test Definition", "net-power-fm.tst",
+    {"test_definition", OpenTest, TestText, "txtStopFreq", "80.0", "70", "x", "txtEUTCircuitImpedance", false,
+     "mnuFileLoad", "mnuFileSave", "mnuFileSaveAs", "Select Test Definition File", "Select Test Definition Filename",
+     "Definitions (*.tst)|*.tst", "The test definition", "Save Test Definition", "net-power-fm.tst",
      datakind::kTestSetups},
-    {"calibration_setup", OpenCalSetup, [](DemoWindows& m) { return RecordText(m.documents.calSetup.Record); },
-     "txtStopFreq", "3.00", "4", "0", "txtLogStep", true, "mnuFileLoad", "mnuFileSave", "mnuFileSaveAs",
-     "Select Calibration Setup file", "Select Cal Setup file", "Cal Setup Files (*.csu)|*.csu|All Files|*.*",
-     "The calibration setup has changes that are not saved.\r\nSave them?", "Save Calibration Setup", "cdn-10v.csu",
+    {"calibration_setup", OpenCalSetup, CalSetupText, "txtStopFreq", "3.00", "4", "0", "txtLogStep", true,
+     "mnuFileLoad", "mnuFileSave", "mnuFileSaveAs", "Select Calibration Setup file", "Select Cal Setup file",
+     "Cal Setup Files (*.csu)|*.csu|All Files|*.*", "The calibration setup", "Save Calibration Setup", "cdn-10v.csu",
      datakind::kCalibrations},
 };
 
@@ -102,7 +103,8 @@ TEST_P(SetupForms, UnsavedEntriesAreMarkedByTheirValuesAndAskedAboutOnce) {
   EXPECT_EQ(Title(), title + "*");
   dialogs.AnswerOpen(path);
   dialogs.Answer(MessageAnswer::Cancel);
-  EXPECT_EQ(Told(setup.load), std::vector<std::string>{setup.question});
+  EXPECT_EQ(Told(setup.load),
+            std::vector<std::string>{std::string(setup.what) + " has changes that are not saved.\r\nSave them?"});
   EXPECT_EQ(dialogs.messages.back().title, setup.questionTitle);
   dialogs.Answer(MessageAnswer::Cancel);
   EXPECT_FALSE(form->close());

@@ -1,5 +1,3 @@
-#include <QSignalSpy>
-#include <QTabWidget>
 #include <filesystem>
 
 #include "desktop/DemoWindows.h"
