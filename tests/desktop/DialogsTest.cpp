@@ -1,5 +1,3 @@
-
-
 #include "desktop/FormDriver.h"
 #include "platform/qt/CommandWindow.h"
 #include "platform/qt/QtDialogs.h"

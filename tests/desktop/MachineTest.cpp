@@ -1,4 +1,3 @@
-
 #include <QPrinter>
 #include <string_view>
 

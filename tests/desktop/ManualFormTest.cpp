@@ -1,4 +1,3 @@
-
 #include "desktop/RunForms.h"
 #include "shell/qt/frmHelp.h"
 #include "testrun/qt/ArrowKeyHook.h"
