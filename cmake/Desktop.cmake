@@ -1,5 +1,6 @@
 # hylden_desktop: the windows, on Qt. Everything in a folder's qt/, and widgets/.
 find_package(Qt6 6.4 REQUIRED COMPONENTS Widgets PrintSupport)
+find_package(QCustomPlotQt6 REQUIRED)
 
 file(GLOB_RECURSE desktopSources CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
   ${PROJECT_SOURCE_DIR}/src/*.cpp ${PROJECT_SOURCE_DIR}/src/*.h ${PROJECT_SOURCE_DIR}/src/*.ui)
@@ -22,7 +23,8 @@ target_include_directories(hylden_desktop PRIVATE ${CMAKE_CURRENT_BINARY_DIR})
 # The list of sources is a dependency of its own: a class that is added later is seen by the next build.
 set_target_properties(hylden_desktop PROPERTIES AUTOMOC ON
   AUTOGEN_TARGET_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/hylden_desktop_autogen.dir/AutogenInfo.json)
-target_link_libraries(hylden_desktop PUBLIC hylden_core Qt6::Widgets Qt6::PrintSupport)
+target_link_libraries(hylden_desktop PUBLIC hylden_core Qt6::Widgets Qt6::PrintSupport
+  PRIVATE QCustomPlotQt6::QCustomPlotQt6)
 target_precompile_headers(hylden_desktop PRIVATE <QtWidgets>)
 
 # The manual stands beside the program.

@@ -5,7 +5,7 @@ set -euo pipefail
 packages=(
   g++ cmake ninja-build ccache git python3
   libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev libexpected-dev
-  qt6-base-dev xvfb xauth poppler-utils fonts-dejavu-core fonts-liberation
+  qt6-base-dev libqcustomplot-dev xvfb xauth poppler-utils fonts-dejavu-core fonts-liberation
   clang-format clang-tidy
 )
 

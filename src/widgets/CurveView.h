@@ -1,0 +1,103 @@
+#pragma once
+
+#include <QString>
+#include <QWidget>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "widgets/CurveLine.h"
+
+namespace hylden {
+
+enum class ValueAxis { Left, Right };
+
+/// Values over frequency.
+struct Curve {
+  std::string Name, Unit;
+  std::vector<CurvePoint> Points;  ///< by rising frequency
+  ValueAxis Axis = ValueAxis::Left;
+  FreqAxis StraightOn = FreqAxis::Log;  ///< where a straight line joins two points
+};
+
+/// A horizontal line across all frequencies.
+struct CurveLimit {
+  std::string Name;
+  double Value = 0;
+  ValueAxis Axis = ValueAxis::Left;
+};
+
+/// A text at a point.
+struct CurveMark {
+  CurvePoint At;
+  std::string Text;
+  ValueAxis Axis = ValueAxis::Left;
+};
+
+/// A point of a curve, both counted from 0.
+struct CurvePlace {
+  int Curve = 0, Point = 0;
+  bool operator==(const CurvePlace&) const = default;
+};
+
+/// Shows curves over frequency, in the colours of the theme. The wheel zooms around the pointer, dragging zooms into a
+/// rectangle, dragging with Shift moves; a double click or the F key shows all again. The pointer reads the nearest
+/// point; a click chooses it, and so do the Left and Right keys. A hundred thousand points are drawn at once.
+class CurveView : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit CurveView(QWidget* parent = nullptr);
+  ~CurveView() override;
+
+  void SetCurves(std::vector<Curve> curves);
+  /// Adds a point to a curve, in its place among the frequencies. What is added in one turn is drawn once.
+  void AddPoint(int curve, const CurvePoint& point);
+  const std::vector<Curve>& Curves() const;
+  void SetLimits(std::vector<CurveLimit> limits);
+  void SetMarks(std::vector<CurveMark> marks);
+  void SetFreqAxis(FreqAxis axis);
+
+  /// The point that is highlighted.
+  void SetCurrent(std::optional<CurvePlace> place);
+  std::optional<CurvePlace> Current() const;
+
+  /// Shows all of the curves, and goes on doing so until the operator zooms.
+  void Fit();
+  bool IsZoomed() const;
+  /// The frequencies that are shown, MHz, and the values of an axis.
+  CurvePoint LowestShown(ValueAxis axis = ValueAxis::Left) const;
+  CurvePoint HighestShown(ValueAxis axis = ValueAxis::Left) const;
+
+  /// Where a point is on this widget.
+  QPoint PositionOf(CurvePlace place) const;
+  /// The nearest point at hand of a position on this widget.
+  std::optional<CurvePlace> PlaceAt(const QPoint& position) const;
+  /// "Loss: 10 MHz, 0.28 dB"
+  QString ReadoutOf(CurvePlace place) const;
+
+  /// The bytes of a picture of what is shown, in the colours of paper.
+  std::string Png() const;
+  std::string Pdf() const;
+
+ signals:
+  /// The operator has chosen a point.
+  void PointChosen(int curve, int point);
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  class Plot;
+
+  void Choose(CurvePlace place);
+  void StepCurrent(int by);
+
+  std::unique_ptr<Plot> plot_;
+};
+
+}  // namespace hylden
