@@ -18,6 +18,7 @@
 #include "documents/qt/frmCalSetup.h"
 #include "documents/qt/frmEquipment.h"
 #include "documents/qt/frmTestDef.h"
+#include "editors/qt/frmEditFactor.h"
 #include "measure/qt/frmBuildList.h"
 #include "platform/qt/QtText.h"
 #include "shell/FormInput.h"
@@ -120,11 +121,13 @@ frmEquipment* Desktop::OpenEquipment(QWidget* caller, int tab, bool modal) {
   auto* const form = new frmEquipment(shell_, instruments_, documents_.equip);
   form->ShowTab(tab);
   if (modal) form->setWindowModality(Qt::ApplicationModal);
-  form->Offer(false, false, true);
+  form->Offer(false, true, true);
   connect(form, &frmEquipment::StationLoaded, this, [this] { station_.LoadDefinitions(); });
   connect(form, &frmEquipment::EntriesTaken, this, [this] { station_.TakeAddresses(); });
   connect(form, &frmEquipment::UtilityRequested, this,
           [this](Utility utility) { RunUtility(utility, station_, helpFile_); });
+  connect(form, &frmEquipment::EditFactorRequested, this,
+          [this, form](FactorKind kind) { OpenFactorEditor(form, kind); });
   connect(form, &frmEquipment::InsertionLossRequested, this, [this, form] { OpenCableSetup(form); });
   connect(form, &WorkingForm::Unloaded, this, [this, form] { Applied(form); });
   return Open(form, caller) ? form : nullptr;
@@ -174,6 +177,12 @@ void Desktop::OpenCalibrationRun(QWidget* caller) {
   auto* const form = new frmRunCal(shell_, instruments_, documents_);
   connect(this, &Desktop::EscapePressed, form, &RunWindow::PressHalt);
   if (Open(form, caller)) form->Load();
+}
+
+void Desktop::OpenFactorEditor(QWidget* caller, FactorKind kind) {
+  auto* const form = new frmEditFactor(shell_);
+  form->FilterDefault(static_cast<int>(kind));
+  Open(form, caller);
 }
 
 void Desktop::OpenCableSetup(QWidget* caller) {

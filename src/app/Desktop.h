@@ -22,6 +22,7 @@ class frmEquipment;
 class frmHelp;
 struct Documents;
 struct Instruments;
+enum class FactorKind;
 
 /// What the desktop program brings along from its machine.
 struct DesktopOptions {
@@ -57,6 +58,8 @@ class Desktop : public QObject {
   void OpenCalibrationSetup();
   /// Opens the level calibration in the caller's place.
   void OpenCalibrationRun(QWidget* caller);
+  /// Opens the editor of factor files in the caller's place.
+  void OpenFactorEditor(QWidget* caller, FactorKind kind);
   /// Opens the insertion-loss setup in the caller's place; its Start opens the two passes.
   void OpenCableSetup(QWidget* caller);
   /// Opens the list builder above a form that sets up a run; the list composed there becomes the form's.

@@ -128,32 +128,30 @@ std::string FactorTable::Summary() const {
   return text;
 }
 
+std::vector<GridRow> WrittenRows(const GridCells& cells) {
+  std::vector<GridRow> rows;
+  for (int row = 1; row <= cells.Rows(); ++row)
+    if (IsNumeric(cells.Text({row, 1})) && IsNumeric(cells.Text({row, 2}))) rows.push_back(cells.Row(row));
+  return rows;
+}
+
 std::string FactorFileText(const GridCells& cells) {
   std::vector<std::string> lines;
-  for (int row = 1; row <= cells.Rows(); ++row) {
-    const std::string &frequency = cells.Text({row, 1}), &value = cells.Text({row, 2});
-    if (IsNumeric(frequency) && IsNumeric(value)) lines.push_back(LineOf(frequency, value));
-  }
+  for (const GridRow& row : WrittenRows(cells)) lines.push_back(LineOf(row[0], row[1]));
   return JoinLines(lines);
 }
 
-std::string NotKeptOf(std::string_view fileText, std::size_t loadedPoints) {
-  std::size_t headings = 0, points = 0;
+std::string NotKeptOf(std::string_view fileText) {
+  std::size_t headings = 0;
   bool moreColumns = false;
   for (LineReader reader{std::string(fileText)}; !reader.AtEnd();) {
     const std::string_view line = reader.NextLine();
     double number = 0;
-    if (!ParseFactorLine(line).Ok)
-      ++headings;
-    else
-      ++points;
+    if (!ParseFactorLine(line).Ok) ++headings;
     moreColumns = moreColumns || ReadNumbers(line, {&number, &number, &number});
   }
-  std::string text;
-  const auto add = [&](const std::string& what) { text += (text.empty() ? "" : ", ") + what; };
-  if (headings > 0) add(Count(headings, "heading line"));
-  if (moreColumns) add("further columns");
-  if (points > loadedPoints) add(Count(points - loadedPoints, "point") + " between equal values");
+  std::string text = headings > 0 ? Count(headings, "heading line") : "";
+  if (moreColumns) text += text.empty() ? "further columns" : " and further columns";
   return text;
 }
 

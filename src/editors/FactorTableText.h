@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <set>
 #include <string>
 #include <string_view>
@@ -70,8 +69,11 @@ FactorTable LookAtTable(const GridCells& cells);
 /// The file of all rows with a number in both cells: frequency, ", ", value, as they were typed.
 std::string FactorFileText(const GridCells& cells);
 
-/// What a save drops of a file, which holds it beside the points that the program uses: headings, further columns,
-/// points between equal values. Empty when there is nothing.
-std::string NotKeptOf(std::string_view fileText, std::size_t loadedPoints);
+/// Its rows.
+std::vector<GridRow> WrittenRows(const GridCells& cells);
+
+/// What a file holds beside its points, which is all that a save keeps: headings, further columns. Empty when there is
+/// nothing.
+std::string NotKeptOf(std::string_view fileText);
 
 }  // namespace hylden

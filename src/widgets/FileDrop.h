@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <functional>
 
 class QWidget;
@@ -11,7 +12,7 @@ namespace hylden {
 /// Takes one file of a kind that is dropped on a window or any of its boxes, unless a modal box stands above it.
 class FileDrop : public QObject {
  public:
-  /// @param suffix    of the files taken, without its point, in any case
+  /// @param suffix    of the files taken, without its point, in any case; several are separated by blanks
   /// @param onDropped called with the path, after the drop has ended, so that it may show dialogs
   FileDrop(QWidget* window, const QString& suffix, std::function<void(const QString&)> onDropped);
 
@@ -19,7 +20,7 @@ class FileDrop : public QObject {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  QString suffix_;
+  QStringList suffixes_;
   std::function<void(const QString&)> onDropped_;
 };
 

@@ -112,6 +112,7 @@ TEST(QtDialogs, SavesUnderANameThatCarriesTheKindsEnding) {
       {"", "cable", nullptr, "cable.los"},
       {"", "cable", "Text (*.txt *.TXT)", "cable.txt"},
       {"", "cable 1.5 m", nullptr, "cable 1.5 m"},
+      {"*.txt", "cable", nullptr, "cable.txt"},  // the kind that is wanted
   };
   const TempDir directory;
   const std::string folder = directory.File("");

@@ -18,7 +18,8 @@ class frmEquipment;
 }
 
 enum class InstrumentKind { SigGen, Meter, PwrMtr };
-enum class FactorKind { Factor, Level, Loss };
+/// The kinds of factor files, numbered as their editor offers them.
+enum class FactorKind { Factor = 0, Level = 1, Loss = 2 };
 enum class Utility { Interpolation, Shortcut, SystemCheck };
 
 /// The station's equipment: which definitions, addresses and tables it consists of, and how its amplifier and power

@@ -161,6 +161,16 @@ QString SuffixOfShown(const QString& filter) {
   return pattern.startsWith(QLatin1String("*.")) ? pattern.mid(2) : QString();
 }
 
+/// The filter that this name, or pattern, belongs to; empty where there is none.
+QString FilterOf(const QStringList& filters, const QString& name) {
+  const QString suffix = name.section(QLatin1Char('.'), -1);
+  for (const QString& filter : filters) {
+    const bool isAll = suffix == QLatin1String("*") && filter.endsWith(QLatin1String("(*)"));
+    if (isAll || (!suffix.isEmpty() && SuffixOfShown(filter).compare(suffix, Qt::CaseInsensitive) == 0)) return filter;
+  }
+  return {};
+}
+
 }  // namespace
 
 QStringList QtFilters(std::string_view filter) {
@@ -242,6 +252,10 @@ std::optional<std::string> QtDialogs::AskForFile(QFileDialog& dialog, const File
   dialog.setAccessibleName(dialog.windowTitle());
   dialog.setDirectory(StartOf(request));
   dialog.setNameFilters(QtFilters(request.filter));
+  if (const QString filter = FilterOf(dialog.nameFilters(), offered.fileName()); !filter.isEmpty()) {
+    dialog.selectNameFilter(filter);
+    dialog.setDefaultSuffix(SuffixOfShown(filter));
+  }
   // A name like "*.los" tells what to look for: it is no file's name.
   if (!IsWildcard(offered.fileName())) dialog.selectFile(offered.fileName());
   if (!Run(dialog) || !alive) return std::nullopt;

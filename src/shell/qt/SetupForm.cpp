@@ -19,9 +19,9 @@ namespace hylden {
 
 namespace {
 
-/// A file that was named without its directory lies below the working directory.
+/// A file that was named without its directory lies below the working directory; "*.los" is no file.
 std::string WholePath(const std::string& path) {
-  return path.empty() ? path : FromQt(QFileInfo(ToQt(ExistingPath(path))).absoluteFilePath());
+  return path.empty() || path.starts_with('*') ? path : FromQt(QFileInfo(ToQt(ExistingPath(path))).absoluteFilePath());
 }
 
 }  // namespace

@@ -38,6 +38,7 @@ class SetupForm : public WorkingForm {
   virtual void EnableControls();
 
   /// Loads what is chosen from the recent files of the kind or dropped on the form.
+  /// @param suffix  of the files that may be dropped; several are separated by blanks
   void OfferFiles(QMenu* recent, std::string_view kind, const QString& suffix,
                   const std::function<void(const QString&)>& load);
   void AddRecentFile(const std::string& path);
@@ -65,7 +66,8 @@ class SetupForm : public WorkingForm {
   void KeepUnsaved();
   void ForgetKept() { kept_.reset(); }
 
-  /// Asks for a file, starting beside the one that is loaded, else in the kind's data directory.
+  /// Asks for a file, starting beside the one that is loaded, else in the kind's data directory. Where none is loaded,
+  /// a pattern ("*.los") chooses among the filters.
   std::optional<std::string> AskFile(const char* title, const char* filter, std::string_view kind,
                                      const std::string& loaded);
   std::optional<std::string> AskListFile(const std::string& loaded);
