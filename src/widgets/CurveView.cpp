@@ -24,7 +24,7 @@ namespace {
 constexpr int kReachPixels = 24, kClickPixels = 4;
 constexpr int kMarginPercent = 4;
 /// Points are marked as long as they stand apart.
-constexpr int kPixelsForMarker = 8;
+constexpr int kPixelsForMarker = 3;
 constexpr QSize kPicture(900, 600);
 const auto kMainLayer = QStringLiteral("main"), kReadoutLayer = QStringLiteral("readout");
 /// Colours that can be told apart also by those who see fewer of them.
@@ -256,11 +256,11 @@ void CurveView::Plot::DrawLimitsAndMarks() {
       end->setCoords(end == line->point1 ? 0 : 1, limit.Value);
     }
     QCPItemText* const name = text(limit.Name, red);
-    name->setPositionAlignment(Qt::AlignRight | Qt::AlignBottom);
+    name->setPositionAlignment(Qt::AlignLeft | Qt::AlignBottom);  // the legend is on the right
     name->position->setAxes(plot.xAxis, AxisOf(limit.Axis));
     name->position->setTypeX(QCPItemPosition::ptAxisRectRatio);
     name->position->setTypeY(QCPItemPosition::ptPlotCoords);
-    name->position->setCoords(0.99, limit.Value);
+    name->position->setCoords(0.01, limit.Value);
   }
   for (const CurveMark& mark : marks) {
     QCPItemText* const item = text(mark.Text + "\n\u25bc", red);
@@ -321,7 +321,7 @@ void CurveView::Plot::ShowMarkers() {
     const auto& data = *points_[i]->data();
     const auto count = data.findEnd(shown.upper, false) - data.findBegin(shown.lower, false);
     const bool apart = count * kPixelsForMarker <= plot.axisRect()->width() || count < 3;
-    points_[i]->setScatterStyle(apart ? QCPScatterStyle(QCPScatterStyle::ssDisc, ColourOf(i), 6)
+    points_[i]->setScatterStyle(apart ? QCPScatterStyle(QCPScatterStyle::ssDisc, ColourOf(i), 5)
                                       : QCPScatterStyle(QCPScatterStyle::ssNone));
   }
 }

@@ -13,7 +13,9 @@
 #include <QPointer>
 #include <QScrollBar>
 #include <QTabWidget>
+#include <QTableView>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTimer>
 #include <array>
 #include <filesystem>
@@ -29,6 +31,7 @@
 #include "bench/qt/frmBench.h"
 #include "documents/qt/frmCalSetup.h"
 #include "documents/qt/frmTestDef.h"
+#include "editors/qt/frmEditFactor.h"
 #include "platform/VirtualTime.h"
 #include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtEventLoop.h"
@@ -38,6 +41,8 @@
 
 namespace hylden {
 namespace {
+
+constexpr int kOutlierRow = 90;  ///< of the demo cable, where the picture shows one
 
 class SilentSpeaker : public Speaker {
  public:
@@ -260,6 +265,22 @@ void PictureCable(Desktop& desktop, Tour& tour, QtVirtualEventLoop& events) {
   Settle();
 }
 
+/// The table of the station's cable, with an outlier in it, from the factor menu.
+void PictureFactorEditor(Tour& tour) {
+  QWidget& equipment = Window("frmEquipment");
+  Find<QAction>(equipment, "mnuFactorEditLoss").trigger();
+  auto& editor = dynamic_cast<frmEditFactor&>(Window("frmEditFactor"));
+  editor.LoadFile(QStringLiteral("meter-cable.los"));
+  auto& table = Find<QTableView>(editor, "fg2");
+  table.setFocus();
+  table.setCurrentIndex(table.model()->index(kOutlierRow, 1));
+  for (const Qt::Key key : {Qt::Key_F2, Qt::Key_Home, Qt::Key_4}) QTest::keyClick(QApplication::focusWidget(), key);
+  tour.Grab(editor, "factor-editor");
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+  editor.close();
+  Settle();
+}
+
 int TakePictures(const QString& output) {
   const QTemporaryDir home;
   std::filesystem::copy_file(std::filesystem::path(QApplication::applicationDirPath().toStdString()) / "hylden.hlp",
@@ -279,6 +300,7 @@ int TakePictures(const QString& output) {
   tour.Grab(desktop.Menu(), "main-menu");
   Tour::Press(desktop.Menu(), "cmdConfigSys");
   tour.GrabTabs(Window("frmEquipment"), "station");
+  PictureFactorEditor(tour);
   Window("frmEquipment").close();
   Settle();
 
