@@ -16,6 +16,7 @@
 #include "editors/qt/frmEditFactor.h"
 #include "shell/qt/TopMenu.h"
 #include "support/TestShell.h"
+#include "text/TextFile.h"
 #include "widgets/CurveView.h"
 
 namespace hylden {
@@ -249,6 +250,16 @@ TEST_F(FactorEditorTest, RecentFilesAndPicturesOfTheCurve) {
     EXPECT_TRUE(t.directory.Read(name).starts_with(start));
   }
   ExpectMnemonicsShownApart(*form);
+}
+
+TEST_F(FactorEditorTest, F1OpensItsChapterOfTheManual) {
+  QSignalSpy asked(form.get(), &WorkingForm::HelpRequested);
+  Keys("1");
+  for (QWidget* const focused : {QApplication::focusWidget(), static_cast<QWidget*>(&view())})
+    QTest::keyClick(focused, Qt::Key_F1);
+  ASSERT_EQ(asked.count(), 2);
+  const std::string chapter = "\n# " + asked.last().first().toString().toStdString() + "\n";
+  EXPECT_NE(ReadFileBytes(HYLDEN_SOURCE_DIR "/help/hylden.md").find(chapter), std::string::npos);
 }
 
 TEST(FactorEditorDesktop, EquipmentFormOpensItForTheKindAndComesBack) {
