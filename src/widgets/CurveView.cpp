@@ -279,7 +279,7 @@ QString CurveView::Plot::TitleOf(ValueAxis axis) const {
     if (!curve.Unit.empty()) units << ToQt(curve.Unit);
   }
   units.removeDuplicates();
-  const QString unit = units.join(QStringLiteral(" / "));
+  QString unit = units.join(QStringLiteral(" / "));
   if (names.size() != 1) return unit;
   return unit.isEmpty() ? names.first() : names.first() + QStringLiteral(", ") + unit;
 }

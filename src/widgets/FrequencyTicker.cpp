@@ -12,8 +12,9 @@ constexpr double kFewDecades = 3;
 /// The multiples of every decade that the range touches.
 QVector<double> Multiples(double lower, double upper, std::initializer_list<double> factors) {
   QVector<double> ticks;
-  for (double decade = std::pow(10, std::floor(std::log10(lower))); decade <= upper; decade *= 10)
-    for (const double factor : factors) ticks << factor * decade;
+  const int last = static_cast<int>(std::floor(std::log10(upper)));
+  for (int decade = static_cast<int>(std::floor(std::log10(lower))); decade <= last; ++decade)
+    for (const double factor : factors) ticks << factor * std::pow(10, decade);
   return ticks;
 }
 
