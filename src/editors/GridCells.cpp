@@ -99,11 +99,18 @@ void GridCells::EndTyping() {
   Exchange(nothing, nothing.After, nothing.Before);
 }
 
+void GridCells::AddRow() {
+  EndTyping();
+  InsRow(Rows() + 1);
+}
+
 void GridCells::InsRow(int row) {
+  EndTyping();
   Do({GridChange::Of::Rows, row, {}, {EmptyRow()}, {row, 1}});
 }
 
 void GridCells::RemoveRows(int first, int last) {
+  EndTyping();
   const bool all = first == 1 && last == Rows();
   Step step{GridChange::Of::Rows, first, Copy(first, last), {}, {std::max(first - 1, 1), 1}};
   if (all) step.After.push_back(EmptyRow());
@@ -111,13 +118,19 @@ void GridCells::RemoveRows(int first, int last) {
   Do(std::move(step));
 }
 
+void GridCells::AddCol() {
+  InsCol(Columns() + 1);
+}
+
 void GridCells::InsCol(int col) {
+  EndTyping();
   GridRow column(rows_.size() + 1);
   column.front() = "Col " + std::to_string(Columns() + 1);
   Do({GridChange::Of::Columns, col, {}, {std::move(column)}, {1, col}});
 }
 
 void GridCells::RemoveCol(int col) {
+  EndTyping();
   if (Columns() == 1) return;
   GridRow column{headings_.back()};
   for (const GridRow& row : rows_) column.push_back(row[Index(col)]);
@@ -133,6 +146,7 @@ std::string GridCells::BlockText(const GridBlock& block) const {
 }
 
 void GridCells::ClearBlock(const GridBlock& block) {
+  EndTyping();
   Step step{GridChange::Of::Rows, block.First.Row, Copy(block.First.Row, block.Last.Row), {}, block.First};
   step.After = step.Before;
   for (GridRow& row : step.After)
@@ -141,6 +155,7 @@ void GridCells::ClearBlock(const GridBlock& block) {
 }
 
 GridBlock GridCells::Paste(GridPlace at, const std::vector<GridRow>& rows) {
+  EndTyping();
   const int count = static_cast<int>(rows.size());
   GridBlock written{at, {at.Row + count - 1, at.Col}};
   Step step{GridChange::Of::Rows, at.Row, Copy(at.Row, std::min(written.Last.Row, Rows())), {}, at};
@@ -200,7 +215,6 @@ void GridCells::AddSpare(Step& step) const {
 }
 
 void GridCells::Do(Step step) {
-  EndTyping();
   if (step.Before == step.After) return;
   Exchange(step, step.Before, step.After);
   done_.push_back(std::move(step));
@@ -214,31 +228,38 @@ void GridCells::Exchange(const Step& step, const std::vector<GridRow>& before, c
   for (const GridRow& column : after) InsertColumn(step.First, column);
 }
 
-void GridCells::ExchangeRows(int first, std::size_t removed, const std::vector<GridRow>& after) {
-  const GridChange change{GridChange::Of::Rows, first, static_cast<int>(removed), static_cast<int>(after.size())};
+void GridCells::Announce(const GridChange& change, const std::function<void()>& make) {
+  if (change.Removed == 0 && change.Inserted == 0) return;
   if (onChanging) onChanging(change);
-  const std::size_t common = std::min(removed, after.size());
-  const auto at = std::copy_n(after.begin(), common, rows_.begin() + first - 1);
-  rows_.erase(at, at + static_cast<std::ptrdiff_t>(removed - common));
-  rows_.insert(rows_.begin() + first - 1 + static_cast<std::ptrdiff_t>(common),
-               after.begin() + static_cast<std::ptrdiff_t>(common), after.end());
+  make();
   if (onChanged) onChanged(change);
+}
+
+/// First the rows that are there before and after, then those that come or go: so a view can follow it.
+void GridCells::ExchangeRows(int first, std::size_t removed, const std::vector<GridRow>& after) {
+  const auto common = static_cast<int>(std::min(removed, after.size()));
+  Announce({GridChange::Of::Rows, first, common, common},
+           [&] { std::copy_n(after.begin(), common, rows_.begin() + first - 1); });
+  const GridChange rest{GridChange::Of::Rows, first + common, static_cast<int>(removed) - common,
+                        static_cast<int>(after.size()) - common};
+  Announce(rest, [&] {
+    const auto at = rows_.begin() + rest.First - 1;
+    rows_.insert(rows_.erase(at, at + rest.Removed), after.begin() + common, after.end());
+  });
 }
 
 void GridCells::InsertColumn(int col, const GridRow& column) {
-  const GridChange change{GridChange::Of::Columns, col, 0, 1};
-  if (onChanging) onChanging(change);
-  headings_.push_back(column.front());
-  for (std::size_t i = 0; i < rows_.size(); ++i) rows_[i].insert(rows_[i].begin() + col - 1, column[i + 1]);
-  if (onChanged) onChanged(change);
+  Announce({GridChange::Of::Columns, col, 0, 1}, [&] {
+    headings_.push_back(column.front());
+    for (std::size_t i = 0; i < rows_.size(); ++i) rows_[i].insert(rows_[i].begin() + col - 1, column[i + 1]);
+  });
 }
 
 void GridCells::TakeColumn(int col) {
-  const GridChange change{GridChange::Of::Columns, col, 1, 0};
-  if (onChanging) onChanging(change);
-  headings_.pop_back();
-  for (GridRow& row : rows_) row.erase(row.begin() + col - 1);
-  if (onChanged) onChanged(change);
+  Announce({GridChange::Of::Columns, col, 1, 0}, [&] {
+    headings_.pop_back();
+    for (GridRow& row : rows_) row.erase(row.begin() + col - 1);
+  });
 }
 
 /// What an afternoon of large pastes would keep.

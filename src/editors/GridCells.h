@@ -24,7 +24,7 @@ struct GridBlock {
 
 using GridRow = std::vector<std::string>;
 
-/// Lines (rows, or columns) from `First` on: `Removed` of them give way to `Inserted`.
+/// Lines (rows, or columns) from `First` on: some are removed, or some inserted, or as many are replaced.
 struct GridChange {
   enum class Of { Rows, Columns } Lines = Of::Rows;
   int First = 1, Removed = 0, Inserted = 0;
@@ -54,16 +54,17 @@ class GridCells {
 
   /// What there is instead of all rows, from now on; it can't be undone. No rows: one that is empty.
   void SetRows(std::vector<GridRow> rows);
-  /// The text of a cell while it is being typed: all of it is one step to undo, up to EndTyping or any other change.
+  /// The text of a cell while it is being typed: all of it is one step to undo, up to EndTyping or any other change. A
+  /// spare row that came with it goes again when it is taken back: end it before rows are counted.
   void Type(GridPlace at, const std::string& text);
   void EndTyping();
 
-  void AddRow() { InsRow(Rows() + 1); }
+  void AddRow();
   void InsRow(int row);
   /// The only row is emptied instead.
   void RemoveRow(int row) { RemoveRows(row, row); }
   void RemoveRows(int first, int last);
-  void AddCol() { InsCol(Columns() + 1); }
+  void AddCol();
   void InsCol(int col);
   /// The only column stays.
   void RemoveCol(int col);
@@ -103,6 +104,7 @@ class GridCells {
   void AddSpare(Step& step) const;
   void Do(Step step);
   void Exchange(const Step& step, const std::vector<GridRow>& before, const std::vector<GridRow>& after);
+  void Announce(const GridChange& change, const std::function<void()>& make);
   void ExchangeRows(int first, std::size_t removed, const std::vector<GridRow>& after);
   void InsertColumn(int col, const GridRow& column);
   void TakeColumn(int col);

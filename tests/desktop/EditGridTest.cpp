@@ -238,6 +238,10 @@ TEST_F(EditGridTest, RowTypedAndTakenBackBesideTheSpareRowLeavesTheCurrentCellWi
   Key(Qt::Key_Down);
   EXPECT_EQ(grid.Cells().Rows(), 1);
   EXPECT_EQ(grid.Current(), (GridPlace{1, 1}));
+  Keys("1");
+  Key(Qt::Key_Backspace);
+  grid.DelRow();
+  EXPECT_EQ(All(), (Rows{{"", ""}}));
 }
 
 TEST_F(EditGridTest, FaultIsMarkedAndTold) {

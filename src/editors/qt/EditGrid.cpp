@@ -121,6 +121,7 @@ void EditGrid::DelCol() {
 }
 
 void EditGrid::DelRow() {
+  EndEdit();
   if (cells_.Rows() > 1) RemoveRows(cells_.Rows(), cells_.Rows());
 }
 
@@ -137,6 +138,7 @@ void EditGrid::InsCol() {
 }
 
 void EditGrid::ExtractRow() {
+  EndEdit();
   const GridBlock block = Selected();
   const bool wholeRows = block.First.Col == 1 && block.Last.Col == cells_.Columns();
   if (wholeRows && block.First.Row <= place_.Row && place_.Row <= block.Last.Row)
@@ -152,7 +154,6 @@ void EditGrid::ExtractCol() {
 /// Asks before data go.
 /// @param which  "Row 3"
 bool EditGrid::MayRemove(const std::string& title, const std::string& which, bool hasData) {
-  EndEdit();
   return !hasData || dialogs_.Show({"There is data in " + which + " ! Delete anyway?", title, MessageIcon::Question,
                                     MessageButtons::YesNo}) == MessageAnswer::Yes;
 }
@@ -171,6 +172,7 @@ void EditGrid::RemoveRows(int first, int last) {
 }
 
 void EditGrid::RemoveCol(int col) {
+  EndEdit();
   if (cells_.Columns() == 1 || !MayRemove("Delete Column!", "Col " + std::to_string(col), cells_.ColHasData(col)))
     return;
   const GridPlace place = col == place_.Col ? GridPlace{place_.Row, std::max(col - 1, 1)} : place_;
@@ -179,6 +181,7 @@ void EditGrid::RemoveCol(int col) {
 }
 
 void EditGrid::Copy() {
+  EndEdit();
   QApplication::clipboard()->setText(ToQt(cells_.BlockText(Selected())));
 }
 
@@ -197,8 +200,8 @@ void EditGrid::Paste() {
   const GridBlock written = cells_.Paste(Selected().First, *rows);
   MakeCurrent(written.First);
   Select(written);
-  const auto room = static_cast<std::size_t>(written.Last.Col - written.First.Col + 1);
-  if (std::any_of(rows->begin(), rows->end(), [&](const GridRow& row) { return row.size() > room; }))
+  const int room = written.Last.Col - written.First.Col + 1;
+  if (std::any_of(rows->begin(), rows->end(), [&](const GridRow& row) { return static_cast<int>(row.size()) > room; }))
     dialogs_.Tell("What lay beyond the last column was left out.", MessageIcon::Information);
 }
 

@@ -22,25 +22,26 @@ QColor Tinted(const QColor& ground, const QColor& colour) {
 }  // namespace
 
 void GridModel::Changing(const GridChange& change) {
-  const int first = change.First - 1;
-  const bool rows = change.Lines == GridChange::Of::Rows, more = change.Inserted > change.Removed;
-  const int from = first + std::min(change.Inserted, change.Removed);
-  const int to = first + std::max(change.Inserted, change.Removed) - 1;
-  if (to < from) return;
-  if (rows && more) beginInsertRows({}, from, to);
-  if (rows && !more) beginRemoveRows({}, from, to);
-  if (!rows && more) beginInsertColumns({}, from, to);
-  if (!rows && !more) beginRemoveColumns({}, from, to);
+  if (change.Inserted == change.Removed) return;
+  const int first = change.First - 1, last = first + std::max(change.Inserted, change.Removed) - 1;
+  const bool rows = change.Lines == GridChange::Of::Rows, more = change.Inserted > 0;
+  if (rows && more) beginInsertRows({}, first, last);
+  if (rows && !more) beginRemoveRows({}, first, last);
+  if (!rows && more) beginInsertColumns({}, first, last);
+  if (!rows && !more) beginRemoveColumns({}, first, last);
 }
 
 void GridModel::Changed(const GridChange& change) {
-  const bool rows = change.Lines == GridChange::Of::Rows;
-  if (rows && change.Inserted > change.Removed) endInsertRows();
-  if (rows && change.Inserted < change.Removed) endRemoveRows();
-  if (!rows && change.Inserted > change.Removed) endInsertColumns();
-  if (!rows && change.Inserted < change.Removed) endRemoveColumns();
-  const int first = change.First - 1, replaced = std::min(change.Inserted, change.Removed);
-  if (rows && replaced > 0) emit dataChanged(index(first, 0), index(first + replaced - 1, columnCount() - 1));
+  const int first = change.First - 1, last = first + change.Inserted - 1;
+  const bool rows = change.Lines == GridChange::Of::Rows, more = change.Inserted > 0;
+  if (change.Inserted == change.Removed) {
+    emit dataChanged(index(first, 0), index(last, columnCount() - 1));
+    return;
+  }
+  if (rows && more) endInsertRows();
+  if (rows && !more) endRemoveRows();
+  if (!rows && more) endInsertColumns();
+  if (!rows && !more) endRemoveColumns();
   if (!rows) emit headerDataChanged(Qt::Horizontal, 0, columnCount() - 1);
 }
 

@@ -161,7 +161,9 @@ bool frmEditFactor::HasUnsaved() const {
   for (int row = 1; row <= cells.Rows(); ++row) {
     const GridRow& shown = cells.Row(row);
     if (IsEmpty(shown)) continue;
-    if (next == saved_.size() || !std::equal(shown.begin(), shown.end(), saved_[next].begin(), SameEntry)) return true;
+    if (next == saved_.size() ||
+        !std::equal(shown.begin(), shown.end(), saved_[next].begin(), saved_[next].end(), SameEntry))
+      return true;
     ++next;
   }
   return next < saved_.size();
