@@ -26,8 +26,13 @@ Value Evaluator::Run(const Program& program) {
   stack_.clear();
   session_.budget.Refill();
   for (const Instruction& step : program.steps) {
-    session_.budget.Charge(kInstructionCost);
-    Execute(program, step);
+    try {
+      session_.budget.Charge(kInstructionCost);
+      Execute(program, step);
+    } catch (ScriptError& error) {
+      if (step.at != kNoName) error.At = step.at;
+      throw;
+    }
   }
   if (stack_.empty()) return {};
   Value result = std::move(stack_.back());

@@ -100,7 +100,9 @@ Token Lexer::TakeOperator(Operator operation, std::size_t length) {
 }
 
 Token Lexer::Next() {
-  if (!SkipToToken()) return {};
+  const bool ended = !SkipToToken();
+  start_ = position_;
+  if (ended) return {};
   const char c = Peek();
   if (c == '\r' || c == '\n' || c == ':') {
     // What follows would be another statement; only the end may.

@@ -28,6 +28,8 @@ class Lexer {
 
   /// @throws ScriptError for what is no token
   Token Next();
+  /// Where the token taken last begins, or what is none, in bytes.
+  std::size_t TokenStart() const { return start_; }
 
  private:
   bool SkipToToken();
@@ -45,6 +47,7 @@ class Lexer {
 
   std::string_view source_;
   std::size_t position_ = 0;
+  std::size_t start_ = 0;
 };
 
 }  // namespace hylden::script

@@ -61,10 +61,13 @@ class Parser {
  public:
   Parser(std::string_view source, const Scope& scope) : lexer_(source), scope_(scope) {
     if (source.size() > kMaxSourceLength) Raise(Failure::TextTooLong);
-    Advance();
   }
 
+  /// Where the token that it has come to begins.
+  std::size_t TokenStart() const { return lexer_.TokenStart(); }
+
   Program WholeExpression() {
+    Advance();
     if (At(TokenKind::End)) {
       PushConstant(Value());
     } else {
@@ -75,6 +78,7 @@ class Parser {
   }
 
   Program Assignment(Scope& scope) {
+    Advance();
     if (At(TokenKind::End)) return std::move(program_);
     const bool isSet = AtWord("set");
     if (isSet || AtWord("let")) Advance();
@@ -109,6 +113,12 @@ class Parser {
     program_.steps.back().action = action;
     return program_.steps.back();
   }
+  /// @param at  where in the source a failure of it is shown
+  Instruction& Emit(Action action, std::size_t at) {
+    Instruction& step = Emit(action);
+    step.at = static_cast<std::uint32_t>(at);
+    return step;
+  }
   void PushConstant(Value value) {
     Emit(Action::PushConstant).index = static_cast<std::uint32_t>(program_.constants.size());
     program_.constants.push_back(std::move(value));
@@ -117,9 +127,9 @@ class Parser {
     program_.names.emplace_back(name);
     return static_cast<std::uint32_t>(program_.names.size() - 1);
   }
-  void EmitFailure(Failure failure, std::string_view context) {
+  void EmitFailure(Failure failure, std::string_view context, std::size_t at = 0) {
     const std::uint32_t name = AddName(context);
-    Instruction& step = Emit(Action::RaiseFailure);
+    Instruction& step = Emit(Action::RaiseFailure, at);
     step.count = static_cast<std::uint32_t>(failure);
     step.index = name;
   }
@@ -150,9 +160,10 @@ class Parser {
       const Operator operation = token_.operation;
       const int own = BindingOf(operation);
       if (own == 0 || own < binding) break;
+      const std::size_t at = TokenStart();
       Advance();
       const Operand right = Expression(own + 1);
-      Instruction& step = Emit(ActionOf(operation));
+      Instruction& step = Emit(ActionOf(operation), at);
       step.operation = operation;
       step.leftIsLiteral = left == Operand::Literal;
       step.rightIsLiteral = right == Operand::Literal;
@@ -163,10 +174,11 @@ class Parser {
   }
 
   Operand Prefixed() {
+    const std::size_t at = TokenStart();
     if (AtOperator(Operator::Not)) {
       Advance();
       Expression(kNotBinding + 1);
-      Emit(Action::Complement);
+      Emit(Action::Complement, at);
       return Operand::Computed;
     }
     if (AtOperator(Operator::Add)) {
@@ -180,7 +192,7 @@ class Parser {
       program_.constants.back() = Negated(program_.constants.back());
       return operand;
     }
-    Emit(Action::Negate);
+    Emit(Action::Negate, at);
     return Operand::Computed;
   }
 
@@ -195,64 +207,65 @@ class Parser {
       const Operand inner = Expression(kLoosest);
       ExpectRightParenthesis();
       if (!AtSuffix()) return inner;
-      Suffixes("");
+      Suffixes("", TokenStart());
       return Operand::Computed;
     }
     if (!At(TokenKind::Name)) Raise(Failure::SyntaxError);
     const std::string_view spelling = token_.text;
+    const std::size_t at = TokenStart();
     Advance();
-    Name(spelling);
+    Name(spelling, at);
     return Operand::Computed;
   }
 
   bool AtSuffix() const { return At(TokenKind::LeftParenthesis) || At(TokenKind::Dot); }
 
-  void Name(std::string_view spelling) {
+  void Name(std::string_view spelling, std::size_t at) {
     const std::string name = LookupName(spelling);
     if (const FunctionEntry* function = FindFunction(name)) {
-      FunctionCall(*function);
+      FunctionCall(*function, at);
     } else if (const Value* constant = FindConstant(name)) {
       PushConstant(*constant);
     } else if (scope_.Library() != nullptr && name == kLibraryName) {
       PushConstant(Value::Object(*scope_.Library()));
     } else if (scope_.Library() != nullptr && name == kRetStringName) {
-      RetString();
+      RetString(at);
     } else if (const auto slot = scope_.FindVariable(name)) {
       Emit(Action::PushVariable).index = *slot;
     } else {
       PushConstant(Value());
     }
-    Suffixes(spelling);
+    Suffixes(spelling, at);
   }
 
-  void RetString() {
-    Emit(Action::PushRetString);
+  void RetString(std::size_t at) {
+    Emit(Action::PushRetString, at);
     if (!At(TokenKind::LeftParenthesis)) return;
-    if (Arguments() > 0) EmitFailure(Failure::WrongNumberOfArguments, "RetString");
+    if (Arguments() > 0) EmitFailure(Failure::WrongNumberOfArguments, "RetString", at);
   }
 
-  void FunctionCall(const FunctionEntry& function) {
+  void FunctionCall(const FunctionEntry& function, std::size_t at) {
     const std::uint32_t count = At(TokenKind::LeftParenthesis) ? Arguments() : 0;
     const bool tooMany = function.most != kAnyNumber && count > function.most;
-    if (count < function.fewest || tooMany) return EmitFailure(Failure::WrongNumberOfArguments, function.name);
-    Instruction& step = Emit(Action::CallFunction);
+    if (count < function.fewest || tooMany) return EmitFailure(Failure::WrongNumberOfArguments, function.name, at);
+    Instruction& step = Emit(Action::CallFunction, at);
     step.function = &function;
     step.count = count;
   }
 
   /// Elements and members of what stands before, any number of times.
-  void Suffixes(std::string_view owner) {
+  void Suffixes(std::string_view owner, std::size_t at) {
     while (AtSuffix()) {
       if (At(TokenKind::Dot)) {
         const std::uint32_t member = AddName(MemberName()), ownerName = AddName(owner);
         Advance();
-        Instruction& step = Emit(Action::TakeMember);
+        Instruction& step = Emit(Action::TakeMember, at);
         step.index = member;
         step.count = ownerName;
       } else {
         const std::uint32_t ownerName = AddName(owner);
         const std::uint32_t count = Arguments();
-        Instruction& step = Emit(Action::TakeElement);
+        Instruction& step = Emit(Action::TakeElement, at);
         step.index = ownerName;
         step.count = count;
       }
@@ -303,14 +316,27 @@ class Parser {
   int nesting_ = 0;
 };
 
+/// Parses; a failure has the place of the token that the parser has come to.
+template <class Parse>
+Program Located(const Parser& parser, Parse parse) {
+  try {
+    return parse();
+  } catch (ScriptError& error) {
+    error.At = parser.TokenStart();
+    throw;
+  }
+}
+
 }  // namespace
 
 Program ParseExpression(std::string_view source, const Scope& scope) {
-  return Parser(source, scope).WholeExpression();
+  Parser parser(source, scope);
+  return Located(parser, [&] { return parser.WholeExpression(); });
 }
 
 Program ParseAssignment(std::string_view source, Scope& scope) {
-  return Parser(source, scope).Assignment(scope);
+  Parser parser(source, scope);
+  return Located(parser, [&] { return parser.Assignment(scope); });
 }
 
 }  // namespace hylden::script

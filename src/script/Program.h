@@ -38,6 +38,7 @@ struct Instruction {
   bool leftIsLiteral = false, rightIsLiteral = false;
   std::uint32_t count = 0;
   std::uint32_t index = kNoName;
+  std::uint32_t at = kNoName;  ///< where in the source a failure of it is shown
   const FunctionEntry* function = nullptr;
 };
 

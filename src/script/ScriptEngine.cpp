@@ -36,6 +36,27 @@ class ProgramCache {
   std::unordered_map<std::string, Program, Hash, std::equal_to<>> programs_;
 };
 
+const char* KindName(Kind kind) {
+  switch (kind) {
+    case Kind::Empty:
+      return "nothing";
+    case Kind::Boolean:
+      return "truth value";
+    case Kind::Byte:
+    case Kind::Integer:
+    case Kind::Long:
+      return "whole number";
+    case Kind::Single:
+    case Kind::Double:
+    case Kind::Currency:
+      return "number";
+    case Kind::Date:
+      return "date";
+    default:
+      return "text";  // no other kind has a text
+  }
+}
+
 }  // namespace
 
 struct ScriptEngine::State {
@@ -78,7 +99,7 @@ void ScriptEngine::ExecuteStatement(std::string_view statement) {
   state_->evaluator.Run(program);
 }
 
-std::string ScriptEngine::Eval(std::string_view expression) {
+ScriptEngine::Evaluated ScriptEngine::Evaluate(std::string_view expression) {
   Value value;
   if (const Program* known = state_->expressions.Find(expression)) {
     value = state_->evaluator.Run(*known);
@@ -87,7 +108,7 @@ std::string ScriptEngine::Eval(std::string_view expression) {
     state_->expressions.Keep(expression, program);
     value = state_->evaluator.Run(program);
   }
-  return ToUtf8(ToText(value).Chars());
+  return {ToUtf8(ToText(value).Chars()), KindName(value.Type())};
 }
 
 }  // namespace hylden

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -21,6 +23,9 @@ class clsHyLib {
 class ScriptError : public RuntimeError {
  public:
   using RuntimeError::RuntimeError;
+
+  /// Where in the text it is, in bytes; nothing where it has no place.
+  std::optional<std::size_t> At;
 };
 
 /// Evaluates VBScript expressions and single assignments; names without regard to case, texts in UTF-8. There is no
@@ -35,8 +40,14 @@ class ScriptEngine {
   void AddObject(clsHyLib& library);
   /// Executes one assignment, e.g. `x= RetString`.
   void ExecuteStatement(std::string_view statement);
-  /// The expression's value as text. Parsed expressions are cached.
-  std::string Eval(std::string_view expression);
+  struct Evaluated {
+    std::string Text;
+    const char* Kind;  ///< of the value, in words: "text", "number" ...
+  };
+  /// The expression's value. Parsed expressions are cached.
+  Evaluated Evaluate(std::string_view expression);
+  /// The same as text only.
+  std::string Eval(std::string_view expression) { return Evaluate(expression).Text; }
 
  private:
   struct State;
