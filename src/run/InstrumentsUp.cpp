@@ -14,7 +14,6 @@ namespace {
 
 constexpr float kStartLevelDbm = -60;
 constexpr double kGenericBandSwitchMHz = 230;
-constexpr const char* kRfMayBeOn = "RF could not be switched off: switch the amplifier off by hand.";
 
 }  // namespace
 

@@ -33,10 +33,7 @@ class Claim {
 bool RunGuard::Run(const std::string& context, const std::function<void()>& run, const std::function<void()>& end) {
   if (!shell_.end.MayStart()) return false;
   const Claim claim(shell_, *this);
-  if (!claim.Granted()) {
-    shell_.dialogs.Tell("Another run is using the instruments");
-    return false;
-  }
+  if (!claim.Granted()) return false;
   {
     const FlagRaised running(running_);
     context_ = context;

@@ -21,6 +21,16 @@ Number Converted(const std::string& text) {
     return ToInt16(text);
 }
 
+/// The code of the option that is chosen.
+std::optional<std::int32_t> ChosenOf(const FormEntries& entries, FormWalker::Controls options) {
+  std::int32_t option = 0;
+  for (const char* const control : options) {
+    if (entries.IsTicked(control)) return option;
+    ++option;
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 bool FormEntries::operator==(const FormEntries& other) const {
@@ -56,12 +66,6 @@ bool NumberField::Take(const std::string& text, bool checked) const {
       Field);
 }
 
-void FormWalker::Tick(const char* control, std::int32_t& field) {
-  bool ticked = field != 0;
-  Tick(control, ticked);
-  field = ticked ? 1 : 0;
-}
-
 void EntryShower::Options(Controls options, std::int32_t& code, std::optional<std::int32_t>) {
   std::int32_t option = 0;
   for (const char* const control : options) Entries.Add(control, option++ == code);
@@ -88,16 +92,7 @@ void EntryTaker::Box(const char* control, const NumberField& number) {
 }
 
 void EntryTaker::Options(Controls options, std::int32_t& code, std::optional<std::int32_t> none) {
-  if (!Takes()) return;
-  std::int32_t option = 0;
-  for (const char* const control : options) {
-    if (Entries.IsTicked(control)) {
-      code = option;
-      return;
-    }
-    ++option;
-  }
-  code = none.value_or(code);
+  if (Takes()) code = ChosenOf(Entries, options).value_or(none.value_or(code));
 }
 
 void EntryTaker::Check(const char* control, bool passes) {
@@ -118,6 +113,23 @@ void EntryTaker::Replace(const char* control, double& field, double by, const st
 void EntryTaker::Refuse(EntryFailure failure) {
   const Refuses least = failure.Reason == EntryFailure::Kind::NotANumber ? Refuses::Text : Refuses::Range;
   if (refuses_ >= least) Failure = std::move(failure);
+}
+
+void RefusalFinder::Box(const char* control, const NumberField& number) {
+  const std::string& text = entries_[control];
+  try {
+    Check(control, IsNumeric(text) && number.Take(text, true));
+  } catch (const RuntimeError&) {  // a number, but too large for the field
+    Check(control, false);
+  }
+}
+
+void RefusalFinder::Options(Controls options, std::int32_t& code, std::optional<std::int32_t> none) {
+  code = ChosenOf(entries_, options).value_or(none.value_or(code));
+}
+
+void RefusalFinder::Check(const char* control, bool passes) {
+  if (!passes) Refused.insert(control);
 }
 
 bool UseFinder::Uses(bool inUse, Controls controls) {

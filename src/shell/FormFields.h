@@ -1,10 +1,12 @@
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <initializer_list>
 #include <limits>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -70,8 +72,13 @@ class FormWalker {
     Box(control, {&field, check, pattern});
   }
   virtual void Tick(const char* control, bool& field) = 0;
-  /// The same for a field that holds 0 for off.
-  void Tick(const char* control, std::int32_t& field);
+  /// The same for a field that holds 0 for off; what it holds for on stays while it is ticked.
+  template <std::integral Flag>
+  void Tick(const char* control, Flag& field) {
+    bool ticked = field != 0;
+    Tick(control, ticked);
+    if (ticked != (field != 0)) field = ticked ? 1 : 0;
+  }
   /// Options in the order of their codes, from 0. A code that none stands for chooses none.
   /// @param none  the code when none is chosen; the field is kept when left out
   template <class Code>
@@ -140,6 +147,35 @@ class EntryTaker : public FormWalker {
 
   Refuses refuses_;
 };
+
+/// Takes entries over as far as it can and finds every one that would be refused: for marks, while they are typed.
+class RefusalFinder : public FormWalker {
+ public:
+  explicit RefusalFinder(FormEntries entries) : entries_(std::move(entries)) {}
+
+  void Text(const char* control, std::string& field) override { field = entries_[control]; }
+  void Tick(const char* control, bool& field) override { field = entries_.IsTicked(control); }
+  bool Uses(bool inUse, Controls) override { return inUse; }
+  bool Takes() const override { return true; }
+  void Check(const char* control, bool passes) override;
+  void Require(const char* control, bool passes, const char*) override { Check(control, passes); }
+
+  std::set<std::string> Refused;
+
+ private:
+  void Box(const char* control, const NumberField& number) override;
+  void Options(Controls options, std::int32_t& code, std::optional<std::int32_t> none) override;
+
+  FormEntries entries_;
+};
+
+/// The controls whose entries a form that edits the record would refuse.
+template <class Record>
+std::set<std::string> RefusedWith(const FormEntries& entries, Record record) {
+  RefusalFinder finder(entries);
+  FormFields(finder, record);
+  return std::move(finder.Refused);
+}
 
 /// Which controls can be used, of those that hang on a condition.
 using UsedControls = std::map<std::string, bool>;

@@ -22,7 +22,10 @@ Shell::Shell(const Platform& platform, const Directories& directories)
 }
 
 bool Shell::ClaimInstruments(RunAtWork& run) {
-  if (run_) return false;
+  if (run_ && !run_->GivesWayTo(run)) {
+    dialogs.Tell(std::string(run_->Name()) + " is using the instruments");
+    return false;
+  }
   run_ = &run;
   if (!runNotice.empty()) log.LogFile(runNotice);
   return true;

@@ -39,7 +39,7 @@ class Shell {
   std::string runNotice;
 
   /// Gives a run the instruments until it releases them.
-  /// @return false when another run has them
+  /// @return false after a message: another one has them
   bool ClaimInstruments(RunAtWork& run);
   void ReleaseInstruments() { run_ = nullptr; }
   /// A run has the instruments.

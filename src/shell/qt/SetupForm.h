@@ -36,6 +36,7 @@ class SetupForm : public WorkingForm {
   virtual UsedControls UsedNow() const { return {}; }
   /// The same for what no list tells.
   virtual void EnableControls();
+  void CommandEnded() override { ShowMark(); }
 
   /// Loads what is chosen from the recent files of the kind or dropped on the form.
   /// @param suffix  of the files that may be dropped; several are separated by blanks
@@ -76,8 +77,6 @@ class SetupForm : public WorkingForm {
                                          const std::string& loaded);
 
  private:
-  void CommandEnded() override { ShowMark(); }
-
   RecentFilesMenu* recentFiles_ = nullptr;
   QString caption_;
   const char *saveTitle_, *what_;
