@@ -14,16 +14,19 @@ namespace {
 // Instruments answer 9.9E37, of either sign, for a value beyond their range, and 9.91E37 for none.
 constexpr double kNoMeasurement = 9.9e37;
 
-/// Whether a number that reads as this value stands at the start of the text.
-bool StartsWithNumber(std::string_view text, double value) {
-  if (value != 0) return true;
-  auto at = text.find_first_not_of(" \t\r\n");
+}  // namespace
+
+bool AnswerReader::StartsWithNumber(const std::string& value) {
+  if (LeadingNumber(value) != 0) return true;
+  auto at = value.find_first_not_of(" \t\r\n");
   for (const std::string_view skipped : {"+-", "."})
-    if (at < text.size() && skipped.find(text[at]) != std::string_view::npos) ++at;
-  return at < text.size() && text[at] >= '0' && text[at] <= '9';
+    if (at < value.size() && skipped.find(value[at]) != std::string_view::npos) ++at;
+  return at < value.size() && value[at] >= '0' && value[at] <= '9';
 }
 
-}  // namespace
+bool AnswerReader::IsMeasured(double number) {
+  return std::abs(number) < kNoMeasurement;
+}
 
 bool AnswerReader::Trigger(int address, const std::string& command, double settlingSeconds) {
   pending_ = true;
@@ -47,14 +50,14 @@ Result<double> AnswerReader::Read(int address, const std::string& readCommand, c
   const Result<std::string> parsed = parseCommand.empty() ? answer_ : parser_.ParseAnswer(answer_, parseCommand);
   if (!parsed) return Because(parsed.error());
   value_ = LeadingNumber(*parsed);
-  hasNumber_ = StartsWithNumber(*parsed, value_);
+  hasNumber_ = StartsWithNumber(*parsed);
   if (parsed->empty() || !std::isfinite(value_)) return Because();
   return value_;
 }
 
 Done AnswerReader::HoldsNumber(const std::string& instrument, const std::string& quantity) const {
   if (!hasNumber_) return Because("The " + instrument + "'s answer holds no number:\r\n" + ShownAnswer(answer_));
-  if (std::abs(value_) >= kNoMeasurement) return Because(NoQuantity(instrument, quantity));
+  if (!IsMeasured(value_)) return Because(NoQuantity(instrument, quantity));
   return {};
 }
 

@@ -40,6 +40,11 @@ class AnswerReader {
   /// Why the last answer is none of its quantity.
   Failure NoQuantity(const std::string& instrument, const std::string& quantity) const;
 
+  /// Whether a number stands at the start of the text that is read: without one its value is 0.
+  static bool StartsWithNumber(const std::string& value);
+  /// Whether a number is one that was measured: instruments have numbers that mean none.
+  static bool IsMeasured(double number);
+
   using UnitConversion = std::optional<double> (*)(std::int32_t units, double value);
   /// The converted value; none for a bad units code, and, silently, when it has no finite result.
   static Result<double> Converted(UnitConversion convert, std::int32_t units, double value);

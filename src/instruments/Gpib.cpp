@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "shell/Shell.h"
+#include "text/Characters.h"
 #include "text/Encoding.h"
 
 namespace hylden {
@@ -94,6 +95,15 @@ void Terminator::Derive(std::int32_t endOfString) {
 }
 
 Gpib::Gpib(Shell& shell) : shell_(shell) {}
+
+bool Gpib::Carries(std::string_view utf8) {
+  for (std::size_t at = 0; at < utf8.size();) {
+    const Utf8Character character = CharacterAt(utf8, at);
+    if (character.length == 0 || !ToWindows1252(character.code)) return false;
+    at += character.length;
+  }
+  return true;
+}
 
 Done Gpib::GpibIfc() {
   timeOuts_.clear();

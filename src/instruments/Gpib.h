@@ -26,6 +26,9 @@ class Gpib {
  public:
   explicit Gpib(Shell& shell);
 
+  /// Whether the bus has a byte for each character of a text; a command's other characters would go out as "?".
+  static bool Carries(std::string_view utf8);
+
   /// Clears the interface once per program run, and sets the board's time limit: a driver may come without one. Bus
   /// work starts here: whatever timed out before is waited for in full again.
   Done GpibIfc();

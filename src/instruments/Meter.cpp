@@ -35,10 +35,14 @@ std::optional<double> NextReferenceLevel(double levelDbuv, double referenceDbuv,
 
 Done Meter::InitMeter() {
   if (Done opened = Open(kName); !opened) return opened;
+  ForgetSettings();
+  return MeterSetLevel(MaximumLevel() - kReferenceOffsetDb);
+}
+
+void Meter::ForgetSettings() {
   currentFreq_ = 0;
   currentReference_ = kNoReference;
   answers_.ForgetTrigger();
-  return MeterSetLevel(MaximumLevel() - kReferenceOffsetDb);
 }
 
 Done Meter::MeterSetFreq(double frequencyMHz) {

@@ -41,6 +41,8 @@ class Meter : public DefinedInstrument<MeterDefinition> {
   /// range for its reading within `kMostRangings` turns, and, silently, when a halt cuts the reading short.
   Result<double> MeterRead(ReadMode mode, double settlingSeconds = kDefinedSettling);
   Done MeterShutdown();
+  /// Nothing that was sent before counts: the definition has changed since, and all is sent again.
+  void ForgetSettings();
 
   float MaximumLevel() const { return definition_.MaximumLevel; }
   float MinimumLevel() const { return definition_.MinimumLevel; }

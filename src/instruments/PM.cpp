@@ -22,10 +22,12 @@ const std::string& OfChannel(int channel, const std::string& first, const std::s
 }  // namespace
 
 Done PM::InitPwrMtr() {
-  return Open(kName).map([&] {
-    currentFreq_ = 0;
-    answers_.ForgetTrigger();
-  });
+  return Open(kName).map([&] { ForgetSettings(); });
+}
+
+void PM::ForgetSettings() {
+  currentFreq_ = 0;
+  answers_.ForgetTrigger();
 }
 
 Done PM::PwrMtrSetFreq(double frequencyMHz) {

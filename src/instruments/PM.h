@@ -31,6 +31,8 @@ class PM : public DefinedInstrument<PowerMeterDefinition> {
   /// reading short.
   Result<double> ReadPower(int channel);
   Done PwrMtrShutdown();
+  /// Nothing that was sent before counts: the definition has changed since, and all is sent again.
+  void ForgetSettings();
 
   double Bandswitch() const { return definition_.Bandswitch; }
   void SetBandswitch(double frequencyMHz) { definition_.Bandswitch = frequencyMHz; }

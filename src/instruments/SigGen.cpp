@@ -74,6 +74,11 @@ Done SigGen::SendLevel() {
       kWriteFailed);
 }
 
+void SigGen::ForgetSettings() {
+  ForgetSent();
+  modulated_ = Switched::Unknown;
+}
+
 void SigGen::ForgetSent() {
   currentFreq_ = 0;
   currentLevel_ = kNoLevel;

@@ -15,6 +15,8 @@ enum class Modulation : int { None = 0, Am = 1, Fm = 2, Pulse = 3 };
 /// The generator's output as far as the program knows. Unknown, after a command that did not get through, counts as on.
 enum class Rf { Off, On, Unknown };
 
+inline constexpr char kRfMayBeOn[] = "RF could not be switched off: switch the amplifier off by hand.";
+
 /// The station's signal generator, driven through its definition. A request outside the definition's limits is refused
 /// with RF off; frequency and level go out only when they change, the falling one first; while RF is off a request is
 /// held for the next RfOn. Frequencies in MHz, levels in dBm.
@@ -46,6 +48,8 @@ class SigGen : public DefinedInstrument<SigGenDefinition> {
   Done ModOff();
   /// Minimum level and frequency, which are sent with RF off, too, RF off, local; stops at the first failure.
   Done ShutdownSigGen();
+  /// Nothing that was sent before counts: the definition has changed since, and all is sent again.
+  void ForgetSettings();
 
   float MaximumLevel() const { return definition_.MaximumLevel; }
   float MinimumLevel() const { return definition_.MinimumLevel; }
