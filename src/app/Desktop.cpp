@@ -19,6 +19,10 @@
 #include "documents/qt/frmEquipment.h"
 #include "documents/qt/frmTestDef.h"
 #include "editors/qt/frmEditFactor.h"
+#include "instruments/qt/frmMeter.h"
+#include "instruments/qt/frmPMeter.h"
+#include "instruments/qt/frmParseTest.h"
+#include "instruments/qt/frmSigGen.h"
 #include "measure/qt/frmBuildList.h"
 #include "platform/qt/QtText.h"
 #include "shell/FormInput.h"
@@ -121,13 +125,15 @@ frmEquipment* Desktop::OpenEquipment(QWidget* caller, int tab, bool modal) {
   auto* const form = new frmEquipment(shell_, instruments_, documents_.equip);
   form->ShowTab(tab);
   if (modal) form->setWindowModality(Qt::ApplicationModal);
-  form->Offer(false, true, true);
+  form->Offer(true, true, true);
   connect(form, &frmEquipment::StationLoaded, this, [this] { station_.LoadDefinitions(); });
   connect(form, &frmEquipment::EntriesTaken, this, [this] { station_.TakeAddresses(); });
   connect(form, &frmEquipment::UtilityRequested, this,
           [this](Utility utility) { RunUtility(utility, station_, helpFile_); });
   connect(form, &frmEquipment::EditFactorRequested, this,
           [this, form](FactorKind kind) { OpenFactorEditor(form, kind); });
+  connect(form, &frmEquipment::DefineInstrumentRequested, this,
+          [this, form](InstrumentKind kind) { OpenDefinition(form, kind); });
   connect(form, &frmEquipment::InsertionLossRequested, this, [this, form] { OpenCableSetup(form); });
   connect(form, &WorkingForm::Unloaded, this, [this, form] { Applied(form); });
   return Open(form, caller) ? form : nullptr;
@@ -138,6 +144,36 @@ void Desktop::Applied(const frmEquipment* form) {
   station_.EquipBench();
   for (const QPointer<WorkingForm>& open : std::as_const(open_))
     if (auto* const other = qobject_cast<frmEquipment*>(open.data()); other && other != form) other->ShowChanges();
+}
+
+void Desktop::OpenDefinition(frmEquipment* equipment, InstrumentKind kind) {
+  DefinitionForm* form = nullptr;
+  switch (kind) {
+    case InstrumentKind::SigGen:
+      form = new frmSigGen(shell_, instruments_);
+      break;
+    case InstrumentKind::Meter:
+      form = new frmMeter(shell_, instruments_);
+      break;
+    case InstrumentKind::PwrMtr:
+      form = new frmPMeter(shell_, instruments_);
+      break;
+  }
+  connect(form, &DefinitionForm::FileTaken, equipment, [equipment, kind] { equipment->UseDefinition(kind); });
+  connect(
+      form, &DefinitionForm::ParseTesterRequested, this,
+      [this, form](const QString& answer, const QString& expression) { OpenParseTester(form, answer, expression); });
+  connect(form, &WorkingForm::Unloaded, this, [this] { station_.TakeAddresses(); });
+  Open(form, equipment);
+}
+
+void Desktop::OpenParseTester(DefinitionForm* editor, const QString& answer, const QString& expression) {
+  auto* const form = new frmParseTest(shell_, instruments_.parser);
+  form->ReturnString(answer);
+  form->ParseExpression(expression);
+  form->setWindowModality(Qt::ApplicationModal);
+  connect(form, &frmParseTest::ExpressionSaved, editor, &DefinitionForm::TakeExpression);
+  Open(form, editor);
 }
 
 void Desktop::OpenTestDefinition() {

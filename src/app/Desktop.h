@@ -17,12 +17,14 @@ class RunSetupForm;
 class Shell;
 class Station;
 class TopMenu;
+class DefinitionForm;
 class WorkingForm;
 class frmEquipment;
 class frmHelp;
 struct Documents;
 struct Instruments;
 enum class FactorKind;
+enum class InstrumentKind;
 
 /// What the desktop program brings along from its machine.
 struct DesktopOptions {
@@ -50,6 +52,11 @@ class Desktop : public QObject {
   /// Opens the equipment form in the caller's place; modally above it when a check has found something to mend there.
   /// Null while the program is being ended.
   frmEquipment* OpenEquipment(QWidget* caller, int tab = 0, bool modal = false);
+  /// Opens the editor of an instrument's definition in the place of the equipment form, which takes what is loaded and
+  /// saved there.
+  void OpenDefinition(frmEquipment* equipment, InstrumentKind kind);
+  /// Opens the parse tester above the editor, which gets the expression that is saved there.
+  void OpenParseTester(DefinitionForm* editor, const QString& answer, const QString& expression);
   /// Opens the test definition; its Start opens the test run.
   void OpenTestDefinition();
   /// Opens the test run in the caller's place.

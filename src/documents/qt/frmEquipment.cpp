@@ -20,23 +20,6 @@ constexpr char kEquipFilter[] = "Equipment Setup Files (*.eqp)|*.eqp|All Files|*
 constexpr char kSelectEquipment[] = "Select equipment file";
 constexpr char kFactorFilter[] = "Factor File (*.fac)|*.fac", kFactorTitle[] = "Select coupling factor file";
 
-struct DefinitionDialog {
-  const char* title;
-  const char* filter;
-};
-
-DefinitionDialog DialogOf(InstrumentKind kind) {
-  switch (kind) {
-    case InstrumentKind::SigGen:
-      return {"Select signal generator definition file", "Signal Generators (*.sg)|*.sg|All Files|*.*"};
-    case InstrumentKind::Meter:
-      return {"Select meter definition file", "Meters (*.mtr)|*.mtr|All Files|*.*"};
-    case InstrumentKind::PwrMtr:
-      break;
-  }
-  return {"Select Power Meter File", "PMeters (*.pm)|*.pm|All Files|*.*"};
-}
-
 /// Red and struck through: a path to nothing that can be used.
 void MarkFailed(QLabel& label, bool failed) {
   label.setFont({});
@@ -123,7 +106,9 @@ void frmEquipment::ConnectInstruments() {
     On(row.button, select);
     On(row.select, select);
     On(row.clear, [this, kind = row.kind] { ClearInstrument(kind); });
-    connect(row.define, &QAction::triggered, this, [this, kind = row.kind] { emit DefineInstrumentRequested(kind); });
+    On(row.define, [this, kind = row.kind] {
+      if (ApplyEquipment()) emit DefineInstrumentRequested(kind);
+    });
   }
 }
 
@@ -233,14 +218,31 @@ void frmEquipment::SelectInstrument(InstrumentKind kind) {
 template <class Driver>
 void frmEquipment::SelectDefinition(Driver& driver, InstrumentKind kind) {
   const InstrumentRow row = Row(kind);
-  const DefinitionDialog dialog = DialogOf(kind);
+  const DefinitionTexts& texts = TextsOf(kind);
   driver.SetAddress(row.address);
-  const auto path = AskFile(dialog.title, dialog.filter, datakind::kEquip, row.file);
+  const auto path = AskFile(texts.LoadTitle, texts.Filter, datakind::kEquip, row.file);
   if (!path) return;
-  if (!shell_.Ok(driver.LoadFileOrKeep(*path))) return;
+  if (shell_.Ok(driver.LoadFileOrKeep(*path))) TakeDefinition(driver, kind);
+}
+
+template <class Driver>
+void frmEquipment::TakeDefinition(const Driver& driver, InstrumentKind kind) {
+  const InstrumentRow row = Row(kind);
   row.file = driver.FileName();
   row.address = static_cast<std::int16_t>(driver.Address());
   ShowInstrument(kind, driver);
+  ShowMark();
+}
+
+void frmEquipment::UseDefinition(InstrumentKind kind) {
+  switch (kind) {
+    case InstrumentKind::SigGen:
+      return TakeDefinition(instruments_.sigGen, kind);
+    case InstrumentKind::Meter:
+      return TakeDefinition(instruments_.meter, kind);
+    case InstrumentKind::PwrMtr:
+      return TakeDefinition(instruments_.pm, kind);
+  }
 }
 
 void frmEquipment::ClearInstrument(InstrumentKind kind) {

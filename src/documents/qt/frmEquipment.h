@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "documents/EquipRecord.h"
+#include "instruments/DefinitionTexts.h"
 #include "shell/qt/SetupForm.h"
 
 class QLineEdit;
@@ -17,7 +18,6 @@ namespace Ui {
 class frmEquipment;
 }
 
-enum class InstrumentKind { SigGen, Meter, PwrMtr };
 /// The kinds of factor files, numbered as their editor offers them.
 enum class FactorKind { Factor = 0, Level = 1, Loss = 2 };
 enum class Utility { Interpolation, Shortcut, SystemCheck };
@@ -35,6 +35,8 @@ class frmEquipment : public SetupForm {
   void ShowTab(int tab);
   /// Enables the menu entries of editors and utilities that the program around has.
   void Offer(bool instrumentEditors, bool factorEditor, bool insertionLoss);
+  /// Makes the definition that the driver has loaded the station's, as when it is chosen here.
+  void UseDefinition(InstrumentKind kind);
   /// Fills the form afresh when another equipment form has changed the station.
   void ShowChanges();
   /// Copies the form into the record; false when an entry is invalid, after its prompt.
@@ -45,6 +47,7 @@ class frmEquipment : public SetupForm {
   QString HelpTopic() const override;
 
  signals:
+  /// The editor of the instrument's definition is wanted; the form's entries are in the record.
   void DefineInstrumentRequested(InstrumentKind kind);
   void EditFactorRequested(FactorKind kind);
   void InsertionLossRequested();
@@ -75,6 +78,8 @@ class frmEquipment : public SetupForm {
   void SelectInstrument(InstrumentKind kind);
   template <class Driver>
   void SelectDefinition(Driver& driver, InstrumentKind kind);
+  template <class Driver>
+  void TakeDefinition(const Driver& driver, InstrumentKind kind);
   void ClearInstrument(InstrumentKind kind);
   void SelectTable(const TableRow& row);
   void ShowRecord();

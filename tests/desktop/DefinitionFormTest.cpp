@@ -1,0 +1,292 @@
+// The editors of instrument definitions and the parse tester, opened from the demo station on the bench.
+
+#include <gmock/gmock.h>
+
+#include <QMenu>
+#include <QPlainTextEdit>
+
+#include "app/Desktop.h"
+#include "desktop/RunForms.h"
+#include "documents/qt/frmEquipment.h"
+#include "instruments/qt/frmMeter.h"
+#include "instruments/qt/frmPMeter.h"
+#include "instruments/qt/frmParseTest.h"
+#include "instruments/qt/frmSigGen.h"
+#include "shell/qt/TopMenu.h"
+#include "text/RecordFile.h"
+
+namespace hylden {
+namespace {
+
+struct EditorCase {
+  InstrumentKind kind;
+  const char *entry, *caption, *suffix, *file;
+  std::string EquipRecord::*inEquipment;
+};
+
+constexpr EditorCase kEditors[] = {
+    {InstrumentKind::SigGen, "mnuInstDefineSigGen", "Signal Generator File: ", "sg", "scpi.sg",
+     &EquipRecord::SigGenFile},
+    {InstrumentKind::Meter, "mnuInstDefineMeter", "Meter File: ", "mtr", "analyser.mtr", &EquipRecord::MeterFile},
+    {InstrumentKind::PwrMtr, "mnuInstDefinePwrMtr", "Power Meter File: ", "pm", "two-channel.pm",
+     &EquipRecord::PwrMtrFile}};
+
+class DefinitionFormTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    desktop = std::make_unique<Desktop>(m.station);
+    ASSERT_TRUE(desktop->Start("\"/e:station.eqp\""));
+    equipment = desktop->OpenEquipment(&desktop->Menu());
+  }
+  void TearDown() override {
+    desktop.reset();
+    Turn();
+  }
+  static void Turn() {
+    for (int i = 0; i < 20; ++i) {
+      QCoreApplication::processEvents();
+      QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+  }
+  DefinitionForm& Open(InstrumentKind kind = InstrumentKind::SigGen) {
+    Choose(*equipment, kEditors[static_cast<int>(kind)].entry);
+    auto* const form = OpenWindow<DefinitionForm>();
+    if (!form) throw std::runtime_error("no editor opened");
+    return *form;
+  }
+  /// Chooses an entry with what is typed at its prompts.
+  void Test(DefinitionForm& form, const char* entry, const std::vector<std::string>& typed = {}) {
+    for (const std::string& text : typed) dialogs.AnswerInput(text);
+    Choose(form, entry);
+  }
+  bool RfIsOn() { return m.bench.State().Generator.RfOn; }
+  EquipRecord& Record() { return m.station.documents.equip.Record; }
+
+  FakeDialogs dialogs;
+  BenchMachine m{dialogs};
+  std::unique_ptr<Desktop> desktop;
+  frmEquipment* equipment = nullptr;
+};
+
+TEST_F(DefinitionFormTest, SaysWhichFileItHoldsAndWhatOfItIsNotSaved) {
+  for (const EditorCase& c : kEditors) {
+    SCOPED_TRACE(c.caption);
+    DefinitionForm& form = Open(c.kind);
+    EXPECT_FALSE(equipment->isVisible());
+    const QString title = form.windowTitle();
+    EXPECT_TRUE(title.startsWith(c.caption) && title.endsWith(c.file)) << title.toStdString();
+    EXPECT_EQ(Find<QAction>(form, "mnuFileSave").text().toStdString(), std::string("&Save ") + c.file);
+    Type(form, "txtName", "Mine");
+    EXPECT_EQ(form.windowTitle(), title + "*");
+    dialogs.Answer(MessageAnswer::Cancel);
+    EXPECT_FALSE(form.close());
+    dialogs.Answer(MessageAnswer::No);
+    EXPECT_TRUE(form.close());
+    EXPECT_EQ(dialogs.messages.size(), 2u) << "asked once each";
+    EXPECT_TRUE(equipment->isVisible());
+    dialogs.Clear();
+    Turn();
+  }
+  EXPECT_EQ(m.station.instruments.sigGen.InstrumentName(), "SCPI signal generator, 0.1 to 1000 MHz");
+}
+
+TEST_F(DefinitionFormTest, WhatIsSavedOrLoadedBecomesTheInstrumentOfTheStation) {
+  for (const EditorCase& c : kEditors) {
+    SCOPED_TRACE(c.caption);
+    const std::string before = Record().*c.inEquipment;
+    DefinitionForm& form = Open(c.kind);
+    Choose(form, "mnuFileNew");
+    EXPECT_EQ(form.windowTitle(), c.caption);
+    Type(form, "txtName", "Mine");
+    Type(form, "txtAddress", "21");
+    const std::string mine = m.directory.File(std::string("mine.") + c.suffix);
+    dialogs.AnswerSave(mine);
+    Choose(form, "mnuFileSave");
+    EXPECT_EQ(form.windowTitle().toStdString(), c.caption + mine);
+    EXPECT_EQ(Record().*c.inEquipment, mine);
+    dialogs.AnswerOpen(m.directory.Write("broken", "half a line\r\n"));
+    Choose(form, "mnuFileLoad");
+    EXPECT_EQ(dialogs.messages.size(), 1u);
+    EXPECT_EQ(Record().*c.inEquipment, mine);
+    EXPECT_TRUE(form.close());
+    Turn();
+    EXPECT_TRUE(equipment->windowTitle().endsWith("*"));
+    DefinitionForm& again = Open(c.kind);
+    EXPECT_EQ(TextOf(again, "txtName"), "Mine");
+    EXPECT_EQ(TextOf(again, "txtAddress"), "21");
+    again.LoadFile(QString::fromStdString(before));
+    EXPECT_EQ(Record().*c.inEquipment, before);
+    EXPECT_TRUE(again.close());
+    dialogs.Clear();
+    Turn();
+  }
+}
+
+TEST_F(DefinitionFormTest, AnEntryThatCanNotBeTakenIsMarkedAndStopsSaveAndTest) {
+  DefinitionForm& form = Open();
+  Find<QTabWidget>(form, "tabSetup").setCurrentIndex(1);
+  auto& box = Find<QLineEdit>(form, "txtRfOn");
+  const QColor plain = box.palette().color(QPalette::Text);
+  box.setText(QString::fromUtf8("OUTP \u2126"));
+  EXPECT_NE(box.palette().color(QPalette::Text), plain);
+  for (const char* const entry : {"mnuTestInit", "mnuFileSave", "mnuFilePrint"}) {
+    Choose(form, entry);
+    EXPECT_EQ(dialogs.LastText(), "The bus can't carry every character of this text, re-enter");
+    EXPECT_TRUE(box.isVisible());
+  }
+  EXPECT_TRUE(dialogs.inputs.empty());
+  box.setText("OUTP ON");
+  EXPECT_EQ(box.palette().color(QPalette::Text), plain);
+  Choose(form, "mnuFilePrint");
+  EXPECT_EQ(m.printer.jobs.size(), 1u);
+}
+
+TEST_F(DefinitionFormTest, TheStationsEntriesAreAppliedBeforeAnEditorOpens) {
+  Type(*equipment, "txtSigGenAddr", "99");
+  Choose(*equipment, "mnuInstDefineSigGen");
+  EXPECT_EQ(OpenWindow<DefinitionForm>(), nullptr);
+  EXPECT_EQ(dialogs.LastText(), kOutOfRangeText);
+  Type(*equipment, "txtSigGenAddr", "7");
+  EXPECT_EQ(TextOf(Open(), "txtAddress"), "7");
+}
+
+TEST_F(DefinitionFormTest, ClosingAndTheEndOfTheProgramLeaveRfOffAndTheGeneratorLocal) {
+  for (const bool programEnds : {false, true}) {
+    SCOPED_TRACE(programEnds);
+    DefinitionForm& form = Open();
+    Test(form, "mnuTestInit", {"10", "-30"});
+    Choose(form, "mnuTestRfOn");
+    EXPECT_TRUE(RfIsOn());
+    EXPECT_TRUE(Find<QLabel>(form, "lblRfOn").isVisible());
+    Type(form, "txtName", "Mine");
+    bool rfWithQuestion = true;
+    dialogs.onShow = [&](const Message&) { rfWithQuestion = RfIsOn(); };
+    dialogs.Answer(MessageAnswer::No);
+    if (programEnds)
+      desktop->CloseAll();
+    else
+      form.close();
+    Turn();
+    dialogs.onShow = nullptr;
+    EXPECT_FALSE(rfWithQuestion);
+    EXPECT_FALSE(RfIsOn());
+    EXPECT_FALSE(m.station.shell.InstrumentsClaimed());
+    EXPECT_EQ(OpenWindow<DefinitionForm>(), nullptr);
+  }
+}
+
+TEST_F(DefinitionFormTest, AnEditorThatIsClosedDuringAWaitClosesBehindIt) {
+  DefinitionForm& form = Open(InstrumentKind::Meter);
+  Choose(form, "mnuTestInit");
+  bool refused = false;
+  m.events.onYield = [&] {
+    if (!refused) refused = !form.close() && !Find<QAction>(form, "mnuTestTrigger").isEnabled();
+  };
+  Choose(form, "mnuTestRead");
+  m.events.onYield = nullptr;
+  EXPECT_TRUE(refused);
+  Turn();
+  EXPECT_EQ(OpenWindow<DefinitionForm>(), nullptr);
+  EXPECT_TRUE(equipment->isVisible());
+}
+
+/// The story that the manual tells.
+TEST_F(DefinitionFormTest, AnEmptyDefinitionIsWrittenAndTriedUntilItReads) {
+  const std::pair<const char*, const char*> boxes[] = {
+      {"txtName", "My analyser"}, {"txtAddress", "13"},   {"txtInit", "IP"},      {"txtFreqSetPre", "CF"},
+      {"txtFreqSetSuf", "MZ"},    {"txtMaxFreq", "1500"}, {"txtMinFreq", "0.01"}, {"txtLevSetPre", "RL"},
+      {"txtLevSetSuf", "DBUV"},   {"txtMaxLev", "130"},   {"txtMinLev", "0"},     {"txtTrigger", "TS"},
+      {"txtSetTime", "0.2"},      {"txtRead", "MKA?"},    {"txtClose", "CONTS"}};
+  DefinitionForm& form = Open(InstrumentKind::Meter);
+  Choose(form, "mnuFileNew");
+  Press(form, "optEOScrlf");
+  Press(form, "optUnitDbuv");
+  for (const auto& [box, text] : boxes) Type(form, box, text);
+  Choose(form, "mnuTestInit");
+  Test(form, "mnuTestSetFreq", {"10"});
+  Choose(form, "mnuTestRead");
+  ASSERT_EQ(dialogs.messages.size(), 1u);
+  EXPECT_TRUE(dialogs.LastText().starts_with("The meter's answer holds no number:\r\n\"MKA ")) << dialogs.LastText();
+
+  Choose(form, "mnuTestParse");
+  auto& tester = *OpenWindow<frmParseTest>();
+  EXPECT_TRUE(TextOf(tester, "txtRetString").starts_with("MKA "));
+  EXPECT_EQ(TextOf(tester, "txtEvalExpression"), "X");
+  Type(tester, "txtEvalExpression", "Mid(x, 5)");
+  Press(tester, "cmdTest");
+  EXPECT_TRUE(Find<QPlainTextEdit>(tester, "txtExplanation").toPlainText().contains("is read from it"));
+  Press(tester, "cmdSave");
+  Turn();
+  EXPECT_EQ(OpenWindow<frmParseTest>(), nullptr);
+  EXPECT_EQ(TextOf(form, "txtParse"), "Mid(x, 5)");
+  dialogs.Clear();
+  Choose(form, "mnuTestRead");
+  EXPECT_TRUE(dialogs.LastText().starts_with("Result = ")) << dialogs.LastText();
+  EXPECT_TRUE(dialogs.LastText().find(" dBuv\r\nReturned String = \"MKA ") != std::string::npos);
+  Choose(form, "mnuTestShutdown");
+}
+
+TEST_F(DefinitionFormTest, AMeterShowsItsLimitsInTheUnitsThatAreChosen) {
+  DefinitionForm& form = Open(InstrumentKind::Meter);
+  Type(form, "txtMaxLev", "120");
+  Press(form, "optUnitDbm");
+  EXPECT_EQ(TextOf(form, "txtMaxLev"), "13.01");
+  EXPECT_EQ(TextOf(form, "lblMaxLevUnit"), "dBm");
+  Press(form, "optUnitVolts");
+  EXPECT_EQ(TextOf(form, "txtMaxLev"), "1.0");
+}
+
+TEST_F(DefinitionFormTest, EveryControlHasANameAKeyAndTheFormsFitASmallScreen) {
+  for (const EditorCase& c : kEditors) {
+    DefinitionForm& form = Open(c.kind);
+    ExpectMnemonicsApart(form);
+    for (const QLineEdit* const box : form.findChildren<QLineEdit*>()) {
+      EXPECT_FALSE(box->accessibleName().isEmpty() || box->toolTip().isEmpty()) << box->objectName().toStdString();
+    }
+    EXPECT_LE(form.minimumSizeHint().width(), 1024);
+    EXPECT_LE(form.minimumSizeHint().height(), 720);
+    form.close();
+    Turn();
+  }
+}
+
+struct ParseRow {
+  const char *answer, *expression, *result, *explained;
+};
+
+TEST_F(DefinitionFormTest, ParseTesterExplainsResultAndError) {
+  const ParseRow rows[] = {
+      {"VALUE 72.669 DBUV", "Mid(x, 7, 6)", "72.669", "The result is a text. The number 72.669 is read from it."},
+      {"+7.26690E+01\r\n", "X", "+7.26690E+01\r\n", "The number 72.669 is read from it."},
+      {"2.5", "CDbl(x) * 2", "5", "The result is a number. The number 5 is read"},
+      {"2", "x > 1", "True", "The result is a truth value. No number stands at its start"},
+      {"", "x", "", "It is empty, so a reading fails."},
+      {"9.91E+37", "x", "9.91E+37", "for no value, so a reading fails"},
+      {"5", "Mid(x, 1", "", "Expected ')' at column 9\nMid(x, 1\n        ^"},
+      {"abc", "1 + CDbl(x)", "", "Type mismatch: 'CDbl' at column 5\n1 + CDbl(x)\n    ^"},
+      {"5", "\"\u00B5\" & x / 0", "", "Division by zero at column 9\n"},
+      {"5", "x; 2", "", "Invalid character at column 2\nx; 2\n ^"},
+      {"5", "String(2000000, x)", "", "Out of string space at column 1\n"}};
+  frmParseTest form(m.station.shell, m.station.instruments.parser);
+  form.show();
+  for (const ParseRow& row : rows) {
+    SCOPED_TRACE(row.expression);
+    dialogs.Clear();
+    form.ReturnString(QString::fromUtf8(row.answer));
+    form.ParseExpression(QString::fromUtf8(row.expression));
+    QTest::keyClick(&Find<QLineEdit>(form, "txtEvalExpression"), Qt::Key_Return);
+    EXPECT_EQ(TextOf(form, "txtResult"), row.result);
+    const std::string explained = Find<QPlainTextEdit>(form, "txtExplanation").toPlainText().toStdString();
+    EXPECT_NE(explained.find(row.explained), std::string::npos) << explained;
+    const bool failed = explained.find("The result is") == std::string::npos;
+    EXPECT_EQ(dialogs.messages.size(), failed ? 1u : 0u);
+    EXPECT_EQ(dialogs.LastText().starts_with("Scripting error\r\nError number "), failed);
+  }
+  form.ParseExpression({});
+  EXPECT_EQ(TextOf(form, "txtEvalExpression"), "X");
+  EXPECT_EQ(TextOf(form, "txtResult"), "") << "no result of another expression";
+  form.close();
+}
+
+}  // namespace
+}  // namespace hylden
