@@ -3,6 +3,7 @@
 //   hylden-pictures STATION-DIRECTORY OUTPUT-DIRECTORY
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
@@ -281,6 +282,56 @@ void PictureFactorEditor(Tour& tour) {
   Settle();
 }
 
+/// The editors of the three definitions, the generator's with RF on, and the parse tester on the meter's answer.
+void PictureDefinitions(Desktop& desktop, Tour& tour) {
+  Tour::Press(desktop.Menu(), "cmdConfigSys");
+  QWidget& station = Window("frmEquipment");
+  const auto type = [](const char* text) {
+    return [text](QWidget& box) {
+      box.findChild<QLineEdit*>()->setText(QLatin1String(text));
+      dynamic_cast<QDialog&>(box).accept();
+    };
+  };
+  const auto choose = [](QWidget& window, const char* entry) {
+    Find<QAction>(window, entry).trigger();
+    Settle();
+  };
+  choose(station, "mnuInstDefineSigGen");
+  tour.OnBox("Test", "definition-prompt", type("10"));
+  choose(Window("frmSigGen"), "mnuTestInit");
+  choose(Window("frmSigGen"), "mnuTestRfOn");
+  tour.GrabTabs(Window("frmSigGen"), "definition-generator");
+  Window("frmSigGen").close();
+  Settle();
+
+  choose(station, "mnuInstDefineMeter");
+  QWidget& meter = Window("frmMeter");
+  Find<QAbstractButton>(meter, "optUnitDbm").click();
+  tour.GrabTabs(meter, "definition-meter");
+  Find<QAbstractButton>(meter, "optUnitDbuv").click();
+  tour.OnBox("Hylden", "definition-reading", QMessageBox::Ok);
+  choose(meter, "mnuTestInit");
+  choose(meter, "mnuTestRead");
+  Tour::Press(meter, "cmdParse");
+  QWidget& tester = Window("frmParseTest");
+  Tour::Press(tester, "cmdTest");
+  tour.Grab(tester, "parse-test");
+  tour.OnBox("Hylden", "parse-test-message", QMessageBox::Ok);
+  Find<QLineEdit>(tester, "txtEvalExpression").setText(QStringLiteral("Mid(x, 5"));
+  Tour::Press(tester, "cmdTest");
+  tour.Grab(tester, "parse-test-error");
+  tester.close();
+  meter.close();
+  Settle();
+
+  choose(station, "mnuInstDefinePwrMtr");
+  tour.GrabTabs(Window("frmPMeter"), "definition-power-meter");
+  Window("frmPMeter").close();
+  Settle();
+  station.close();
+  Settle();
+}
+
 int TakePictures(const QString& output) {
   const QTemporaryDir home;
   std::filesystem::copy_file(std::filesystem::path(QApplication::applicationDirPath().toStdString()) / "hylden.hlp",
@@ -304,6 +355,7 @@ int TakePictures(const QString& output) {
   Window("frmEquipment").close();
   Settle();
 
+  PictureDefinitions(desktop, tour);
   PictureCalibration(desktop, tour, events);
   PictureCable(desktop, tour, events);
 
