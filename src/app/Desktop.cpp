@@ -163,7 +163,11 @@ void Desktop::OpenDefinition(frmEquipment* equipment, InstrumentKind kind) {
   connect(
       form, &DefinitionForm::ParseTesterRequested, this,
       [this, form](const QString& answer, const QString& expression) { OpenParseTester(form, answer, expression); });
-  connect(form, &WorkingForm::Unloaded, this, [this] { station_.TakeAddresses(); });
+  connect(this, &Desktop::EscapePressed, form, &DefinitionForm::PressHalt);
+  connect(form, &WorkingForm::Unloaded, this, [this] {
+    station_.TakeAddresses();
+    station_.EquipBench();
+  });
   Open(form, equipment);
 }
 

@@ -25,17 +25,25 @@ bool InstrumentTrial::Offers(const Entry& entry) const {
   return !running_ && (up_ || &entry == entries_.data());
 }
 
-void InstrumentTrial::Run(const Entry& entry) {
-  if (!entry.Run || !Offers(entry) || !shell_.end.MayStart() || !Claim()) return;
+bool InstrumentTrial::Run(const Entry& entry) {
+  if (!entry.Run || !Offers(entry) || !shell_.end.MayStart() || !Claim()) return false;
   const FlagRaised running(running_);
   // A halt that ended a run, or an entry before, is not meant for this one.
   shell_.delay.ClearHalt();
   try {
-    Conclude(entry.Run());
+    const Done done = entry.Run();
+    Conclude(done);
+    return done.has_value();
   } catch (...) {
     TakeDown();
     throw;
   }
+}
+
+void InstrumentTrial::Halt() {
+  if (running_) return shell_.delay.RequestHalt();
+  RfOff();
+  if (instruments_.sigGen.RfIsOn()) End();
 }
 
 void InstrumentTrial::Conclude(const Done& done) {

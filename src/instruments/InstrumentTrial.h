@@ -32,7 +32,10 @@ class InstrumentTrial : public RunAtWork {
   /// Whether the entry can be chosen now. None can while one is at work: its waits let the windows live.
   bool Offers(const Entry& entry) const;
   /// Does what the entry says and shows in one box what fails. An exception ends the trial and is thrown on.
-  void Run(const Entry& entry);
+  /// @return whether it was done; it may also be left without a word, as by a prompt that is cancelled
+  bool Run(const Entry& entry);
+  /// Ends the entry that waits, or else RF.
+  void Halt();
   bool IsUp() const { return up_; }
   bool IsRunning() const { return running_; }
 

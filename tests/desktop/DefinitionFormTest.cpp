@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <QFile>
+#include <QGroupBox>
 #include <QMenu>
 #include <QPlainTextEdit>
 
@@ -157,7 +159,11 @@ TEST_F(DefinitionFormTest, ClosingAndTheEndOfTheProgramLeaveRfOffAndTheGenerator
     Test(form, "mnuTestInit", {"10", "-30"});
     Choose(form, "mnuTestRfOn");
     EXPECT_TRUE(RfIsOn());
-    EXPECT_TRUE(Find<QLabel>(form, "lblRfOn").isVisible());
+    EXPECT_EQ(TextOf(form, "lblRf"), "RF ON");
+    EXPECT_TRUE(TextOf(form, "lblTrial").starts_with("RF On: done. The instrument is up"));
+    QTest::keyClick(&form, Qt::Key_Escape);
+    EXPECT_FALSE(RfIsOn()) << "Escape is Halt";
+    Choose(form, "mnuTestRfOn");
     Type(form, "txtName", "Mine");
     bool rfWithQuestion = true;
     dialogs.onShow = [&](const Message&) { rfWithQuestion = RfIsOn(); };
@@ -190,20 +196,68 @@ TEST_F(DefinitionFormTest, AnEditorThatIsClosedDuringAWaitClosesBehindIt) {
   EXPECT_TRUE(equipment->isVisible());
 }
 
-/// The story that the manual tells.
-TEST_F(DefinitionFormTest, AnEmptyDefinitionIsWrittenAndTriedUntilItReads) {
-  const std::pair<const char*, const char*> boxes[] = {
-      {"txtName", "My analyser"}, {"txtAddress", "13"},   {"txtInit", "IP"},      {"txtFreqSetPre", "CF"},
-      {"txtFreqSetSuf", "MZ"},    {"txtMaxFreq", "1500"}, {"txtMinFreq", "0.01"}, {"txtLevSetPre", "RL"},
-      {"txtLevSetSuf", "DBUV"},   {"txtMaxLev", "130"},   {"txtMinLev", "0"},     {"txtTrigger", "TS"},
-      {"txtSetTime", "0.2"},      {"txtRead", "MKA?"},    {"txtClose", "CONTS"}};
+/// Fills a form in as a chapter of the manual says: rows of group, box, and text, or prefix and suffix.
+void FillInAsInTheManual(DefinitionForm& form) {
+  QFile manual(QStringLiteral(HYLDEN_SOURCE_DIR "/help/hylden.md"));
+  ASSERT_TRUE(manual.open(QIODevice::ReadOnly));
+  const QString chapter = QString::fromUtf8(manual.readAll()).section("\n# " + form.HelpTopic() + "\n", 1, 1);
+  int rows = 0;
+  for (const QString& line : chapter.section("\n# ", 0, 0).split('\n')) {
+    const QStringList cells = line.split(" | ");
+    if (cells.size() != 3 || !line.contains('`')) continue;
+    const QString group = QString(cells[0]).remove("| "), label = cells[1], texts = cells[2].section('`', 1);
+    SCOPED_TRACE(line.toStdString());
+    QWidget* box = nullptr;
+    for (const QGroupBox* const fields : form.findChildren<QGroupBox*>())
+      for (const QLabel* const named : fields->findChildren<QLabel*>())
+        if (fields->title() == group && named->text().remove('&') == label + ":") box = named->buddy();
+    ASSERT_NE(box, nullptr);
+    QString name = box->objectName();
+    Type(form, name.toLatin1(), texts.section('`', 0, 0).toLatin1());
+    ++rows;
+    if (!texts.contains(", `")) continue;
+    name = name.endsWith('1') ? name.replace('1', '2') : name.replace("Pre", "Suf");
+    Type(form, name.toLatin1(), texts.section('`', 2, 2).toLatin1());
+  }
+  EXPECT_GT(rows, 10);
+}
+
+// The stories of the manual, on the bench: from an empty definition to what the instrument does.
+
+TEST_F(DefinitionFormTest, TheManualsGeneratorIsWrittenAndTried) {
+  DefinitionForm& form = Open();
+  Choose(form, "mnuFileNew");
+  Press(form, "optEOScrlf");
+  Press(form, "chkAmCapable");
+  FillInAsInTheManual(form);
+  const auto generator = [this] { return m.bench.State().Generator; };
+  Test(form, "mnuTestInit", {"10", "-30"});
+  Choose(form, "mnuTestRfOn");
+  EXPECT_TRUE(generator().RfOn && generator().FreqMHz == 10 && generator().LevelDbm == -30);
+  Test(form, "mnuTestSetFreqLev", {"20", "-20"});
+  EXPECT_TRUE(generator().RfOn && generator().FreqMHz == 20 && generator().LevelDbm == -20);
+  Test(form, "mnuTestSetFreqLev", {"20", "5"});
+  EXPECT_EQ(dialogs.Texts(), std::vector<std::string>{"Level requested outside of range of instrument"});
+  EXPECT_FALSE(generator().RfOn);
+  Choose(form, "mnuTestRfOn");
+  Test(form, "mnuTestEnableAm", {"1", "80"});
+  EXPECT_EQ(generator().Modulation, BenchModulation::Am);
+  Choose(form, "mnuTestModOff");
+  EXPECT_EQ(generator().Modulation, BenchModulation::None);
+  Choose(form, "mnuTestLocal");
+  EXPECT_FALSE(generator().RfOn);
+  EXPECT_EQ(dialogs.messages.size(), 1u);
+}
+
+TEST_F(DefinitionFormTest, TheManualsMeterIsWrittenAndTriedUntilItReads) {
   DefinitionForm& form = Open(InstrumentKind::Meter);
   Choose(form, "mnuFileNew");
   Press(form, "optEOScrlf");
   Press(form, "optUnitDbuv");
-  for (const auto& [box, text] : boxes) Type(form, box, text);
+  FillInAsInTheManual(form);
   Choose(form, "mnuTestInit");
   Test(form, "mnuTestSetFreq", {"10"});
+  Test(form, "mnuTestSetLevel", {"40"});
   Choose(form, "mnuTestRead");
   ASSERT_EQ(dialogs.messages.size(), 1u);
   EXPECT_TRUE(dialogs.LastText().starts_with("The meter's answer holds no number:\r\n\"MKA ")) << dialogs.LastText();
@@ -224,6 +278,20 @@ TEST_F(DefinitionFormTest, AnEmptyDefinitionIsWrittenAndTriedUntilItReads) {
   EXPECT_TRUE(dialogs.LastText().starts_with("Result = ")) << dialogs.LastText();
   EXPECT_TRUE(dialogs.LastText().find(" dBuv\r\nReturned String = \"MKA ") != std::string::npos);
   Choose(form, "mnuTestShutdown");
+  EXPECT_EQ(dialogs.messages.size(), 1u);
+}
+
+TEST_F(DefinitionFormTest, TheManualsPowerMeterIsWrittenAndTriedUntilItReads) {
+  DefinitionForm& form = Open(InstrumentKind::PwrMtr);
+  Choose(form, "mnuFileNew");
+  for (const char* const option : {"optEOScrlf", "optTypePwrMeter", "optUnitDbm"}) Press(form, option);
+  FillInAsInTheManual(form);
+  Choose(form, "mnuTestInit");
+  Test(form, "mnuTestSetFreq", {"10"});
+  Choose(form, "mnuTestRead");
+  EXPECT_TRUE(dialogs.LastText().starts_with("Result = -")) << dialogs.LastText();
+  Choose(form, "mnuTestShutdown");
+  EXPECT_EQ(dialogs.messages.size(), 1u);
 }
 
 TEST_F(DefinitionFormTest, AMeterShowsItsLimitsInTheUnitsThatAreChosen) {
@@ -266,6 +334,10 @@ TEST_F(DefinitionFormTest, ParseTesterExplainsResultAndError) {
       {"abc", "1 + CDbl(x)", "", "Type mismatch: 'CDbl' at column 5\n1 + CDbl(x)\n    ^"},
       {"5", "\"\u00B5\" & x / 0", "", "Division by zero at column 9\n"},
       {"5", "x; 2", "", "Invalid character at column 2\nx; 2\n ^"},
+      {"5",
+       "((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((("
+       "(((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((",
+       "", "Out of stack space at column 201"},
       {"5", "String(2000000, x)", "", "Out of string space at column 1\n"}};
   frmParseTest form(m.station.shell, m.station.instruments.parser);
   form.show();

@@ -235,6 +235,12 @@ struct WayOut {
 
 TEST(InstrumentTrial, EveryWayOutLeavesTheGeneratorWithRfOffAndLocal) {
   const WayOut ways[] = {{"closing", [](Bench& b) { b.editor->Leave(); }},
+                         {"an RF off that fails for Escape",
+                          [](Bench& b) {
+                            b.bus.FailCall(1, gpib::kEnol);
+                            b.bus.FailCall(2, gpib::kEnol);
+                            b.trial.Halt();
+                          }},
                          {"destruction", [](Bench& b) { b.editor.reset(); }},
                          {"new", [](Bench& b) { b.editor->New(); }},
                          {"load", [](Bench& b) { b.editor->Load(b.t.directory.File("missing.sg")); }},

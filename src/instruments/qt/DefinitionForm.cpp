@@ -36,7 +36,7 @@ void DefinitionForm::Begin() {
   statusBar()->addWidget(state_);
   if (Kind() == InstrumentKind::SigGen) {
     lamp_ = new RfLamp;
-    lamp_->setObjectName(QStringLiteral("lblRfOn"));
+    lamp_->setObjectName(QStringLiteral("lblRf"));
     statusBar()->addPermanentWidget(lamp_);
   }
   ConnectFileMenu();
@@ -120,9 +120,9 @@ void DefinitionForm::ShowTrial() {
   for (const char* const entry : {"mnuFileNew", "mnuFileLoad", "mnuFileSave", "mnuFileSaveAs", "mnuFilePrint"})
     Entry(entry).setEnabled(!trial.IsRunning());
   if (lamp_) lamp_->ShowRf(instruments_.sigGen.RfIsOn(), instruments_.sigGen.RfState() != Rf::Unknown);
-  const char* const state = trial.IsUp() ? "The instrument is up; its front panel is locked until it is local again"
-                                         : "The instrument is offline: Test, Init takes it up";
-  state_->setText(QLatin1String(state));
+  const char* const state = trial.IsUp() ? "The instrument is up; its front panel is locked until it is local again."
+                                         : "The instrument is offline: Test, Init takes it up.";
+  state_->setText(lastEntry_ + QLatin1String(state));
 }
 
 void DefinitionForm::EnableControls() {
@@ -145,9 +145,11 @@ void DefinitionForm::Test(const InstrumentTrial::Entry& entry) {
   if (!TakeForm()) return;
   if (!entry.Run) return AskForTester();
   InstrumentTrial& trial = editor_->Trial();
-  state_->setText(Entry(entry.Control).text().remove(QLatin1Char('&')) + QStringLiteral(" (Escape halts)"));
+  const QString name = Entry(entry.Control).text().remove(QLatin1Char('&')).remove(QLatin1String("..."));
+  state_->setText(name + QStringLiteral(" (Escape halts)"));
   for (const InstrumentTrial::Entry& other : trial.Entries()) Entry(other.Control).setEnabled(false);
-  trial.Run(entry);
+  lastEntry_.clear();
+  lastEntry_ = name + QLatin1String(trial.Run(entry) ? ": done. " : ": not done. ");
 }
 
 void DefinitionForm::AskForTester() {
@@ -156,6 +158,11 @@ void DefinitionForm::AskForTester() {
 
 void DefinitionForm::TakeExpression(const QString& expression) {
   expression_->setText(expression);
+}
+
+void DefinitionForm::PressHalt() {
+  editor_->Trial().Halt();
+  if (!IsBusy()) ShowTrial();
 }
 
 void DefinitionForm::New() {
@@ -218,8 +225,8 @@ void DefinitionForm::CommandEnded() {
 }
 
 void DefinitionForm::keyPressEvent(QKeyEvent* event) {
-  if (event->key() == Qt::Key_Escape && editor_->Trial().IsRunning())
-    shell_.delay.RequestHalt();
+  if (event->key() == Qt::Key_Escape)
+    PressHalt();
   else
     SetupForm::keyPressEvent(event);
 }

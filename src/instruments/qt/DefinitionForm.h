@@ -28,6 +28,8 @@ class DefinitionForm : public SetupForm {
   void LoadFile(const QString& path);
   /// Puts another parse expression into its box; it is saved with the definition.
   void TakeExpression(const QString& expression);
+  /// Ends the entry of the Test menu that waits, or else RF.
+  void PressHalt();
 
   QString HelpTopic() const override;
 
@@ -72,6 +74,7 @@ class DefinitionForm : public SetupForm {
   Instruments& instruments_;
   std::unique_ptr<DefinitionEditor> editor_;
   QLabel* state_;
+  QString lastEntry_;                ///< of the Test menu, and whether it was done
   RfLamp* lamp_ = nullptr;           ///< where RF is at stake
   QLineEdit* expression_ = nullptr;  ///< where answers are parsed
 };
