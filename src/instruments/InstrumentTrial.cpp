@@ -157,8 +157,8 @@ Done InstrumentTrial::ShowReading(const Result<double>& reading, const char* uni
   });
 }
 
-void InstrumentTrial::Tell(Failure failure) {
-  std::vector<Message> boxes = failure.Boxes();
+void InstrumentTrial::Tell(const Failure& failure) {
+  const std::vector<Message> boxes = failure.Boxes();
   if (boxes.empty()) return;
   Message told = boxes.front();
   for (std::size_t i = 1; i < boxes.size(); ++i) {

@@ -48,7 +48,7 @@ class InstrumentTrial : public RunAtWork {
   /// What the instrument answered last, raw; kept when a later read brings nothing.
   const std::string& LastAnswer() const { return lastAnswer_; }
 
-  void RfOff() override;
+  void RfOff() final;
   const char* Name() const override { return "The editor of an instrument"; }
   bool GivesWayTo(const RunAtWork& other) override;
 
@@ -76,7 +76,7 @@ class InstrumentTrial : public RunAtWork {
   void Conclude(const Done& done);
   /// RF off and offline, without a word. @return what failed
   Done TakeDown();
-  void Tell(Failure failure);
+  void Tell(const Failure& failure);
 
   std::vector<Entry> entries_;
   std::function<Done()> takeDown_;

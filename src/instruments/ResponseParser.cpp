@@ -12,7 +12,7 @@ namespace {
 
 /// What a driver makes of the text that an expression gives.
 std::string ReadFrom(const std::string& value) {
-  if (value.empty()) return "It is empty, so a reading fails.";
+  if (value.empty()) return "Nothing can be read from it, so a reading fails.";
   if (!AnswerReader::StartsWithNumber(value)) return "No number stands at its start, so a reading fails.";
   const double number = LeadingNumber(value);
   if (!AnswerReader::IsMeasured(number)) return "Instruments answer such a number for no value, so a reading fails.";
@@ -52,7 +52,7 @@ std::string ResponseParser::ErrorText(const RuntimeError& error) {
 ParseExplanation ResponseParser::Explain(const std::string& answer, const std::string& expression) {
   try {
     const ScriptEngine::Evaluated value = Evaluate(answer, expression);
-    return {value.Text, "The result is a " + std::string(value.Kind) + ". " + ReadFrom(value.Text)};
+    return {value.Text, "The result is " + std::string(value.Kind) + ". " + ReadFrom(value.Text)};
   } catch (const ScriptError& error) {
     ParseExplanation failed{Because(ErrorText(error)), error.Description() + PlaceOf(error, expression)};
     if (error.At) failed.At = CharacterCount(std::string_view(expression).substr(0, *error.At));

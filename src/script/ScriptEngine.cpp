@@ -39,21 +39,21 @@ class ProgramCache {
 const char* KindName(Kind kind) {
   switch (kind) {
     case Kind::Empty:
-      return "nothing";
+      return "empty";
     case Kind::Boolean:
-      return "truth value";
+      return "a truth value";
     case Kind::Byte:
     case Kind::Integer:
     case Kind::Long:
-      return "whole number";
+      return "a whole number";
     case Kind::Single:
     case Kind::Double:
     case Kind::Currency:
-      return "number";
+      return "a number";
     case Kind::Date:
-      return "date";
+      return "a date";
     default:
-      return "text";  // no other kind has a text
+      return "a text";  // no other kind has a text
   }
 }
 

@@ -42,7 +42,7 @@ class ScriptEngine {
   void ExecuteStatement(std::string_view statement);
   struct Evaluated {
     std::string Text;
-    const char* Kind;  ///< of the value, in words: "text", "number" ...
+    const char* Kind;  ///< of the value, in words: "a text", "empty" ...
   };
   /// The expression's value. Parsed expressions are cached.
   Evaluated Evaluate(std::string_view expression);

@@ -276,6 +276,23 @@ TEST(InstrumentTrial, EveryWayOutLeavesTheGeneratorWithRfOffAndLocal) {
   }
 }
 
+TEST(InstrumentTrial, LeavesTheGeneratorLocalWhicheverCallFailsOnTheWay) {
+  for (int call = 1;; ++call) {
+    SCOPED_TRACE(call);
+    Bench b(Kind::SigGen);
+    b.Init();
+    b.Choose("RfOn");
+    b.Took();
+    const int before = b.bus.Calls();
+    b.bus.FailCall(call, gpib::kEnol);
+    b.editor->Leave();
+    if (b.bus.Calls() - before < call) break;
+    EXPECT_FALSE(b.sigGen.RfIsOn());
+    EXPECT_EQ(b.Took().back(), "LOCAL 18");
+    EXPECT_EQ(b.t.dialogs.Texts(), Strings{}) << "the second attempt got through";
+  }
+}
+
 TEST(InstrumentTrial, AChangedDefinitionSwitchesRfOffByTheOldCommandAndIsSentWhole) {
   Bench b(Kind::SigGen);
   b.Init();
