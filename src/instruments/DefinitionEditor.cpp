@@ -7,6 +7,7 @@
 #include "instruments/MeterTrial.h"
 #include "instruments/PMTrial.h"
 #include "instruments/SigGenTrial.h"
+#include "shell/Shell.h"
 #include "text/RecordFile.h"
 
 namespace hylden {
@@ -19,7 +20,7 @@ class EditorOf : public DefinitionEditor {
   using Record = std::remove_cvref_t<decltype(std::declval<Driver>().Definition())>;
 
   EditorOf(InstrumentKind kind, Shell& shell, Instruments& instruments, Driver& driver)
-      : DefinitionEditor(kind), driver_(driver), trial_(shell, instruments) {
+      : DefinitionEditor(kind), shell_(shell), driver_(driver), trial_(shell, instruments) {
     Follow();
     if (station_) file_ = driver_.FileName();
   }
@@ -48,7 +49,7 @@ class EditorOf : public DefinitionEditor {
 
   bool Load(const std::string& path) override {
     if (!trial_.MayChangeDefinition(true)) return false;
-    if (!driver_.LoadFileOrKeep(path)) return false;
+    if (!shell_.Ok(driver_.LoadFileOrKeep(path))) return false;
     driver_.ForgetSettings();
     file_ = path;
     Follow();
@@ -56,13 +57,13 @@ class EditorOf : public DefinitionEditor {
   }
 
   bool Save(const std::string& path) override {
-    if (!driver_.SaveFile(path)) return false;
+    if (!shell_.Ok(driver_.SaveFile(path))) return false;
     file_ = path;
     Follow();
     return true;
   }
 
-  void Print() override { driver_.PrintSetup(); }
+  void Print() override { shell_.Ok(driver_.PrintSetup()); }
 
   void Leave() override {
     trial_.End();
@@ -98,6 +99,7 @@ class EditorOf : public DefinitionEditor {
     driver_.ForgetSettings();
   }
 
+  Shell& shell_;
   Driver& driver_;
   TrialType trial_;
   Record record_, saved_;

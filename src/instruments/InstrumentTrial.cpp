@@ -18,7 +18,7 @@ InstrumentTrial::InstrumentTrial(Shell& shell, Instruments& instruments, std::fu
     : shell_(shell), instruments_(instruments), takeDown_(std::move(takeDown)), endsOnBusFailure_(endsOnBusFailure) {}
 
 InstrumentTrial::~InstrumentTrial() {
-  if (claimed_) TakeDown();
+  if (claimed_) (void)TakeDown();
 }
 
 bool InstrumentTrial::Offers(const Entry& entry) const {
@@ -35,7 +35,7 @@ bool InstrumentTrial::Run(const Entry& entry) {
     Conclude(done);
     return done.has_value();
   } catch (...) {
-    TakeDown();
+    (void)TakeDown();
     throw;
   }
 }
@@ -51,7 +51,7 @@ void InstrumentTrial::Conclude(const Done& done) {
   if (!failure.IsSilent()) RfOff();
   // A generator that fails on the bus may be left in any state; a meter can be asked again.
   const bool lost = touched_ && (!up_ || (endsOnBusFailure_ && failure.IsOnBus()));
-  if (lost || !up_) TakeDown();
+  if (lost || !up_) (void)TakeDown();
   if ((lost || !failure.IsSilent()) && instruments_.sigGen.RfIsOn())
     failure.Add(Failure(kRfMayBeOn, MessageIcon::Critical));
   Tell(failure);
@@ -88,7 +88,7 @@ void InstrumentTrial::RfOff() {
   constexpr int kAttempts = 2;  // a box may stand on it for hours
   for (int attempt = 0; attempt < kAttempts && instruments_.sigGen.RfIsOn(); ++attempt) {
     try {
-      instruments_.sigGen.SilenceRf();
+      (void)instruments_.sigGen.SilenceRf();
     } catch (...) {
       // The next attempt, and the end of the trial, try again.
     }

@@ -9,7 +9,7 @@ namespace {
 Done LeaveLocal(Instruments& instruments) {
   Meter& meter = instruments.meter;
   Done left = meter.MeterShutdown();
-  if (!left) instruments.gpib.GpibClose(meter.Address(), "Meter");
+  if (!left) (void)instruments.gpib.GpibClose(meter.Address(), "Meter");
   return left;
 }
 

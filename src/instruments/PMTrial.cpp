@@ -11,7 +11,7 @@ constexpr int kChannel = 1;
 Done LeaveLocal(Instruments& instruments) {
   PM& pm = instruments.pm;
   Done left = pm.PwrMtrShutdown();
-  if (!left) instruments.gpib.GpibClose(pm.Address(), "PwrMtr");
+  if (!left) (void)instruments.gpib.GpibClose(pm.Address(), "PwrMtr");
   return left;
 }
 

@@ -12,7 +12,7 @@ Done LeaveLocal(Instruments& instruments) {
   SigGen& sigGen = instruments.sigGen;
   Done left = sigGen.ShutdownSigGen();
   if (!left) left = sigGen.ShutdownSigGen();
-  if (!left) instruments.gpib.GpibClose(sigGen.Address(), "SigGen");
+  if (!left) (void)instruments.gpib.GpibClose(sigGen.Address(), "SigGen");
   return left;
 }
 

@@ -7,14 +7,12 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 
-#include "app/Desktop.h"
-#include "desktop/RunForms.h"
+#include "desktop/DemoWindows.h"
 #include "documents/qt/frmEquipment.h"
 #include "instruments/qt/frmMeter.h"
 #include "instruments/qt/frmPMeter.h"
 #include "instruments/qt/frmParseTest.h"
 #include "instruments/qt/frmSigGen.h"
-#include "shell/qt/TopMenu.h"
 #include "text/RecordFile.h"
 
 namespace hylden {
@@ -33,22 +31,11 @@ constexpr EditorCase kEditors[] = {
     {InstrumentKind::PwrMtr, "mnuInstDefinePwrMtr", "Power Meter File: ", "pm", "two-channel.pm",
      &EquipRecord::PwrMtrFile}};
 
-class DefinitionFormTest : public testing::Test {
+class DefinitionFormTest : public DemoWindowsTest {
  protected:
   void SetUp() override {
-    desktop = std::make_unique<Desktop>(m.station);
-    ASSERT_TRUE(desktop->Start("\"/e:station.eqp\""));
-    equipment = desktop->OpenEquipment(&desktop->Menu());
-  }
-  void TearDown() override {
-    desktop.reset();
-    Turn();
-  }
-  static void Turn() {
-    for (int i = 0; i < 20; ++i) {
-      QCoreApplication::processEvents();
-      QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
+    m.Start();
+    equipment = m.desktop->OpenEquipment(&m.desktop->Menu());
   }
   DefinitionForm& Open(InstrumentKind kind = InstrumentKind::SigGen) {
     Choose(*equipment, kEditors[static_cast<int>(kind)].entry);
@@ -64,9 +51,6 @@ class DefinitionFormTest : public testing::Test {
   bool RfIsOn() { return m.bench.State().Generator.RfOn; }
   EquipRecord& Record() { return m.station.documents.equip.Record; }
 
-  FakeDialogs dialogs;
-  BenchMachine m{dialogs};
-  std::unique_ptr<Desktop> desktop;
   frmEquipment* equipment = nullptr;
 };
 
@@ -169,7 +153,7 @@ TEST_F(DefinitionFormTest, ClosingAndTheEndOfTheProgramLeaveRfOffAndTheGenerator
     dialogs.onShow = [&](const Message&) { rfWithQuestion = RfIsOn(); };
     dialogs.Answer(MessageAnswer::No);
     if (programEnds)
-      desktop->CloseAll();
+      m.desktop->CloseAll();
     else
       form.close();
     Turn();

@@ -143,7 +143,7 @@ void frmEditFactor::Load(const std::string& path) {
 /// The table as the program reads it; a file that is none is told.
 bool frmEditFactor::ReadTable(const std::string& path, std::vector<GridRow>& rows) {
   InterpClass table(shell_);
-  if (!table.InitInterp(path)) {
+  if (!shell_.Ok(table.InitInterp(path))) {
     shell_.dialogs.Tell("error loading factor file");
     return false;
   }
