@@ -19,10 +19,11 @@ std::string ReadFrom(const std::string& value) {
   return "The number " + ShortestText(number) + " is read from it.";
 }
 
-std::string PlaceOf(const ScriptError& error, const std::string& expression) {
-  if (!error.At) return {};
-  const std::size_t before = CharacterCount(std::string_view(expression).substr(0, *error.At));
-  return " at column " + std::to_string(before + 1) + "\n" + expression + "\n" + std::string(before, ' ') + "^";
+/// The characters before an error, where it has a place.
+std::optional<std::size_t> PlaceOf(const RuntimeError& error, const std::string& expression) {
+  const auto* const placed = dynamic_cast<const ScriptError*>(&error);
+  if (!placed || !placed->At) return std::nullopt;
+  return CharacterCount(std::string_view(expression).substr(0, *placed->At));
 }
 
 }  // namespace
@@ -53,9 +54,11 @@ ParseExplanation ResponseParser::Explain(const std::string& answer, const std::s
   try {
     const ScriptEngine::Evaluated value = Evaluate(answer, expression);
     return {value.Text, "The result is " + std::string(value.Kind) + ". " + ReadFrom(value.Text)};
-  } catch (const ScriptError& error) {
-    ParseExplanation failed{Because(ErrorText(error)), error.Description() + PlaceOf(error, expression)};
-    if (error.At) failed.At = CharacterCount(std::string_view(expression).substr(0, *error.At));
+  } catch (const RuntimeError& error) {
+    ParseExplanation failed{Because(ErrorText(error)), error.Description(), PlaceOf(error, expression)};
+    if (failed.At)
+      failed.Text += " at column " + std::to_string(*failed.At + 1) + "\n" + expression + "\n" +
+                     std::string(*failed.At, ' ') + "^";
     return failed;
   }
 }
