@@ -6,6 +6,7 @@
 #include "measure/Conversions.h"
 #include "text/Numbers.h"
 #include "text/Pattern.h"
+#include "text/RecordFile.h"
 #include "text/RuntimeError.h"
 
 namespace hylden {
@@ -15,9 +16,15 @@ constexpr double kMostSingle = std::numeric_limits<float>::max();
 constexpr const char* kMaxLevel = "txtMaxLev";
 constexpr const char* kMinLevel = "txtMinLev";
 
-/// A text that goes out on the bus.
-void Command(FormWalker& f, const char* box, std::string& field) {
+/// A text as the file keeps it, whatever was pasted into the box.
+void Line(FormWalker& f, const char* box, std::string& field) {
   f.Text(box, field);
+  if (f.Takes()) field = OneLine(field);
+}
+
+/// The same that goes out on the bus.
+void Command(FormWalker& f, const char* box, std::string& field) {
+  Line(f, box, field);
   f.Require(box, Gpib::Carries(field), "The bus can't carry every character of this text, re-enter");
 }
 
@@ -67,7 +74,7 @@ void Level(FormWalker& f, const char* box, float& dbuv, std::int32_t units) {
 }  // namespace
 
 void FormFields(FormWalker& f, SigGenDefinition& d) {
-  f.Text("txtName", d.InstrumentName);
+  Line(f, "txtName", d.InstrumentName);
   Address(f, d.Address);
   Command(f, "txtInit", d.InitString);
   EndOfString(f, d.EndOfString);
@@ -103,7 +110,7 @@ void FormFields(FormWalker& f, SigGenDefinition& d) {
 }
 
 void FormFields(FormWalker& f, MeterDefinition& d) {
-  f.Text("txtName", d.InstrumentName);
+  Line(f, "txtName", d.InstrumentName);
   Address(f, d.Address);
   Command(f, "txtInit", d.InitString);
   EndOfString(f, d.EndOfString);
@@ -120,12 +127,12 @@ void FormFields(FormWalker& f, MeterDefinition& d) {
   Command(f, "txtTrigger", d.Trigger);
   f.Number("txtSetTime", d.SettlingTime, AtLeast(0));
   Command(f, "txtRead", d.Read);
-  f.Text("txtParse", d.ParseCmd);
+  Line(f, "txtParse", d.ParseCmd);
   Command(f, "txtClose", d.Shutdown);
 }
 
 void FormFields(FormWalker& f, PowerMeterDefinition& d) {
-  f.Text("txtName", d.InstrumentName);
+  Line(f, "txtName", d.InstrumentName);
   Address(f, d.Address);
   Command(f, "txtInit", d.InitString);
   EndOfString(f, d.EndOfString);
@@ -142,7 +149,7 @@ void FormFields(FormWalker& f, PowerMeterDefinition& d) {
   f.Number("txtBandSwitchFreq", d.Bandswitch, AtLeast(0));
   f.Number("txtSetTime", d.SettlingTime, AtLeast(0));
   f.Choice({"optUnitWatts", "optUnitDbm", "optUnitDbuv", "optUnitMv", "optUnitVolts", "optUnitDbmv"}, d.Units);
-  f.Text("txtParseString", d.ParsingCmd);
+  Line(f, "txtParseString", d.ParsingCmd);
   Command(f, "txtClose", d.Shutdown);
 }
 

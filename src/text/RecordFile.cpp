@@ -6,9 +6,7 @@
 #include "text/Characters.h"
 
 namespace hylden {
-namespace {
 
-/// A field is one line: a line end within it would shift every later field of the file.
 std::string OneLine(const std::string& field) {
   std::string line;
   for (std::size_t i = 0; i < field.size(); ++i) {
@@ -17,6 +15,8 @@ std::string OneLine(const std::string& field) {
   }
   return line;
 }
+
+namespace {
 
 /// The start of a line for a message: the line may be that of any file.
 std::string Quoted(std::string_view line) {

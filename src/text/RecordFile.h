@@ -63,6 +63,9 @@ std::string_view FileKindOf(const Record& record) {
     return "file";
 }
 
+/// A text as a file holds it: a field is one line, and a line end within it would shift every later one.
+std::string OneLine(const std::string& field);
+
 /// Writes a record's fields as lines, in the form RecordReader reads: numbers in print style, flags as True or False.
 class RecordWriter {
  public:

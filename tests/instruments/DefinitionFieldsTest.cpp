@@ -95,6 +95,16 @@ TEST(DefinitionFields, ACapabilityThatIsTickedKeepsItsNumber) {
   EXPECT_EQ(d.PulseCapable, 1);
 }
 
+TEST(DefinitionFields, AreTriedAsTheFileWillHoldThem) {
+  MeterDefinition d = SampleMeter();
+  FormEntries entries = EntriesShowing(d);
+  entries["txtInit"] = "IP\r\nTS";
+  entries["txtParse"] = "Mid(x, 5)\n";
+  EXPECT_FALSE(TakeEntries(entries, d));
+  EXPECT_EQ(d.InitString, "IP TS");
+  EXPECT_EQ(d.ParseCmd, "Mid(x, 5) ");
+}
+
 struct UnitCase {
   const char* name;
   const char* option;
