@@ -9,6 +9,8 @@
 #include "documents/qt/frmCalSetup.h"
 #include "documents/qt/frmEquipment.h"
 #include "documents/qt/frmTestDef.h"
+#include "instruments/qt/frmMeter.h"
+#include "instruments/qt/frmSigGen.h"
 #include "platform/qt/EndSignals.h"
 #include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtText.h"
@@ -111,6 +113,21 @@ INSTANTIATE_TEST_SUITE_P(
                 },
                 {"Select frequency list file"}},
         BoxCase{"test_run_confirmation", [](Program& p) { Press(p.TestRun(), "cmdRun"); }, {"MAKE SURE!!!"}},
+        BoxCase{"definition_closing",
+                [](Program& p) {
+                  Choose(p.Equipment(), "mnuInstDefineMeter");
+                  Type(*OpenWindow<frmMeter>(), "txtName", "Mine");
+                  OpenWindow<frmMeter>()->close();
+                },
+                {"Save Definition", "Save Definition"}},
+        BoxCase{"definition_prompt_with_rf_on",
+                [](Program& p) {
+                  Choose(p.Equipment(), "mnuInstDefineSigGen");
+                  SigGen& sigGen = p.m.station.instruments.sigGen;
+                  EXPECT_TRUE(sigGen.InitSigGen(10, -30) && sigGen.RfOn() && p.RfIsOn());
+                  Choose(*OpenWindow<frmSigGen>(), "mnuTestInit");
+                },
+                {"Test"}},
         BoxCase{"about", [](Program& p) { Choose(p.Equipment(), "mnuHelpAbout"); }, {"About Hylden"}}),
     [](const auto& row) { return std::string(row.param.name); });
 
