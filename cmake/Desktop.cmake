@@ -20,9 +20,12 @@ endif()
 add_custom_target(hylden_forms DEPENDS ${formHeaders})
 add_library(hylden_desktop STATIC ${desktopSources} ${formHeaders})
 target_include_directories(hylden_desktop PRIVATE ${CMAKE_CURRENT_BINARY_DIR})
-# The list of sources is a dependency of its own: a class that is added later is seen by the next build.
-set_target_properties(hylden_desktop PROPERTIES AUTOMOC ON
-  AUTOGEN_TARGET_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/hylden_desktop_autogen.dir/AutogenInfo.json)
+set_target_properties(hylden_desktop PROPERTIES AUTOMOC ON)
+# AUTOMOC looks again when a file that it knows has changed: a class that is added has to be seen by the next build.
+if(NOT desktopSources STREQUAL "$CACHE{HYLDEN_DESKTOP_SOURCES}")
+  file(REMOVE ${CMAKE_CURRENT_BINARY_DIR}/hylden_desktop_autogen/timestamp)
+  set(HYLDEN_DESKTOP_SOURCES "${desktopSources}" CACHE INTERNAL "Those of the last configuration")
+endif()
 target_link_libraries(hylden_desktop PUBLIC hylden_core Qt6::Widgets Qt6::PrintSupport
   PRIVATE QCustomPlotQt6::QCustomPlotQt6)
 target_precompile_headers(hylden_desktop PRIVATE <QtWidgets>)
