@@ -121,6 +121,7 @@ std::string FactorTable::Summary() const {
   if (Refused > 0) text += "; " + Count(static_cast<std::size_t>(Refused), "row") + " that can't be read back";
   if (Skipped > 0) text += "; " + Count(static_cast<std::size_t>(Skipped), "row") + " not saved";
   if (FirstProblemRow > 0) text += " (row " + std::to_string(FirstProblemRow) + ": " + FirstProblem + ")";
+  if (!Points.empty() && Points.front().Freq <= 0) text += "; 0 MHz and less has no place on a logarithmic scale";
   if (!Repeated.empty())
     text += "; " + PlainText(*Repeated.begin()) + " MHz more than twice";
   else if (!Bands.empty())

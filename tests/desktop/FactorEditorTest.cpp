@@ -90,7 +90,10 @@ TEST_F(FactorEditorTest, NewTableIsTypedSeenAndSaved) {
   EXPECT_EQ(t.dialogs.saveRequests[0].title, "Select filename");
   EXPECT_EQ(t.dialogs.saveRequests[0].fileName, "*.los");
   EXPECT_EQ(t.directory.Read("new.los"), "1, 0.2\r\n10, 0.5\r\n");
+  EXPECT_TRUE(t.dialogs.LastText().starts_with("The file is saved, but not all rows are in it:\r\n2 points"));
   EXPECT_TRUE(IsMarked()) << "a row is in no file";
+  t.dialogs.Answer(MessageAnswer::Yes);
+  EXPECT_FALSE(form->close()) << "it would be lost";
   Press(*form, "cmdDelRow");
   EXPECT_FALSE(IsMarked());
 }
@@ -282,6 +285,14 @@ TEST(FactorEditorDesktop, EquipmentFormOpensItForTheKindAndComesBack) {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(equipment.isVisible());
   }
+  Choose(equipment, "mnuFactorEditLoss");
+  auto* const form = OpenWindow<frmEditFactor>();
+  QTest::keyClick(&Find<QTableView>(*form, "fg2"), '1');
+  t.dialogs.Answer(MessageAnswer::Cancel);
+  desktop.CloseAll();
+  for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
+  EXPECT_TRUE(t.dialogs.LastText().starts_with("The program was asked to end, but this window stays open"));
+  EXPECT_TRUE(form->isVisible());
 }
 
 }  // namespace

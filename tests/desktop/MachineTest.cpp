@@ -101,13 +101,14 @@ TEST(Tone, WaveHasTheLengthAskedFor) {
   EXPECT_EQ(ToneWave({{1000, 40}, {1176, 40}, {870, 120}}).size(), wave.size()) << "tones in a row";
 }
 
-TEST(FileDrop, TakesOneFileOfItsKind) {
+TEST(FileDrop, TakesOneFileOfItsKinds) {
   struct {
     QList<QUrl> urls;
     QString taken;
   } const rows[] = {
       {{QUrl::fromLocalFile("/s/a.eqp")}, "/s/a.eqp"},
       {{QUrl::fromLocalFile("/s/A.EQP")}, "/s/A.EQP"},
+      {{QUrl::fromLocalFile("/s/a.los")}, "/s/a.los"},
       {{QUrl::fromLocalFile("/s/a.tst")}, ""},
       {{QUrl::fromLocalFile("/s/a.eqp"), QUrl::fromLocalFile("/s/b.eqp")}, ""},
       {{QUrl("http://host/a.eqp")}, ""},
@@ -115,7 +116,7 @@ TEST(FileDrop, TakesOneFileOfItsKind) {
   for (const auto& row : rows) {
     QWidget window;
     QString taken;
-    new FileDrop(&window, "eqp", [&](const QString& path) { taken = path; });
+    new FileDrop(&window, "eqp los", [&](const QString& path) { taken = path; });
     QMimeData data;
     data.setUrls(row.urls);
     QDragEnterEvent enter({}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);

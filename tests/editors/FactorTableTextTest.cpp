@@ -52,6 +52,7 @@ TEST(FactorTableTextTest, SummarySaysWhatASaveMakesOfTheCells) {
        "has "
        "an exponent, or is no decimal number: no table is read with it)"},
       {{{"1", "2"}, {"30", "3"}, {"30", "4"}}, "3 points, 1 to 30 MHz; 30 MHz twice: the larger value counts there"},
+      {{{"0", "2"}, {"30", "3"}}, "2 points, 0 to 30 MHz; 0 MHz and less has no place on a logarithmic scale"},
       {{{"30", "2"}, {"30", "3"}, {"30", "4"}}, "3 points, 30 to 30 MHz; 30 MHz more than twice"},
   };
   for (const auto& [rows, summary] : tables) EXPECT_EQ(LookAtTable(Cells(rows)).Summary(), summary);

@@ -170,7 +170,8 @@ bool frmEditFactor::HasUnsaved() const {
 }
 
 bool frmEditFactor::SaveEntries() {
-  return file_.empty() ? SaveAs() : MayReplace(file_) && SaveGrid(file_);
+  // What was skipped is still to be saved, also on the way out.
+  return (file_.empty() ? SaveAs() : MayReplace(file_) && SaveGrid(file_)) && !HasUnsaved();
 }
 
 bool frmEditFactor::SaveAs() {
@@ -203,8 +204,9 @@ bool frmEditFactor::SaveGrid(const std::string& path) {
   saved_ = WrittenRows(cells);
   notKept_.clear();
   UseFile(path, std::move(text));
-  if (!table_.IsUsable())
-    shell_.dialogs.Tell("The file is saved, but Hylden can't use it as a table:\r\n" + table_.Summary(),
+  const char* const but = !table_.IsUsable() ? "Hylden can't use it as a table" : "not all rows are in it";
+  if (!table_.IsUsable() || table_.Skipped > 0)
+    shell_.dialogs.Tell(std::string("The file is saved, but ") + but + ":\r\n" + table_.Summary(),
                         MessageIcon::Exclamation);
   return true;
 }
