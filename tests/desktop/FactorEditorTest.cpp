@@ -124,6 +124,21 @@ TEST_F(FactorEditorTest, FileThatIsNoTableCostsNothing) {
   EXPECT_EQ(TextOf(*form, "lblFile"), "File: " + good);
 }
 
+TEST_F(FactorEditorTest, WhatIsPressedWhileATableComesIsNotLostInIt) {
+  int turns = 0;
+  t.events.onYield = [&] {
+    ++turns;
+    QTest::keyClick(form->windowHandle(), '9');
+    QTest::keyClick(form->windowHandle(), Qt::Key_S, Qt::ControlModifier);
+  };
+  Load(kLoss);
+  EXPECT_EQ(turns, 3);
+  EXPECT_TRUE(t.dialogs.saveRequests.empty());
+  EXPECT_FALSE(Find<QAction>(*form, "mnuEditUndo").isEnabled());
+  Keys("9");
+  EXPECT_EQ(Cell(1, 1), "0.159") << "the keys are the table's again";
+}
+
 TEST_F(FactorEditorTest, RunOfEqualValuesIsLoadedAndSavedByItsEnds) {
   Load("1, 2\r\n2, 2\r\n3, 2\r\n4, 2\r\n5, 3\r\n");
   EXPECT_EQ(Rows(), 4);

@@ -127,11 +127,7 @@ void frmEditFactor::LoadFile(const QString& path) {
 void frmEditFactor::Load(const std::string& path) {
   std::string content = BytesOf(path).value_or(std::string());
   std::vector<GridRow> rows;
-  setEnabled(false);  // the program takes turns while a long table comes: what was typed now would be lost
-  const bool isTable = ReadTable(path, rows);
-  setEnabled(true);
-  ui_->fg2->setFocus();
-  if (!isTable) return;
+  if (!ReadTable(path, rows)) return;
   saved_ = rows;
   rows.emplace_back();
   grid_->SetRows(std::move(rows));
@@ -149,7 +145,10 @@ bool frmEditFactor::ReadTable(const std::string& path, std::vector<GridRow>& row
   }
   std::vector<double> frequencies;
   std::vector<float> values;
+  setEnabled(false);  // the program takes turns while a long table comes: what was typed now would be lost
   table.GetTable(frequencies, values);
+  setEnabled(true);
+  ui_->fg2->setFocus();
   for (std::size_t i = 0; i + 1 < frequencies.size(); ++i)
     rows.push_back({PlainText(frequencies[i]), PlainText(values[i])});
   return true;
