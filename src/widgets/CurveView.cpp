@@ -417,7 +417,7 @@ CurveView::CurveView(QWidget* parent) : QWidget(parent), plot_(std::make_unique<
   auto* const layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(&plot_->plot);
-  setFocusPolicy(Qt::StrongFocus);
+  setFocusPolicy(Qt::TabFocus);  // who clicks a point goes on working with the keys where he was
   plot_->plot.setFocusProxy(this);
   plot_->plot.installEventFilter(this);
   plot_->Refresh();

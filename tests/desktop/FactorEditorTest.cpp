@@ -234,6 +234,7 @@ TEST_F(FactorEditorTest, CurveAndTableFollowEachOther) {
   QCoreApplication::processEvents();
   QTest::mouseClick(curve().findChild<QWidget*>("plot"), Qt::LeftButton, {}, curve().PositionOf({0, 1}));
   EXPECT_EQ(view().currentIndex().row(), 1);
+  EXPECT_EQ(QApplication::focusWidget(), &view()) << "what is typed next mends the point";
   Load(kLoss);
   EXPECT_EQ(curve().Curves()[0].StraightOn, FreqAxis::Linear);
 }
@@ -247,6 +248,7 @@ TEST_F(FactorEditorTest, EditMenuUndoesPastesAndRowCommands) {
   GoTo(2, 1);
   Press(*form, "cmdInsRow");
   EXPECT_EQ(Cell(2, 1), "");
+  EXPECT_EQ(QApplication::focusWidget(), &view());
   GoTo(3, 1);
   Press(*form, "cmdDelRow");
   EXPECT_EQ(t.dialogs.LastText(), "There is data in Row 3 ! Delete anyway?");

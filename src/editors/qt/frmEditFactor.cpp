@@ -89,8 +89,14 @@ void frmEditFactor::ConnectMenus() {
   On(ui_->mnuEditClear, [this] { grid_->Clear(); });
   On(ui_->mnuEditInsRow, [this] { grid_->InsRow(); });
   On(ui_->mnuEditDelRow, [this] { grid_->ExtractRow(); });
-  On(ui_->cmdInsRow, [this] { grid_->InsRow(); });
-  On(ui_->cmdDelRow, [this] { grid_->ExtractRow(); });
+  const auto onRows = [this](QAbstractButton* button, void (EditGrid::*operation)()) {
+    On(button, [this, operation] {
+      (grid_->*operation)();
+      ui_->fg2->setFocus();
+    });
+  };
+  onRows(ui_->cmdInsRow, &EditGrid::InsRow);
+  onRows(ui_->cmdDelRow, &EditGrid::ExtractRow);
   connect(ui_->mnuHelpFactor, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
   ui_->fg2->addActions({ui_->mnuEditCut, ui_->mnuEditCopy, ui_->mnuEditPaste, ui_->mnuEditClear, ui_->mnuEditInsRow,
                         ui_->mnuEditDelRow});
