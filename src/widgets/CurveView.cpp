@@ -116,6 +116,7 @@ class CurveView::Plot {
   QString TitleOf(ValueAxis axis) const;
   QColor ColourOf(std::size_t curve) const;
 
+  QObject listener_;  ///< to the plot, which goes later
   QPalette colours_;
   std::vector<QCPGraph*> lines_, points_;
   QCPItemTracer *ring_, *readRing_;
@@ -126,7 +127,7 @@ CurveView::Plot::Plot(CurveView& theView) : view(theView), plot(*new QCustomPlot
   plot.setObjectName(QStringLiteral("plot"));
   refresh.setSingleShot(true);
   refresh.setInterval(0);
-  QObject::connect(&refresh, &QTimer::timeout, &view, [this] { Refresh(); });
+  QObject::connect(&refresh, &QTimer::timeout, &listener_, [this] { Refresh(); });
   plot.setAutoAddPlottableToLegend(false);
   plot.setPlottingHint(QCP::phFastPolylines);  // a dense curve takes ten times longer as one line
   plot.xAxis->setNumberFormat(QStringLiteral("g"));
@@ -159,23 +160,23 @@ void CurveView::Plot::SetUpMouse() {
   plot.axisRect()->setRangeZoomAxes({plot.xAxis}, {plot.yAxis, plot.yAxis2});
   plot.axisRect()->setRangeDragAxes({plot.xAxis}, {plot.yAxis, plot.yAxis2});
   for (QCPAxis* const axis : {plot.xAxis, plot.yAxis})
-    QObject::connect(axis, qOverload<const QCPRange&>(&QCPAxis::rangeChanged), &view, [this] {
+    QObject::connect(axis, qOverload<const QCPRange&>(&QCPAxis::rangeChanged), &listener_, [this] {
       if (!fitting) zoomed = true;
       ShowMarkers();
     });
-  QObject::connect(&plot, &QCustomPlot::mousePress, &view, [this](const QMouseEvent* event) {
+  QObject::connect(&plot, &QCustomPlot::mousePress, &listener_, [this](const QMouseEvent* event) {
     pressed = event->pos();
     plot.setSelectionRectMode(event->modifiers() & Qt::ShiftModifier ? QCP::srmNone : QCP::srmZoom);
   });
-  QObject::connect(&plot, &QCustomPlot::mouseRelease, &view, [this](const QMouseEvent* event) {
+  QObject::connect(&plot, &QCustomPlot::mouseRelease, &listener_, [this](const QMouseEvent* event) {
     if (event->button() != Qt::LeftButton || (event->pos() - pressed).manhattanLength() > kClickPixels) return;
     if (const auto place = Nearest(event->pos())) view.Choose(*place);
   });
-  QObject::connect(&plot, &QCustomPlot::mouseDoubleClick, &view, [this] { view.Fit(); });
-  QObject::connect(&plot, &QCustomPlot::mouseMove, &view, [this](const QMouseEvent* event) {
+  QObject::connect(&plot, &QCustomPlot::mouseDoubleClick, &listener_, [this] { view.Fit(); });
+  QObject::connect(&plot, &QCustomPlot::mouseMove, &listener_, [this](const QMouseEvent* event) {
     Read(event->buttons() == Qt::NoButton ? Nearest(event->pos()) : std::nullopt);
   });
-  QObject::connect(&plot, &QCustomPlot::afterReplot, &view, [this] { ShowOverlay(); });
+  QObject::connect(&plot, &QCustomPlot::afterReplot, &listener_, [this] { ShowOverlay(); });
 }
 
 bool CurveView::Plot::Has(const CurvePlace& place) const {

@@ -49,7 +49,7 @@ std::optional<std::string> BytesOf(const std::string& path) {
 frmEditFactor::frmEditFactor(Shell& shell, QWidget* parent)
     : SetupForm(shell, parent, kQuestionTitle, "The factor table"),
       ui_(std::make_unique<Ui::frmEditFactor>()),
-      grid_(new EditGrid(shell.dialogs, this)),
+      grid_(std::make_unique<EditGrid>(shell.dialogs)),
       status_(new QLabel) {
   ui_->setupUi(this);
   status_->setObjectName(QStringLiteral("lblStatus"));
@@ -63,7 +63,7 @@ frmEditFactor::frmEditFactor(Shell& shell, QWidget* parent)
   grid_->SetFaults([this](GridPlace place) { return FaultAt(place); });
   look_.setSingleShot(true);
   connect(&look_, &QTimer::timeout, this, &frmEditFactor::LookAtCells);
-  connect(grid_, &EditGrid::Edited, this, &frmEditFactor::CellsEdited);
+  connect(grid_.get(), &EditGrid::Edited, this, &frmEditFactor::CellsEdited);
   ConnectMenus();
   ConnectCurve();
   SetCaption(QStringLiteral("Factor File: "));
@@ -91,7 +91,7 @@ void frmEditFactor::ConnectMenus() {
   On(ui_->mnuEditDelRow, [this] { grid_->ExtractRow(); });
   const auto onRows = [this](QAbstractButton* button, void (EditGrid::*operation)()) {
     On(button, [this, operation] {
-      (grid_->*operation)();
+      ((*grid_).*operation)();
       ui_->fg2->setFocus();
     });
   };
@@ -106,7 +106,7 @@ void frmEditFactor::ConnectCurve() {
   connect(ui_->cmdFit, &QPushButton::clicked, ui_->crvFactor, &CurveView::Fit);
   connect(ui_->chkLogFreq, &QCheckBox::toggled, this,
           [this](bool isLog) { ui_->crvFactor->SetFreqAxis(isLog ? FreqAxis::Log : FreqAxis::Linear); });
-  connect(grid_, &EditGrid::CurrentMoved, this, &frmEditFactor::ShowCurrentPoint);
+  connect(grid_.get(), &EditGrid::CurrentMoved, this, &frmEditFactor::ShowCurrentPoint);
   connect(ui_->crvFactor, &CurveView::PointChosen, this, [this](int, int point) {
     if (look_.isActive()) return;  // the rows behind the points are about to change
     grid_->MakeCurrent({table_.Points[static_cast<std::size_t>(point)].Row, grid_->Current().Col});

@@ -57,7 +57,7 @@ class frmEditFactor : public SetupForm {
   std::string FaultAt(GridPlace place) const;
 
   std::unique_ptr<Ui::frmEditFactor> ui_;
-  EditGrid* grid_;
+  std::unique_ptr<EditGrid> grid_;  ///< goes before the controls that it has
   QLabel* status_;
   QTimer look_;        ///< at the cells, when the operator pauses
   FactorTable table_;  ///< as it was seen last
