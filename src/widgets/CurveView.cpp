@@ -130,6 +130,9 @@ CurveView::Plot::Plot(CurveView& theView) : view(theView), plot(*new QCustomPlot
   QObject::connect(&refresh, &QTimer::timeout, &listener_, [this] { Refresh(); });
   plot.setAutoAddPlottableToLegend(false);
   plot.setPlottingHint(QCP::phFastPolylines);  // a dense curve takes ten times longer as one line
+  QLocale numbers = QLocale::c();              // the decimal sign is the point, whatever the language
+  numbers.setNumberOptions(QLocale::OmitGroupSeparator);
+  plot.setLocale(numbers);
   plot.xAxis->setNumberFormat(QStringLiteral("g"));
   plot.xAxis->setLabel(QStringLiteral("Frequency, MHz"));
   for (QCPAxis* const axis : {plot.yAxis, plot.yAxis2}) axis->setNumberFormat(QStringLiteral("g"));

@@ -127,6 +127,14 @@ TEST_F(CurveViewTest, IsReadableOnADarkThemeAndPrintsOnWhitePaper) {
   EXPECT_GT(PixelsOf(QColor(30, 30, 30)), 100'000);
 }
 
+TEST(CurveViewNumbers, HaveAPointInEveryLanguage) {
+  const QLocale before;
+  QLocale::setDefault(QLocale(QLocale::German));
+  const CurveView view;
+  EXPECT_EQ(view.findChild<QWidget*>("plot")->locale().toString(0.5), "0.5");
+  QLocale::setDefault(before);
+}
+
 TEST(CurveLine, IsStraightWhereTheProgramInterpolatesStraight) {
   const std::vector<CurvePoint> points = {{1, 0}, {100, 99}};
   EXPECT_EQ(LineThrough(points, FreqAxis::Log, FreqAxis::Log), points);
