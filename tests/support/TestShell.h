@@ -10,8 +10,9 @@
 
 namespace hylden {
 
-/// A machine of fakes, with a shell on it whose program directory is temporary. Header only, since folders below shell
-/// link the support library too.
+/// The shell alone, on a machine of fakes and with a program directory that is temporary: for what needs no station.
+/// TestStation and DemoStation are the two others that tests run on. Header only, since folders below shell link the
+/// support library too.
 ///   TestShell t;                                                          // where no bus matters
 ///   ScriptedBus bus;  TestShell t(bus);                                   // a clock of its own
 ///   VirtualClock clock;  SomeBus bus(clock);  TestShell t(bus, clock);    // the clock that the bus runs on
