@@ -12,18 +12,21 @@ namespace hylden {
 /// A generator, an analyser and a two-channel power meter in short commands, as few as the tests need.
 inline BenchEquipment SmallStation() {
   SigGenDefinition g;
+  g.InstrumentName = "Source";
   g.FreqSetPrefix = "FR", g.FreqSetSuffix = "MZ", g.LevSetPrefix = "AP", g.LevSetSuffix = "DM";
   g.RfOff = "R0", g.RfOn = "R1", g.ModulationOff = "M0";
-  g.AmDepthPrefix = "AM", g.AmDepthSuffix = "PC", g.AmModOn = "M1";
+  g.AmDepthPrefix = "AM", g.AmDepthSuffix = "PC", g.AmFreqPrefix = "AF", g.AmFreqSuffix = "KZ", g.AmModOn = "M1";
   g.FmDevPrefix = "FM", g.FmDevSuffix = "KZ", g.FmModOn = "M2";
   g.PulseFreqPrefix = "PF", g.PulseFreqSuffix = "KZ", g.PulseWidthPrefix = "PW", g.PulseWidthSuffix = "MS";
   g.PulseModOn = "M3";
   g.MaximumLevel = 13, g.MinimumLevel = -140, g.MaximumFreq = 1000, g.MinimumFreq = 0.1;
   MeterDefinition m;
+  m.InstrumentName = "Analyser";
   m.FreqSetPrefix = "CF", m.FreqSetSuffix = "MZ", m.LevSetPrefix = "RL", m.LevSetSuffix = "DB";
   m.Read = "MK", m.Trigger = "TS";
   m.Units = 1, m.MaximumLevel = 130, m.SettlingTime = 0.5F;
   PowerMeterDefinition p;
+  p.InstrumentName = "Two heads";
   p.SelectCh1 = "CA", p.SelectCh2 = "CB", p.Ch1Read = "RA", p.Ch2Read = "RB", p.Ch1Trigger = "TA", p.Ch2Trigger = "TB";
   p.Units = 1, p.SettlingTime = 0.1F;
   BenchEquipment e;

@@ -9,20 +9,11 @@
 namespace hylden {
 namespace {
 
-BenchEquipment NamedStation() {
-  BenchEquipment station = SmallStation();
-  station.SigGen->InstrumentName = "Source";
-  station.SigGen->AmFreqPrefix = "AF", station.SigGen->AmFreqSuffix = "KZ";
-  station.Meter->InstrumentName = "Analyser";
-  station.PowerMeter->InstrumentName = "Two heads";
-  return station;
-}
-
 TEST(BenchReadout, ProductHasNoThresholdWithoutAFrequency) {
   BareBench rig(BenchEquipment{});
   rig.bench.Connect(MeterAt::Probe);
   EXPECT_TRUE(IsMissing(ReadBench(rig.bench).Product.ThresholdDbuv)) << "without a generator";
-  BenchEquipment station = NamedStation();
+  BenchEquipment station = SmallStation();
   station.SigGen->MinimumFreq = 0;  // where it stands after switching on
   rig.bench.Equip(station);
   rig.Send(18, "R1");
@@ -35,7 +26,7 @@ TEST(BenchReadout, ProductHasNoThresholdWithoutAFrequency) {
 }
 
 TEST(BenchReadout, InstrumentsAreNamedWithWhatTheyDo) {
-  BareBench rig(NamedStation());
+  BareBench rig;
   BenchReadout readout = ReadBench(rig.bench);
   EXPECT_EQ(InstrumentText(readout.Generator), "Address 18: Source");
   EXPECT_FALSE(readout.Output.RfOn);
@@ -58,7 +49,7 @@ TEST(BenchReadout, InstrumentsAreNamedWithWhatTheyDo) {
 }
 
 TEST(BenchReadout, FollowsTheProgramsCommands) {
-  BareBench rig(NamedStation());
+  BareBench rig;
   rig.Drive(27.5, -12);
   rig.Send(13, "CF 27.5 MZ"), rig.Send(13, "RL 127.0 DB");
   rig.MeterReading();
@@ -80,7 +71,7 @@ TEST(BenchReadout, FollowsTheProgramsCommands) {
   readout = ReadBench(rig.bench);
   EXPECT_TRUE(readout.MeterReading) << "a reading stands until the next one";
   EXPECT_TRUE(IsMissing(readout.Product.ForwardDbm));
-  rig.bench.Equip(NamedStation());
+  rig.bench.Equip(SmallStation());
   EXPECT_FALSE(ReadBench(rig.bench).MeterReading) << "another meter has read nothing";
 }
 
@@ -92,7 +83,7 @@ TEST(BenchReadout, ModulationNamesItsKindAndSettings) {
       {{"PF 0.2 KZ", "PW 2.5 MS", "M3"}, "Pulse 2.5 ms, 0.2 kHz"},
       {{"AM 80.0 PC", "AF 1.0 KZ", "M1", "M0"}, "none"}};
   for (const auto& [commands, expected] : rows) {
-    BareBench rig(NamedStation());
+    BareBench rig;
     for (const char* command : commands) rig.Send(18, command);
     EXPECT_EQ(rig.bench.Bus().UnknownCount(), 0);
     EXPECT_EQ(ModulationText(ReadBench(rig.bench).Output), expected);
@@ -109,7 +100,7 @@ TEST(BenchReadout, ReadingHasItsUnit) {
 }
 
 TEST(BenchReadout, ReadingsAreInTheUnitsOfTheDefinitions) {
-  BenchEquipment station = NamedStation();
+  BenchEquipment station = SmallStation();
   station.Meter->Units = static_cast<std::int32_t>(Conversions::MeterUnits::Volts);
   station.PowerMeter->Units = static_cast<std::int32_t>(Conversions::PowerUnits::Watts);
   BareBench rig(station);
@@ -126,7 +117,7 @@ TEST(BenchReadout, ReadingsAreInTheUnitsOfTheDefinitions) {
 }
 
 TEST(BenchReadout, IfiPairShowsTheBandThatAmplifies) {
-  BenchEquipment station = NamedStation();
+  BenchEquipment station = SmallStation();
   station.IfiAmplifier = true;
   BareBench rig(station);
   EXPECT_EQ(AmplifierText(ReadBench(rig.bench)), "IFI pair, no band selected");
@@ -173,7 +164,7 @@ TEST(BenchReadout, ProductIsJudgedByTheCurveAtThePresentFrequencyAndByItsPeaks) 
               {MeterAt::Generator, "M0", 10, 145, ProductState::WithoutRf, 140, ""}};
   for (const auto& c : rows) {
     SCOPED_TRACE(testing::Message() << c.then << " " << c.testLevelDbuv);
-    BareBench rig(NamedStation(), Susceptible());
+    BareBench rig(SmallStation(), Susceptible());
     rig.bench.Connect(c.place);
     rig.Drive(c.freqMHz, LevelFor(rig, c.freqMHz, c.testLevelDbuv));
     rig.Send(18, "AM 80.0 PC"), rig.Send(18, c.then);
@@ -187,7 +178,7 @@ TEST(BenchReadout, ProductIsJudgedByTheCurveAtThePresentFrequencyAndByItsPeaks) 
 }
 
 TEST(BenchReadout, KeepsWhereTheProductWasDisturbedLast) {
-  BareBench rig(NamedStation(), Susceptible());
+  BareBench rig(SmallStation(), Susceptible());
   rig.bench.Connect(MeterAt::Probe);
   EXPECT_FALSE(ReadBench(rig.bench).Product.LastDisturbance);
   rig.Drive(10, LevelFor(rig, 10, 141));
