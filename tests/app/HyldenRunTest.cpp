@@ -152,7 +152,7 @@ class HyldenRunProgram : public testing::Test {
     SaveRecord(file, setup, true);
     return file;
   }
-  /// Runs and sends a signal when the text has been printed.
+  /// Runs, and does something and sends a signal when the text has been printed.
   static Outcome Interrupted(const Arguments& arguments, const std::string& at,
                              const std::function<void()>& before = {}, int signal = SIGINT) {
     bool sent = false;
@@ -163,6 +163,7 @@ class HyldenRunProgram : public testing::Test {
     });
   }
 
+  static constexpr int kNone = 0;  ///< no signal at all
   TempDir directory_;
   int setups_ = 0;
 };
@@ -299,53 +300,38 @@ TEST_F(HyldenRunProgram, NeverReplacesAFileThatTheRunUses) {
   }
 }
 
-TEST_F(HyldenRunProgram, LogsEveryRunOnTheBenchAsSimulatedAndWithTheRealTime) {
+TEST_F(HyldenRunProgram, LogsARunOnTheBenchAsSimulatedAndWithTheRealTime) {
   const std::string station = directory_.File("station");
   std::filesystem::copy(kStation, station);
   directory_.Write("home/Hylden.ini", "[System]\r\nLogToFile=1\r\n");
   setenv("HYLDEN_HOME", directory_.File("home").c_str(), 1);
-  const struct {
-    std::vector<std::string> job;
-    std::vector<std::string> entries;  ///< from the run's begin on
-  } rows[] = {
-      {{"--test", "substitution-am.tst", "--output", "o.run"},
-       {"SIMULATED BENCH", "Test run started", "Frequency sweep finished", "Instruments taken offline"}},
-      {{"--calibrate", "cdn-10v.csu", "--output", "o.cal"}, {"SIMULATED BENCH"}},
-      {{"--cable-loss", "--start", "1", "--stop", "9", "--level", "-9", "--log-step", "20", "--output", "o.los"},
-       {"SIMULATED BENCH", "SIMULATED BENCH"}},  // a pass each
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.job.front());
-    std::filesystem::remove(station + "/runlog.hyl");
-    std::vector<std::string> arguments = row.job;
-    arguments.insert(arguments.end(),
-                     {"--equipment", "station.eqp", "--bench", "bench.txt", "--virtual-time", "--yes"});
-    const std::string begin = LogTime();
-    EXPECT_EQ(HyldenRun(arguments, {}, station).status, kFinished);
-    const std::string end = LogTime();
-    std::vector<std::string> entries;
-    for (const std::string& line : ReadLines(station + "/runlog.hyl")) {
-      if (line.find(" - ") != begin.size() || line.find(" file: ") != std::string::npos) continue;
-      EXPECT_GE(line, begin);
-      EXPECT_LE(line.substr(0, end.size()), end);
-      entries.push_back(line.substr(begin.size() + 3));
-    }
-    ASSERT_EQ(entries.size(), row.entries.size());
-    for (std::size_t i = 0; i < entries.size(); ++i) EXPECT_TRUE(entries[i].starts_with(row.entries[i])) << entries[i];
-  }
+  const std::string begin = LogTime();
+  const Arguments job = OnTheBench({"--test", "substitution-am.tst", "--output", "o.run"}, {"--yes"});
+  EXPECT_EQ(HyldenRun(job, {}, station).status, kFinished);
+  const std::string end = LogTime();
   unsetenv("HYLDEN_HOME");
+  std::string entries;
+  for (const std::string& line : ReadLines(station + "/runlog.hyl")) {
+    if (line.find(" - ") != begin.size()) continue;
+    EXPECT_GE(line, begin);
+    EXPECT_LE(line.substr(0, end.size()), end);
+    entries += line.substr(begin.size());
+  }
+  const char* const story[] = {"SIMULATED BENCH", "Test run started", "Frequency sweep finished",
+                               "Instruments taken offline"};
+  std::size_t at = 0;
+  for (const char* entry : story) {
+    at = entries.find(entry, at);
+    ASSERT_NE(at, std::string::npos) << entry << " is not in its place in " << entries;
+  }
 }
 
 TEST_F(HyldenRunProgram, KeepsAFileThatHasComeMeanwhileAndSavesBesideIt) {
   // The program can't be further ahead than its output fits into the pipe.
   const std::string longTest = LongTest(0.1);
   directory_.Write("out-2.run", "of yesterday");
-  bool written = false;
-  const Outcome outcome = HyldenRun(Test(longTest, {"--yes"}), [&](pid_t, const std::string& soFar) {
-    if (written || soFar.find("step 3 of") == std::string::npos) return;
-    directory_.Write("out.run", "of somebody else");
-    written = true;
-  });
+  const Outcome outcome = Interrupted(
+      Test(longTest, {"--yes"}), "step 3 of", [this] { directory_.Write("out.run", "of somebody else"); }, kNone);
   ExpectSaid(outcome, kFailed, "What was recorded goes to " + directory_.File("out-3.run"));
   EXPECT_EQ(directory_.Read("out.run"), "of somebody else");
   EXPECT_EQ(directory_.Read("out-2.run"), "of yesterday");
@@ -415,20 +401,9 @@ TEST_F(HyldenRunProgram, CalibratesALevelIntoARecordOfBothFiles) {
 
 /// The everyday sweep, 0.15 to 230 MHz by 1 MHz: the number of its steps is rounded up to 231, the last is at 230.15
 /// MHz.
-/// @param cableLossEndsAt  where the cable loss table ends, MHz
-struct EverydayCase {
-  const char* name;
-  int cableLossEndsAt;
-  const char* steps;
-  std::size_t leftOut;  ///< how often that step is told to be left out
-};
-class HyldenRunEveryday : public HyldenRunProgram, public testing::WithParamInterface<EverydayCase> {};
-
-TEST_P(HyldenRunEveryday, CalibratesAndTestsToItsEnd) {
+TEST_F(HyldenRunProgram, CalibratesAndTestsTheEverydaySweepToItsEnd) {
   const std::string station = directory_.File("station");
   std::filesystem::copy(kStation, station);
-  directory_.Write("station/meter-cable.los",
-                   "0.15, 0.05\r\n" + std::to_string(GetParam().cableLossEndsAt) + ", 1.4\r\n");
   CalSetupRecord setup;
   LoadRecord(station + "/cdn-10v.csu", setup);
   setup.StepType = StepType::Linear, setup.LinearStep = 1;
@@ -440,19 +415,23 @@ TEST_P(HyldenRunEveryday, CalibratesAndTestsToItsEnd) {
   SaveRecord(station + "/everyday.tst", test);
 
   const auto run = [&](const Arguments& job) { return HyldenRun(OnTheBench(job, {"--yes"}), {}, station); };
-  const Outcome calibration = run({"--calibrate", "everyday.csu", "--output", "everyday.cal"});
-  ExpectSaid(calibration, kFinished, GetParam().steps);
-  const Outcome tested = run({"--test", "everyday.tst", "--output", "everyday.run"});
-  ExpectSaid(tested, kFinished, GetParam().steps);
-  EXPECT_EQ(Count(calibration.output + tested.output, "The last step, 230.15 MHz"), GetParam().leftOut);
-  const std::string kept = directory_.Read("station/everyday.cal") + directory_.Read("station/everyday.run");
-  EXPECT_EQ((calibration.output + tested.output + kept).find("-999"), std::string::npos);
+  const struct {
+    int cableLossEndsAt;  ///< MHz
+    const char* steps;
+    std::size_t leftOut;  ///< how often the last step is told to be left out
+  } rows[] = {{1000, "231 of 231", 0}, {230, "230 of 230", 1}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.steps);
+    directory_.Write("station/meter-cable.los", "0.15, 0.05\r\n" + std::to_string(row.cableLossEndsAt) + ", 1.4\r\n");
+    const Outcome calibration = run({"--calibrate", "everyday.csu", "--output", "everyday.cal"});
+    ExpectSaid(calibration, kFinished, row.steps);
+    const Outcome tested = run({"--test", "everyday.tst", "--output", "everyday.run"});
+    ExpectSaid(tested, kFinished, row.steps);
+    EXPECT_EQ(Count(calibration.output + tested.output, "The last step, 230.15 MHz"), row.leftOut);
+    const std::string kept = directory_.Read("station/everyday.cal") + directory_.Read("station/everyday.run");
+    EXPECT_EQ((calibration.output + tested.output + kept).find("-999"), std::string::npos);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(, HyldenRunEveryday,
-                         testing::Values(EverydayCase{"where_everything_covers_it", 1000, "231 of 231", 0},
-                                         EverydayCase{"where_a_table_ends_at_230", 230, "230 of 230", 1}),
-                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(HyldenRunProgram, TakesTheCouplingFactorOfTheSetupUnlessItIsGivenOne) {
   const std::string setup = Setup([](CalSetupRecord& s) {

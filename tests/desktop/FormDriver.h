@@ -152,6 +152,17 @@ inline void ExpectMnemonicsApart(const QMainWindow& form) {
   }
 }
 
+/// Drops files. @return whether the target would take them
+inline bool Drop(QWidget& target, const QList<QUrl>& urls) {
+  QMimeData data;
+  data.setUrls(urls);
+  QDragEnterEvent enter({2, 2}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QCoreApplication::sendEvent(&target, &enter);
+  QDropEvent drop({2, 2}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QCoreApplication::sendEvent(&target, &drop);
+  return enter.isAccepted();
+}
+
 /// Does something with the modal window that opens next, when it is up.
 inline void OnModalWindow(std::function<void(QWidget&)> action) {
   QTimer::singleShot(0, qApp, [action = std::move(action)] {

@@ -117,13 +117,7 @@ TEST(FileDrop, TakesOneFileOfItsKinds) {
     QWidget window;
     QString taken;
     new FileDrop(&window, "eqp los", [&](const QString& path) { taken = path; });
-    QMimeData data;
-    data.setUrls(row.urls);
-    QDragEnterEvent enter({}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(&window, &enter);
-    EXPECT_EQ(enter.isAccepted(), !row.taken.isEmpty());
-    QDropEvent drop({}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(&window, &drop);
+    EXPECT_EQ(Drop(window, row.urls), !row.taken.isEmpty());
     EXPECT_EQ(taken, "") << "the drop itself must not open dialogs";
     QCoreApplication::processEvents();
     EXPECT_EQ(taken, row.taken) << row.urls.first().toString().toStdString();
@@ -135,10 +129,7 @@ TEST(FileDrop, WaitsForNobodyBehindABox) {
   new FileDrop(&window, "eqp", [](const QString&) { ADD_FAILURE() << "a command was interrupted while it asked"; });
   QMessageBox box(&window);
   box.open();
-  QMimeData data;
-  data.setUrls({QUrl::fromLocalFile("/s/a.eqp")});
-  QDropEvent drop({}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-  QCoreApplication::sendEvent(&window, &drop);
+  Drop(window, {QUrl::fromLocalFile("/s/a.eqp")});
   QCoreApplication::processEvents();
 }
 

@@ -194,14 +194,7 @@ TEST_P(SetupForms, DialogsBeginBesideTheLoadedFileAndCancelChangesNothing) {
 
 TEST_P(SetupForms, DroppedFileIsLoadedAlsoOnABox) {
   const std::string path = m.directory.File("station/") + setup.another;
-  QMimeData data;
-  data.setUrls({QUrl::fromLocalFile(QString::fromStdString(path))});
-  auto& box = Find<QLineEdit>(*form, setup.box);
-  const std::string before = Text();
-  QDragEnterEvent enter({2, 2}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-  QApplication::sendEvent(&box, &enter);
-  QDropEvent drop({2, 2}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-  QApplication::sendEvent(&box, &drop);
+  Drop(Find<QLineEdit>(*form, setup.box), {QUrl::fromLocalFile(QString::fromStdString(path))});
   Turn();
   EXPECT_TRUE(Title().ends_with(path)) << Title();
   EXPECT_TRUE(Text().size() < 10) << "the path went into the box: " << Text();
