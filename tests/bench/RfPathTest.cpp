@@ -106,17 +106,6 @@ TEST(RfPath, TheInducedCurrentIsTheTestLevelOverSourceAndProductImpedance) {
   EXPECT_NEAR(levels.MeterDbuv.Carrier, levels.InducedDbua - 12, 1e-9);
 }
 
-TEST(RfPath, OnlyTheSelectedIfiBandAmplifies) {
-  const BenchConfig config;
-  const RfPath path(config);
-  const double low = path.CalibrationPort(100, -12, Amplifier::IfiLow).ForwardDbm;
-  const double high = path.CalibrationPort(300, -12, Amplifier::IfiHigh).ForwardDbm;
-  EXPECT_GT(low, 30);
-  EXPECT_GT(high, 30);
-  EXPECT_LT(path.CalibrationPort(100, -12, Amplifier::IfiHigh).ForwardDbm, low - 40);
-  EXPECT_LT(path.CalibrationPort(100, -12, Amplifier::None).ForwardDbm, -60);
-}
-
 TEST(FrequencyTable, HoldsItsEndsAndJumpsAtAPair) {
   const FrequencyTable table{{1, 2}, {10, 4}, {10, 8}, {20, 10}};
   for (const auto& [freq, expected] :

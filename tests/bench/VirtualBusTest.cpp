@@ -151,6 +151,8 @@ TEST(Ifi, TheSelectedBandAmplifiesAndAnswersItsPowers) {
   EXPECT_NEAR(std::stod(answer), Conversions::DbmToWatts(rig.bench.State().ForwardDbm), 0.01);
   EXPECT_NEAR(std::stod(answer.substr(answer.find(' '))), Conversions::DbmToWatts(rig.bench.State().ReverseDbm), 0.01);
   EXPECT_EQ(rig.bench.Bus().UnknownCount(), 0);
+  rig.Drive(100, -12);
+  EXPECT_LT(rig.bench.State().ForwardDbm, 0) << "in the band of the other";
 }
 
 }  // namespace

@@ -115,20 +115,6 @@ TEST(VirtualMeter, TalksWheneverAddressedWhenItHasNoReadCommand) {
   EXPECT_EQ(rig.Read(13, 10), "VALUE 50.000 DBUV AT 0.000 (+5.00000E+01)\r\n");
 }
 
-TEST(VirtualMeter, SeesTheGeneratorDirectlyOrThroughTheCableUnderTest) {
-  BenchConfig config = Noiseless();
-  config.CableUnderTest = FrequencyTable{{1, 3.25}};
-  BareBench rig = Tuned(MeterType::RfMeter, 1, config);
-  rig.bench.Connect(MeterAt::Generator);
-  rig.Drive(kFreq, -20);
-  const double direct = rig.MeterReading();
-  EXPECT_NEAR(direct, 86.99, 0.01);
-  rig.bench.Connect(MeterAt::Cable);
-  rig.clock.Advance(50);
-  EXPECT_NEAR(direct - rig.MeterReading(), 3.25, 0.002);
-  EXPECT_TRUE(IsMissing(rig.bench.State().TestLevelDbuv)) << "the amplifier has no drive";
-}
-
 TEST(ReadingNoise, IsTheSameForASeedAndHasTheGivenSpread) {
   ReadingNoise first(0.5, 7), second(0.5, 7), other(0.5, 8);
   double sum = 0, squares = 0;

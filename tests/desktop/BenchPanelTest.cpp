@@ -37,11 +37,13 @@ class BenchPanel : public DemoWindowsTest {
   }
 };
 
-TEST_F(BenchPanel, ExistsOnlyWhereTheBenchDrivesTheProgram) {
+TEST_F(BenchPanel, ExistsAndIsAnnouncedOnlyWhereTheBenchDrivesTheProgram) {
+  EXPECT_TRUE(Find<QLabel>(m.desktop->Menu(), "lblBench").isVisible());
   EXPECT_TRUE(Find<QAbstractButton>(m.desktop->Menu(), "cmdBench").isVisible());
   m.station.bench = nullptr;
   m.Start();
   EXPECT_FALSE(Find<QAbstractButton>(m.desktop->Menu(), "cmdBench").isVisible());
+  EXPECT_EQ(m.desktop->Menu().findChild<QLabel*>("lblBench"), nullptr);
   m.desktop->ShowBenchPanel();
   EXPECT_EQ(OpenWindow<frmBench>(), nullptr);
 }
@@ -60,6 +62,7 @@ TEST_F(BenchPanel, OpensOnceFromTheMenuAndFromTheNoticeOfEveryForm) {
   ASSERT_EQ(OpenWindows<frmBench>().size(), 1u);
   EXPECT_TRUE(Find<QLabel>(Panel(), "lblBench").isVisible());
   frmEquipment& form = *m.desktop->OpenEquipment(&m.desktop->Menu());
+  EXPECT_TRUE(Find<QLabel>(form, "lblBench").isVisible());
   Choose(form, "mnuBench");
   EXPECT_EQ(OpenWindows<frmBench>().size(), 1u);
   Press(Panel(), "cmdClose");

@@ -38,14 +38,6 @@ TEST_F(DesktopTest, StationOfTheCommandLineReachesTheDriversTheBenchAndTheForm) 
   EXPECT_EQ(TextOf(menu, "lblStation"), "Station: ifi-station.eqp\nTest: none");
 }
 
-TEST_F(DesktopTest, BenchIsAnnouncedOnEveryWindowWhereThereIsOne) {
-  EXPECT_TRUE(Find<QLabel>(m.desktop->Menu(), "lblBench").isVisible());
-  EXPECT_TRUE(Find<QLabel>(OpenEquipment(), "lblBench").isVisible());
-  m.station.bench = nullptr;
-  m.Start();
-  EXPECT_EQ(m.desktop->Menu().findChild<QLabel*>("lblBench"), nullptr);
-}
-
 TEST_F(DesktopTest, SecondEquipmentFormCostsTheFirstNothingThatWasChangedThere) {
   frmEquipment& first = OpenEquipment();
   Type(first, "txtSigGenAddr", "9");
