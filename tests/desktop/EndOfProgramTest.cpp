@@ -123,7 +123,7 @@ INSTANTIATE_TEST_SUITE_P(
         BoxCase{"definition_prompt_with_rf_on",
                 [](Program& p) {
                   Choose(p.Equipment(), "mnuInstDefineSigGen");
-                  SigGen& sigGen = p.m.station.instruments.sigGen;
+                  SigGen& sigGen = p.instruments.sigGen;
                   EXPECT_TRUE(sigGen.InitSigGen(10, -30) && sigGen.RfOn() && p.RfIsOn());
                   Choose(*OpenWindow<frmSigGen>(), "mnuTestInit");
                 },
