@@ -133,7 +133,8 @@ INSTANTIATE_TEST_SUITE_P(
 
 class EndOfTheProgram : public testing::Test {
  protected:
-  Program p;
+  int cleared = 0;  ///< how often boxes had to give way
+  Program p{nullptr, [this] { ++cleared; }};
   FakeDialogs& dialogs = p.dialogs;
 };
 
@@ -239,9 +240,22 @@ TEST_F(EndOfTheProgram, AskedTwiceKeepsTheQuestionWhetherToSaveStanding) {
   };
   p.WhenRfIsOn([&] { p.desktop->CloseAll(); });
   Press(form, "cmdRun");
+  EXPECT_EQ(cleared, 1) << "the question was cancelled";
   EXPECT_TRUE(p.directory.Exists("ended.run"));
   Turn();
   EXPECT_EQ(p.ended, 1);
+}
+
+TEST_F(EndOfTheProgram, AskedForWhileTheQuestionWhetherToSaveStandsLeavesItStanding) {
+  frmRunTest& form = p.TestRun();
+  dialogs.onShow = [&](const Message& message) {
+    if (message.title == "Save Run Data") p.desktop->CloseAll();
+  };
+  dialogs.AnswerSave(p.directory.File("ended.run"));
+  p.When([&] { return TextOf(form, "lblStep") == "Step# 3"; }, [&] { form.PressHalt(); });
+  Press(form, "cmdRun");
+  EXPECT_EQ(cleared, 0);
+  EXPECT_TRUE(p.directory.Exists("ended.run"));
 }
 
 class SignalInARun : public EndOfTheProgram, public testing::WithParamInterface<int> {};

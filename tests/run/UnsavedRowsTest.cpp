@@ -65,13 +65,5 @@ TEST_F(UnsavedRowsTest, WhatIsInAFileOrWasNeverThereNeedsNoQuestion) {
   EXPECT_EQ(Asked(true, &UnsavedRows::MayDrop, {}), "");
 }
 
-TEST_F(UnsavedRowsTest, AnUnfinishedQuestionIsKnown) {
-  bool during = false;
-  dialogs.onShow = [&](const Message&) { during = rows.IsAsking(); };
-  EndOfARun(kNo);
-  EXPECT_TRUE(during);
-  EXPECT_FALSE(rows.IsAsking());
-}
-
 }  // namespace
 }  // namespace hylden
