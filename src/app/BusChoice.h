@@ -19,16 +19,18 @@ inline constexpr const char* kSimulatedBenchText = "SIMULATED BENCH: no instrume
 struct BusChoice {
   bool UseBench = false;
   std::string BenchFile;  ///< empty: the bench with its ordinary values
+  std::string Library;    ///< of the machine's own bus, by name or path; empty: the first that is installed
+  int Board = 0;          ///< of the machine's own bus
 };
 
-/// The choice of the settings file: section Gpib, keys Driver ("native" or "bench") and Bench.
+/// The choice of the settings file: section Gpib, keys Driver ("native" or "bench"), Bench, Library and Board.
 BusChoice ChosenBus(INISettings& settings);
 
 /// The bus as chosen: the machine's own, or the simulated bench.
 class Bus {
  public:
   /// The machine's own bus.
-  Bus();
+  explicit Bus(const BusChoice& choice);
   /// The simulated bench. The clock must outlive it.
   Bus(const Clock& clock, const BenchConfig& config);
   ~Bus();

@@ -83,7 +83,8 @@ bool ConsoleStation::MakeBus() {
       Tell(kAnotherInstanceText);
       return false;
     }
-    bus_ = std::make_unique<Bus>();
+    INISettings settings(ProgramDirectories());
+    bus_ = std::make_unique<Bus>(ChosenBus(settings));
     return true;
   }
   BenchConfig config;

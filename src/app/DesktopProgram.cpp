@@ -50,7 +50,7 @@ BenchConfig ConfiguredBench(const std::string& file, const Directories& director
 std::unique_ptr<Bus> MakeBus(const Directories& directories, const Clock& clock, Dialogs& dialogs) {
   INISettings settings(directories);
   const BusChoice choice = ChosenBus(settings);
-  if (!choice.UseBench) return std::make_unique<Bus>();
+  if (!choice.UseBench) return std::make_unique<Bus>(choice);
   return std::make_unique<Bus>(clock, ConfiguredBench(choice.BenchFile, directories, dialogs));
 }
 

@@ -210,7 +210,8 @@ void Gpib::SetTimeLimit(int code) {
 }
 
 Failure Gpib::GpibError(const std::string& message) const {
-  return Failure::OnBus(message, IbstaText() + IberrText() + IbcntText());
+  const std::string advice = shell_.gpib.Advice();
+  return Failure::OnBus(message, IbstaText() + IberrText() + IbcntText() + (advice.empty() ? "" : "\r\n" + advice));
 }
 
 std::string Gpib::IbstaText() const {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace hylden {
@@ -16,7 +17,7 @@ struct GpibStatusCells {
 
 namespace gpib {
 constexpr int kErr = 0x8000, kTimo = 0x4000, kEnd = 0x2000, kCmpl = 0x0100, kCic = 0x0020;  // status bits
-constexpr int kEdvr = 0, kEnol = 2, kEabo = 6;                                              // error codes
+constexpr int kEdvr = 0, kEnol = 2, kEabo = 6, kEneb = 7;                                   // error codes
 constexpr int kDabEnd = 2;                          // end-of-transmission mode: EOI with the last byte
 constexpr int kStopEnd = 0x100;                     // Receive termination: at EOI only
 constexpr std::int16_t kNoAddr = -1;                // address list terminator
@@ -41,6 +42,9 @@ class GpibDriver {
   /// Reads into the buffer until the termination, its end or the time limit; the byte count is in the cells.
   virtual void Receive(int board, int address, std::span<char> buffer, int termination) = 0;
   virtual void ibtmo(int board, int code) = 0;
+  /// Why the last call did not get as far as the bus, in words, and what to do about it; empty where the status says
+  /// all.
+  virtual std::string Advice() const { return {}; }
 };
 
 }  // namespace hylden

@@ -150,6 +150,15 @@ TEST(Gpib, DecodesEveryStatusIntoTheReport) {
   }
 }
 
+TEST(Gpib, AFailureEndsWithWhatTheDriverSaysOfItsWay) {
+  TestStation s;
+  s.bus.advice = "There is no GPIB library on this computer.";
+  s.gpib.ibsta = static_cast<std::int16_t>(gpib::kErr);
+  EXPECT_EQ(
+      s.gpib.GpibError("Error sending IFC.").Boxes().at(0).text,
+      "Error sending IFC.\r\nibsta = &H8000 < ERR>\r\niberr = EDVR <DOS Error>\r\nibcnt = 0x0\r\n" + s.bus.advice);
+}
+
 struct RegistrationCase {
   int result;
   Strings calls;

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "support/TempDir.h"
+
 namespace hylden {
 namespace {
 
@@ -63,11 +65,15 @@ Functions AllFunctions() {
           {"ThreadIbcntl", Address([] { return library.count; })}};
 }
 
-NativeGpib::Resolver Resolving(Functions functions) {
-  return [functions = std::move(functions)](const char* name) {
-    const auto found = functions.find(name);
-    return found == functions.end() ? nullptr : found->second;
-  };
+/// A library of these functions.
+GpibLibrary Library(Functions functions, bool isLinuxGpib = false) {
+  return {"lib",
+          {},
+          [functions = std::move(functions)](const char* name) {
+            const auto found = functions.find(name);
+            return found == functions.end() ? nullptr : found->second;
+          },
+          isLinuxGpib};
 }
 
 class NativeGpibTest : public testing::Test {
@@ -79,7 +85,7 @@ class NativeGpibTest : public testing::Test {
 constexpr std::array<std::int16_t, 3> kAddresses = {0, 18, gpib::kNoAddr};
 
 TEST_F(NativeGpibTest, HandsEveryCallToTheLibraryUnchanged) {
-  NativeGpib driver(Resolving(AllFunctions()));
+  NativeGpib driver(Library(AllFunctions()));
   EXPECT_EQ(driver.RegisterGpibGlobalsForThread(cells_), 0);
   std::array<std::int16_t, 2> found{};
   std::array<char, 64> buffer{};
@@ -105,7 +111,7 @@ TEST_F(NativeGpibTest, StatusComesFromTheLibraryAfterEveryCallWhateverItsNames) 
   older["Iberr"] = Address([] { return library.error; });
   older["Ibcnt"] = Address([] { return static_cast<int>(library.count); });
   for (const Functions& functions : {AllFunctions(), older}) {
-    NativeGpib driver(Resolving(functions));
+    NativeGpib driver(Library(functions));
     driver.RegisterGpibGlobalsForThread(cells_);
     library.status = gpib::kErr | gpib::kCmpl;
     library.error = gpib::kEnol;
@@ -117,11 +123,48 @@ TEST_F(NativeGpibTest, StatusComesFromTheLibraryAfterEveryCallWhateverItsNames) 
   }
 }
 
-TEST_F(NativeGpibTest, WithoutAWholeLibraryEveryCallFailsWithEdvr) {
+TEST_F(NativeGpibTest, EachLibraryPutsEoiOnTheLastByteAndAddsNone) {
+  for (const auto& [isLinuxGpib, call] : {std::pair{false, "> 18 OUTP OFF mode 2"}, {true, "> 18 OUTP OFF mode 1"}}) {
+    library.calls.clear();
+    NativeGpib driver(Library(AllFunctions(), isLinuxGpib), 3);
+    driver.Send(0, 18, "OUTP OFF", gpib::kDabEnd);
+    driver.SendIFC(0);
+    EXPECT_EQ(library.calls, (std::vector<std::string>{call, "IFC 3"})) << "its own mode, and its own board";
+  }
+}
+
+TEST_F(NativeGpibTest, ALibraryWithStatusCellsFillsThemByItself) {
+  static std::array<std::int32_t*, 4> registered;
+  Functions functions = AllFunctions();
+  for (const char* name : {"ThreadIbsta", "ThreadIberr", "ThreadIbcntl"}) functions.erase(name);
+  functions["RegisterGpibGlobalsForThread"] =
+      Address([](std::int32_t* status, std::int32_t* error, std::int32_t* count, std::int32_t* longCount) {
+        registered = {status, error, count, longCount};
+        return 1;
+      });
+  functions["UnregisterGpibGlobalsForThread"] = Address([] { return 2; });
+  NativeGpib driver(Library(functions));
+  EXPECT_EQ(driver.RegisterGpibGlobalsForThread(cells_), 1);
+  *registered[0] = gpib::kErr, *registered[1] = gpib::kEnol, *registered[3] = 65535;
+  driver.SendIFC(0);
+  EXPECT_EQ(cells_.status, gpib::kErr);
+  EXPECT_EQ(cells_.error, gpib::kEnol);
+  EXPECT_EQ(cells_.longCount, 65535);
+  EXPECT_EQ(driver.UnregisterGpibGlobalsForThread(), 2);
+}
+
+TEST_F(NativeGpibTest, WithoutAWholeLibraryEveryCallFailsWithEdvrAndSaysWhatIsMissing) {
   Functions functions = AllFunctions();
   functions.erase("EnableLocal");
-  for (const auto& resolver : {Resolving(functions), Resolving({})}) {
-    NativeGpib driver(resolver);
+  Functions statusless = AllFunctions();
+  statusless.erase("ThreadIbsta");
+  const TempDir directory;
+  const std::string noLibrary = directory.Write("libgpib.so.0", "no library");
+  for (const auto& [found, advice] :
+       {std::pair{Library(functions), std::string("The GPIB library lib has no function EnableLocal.")},
+        {Library(statusless), "The GPIB library lib has no function ThreadIbsta."},
+        {OpenGpibLibrary(noLibrary), "The GPIB library " + noLibrary + " can't be loaded: "}}) {
+    NativeGpib driver(found);
     EXPECT_EQ(driver.RegisterGpibGlobalsForThread(cells_), 0);
     std::array<char, 64> buffer{};
     const auto expectFailure = [&](const char* call) {
@@ -136,8 +179,19 @@ TEST_F(NativeGpibTest, WithoutAWholeLibraryEveryCallFailsWithEdvr) {
     driver.Receive(0, 18, buffer, gpib::kStopEnd), expectFailure("Receive");
     driver.ibtmo(0, gpib::kT10s), expectFailure("ibtmo");
     driver.EnableLocal(0, kAddresses), expectFailure("EnableLocal");
+    EXPECT_TRUE(driver.Advice().starts_with(advice)) << driver.Advice();
   }
   EXPECT_TRUE(library.calls.empty());
+}
+
+TEST(BoardAdvice, NamesWhatTheBoardLacks) {
+  const TempDir directory;
+  const std::string device = directory.File("gpib0"), configuration = directory.File("gpib.conf");
+  EXPECT_TRUE(BoardAdvice(device, {configuration}).starts_with("There is no " + device + ": the board's kernel"));
+  directory.Write("gpib0", "");
+  EXPECT_TRUE(BoardAdvice(device, {configuration}).starts_with("There is no " + configuration));
+  directory.Write("gpib.conf", "");
+  EXPECT_EQ(BoardAdvice(device, {configuration}), "");
 }
 
 }  // namespace

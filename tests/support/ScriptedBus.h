@@ -32,6 +32,9 @@ class ScriptedBus : public GpibDriver, public CallFailures {
   /// Addresses where nobody listens: ENOL on a send, silence on a read.
   std::set<int> absent;
 
+  /// What the driver says beside its status.
+  std::string advice;
+
   /// Results for the next registrations; 0 when none is left.
   std::deque<int> registrationResults;
   /// "REGISTER" and "UNREGISTER", kept apart from the transcript.
@@ -49,6 +52,7 @@ class ScriptedBus : public GpibDriver, public CallFailures {
   void Send(int board, int address, std::string_view bytes, int eotMode) override;
   void Receive(int board, int address, std::span<char> buffer, int termination) override;
   void ibtmo(int board, int code) override;
+  std::string Advice() const override { return advice; }
 
  private:
   void Plain(const std::string& line);

@@ -1,34 +1,12 @@
 #include "platform/native/NativeGpib.h"
 
-#include <dlfcn.h>
-
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace hylden {
 
 namespace {
-
-/// The installed library; it stays loaded, since drivers seldom bear being unloaded.
-void* OpenLibrary() {
-  for (const char* name : {"libgpib.so.0", "libgpib.so", "libni4882.so.1", "libni4882.so", "libgpibapi.so"}) {
-    if (void* library = dlopen(name, RTLD_NOW | RTLD_LOCAL)) return library;
-  }
-  return nullptr;
-}
-
-void* MachineFunction(const char* name) {
-  static void* const library = OpenLibrary();
-  return library ? dlsym(library, name) : nullptr;
-}
-
-/// Finds a function under the first of its names that the library knows.
-template <class Function>
-bool Find(Function*& function, const NativeGpib::Resolver& resolve, const char* name, const char* otherName = nullptr) {
-  void* found = resolve(name);
-  if (!found && otherName) found = resolve(otherName);
-  function = reinterpret_cast<Function*>(found);
-  return found != nullptr;
-}
 
 std::vector<std::uint16_t> BusAddresses(std::span<const std::int16_t> addresses) {
   std::vector<std::uint16_t> list;
@@ -40,80 +18,109 @@ std::vector<std::uint16_t> BusAddresses(std::span<const std::int16_t> addresses)
 
 }  // namespace
 
-NativeGpib::NativeGpib() : NativeGpib(MachineFunction) {}
+NativeGpib::NativeGpib(GpibLibrary library, int board) : library_(std::move(library)), board_(board) {
+  if (library_.Find) Resolve();
+}
 
-NativeGpib::NativeGpib(const Resolver& resolve) {
-  Library& l = library_;
-  const bool counts = Find(l.LongCount, resolve, "ThreadIbcntl") || Find(l.Count, resolve, "ThreadIbcnt", "Ibcnt");
-  available_ = counts && Find(l.SendIFC, resolve, "SendIFC") && Find(l.FindLstn, resolve, "FindLstn") &&
-               Find(l.SetRWLS, resolve, "SetRWLS") && Find(l.EnableLocal, resolve, "EnableLocal") &&
-               Find(l.Send, resolve, "Send") && Find(l.Receive, resolve, "Receive") &&
-               Find(l.ibtmo, resolve, "ibtmo") && Find(l.Status, resolve, "ThreadIbsta", "Ibsta") &&
-               Find(l.Error, resolve, "ThreadIberr", "Iberr");
+/// Finds the functions; the first one that is missing is told.
+void NativeGpib::Resolve() {
+  const auto find = [this](auto*& function, const char* name, const char* otherName = nullptr) {
+    void* found = library_.Find(name);
+    if (!found && otherName) found = library_.Find(otherName);
+    function = reinterpret_cast<std::remove_reference_t<decltype(function)>>(found);
+    return found != nullptr;
+  };
+  const auto want = [&](auto*& function, const char* name, const char* otherName = nullptr) {
+    if (!find(function, name, otherName) && library_.Fault.empty())
+      library_.Fault = "The GPIB library " + library_.Name + " has no function " + name + ".";
+  };
+  Calls& c = calls_;
+  want(c.SendIFC, "SendIFC");
+  want(c.FindLstn, "FindLstn");
+  want(c.SetRWLS, "SetRWLS");
+  want(c.EnableLocal, "EnableLocal");
+  want(c.Send, "Send");
+  want(c.Receive, "Receive");
+  want(c.ibtmo, "ibtmo");
+  if (find(c.Register, "RegisterGpibGlobalsForThread") && find(c.Unregister, "UnregisterGpibGlobalsForThread")) return;
+  want(c.Status, "ThreadIbsta", "Ibsta");
+  want(c.Error, "ThreadIberr", "Iberr");
+  if (!find(c.LongCount, "ThreadIbcntl")) want(c.Count, "ThreadIbcnt", "Ibcnt");
 }
 
 int NativeGpib::RegisterGpibGlobalsForThread(GpibStatusCells& cells) {
   cells_ = &cells;
-  return 0;
+  if (!library_.Fault.empty() || !calls_.Unregister) return 0;
+  return calls_.Register(&cells.status, &cells.error, &cells.count, &cells.longCount);
 }
 
 int NativeGpib::UnregisterGpibGlobalsForThread() {
   cells_ = nullptr;
-  return 0;
+  return library_.Fault.empty() && calls_.Unregister ? calls_.Unregister() : 0;
 }
 
 template <class Call>
 void NativeGpib::Run(Call call) {
-  if (available_) {
+  if (library_.Fault.empty()) {
     call();
-    if (cells_) ReadStatus();
+    if (cells_ && !calls_.Unregister) ReadStatus();
   } else if (cells_) {
     *cells_ = {gpib::kErr, gpib::kEdvr, 0, 0};
   }
 }
 
 void NativeGpib::ReadStatus() {
-  cells_->status = library_.Status();
-  cells_->error = library_.Error();
-  cells_->longCount = library_.LongCount ? static_cast<std::int32_t>(library_.LongCount()) : library_.Count();
+  cells_->status = calls_.Status();
+  cells_->error = calls_.Error();
+  cells_->longCount = calls_.LongCount ? static_cast<std::int32_t>(calls_.LongCount()) : calls_.Count();
   cells_->count = cells_->longCount;
 }
 
-void NativeGpib::SendIFC(int board) {
-  Run([&] { library_.SendIFC(board); });
+std::string NativeGpib::Advice() const {
+  if (!library_.Fault.empty() || !library_.IsLinuxGpib || !cells_) return library_.Fault;
+  const bool isBoardLost =
+      (cells_->status & gpib::kErr) != 0 && (cells_->error == gpib::kEdvr || cells_->error == gpib::kEneb);
+  return isBoardLost ? BoardAdvice("/dev/gpib" + std::to_string(board_), {"/etc/gpib.conf", "/usr/local/etc/gpib.conf"})
+                     : std::string();
 }
 
-void NativeGpib::FindLstn(int board, std::span<const std::int16_t> addresses, std::span<std::int16_t> results) {
+void NativeGpib::SendIFC(int) {
+  Run([&] { calls_.SendIFC(board_); });
+}
+
+void NativeGpib::FindLstn(int, std::span<const std::int16_t> addresses, std::span<std::int16_t> results) {
   Run([&] {
     std::vector<std::uint16_t> found(results.size(), static_cast<std::uint16_t>(gpib::kNoAddr));
-    library_.FindLstn(board, BusAddresses(addresses).data(), found.data(), static_cast<int>(found.size()));
+    calls_.FindLstn(board_, BusAddresses(addresses).data(), found.data(), static_cast<int>(found.size()));
     for (std::size_t i = 0; i < found.size(); ++i) results[i] = static_cast<std::int16_t>(found[i]);
   });
 }
 
-void NativeGpib::SetRWLS(int board, std::span<const std::int16_t> addresses) {
-  Run([&] { library_.SetRWLS(board, BusAddresses(addresses).data()); });
+void NativeGpib::SetRWLS(int, std::span<const std::int16_t> addresses) {
+  Run([&] { calls_.SetRWLS(board_, BusAddresses(addresses).data()); });
 }
 
-void NativeGpib::EnableLocal(int board, std::span<const std::int16_t> addresses) {
-  Run([&] { library_.EnableLocal(board, BusAddresses(addresses).data()); });
+void NativeGpib::EnableLocal(int, std::span<const std::int16_t> addresses) {
+  Run([&] { calls_.EnableLocal(board_, BusAddresses(addresses).data()); });
 }
 
-void NativeGpib::Send(int board, int address, std::string_view bytes, int eotMode) {
+void NativeGpib::Send(int, int address, std::string_view bytes, int eotMode) {
   Run([&] {
-    library_.Send(board, static_cast<std::uint16_t>(address), bytes.data(), static_cast<long>(bytes.size()), eotMode);
+    const int mode = eotMode == gpib::kDabEnd ? library_.EoiMode() : eotMode;
+    calls_.Send(board_, static_cast<std::uint16_t>(address), bytes.data(), static_cast<std::ptrdiff_t>(bytes.size()),
+                mode);
   });
 }
 
-void NativeGpib::Receive(int board, int address, std::span<char> buffer, int termination) {
+void NativeGpib::Receive(int, int address, std::span<char> buffer, int termination) {
   Run([&] {
-    library_.Receive(board, static_cast<std::uint16_t>(address), buffer.data(), static_cast<long>(buffer.size()),
-                     termination);
+    calls_.Receive(board_, static_cast<std::uint16_t>(address), buffer.data(),
+                   static_cast<std::ptrdiff_t>(buffer.size()), termination);
   });
 }
 
-void NativeGpib::ibtmo(int board, int code) {
-  Run([&] { library_.ibtmo(board, code); });
+void NativeGpib::ibtmo(int, int code) {
+  Run([&] { calls_.ibtmo(board_, code); });
 }
 
 }  // namespace hylden

@@ -1,21 +1,19 @@
 #pragma once
 
-#include <functional>
+#include <cstddef>
+#include <string>
 
 #include "platform/GpibDriver.h"
+#include "platform/native/GpibLibrary.h"
 
 namespace hylden {
 
-/// The machine's own bus driver: the shared library of linux-gpib or of NI-488.2, whichever is installed, found when
-/// the object is built. Without one every call ends with ERR and EDVR.
-/// The library keeps its status per thread by itself, so registration only remembers the cells.
+/// The machine's own bus driver: a shared library. Without a whole one every call ends with ERR and EDVR, and Advice
+/// says what is missing.
 class NativeGpib : public GpibDriver {
  public:
-  /// The address of a library function; null when there is none.
-  using Resolver = std::function<void*(const char* name)>;
-
-  NativeGpib();
-  explicit NativeGpib(const Resolver& resolve);
+  /// @param board  the board of the machine that stands for the program's board 0
+  explicit NativeGpib(GpibLibrary library = OpenGpibLibrary(), int board = 0);
 
   int RegisterGpibGlobalsForThread(GpibStatusCells& cells) override;
   int UnregisterGpibGlobalsForThread() override;
@@ -26,29 +24,35 @@ class NativeGpib : public GpibDriver {
   void Send(int board, int address, std::string_view bytes, int eotMode) override;
   void Receive(int board, int address, std::span<char> buffer, int termination) override;
   void ibtmo(int board, int code) override;
+  std::string Advice() const override;
 
  private:
-  // The calls as both libraries export them: an address is 16 bits wide, a count has the width of a pointer.
-  struct Library {
+  // The calls as the libraries export them: an address is 16 bits wide, a count has the width of a pointer.
+  struct Calls {
     void (*SendIFC)(int) = nullptr;
     void (*FindLstn)(int, const std::uint16_t*, std::uint16_t*, int) = nullptr;
     void (*SetRWLS)(int, const std::uint16_t*) = nullptr;
     void (*EnableLocal)(int, const std::uint16_t*) = nullptr;
-    void (*Send)(int, std::uint16_t, const void*, long, int) = nullptr;
-    void (*Receive)(int, std::uint16_t, void*, long, int) = nullptr;
+    void (*Send)(int, std::uint16_t, const void*, std::ptrdiff_t, int) = nullptr;
+    void (*Receive)(int, std::uint16_t, void*, std::ptrdiff_t, int) = nullptr;
     int (*ibtmo)(int, int) = nullptr;
+    // A library has the first two, or the others: status cells that it fills by itself, or functions that tell.
+    int (*Register)(std::int32_t*, std::int32_t*, std::int32_t*, std::int32_t*) = nullptr;
+    int (*Unregister)() = nullptr;
     int (*Status)() = nullptr;
     int (*Error)() = nullptr;
     long (*LongCount)() = nullptr;
     int (*Count)() = nullptr;
   };
 
+  void Resolve();
   template <class Call>
   void Run(Call call);
   void ReadStatus();
 
-  Library library_;
-  bool available_ = false;
+  GpibLibrary library_;
+  const int board_;
+  Calls calls_;
   GpibStatusCells* cells_ = nullptr;
 };
 
