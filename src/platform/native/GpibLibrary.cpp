@@ -35,7 +35,7 @@ Loaded Load(const std::string& name) {
 #else
 
 constexpr const char* kKnown[] = {"libgpib.so.0", "libni4882.so.1", "libgpibapi.so"};
-constexpr const char* kInstall = "Install the GPIB package of the distribution (libgpib0), or the board's own driver.";
+constexpr const char* kInstall = "Install the distribution's GPIB package, or the board's own driver.";
 
 Loaded Load(const std::string& name) {
   if (void* const library = dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL))
