@@ -9,7 +9,6 @@
 namespace hylden {
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
 
 TEST(ManualPanel, ArrowKeysStayInRange) {
@@ -34,434 +33,344 @@ TEST(ManualPanel, ArrowKeysStayInRange) {
   }
 }
 
-/// A run that goes to manual mode after its second step, or another; `manual` is played there, one action per turn of
-/// the user interface, and manual mode is left after the last.
-struct ManualTest : testing::Test {
-  RunRig rig;
-  ManualMode& mode = rig.engine.Manual();
-  ManualPanel panel{mode};
-  std::vector<std::function<void()>> manual;
-  std::function<void()> onYield;  ///< besides
-  std::size_t sentBefore = 0;
-  int manualAfter = 2;
+/// A run that goes to manual mode after its second step, or another.
+struct ManualRun : RunRig {
+  ManualRun() { test.InitLevOffset = -6; }
 
-  void SetUp() override { rig.test.InitLevOffset = -6; }
-
-  void Run() {
-    rig.t.events.onYield = [this, next = std::size_t{0}, asked = false, other = onYield]() mutable {
-      if (other) other();
-      if (!asked && rig.display.steps.size() == static_cast<std::size_t>(manualAfter)) {
-        asked = true;
-        rig.engine.RequestManual();
-      }
-      if (!rig.manual.isOpen || mode.IsBusy()) return;
-      if (next == 0) {
-        panel.Open(rig.manual.opened);
-        sentBefore = rig.Sent(18).size();
-      }
-      if (next < manual.size())
-        manual[next++]();
-      else
-        mode.manExitClick();
+  /// Runs; in manual mode these actions are played, one per turn of the user interface, then it is left.
+  void Play(const std::vector<std::function<void()>>& actions) {
+    t.events.onYield = [&, next = std::size_t{0}, asked = false]() mutable {
+      if (onYield) onYield();
+      if (!asked && display.steps.size() == manualAfter) asked = true, engine.RequestManual();
+      if (!manual.isOpen || mode.IsBusy()) return;
+      if (next == 0) panel.Open(manual.opened);
+      if (next < actions.size()) return actions[next++]();
+      highestAt.clear();
+      mode.manExitClick();
     };
-    rig.Run();
-  }
-  void InManual(const std::function<void()>& action) {
-    manual = {action};
     Run();
   }
-  /// What the generator was sent in manual mode, up to the next step's frequency.
-  std::vector<std::string> Sent() {
-    auto sent = rig.Sent(18);
-    sent.erase(sent.begin(), sent.begin() + static_cast<std::ptrdiff_t>(sentBefore));
-    return sent;
+  void Play(const std::function<void()>& action) { Play(std::vector{action}); }
+
+  // The operator's hands.
+  void Tick(int times = 1) {
+    while (times-- > 0) panel.Tick();
   }
+  void Level(int tenths) {
+    EXPECT_TRUE(panel.MoveOffset(tenths));
+    Tick();
+  }
+  void Step(int step) {
+    EXPECT_TRUE(panel.MoveStep(step));
+    Tick();
+  }
+  void Threshold(double frequencyMHz, float offsetDb) {
+    const auto noted = panel.Threshold();
+    ASSERT_TRUE(noted);
+    EXPECT_EQ(noted->Freq, frequencyMHz);
+    EXPECT_EQ(noted->Offset, offsetDb);
+  }
+  std::string Window() const {
+    return ShortestText(manual.freq) + " MHz " + ShortestText(panel.Scroll().OffsetTenths / 10.0) + " dB" +
+           (manual.rf ? " RF" : "") + (manual.mod ? " Mod" : "");
+  }
+
+  ManualMode& mode = engine.Manual();
+  ManualPanel panel{mode};
+  std::function<void()> onYield;  ///< besides
+  std::size_t manualAfter = 2;
 };
 
-TEST_F(ManualTest, OpensAfterTheStepAndTheRunGoesOn) {
-  InManual([&] { EXPECT_EQ(rig.manual.at, std::pair(2, 2)); });
-  EXPECT_EQ(rig.manual.opened.Step, 2);
-  EXPECT_EQ(rig.manual.opened.HighestStep, 2);
-  EXPECT_EQ(rig.manual.opened.Freq, 2);
-  EXPECT_TRUE(rig.manual.opened.RfOn);
-  EXPECT_FALSE(rig.manual.opened.ModEnabled);
-  EXPECT_EQ(rig.display.steps, (std::vector<int>{1, 2, 3}));
-  EXPECT_THAT(rig.display.statuses, Contains("Manual Mode"));
-  EXPECT_THAT(rig.manual.calls, ElementsAre("manual opened", "manual closed"));
-  EXPECT_EQ(rig.Rows().size(), 3U);
+struct Turn {
+  void (*act)(ManualRun&);
+  Strings sent;  ///< to the generator
+  std::string window;
+};
+
+struct Session {
+  const char* name;  ///< the promise
+  void (*arrange)(ManualRun&);
+  std::vector<Turn> turns;
+};
+
+class ManualTest : public testing::TestWithParam<Session> {};
+
+TEST_P(ManualTest, TheRunGoesOnBehindTheStepThatIsShown) {
+  ManualRun m;
+  GetParam().arrange(m);
+  std::vector<std::function<void()>> actions;
+  for (const Turn& turn : GetParam().turns) {
+    actions.emplace_back([&] {
+      SCOPED_TRACE(turn.window);
+      m.bus.transcript.Clear();
+      turn.act(m);
+      EXPECT_EQ(m.Sent(18), turn.sent);
+      EXPECT_EQ(m.Window(), turn.window);
+      EXPECT_EQ(m.rfOn, m.manual.rf);
+      EXPECT_TRUE(m.manual.at.first == m.manual.freq && m.manual.at.second == m.manual.freq) << "step and row";
+      EXPECT_EQ(m.display.Now(Readout::Frequency), m.manual.freq);
+      EXPECT_NEAR(m.display.Now(Readout::TestLevel), 120 + m.mode.Standing().Offset, 1e-5);
+    });
+  }
+  m.Play(actions);
+  EXPECT_EQ(m.manual.opened.Step, 2);
+  EXPECT_EQ(m.manual.opened.HighestStep, 2);
+  EXPECT_EQ(m.manual.opened.ModEnabled, m.test.ModType != Modulation::None);
+  EXPECT_TRUE(m.manual.opened.RfOn);
+  EXPECT_THAT(m.display.statuses, testing::Contains("Manual Mode"));
+  EXPECT_THAT(m.manual.calls, ElementsAre("manual opened", "manual closed"));
+  EXPECT_EQ(m.display.steps, m.manual.at.first == 1 ? (std::vector{1, 2, 2, 3}) : (std::vector{1, 2, 3}));
+  EXPECT_EQ(m.Rows().size(), m.display.steps.size());
+  EXPECT_EQ(m.Rows().back(), "4.0, -6.0 **, 120.0, , , ");
+  for (const auto& [frequency, dbm] : m.highestAt) EXPECT_LE(dbm, frequency == 4 ? -6 : -8) << frequency;
 }
 
-TEST_F(ManualTest, ChangesWaitForTheTimerAndTheLowerLevelComesFirst) {
-  std::vector<std::string> up, down;
-  manual = {[&] {
-              EXPECT_TRUE(panel.MoveOffset(15));
-              EXPECT_TRUE(panel.MoveStep(1));
-              EXPECT_EQ(panel.Scroll().OffsetTenths, 15);
-              EXPECT_EQ(rig.Sent(18).size(), sentBefore);
-            },
-            [&] { panel.Tick(); },
-            [&] {
-              panel.Tick();  // nothing has changed since
-              up = Sent();
-              panel.MoveStep(2);
-              panel.MoveOffset(-5);
-              panel.Tick();
-              down = Sent();
-              down.erase(down.begin(), down.begin() + static_cast<std::ptrdiff_t>(up.size()));
-            }};
-  Run();
-  EXPECT_THAT(up, ElementsAre("POW -10.0 DBM", "FREQ 1.0 MHZ", "POW -8.5 DBM"));
-  EXPECT_THAT(down, ElementsAre("POW -10.5 DBM", "FREQ 2.0 MHZ", "POW -8.5 DBM"));
-}
+const Session kSessions[] = {
+    {"ChangesWaitForTheTimerAndTheLowerLevelComesFirst",
+     [](auto&) {},
+     {
+         {[](auto& m) { m.panel.MoveOffset(15), m.panel.MoveStep(1); }, {}, "2 MHz 1.5 dB RF"},
+         {[](auto& m) { m.Tick(); }, {"POW -10.0 DBM", "FREQ 1.0 MHZ", "POW -8.5 DBM"}, "1 MHz 1.5 dB RF"},
+         {[](auto& m) { m.Tick(); }, {}, "1 MHz 1.5 dB RF"},  // nothing has changed since
+         {[](auto& m) { m.panel.MoveOffset(-5), m.Step(2); },
+          {"POW -10.5 DBM", "FREQ 2.0 MHZ", "POW -8.5 DBM"},
+          "2 MHz -0.5 dB RF"},
+         {[](auto& m) { m.panel.MoveOffset(-15), m.panel.Key(ArrowKey::Left), m.Tick(); },
+          {"POW -9.5 DBM", "POW -11.5 DBM", "FREQ 1.0 MHZ"},
+          "1 MHz -1.5 dB RF"},
+     }},
+    {"TheLevelRisesByTheTestsIncrementPerTickAndFallsAtOnce",
+     [](auto& m) { m.test.LevelInc = 4; },
+     {
+         {[](auto& m) { m.Level(kHighestOffsetTenths); }, {"POW -4.0 DBM"}, "2 MHz 10 dB RF"},
+         {[](auto& m) { m.Tick(4); }, {"POW 0.0 DBM", "POW 2.0 DBM"}, "2 MHz 10 dB RF"},
+         {[](auto& m) { m.Level(-80); }, {"POW -16.0 DBM"}, "2 MHz -8 dB RF"},
+     }},
+    {"RfThatComesBackDoesNotJumpToWhatWasRaisedMeanwhile",
+     [](auto& m) { m.test.LevelInc = 4; },
+     {
+         {[](auto& m) { m.mode.manRfOn(false); }, {"OUTP OFF"}, "2 MHz 0 dB"},
+         {[](auto& m) { m.Level(100), m.Tick(2); }, {}, "2 MHz 10 dB"},
+         {[](auto& m) { m.mode.manRfOn(true); }, {"POW -4.0 DBM", "OUTP ON"}, "2 MHz 10 dB RF"},
+         {[](auto& m) { m.Tick(2); }, {"POW 0.0 DBM", "POW 2.0 DBM"}, "2 MHz 10 dB RF"},
+         {[](auto& m) { m.mode.manRfOn(false), m.Level(-300); }, {"OUTP OFF"}, "2 MHz -30 dB"},
+         {[](auto& m) { m.mode.manRfOn(true), m.mode.manRfOn(false); },
+          {"POW -38.0 DBM", "OUTP ON", "OUTP OFF"},
+          "2 MHz -30 dB"},
+         {[](auto& m) { m.Level(0), m.Tick(7), m.mode.manRfOn(true); }, {"POW -34.0 DBM", "OUTP ON"}, "2 MHz 0 dB RF"},
+     }},
+    {"AThresholdNotesWhatStandsAndEndsTheRise",
+     [](auto&) {},
+     {
+         {[](auto& m) { m.Level(95); }, {"POW -2.0 DBM"}, "2 MHz 9.5 dB RF"},
+         {[](auto& m) { m.Threshold(2, 6), m.Tick(); }, {}, "2 MHz 6 dB RF"},
+     }},
+    {"ARefusedStepShowsTheFrequencyThatRfComesBackWith",
+     [](auto&) {},
+     {
+         {[](auto& m) { m.bus.FailLine("> 18 FREQ", gpib::kEnol), m.Step(1); },
+          {"POW -10.0 DBM", "FREQ 1.0 MHZ !2", "OUTP OFF"},
+          "1 MHz 0 dB"},
+         {[](auto& m) { m.Threshold(2, 0); }, {}, "1 MHz 0 dB"},  // the product never saw the other
+         {[](auto& m) { m.mode.manRfOn(true); }, {"FREQ 1.0 MHZ", "POW -10.0 DBM", "OUTP ON"}, "1 MHz 0 dB RF"},
+         {[](auto& m) { m.Threshold(1, 0); }, {}, "1 MHz 0 dB RF"},
+     }},
+    {"ARefusedOffsetIsGivenUp",
+     [](auto& m) { m.test.LevelInc = 10, Redefine(m.sigGen, [](auto& d) { d.MaximumLevel = 0; }); },
+     {
+         {[](auto& m) { m.Level(70); }, {"POW -1.0 DBM"}, "2 MHz 7 dB RF"},
+         {[](auto& m) { m.Level(90), m.Tick(3); }, {"OUTP OFF"}, "2 MHz 7 dB"},
+         {[](auto& m) { EXPECT_TRUE(m.ToldOnce("Level requested outside of range")), m.Threshold(2, 7); },
+          {},
+          "2 MHz 7 dB"},
+         {[](auto& m) { m.mode.manRfOn(true); }, {"OUTP ON"}, "2 MHz 7 dB RF"},
+     }},
+    {"ReturningRaisesNothingAnyMore",
+     [](auto&) {},
+     {{[](auto& m) { m.panel.MoveStep(1), m.panel.MoveOffset(50), m.panel.Leave(); },
+       {"POW -10.0 DBM", "FREQ 1.0 MHZ"},
+       "1 MHz 0 dB RF"}}},
+    {"OnlyStepsThatWereRunCanBeReached",
+     [](auto&) {},
+     {{[](auto& m) {
+         EXPECT_FALSE(m.panel.MoveStep(3) || m.panel.MoveStep(0) || m.panel.Key(ArrowKey::Right));
+         m.Tick(), m.mode.manStepNumChange(3);
+       },
+       {},
+       "2 MHz 0 dB RF"}}},
+    {"RfAndModulationFollowTheOperator",
+     [](auto& m) { m.UseAm(true, true); },
+     {
+         {[](auto& m) { m.mode.manModOn(false); }, {"MOD OFF"}, "2 MHz 0 dB RF"},
+         {[](auto& m) { m.mode.manRfOn(false); }, {"OUTP OFF"}, "2 MHz 0 dB"},
+         {[](auto& m) { m.Level(-30); }, {}, "2 MHz -3 dB"},
+         {[](auto& m) { m.mode.manRfOn(true); }, {"POW -16.1 DBM", "OUTP ON"}, "2 MHz -3 dB RF"},
+         {[](auto& m) { m.mode.manModOn(true); }, {"AM ON"}, "2 MHz -3 dB RF Mod"},
+     }},
+    {"ModulationThatTheGeneratorRefusesIsNotShownAsSwitched",
+     [](auto& m) { m.UseAm(true, false); },
+     {
+         {[](auto& m) { m.bus.FailLine("> 18 MOD OFF", gpib::kEnol), m.mode.manModOn(false); },
+          {"MOD OFF !2", "OUTP OFF"},
+          "2 MHz 0 dB Mod"},
+         {[](auto& m) { m.mode.manModOn(false); }, {"MOD OFF"}, "2 MHz 0 dB"},
+         {[](auto& m) { m.mode.manRfOn(true), m.bus.FailLine("> 18 AM ON", gpib::kEnol), m.mode.manModOn(true); },
+          {"OUTP ON", "AM ON !2", "OUTP OFF"},
+          "2 MHz 0 dB"},
+     }},
+};
 
-TEST_F(ManualTest, TheLevelRisesByTheTestsIncrementPerTickAndFallsAtOnce) {
-  rig.test.LevelInc = 4;
-  InManual([&] {
-    panel.MoveOffset(kHighestOffsetTenths);
-    for (int tick = 0; tick < 4; ++tick) panel.Tick();
-    panel.MoveOffset(-80);
-    panel.Tick();
-  });
-  auto sent = Sent();
-  sent.resize(4);
-  EXPECT_THAT(sent, ElementsAre("POW -4.0 DBM", "POW 0.0 DBM", "POW 2.0 DBM", "POW -16.0 DBM"));
-}
+INSTANTIATE_TEST_SUITE_P(Session, ManualTest, testing::ValuesIn(kSessions),
+                         [](const auto& session) { return session.param.name; });
 
-TEST_F(ManualTest, RfThatComesBackDoesNotJumpToWhatWasRaisedMeanwhile) {
-  rig.test.LevelInc = 4;
-  InManual([&] {
-    mode.manRfOn(false);
-    panel.MoveOffset(kHighestOffsetTenths);
-    for (int tick = 0; tick < 3; ++tick) panel.Tick();
-    mode.manRfOn(true);
-    EXPECT_EQ(rig.generatorDbm, -8 + 4);
-    panel.Tick();
-    EXPECT_EQ(rig.generatorDbm, -8 + 8);
-    panel.Tick();
-    EXPECT_EQ(rig.generatorDbm, -8 + 10);
-    mode.manRfOn(false);
-    panel.MoveOffset(-300);
-    panel.Tick();
-    mode.manRfOn(true);
-    mode.manRfOn(false);
-    panel.MoveOffset(0);
-    for (int tick = 0; tick < 8; ++tick) panel.Tick();
-    mode.manRfOn(true);
-    EXPECT_EQ(rig.generatorDbm, -8 - 26);
-  });
-}
-
-TEST_F(ManualTest, AThresholdNotesWhatStandsAndEndsTheRise) {
-  InManual([&] {
-    panel.MoveOffset(95);
-    panel.Tick();
-    const auto standing = panel.Threshold();
-    ASSERT_TRUE(standing);
-    EXPECT_EQ(standing->Freq, 2);
-    EXPECT_EQ(standing->Offset, 6);
-    EXPECT_EQ(panel.Scroll().OffsetTenths, 60) << "the bar goes back to what stands";
-    panel.Tick();
-    EXPECT_EQ(rig.generatorDbm, -8 + 6);
-  });
-}
-
-TEST_F(ManualTest, ARefusedStepShowsTheFrequencyThatRfComesBackWith) {
-  InManual([&] {
-    rig.bus.FailLine("> 18 FREQ", gpib::kEnol);
-    panel.MoveStep(1);
-    panel.Tick();
-    EXPECT_FALSE(rig.rfOn);
-    EXPECT_EQ(rig.manual.freq, 1);
-    EXPECT_EQ(rig.display.Now(Readout::Frequency), 1);
-    EXPECT_EQ(panel.Threshold()->Freq, 2) << "the product never saw the other";
-    mode.manRfOn(true);
-    EXPECT_TRUE(rig.rfOn);
-    EXPECT_EQ(rig.frequencyMHz, 1);
-    EXPECT_EQ(panel.Threshold()->Freq, 1);
-  });
-}
-
-TEST_F(ManualTest, ARefusedOffsetIsGivenUp) {
-  rig.test.LevelInc = 10;
-  Redefine(rig.sigGen, [](auto& d) { d.MaximumLevel = 0; });
-  InManual([&] {
-    panel.MoveOffset(70);
-    panel.Tick();
-    panel.MoveOffset(90);
-    panel.Tick();
-    EXPECT_FALSE(rig.rfOn);
-    EXPECT_FALSE(rig.manual.rf);
-    EXPECT_TRUE(rig.manual.isOpen);
-    EXPECT_EQ(panel.Scroll().OffsetTenths, 70);
-    for (int tick = 0; tick < 3; ++tick) panel.Tick();
-    EXPECT_EQ(rig.Shown("Level requested outside of range of instrument"), 1);
-    EXPECT_EQ(panel.Threshold()->Offset, 7);
-    mode.manRfOn(true);
-    EXPECT_EQ(rig.generatorDbm, -1);
-  });
-}
-
-TEST_F(ManualTest, ReturningRaisesNothingAnyMore) {
-  InManual([&] {
-    panel.MoveStep(1);
-    panel.MoveOffset(50);
-    panel.Leave();
-    EXPECT_EQ(rig.manual.at.first, 1);
-  });
-  EXPECT_EQ(rig.highestAt[1], -10);
-}
-
-TEST_F(ManualTest, NoThresholdWhileTheAmplifiersChangeOver) {
-  rig.UseIfi(1.5);
-  bool changingOver = false;
-  manual = {[&] {
-    changingOver = true;
-    panel.MoveStep(1);
-    panel.Tick();
-    changingOver = false;
-  }};
+TEST(ManualMode, NoThresholdWhileTheAmplifiersChangeOver) {
+  ManualRun m;
+  m.UseIfi(1.5);
   int asked = 0;
-  onYield = [&] {
+  bool changingOver = false;
+  m.onYield = [&] {
     if (!changingOver) return;
     ++asked;
-    EXPECT_FALSE(panel.Threshold());
-    mode.manThresholdClick(2, 0);
+    EXPECT_FALSE(m.panel.Threshold());
+    m.mode.manThresholdClick(2, 0);
   };
-  Run();
+  m.Play([&] {
+    changingOver = true;
+    m.Step(1);
+    changingOver = false;
+  });
   EXPECT_GT(asked, 0);
-  EXPECT_TRUE(rig.t.dialogs.inputs.empty());
-  EXPECT_EQ(rig.Rows().size(), 4U) << "three steps, the second of them twice";
+  EXPECT_TRUE(m.t.dialogs.inputs.empty());
+  EXPECT_EQ(m.Rows().size(), 4U) << "three steps, the second of them twice";
 }
 
-TEST_F(ManualTest, OnlyStepsThatWereRunCanBeReached) {
-  InManual([&] {
-    EXPECT_FALSE(panel.MoveStep(3));
-    EXPECT_FALSE(panel.MoveStep(0));
-    EXPECT_FALSE(panel.Key(ArrowKey::Right));
-    mode.manStepNumChange(3);
-    EXPECT_EQ(rig.manual.at.first, 2);
-  });
-}
-
-TEST_F(ManualTest, TheRunGoesOnBehindTheStepThatIsShown) {
-  InManual([&] {
-    panel.Key(ArrowKey::Left);
-    panel.MoveOffset(-15);
-    panel.Tick();
-    EXPECT_EQ(rig.manual.at, std::pair(1, 1));
-    EXPECT_EQ(rig.display.Now(Readout::TestLevel), 118.5);
-    EXPECT_EQ(rig.display.Now(Readout::Frequency), 1);
-  });
-  EXPECT_EQ(rig.display.steps, (std::vector<int>{1, 2, 2, 3}));
-  EXPECT_EQ(rig.Rows().size(), 4U);
-  EXPECT_LE(rig.highestAt[2], -8);
-}
-
-TEST_F(ManualTest, RfAndModulationFollowTheOperator) {
-  rig.UseAm(true, true);
-  manual = {[&] { mode.manModOn(false); }, [&] { mode.manRfOn(false); },
-            [&] {
-              EXPECT_FALSE(rig.manual.rf);
-              EXPECT_FALSE(rig.manual.mod);
-              mode.manLevOffsetChange(-3);
-            },
-            [&] { mode.manRfOn(true); }, [&] { mode.manModOn(true); }};
-  Run();
-  EXPECT_TRUE(rig.manual.opened.ModEnabled && rig.manual.opened.ModOn && rig.manual.mod);
-  auto sent = Sent();
-  sent.resize(5);
-  EXPECT_THAT(sent, ElementsAre("MOD OFF", "OUTP OFF", "POW -16.1 DBM", "OUTP ON", "AM ON"));
-}
-
-TEST_F(ManualTest, ModulationThatTheGeneratorRefusesIsNotShownAsSwitched) {
-  rig.UseAm(true, false);
-  InManual([&] {
-    rig.bus.FailLine("> 18 MOD OFF", gpib::kEnol);
-    mode.manModOn(false);
-    EXPECT_TRUE(rig.manual.mod);
-    mode.manModOn(false);
-    EXPECT_FALSE(rig.manual.mod);
-    rig.bus.FailLine("> 18 AM ON", gpib::kEnol);
-    mode.manModOn(true);
-    EXPECT_FALSE(rig.manual.mod);
-    EXPECT_FALSE(rig.rfOn);
-  });
-}
-
-TEST_F(ManualTest, AFailureAfterOneThatTheOperatorWentOnFromIsToldToo) {
+TEST(ManualMode, AFailureAfterOneThatTheOperatorWentOnFromIsToldToo) {
+  ManualRun m;
   const char* const lines[] = {"> 18 POW -9.0", "> 18 POW -7.0", "> 18 FREQ 4.0"};  // twice by hand, then the next step
-  for (const char* line : lines) rig.bus.FailLine(line, gpib::kEnol);
-  const auto offset = [&](float db) { mode.manLevOffsetChange(db); };
-  manual = {[&] { mode.manRfOn(true), offset(-1); }, [&] { mode.manRfOn(true), offset(1); }};
-  Run();
-  const auto texts = rig.t.dialogs.Texts();
-  EXPECT_EQ(std::count_if(texts.begin(), texts.end(),
-                          [](const auto& text) { return text.starts_with("Error in writing command to Signal"); }),
-            3);
+  for (const char* line : lines) m.bus.FailLine(line, gpib::kEnol);
+  const auto offset = [&](float db) { m.mode.manRfOn(true), m.mode.manLevOffsetChange(db); };
+  m.Play({[&] { offset(-1); }, [&] { offset(1); }});
+  EXPECT_THAT(m.t.dialogs.Texts(),
+              testing::Contains(testing::StartsWith("Error in writing command to Signal")).Times(3));
 }
 
-TEST_F(ManualTest, ModulationSwitchedOffByHandIsBackForTheNextStep) {
-  rig.UseAm(false, false);
-  InManual([&] { mode.manModOn(false); });
-  EXPECT_THAT(rig.Sent(18), testing::Contains("AM ON").Times(2));
+TEST(ManualMode, ModulationThatIsOffByHandOrMayBeIsBackForTheNextStep) {
+  for (const bool fails : {false, true}) {
+    ManualRun m;
+    m.UseAm(false, false);
+    m.Play([&] {
+      if (fails) m.bus.FailLine("> 18 MOD OFF", gpib::kEnol);
+      m.mode.manModOn(false);
+    });
+    EXPECT_THAT(m.Sent(18), testing::Contains("AM ON").Times(2));
+  }
 }
 
-TEST_F(ManualTest, ModulationIsBackForTheNextStepAlsoWhereItMayBeOff) {
-  rig.UseAm(false, false);
-  InManual([&] {
-    rig.bus.FailLine("> 18 MOD OFF", gpib::kEnol);
-    mode.manModOn(false);
-  });
-  EXPECT_THAT(rig.Sent(18), testing::Contains("AM ON").Times(2));
+TEST(ManualMode, AThresholdIsRecordedBetweenTheStepsWithItsCommentIfAny) {
+  ManualRun m;
+  m.t.dialogs.AnswerInput("display flickers");
+  m.t.dialogs.AnswerInput(std::nullopt);
+  m.Play([&] { m.mode.manThresholdClick(2, -1.5F), m.mode.manThresholdClick(2, 0); });
+  ASSERT_EQ(m.Rows().size(), 5U);
+  EXPECT_EQ(m.Rows()[2], "2.0, Threshold -1.5dB, display flickers");
+  EXPECT_EQ(m.Rows()[3], "2.0, Threshold 0.0dB, ");
+  EXPECT_EQ(m.t.dialogs.inputs[0].title, "Threshold Comment");
+  EXPECT_EQ(m.t.dialogs.inputs[0].prompt, "Enter comments");
 }
 
-TEST_F(ManualTest, AFormThatAnExceptionLeftOpenIsTakenAwayWithRfOff) {
-  onYield = [&, thrown = false]() mutable {
-    if (rig.manual.isOpen && !std::exchange(thrown, true)) throw RuntimeError(ErrorNumber::Overflow);
+TEST(ManualMode, WhatEndsTheRunTakesItsFormAwayWithRfOff) {
+  constexpr const char* kOverflow = "Error # 6\rOverflow\rfrmRunTest.RunCDI\r";
+  const struct {
+    const char* name;
+    void (*act)(ManualRun&);
+    const char* text;
+  } rows[] = {
+      {"a halt", [](auto& m) { m.t.shell.delay.RequestHalt(), m.mode.manLevOffsetChange(3); }, ""},
+      {"an amplifier that fails", [](auto& m) { m.bus.FailLine("> 10 8", gpib::kEabo), m.mode.manStepNumChange(1); },
+       ""},
+      {"an event that throws, and its RF off, too",
+       [](auto& m) {
+         m.throwAtLines = {"> 18 POW", "> 18 OUTP OFF"}, m.mode.manLevOffsetChange(-3);
+       },
+       kOverflow},
+      {"an event that throws, and its RF off fails",
+       [](auto& m) {
+         m.throwAtLines = {"> 18 POW"}, m.bus.FailLine("> 18 OUTP OFF", gpib::kEnol), m.mode.manLevOffsetChange(-3);
+       },
+       kOverflow},
+      {"an exception that leaves the form open", [](auto&) { throw RuntimeError(ErrorNumber::Overflow); }, kOverflow},
   };
-  Run();
-  EXPECT_THAT(rig.manual.calls, ElementsAre("manual opened", "manual closed"));
-  EXPECT_FALSE(rig.rfOn);
-  EXPECT_EQ(rig.engine.Outcome(), RunOutcome::EndedEarly);
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    ManualRun m;
+    m.UseIfi(1.5);
+    m.Play([&] { row.act(m); });
+    EXPECT_TRUE(*row.text == 0 || m.Shown(row.text) == 1) << testing::PrintToString(m.t.dialogs.Texts());
+    EXPECT_FALSE(m.rfOn || m.rfOnAtMessage);
+    EXPECT_EQ(m.highestDbm, -8);
+    EXPECT_EQ(m.Rows().size(), 2U);
+    EXPECT_THAT(m.manual.calls, ElementsAre("manual opened", "manual closed"));
+    EXPECT_EQ(m.engine.Outcome(), RunOutcome::EndedEarly);
+  }
 }
 
-TEST_F(ManualTest, AThresholdIsRecordedBetweenTheStepsWithItsCommentIfAny) {
-  rig.t.dialogs.AnswerInput("display flickers");
-  rig.t.dialogs.AnswerInput(std::nullopt);
-  manual = {[&] { mode.manThresholdClick(2, -1.5F); }, [&] { mode.manThresholdClick(2, 0); }};
-  Run();
-  ASSERT_EQ(rig.Rows().size(), 5U);
-  EXPECT_EQ(rig.Rows()[2], "2.0, Threshold -1.5dB, display flickers");
-  EXPECT_EQ(rig.Rows()[3], "2.0, Threshold 0.0dB, ");
-  EXPECT_EQ(rig.t.dialogs.inputs[0].title, "Threshold Comment");
-  EXPECT_EQ(rig.t.dialogs.inputs[0].prompt, "Enter comments");
+TEST(ManualMode, RfThatItLeftOnIsOffWhileTheSensorIsMoved) {
+  ManualRun m;
+  m.UsePower(LevelingMethod::ForwardPower);
+  m.UseIfi();
+  m.manualAfter = 3;
+  m.Play({[&] { m.mode.manStepNumChange(1); },
+          [&] {
+            m.mode.manRfOn(true);
+            EXPECT_TRUE(m.rfOn);
+          }});
+  EXPECT_EQ(m.Shown("Move sensor(s) to low freq coupler"), 1);
+  EXPECT_FALSE(m.rfOnAtMessage);
+  EXPECT_EQ(m.Rows().size(), 5U);
+  EXPECT_EQ(m.Rows()[3], m.Rows()[1]);
 }
 
-TEST_F(ManualTest, AHaltEndsTheRunAndRemovesTheForm) {
-  manual = {[&] { rig.t.shell.delay.RequestHalt(); }, [&] { mode.manLevOffsetChange(3); }};
-  Run();
-  EXPECT_EQ(rig.Rows().size(), 2U);
-  EXPECT_THAT(rig.manual.calls, Contains("manual closed"));
-  EXPECT_FALSE(rig.rfOn);
-  EXPECT_EQ(rig.highestDbm, -8);
-}
-
-TEST_F(ManualTest, AnAmplifierThatFailsHaltsTheRun) {
-  rig.UseIfi(1.5);
-  InManual([&] {
-    rig.bus.FailLine("> 10 8", gpib::kEabo);
-    mode.manStepNumChange(1);
-    EXPECT_TRUE(rig.t.shell.delay.HaltRequested());
-  });
-  EXPECT_EQ(rig.Rows().size(), 2U);
-  EXPECT_FALSE(rig.rfOn);
-}
-
-class ManualThrowTest : public ManualTest, public testing::WithParamInterface<bool> {};
-
-TEST_P(ManualThrowTest, AnExceptionIsToldWithRfOffThoughTheFirstRfOffDoesNotGetThrough) {
-  InManual([&] {
-    rig.throwAtLines = {"> 18 POW"};
-    GetParam() ? rig.throwAtLines.push_back("> 18 OUTP OFF") : rig.bus.FailLine("> 18 OUTP OFF", gpib::kEnol);
-    mode.manLevOffsetChange(-3);
-  });
-  EXPECT_EQ(rig.Shown("Error # 6\rOverflow\rfrmRunTest.RunCDI\r"), 1);
-  EXPECT_FALSE(rig.rfOnAtMessage);
-  EXPECT_EQ(rig.Rows().size(), 2U) << "the run is halted";
-}
-
-INSTANTIATE_TEST_SUITE_P(RfOff, ManualThrowTest, testing::Values(false, true),
-                         [](const auto& throws) { return throws.param ? "throws" : "fails"; });
-
-TEST_F(ManualTest, RfThatManualModeLeftOnIsOffWhileTheSensorIsMoved) {
-  rig.UsePower(LevelingMethod::ForwardPower);
-  rig.UseIfi();
-  manualAfter = 3;
-  manual = {[&] { mode.manStepNumChange(1); },
-            [&] {
-              mode.manRfOn(true);
-              EXPECT_TRUE(rig.rfOn);
-            }};
-  Run();
-  EXPECT_EQ(rig.Shown("Move sensor(s) to low freq coupler"), 1);
-  EXPECT_FALSE(rig.rfOnAtMessage);
-  EXPECT_EQ(rig.Rows().size(), 5U);
-  EXPECT_EQ(rig.Rows()[3], rig.Rows()[1]);
-}
-
-TEST_F(ManualTest, TheManualButtonCutsALongDwellToOneIntermediateDwell) {
-  rig.test.SweepDwell = 1000;
-  std::int64_t pressedAt = 0;
-  ASSERT_EQ(rig.Prepare(), RunReadiness::Ready);
-  rig.t.events.onYield = [&] {
-    if (rig.display.statuses.back() == "Finishing Final Dwell..." && pressedAt == 0) {
-      rig.engine.RequestManual();
-      pressedAt = rig.t.clock.TickMs();
-    }
-    if (!rig.manual.isOpen) return;
-    EXPECT_LE(rig.t.clock.TickMs() - pressedAt, 502);
-    rig.t.shell.delay.RequestHalt();
-  };
-  rig.engine.RunCdiTest();
-  EXPECT_EQ(rig.Rows().size(), 1U);
-  EXPECT_EQ(rig.manual.opened.Step, 1);
-}
-
-TEST_F(ManualTest, TheRunLogTellsHowLongACutDwellWasHeld) {
+TEST(ManualMode, ItsButtonCutsALongDwellToOneIntermediateDwellAndTheRunLogTellsHowLongItWasHeld) {
+  RunRig rig;
   const WorkingDirectory here(rig.t.directory.Path());
-  rig.t.shell.settings.Store().SaveSettingStr("System", "LogToFile", "1");
+  rig.LogToFile();
+  rig.test.InitLevOffset = -6;
   rig.test.SweepDwell = 60;
-  ASSERT_EQ(rig.Prepare(), RunReadiness::Ready);
   rig.AtStatus(
       "Intermediate dwell...",
       [&] {
         const std::int64_t levelReached = rig.t.clock.TickMs();
         rig.t.events.At(levelReached + 1500, [&] { rig.engine.RequestManual(); });
-        rig.t.events.At(levelReached + 2100, [&] { mode.manExitClick(); });
+        rig.t.events.At(levelReached + 2100, [&] { rig.engine.Manual().manExitClick(); });
       },
       4);
-  rig.engine.RunCdiTest();
+  rig.Run();
   const std::string log = rig.t.directory.Read("runlog.hyl");
   EXPECT_THAT(log, testing::HasSubstr("Dwell cut short by Manual at 2.0 MHz: held 2.0 s of 60.0 s\r\n"));
   EXPECT_EQ(log.find("cut short"), log.rfind("cut short")) << "the others were held to their end";
 }
 
-TEST_F(ManualTest, ElapsedAndRemainingTimeLeaveManualModeOut) {
+TEST(ManualMode, ElapsedAndRemainingTimeLeaveItOut) {
   std::vector<double> elapsed, remaining;
   for (const std::int64_t minutes : {0, 10}) {
-    SCOPED_TRACE(minutes);
-    RunRig timed;
-    timed.test.StopFreq = 3;
-    timed.test.StepType = StepType::Linear;
-    timed.test.LinearStep = 0.25;
-    ASSERT_EQ(timed.Prepare(), RunReadiness::Ready);
-    timed.t.events.onYield = [&, asked = false]() mutable {
-      if (!asked && timed.display.steps.size() == 4) {
-        asked = true;
-        timed.engine.RequestManual();
-      }
-      if (!timed.manual.isOpen) return;
-      timed.t.clock.Advance(minutes * 60000);
-      timed.engine.Manual().manExitClick();
-    };
-    timed.engine.RunCdiTest();
-    elapsed.push_back(timed.display.Now(Readout::Elapsed));
-    const std::vector<double> shown = timed.display.All(Readout::Remaining);
-    remaining.push_back(shown.at(shown.size() - 2));
+    ManualRun m;
+    m.test.StopFreq = 3, m.test.StepType = StepType::Linear, m.test.LinearStep = 0.25;
+    m.manualAfter = 4;
+    m.Play([&] { m.t.clock.Advance(minutes * 60000); });
+    elapsed.push_back(m.display.Now(Readout::Elapsed));
+    remaining.push_back(*(m.display.All(Readout::Remaining).end() - 2));
   }
   EXPECT_NEAR(elapsed[0], elapsed[1], 0.01);
   EXPECT_NEAR(remaining[0], remaining[1], 0.01);
 }
 
-TEST_F(ManualTest, StepsThatAreRunAgainCountInTheTimePerStep) {
-  rig.test.InitLevOffset = 0;
-  InManual([&] {
-    panel.MoveStep(1);
-    panel.Tick();
-  });
+TEST(ManualMode, StepsThatAreRunAgainCountInTheTimePerStep) {
+  ManualRun m;
+  m.test.InitLevOffset = 0;
+  m.Play([&] { m.Step(1); });
   // Steps 2, 2 and 3 are timed, 2.5 s each but for the cut dwell; after the last, one step is still counted as left.
-  const double minutes = rig.display.Now(Readout::Elapsed);
-  EXPECT_NEAR(*(rig.display.All(Readout::Remaining).end() - 2), minutes / 3, 1e-9);
+  const double minutes = m.display.Now(Readout::Elapsed);
+  EXPECT_NEAR(*(m.display.All(Readout::Remaining).end() - 2), minutes / 3, 1e-9);
 }
 
 }  // namespace
