@@ -86,38 +86,32 @@ TEST(LevelTargets, AGeneratorThatCannotGoLowEnoughIsTold) {
   EXPECT_FALSE(GeneratorGoesDownTo(std::numeric_limits<float>::quiet_NaN(), -10));
 }
 
-struct StartCase {
-  const char* name;
-  int method;
-  float initialOffset;
-  bool limitCurrent;
-  PreviousStep previous;
-  double frequency, expected;
-};
-class StartTest : public testing::TestWithParam<StartCase> {};
-
-TEST_P(StartTest, BeginsThisFarBelow) {
-  const StartCase& c = GetParam();
-  TestDefinition test = Method(c.method);
-  test.InitLevOffset = c.initialOffset;
-  test.LimitCurrent = c.limitCurrent;
-  EXPECT_NEAR(StartingOffset(test, c.previous, c.frequency), c.expected, 1e-4);
+TEST(LevelTargets, AStepBeginsThisFarBelow) {
+  const struct {
+    const char* name;
+    int method;
+    float initialOffset;
+    bool limitCurrent;
+    PreviousStep previous;
+    double frequency, expected;
+  } cases[] = {{"first by generator", 0, -6, false, {}, 1, 6},
+               {"first by power", 1, -6, false, {}, 1, 60},
+               {"first by an unknown method", 7, -6, false, {}, 1, 6},
+               {"later by an unknown method", 7, -6, false, {1, 2}, 10, 8},
+               {"first with current limit", 0, -6, true, {}, 1, 60},
+               {"first from deeper", 1, -70, false, {}, 1, 70},
+               {"later by generator", 0, -6, false, {1, 2}, 10, 8},
+               {"later by power drops with frequency", 2, -6, false, {1, -1}, 10, 25},
+               {"later never above", 1, 0, false, {1, -2.9}, 1.05, 0},
+               {"later below where it ended", 1, -6, false, {1, -2.9}, 1, 3.1},
+               {"a positive offset never starts above", 0, 6, false, {}, 1, 6}};
+  for (const auto& c : cases) {
+    TestDefinition test = Method(c.method);
+    test.InitLevOffset = c.initialOffset;
+    test.LimitCurrent = c.limitCurrent;
+    EXPECT_NEAR(StartingOffset(test, c.previous, c.frequency), c.expected, 1e-4) << c.name;
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(LevelTargets, StartTest,
-                         testing::Values(StartCase{"first_by_generator", 0, -6, false, {}, 1, 6},
-                                         StartCase{"first_by_power", 1, -6, false, {}, 1, 60},
-                                         StartCase{"first_by_an_unknown_method", 7, -6, false, {}, 1, 6},
-                                         StartCase{"later_by_an_unknown_method", 7, -6, false, {1, 2}, 10, 8},
-                                         StartCase{"first_with_current_limit", 0, -6, true, {}, 1, 60},
-                                         StartCase{"first_from_deeper", 1, -70, false, {}, 1, 70},
-                                         StartCase{"later_by_generator", 0, -6, false, {1, 2}, 10, 8},
-                                         StartCase{
-                                             "later_by_power_drops_with_frequency", 2, -6, false, {1, -1}, 10, 25},
-                                         StartCase{"later_never_above", 1, 0, false, {1, -2.9}, 1.05, 0},
-                                         StartCase{"later_below_where_it_ended", 1, -6, false, {1, -2.9}, 1, 3.1},
-                                         StartCase{"a_positive_offset_never_starts_above", 0, 6, false, {}, 1, 6}),
-                         [](const auto& row) { return row.param.name; });
 
 TEST(LevelTargets, ARampStepClosesOnTheTargetButNotTooFinely) {
   EXPECT_DOUBLE_EQ(RampStep(10, 6), 6);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/ReadLines.h"
 #include "support/TestShell.h"
 #include "testrun/RunReport.h"
 #include "testrun/RunRig.h"
@@ -42,68 +43,48 @@ TEST(RunData, TheThresholdFileHoldsThresholdsOnly) {
             "0.15, Threshold -1.5dB, display, flickers  badly\r\n");
 }
 
-struct SaveTest : testing::Test {
+TEST(SaveRunData, IsTrueOnlyWhereNothingIsLost) {
   TestShell t;
-};
-
-TEST_F(SaveTest, NothingToSaveOpensNoDialog) {
+  t.shell.settings.SaveDataDir(datakind::kTestResults, t.directory.Path());
   EXPECT_TRUE(SaveRunData(t.shell, RunData()));
   EXPECT_TRUE(t.dialogs.WasShown("No run data to save"));
   EXPECT_TRUE(t.dialogs.saveRequests.empty());
-}
-
-TEST_F(SaveTest, ACancelledDialogSavesNothingAndSaysSo) {
-  EXPECT_FALSE(SaveRunData(t.shell, Example()));
-}
-
-TEST_F(SaveTest, TheChosenFileGetsAllRows) {
-  t.shell.settings.SaveDataDir(datakind::kTestResults, t.directory.Path());
+  EXPECT_FALSE(SaveRunData(t.shell, Example())) << "the dialog is cancelled";
   t.dialogs.AnswerSave(t.directory.File("a.run"));
   EXPECT_TRUE(SaveRunData(t.shell, Example()));
   EXPECT_EQ(t.directory.Read("a.run"), kWhole);
-  ASSERT_EQ(t.dialogs.saveRequests.size(), 1U);
-  EXPECT_EQ(t.dialogs.saveRequests[0].title, "Select run file");
-  EXPECT_EQ(t.dialogs.saveRequests[0].filter, "Test Run Files (*.run)|*.run|All Files|*.*");
-  EXPECT_EQ(t.dialogs.saveRequests[0].directory, t.directory.Path());
-}
-
-TEST_F(SaveTest, AFileThatCantBeWrittenIsReportedWithItsPath) {
+  const FileRequest& request = t.dialogs.saveRequests.back();
+  EXPECT_EQ(request.title, "Select run file");
+  EXPECT_EQ(request.filter, "Test Run Files (*.run)|*.run|All Files|*.*");
+  EXPECT_EQ(request.directory, t.directory.Path());
   const std::string path = t.directory.File("missing/a.run");
   EXPECT_FALSE(FileRunData(t.shell, Example(), path, false));
-  EXPECT_TRUE(t.dialogs.LastText().find("FileRunData\r" + path) != std::string::npos) << t.dialogs.LastText();
+  EXPECT_TRUE(t.dialogs.WasShownContaining("FileRunData\r" + path));
 }
 
 TEST(RunReport, PagesFollowTheKind) {
   RunRig rig;
-  const RunData data = Example();
-  PrintRunReport(rig.t.shell, rig.documents, data, RunReportKind::Brief);
-  PrintRunReport(rig.t.shell, rig.documents, data, RunReportKind::Threshold);
-  PrintRunReport(rig.t.shell, rig.documents, data, RunReportKind::Detailed);
+  for (const auto kind : {RunReportKind::Brief, RunReportKind::Threshold, RunReportKind::Detailed})
+    PrintRunReport(rig.t.shell, rig.documents, Example(), kind);
   ASSERT_EQ(rig.t.printer.jobs.size(), 3U);
 
   const PrintJob& brief = rig.t.printer.jobs[0];
   EXPECT_TRUE(brief.askForPrinter);
   EXPECT_EQ(brief.top, 5);
   EXPECT_EQ(brief.bottom, 90);
-  EXPECT_EQ(brief.lines[0].points, 16);
-  EXPECT_TRUE(brief.lines[0].bold);
-  const auto lines = rig.t.printer.Lines(0);
-  ASSERT_EQ(lines.size(), 8U);
-  EXPECT_EQ(lines[0], "                   Test Run Data");
-  EXPECT_EQ(lines[1], "");
-  EXPECT_EQ(lines[2], "Note: Data with asterisks indicates item first meeting leveling criteria.");
-  EXPECT_EQ(lines[4], "0.15, -10.0 **, 120.1, 76.4, 40.1, ");
-  EXPECT_FALSE(brief.lines[4].bold);
-  EXPECT_EQ(brief.lines[4].points, 10);
-
-  EXPECT_EQ(rig.t.printer.Lines(1),
-            (std::vector<std::string>{"                   Test Run Data", "", "Freq(MHz), Threshold, Comment",
-                                      "0.15, Threshold -1.5dB, display, flickers  badly"}));
+  EXPECT_TRUE(brief.lines[0].bold && brief.lines[0].points == 16);
+  EXPECT_TRUE(!brief.lines[4].bold && brief.lines[4].points == 10);
+  const Strings whole = ReadLines(rig.t.directory.Write("whole.run", kWhole)), printed = rig.t.printer.Lines(0);
+  EXPECT_EQ(printed[1], "");
+  Strings below = printed;
+  below.erase(below.begin() + 1);
+  EXPECT_EQ(below, whole);
+  EXPECT_EQ(rig.t.printer.Lines(1), (Strings{whole[0], "", "Freq(MHz), Threshold, Comment", whole[4]}));
 
   const auto& detailed = rig.t.printer.jobs[2].lines;
   EXPECT_EQ(detailed.front().text, "                 Test Run Parameters");
-  EXPECT_TRUE(detailed[detailed.size() - lines.size()].newPage);
-  EXPECT_EQ(detailed[detailed.size() - lines.size()].text, lines[0]);
+  EXPECT_TRUE(detailed[detailed.size() - printed.size()].newPage);
+  EXPECT_EQ(detailed[detailed.size() - printed.size()].text, whole[0]);
 }
 
 TEST(RunReport, AFailingPrinterIsReportedAndTheDataStay) {
@@ -113,42 +94,30 @@ TEST(RunReport, AFailingPrinterIsReportedAndTheDataStay) {
   EXPECT_TRUE(rig.t.dialogs.WasShownContaining("PrintRunData"));
 }
 
-struct UnitCase {
-  RunUnit unit;
-  const char *caption, *value;
-};
-
-TEST(RunUnits, TheTestLevelIsShownInEveryUnit) {
-  const UnitCase cases[] = {
-      {RunUnit::DbuV, "Test Level\r\n(dBuv)", "120.0"},  {RunUnit::DbuA, "Test Level\r\n(dBuA)", "76.5"},
-      {RunUnit::Dbm, "Test Level\r\n(dBm)", "8.2"},      {RunUnit::Milliwatts, "Test Level\r\n(mW)", "6.7"},
-      {RunUnit::Volts, "Test Level\r\n(Volts)", "1.00"},
+TEST(RunUnits, LevelsAreShownInEveryUnit) {
+  const struct {
+    RunUnit unit;
+    const char *caption, *value, *induced, *inducedValue;
+  } cases[] = {
+      {RunUnit::DbuV, "Test Level\r\n(dBuv)", "120.0", "Induced Level\r\n(dBuv est)", "120.0"},
+      {RunUnit::DbuA, "Test Level\r\n(dBuA)", "76.5", "Induced Level\r\n(dBuA)", "76.5"},
+      {RunUnit::Dbm, "Test Level\r\n(dBm)", "8.2", "Induced Level\r\n(dBm est)", "8.2"},
+      {RunUnit::Milliwatts, "Test Level\r\n(mW)", "6.7", "Induced Level\r\n(mW est)", "6.7"},
+      {RunUnit::Volts, "Test Level\r\n(Volts)", "1.00", "Induced Level\r\n(Volts est)", "1.000"},
   };
-  for (const UnitCase& c : cases) {
-    const ShownLevel shown = ShowTestLevel(120, c.unit, 150);
+  for (const auto& c : cases) {
+    const ShownLevel shown = ShowTestLevel(120, c.unit, 150), induced = ShowInducedLevel(76.4782, 80, c.unit, 150);
     EXPECT_EQ(shown.Caption, c.caption);
     EXPECT_EQ(shown.Value, c.value);
     EXPECT_EQ(shown.ToolTip, "76.5 dBua current in a 150.0 ohm system");
+    EXPECT_EQ(induced.Caption, c.induced);
+    EXPECT_EQ(induced.Value, c.inducedValue) << c.induced;
   }
   EXPECT_EQ(ShowTestLevel(119.9, RunUnit::Volts, 150).Value, "0.989");
-}
-
-TEST(RunUnits, TheInducedLevelIsShownInEveryUnit) {
-  const UnitCase cases[] = {
-      {RunUnit::DbuV, "Induced Level\r\n(dBuv est)", "120.0"},
-      {RunUnit::DbuA, "Induced Level\r\n(dBuA)", "76.5"},
-      {RunUnit::Dbm, "Induced Level\r\n(dBm est)", "8.2"},
-      {RunUnit::Milliwatts, "Induced Level\r\n(mW est)", "6.7"},
-      {RunUnit::Volts, "Induced Level\r\n(Volts est)", "1.000"},
-      {RunUnit::Relative, "Induced level\r\ndB (relative)", "-3.5"},
-  };
-  for (const UnitCase& c : cases) {
-    const ShownLevel shown = ShowInducedLevel(76.4782, 80, c.unit, 150);
-    EXPECT_EQ(shown.Caption, c.caption);
-    EXPECT_EQ(shown.Value, c.value) << c.caption;
-  }
-  EXPECT_EQ(ShowInducedLevel(80, 80, RunUnit::Relative, 150).Value, "0.0");
-  EXPECT_EQ(ShowInducedLevel(80, 80, RunUnit::Relative, 150).ToolTip, "dB relative to induced current limit");
+  const ShownLevel relative = ShowInducedLevel(76.4782, 80, RunUnit::Relative, 150);
+  EXPECT_EQ(relative.Caption, "Induced level\r\ndB (relative)");
+  EXPECT_EQ(relative.Value, "-3.5");
+  EXPECT_EQ(relative.ToolTip, "dB relative to induced current limit");
   EXPECT_EQ(ShowInducedLevel(80, -999, RunUnit::Relative, 150).Value, "na");
 }
 
