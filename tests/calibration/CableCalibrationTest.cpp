@@ -205,13 +205,12 @@ TEST_F(CableTest, AHaltedDirectPassKeepsThePlanAndHasToBeTakenAgain) {
 }
 
 TEST_F(CableTest, AHaltedInsertPassCostsNoDirectReadingAndSavesWhatIsComplete) {
-  rig.portDb = 30;
-  cable.DirectPass(rig.display);
-  rig.portDb = 27.25;
+  MeasureBoth();
+  rig.t.dialogs.Answer(MessageAnswer::No);  // not to be saved
   rig.HaltAt(4);
   cable.InsertPass(rig.display);
   EXPECT_EQ(Read(&CablePoint::HasDirect), 10);
-  EXPECT_EQ(Read(&CablePoint::HasBoth), 3);
+  EXPECT_EQ(Read(&CablePoint::HasBoth), 3) << "readings of two passes are mixed";
   rig.t.dialogs.AnswerSave(rig.t.directory.File("a.los"));
   EXPECT_TRUE(cable.SaveFile());
   EXPECT_EQ(rig.t.dialogs.LastText(), "The insert pass ended early: the file holds 1 - 3 MHz only.");
@@ -306,6 +305,31 @@ TEST_F(CableTest, EndsAtEscapeFromADwellOfZero) {
   for (const auto answer : {MessageAnswer::Ok, MessageAnswer::Ok, MessageAnswer::Cancel}) rig.t.dialogs.Answer(answer);
   cable.DirectPass(rig.display);
   EXPECT_EQ(Read(&CablePoint::HasDirect), 2);
+}
+
+TEST_F(CableTest, AReadingThatIsNoneIsToldWithRfOffThoughThreeRfOffsDoNotGetThrough) {
+  rig.levels = {9.91e37};
+  rig.onMeterRead = [&](double) {
+    for (int attempt = 0; attempt < 3; ++attempt) rig.bus.FailLine("> 18 OUTP OFF", gpib::kEnol);
+  };
+  cable.DirectPass(rig.display);
+  EXPECT_TRUE(rig.t.dialogs.WasShownContaining("The meter's answer is no level"));
+  EXPECT_FALSE(rig.rfOnAtMessage);
+}
+
+TEST_F(CableTest, RunsBesideNoOtherRun) {
+  bool within = false;
+  rig.onMeterRead = [&](double) {
+    if (within) return;
+    within = true;
+    cable.DirectPass(rig.display);
+  };
+  rig.Run();
+  EXPECT_EQ(rig.Shown("Another run is using the instruments"), 1);
+  EXPECT_EQ(rig.level.Outcome(), RunOutcome::Finished);
+  EXPECT_EQ(cable.Outcome(), RunOutcome::NotRun);
+  cable.DirectPass(rig.display);
+  EXPECT_EQ(cable.Outcome(), RunOutcome::Finished);
 }
 
 }  // namespace

@@ -107,5 +107,60 @@ TEST_F(LevelEndTest, KeepsThePointsWhenASaveFails) {
   EXPECT_FALSE(rig.level.Save());  // cancelled
 }
 
+TEST_F(LevelEndTest, KeepsThePointsBeforeWhenARunIsHaltedOrFailsComingUp) {
+  rig.setup.RecordFwdPwr = 1;
+  rig.Run();
+  const auto rows = rig.Rows();
+  ASSERT_EQ(rows.size(), 3U);
+  rig.t.dialogs.Answer(MessageAnswer::No);  // not to be saved
+  for (const char* line : {"", "FIND 18", "FIND 7", "FIND 13", "> 10 8"}) {
+    SCOPED_TRACE(line);
+    const bool halts = *line == 0;
+    rig.t.events.onYield = [&] {
+      if (halts) rig.t.shell.delay.RequestHalt();
+    };
+    if (!halts) rig.bus.FailLine(line, gpib::kEnol);
+    if (*line == '>') rig.UseIfi();
+    rig.t.dialogs.Clear();
+    rig.bus.transcript.Clear();
+    rig.level.Run();
+    EXPECT_EQ(rig.t.dialogs.messages.size(), halts ? 2U : 1U) << testing::PrintToString(rig.t.dialogs.Texts());
+    EXPECT_EQ(rig.Rows(), rows);
+    EXPECT_EQ(rig.level.Outcome(), RunOutcome::EndedEarly);
+    EXPECT_EQ(rig.display.phases.back(), RunPhase::Ready);
+    EXPECT_THAT(rig.bus.Lines(), testing::Not(testing::Contains("> 18 OUTP ON")));
+  }
+}
+
+TEST_F(LevelEndTest, RecordsNoPowerThatWasReadAfterRfWentOff) {
+  rig.setup.RecordRevPwr = 1;
+  rig.levels = {120.25, 120.25, 120.25};
+  int readings = 0;
+  rig.bus.transcript.onLine = [&, follow = rig.bus.transcript.onLine](const std::string& line) {
+    follow(line);
+    if (line != "> 7 BR?" || ++readings != 3) return;
+    // As when the program is asked to end.
+    rig.t.shell.delay.RequestHalt();
+    EXPECT_TRUE(rig.instruments.sigGen.SilenceRf());
+  };
+  rig.Run();
+  ASSERT_EQ(rig.Rows().size(), 3U);
+  EXPECT_EQ(CellsOf(rig.level.Rows()[2])[4], "");
+  EXPECT_EQ(CompleteRows(rig.level.Rows()).size(), 2U);
+}
+
+TEST_F(LevelEndTest, AnExceptionIsToldWithRfOffThoughTheFirstRfOffDoesNotGetThrough) {
+  for (const bool throws : {false, true}) {
+    CalibrationRuns failing;
+    failing.onMeterRead = [&](double) {
+      throws ? failing.throwAtLines.push_back("> 18 OUTP OFF") : failing.bus.FailLine("> 18 OUTP OFF", gpib::kEnol);
+      throw RuntimeError(ErrorNumber::Overflow);
+    };
+    failing.Run();
+    EXPECT_EQ(failing.Shown("Error # 6\rOverflow\rfrmRunCal.RunCal\r"), 1);
+    EXPECT_FALSE(failing.rfOnAtMessage);
+  }
+}
+
 }  // namespace
 }  // namespace hylden
