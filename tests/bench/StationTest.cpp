@@ -2,10 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "bench/Bench.h"
 #include "documents/CalInfo.h"
@@ -15,6 +12,7 @@
 #include "support/ReadLines.h"
 #include "text/Numbers.h"
 #include "text/RecordFile.h"
+#include "text/TextFile.h"
 
 namespace hylden {
 namespace {
@@ -40,13 +38,8 @@ struct CalLine {
 std::vector<CalLine> Record(const std::string& name) {
   std::vector<CalLine> points;
   for (const std::string& line : ReadLines(File(name))) {
-    std::istringstream fields(line);
-    CalLine point{};
-    char comma = 0;
-    fields >> point.freq >> comma >> point.level >> comma >> point.test >> comma >> point.forward >> comma >>
-        point.reverse >> comma;
-    EXPECT_TRUE(fields && comma == ',') << line;
-    points.push_back(point);
+    CalLine& p = points.emplace_back();
+    EXPECT_TRUE(ReadNumbers(line, {&p.freq, &p.level, &p.test, &p.forward, &p.reverse})) << line;
   }
   return points;
 }
@@ -59,15 +52,9 @@ BenchConfig StationBench() {
 
 TEST(Station, EveryFileEndsItsLinesWithCrLf) {
   for (const auto& path : FilesOf("")) {
-    std::ifstream stream(path, std::ios::binary);
-    const std::string bytes((std::istreambuf_iterator<char>(stream)), {});
-    const auto lineFeeds = std::count(bytes.begin(), bytes.end(), '\n');
-    std::ptrdiff_t pairs = 0;
-    for (auto at = bytes.find("\r\n"); at != std::string::npos; at = bytes.find("\r\n", at + 2)) ++pairs;
-    EXPECT_GT(pairs, 0) << path;
-    EXPECT_EQ(pairs, lineFeeds) << path;
-    ASSERT_FALSE(bytes.empty()) << path;
-    EXPECT_EQ(bytes.back(), '\n') << path;
+    std::string text;
+    for (const std::string& line : ReadLines(path.string())) text += line + "\r\n";
+    EXPECT_EQ(ReadTextFile(path.string()), text) << path;
   }
 }
 
