@@ -74,55 +74,38 @@ struct FakeStation : RampStation {
   }
 };
 
-struct RampCase {
-  const char* name;
-  LevelingMethod method;
-  void (*arrange)(FakeStation&);
-  double offset, level, kept;  ///< where it begins, ends, and what the next step begins below
-  std::set<Readout> held;
-};
-
 TEST(LevelRamp, EndsAtItsLevelAndNotAbove) {
-  const RampCase cases[] = {
-      {"generator", kGenerator, [](auto&) {}, 12, -10, 0, {Readout::SigGenLevel}},
-      {"generator, at its level", kGenerator, [](auto&) {}, 0, -10, 0, {Readout::SigGenLevel}},
-      {"generator, limit far off", kGenerator, [](auto& s) { s.LimitCurrent(90); }, 60, -10, 0, {Readout::SigGenLevel}},
+  constexpr double kNone = 200;
+  const std::set<Readout> generator{Readout::SigGenLevel}, induced{Readout::InducedLevel}, power{Readout::ForwardPower};
+  const struct {
+    const char* name;
+    LevelingMethod method;
+    double offset, limit, gainDb, returnLossDb;
+    double level, kept;  ///< where it ends, and what the next step begins below
+    std::set<Readout> held;
+  } cases[] = {
+      {"generator", kGenerator, 12, kNone, 50, 10, -10, 0, generator},
+      {"generator, at its level", kGenerator, 0, kNone, 50, 10, -10, 0, generator},
+      {"generator, limit far off", kGenerator, 60, 90, 50, 10, -10, 0, generator},
       // 75 dBuA at -16 dBm
-      {"generator, limit", kGenerator, [](auto& s) { s.LimitCurrent(74.9); }, 60, -16, 6, {Readout::InducedLevel}},
-      {"generator, exactly the limit", kGenerator, [](auto& s) { s.LimitCurrent(75); }, 60, -16, 6, {}},
-      {"forward power", kForward, [](auto&) {}, 60, -9.9, 0, {Readout::ForwardPower}},
-      {"forward power, above from the start", kForward, [](auto&) {}, -1, -9, 0, {Readout::ForwardPower}},
-      {"forward power, less gain", kForward, [](auto& s) { s.gainDb = 47.5; }, 60, -7.4, -2.5, {Readout::ForwardPower}},
-      {"forward power, limit", kForward, [](auto& s) { s.LimitCurrent(74.9); }, 60, -16, 6, {Readout::InducedLevel}},
-      {"forward power, nearly the limit",
-       kForward,
-       [](auto& s) { s.LimitCurrent(75); },
-       60,
-       -15.9,
-       5.9,
-       {Readout::InducedLevel}},
-      {"net power, nearly the limit",
-       kNet,
-       [](auto& s) { s.LimitCurrent(75); },
-       60,
-       -15.9,
-       5.9,
-       {Readout::InducedLevel}},
-      {"net power", kNet, [](auto&) {}, 60, -10, 0, {Readout::ForwardPower}},
-      {"net power, more gain", kNet, [](auto& s) { s.gainDb = 53; }, 60, -12.9, 3, {Readout::ForwardPower}},
-      {"net power, limit", kNet, [](auto& s) { s.LimitCurrent(74.9); }, 60, -16, 6, {Readout::InducedLevel}},
-      {"net power, nearly all reflected",
-       kNet,
-       [](auto& s) { s.returnLossDb = 1; },
-       60,
-       -8,
-       -2,
-       {Readout::ForwardPower}},
+      {"generator, limit", kGenerator, 60, 74.9, 50, 10, -16, 6, induced},
+      {"generator, exactly the limit", kGenerator, 60, 75, 50, 10, -16, 6, {}},
+      {"forward power", kForward, 60, kNone, 50, 10, -9.9, 0, power},
+      {"forward power, above from the start", kForward, -1, kNone, 50, 10, -9, 0, power},
+      {"forward power, less gain", kForward, 60, kNone, 47.5, 10, -7.4, -2.5, power},
+      {"forward power, limit", kForward, 60, 74.9, 50, 10, -16, 6, induced},
+      {"forward power, nearly the limit", kForward, 60, 75, 50, 10, -15.9, 5.9, induced},
+      {"net power, nearly the limit", kNet, 60, 75, 50, 10, -15.9, 5.9, induced},
+      {"net power", kNet, 60, kNone, 50, 10, -10, 0, power},
+      {"net power, more gain", kNet, 60, kNone, 53, 10, -12.9, 3, power},
+      {"net power, limit", kNet, 60, 74.9, 50, 10, -16, 6, induced},
+      {"net power, nearly all reflected", kNet, 60, kNone, 50, 1, -8, -2, power},
   };
-  for (const RampCase& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     FakeStation station(c.method);
-    c.arrange(station);
+    station.gainDb = c.gainDb, station.returnLossDb = c.returnLossDb;
+    if (c.limit < kNone) station.LimitCurrent(c.limit);
     const auto reached = station.Ramp(c.offset);
     ASSERT_TRUE(reached) << station.told;
     EXPECT_NEAR(reached->Applied.SigGenLevel, c.level, 0.011);

@@ -11,28 +11,6 @@ namespace {
 
 using testing::ElementsAre;
 
-TEST(ManualPanel, ArrowKeysStayInRange) {
-  struct Case {
-    int step, tenths;
-    ArrowKey key;
-    int expectedStep, expectedTenths;
-  };
-  const Case cases[] = {
-      {3, 0, ArrowKey::Up, 3, 1},     {3, 0, ArrowKey::Down, 3, -1},      {3, 0, ArrowKey::Right, 4, 0},
-      {3, 0, ArrowKey::Left, 2, 0},   {12, 0, ArrowKey::Right, 12, 0},    {1, 0, ArrowKey::Left, 1, 0},
-      {3, 100, ArrowKey::Up, 3, 100}, {3, -600, ArrowKey::Down, 3, -600},
-  };
-  RunRig rig;
-  for (const Case& c : cases) {
-    ManualPanel panel(rig.engine.Manual());
-    panel.Open({.Step = c.step, .HighestStep = 12});
-    panel.MoveOffset(c.tenths);
-    panel.Key(c.key);
-    EXPECT_EQ(panel.Scroll().Step, c.expectedStep);
-    EXPECT_EQ(panel.Scroll().OffsetTenths, c.expectedTenths);
-  }
-}
-
 /// A run that goes to manual mode after its second step, or another.
 struct ManualRun : RunRig {
   ManualRun() { test.InitLevOffset = -6; }
@@ -190,14 +168,22 @@ const Session kSessions[] = {
      {{[](auto& m) { m.panel.MoveStep(1), m.panel.MoveOffset(50), m.panel.Leave(); },
        {"POW -10.0 DBM", "FREQ 1.0 MHZ"},
        "1 MHz 0 dB RF"}}},
-    {"OnlyStepsThatWereRunCanBeReached",
+    {"TheBarsStayInTheirRanges",
      [](auto&) {},
-     {{[](auto& m) {
-         EXPECT_FALSE(m.panel.MoveStep(3) || m.panel.MoveStep(0) || m.panel.Key(ArrowKey::Right));
-         m.Tick(), m.mode.manStepNumChange(3);
-       },
-       {},
-       "2 MHz 0 dB RF"}}},
+     {
+         {[](auto& m) {
+            EXPECT_FALSE(m.panel.MoveStep(3) || m.panel.MoveStep(0) || m.panel.Key(ArrowKey::Right));
+            m.Tick(), m.mode.manStepNumChange(3);
+          },
+          {},
+          "2 MHz 0 dB RF"},
+         {[](auto& m) { m.panel.MoveOffset(kHighestOffsetTenths), m.panel.Key(ArrowKey::Up); }, {}, "2 MHz 10 dB RF"},
+         {[](auto& m) { m.panel.MoveOffset(kLowestOffsetTenths), m.panel.Key(ArrowKey::Down); }, {}, "2 MHz -60 dB RF"},
+         {[](auto& m) { m.panel.Key(ArrowKey::Up), m.panel.Key(ArrowKey::Up), m.panel.Key(ArrowKey::Down); },
+          {},
+          "2 MHz -59.9 dB RF"},
+         {[](auto& m) { m.panel.Key(ArrowKey::Left), m.panel.Key(ArrowKey::Right); }, {}, "2 MHz -59.9 dB RF"},
+     }},
     {"RfAndModulationFollowTheOperator",
      [](auto& m) { m.UseAm(true, true); },
      {
