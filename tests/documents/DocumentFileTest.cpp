@@ -9,6 +9,7 @@
 #include "support/FieldChanger.h"
 #include "support/ReadLines.h"
 #include "support/SameRecord.h"
+#include "support/SampleDocuments.h"
 #include "support/TestShell.h"
 #include "support/Told.h"
 
@@ -30,10 +31,7 @@ struct EquipKind {
            r.ProbeFile == "one.prb" && r.HasIfiAmplifier() && r.IfiPower && !r.IfiAtten && r.IfiBandSwitch == 215;
   }
   static constexpr const char *kName = "Equip", *kLog = "Equip file";
-  static constexpr const char* kFile =
-      "C:\\lab, one\\gen.sg\r\n 18\r\n/lab/meter.mtr\r\n 13\r\n/lab/power.pm\r\n 5\r\n 2\r\n .5\r\ncable.los\r\n"
-      "f.fac\r\nr.fac\r\nmax.pwr\r\none.prb\r\n 1\r\nTrue\r\nFalse\r\n 215\r\n"
-      "\r\n\r\n\r\n\r\n\r\n\r\n\r\n\r\n\r\n";
+  static constexpr const char* kFile = kEquipFile;
   static constexpr std::size_t kLines = 17, kNumber = 3;
 
   TestShell t;
@@ -53,10 +51,7 @@ struct CalSetupKind {
            r.SetupDescription == "10 V" && r.UserDefinedFactor == .1F;
   }
   static constexpr const char *kName = "CalSetup", *kLog = "";
-  static constexpr const char* kFile =
-      " .15 \r\n 80 \r\n 1 \r\n .5 \r\n 1 \r\n/lists/x.lst\r\n 0 \r\n 10 \r\n/levels/y.lev\r\n 7 \r\n 3.25 \r\n"
-      "-30 \r\n 1 \r\n 2 \r\n 0 \r\n 25 \r\n 6 \r\n .3 \r\nCDN M2, no. 4711\r\n25 W\r\n 3 \r\n10 V\r\n .1 \r\n"
-      "\r\n\r\n\r\n\r\n\r\n\r\n\r\n\r\n\r\n";
+  static constexpr const char* kFile = kCalSetupFile;
   static constexpr std::size_t kLines = 23, kNumber = 7;
 
   TestShell t;
@@ -78,10 +73,7 @@ struct TestSetupKind {
            r.Spare5 == "5";
   }
   static constexpr const char *kName = "TestSetup", *kLog = "Test file";
-  static constexpr const char* kFile =
-      "/cal/CDN, 10 V.hyinfo\r\n .15\r\n 80\r\nTrue\r\n 1\r\n .5\r\n 1\r\n 2\r\nFalse\r\n/lists/x.lst\r\n 3\r\n"
-      " 1\r\n 80\r\n 1\r\n 10\r\n .4\r\n 1.5\r\n 4.6\r\nFalse\r\n 1\r\n-6\r\n 1.25\r\n .2\r\n 2\r\nFalse\r\n-3\r\n"
-      "True\r\nFalse\r\n 2\r\n 150\r\nTrue\r\nFalse\r\n1\r\n2\r\n3\r\n4\r\n5\r\n";
+  static constexpr const char* kFile = kTestFile;
   static constexpr std::size_t kLines = 30, kNumber = 2;
 
   TestShell t;

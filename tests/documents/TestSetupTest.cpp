@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "support/ReadLines.h"
+#include "support/SampleDocuments.h"
 #include "support/TestShell.h"
 #include "support/Told.h"
 
@@ -12,31 +13,9 @@ namespace hylden {
 namespace {
 
 TestDefinition AmSweep() {
-  TestDefinition test;
-  test.CalInfoFile = "/cal/CDN, 10 V.hyinfo";
-  test.StartFreq = 0.15;
-  test.StopFreq = 80;
-  test.FreqSweep = true;
-  test.StepType = StepType::Log;
-  test.LinearStep = 0.5;
-  test.LogStep = 1;
-  test.SweepDwell = 2;
-  test.ListFile = "/lists/x.lst";
-  test.DiscreteDwell = 3;
-  test.ModType = Modulation::Am;
-  test.AmDepth = 80;
-  test.AmModFreq = 1;
-  test.FmDev = 10;
-  test.FmModFreq = 0.4F;
-  test.PulseWidth = 1;
-  test.PulsePeriod = 4.6F;
-  test.InitLevOffset = -6;
-  test.LevelInc = 1.25F;
-  test.InterDwell = 0.2F;
-  test.ExtrapolateTo = -3;
-  test.LimitMargin = 2;
-  test.EUTCircuitImpedance = 150;
-  test.ModOffBetweenFreqs = true;
+  TestDefinition test = RecordOf<TestDefinition>(kTestFile);
+  test.LevelingMethod = LevelingMethod::SigGen;
+  test.MonitorProbe = false;
   return test;
 }
 
@@ -112,7 +91,7 @@ TEST_F(TestSetupTest, ShowsALineOfTheSummaryWhereItsFieldAsksForIt) {
       {"       Discrete List: /lists/x.lst\r\n               Dwell: 3.0 secs", [](auto& d) { d.FreqList = true; }},
       {"          Modulation: AM 1.0 kHz 80.0%, Constant Peak", [](auto& d) { d.ConstPeak = true; }},
       {"          Modulation: FM 0.4 kHz Freq, 10.0 kHz deviation", [](auto& d) { d.ModType = Modulation::Fm; }},
-      {"          Modulation: Pulse 4.6mS period, 1.0mS width", [](auto& d) { d.ModType = Modulation::Pulse; }},
+      {"          Modulation: Pulse 4.6mS period, 1.5mS width", [](auto& d) { d.ModType = Modulation::Pulse; }},
       {"Mod off between freqs, using AM depth.", [](auto& d) { d.UseAMdepth = true; }},
       {"     Leveling Method: Forward Power", [](auto& d) { d.LevelingMethod = LevelingMethod::ForwardPower; }},
       {"     Leveling Method: Net Power", [](auto& d) { d.LevelingMethod = LevelingMethod::NetPower; }},
