@@ -23,18 +23,15 @@ TEST(PathLabel, ShowsAsMuchOfThePathAsFitsAndKeepsAllOfItInTheTag) {
     return label.fontMetrics().horizontalAdvance(QString::fromUtf8(text)) + 2 * label.margin();
   };
   FitPathLabel(path, label);
-  struct {
-    int width;
-    const char* caption;
-  } const rows[] = {{width(path.c_str()) + 1, path.c_str()},
-                    {width(path.c_str()) - 1, "/.../cable loss 2026.los"},
-                    {width("/.../cable loss 2026.los") - 1, "cable loss 2026.los"}};
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.caption);
-    label.resize(row.width, 20);
+  const std::pair<int, const char*> rows[] = {{width(path.c_str()) + 1, path.c_str()},
+                                              {width(path.c_str()) - 1, "/.../cable loss 2026.los"},
+                                              {width("/.../cable loss 2026.los") - 1, "cable loss 2026.los"}};
+  for (const auto& [wide, caption] : rows) {
+    SCOPED_TRACE(caption);
+    label.resize(wide, 20);
     QCoreApplication::sendPostedEvents();
     label.show();
-    EXPECT_EQ(label.text().toStdString(), row.caption);
+    EXPECT_EQ(label.text().toStdString(), caption);
     EXPECT_EQ(label.Path(), path);
     EXPECT_EQ(label.toolTip().toStdString(), path);
   }

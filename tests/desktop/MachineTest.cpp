@@ -102,10 +102,7 @@ TEST(Tone, WaveHasTheLengthAskedFor) {
 }
 
 TEST(FileDrop, TakesOneFileOfItsKinds) {
-  struct {
-    QList<QUrl> urls;
-    QString taken;
-  } const rows[] = {
+  const std::pair<QList<QUrl>, QString> rows[] = {
       {{QUrl::fromLocalFile("/s/a.eqp")}, "/s/a.eqp"},
       {{QUrl::fromLocalFile("/s/A.EQP")}, "/s/A.EQP"},
       {{QUrl::fromLocalFile("/s/a.los")}, "/s/a.los"},
@@ -113,14 +110,14 @@ TEST(FileDrop, TakesOneFileOfItsKinds) {
       {{QUrl::fromLocalFile("/s/a.eqp"), QUrl::fromLocalFile("/s/b.eqp")}, ""},
       {{QUrl("http://host/a.eqp")}, ""},
   };
-  for (const auto& row : rows) {
+  for (const auto& [urls, expected] : rows) {
     QWidget window;
     QString taken;
     new FileDrop(&window, "eqp los", [&](const QString& path) { taken = path; });
-    EXPECT_EQ(Drop(window, row.urls), !row.taken.isEmpty());
+    EXPECT_EQ(Drop(window, urls), !expected.isEmpty());
     EXPECT_EQ(taken, "") << "the drop itself must not open dialogs";
     QCoreApplication::processEvents();
-    EXPECT_EQ(taken, row.taken) << row.urls.first().toString().toStdString();
+    EXPECT_EQ(taken, expected) << urls.first().toString().toStdString();
   }
 }
 

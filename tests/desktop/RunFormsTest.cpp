@@ -280,31 +280,30 @@ TEST(RunWindowPlace, WindowThatIsPlacedByItsContentsGoesWhereItsFrameBelongs) {
 }
 
 TEST_F(RunForms, EveryUnitOfTheMenusIsShownUnderItsCaptionAndTheRecordStays) {
-  const struct {
-    const char *action, *label, *caption;
-  } units[] = {{"mnuLevelUnitsDBuV", "lblTestLevel", "Test Level\n(dBuv)"},
-               {"mnuLevelUnitsDBuA", "lblTestLevel", "Test Level\n(dBuA)"},
-               {"mnuLevelUnitsDBm", "lblTestLevel", "Test Level\n(dBm)"},
-               {"mnuLevelUnitsMW", "lblTestLevel", "Test Level\n(mW)"},
-               {"mnuLevelUnitsVolts", "lblTestLevel", "Test Level\n(Volts)"},
-               {"mnuUnitsInducedDBuV", "lblInducedLevel", "Induced Level\n(dBuv est)"},
-               {"mnuUnitsInducedDBuA", "lblInducedLevel", "Induced Level\n(dBuA)"},
-               {"mnuUnitsInducedDBM", "lblInducedLevel", "Induced Level\n(dBm est)"},
-               {"mnuUnitsInducedMW", "lblInducedLevel", "Induced Level\n(mW est)"},
-               {"mnuUnitsInducedVolts", "lblInducedLevel", "Induced Level\n(Volts est)"},
-               {"mnuUnitsInducedRelative", "lblInducedLevel", "Induced level\ndB (relative)"},
-               {"mnuUnitsPowerdBm", "lblPower", "Forward Power\n(dBm)"},
-               {"mnuUnitsPowerWatts", "lblPower", "Forward Power\n(watts)"}};
+  const std::tuple<const char*, const char*, const char*> units[] = {
+      {"mnuLevelUnitsDBuV", "lblTestLevel", "Test Level\n(dBuv)"},
+      {"mnuLevelUnitsDBuA", "lblTestLevel", "Test Level\n(dBuA)"},
+      {"mnuLevelUnitsDBm", "lblTestLevel", "Test Level\n(dBm)"},
+      {"mnuLevelUnitsMW", "lblTestLevel", "Test Level\n(mW)"},
+      {"mnuLevelUnitsVolts", "lblTestLevel", "Test Level\n(Volts)"},
+      {"mnuUnitsInducedDBuV", "lblInducedLevel", "Induced Level\n(dBuv est)"},
+      {"mnuUnitsInducedDBuA", "lblInducedLevel", "Induced Level\n(dBuA)"},
+      {"mnuUnitsInducedDBM", "lblInducedLevel", "Induced Level\n(dBm est)"},
+      {"mnuUnitsInducedMW", "lblInducedLevel", "Induced Level\n(mW est)"},
+      {"mnuUnitsInducedVolts", "lblInducedLevel", "Induced Level\n(Volts est)"},
+      {"mnuUnitsInducedRelative", "lblInducedLevel", "Induced level\ndB (relative)"},
+      {"mnuUnitsPowerdBm", "lblPower", "Forward Power\n(dBm)"},
+      {"mnuUnitsPowerWatts", "lblPower", "Forward Power\n(watts)"}};
   Open("probe-limited-pulse.tst");
   m.When(AtStep(2), [&] { EXPECT_EQ(Text("lblInducedLevel"), "--") << "of the step before"; });
   m.When([&] { return AtStep(2)() && Text("lblInducedLevel") != "--"; }, [&] { Press(*form, "cmdHalt"); });
   Run();
   const std::string recorded = RunFileText(form->Engine().Data(), false);
-  for (const auto& unit : units) {
-    SCOPED_TRACE(unit.action);
-    Choose(*form, unit.action);
-    EXPECT_EQ(Text((std::string(unit.label) + "Cap").c_str()), unit.caption);
-    EXPECT_TRUE(Find<QAction>(*form, unit.action).isChecked());
+  for (const auto& [action, label, caption] : units) {
+    SCOPED_TRACE(action);
+    Choose(*form, action);
+    EXPECT_EQ(Text((std::string(label) + "Cap").c_str()), caption);
+    EXPECT_TRUE(Find<QAction>(*form, action).isChecked());
   }
   EXPECT_EQ(Text("lblTestLevel"),
             ShowTestLevel(double{std::get<StepEntry>(Rows()[0]).Result->TestLevel}, RunUnit::Volts, 150).Value);

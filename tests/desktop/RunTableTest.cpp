@@ -51,14 +51,11 @@ TEST(RunTable, ModelKeepsItsPromisesToViews) {
 
 TEST(RunTable, NumbersOfAColumnHaveTheirPointsBelowEachOther) {
   const QString digit = QStringLiteral(u"\u2007"), mark = QStringLiteral(u" \u2002\u2002");
-  const struct {
-    const char* text;
-    NumberColumn column;
-    QString behind;
-  } rows[] = {{"80.0", {3}, digit + digit}, {"0.165", {3}, {}},    {"-9.9 **", {1, true}, {}},
-              {"-10.0", {1, true}, mark},   {"na", {2, true}, {}}, {"", {2, true}, {}}};
-  for (const auto& row : rows)
-    EXPECT_EQ(Aligned(QString::fromLatin1(row.text), row.column), QString::fromLatin1(row.text) + row.behind);
+  const std::tuple<const char*, NumberColumn, QString> rows[] = {
+      {"80.0", {3}, digit + digit}, {"0.165", {3}, {}},    {"-9.9 **", {1, true}, {}},
+      {"-10.0", {1, true}, mark},   {"na", {2, true}, {}}, {"", {2, true}, {}}};
+  for (const auto& [text, column, behind] : rows)
+    EXPECT_EQ(Aligned(QString::fromLatin1(text), column), QString::fromLatin1(text) + behind);
   EXPECT_EQ(Aligned(QStringLiteral("34.2 +2"), {2, true}), QStringLiteral("34.2") + digit + QStringLiteral(" +2"));
 }
 

@@ -127,25 +127,22 @@ TEST_F(TestDefForm, StartsNoTestWithABoxThatHoldsNoNumberAndPointsItOut) {
 }
 
 TEST_F(TestDefForm, ShowsThePageOfWhatIsMissing) {
-  const struct {
-    void (*change)(TestDefinition& test);
-    const char* message;
-    int tab;
-  } rows[] = {{[](auto& t) { t.CalInfoFile.clear(); }, "No calibration setup file specified!", 2},
-              {[](auto& t) { t.FreqSweep = t.FreqList = false; },
-               "Either a swept frequency test or \r\na discrete frequency test must be specified", 0},
-              {[](auto& t) { t.ListFile.clear(); }, "No frequency list file specified", 0},
-              {[](auto& t) { t.ModType = Modulation::Pulse, t.ConstPeak = t.ModOffBetweenFreqs = false; },
-               "The power meter reads the mean of a pulsed signal", 1}};
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.message);
+  const std::tuple<void (*)(TestDefinition&), const char*, int> rows[] = {
+      {[](auto& t) { t.CalInfoFile.clear(); }, "No calibration setup file specified!", 2},
+      {[](auto& t) { t.FreqSweep = t.FreqList = false; },
+       "Either a swept frequency test or \r\na discrete frequency test must be specified", 0},
+      {[](auto& t) { t.ListFile.clear(); }, "No frequency list file specified", 0},
+      {[](auto& t) { t.ModType = Modulation::Pulse, t.ConstPeak = t.ModOffBetweenFreqs = false; },
+       "The power meter reads the mean of a pulsed signal", 1}};
+  for (const auto& [change, message, tab] : rows) {
+    SCOPED_TRACE(message);
     test() = GoodDefinition(m.directory);
-    row.change(test());
+    change(test());
     Open();
     Tabs().setCurrentIndex(3);
-    EXPECT_THAT(Told("cmdStart"), ElementsAre(testing::StartsWith(row.message)));
+    EXPECT_THAT(Told("cmdStart"), ElementsAre(testing::StartsWith(message)));
     EXPECT_EQ(dialogs.messages.back().buttons, MessageButtons::Ok);
-    EXPECT_EQ(Tabs().currentIndex(), row.tab);
+    EXPECT_EQ(Tabs().currentIndex(), tab);
     EXPECT_EQ(starts->count(), 0);
   }
 }

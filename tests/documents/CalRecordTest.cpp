@@ -101,11 +101,7 @@ TEST_F(CalRecordTest, RefusesABadDataFileAndNamesItsFault) {
   const std::string lowerPath = LowerCase(path);
   const std::string atEnd = "Unexpected end of file in " + lowerPath;
   const std::string badData = "Bad data in calibration file: " + lowerPath;
-  struct Row {
-    const char* name;
-    std::string data, message;
-  };
-  const Row rows[] = {
+  const std::tuple<const char*, std::string, std::string> rows[] = {
       {"empty", "", atEnd},
       {"one line", good, atEnd},
       {"four fields", good + "2,2,3,4\r\n", badData},
@@ -117,9 +113,9 @@ TEST_F(CalRecordTest, RefusesABadDataFileAndNamesItsFault) {
       {"binary", std::string("\0\xFF,\r\n\1\2", 7), badData},
       {"heading", "Freq,SG,Level,Fwd,Rev,\r\n" + good, badData},
   };
-  for (const Row& row : rows) {
+  for (const auto& [name, data, message] : rows) {
     cal = {};
-    EXPECT_EQ(Told(Load(row.data)), Texts{row.message}) << row.name;
+    EXPECT_EQ(Told(Load(data)), Texts{message}) << name;
   }
 }
 

@@ -187,20 +187,18 @@ TEST(CalSetupControls, LeavesNoImpossibleCombinationBehindATick) {
 }
 
 TEST(CalSetupControls, EnablesOnlyTheBoxesInUse) {
-  const struct {
-    void (*change)(CalSetupRecord&);
-    const char* used;
-  } rows[] = {{Linear, "txtLinearStep txtCalLevel"},
-              {[](auto& s) { s.StepType = StepType::Log, s.LimitType = LimitType::File; }, "txtLogStep lblLimitFile"},
-              {Lists, "lblListFile lblLimitFile"},
-              {Limited, "txtLogStep txtCalLevel txtFwdPwrLimit"},
-              {OwnFactor, "txtLogStep txtCalLevel txtUserDefCF"}};
-  for (const auto& row : rows) {
+  const std::pair<void (*)(CalSetupRecord&), const char*> rows[] = {
+      {Linear, "txtLinearStep txtCalLevel"},
+      {[](auto& s) { s.StepType = StepType::Log, s.LimitType = LimitType::File; }, "txtLogStep lblLimitFile"},
+      {Lists, "lblListFile lblLimitFile"},
+      {Limited, "txtLogStep txtCalLevel txtFwdPwrLimit"},
+      {OwnFactor, "txtLogStep txtCalLevel txtUserDefCF"}};
+  for (const auto& [change, inUse] : rows) {
     CalSetupRecord setup = TenVolts();
-    row.change(setup);
+    change(setup);
     for (const auto& [name, used] : UsedWith(EntriesShowing(setup), CalSetupRecord())) {
       if (name.ends_with("Unit")) continue;
-      EXPECT_EQ(used, std::string(row.used).find(name) != std::string::npos) << name << ", " << row.used;
+      EXPECT_EQ(used, std::string(inUse).find(name) != std::string::npos) << name << ", " << inUse;
     }
   }
 }
@@ -209,11 +207,7 @@ TEST(CheckStation, StartsNoCalibrationWithoutWhatItNeeds) {
   CalSetupRecord plain, forward, both;
   forward.RecordFwdPwr = both.RecordFwdPwr = both.RecordRevPwr = 1;
   // What is missing first, and what mends it.
-  const struct {
-    const char* text;
-    int tab;
-    void (*mend)(EquipRecord&);
-  } rows[] = {
+  const std::tuple<const char*, int, void (*)(EquipRecord&)> rows[] = {
       {"The signal generator and meter must both be selected", 0, [](auto& e) { e.SigGenFile = "x"; }},
       {"The signal generator and meter must both be selected", 0, [](auto& e) { e.MeterFile = "x"; }},
       {"The power meter must be selected for this calibration", 0, [](auto& e) { e.PwrMtrFile = "x"; }},
@@ -226,16 +220,16 @@ TEST(CheckStation, StartsNoCalibrationWithoutWhatItNeeds) {
       {"No cable loss file has been selected", 1, [](auto& e) { e.CableLossFile = "x"; }},
   };
   EquipRecord station;
-  for (const auto& row : rows) {
+  for (const auto& [text, tab, mend] : rows) {
     const auto failure = CheckStation(both, station);
-    ASSERT_TRUE(failure) << row.text;
-    EXPECT_EQ(failure->Text, row.text);
-    EXPECT_EQ(failure->EquipmentTab, row.tab);
+    ASSERT_TRUE(failure) << text;
+    EXPECT_EQ(failure->Text, text);
+    EXPECT_EQ(failure->EquipmentTab, tab);
     EquipRecord cabled = station;
     cabled.CableLossFile = "x";
-    EXPECT_EQ(!CheckStation(plain, cabled), !station.MeterFile.empty()) << row.text;
-    EXPECT_EQ(!CheckStation(forward, cabled), !station.FwdPortFile.empty()) << row.text;
-    row.mend(station);
+    EXPECT_EQ(!CheckStation(plain, cabled), !station.MeterFile.empty()) << text;
+    EXPECT_EQ(!CheckStation(forward, cabled), !station.FwdPortFile.empty()) << text;
+    mend(station);
   }
   for (const CalSetupRecord& setup : {plain, forward, both}) EXPECT_FALSE(CheckStation(setup, station));
 }

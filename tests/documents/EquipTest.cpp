@@ -56,23 +56,20 @@ TEST_F(EquipTest, StartAsksForTheDefinitionsThatTheRunNeeds) {
 }
 
 TEST_F(EquipTest, NamesFileEntryAndRangeOfAStationThatCannotBeUsed) {
-  const struct {
-    std::function<void(EquipRecord&)> spoil;
-    const char* told;
-  } rows[] = {
+  const std::pair<std::function<void(EquipRecord&)>, const char*> rows[] = {
       {[](EquipRecord& r) { r.SigGenAddress = 31; }, "address of the signal generator, 31, is not from 0 to 30"},
       {[](EquipRecord& r) { r.MeterAddress = -1; }, "address of the meter, -1, is not from 0 to 30"},
       {[](EquipRecord& r) { r.PwrMtrAddress = 99; }, "address of the power meter, 99, is not from 0 to 30"},
       {[](EquipRecord& r) { r.IfiBandSwitch = 80.5; },
        "band switch of the IFI amplifier, 80.5, is not from 200 to 230 MHz"},
   };
-  for (const auto& row : rows) {
+  for (const auto& [spoil, told] : rows) {
     equip.Record = Station();
-    row.spoil(equip.Record);
+    spoil(equip.Record);
     const auto failure = Apply(equip.Entries());
-    ASSERT_TRUE(failure) << row.told;
+    ASSERT_TRUE(failure) << told;
     EXPECT_EQ(BadEntryText(*failure, equip.Record, "/lab/a.eqp"),
-              "The equipment file holds an entry that can't be used:\r\n/lab/a.eqp\r\nThe " + std::string(row.told));
+              "The equipment file holds an entry that can't be used:\r\n/lab/a.eqp\r\nThe " + std::string(told));
   }
 }
 

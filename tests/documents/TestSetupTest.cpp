@@ -81,11 +81,7 @@ TEST_F(TestSetupTest, SummarisesTheTest) {
 }
 
 TEST_F(TestSetupTest, ShowsALineOfTheSummaryWhereItsFieldAsksForIt) {
-  struct Row {
-    const char* line;
-    std::function<void(TestDefinition&)> change;
-  };
-  const Row rows[] = {
+  const std::pair<const char*, std::function<void(TestDefinition&)>> rows[] = {
       {" Levels in calibration file adjusted down by -3.0dB", [](auto& d) { d.Extrapolate = true; }},
       {"          Sweep Type: Linear, step size 0.5 MHz", [](auto& d) { d.StepType = StepType::Linear; }},
       {"       Discrete List: /lists/x.lst\r\n               Dwell: 3.0 secs", [](auto& d) { d.FreqList = true; }},
@@ -100,11 +96,11 @@ TEST_F(TestSetupTest, ShowsALineOfTheSummaryWhereItsFieldAsksForIt) {
       {" Probe feedback used during test to limit induced level 2.0dB relative to test level.",
        [](auto& d) { d.MonitorProbe = d.LimitCurrent = true; }},
   };
-  for (const Row& row : rows) {
+  for (const auto& [line, change] : rows) {
     setup.Definition = AmSweep();
-    EXPECT_EQ(Summary().find("\r\n" + std::string(row.line) + "\r\n"), std::string::npos) << row.line;
-    row.change(setup.Definition);
-    EXPECT_NE(Summary().find("\r\n" + std::string(row.line) + "\r\n"), std::string::npos) << Summary();
+    EXPECT_EQ(Summary().find("\r\n" + std::string(line) + "\r\n"), std::string::npos) << line;
+    change(setup.Definition);
+    EXPECT_NE(Summary().find("\r\n" + std::string(line) + "\r\n"), std::string::npos) << Summary();
   }
   setup.Definition = TestDefinition{};
   for (const char* absent : {"Sweep Type", "               Dwell", "Modulation", "Mod off", "Probe", "Discrete"})

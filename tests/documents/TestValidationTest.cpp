@@ -95,14 +95,8 @@ TEST(TestValidationTest, AnEntryDoesNotComeBackOrIsNoNumber) {
 }
 
 TEST(TestValidationTest, NamesAMissingChoice) {
-  struct Row {
-    std::function<void(FormEntries&)> change;
-    const char* range;
-    const char* control;
-    const char* text;
-  };
   const char* noRange = "No start/stop frequencies in calibration file.\r\nTry checking calibration file data.";
-  const Row rows[] = {
+  const std::tuple<std::function<void(FormEntries&)>, const char*, const char*, const char*> rows[] = {
       {[](FormEntries&) {}, "", "lblCalFileName", noRange},
       {[](FormEntries&) {}, "0.15 to 80", "lblCalFileName", noRange},
       {[](FormEntries&) {}, "low - high", "lblCalFileName", noRange},
@@ -116,15 +110,15 @@ TEST(TestValidationTest, NamesAMissingChoice) {
       {[](FormEntries& e) { e.Tick("chkFreqList"), e["lblListFile"] = ""; }, kRange, "lblListFile",
        "No frequency list file specified"},
   };
-  for (const Row& row : rows) {
+  for (const auto& [change, range, control, text] : rows) {
     FormEntries entries = GoodEntries();
-    row.change(entries);
+    change(entries);
     TestDefinition test;
-    const TestValidation validation = ValidateTestDefinition(entries, row.range, test);
-    ASSERT_TRUE(validation.Failure) << row.text;
+    const TestValidation validation = ValidateTestDefinition(entries, range, test);
+    ASSERT_TRUE(validation.Failure) << text;
     EXPECT_EQ(validation.Failure->Reason, Kind::Message);
-    EXPECT_EQ(validation.Failure->Text, row.text);
-    EXPECT_EQ(validation.Failure->Control, row.control);
+    EXPECT_EQ(validation.Failure->Text, text);
+    EXPECT_EQ(validation.Failure->Control, control);
   }
 }
 
@@ -253,10 +247,7 @@ TEST(TestValidationTest, TakesWhatStandsBeforeAFailureAndNothingBehindIt) {
 }
 
 TEST(TestValidationTest, EnablesTheControlsInUse) {
-  const struct {
-    std::function<void(TestDefinition&)> change;
-    std::string used;
-  } rows[] = {
+  const std::pair<std::function<void(TestDefinition&)>, std::string> rows[] = {
       {[](auto&) {}, ""},
       {Am, "chkModOffBetweenFreqs chkConstPeak txtAmDepth txtAmModFreq"},
       {[](auto& t) { Am(t), t.ModOffBetweenFreqs = true; },
@@ -268,11 +259,11 @@ TEST(TestValidationTest, EnablesTheControlsInUse) {
       {[](auto& t) { Probe(t), t.LimitCurrent = true; },
        "chkLimitCurrent txtEUTCircuitImpedance lblImpedanceUnit txtLimitMargin lblLimitMargin2"},
   };
-  for (const auto& row : rows) {
+  for (const auto& [change, inUse] : rows) {
     TestDefinition test = Good();
-    row.change(test);
+    change(test);
     for (const auto& [name, used] : UsedWith(EntriesShowing(test), TestDefinition()))
-      EXPECT_EQ(used, row.used.find(name) != std::string::npos) << name << ", " << row.used;
+      EXPECT_EQ(used, inUse.find(name) != std::string::npos) << name << ", " << inUse;
   }
 }
 
@@ -283,11 +274,7 @@ TEST(TestValidationTest, StartsNoTestWithoutWhatItNeeds) {
   all.MonitorProbe = true;
   const char* dual = "A dual-channel power meter must be selected\r\nfor a net-power type test.";
   // What is missing first, and what mends it.
-  const struct {
-    const char* text;
-    int tab;
-    void (*mend)(EquipRecord&);
-  } rows[] = {
+  const std::tuple<const char*, int, void (*)(EquipRecord&)> rows[] = {
       {"A signal generator must be selected", 0, [](auto& e) { e.SigGenFile = "x"; }},
       {"A meter device must be selected for\r\nmonitoring the induced level.", 0, [](auto& e) { e.MeterFile = "x"; }},
       {"No cable loss file has been selected", 1, [](auto& e) { e.CableLossFile = "x"; }},
@@ -298,14 +285,14 @@ TEST(TestValidationTest, StartsNoTestWithoutWhatItNeeds) {
       {"No reverse coupler port file has been selected", 1, [](auto& e) { e.RevPortFile = "x"; }},
   };
   EquipRecord station;
-  for (const auto& row : rows) {
-    EXPECT_EQ(!CheckStart(generator, station), !station.SigGenFile.empty()) << row.text;
-    EXPECT_EQ(!CheckStart(forward, station), !station.FwdPortFile.empty()) << row.text;
+  for (const auto& [text, tab, mend] : rows) {
+    EXPECT_EQ(!CheckStart(generator, station), !station.SigGenFile.empty()) << text;
+    EXPECT_EQ(!CheckStart(forward, station), !station.FwdPortFile.empty()) << text;
     const auto failure = CheckStart(all, station);
-    ASSERT_TRUE(failure) << row.text;
-    EXPECT_EQ(failure->Text, row.text);
-    EXPECT_EQ(failure->EquipmentTab, row.tab);
-    row.mend(station);
+    ASSERT_TRUE(failure) << text;
+    EXPECT_EQ(failure->Text, text);
+    EXPECT_EQ(failure->EquipmentTab, tab);
+    mend(station);
   }
   EXPECT_FALSE(CheckStart(all, station));
 }

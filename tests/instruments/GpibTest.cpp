@@ -54,30 +54,23 @@ TEST(Gpib, CutsAnAnswerAtItsBytesBeforeDecodingIt) {
   EXPECT_EQ(answer, std::string(63, '1') + "\xC2\xB5");
 }
 
-struct LongAnswerCase {
-  std::size_t length;
-  int termination;
-  std::size_t pieces;  // reads in which its rest is thrown away
-};
-
 TEST(Gpib, TheRestOfALongAnswerIsNotTheNextOne) {
-  for (const LongAnswerCase& c : {LongAnswerCase{63, '\n', 0},
-                                  {64, '\n', 1},
-                                  {64, gpib::kStopEnd, 1},
-                                  {200, '\n', 3},
-                                  {200, gpib::kStopEnd, 3},
-                                  {63, gpib::kStopEnd, 0}}) {
-    SCOPED_TRACE(testing::Message() << c.length << " until " << c.termination);
+  // The rest is thrown away in so many reads.
+  const std::tuple<std::size_t, int, std::size_t> cases[] = {
+      {63, '\n', 0},          {64, '\n', 1}, {64, gpib::kStopEnd, 1}, {200, '\n', 3}, {200, gpib::kStopEnd, 3},
+      {63, gpib::kStopEnd, 0}};
+  for (const auto& [length, termination, pieces] : cases) {
+    SCOPED_TRACE(testing::Message() << length << " until " << termination);
     TestStation s;
-    s.bus.Answers(13, {std::string(c.length, '1') + "\n", "72.5\n"});
+    s.bus.Answers(13, {std::string(length, '1') + "\n", "72.5\n"});
     std::string answer;
-    EXPECT_TRUE(s.gpib.Receive(13, answer, c.termination));
-    EXPECT_EQ(answer, (std::string(c.length, '1') + "\n").substr(0, 64));
+    EXPECT_TRUE(s.gpib.Receive(13, answer, termination));
+    EXPECT_EQ(answer, (std::string(length, '1') + "\n").substr(0, 64));
     EXPECT_EQ(s.gpib.ibcnt, 64) << "the status is not that of the answer";
     const Strings lines = s.Took();
-    EXPECT_EQ(lines.size(), c.pieces == 0 ? 1 : c.pieces + 3);
+    EXPECT_EQ(lines.size(), pieces == 0 ? 1 : pieces + 3);
     EXPECT_EQ(lines.size() > 1 ? lines.back() : "TMO 13", "TMO 13");
-    EXPECT_TRUE(s.gpib.Receive(13, answer, c.termination));
+    EXPECT_TRUE(s.gpib.Receive(13, answer, termination));
     EXPECT_EQ(answer, "72.5\n");
   }
 }
@@ -123,13 +116,8 @@ TEST(Gpib, SendsEightBitCharacters) {
   EXPECT_EQ(s.Took(), (Strings{"> 13 UNIT \\xB5V"}));
 }
 
-struct StatusCase {
-  int status, error, count;
-  const char* text;
-};
-
 TEST(Gpib, DecodesEveryStatusIntoTheReport) {
-  const StatusCase cases[] = {
+  const std::tuple<int, int, int, const char*> cases[] = {
       {0x8100, 0, 0, "Lost\r\nibsta = &H8100 < ERR CMPL>\r\niberr = EDVR <DOS Error>\r\nibcnt = 0x0"},
       {0xFFFF, 20, 10,
        "Lost\r\nibsta = &HFFFF < ERR TIMO END SRQI RQS CMPL LOK REM CIC ATN TACS LACS DTAS DCAS>"
@@ -138,14 +126,14 @@ TEST(Gpib, DecodesEveryStatusIntoTheReport) {
       {0x0600, 6, 0, "Lost\r\nibsta = &H600 <>\r\nNo error, iberr =  6\r\nibcnt = 0x0"},
       {0x0100, -1, 0, "Lost\r\nibsta = &H100 < CMPL>\r\nNo error, iberr = -1\r\nibcnt = 0x0"},
   };
-  for (const StatusCase& c : cases) {
-    SCOPED_TRACE(c.text);
+  for (const auto& [status, error, count, text] : cases) {
+    SCOPED_TRACE(text);
     TestStation s;
-    s.gpib.ibsta = static_cast<std::int16_t>(c.status);
-    s.gpib.iberr = static_cast<std::int16_t>(c.error);
-    s.gpib.ibcnt = static_cast<std::int16_t>(c.count);
+    s.gpib.ibsta = static_cast<std::int16_t>(status);
+    s.gpib.iberr = static_cast<std::int16_t>(error);
+    s.gpib.ibcnt = static_cast<std::int16_t>(count);
     const Message box = s.gpib.GpibError("Lost").Boxes().at(0);
-    EXPECT_EQ(box.text, c.text);
+    EXPECT_EQ(box.text, text);
     EXPECT_EQ(box.icon, MessageIcon::Exclamation);
   }
 }
@@ -159,34 +147,28 @@ TEST(Gpib, AFailureEndsWithWhatTheDriverSaysOfItsWay) {
       "Error sending IFC.\r\nibsta = &H8000 < ERR>\r\niberr = EDVR <DOS Error>\r\nibcnt = 0x0\r\n" + s.bus.advice);
 }
 
-struct RegistrationCase {
-  int result;
-  Strings calls;
-  std::string message;  // empty: registered
-};
-
 TEST(Gpib, RegistersOnceOrEndsTheProgramWithItsMessage) {
-  const RegistrationCase cases[] = {
+  const std::tuple<int, Strings, std::string> cases[] = {
       {0, {"REGISTER"}, ""},
       {1, {"REGISTER", "UNREGISTER", "REGISTER"}, ""},
       {2, {"REGISTER", "UNREGISTER"}, "Operating System is not multi-threaded. Quitting the Program!"},
       {3, {"REGISTER", "UNREGISTER"}, "Unable to register GPIB thread globals. Quitting the Program!"},
       {7, {"REGISTER"}, "Unknown Error for Registering GPIB Globals!!! Quitting the Program!"},
   };
-  for (const RegistrationCase& c : cases) {
-    SCOPED_TRACE(c.result);
+  for (const auto& [result, calls, message] : cases) {
+    SCOPED_TRACE(result);
     TestStation s;
-    s.bus.registrationResults = {c.result};
-    if (c.message.empty()) {
+    s.bus.registrationResults = {result};
+    if (message.empty()) {
       EXPECT_TRUE(s.gpib.Send(1, "A"));
       EXPECT_TRUE(s.gpib.Send(1, "B"));
     } else {
       EXPECT_THROW(s.gpib.Send(1, "A"), ProgramEnd);
-      EXPECT_EQ(s.t.dialogs.LastText(), c.message);
+      EXPECT_EQ(s.t.dialogs.LastText(), message);
       EXPECT_EQ(s.t.dialogs.messages.at(0).icon, MessageIcon::Critical);
       EXPECT_TRUE(s.Took().empty());
     }
-    EXPECT_EQ(s.bus.registrations, c.calls);
+    EXPECT_EQ(s.bus.registrations, calls);
   }
 }
 

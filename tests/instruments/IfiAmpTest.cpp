@@ -104,23 +104,18 @@ TEST_F(IfiAmpTest, ReadsThePowerOfTheSelectedUnit) {
   ExpectPowers(50.0F, 10.01F);
 }
 
-struct ShortAnswerCase {
-  double frequencyMHz;
-  const char* answer;
-  float first, second;
-};
-
 TEST_F(IfiAmpTest, AFigureThatAShortAnswerLacksIsZero) {
-  for (const ShortAnswerCase& c : {ShortAnswerCase{300, "", 0, 0},
-                                   {300, "50.00", 50, 0},
-                                   {300, " 10", 0, 10},
-                                   {100, "", 0, 0},
-                                   {100, "0100", 0, 100},
-                                   {100, "0100 02", 2, 100}}) {
-    SCOPED_TRACE(testing::Message() << c.frequencyMHz << ": " << c.answer);
-    Start(c.frequencyMHz);
-    bus.fallback = [&](int, const std::string&) { return c.answer; };
-    ExpectPowers(c.first, c.second);
+  for (const auto& [frequencyMHz, answer, first, second] :
+       {std::tuple<double, const char*, float, float>{300, "", 0, 0},
+        {300, "50.00", 50, 0},
+        {300, " 10", 0, 10},
+        {100, "", 0, 0},
+        {100, "0100", 0, 100},
+        {100, "0100 02", 2, 100}}) {
+    SCOPED_TRACE(testing::Message() << frequencyMHz << ": " << answer);
+    Start(frequencyMHz);
+    bus.fallback = [shown = answer](int, const std::string&) { return shown; };
+    ExpectPowers(first, second);
   }
 }
 

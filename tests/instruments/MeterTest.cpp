@@ -20,34 +20,29 @@ TEST_F(MeterTest, OpensWithTheReferenceAtItsMaximum) {
   EXPECT_EQ(Out(meter.InitMeter()), (Strings{"FIND 13", "REMOTE 13", "> 13 RL 120.0 DB\\r"}));
 }
 
-struct LevelCase {
-  std::int32_t units, type;
-  const char* sent;
-  double level = 100;
-};
-
 TEST_F(MeterTest, CommandsTheLevelInTheMetersUnits) {
-  const LevelCase cases[] = {{1, 0, "RL 102.0 DB"},
-                             {1, 2, "RL 102.0 DB"},
-                             {1, 1, "RL 93.2 DB"},
-                             {0, 0, "RL 0.125893 DB"},
-                             {2, 0, "RL 125.892541 DB"},
-                             {3, 0, "RL 42.0 DB"},
-                             {4, 0, "RL -4.9897 DB"},
-                             // 1.479 uV; a range in volts that six decimals would round away
-                             {0, 1, "RL 0.000001479108 DB", 10.2},
-                             {0, 0, "RL 0.000000125893 DB", -20},
-                             {2, 0, "RL 0.004074 DB", 10.2},
-                             {2, 0, "RL 0.000012589254 DB", -40},
-                             {0, 0, "RL 0.000398 DB", 50},
-                             {4, 0, "RL 0.0 DB", 104.9897}};
-  for (const LevelCase& c : cases) {
-    SCOPED_TRACE(c.sent);
+  const std::tuple<std::int32_t, std::int32_t, double, const char*> cases[] = {
+      {1, 0, 100, "RL 102.0 DB"},
+      {1, 2, 100, "RL 102.0 DB"},
+      {1, 1, 100, "RL 93.2 DB"},
+      {0, 0, 100, "RL 0.125893 DB"},
+      {2, 0, 100, "RL 125.892541 DB"},
+      {3, 0, 100, "RL 42.0 DB"},
+      {4, 0, 100, "RL -4.9897 DB"},
+      // 1.479 uV; a range in volts that six decimals would round away
+      {0, 1, 10.2, "RL 0.000001479108 DB"},
+      {0, 0, -20, "RL 0.000000125893 DB"},
+      {2, 0, 10.2, "RL 0.004074 DB"},
+      {2, 0, -40, "RL 0.000012589254 DB"},
+      {0, 0, 50, "RL 0.000398 DB"},
+      {4, 0, 104.9897, "RL 0.0 DB"}};
+  for (const auto& [units, type, level, sent] : cases) {
+    SCOPED_TRACE(sent);
     TestStation s;
-    Redefine(s.meter, [&](auto& d) { d.Units = c.units, d.Type = c.type, d.MinimumLevel = -60; });
-    EXPECT_TRUE(s.meter.MeterSetLevel(c.level));
-    EXPECT_TRUE(s.meter.MeterSetLevel(c.level));  // unchanged: not sent again
-    EXPECT_EQ(s.bus.transcript.SentTo(13), (Strings{c.sent}));
+    Redefine(s.meter, [u = units, t = type](auto& d) { d.Units = u, d.Type = t, d.MinimumLevel = -60; });
+    EXPECT_TRUE(s.meter.MeterSetLevel(level));
+    EXPECT_TRUE(s.meter.MeterSetLevel(level));  // unchanged: not sent again
+    EXPECT_EQ(s.bus.transcript.SentTo(13), (Strings{sent}));
   }
 }
 
@@ -118,29 +113,27 @@ TEST_F(MeterTest, ASettlingTimeOfZeroAsksTheOperator) {
   EXPECT_TRUE(ToldOnce("Press Enter to continue"));
 }
 
-struct AnswerCase {
-  const char* answer;
-  const char* parse;
-  std::int32_t units;
-  double level;
-};
-
-TEST_F(MeterTest, TurnsAnswersIntoLevels) {
-  const AnswerCase cases[] = {
+TEST_F(MeterTest, TurnsAnswersIntoLevelsAndOneWithoutAUsableValueIsAFailedReading) {
+  const std::tuple<const char*, const char*, std::int32_t, std::optional<double>> cases[] = {
       {"VALUE 72.669 DBUV", "Mid(x, 7, 6)", 1, 72.669},
       {"  7.2669E+01\r\n", "", 1, 72.669},
       {"0.1", "", 0, 100},
       {"100 MV", "", 2, 100},
       {"12", "", 3, 72},
       {"-6.9897", "", 4, 100},
-  };
-  for (const AnswerCase& c : cases) {
-    SCOPED_TRACE(std::string(c.answer) + " / " + c.parse);
+      {"", "", 1, {}},
+      {"1E999", "", 1, {}},
+      {"1E308", "", 0, {}},
+      {"5", "Mid(x, 9, 1)", 1, {}}};
+  for (const auto& [answer, parse, units, level] : cases) {
+    SCOPED_TRACE(std::string(answer) + " / " + parse);
     TestStation s;
-    Redefine(s.meter, [&](auto& d) { d.Units = c.units, d.ParseCmd = c.parse; });
-    s.bus.Answer(13, c.answer);
-    EXPECT_NEAR(s.meter.MeterRead(ReadMode::Single).value(), c.level, 1e-4);
-    EXPECT_EQ(s.meter.LastAnswer(), c.answer);
+    Redefine(s.meter, [u = units, p = parse](auto& d) { d.Units = u, d.ParseCmd = p; });
+    s.bus.fallback = [a = answer](int, const std::string&) { return a; };
+    const auto read = s.meter.MeterRead(level ? ReadMode::Single : ReadMode::AutoRange);
+    EXPECT_TRUE(level ? read.has_value() : bool(FailsWith(read, kNoErrorReport)));
+    EXPECT_NEAR(read.value_or(0), level.value_or(0), 1e-4);
+    EXPECT_EQ(s.meter.LastAnswer(), answer);
   }
 }
 
@@ -152,17 +145,6 @@ TEST_F(MeterTest, AZeroThatWasAnsweredIsToldFromAnAnswerWithoutANumber) {
   for (const char* answer : {".", "-", "+.x", "x0", "--0", "+ 0", "E5", " ", "VALUE 72.669 DBUV"}) {
     bus.Answer(13, answer);
     EXPECT_TRUE(FailsWith(meter.MeterRead(ReadMode::Single), "The meter's answer holds no number:\r\n")) << answer;
-  }
-}
-
-TEST_F(MeterTest, AnAnswerWithoutAUsableValueIsAFailedReading) {
-  for (const AnswerCase& c :
-       {AnswerCase{"", "", 1, 999}, {"1E999", "", 1, 999}, {"1E308", "", 0, 999}, {"5", "Mid(x, 9, 1)", 1, 999}}) {
-    SCOPED_TRACE(std::string(c.answer) + " / " + c.parse);
-    TestStation s;
-    Redefine(s.meter, [&](auto& d) { d.Units = c.units, d.ParseCmd = c.parse; });
-    s.bus.fallback = [&](int, const std::string&) { return c.answer; };
-    EXPECT_TRUE(FailsWith(s.meter.MeterRead(ReadMode::AutoRange), kNoErrorReport));
   }
 }
 
@@ -184,15 +166,8 @@ TEST_F(MeterTest, EachFailedCallOfAReadingIsToldOnceAndLosesTheTrigger) {
   }
 }
 
-struct RangeCase {
-  const char* name;
-  Strings answers;
-  double result;
-  Strings levels;
-};
-
 TEST_F(MeterTest, RangesUntilTheLevelSitsUnderTheReference) {
-  const RangeCase cases[] = {
+  const std::tuple<const char*, Strings, double, Strings> cases[] = {
       {"in range", {"85"}, 85, {}},
       {"lower edge is in range", {"84"}, 84, {}},
       {"up", {"95", "100"}, 100, {"RL 107.0 DB"}},
@@ -204,37 +179,33 @@ TEST_F(MeterTest, RangesUntilTheLevelSitsUnderTheReference) {
        5,
        {"RL 82.0 DB", "RL 72.0 DB", "RL 62.0 DB", "RL 52.0 DB"}},
   };
-  for (const RangeCase& c : cases) {
-    SCOPED_TRACE(c.name);
+  for (const auto& [name, answers, result, wanted] : cases) {
+    SCOPED_TRACE(name);
     TestStation s;
     Redefine(s.meter, [](auto& d) { d.MinimumLevel = 50; });
     EXPECT_TRUE(s.meter.MeterSetLevel(90));
     s.bus.transcript.Clear();
-    s.bus.Answers(13, c.answers);
-    EXPECT_EQ(s.meter.MeterRead(ReadMode::AutoRange), c.result);
+    s.bus.Answers(13, answers);
+    EXPECT_EQ(s.meter.MeterRead(ReadMode::AutoRange), result);
     Strings levels;
     for (const std::string& sent : s.bus.transcript.SentTo(13)) {
       if (sent.starts_with("RL")) levels.push_back(sent);
     }
-    EXPECT_EQ(levels, c.levels);
+    EXPECT_EQ(levels, wanted);
   }
 }
 
-struct NoLevelCase {
-  std::int32_t units;
-  const char* answer;
-  const char* told;
-};
-
 TEST_F(MeterTest, WhatIsNoLevelSteersNoRangeAndIsTold) {
-  for (const NoLevelCase& c : {NoLevelCase{1, "ERR", "The meter's answer holds no number:\r\n\"ERR\""},
-                               {1, "9.91E37", "The meter's answer is no level:\r\n\"9.91E37\""},
-                               {0, "-1", "The meter's answer is no level:\r\n\"-1\""},
-                               {1, "120.1", "The level is above the meter's maximum level, check setup"}}) {
-    SCOPED_TRACE(c.answer);
-    Redefine(meter, [&](auto& d) { d.Units = c.units; });
-    bus.Answer(13, c.answer);
-    EXPECT_EQ(Told(meter.MeterRead(ReadMode::AutoRange)), Strings{c.told});
+  const std::tuple<std::int32_t, const char*, const char*> cases[] = {
+      {1, "ERR", "The meter's answer holds no number:\r\n\"ERR\""},
+      {1, "9.91E37", "The meter's answer is no level:\r\n\"9.91E37\""},
+      {0, "-1", "The meter's answer is no level:\r\n\"-1\""},
+      {1, "120.1", "The level is above the meter's maximum level, check setup"}};
+  for (const auto& [units, answer, told] : cases) {
+    SCOPED_TRACE(answer);
+    Redefine(meter, [code = units](auto& d) { d.Units = code; });
+    bus.Answer(13, answer);
+    EXPECT_EQ(Told(meter.MeterRead(ReadMode::AutoRange)), Strings{told});
     EXPECT_THAT(Sent(13), testing::Not(testing::Contains(testing::StartsWith("RL"))));
   }
 }
@@ -259,22 +230,15 @@ TEST_F(MeterTest, AReadingAtTheMaximumRepeatsUntilAHalt) {
   EXPECT_EQ(bus.transcript.SentTo(13).size(), 20U);  // the level, nine readings, a trigger
 }
 
-struct EndlessCase {
-  const char* name;
-  std::vector<std::string> answers;  // again and again
-  const char* told;
-};
-
 TEST_F(MeterTest, RangingEndsWithOneMessageWhereThereIsNoRange) {
-  const EndlessCase cases[] = {{"at the maximum", {"120"}, "120.0"}, {"depends on the range", {"95", "70"}, "95.0"}};
-  for (const EndlessCase& c : cases) {
-    SCOPED_TRACE(c.name);
+  // At the maximum, and a reading that depends on the range: the answers come again and again.
+  for (const auto& answers : {Strings{"120"}, Strings{"95", "70"}}) {
     TestStation s;
     EXPECT_TRUE(s.meter.MeterSetLevel(90));
     std::size_t reads = 0;
-    s.bus.fallback = [&](int, const std::string&) { return c.answers[reads++ % c.answers.size()]; };
+    s.bus.fallback = [&](int, const std::string&) { return answers[reads++ % answers.size()]; };
     EXPECT_TRUE(FailsWith(s.meter.MeterRead(ReadMode::AutoRange),
-                          std::string("The meter finds no range for its reading of ") + c.told + " dBuV"));
+                          "The meter finds no range for its reading of " + answers[0] + ".0 dBuV"));
     EXPECT_EQ(reads, std::size_t{Meter::kMostRangings + 1});
   }
 }

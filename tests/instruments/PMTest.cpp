@@ -25,23 +25,18 @@ TEST_F(PMTest, DoesNotTuneTheWrongChannel) {
   EXPECT_EQ(Took().back(), "> 7 BP !2");
 }
 
-struct ChannelCase {
-  double freqMHz;
-  int channel;
-  Strings sent;
-};
-
 TEST_F(PMTest, LetsTheBandChooseTheChannel) {
   const Strings first = {"AP", "AT", "AR?"}, second = {"BP", "BT", "BR?"};
-  const ChannelCase cases[] = {{215, 0, first}, {215.001, 0, second}, {500, 1, first}, {1, 2, second}, {1, 3, {}}};
-  for (const ChannelCase& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.freqMHz << " MHz, channel " << c.channel);
+  const std::tuple<double, int, Strings> cases[] = {
+      {215, 0, first}, {215.001, 0, second}, {500, 1, first}, {1, 2, second}, {1, 3, {}}};
+  for (const auto& [freqMHz, channel, sent] : cases) {
+    SCOPED_TRACE(testing::Message() << freqMHz << " MHz, channel " << channel);
     TestStation s;
-    EXPECT_TRUE(s.pm.PwrMtrSetFreq(c.freqMHz));
+    EXPECT_TRUE(s.pm.PwrMtrSetFreq(freqMHz));
     s.bus.transcript.Clear();
     s.bus.Answer(7, "-3.5");
-    EXPECT_EQ(s.pm.ReadPower(c.channel), -3.5);
-    EXPECT_EQ(s.bus.transcript.SentTo(7), c.sent);
+    EXPECT_EQ(s.pm.ReadPower(channel), -3.5);
+    EXPECT_EQ(s.bus.transcript.SentTo(7), sent);
   }
 }
 
@@ -67,23 +62,17 @@ TEST_F(PMTest, ReadsAPendingTriggerAfterWhatIsLeftOfTheSettlingTimeOrAHalt) {
   EXPECT_EQ(t.clock.TickMs() - start, 10);
 }
 
-struct UnitCase {
-  std::int32_t units;
-  const char* answer;
-  double dbm;
-};
-
 TEST_F(PMTest, TurnsAnswersIntoDbm) {
-  const UnitCase cases[] = {{0, "0.001", 0},    {0, "0", -999},    {1, "+1.2345E+01", 12.345},
-                            {2, "106.9897", 0}, {3, "223.607", 0}, {4, "0.223607", 0},
-                            {4, "0", -107},     {5, "46.9897", 0}};
-  for (const UnitCase& c : cases) {
-    SCOPED_TRACE(c.answer);
+  const std::tuple<std::int32_t, const char*, double> cases[] = {
+      {0, "0.001", 0},    {0, "0", -999}, {1, "+1.2345E+01", 12.345}, {2, "106.9897", 0}, {3, "223.607", 0},
+      {4, "0.223607", 0}, {4, "0", -107}, {5, "46.9897", 0}};
+  for (const auto& [units, answer, dbm] : cases) {
+    SCOPED_TRACE(answer);
     TestStation s;
-    Redefine(s.pm, [&](auto& d) { d.Units = c.units; });
-    s.bus.Answer(7, c.answer);
-    EXPECT_NEAR(s.pm.ReadPower(1).value(), c.dbm, 1e-3);
-    EXPECT_EQ(s.pm.LastAnswer(), c.answer);
+    Redefine(s.pm, [code = units](auto& d) { d.Units = code; });
+    s.bus.Answer(7, answer);
+    EXPECT_NEAR(s.pm.ReadPower(1).value(), dbm, 1e-3);
+    EXPECT_EQ(s.pm.LastAnswer(), answer);
   }
 }
 

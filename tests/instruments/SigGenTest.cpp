@@ -38,30 +38,25 @@ TEST_F(SigGenTest, NeverPutsTheHigherLevelOnTheWrongFrequency) {
   EXPECT_EQ(Out(sigGen.RfOn()), (Strings{"> 18 POW -40.0 DBM", "> 18 FREQ 103.0 MHZ", "> 18 OUTP ON"}));
 }
 
-struct RefusalCase {
-  double freqMHz;
-  float levelDbm;
-  const char* message;  // null: accepted
-};
-
 TEST_F(SigGenTest, RefusesWhatIsOutsideTheLimitsWithRfOff) {
   const char* level = "Level requested outside of range of instrument";
   const char* freq = "Frequency requested outside of range of instrument";
   const float noLevel = std::numeric_limits<float>::quiet_NaN();
   const double noFreq = std::numeric_limits<double>::quiet_NaN();
-  const RefusalCase cases[] = {{100, 13, nullptr},    {100, -120, nullptr},  {1000, 0, nullptr}, {0.1, 0, nullptr},
-                               {100, 13.05F, level},  {100, -120.1F, level}, {1000.1, 0, freq},  {0.09, 0, freq},
-                               {100, noLevel, level}, {noFreq, 0, freq},     {1e9, 99, level}};
-  for (const RefusalCase& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.freqMHz << " MHz, " << c.levelDbm << " dBm");
+  const std::tuple<double, float, const char*> cases[] = {
+      {100, 13, nullptr},    {100, -120, nullptr},  {1000, 0, nullptr}, {0.1, 0, nullptr},
+      {100, 13.05F, level},  {100, -120.1F, level}, {1000.1, 0, freq},  {0.09, 0, freq},
+      {100, noLevel, level}, {noFreq, 0, freq},     {1e9, 99, level}};
+  for (const auto& [freqMHz, levelDbm, message] : cases) {
+    SCOPED_TRACE(testing::Message() << freqMHz << " MHz, " << levelDbm << " dBm");
     TestStation s;
     s.RfOnAt(50, -50);
-    const Done set = s.sigGen.SetFreqLevel(c.freqMHz, c.levelDbm);
-    EXPECT_EQ(set.has_value(), c.message == nullptr);
-    EXPECT_EQ(s.sigGen.RfIsOn(), c.message == nullptr);
-    if (!c.message) continue;
+    const Done set = s.sigGen.SetFreqLevel(freqMHz, levelDbm);
+    EXPECT_EQ(set.has_value(), message == nullptr);
+    EXPECT_EQ(s.sigGen.RfIsOn(), message == nullptr);
+    if (!message) continue;
     EXPECT_EQ(s.Took(), (Strings{"> 18 OUTP OFF"}));
-    EXPECT_EQ(Told(set), (Strings{c.message}));
+    EXPECT_EQ(Told(set), (Strings{message}));
     // The request before still stands.
     EXPECT_EQ(s.Out(s.sigGen.RfOn()), (Strings{"> 18 OUTP ON"}));
   }
@@ -166,11 +161,6 @@ TEST_F(SigGenTest, IsLeftAtItsMinimumWhateverItsStateAtShutdown) {
             (Strings{"> 18 POW -120.0 DBM", "> 18 FREQ 0.1 MHZ", "> 18 OUTP OFF", "LOCAL 18"}));
 }
 
-TEST_F(SigGenTest, SendsABareTerminatorForAnEmptyRfOn) {
-  Redefine(sigGen, [](auto& d) { d.RfOn = "", d.EndOfString = 1; });
-  EXPECT_EQ(RfOnAt(100, 0).back(), "> 18 \\r");
-}
-
 TEST_F(SigGenTest, StartsAtTheMinimumWithModulationAndRfOff) {
   EXPECT_TRUE(sigGen.InitSigGen(0, -60));
   EXPECT_FALSE(sigGen.RfIsOn());
@@ -180,13 +170,14 @@ TEST_F(SigGenTest, StartsAtTheMinimumWithModulationAndRfOff) {
   EXPECT_EQ(Out(sigGen.ShutdownSigGen()), (Strings{"> 18 OUTP OFF", "LOCAL 18"}));
 }
 
-TEST_F(SigGenTest, SendsATerminatorForAnEmptyInitStringButNothingWithoutOne) {
-  Redefine(sigGen, [](auto& d) { d.InitString = ""; });
+TEST_F(SigGenTest, SendsATerminatorForAnEmptyCommandButNothingWithoutOne) {
+  Redefine(sigGen, [](auto& d) { d.InitString = d.RfOn = ""; });
   EXPECT_TRUE(sigGen.InitSigGen(0, 0));
   EXPECT_EQ(Took().at(2), "> 18 MOD OFF");
   Redefine(sigGen, [](auto& d) { d.EndOfString = 1; });
   EXPECT_TRUE(sigGen.InitSigGen(0, 0));
   EXPECT_EQ(Took().at(2), "> 18 \\r");
+  EXPECT_EQ(RfOnAt(100, 0).back(), "> 18 \\r");
 }
 
 TEST_F(SigGenTest, SwitchesRfOffEvenIfModulationCanNotBe) {
@@ -249,58 +240,36 @@ TEST_F(SigGenTest, RefusesModulationsThatTheGeneratorLacks) {
   EXPECT_TRUE(Took().empty());
 }
 
-struct FailureCase {
-  const char* name;
-  std::function<Done(SigGen&)> operation;
-  Strings calls;
-  std::string report;
-};
-
 TEST_F(SigGenTest, EachFailedSendStopsTheOperationWithOneReport) {
-  const FailureCase cases[] = {
-      {"RfOn", [](SigGen& g) { return g.RfOn(); }, {"> 18 OUTP ON"}, "Error setting SigGen RF on. \r\n"},
-      {"RfOff", [](SigGen& g) { return g.RfOff(); }, {"> 18 OUTP OFF"}, "Error setting SigGen RF off. \r\n"},
-      {"SetAM",
-       [](SigGen& g) { return g.SetAM(1, 1, false); },
-       {"> 18 AMF", "> 18 AMD"},
-       "Error setting AM modulation\r\n"},
-      {"SetFM", [](SigGen& g) { return g.SetFM(1, 1); }, {"> 18 FMF", "> 18 FMD"}, "Error setting FM modulation\r\n"},
-      {"SetPulse",
-       [](SigGen& g) { return g.SetPulse(1, 1); },
-       {"> 18 PLF", "> 18 PLW"},
-       "Error setting Pulse modulation\r\n"},
-      {"AmOn", [](SigGen& g) { return g.AmOn(); }, {"> 18 AM ON"}, "Error setting AM Modulation on. \r\n"},
-      {"FmOn", [](SigGen& g) { return g.FmOn(); }, {"> 18 FM ON"}, "Error setting FM Modulation on. \r\n"},
-      {"PulseOn", [](SigGen& g) { return g.PulseOn(); }, {"> 18 PL ON"}, "Error setting Pulse Modulation on.\r\n"},
-      {"ModOff",
-       [](SigGen& g) { return g.FmOn().and_then([&] { return g.ModOff(); }); },
+  const auto byDepth = [](SigGen& g) { return g.SetAM(1, 9, true).and_then([&] { return g.AmOn(); }); };
+  const std::tuple<std::function<Done(SigGen&)>, Strings, std::string> cases[] = {
+      {&SigGen::RfOn, {"> 18 OUTP ON"}, "Error setting SigGen RF on. \r\n"},
+      {&SigGen::RfOff, {"> 18 OUTP OFF"}, "Error setting SigGen RF off. \r\n"},
+      {[](auto& g) { return g.SetAM(1, 1, false); }, {"> 18 AMF", "> 18 AMD"}, "Error setting AM modulation\r\n"},
+      {[](auto& g) { return g.SetFM(1, 1); }, {"> 18 FMF", "> 18 FMD"}, "Error setting FM modulation\r\n"},
+      {[](auto& g) { return g.SetPulse(1, 1); }, {"> 18 PLF", "> 18 PLW"}, "Error setting Pulse modulation\r\n"},
+      {&SigGen::AmOn, {"> 18 AM ON"}, "Error setting AM Modulation on. \r\n"},
+      {&SigGen::FmOn, {"> 18 FM ON"}, "Error setting FM Modulation on. \r\n"},
+      {&SigGen::PulseOn, {"> 18 PL ON"}, "Error setting Pulse Modulation on.\r\n"},
+      {[](auto& g) { return g.FmOn().and_then([&] { return g.ModOff(); }); },
        {"> 18 MOD OFF"},
        "Error turning modulation off. \r\n"},
-      {"ModOff by depth",
-       [](SigGen& g) {
-         return g.SetAM(1, 9, true).and_then([&] { return g.AmOn(); }).and_then([&] { return g.ModOff(); });
-       },
+      {[&](auto& g) { return byDepth(g).and_then([&] { return g.ModOff(); }); },
        {"> 18 AMD 0.0"},
        "Error setting AM modulation\r\n"},
-      {"AmOn by depth",
-       [](SigGen& g) {
-         return g.SetAM(1, 9, true).and_then([&] { return g.AmOn(); }).and_then([&] { return g.AmOn(); });
-       },
+      {[&](auto& g) { return byDepth(g).and_then([&] { return g.AmOn(); }); },
        {"> 18 AMF", "> 18 AMD"},
        "Error setting AM modulation\r\n"},
-      {"Shutdown",
-       [](SigGen& g) { return g.ShutdownSigGen(); },
-       {"> 18 POW"},
-       "Error in writing command to Signal Generator. \r\n"},
-      {"Shutdown", [](SigGen& g) { return g.ShutdownSigGen(); }, {"LOCAL 18"}, "Error closing SigGen\r\n"},
+      {&SigGen::ShutdownSigGen, {"> 18 POW"}, "Error in writing command to Signal Generator. \r\n"},
+      {&SigGen::ShutdownSigGen, {"LOCAL 18"}, "Error closing SigGen\r\n"},
   };
-  for (const FailureCase& c : cases) {
-    for (const std::string& call : c.calls) {
-      SCOPED_TRACE(std::string(c.name) + " at " + call);
+  for (const auto& [operation, calls, report] : cases) {
+    for (const std::string& call : calls) {
+      SCOPED_TRACE(report + " at " + call);
       TestStation s;
       s.RfOnAt(100, 0);
       s.bus.FailLine(call, gpib::kEnol);
-      EXPECT_TRUE(FailsWith(c.operation(s.sigGen), c.report));
+      EXPECT_TRUE(FailsWith(operation(s.sigGen), report));
       EXPECT_TRUE(s.Took().back().starts_with(call));
     }
   }

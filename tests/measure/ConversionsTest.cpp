@@ -13,11 +13,7 @@ namespace {
 using namespace Conversions;
 
 TEST(ConversionsTest, ConvertsLevelsBetweenTheirUnits) {
-  struct Row {
-    const char* name;
-    double result, expected;
-  };
-  const Row rows[] = {
+  const std::tuple<const char*, double, double> rows[] = {
       {"1 V", VoltsToDbuv(1.0), 120},
       {"1 uV is the first voltage that counts", VoltsToDbuv(1e-6), 0},
       {"half a uV counts as nothing", VoltsToDbuv(5e-7), 0},
@@ -41,7 +37,7 @@ TEST(ConversionsTest, ConvertsLevelsBetweenTheirUnits) {
       {"nothing over something", RatioToDb(0, 1, 10), -999},
       {"something over nothing", RatioToDb(1, 0, 10), -999},
   };
-  for (const Row& row : rows) EXPECT_NEAR(row.result, row.expected, 5e-5) << row.name;
+  for (const auto& [name, result, expected] : rows) EXPECT_NEAR(result, expected, 5e-5) << name;
 }
 
 TEST(ConversionsTest, TellsAnInvalidOperation) {

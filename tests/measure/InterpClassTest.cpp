@@ -55,11 +55,7 @@ TEST_F(InterpClassTest, HasNoValueOnALogScaleNearZero) {
 }
 
 TEST_F(InterpClassTest, KeepsTheEndsOfARunOfEqualValues) {
-  struct Row {
-    const char* text;
-    std::vector<double> kept;
-  };
-  const Row rows[] = {
+  const std::pair<const char*, std::vector<double>> rows[] = {
       {"1,2\r\n2,2\r\n3,2\r\n4,2\r\n5,3\r\n", {1, 4, 5}},
       {"1,1\r\n5,1\r\n", {1, 5}},
       {"1,1\r\n2,2\r\n3,2\r\n4,2\r\n5,3\r\n6,3\r\n7,3\r\n8,4\r\n", {1, 2, 4, 5, 7, 8}},
@@ -67,9 +63,9 @@ TEST_F(InterpClassTest, KeepsTheEndsOfARunOfEqualValues) {
       {"10 2\r\n1000 2\r\n100 2\r\n50 3\r\n", {10, 50, 100, 1000}},
       {"9 1\r\n5 1\r\n7 1\r\n1 1\r\n", {1, 9}},
   };
-  for (const Row& row : rows) {
-    ASSERT_TRUE(Load(row.text)) << row.text;
-    EXPECT_EQ(Frequencies(), row.kept) << row.text;
+  for (const auto& [text, kept] : rows) {
+    ASSERT_TRUE(Load(text)) << text;
+    EXPECT_EQ(Frequencies(), kept) << text;
   }
 }
 
@@ -107,13 +103,9 @@ TEST_F(InterpClassTest, AnswersAlikeInWhateverOrderItIsAsked) {
 }
 
 TEST_F(InterpClassTest, RefusesABadFileAndNamesItsFault) {
-  struct Row {
-    const char* name;
-    std::string bytes, message;
-  };
   const std::string path = t.directory.File("table.los");
   const std::string atEnd = "Unexpected end of file in " + path, badData = "Bad data in calibration file";
-  const Row rows[] = {
+  const std::tuple<const char*, std::string, std::string> rows[] = {
       {"empty", "", atEnd},
       {"header only", "Freq, Loss\r\nnothing\r\n", atEnd},
       {"one data line", "Freq\r\n1,2\r\n", atEnd},
@@ -135,9 +127,9 @@ TEST_F(InterpClassTest, RefusesABadFileAndNamesItsFault) {
                    11),
        atEnd},
   };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.name);
-    EXPECT_EQ(Told(Load(row.bytes)), std::vector<std::string>{row.message});
+  for (const auto& [name, bytes, message] : rows) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(Told(Load(bytes)), std::vector<std::string>{message});
     EXPECT_EQ(table.MaxFreq(), -1);
     EXPECT_EQ(table.MinFreq(), -1);
     EXPECT_EQ(Told(table.InterpVal(1, FreqScale::Linear)),

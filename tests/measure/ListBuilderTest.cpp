@@ -15,10 +15,7 @@ using testing::SizeIs;
 using enum ListPartKind;
 
 TEST(ListParts, GoFromTheStartToTheEndWhateverTheStep) {
-  const struct {
-    ListPart part;
-    std::vector<double> expected;
-  } rows[] = {
+  const std::pair<ListPart, std::vector<double>> rows[] = {
       {{Linear, 10, 25, 10}, {10, 20, 25}},
       {{Linear, 0.1, 0.4, 0.1}, {0.1, 0.2, 0.3, 0.4}},  // no 0.30000000000000004, no end twice
       {{Linear, 30, 10, 5}, {10}},
@@ -31,8 +28,8 @@ TEST(ListParts, GoFromTheStartToTheEndWhateverTheStep) {
       {{Linear, 1, 1e6, 1e-6}, {}},  // a mistyped step must not fill the memory
       {{Harmonics, 1, 0, 1e39}, {}},
   };
-  for (const auto& row : rows)
-    EXPECT_EQ(FrequenciesOf(row.part), row.expected) << row.part.Start << ' ' << row.part.End << ' ' << row.part.Step;
+  for (const auto& [part, expected] : rows)
+    EXPECT_EQ(FrequenciesOf(part), expected) << part.Start << ' ' << part.End << ' ' << part.Step;
 }
 
 TEST(TidyList, SortsAndLeavesOutTheSecondOfTwo) {

@@ -53,11 +53,7 @@ TEST_F(ReadFreqTest, RefusesABadListAndNamesItsFault) {
 }
 
 TEST_F(ReadFreqTest, PlansASweepOnTheDecimalsThatARecordHolds) {
-  const struct {
-    StepType type;
-    double start, stop, step;
-    List plan;
-  } rows[] = {
+  const std::tuple<StepType, double, double, double, List> rows[] = {
       {StepType::Linear, 1, 10, 2, {1, 3, 5, 7, 9, 11}},
       {StepType::Linear, 1, 2.4, 1, {1, 2}},
       {StepType::Linear, 5, 5, 1, {5}},
@@ -66,7 +62,7 @@ TEST_F(ReadFreqTest, PlansASweepOnTheDecimalsThatARecordHolds) {
       {StepType::Log, 1, 3, 100, {1, 2, 3}},
       {StepType::Log, 10, 14.4, 20, {10, 12, 14.4}},  // the last point stands there once
   };
-  for (const auto& row : rows) EXPECT_EQ(Plan(row.type, row.start, row.stop, row.step), row.plan);
+  for (const auto& [type, start, stop, step, plan] : rows) EXPECT_EQ(Plan(type, start, stop, step), plan);
   EXPECT_EQ(Plan(StepType::Linear, 0.15, 0.85, 0.1).back(), 0.85);
   EXPECT_EQ(Plan(StepType::Linear, 0.15, 230, 1).back(), 230.15);
   EXPECT_EQ(Plan(StepType::Linear, 1, 10.4, 0.7).back(), 10.1);
@@ -83,12 +79,7 @@ TEST_F(ReadFreqTest, PlansAListWithinItsRange) {
 
 TEST_F(ReadFreqTest, PutsTheBandSwitchPairWhereThePlanCrossesIt) {
   constexpr double kAbove80 = 80 + 0.000001;
-  struct Row {
-    StepType type;
-    double start, stop, step, band;
-    List plan;
-  };
-  const Row rows[] = {
+  const std::tuple<StepType, double, double, double, double, List> rows[] = {
       {StepType::Linear, 10, 200, 50, 80, {10, 60, 80, kAbove80, 110, 160, 210}},
       {StepType::Linear, 80, 100, 10, 80, {80, kAbove80, 90, 100}},
       {StepType::Linear, 90, 110, 10, 80, {90, 100, 110}},
@@ -101,9 +92,9 @@ TEST_F(ReadFreqTest, PutsTheBandSwitchPairWhereThePlanCrossesIt) {
       {StepType::Log, 50, 90, 50, 80, {50, 75, 90}},
       {StepType::Log, 200, 245, 10, 220, {200, 220, 220 + 0.000001, 242, 245}},
   };
-  for (const Row& row : rows) {
-    EXPECT_EQ(Plan(row.type, row.start, row.stop, row.step, {true, row.band}), row.plan);
-    EXPECT_EQ(Plan(row.type, row.start, row.stop, row.step, {false, row.band}).front(), row.start);
+  for (const auto& [type, start, stop, step, band, plan] : rows) {
+    EXPECT_EQ(Plan(type, start, stop, step, {true, band}), plan);
+    EXPECT_EQ(Plan(type, start, stop, step, {false, band}).front(), start);
   }
 }
 

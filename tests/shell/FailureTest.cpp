@@ -13,14 +13,8 @@ const Failure kRefusal("Bad units");
 const Failure kMeaning("Error initializing meter", MessageIcon::Critical);
 const Failure kReport = Failure::Report(RuntimeError(ErrorNumber::FileNotFound), "SigGen.LoadFile", "a.sg");
 
-struct BoxesCase {
-  std::vector<Failure> parts;
-  std::vector<std::string> texts;
-  MessageIcon lastIcon;
-};
-
 TEST(Failure, WhatFollowsAFailureOnTheBusJoinsItsBox) {
-  const BoxesCase cases[] = {
+  const std::tuple<std::vector<Failure>, std::vector<std::string>, MessageIcon> cases[] = {
       {{}, {}, {}},
       {{Failure("")}, {}, {}},
       {{kRefusal}, {"Bad units"}, MessageIcon::None},
@@ -37,14 +31,14 @@ TEST(Failure, WhatFollowsAFailureOnTheBusJoinsItsBox) {
        {"Error in reading meter. \r\nibsta = &H8120", "Error # 53\rFile not found\rSigGen.LoadFile\ra.sg", "Bad units"},
        MessageIcon::None},
   };
-  for (const BoxesCase& c : cases) {
+  for (const auto& [parts, texts, lastIcon] : cases) {
     Failure failure;
-    for (const Failure& part : c.parts) failure.Add(part);
-    SCOPED_TRACE(testing::PrintToString(c.texts));
-    EXPECT_EQ(Told(Done(Because(failure))), c.texts);
-    EXPECT_EQ(failure.IsSilent(), c.texts.empty());
-    if (!c.texts.empty()) {
-      EXPECT_EQ(failure.Boxes().back().icon, c.lastIcon);
+    for (const Failure& part : parts) failure.Add(part);
+    SCOPED_TRACE(testing::PrintToString(texts));
+    EXPECT_EQ(Told(Done(Because(failure))), texts);
+    EXPECT_EQ(failure.IsSilent(), texts.empty());
+    if (!texts.empty()) {
+      EXPECT_EQ(failure.Boxes().back().icon, lastIcon);
     }
   }
 }

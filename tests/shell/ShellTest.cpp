@@ -12,32 +12,27 @@
 namespace hylden {
 namespace {
 
-struct PositionCase {
-  const char* text;
-  std::optional<TwipPlace> expected;
-};
-
 TEST(FormPosition, AWindowNeverOpensOffTheScreen) {
   const TwipSize window{4000, 3001};
   const std::vector<TwipScreen> screen{{{0, 0}, {15000, 12000}}};
   const TwipPlace centred{5500, 4500};  // 4499.5 goes to the even neighbour
-  const PositionCase cases[] = {{"", std::nullopt},
-                                {"1,", std::nullopt},
-                                {"1200,900", TwipPlace{1200, 900}},
-                                {"0,0", TwipPlace{0, 0}},
-                                {"11000,8999", TwipPlace{11000, 8999}},
-                                {"11001,900", centred},
-                                {"1200,9000", centred},
-                                {"-1,900", centred},
-                                {"1200,-15", centred},
-                                {"99999,900", centred},
-                                {"1200.5,899.6", TwipPlace{1200, 900}},
-                                {"-0.4,10", TwipPlace{0, 10}},
-                                {"1200", std::nullopt},
-                                {"left,top", std::nullopt}};
-  for (const PositionCase& c : cases) {
-    SCOPED_TRACE(c.text);
-    EXPECT_EQ(SetFormPosition(c.text, window, screen), c.expected);
+  const std::pair<const char*, std::optional<TwipPlace>> cases[] = {{"", std::nullopt},
+                                                                    {"1,", std::nullopt},
+                                                                    {"1200,900", TwipPlace{1200, 900}},
+                                                                    {"0,0", TwipPlace{0, 0}},
+                                                                    {"11000,8999", TwipPlace{11000, 8999}},
+                                                                    {"11001,900", centred},
+                                                                    {"1200,9000", centred},
+                                                                    {"-1,900", centred},
+                                                                    {"1200,-15", centred},
+                                                                    {"99999,900", centred},
+                                                                    {"1200.5,899.6", TwipPlace{1200, 900}},
+                                                                    {"-0.4,10", TwipPlace{0, 10}},
+                                                                    {"1200", std::nullopt},
+                                                                    {"left,top", std::nullopt}};
+  for (const auto& [text, expected] : cases) {
+    SCOPED_TRACE(text);
+    EXPECT_EQ(SetFormPosition(text, window, screen), expected);
   }
 }
 

@@ -11,36 +11,31 @@ namespace hylden {
 namespace {
 
 TEST(ShortestText, DoublesKeepFifteenDigitsAndTurnToExponentsBeyondThem) {
-  const struct {
-    double value;
-    const char* text;
-  } cases[] = {{0, "0"},
-               {-0.0, "0"},
-               {0.15, "0.15"},
-               {-0.5, "-0.5"},
-               {80, "80"},
-               {0.1 + 0.2, "0.3"},
-               {1.0 / 3, "0.333333333333333"},
-               {1.0 / 30, "3.33333333333333E-02"},
-               {0.00001, "0.00001"},
-               {1e-15, "0.000000000000001"},
-               {1e-16, "1E-16"},
-               {123456789012345, "123456789012345"},
-               {999999999999999.9, "1E+15"},
-               {1e15, "1E+15"},
-               {-1.5e300, "-1.5E+300"},
-               {12345.678901234567, "12345.6789012346"},
-               {5e-324, "4.94065645841247E-324"}};
-  for (const auto& row : cases) EXPECT_EQ(ShortestText(row.value), row.text);
+  const std::pair<double, const char*> cases[] = {{0, "0"},
+                                                  {-0.0, "0"},
+                                                  {0.15, "0.15"},
+                                                  {-0.5, "-0.5"},
+                                                  {80, "80"},
+                                                  {0.1 + 0.2, "0.3"},
+                                                  {1.0 / 3, "0.333333333333333"},
+                                                  {1.0 / 30, "3.33333333333333E-02"},
+                                                  {0.00001, "0.00001"},
+                                                  {1e-15, "0.000000000000001"},
+                                                  {1e-16, "1E-16"},
+                                                  {123456789012345, "123456789012345"},
+                                                  {999999999999999.9, "1E+15"},
+                                                  {1e15, "1E+15"},
+                                                  {-1.5e300, "-1.5E+300"},
+                                                  {12345.678901234567, "12345.6789012346"},
+                                                  {5e-324, "4.94065645841247E-324"}};
+  for (const auto& [value, text] : cases) EXPECT_EQ(ShortestText(value), text);
 }
 
 TEST(ShortestText, SinglesKeepSevenDigits) {
-  const struct {
-    float value;
-    const char* text;
-  } cases[] = {{0.15F, "0.15"},         {1.0F / 3, "0.3333333"}, {1.0F / 30, "3.333334E-02"},
-               {1234567.0F, "1234567"}, {1e7F, "1E+07"},         {-3.4028235e38F, "-3.402823E+38"}};
-  for (const auto& row : cases) EXPECT_EQ(ShortestText(row.value), row.text);
+  const std::pair<float, const char*> cases[] = {
+      {0.15F, "0.15"},         {1.0F / 3, "0.3333333"}, {1.0F / 30, "3.333334E-02"},
+      {1234567.0F, "1234567"}, {1e7F, "1E+07"},         {-3.4028235e38F, "-3.402823E+38"}};
+  for (const auto& [value, text] : cases) EXPECT_EQ(ShortestText(value), text);
 }
 
 TEST(PrintText, HasASignPositionAndNoLeadingZero) {
@@ -59,29 +54,26 @@ TEST(PrintText, IsReadBackAsTheSameNumber) {
 }
 
 TEST(LeadingNumber, StopsAtTheFirstCharacterThatCannotContinueANumber) {
-  const struct {
-    const char* text;
-    double value;
-  } cases[] = {{"72.669 DBUV", 72.669},
-               {"\r\n  -20.5dBm", -20.5},
-               {"- 12.5", -12.5},
-               {"+7.26690E+01,3", 72.669},
-               {"1.5D-3", 0.0015},
-               {"13DBM", 13},
-               {"5E", 5},
-               {"5E+", 5},
-               {"1.2.3", 1.2},
-               {"1,234", 1},
-               {".5", 0.5},
-               {"-.5", -0.5},
-               {"VALUE 72.669", 0},
-               {"", 0},
-               {"-", 0},
-               {".", 0},
-               {"inf", 0},
-               {"nan", 0},
-               {"1e-400", 0}};
-  for (const auto& row : cases) EXPECT_DOUBLE_EQ(LeadingNumber(row.text), row.value) << row.text;
+  const std::pair<const char*, double> cases[] = {{"72.669 DBUV", 72.669},
+                                                  {"\r\n  -20.5dBm", -20.5},
+                                                  {"- 12.5", -12.5},
+                                                  {"+7.26690E+01,3", 72.669},
+                                                  {"1.5D-3", 0.0015},
+                                                  {"13DBM", 13},
+                                                  {"5E", 5},
+                                                  {"5E+", 5},
+                                                  {"1.2.3", 1.2},
+                                                  {"1,234", 1},
+                                                  {".5", 0.5},
+                                                  {"-.5", -0.5},
+                                                  {"VALUE 72.669", 0},
+                                                  {"", 0},
+                                                  {"-", 0},
+                                                  {".", 0},
+                                                  {"inf", 0},
+                                                  {"nan", 0},
+                                                  {"1e-400", 0}};
+  for (const auto& [text, value] : cases) EXPECT_DOUBLE_EQ(LeadingNumber(text), value) << text;
   EXPECT_EQ(LeadingNumber("-1e400"), -std::numeric_limits<double>::infinity());
   EXPECT_EQ(LeadingNumber("1e99999999999999999999"), std::numeric_limits<double>::infinity());
   EXPECT_EQ(LeadingNumber("1" + std::string(400, '0')), std::numeric_limits<double>::infinity());

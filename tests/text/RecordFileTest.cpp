@@ -75,11 +75,7 @@ constexpr std::string_view FileKind(const Sample&) {
 
 TEST(RecordFile, AFaultKeepsTheFieldsBeforeItAndNamesItsLineAndTheKindOfFile) {
   const std::string most(59, 'x');
-  const struct {
-    std::string text;
-    int error;
-    std::string description;
-  } rows[] = {
+  const std::tuple<std::string, int, std::string> rows[] = {
       {"new\n1\n", 62, "Input past end of file"},
       {"new\n1\nlow\n", 13, "Type mismatch, line 3 of the sample: \"low\""},
       {"new\n1\n\n", 13, "Type mismatch, line 3 of the sample: \"\""},
@@ -89,14 +85,14 @@ TEST(RecordFile, AFaultKeepsTheFieldsBeforeItAndNamesItsLineAndTheKindOfFile) {
       {"new\n1\n" + most + "\xC3\xA4\n", 13, "Type mismatch, line 3 of the sample: \"" + most + "...\""},
   };
   TempDir directory;
-  for (const auto& row : rows) {
+  for (const auto& [text, number, description] : rows) {
     Sample sample = kSample;
     try {
-      LoadRecord(directory.Write("a.txt", row.text), sample);
-      FAIL() << row.text;
+      LoadRecord(directory.Write("a.txt", text), sample);
+      FAIL() << text;
     } catch (const RuntimeError& error) {
-      EXPECT_EQ(error.Number(), row.error);
-      EXPECT_EQ(error.Description(), row.description);
+      EXPECT_EQ(error.Number(), number);
+      EXPECT_EQ(error.Description(), description);
     }
     EXPECT_EQ(sample.Name, "new");
     EXPECT_EQ(sample.Freq, 1);

@@ -37,20 +37,17 @@ class TextFileTest : public testing::Test {
 
 TEST_F(TextFileTest, EveryLineEndCountsAndTheLastMayBeMissing) {
   using Lines = std::vector<std::string>;
-  const struct {
-    const char* bytes;
-    Lines lines;
-  } cases[] = {{"", {}},
-               {"a\r\nb\r\n", {"a", "b"}},
-               {"a\nb", {"a", "b"}},
-               {"a\rb\r", {"a", "b"}},
-               {"a\r\n\r\nb", {"a", "", "b"}},
-               {"\n\r", {"", ""}},
-               {"\xEF\xBB\xBF"
-                "a\n",
-                {"a"}},
-               {"\xEF\xBB\xBF", {}}};
-  for (const auto& row : cases) EXPECT_EQ(ReadLines(folder_.Write("lines.txt", row.bytes)), row.lines) << row.bytes;
+  const std::pair<const char*, Lines> cases[] = {{"", {}},
+                                                 {"a\r\nb\r\n", {"a", "b"}},
+                                                 {"a\nb", {"a", "b"}},
+                                                 {"a\rb\r", {"a", "b"}},
+                                                 {"a\r\n\r\nb", {"a", "", "b"}},
+                                                 {"\n\r", {"", ""}},
+                                                 {"\xEF\xBB\xBF"
+                                                  "a\n",
+                                                  {"a"}},
+                                                 {"\xEF\xBB\xBF", {}}};
+  for (const auto& [bytes, lines] : cases) EXPECT_EQ(ReadLines(folder_.Write("lines.txt", bytes)), lines) << bytes;
 }
 
 TEST_F(TextFileTest, ReadingPastTheLastLineIsAnError) {
@@ -153,11 +150,7 @@ TEST_F(TextFileTest, WhatWouldKeepAFileFromBeingSavedIsToldBeforehand) {
   folder_.Write("folder/inside", "");
   mkfifo(At("pipe").c_str(), 0600);
   const FileSizeLimit limit(5000);
-  const struct {
-    std::string name;
-    std::size_t size;
-    std::optional<std::string> expected;
-  } rows[] = {
+  const std::tuple<std::string, std::size_t, std::optional<std::string>> rows[] = {
       {"new.run", 4000, std::nullopt},
       {"old.run", 4000, std::nullopt},
       {"new.run", 6000, "Disk full"},
@@ -166,7 +159,7 @@ TEST_F(TextFileTest, WhatWouldKeepAFileFromBeingSavedIsToldBeforehand) {
       {"no/new.run", 1, "Path not found"},
       {std::string(300, 'x'), 1, "Bad file name or number"},
   };
-  for (const auto& row : rows) EXPECT_EQ(SaveObstacle(At(row.name), row.size), row.expected) << row.name;
+  for (const auto& [name, size, expected] : rows) EXPECT_EQ(SaveObstacle(At(name), size), expected) << name;
   EXPECT_EQ(folder_.Read("old.run"), "old");
   EXPECT_EQ(OtherFiles("old.run"), 2);
 }
