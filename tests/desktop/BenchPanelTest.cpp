@@ -181,13 +181,5 @@ TEST_F(BenchPanel, F1OpensItsChapterOfTheManual) {
   EXPECT_EQ(place.block().text().toStdString(), "The bench panel");
 }
 
-TEST_F(BenchPanel, ClosesWithTheProgram) {
-  Panel();
-  m.desktop->CloseAll();
-  Turn();
-  EXPECT_EQ(m.ended, 1);
-  EXPECT_EQ(OpenWindow<frmBench>(), nullptr);
-}
-
 }  // namespace
 }  // namespace hylden

@@ -107,16 +107,6 @@ TEST_F(TestDefForm, SelectsNothingForACodeThatNoOptionStandsFor) {
   EXPECT_FALSE(IsTicked(*form, "optFMMod"));
 }
 
-TEST_F(TestDefForm, ShowsTheCalibrationOfTheTest) {
-  EXPECT_EQ(Text("lblCalDescription"), "Setup <b>1</b>");
-  EXPECT_EQ(Find<QLabel>(*form, "lblCalDescription").textFormat(), Qt::PlainText);
-  EXPECT_EQ(Text("lblAmplifier"), "Amp");
-  EXPECT_EQ(Text("lblCouplingMethod"), "CDN");
-  EXPECT_EQ(Path("lblCalLevel"), "10v");
-  EXPECT_EQ(Text("lblCalFreqRange"), "0.15 - 230");
-  EXPECT_EQ(Path("lblCalFileName"), test().CalInfoFile);
-}
-
 TEST_F(TestDefForm, StartsNoTestWithABoxThatHoldsNoNumberAndPointsItOut) {
   EXPECT_EQ(ExpectPointedOut(dialogs, *form, test(), "cmdStart"), 14U);
   for (const char* modulation : {"optFMMod", "optPulseMod"}) {
@@ -194,7 +184,14 @@ TEST_F(TestDefForm, ChecksATestAgainstItsOwnCalibration) {
   EXPECT_THAT(Told("cmdStart"), ElementsAre(testing::HasSubstr("No start/stop frequencies")));
 }
 
-TEST_F(TestDefForm, TakesAChosenCalibrationWholeOrNotAtAll) {
+TEST_F(TestDefForm, ShowsItsCalibrationAndTakesAChosenOneWholeOrNotAtAll) {
+  EXPECT_EQ(Text("lblCalDescription"), "Setup <b>1</b>");
+  EXPECT_EQ(Find<QLabel>(*form, "lblCalDescription").textFormat(), Qt::PlainText);
+  EXPECT_EQ(Text("lblAmplifier"), "Amp");
+  EXPECT_EQ(Text("lblCouplingMethod"), "CDN");
+  EXPECT_EQ(Path("lblCalLevel"), "10v");
+  EXPECT_EQ(Text("lblCalFreqRange"), "0.15 - 230");
+  EXPECT_EQ(Path("lblCalFileName"), test().CalInfoFile);
   Told("cmdCalFile");
   EXPECT_EQ(dialogs.openRequests.back().title, "Select Calibration File");
   EXPECT_EQ(dialogs.openRequests.back().filter, "CalInfo (*.hyinfo)|*.hyinfo");
@@ -226,7 +223,11 @@ TEST_F(TestDefForm, DropsACalibrationFromFormAndRecord) {
   EXPECT_EQ(info().FreqRange, "1 - 30");
 }
 
-TEST_F(TestDefForm, TakesNoFileThatIsNoList) {
+TEST_F(TestDefForm, TakesNoFileThatIsNoListAndAsksForTheBuilderWithItsList) {
+  QSignalSpy lists(form.get(), &frmTestDef::CreateListRequested);
+  Press("cmdCreateList");
+  ASSERT_EQ(lists.count(), 1);
+  EXPECT_EQ(lists[0][0].toString(), ToQt(test().ListFile));
   test().FreqList = false;
   Open();
   const std::string before = test().ListFile;
@@ -244,13 +245,6 @@ TEST_F(TestDefForm, TakesNoFileThatIsNoList) {
   EXPECT_EQ(dialogs.openRequests.back().fileName, before);
   EXPECT_EQ(Path("lblListFile"), path);
   EXPECT_TRUE(IsTicked(*form, "chkFreqList"));
-}
-
-TEST_F(TestDefForm, AsksForTheListBuilderWithItsList) {
-  QSignalSpy lists(form.get(), &frmTestDef::CreateListRequested);
-  Press("cmdCreateList");
-  ASSERT_EQ(lists.count(), 1);
-  EXPECT_EQ(lists[0][0].toString(), ToQt(test().ListFile));
 }
 
 TEST_F(TestDefForm, LocksAReadOnlyTestOnly) {

@@ -19,10 +19,11 @@ TEST_F(PMTest, TellsEverySensorTheFrequencyOncePerChange) {
   EXPECT_TRUE(Took().empty());
 }
 
-TEST_F(PMTest, DoesNotTuneTheWrongChannel) {
+TEST_F(PMTest, DoesNotTuneTheWrongChannelAndSendsTheFrequencyAgain) {
   bus.FailLine("> 7 BP", gpib::kEnol);
   EXPECT_TRUE(FailsWith(pm.PwrMtrSetFreq(100), "Error in writing to power meter. \r\n"));
   EXPECT_EQ(Took().back(), "> 7 BP !2");
+  EXPECT_EQ(Out(pm.PwrMtrSetFreq(100)), (Strings{"> 7 AP", "> 7 FR 100.0 MZ", "> 7 BP", "> 7 FR 100.0 MZ"}));
 }
 
 TEST_F(PMTest, LetsTheBandChooseTheChannel) {
@@ -97,13 +98,6 @@ TEST_F(PMTest, TellsWhyAReadingFailed) {
     s.bus.Answer(7, answer);
     EXPECT_EQ(Told(s.pm.ReadPower(1)), Strings{why});
   }
-}
-
-TEST_F(PMTest, AFrequencyThatDidNotGetThroughIsSentAgain) {
-  bus.FailLine("> 7 FR", gpib::kEnol);
-  EXPECT_FALSE(pm.PwrMtrSetFreq(50));
-  Took();
-  EXPECT_EQ(Out(pm.PwrMtrSetFreq(50)), (Strings{"> 7 AP", "> 7 FR 50.0 MZ", "> 7 BP", "> 7 FR 50.0 MZ"}));
 }
 
 TEST_F(PMTest, OpensAndShutsDown) {

@@ -36,12 +36,6 @@ TEST(FormPosition, AWindowNeverOpensOffTheScreen) {
   }
 }
 
-TEST(FormPosition, AWindowComesBackToWhereItsTextWasTaken) {
-  const TwipPlace place{1215, 900};
-  EXPECT_EQ(FormPositionText(place), "1215,900");
-  EXPECT_EQ(SetFormPosition(FormPositionText(place), {100, 100}, {{{0, 0}, {9000, 9000}}}), place);
-}
-
 TEST(FormPosition, AWindowComesBackOnEveryScreenThatIsThere) {
   const TwipSize window{4000, 3000};
   const TwipScreen middle{{0, 0}, {57600, 32400}}, left{{-28800, -1500}, {28800, 16200}},
@@ -127,6 +121,8 @@ TEST_F(ShellTest, AFailureThatNobodyForesawHaltsARunWithRfOffBeforeItIsReported)
     t_.shell.ReportUnforeseen(std::bad_alloc(), "frmRunTest.mnuHelp");
     EXPECT_EQ(t_.shell.delay.HaltRequested(), run);
     EXPECT_EQ(t_.dialogs.LastText(), "Error # 51\rInternal error\rfrmRunTest.mnuHelp\r");
+    EXPECT_EQ(t_.dialogs.messages.back().title, "Error");
+    EXPECT_EQ(t_.dialogs.messages.back().icon, MessageIcon::Critical);
     t_.shell.ReleaseInstruments();
   }
 }
@@ -140,16 +136,6 @@ TEST_F(ShellTest, AFailureIsToldOnceWithRfOff) {
   t_.dialogs.onShow = [&](const Message&) { EXPECT_TRUE(claiming.rfOff); };
   EXPECT_FALSE(t_.shell.Ok(Done(Because("Bad data"))));
   EXPECT_EQ(t_.dialogs.Texts(), std::vector<std::string>{"Bad data"});
-}
-
-TEST_F(ShellTest, ATrappedFailureIsReportedWithNumberContextAndPath) {
-  t_.shell.ReportError(RuntimeError(ErrorNumber::TypeMismatch), "TestSetup.LoadDef", "/a.tst");
-  const std::bad_alloc unnumbered;
-  t_.shell.ReportError(unnumbered, "frmRunTest.RunCDI");
-  EXPECT_EQ(t_.dialogs.Texts(), (std::vector<std::string>{"Error # 13\rType mismatch\rTestSetup.LoadDef\r/a.tst",
-                                                          "Error # 51\rInternal error\rfrmRunTest.RunCDI\r"}));
-  EXPECT_EQ(t_.dialogs.messages[0].title, "Error");
-  EXPECT_EQ(t_.dialogs.messages[0].icon, MessageIcon::Critical);
 }
 
 }  // namespace

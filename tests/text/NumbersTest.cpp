@@ -47,12 +47,6 @@ TEST(PrintText, HasASignPositionAndNoLeadingZero) {
   EXPECT_EQ(PrintText(std::numeric_limits<std::int32_t>::min()), "-2147483648");
 }
 
-TEST(PrintText, IsReadBackAsTheSameNumber) {
-  for (const float value : {0.1F, -12.345F, 1e-20F, 3.4028235e38F}) {
-    EXPECT_EQ(PrintText(ToSingle(PrintText(value))), PrintText(value));
-  }
-}
-
 TEST(LeadingNumber, StopsAtTheFirstCharacterThatCannotContinueANumber) {
   const std::pair<const char*, double> cases[] = {{"72.669 DBUV", 72.669},
                                                   {"\r\n  -20.5dBm", -20.5},

@@ -52,10 +52,6 @@ TEST(RecordFile, WritesOneLinePerFieldInPrintStyle) {
             "C:\\Cal, 10 V\r\n .15 \r\n-12.5 \r\n 18 \r\n 2 \r\nTrue\r\nFalse\r\nlate\r\n\r\n\r\n");
 }
 
-TEST(RecordFile, ReadsBackWhatItWrote) {
-  EXPECT_TRUE(SameRecord(Read(Written(kSample, true)), kSample));
-}
-
 TEST(RecordFile, ReadsOlderAndHandEditedFiles) {
   const Sample sample = Read(" n \n0.15\n1e1\n18.4\n&H2\n-1\n\n");
   EXPECT_EQ(sample.Name, " n ");

@@ -50,13 +50,6 @@ TEST_F(TextFileTest, EveryLineEndCountsAndTheLastMayBeMissing) {
   for (const auto& [bytes, lines] : cases) EXPECT_EQ(ReadLines(folder_.Write("lines.txt", bytes)), lines) << bytes;
 }
 
-TEST_F(TextFileTest, ReadingPastTheLastLineIsAnError) {
-  LineReader reader("only");
-  reader.ReadLine();
-  EXPECT_TRUE(reader.AtEnd());
-  EXPECT_EQ(ErrorOf([&] { reader.ReadLine(); }), 62);
-}
-
 TEST_F(TextFileTest, AFileThatCannotBeReadTellsWhy) {
   fs::resize_file(folder_.Write("huge.txt", ""), (256ULL << 20) + 1);
   ASSERT_EQ(mkfifo(At("pipe.tst").c_str(), 0600), 0);
