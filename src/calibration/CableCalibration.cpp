@@ -205,12 +205,8 @@ bool RunCablCal::WriteFile() {
       shell_.dialogs.SaveFile({"Select Filname", "InsLoss (*.los)|*.los|Text File (*.txt)|*.txt|All Files (*.*)|*.*",
                                shell_.settings.GetDataDir(datakind::kInsertionLoss), "*.los"});
   if (!path) return false;
-  try {
-    ReplaceFile(*path, InsertionLossText(complete, *path));
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, "RunCblCal.SaveFile", *path);
-    return false;
-  }
+  const auto write = [&] { ReplaceFile(*path, InsertionLossText(complete, *path)); };
+  if (!shell_.Ok(Trapped("RunCblCal.SaveFile", *path, write))) return false;
   if (complete.size() < points_.size())
     shell_.dialogs.Tell("The insert pass ended early: the file holds " + ShortestText(complete.front().Freq) + " - " +
                         ShortestText(complete.back().Freq) + " MHz only.");

@@ -107,14 +107,8 @@ std::string RunFileText(const RunData& data, bool thresholdsOnly) {
   return JoinLines(lines);
 }
 
-bool FileRunData(Shell& shell, const RunData& data, const std::string& path, bool thresholdsOnly) {
-  try {
-    ReplaceFile(path, RunFileText(data, thresholdsOnly));
-    return true;
-  } catch (const std::exception& error) {
-    shell.ReportError(error, "FileRunData", path);
-    return false;
-  }
+Done FileRunData(const RunData& data, const std::string& path, bool thresholdsOnly) {
+  return Trapped("FileRunData", path, [&] { ReplaceFile(path, RunFileText(data, thresholdsOnly)); });
 }
 
 bool SaveRunData(Shell& shell, const RunData& data) {
@@ -124,7 +118,7 @@ bool SaveRunData(Shell& shell, const RunData& data) {
   }
   const auto path = shell.dialogs.SaveFile({"Select run file", "Test Run Files (*.run)|*.run|All Files|*.*",
                                             shell.settings.GetDataDir(datakind::kTestResults)});
-  return path && FileRunData(shell, data, *path, false);
+  return path && shell.Ok(FileRunData(data, *path, false));
 }
 
 }  // namespace hylden

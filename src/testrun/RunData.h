@@ -7,6 +7,8 @@
 #include <variant>
 #include <vector>
 
+#include "shell/Failure.h"
+
 namespace hylden {
 
 class Shell;
@@ -88,9 +90,8 @@ std::vector<std::string> RunRowLines(const RunData& data, bool thresholdsOnly);
 /// The text of a run data file (.run).
 std::string RunFileText(const RunData& data, bool thresholdsOnly);
 
-/// Writes a run data file; a failure leaves an old file whole and the data as they are.
-/// @return false after a report
-bool FileRunData(Shell& shell, const RunData& data, const std::string& path, bool thresholdsOnly);
+/// Writes a run data file; a failure leaves an old file whole.
+Done FileRunData(const RunData& data, const std::string& path, bool thresholdsOnly);
 
 /// The save command: asks for a file and writes all rows to it. Without rows: "No run data to save".
 /// @return false when there were rows and they were not written

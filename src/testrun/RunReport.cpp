@@ -4,7 +4,6 @@
 
 #include "documents/Documents.h"
 #include "documents/TestSummary.h"
-#include "shell/Shell.h"
 #include "testrun/RunData.h"
 
 namespace hylden {
@@ -28,13 +27,11 @@ PrintJob DetailedReport(const Documents& documents, const RunData& data) {
   return job;
 }
 
-void PrintRunReport(Shell& shell, const Documents& documents, const RunData& data, RunReportKind kind) {
-  try {
+Done PrintRunReport(Printer& printer, const Documents& documents, const RunData& data, RunReportKind kind) {
+  return Trapped("PrintRunData", {}, [&] {
     const bool detailed = kind == RunReportKind::Detailed;
-    shell.printer.Print(detailed ? DetailedReport(documents, data) : RunReport(data, kind == RunReportKind::Threshold));
-  } catch (const std::exception& error) {
-    shell.ReportError(error, "PrintRunData");
-  }
+    printer.Print(detailed ? DetailedReport(documents, data) : RunReport(data, kind == RunReportKind::Threshold));
+  });
 }
 
 }  // namespace hylden

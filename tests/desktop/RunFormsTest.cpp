@@ -83,6 +83,9 @@ TEST_F(RunForms, WholeRunIsShownSavedAndPrintedAsRecorded) {
   EXPECT_EQ(m.printer.Lines(1).back(), lastLine);
   EXPECT_GT(m.printer.Lines(1).size(), m.printer.Lines(0).size()) << "the parameters come first";
   EXPECT_EQ(m.printer.Lines(2).back(), "Freq(MHz), Threshold, Comment") << "no threshold was marked";
+  m.printer.failure = ErrorNumber::DeviceIoError;
+  Choose(*form, "mnuFilePrintBrief");
+  EXPECT_TRUE(dialogs.WasShownContaining("PrintRunData")) << dialogs.LastText();
 }
 
 TEST_F(RunForms, SecondRunStartsAfresh) {

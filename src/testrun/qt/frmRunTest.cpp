@@ -92,7 +92,7 @@ void frmRunTest::ConnectFileMenu() {
 }
 
 void frmRunTest::PrintReport(RunReportKind kind) {
-  Guard("mnuFilePrint", [&] { PrintRunReport(shell_, documents_, engine_.Data(), kind); });
+  Guard("mnuFilePrint", [&] { shell_.Ok(PrintRunReport(shell_.printer, documents_, engine_.Data(), kind)); });
 }
 
 void frmRunTest::ConnectUnits() {
