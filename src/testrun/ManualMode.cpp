@@ -34,8 +34,13 @@ bool ManualMode::Halted() const {
 }
 
 std::optional<int> ManualMode::Run(int step) {
-  Open(step);
-  while (state_ == State::Open && !Halted()) shell_.delay.Yield();
+  try {
+    Open(step);
+    while (state_ == State::Open && !Halted()) shell_.delay.Yield();
+  } catch (...) {
+    state_ = State::Left;  // the form stays until the run has ended, and may not bring RF back meanwhile
+    throw;
+  }
   const bool halted = Halted();
   if (!halted) shell_.log.LogFile("Manual mode exited, test continued");
   Close();

@@ -290,6 +290,11 @@ TEST(ManualMode, WhatEndsTheRunTakesItsFormAwayWithRfOff) {
     SCOPED_TRACE(row.name);
     ManualRun m;
     m.UseIfi(1.5);
+    const auto shown = m.t.dialogs.onShow;
+    m.t.dialogs.onShow = [&](const Message& message) {
+      m.mode.manRfOn(true);  // the form is still there
+      shown(message);
+    };
     m.Play([&] { row.act(m); });
     EXPECT_TRUE(*row.text == 0 || m.Shown(row.text) == 1) << testing::PrintToString(m.t.dialogs.Texts());
     EXPECT_FALSE(m.rfOn || m.rfOnAtMessage);
