@@ -125,7 +125,6 @@ frmEquipment* Desktop::OpenEquipment(QWidget* caller, int tab, bool modal) {
   auto* const form = new frmEquipment(shell_, instruments_, documents_.equip);
   form->ShowTab(tab);
   if (modal) form->setWindowModality(Qt::ApplicationModal);
-  form->Offer(true, true, true);
   connect(form, &frmEquipment::StationLoaded, this, [this] { station_.LoadDefinitions(); });
   connect(form, &frmEquipment::EntriesTaken, this, [this] { station_.TakeAddresses(); });
   connect(form, &frmEquipment::UtilityRequested, this,
@@ -208,6 +207,8 @@ void Desktop::OpenCalibrationSetup() {
   connect(form, &frmCalSetup::EditEquipmentRequested, this, [this, form](int tab) { OpenEquipment(form, tab, true); });
   connect(form, &frmCalSetup::CreateListRequested, this,
           [this, form](const QString& list) { OpenListBuilder(form, list); });
+  connect(form, &frmCalSetup::EditLevelRequested, this,
+          [this, form](const QString& levelFile) { OpenFactorEditor(form, FactorKind::Level, levelFile); });
   connect(form, &frmCalSetup::StartRequested, this, [this, form] { OpenCalibrationRun(form); });
   Open(form, menu_.get());
 }
@@ -219,10 +220,10 @@ void Desktop::OpenCalibrationRun(QWidget* caller) {
   if (Open(form, caller)) form->Load();
 }
 
-void Desktop::OpenFactorEditor(QWidget* caller, FactorKind kind) {
+void Desktop::OpenFactorEditor(QWidget* caller, FactorKind kind, const QString& file) {
   auto* const form = new frmEditFactor(shell_);
   form->FilterDefault(static_cast<int>(kind));
-  Open(form, caller);
+  if (Open(form, caller) && !file.isEmpty()) form->LoadFile(file);
 }
 
 void Desktop::OpenCableSetup(QWidget* caller) {

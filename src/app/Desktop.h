@@ -65,8 +65,8 @@ class Desktop : public QObject {
   void OpenCalibrationSetup();
   /// Opens the level calibration in the caller's place.
   void OpenCalibrationRun(QWidget* caller);
-  /// Opens the editor of factor files in the caller's place.
-  void OpenFactorEditor(QWidget* caller, FactorKind kind);
+  /// Opens the editor of factor files in the caller's place, with a file if one is named.
+  void OpenFactorEditor(QWidget* caller, FactorKind kind, const QString& file = {});
   /// Opens the insertion-loss setup in the caller's place; its Start opens the two passes.
   void OpenCableSetup(QWidget* caller);
   /// Opens the list builder above a form that sets up a run; the list composed there becomes the form's.

@@ -9,6 +9,8 @@
 #include "desktop/DemoWindows.h"
 #include "documents/qt/frmCalSetup.h"
 #include "documents/qt/frmEquipment.h"
+#include "editors/qt/frmEditFactor.h"
+#include "measure/qt/frmBuildList.h"
 #include "shell/qt/frmHelp.h"
 #include "support/ReadLines.h"
 #include "text/RecordFile.h"
@@ -256,6 +258,30 @@ TEST_F(CalibrationDesktop, MainMenuLeadsToARunThatIsShownAndSavedAndBack) {
   Press(m.Opened<frmCalSetup>(), "cmdExit");
   QCoreApplication::processEvents();
   EXPECT_TRUE(m.desktop->Menu().isVisible());
+}
+
+TEST_F(CalibrationDesktop, SetupLeadsToTheEditorOfItsLevelFileAndToTheListBuilder) {
+  m.desktop->OpenCalibrationSetup();
+  auto& setup = m.Opened<frmCalSetup>();
+  for (const char* const chosen : {"", "stepped.lev"}) {
+    FitPathLabel(chosen, Find<PathLabel>(setup, "lblLimitFile"));
+    Choose(setup, "mnuEditLevel");
+    auto& editor = m.Opened<frmEditFactor>();
+    EXPECT_EQ(TextOf(editor, "lblFile"), std::string("File: ") + (*chosen ? chosen : "(none)"));
+    Choose(editor, "mnuFileLoad");
+    EXPECT_TRUE(dialogs.openRequests.back().fileName.ends_with(*chosen ? chosen : "*.lev"));
+    Choose(editor, "mnuFileExit");
+    EXPECT_EQ(&m.Opened<frmCalSetup>(), &setup);
+    Turn();
+  }
+  const std::function<void()> ways[] = {
+      [&] { Press(setup, "cmdCreateList"); }, [&] { Choose(setup, "mnuEditList"); },
+      [&] { emit Find<QWidget>(setup, "lblListFile").customContextMenuRequested({}); }};
+  for (const auto& way : ways) {
+    way();
+    Press(m.Opened<frmBuildList>(), "cmdExit");
+    Turn();
+  }
 }
 
 TEST_F(CalibrationDesktop, MissingCableLossIsMeasuredFromTheModalEquipmentForm) {

@@ -26,7 +26,6 @@ frmCalSetup::frmCalSetup(Shell& shell, Instruments& instruments, Documents& docu
       ui_(std::make_unique<Ui::frmCalSetup>()) {
   ui_->setupUi(this);
   ConnectCommands();
-  Offer(false);
   ShowEntries(EntriesOf(CalSetupRecord()).Entries);
   documents_.calSetup.SetOpeningDefaults(static_cast<double>(instruments_.meter.SettlingTime()));
   SetupToForm();
@@ -60,13 +59,6 @@ void frmCalSetup::ConnectCommands() {
   ApplyRule(ui_->chkLimitFwdPwr, LimitFwdPwrClicked);
   ApplyRule(ui_->chkRecordFP, RecordFwdPwrClicked);
   ApplyRule(ui_->chkRecordRP, RecordRevPwrClicked);
-}
-
-void frmCalSetup::Offer(bool factorEditor) {
-  ui_->mnuEditLevel->setEnabled(factorEditor);
-  ui_->mnuEditLevel->setToolTip(factorEditor ? QStringLiteral("Edit a test level file")
-                                             : QStringLiteral("This version has no form for it"));
-  ui_->mnuEdit->setToolTipsVisible(true);
 }
 
 QString frmCalSetup::HelpTopic() const {

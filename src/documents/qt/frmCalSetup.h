@@ -33,13 +33,11 @@ class frmCalSetup : public RunSetupForm {
   void UseList(const QString& path) override;
   /// Makes a file the test level; one that does not read as a factor table is refused.
   void UseLevelFile(const QString& path);
-  /// Enables what opens the list builder and the factor file editor when the program around has them.
-  void Offer(bool factorEditor);
 
   QString HelpTopic() const override;
 
  signals:
-  /// The factor file editor is wanted for test level files.
+  /// The factor file editor is wanted for test level files, with the one that is chosen.
   void EditLevelRequested(const QString& levelFile);
 
  protected:

@@ -65,7 +65,6 @@ frmEquipment::frmEquipment(Shell& shell, Instruments& instruments, Equip& equip,
   ConnectInstruments();
   ConnectTables();
   ConnectAmplifier();
-  Offer(false, false, false);
   ShowFileName();
   ShowRecord();
   WatchEntries();
@@ -153,18 +152,6 @@ void frmEquipment::ConnectAmplifier() {
 
 void frmEquipment::ShowTab(int tab) {
   ui_->tabSetup->setCurrentIndex(tab);
-}
-
-void frmEquipment::Offer(bool instrumentEditors, bool factorEditor, bool insertionLoss) {
-  const auto offer = [](std::initializer_list<QAction*> entries, bool available) {
-    for (QAction* const entry : entries) {
-      entry->setEnabled(available);
-      entry->setToolTip(available ? QString() : QStringLiteral("This version has no form for it"));
-    }
-  };
-  offer({ui_->mnuInstDefineSigGen, ui_->mnuInstDefineMeter, ui_->mnuInstDefinePwrMtr}, instrumentEditors);
-  offer({ui_->mnuFactorEditFactor, ui_->mnuFactorEditLevel, ui_->mnuFactorEditLoss}, factorEditor);
-  offer({ui_->mnuUtilInsertLoss}, insertionLoss);
 }
 
 QString frmEquipment::HelpTopic() const {

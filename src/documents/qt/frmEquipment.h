@@ -33,8 +33,6 @@ class frmEquipment : public SetupForm {
 
   /// Turns to a page: 0 instruments, 1 factor tables, 2 amplifier.
   void ShowTab(int tab);
-  /// Enables the menu entries of editors and utilities that the program around has.
-  void Offer(bool instrumentEditors, bool factorEditor, bool insertionLoss);
   /// Makes the definition that the driver has loaded the station's, as when it is chosen here.
   void UseDefinition(InstrumentKind kind);
   /// Fills the form afresh when another equipment form has changed the station.
