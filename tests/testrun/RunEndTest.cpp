@@ -136,11 +136,73 @@ TEST_F(RunEndTest, AFailingDisplayEndsTheRunInOrder) {
   }
 }
 
-TEST_F(RunEndTest, ASecondRunStartsAfresh) {
-  rig.Run();
-  rig.engine.RunCdiTest();
-  EXPECT_EQ(rig.Rows().size(), 3U);
-  EXPECT_EQ(rig.Shown(kSaveQuestion), 2);
+/// The operator goes to manual mode after a step, does something there, and leaves it.
+void InManual(RunRig& rig, void (*action)(RunRig&)) {
+  rig.t.events.onYield = [&rig, action, asked = false]() mutable {
+    if (rig.manual.isOpen) action(rig);
+    if (rig.manual.isOpen) rig.engine.Manual().manExitClick();
+    if (rig.display.steps.size() == 1 && !std::exchange(asked, true)) rig.engine.RequestManual();
+  };
+}
+
+TEST_F(RunEndTest, ASecondRunIsLikeAFirst) {
+  const auto arrange = [](RunRig& r) {
+    UseEverything(r);
+    r.UseAm(false, false);
+    Redefine(r.sigGen, [](auto& d) { d.MinimumLevel = -40; });  // the first step's start is asked about
+  };
+  const auto run = [](RunRig& r) {
+    r.t.dialogs.Clear();
+    r.bus.transcript.Clear();
+    r.display.statuses.clear();
+    r.engine.RunCdiTest();
+    return std::vector<Strings>{r.Sent(18), r.Sent(7), r.Sent(9), r.Rows(), r.t.dialogs.Texts(), r.display.statuses};
+  };
+  const struct {
+    const char* after;
+    void (*spoil)(RunRig&);
+  } cases[] = {
+      {"a whole run", [](auto&) {}},
+      {"a preparation that failed",
+       [](auto& r) {
+         r.test.FreqList = true, r.test.ListFile = "none.lst";
+         EXPECT_EQ(r.Prepare(), RunReadiness::NotReady);
+         r.test.FreqList = false;
+         EXPECT_EQ(r.Prepare(), RunReadiness::Ready);
+       }},
+      {"a halt",
+       [](auto& r) {
+         r.AtStatus(
+             "Finishing Final Dwell...", [&r] { r.t.shell.delay.RequestHalt(); }, 2);
+       }},
+      {"an instrument that did not come up", [](auto& r) { r.bus.FailLine("FIND 13", gpib::kEnol); }},
+      {"an exception", [](auto& r) { r.throwAtLines = {"> 18 FREQ 2.0"}; }},
+      {"manual mode", [](auto& r) { InManual(r, [](auto& m) { m.engine.Manual().manLevOffsetChange(-3); }); }},
+      {"manual mode that was halted with the modulation off",
+       [](auto& r) {
+         InManual(r, [](auto& m) { m.engine.Manual().manModOn(false), m.t.shell.delay.RequestHalt(); });
+         r.t.dialogs.onShow = [&r](const Message& box) {
+           if (box.text == kSaveQuestion) r.engine.RequestManual();
+         };
+       }},
+  };
+  RunRig fresh;
+  arrange(fresh);
+  ASSERT_EQ(fresh.Prepare(), RunReadiness::Ready);
+  const auto first = run(fresh);
+  ASSERT_EQ(fresh.Rows().size(), 3U) << fresh.t.dialogs.LastText();
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.after);
+    RunRig again;
+    arrange(again);
+    ASSERT_EQ(again.Prepare(), RunReadiness::Ready);
+    c.spoil(again);
+    again.engine.RunCdiTest();
+    EXPECT_EQ(again.manual.calls.empty(), std::string(c.after).find("manual") == std::string::npos);
+    again.t.events.onYield = [&] { again.engine.Manual().manExitClick(); };
+    again.t.dialogs.onShow = nullptr;
+    EXPECT_EQ(run(again), first);
+  }
 }
 
 TEST_F(RunEndTest, AnotherRunAsksBeforeItDropsRowsThatAreInNoFile) {
