@@ -107,12 +107,14 @@ TEST_F(RunEndTest, AHaltAtAnyWaitEndsTheRunAtOnceAndRaisesNothing) {
     };
     double atHalt = -6;
     int wait = 0;
-    halted.t.events.onYield = [&] {
-      if (++wait != n) return;
+    const auto halt = [&] {
       halted.t.shell.delay.RequestHalt();
       if (halted.rfOn) haltedAt = halted.t.clock.TickMs();
       atHalt = halted.generatorDbm;
       halted.highestDbm = -200;
+    };
+    halted.t.events.onYield = [&] {
+      if (++wait == n) halted.t.events.At(halted.t.clock.TickMs() + 1, halt);  // within the wait
     };
     halted.Run();
     if (n == 0) waits = wait;

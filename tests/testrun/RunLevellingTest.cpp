@@ -93,6 +93,7 @@ TEST_F(LevellingTest, ARunThatCannotBeLevelledEndsWithItsMessageBeforeTheLevelIs
        "The induced current can't be limited: check circuit impedance and test level", kNeverOn},
       {[](auto& r) { r.UseAm(true, true), r.test.UseAMdepth = true, r.bus.FailLine("> 18 AMD 0.0", gpib::kEabo); },
        "Error setting AM modulation", kNeverOn},
+      {[](auto& r) { r.UseIfi(), r.bus.FailLine("> 10 9", gpib::kEabo); }, "Error sending command to amps", kNeverOn},
       {[](auto& r) { StartBelowTheMinimum(r), r.t.dialogs.Answer(MessageAnswer::No); },
        "but the starting offset puts it below the minimum. Proceed anyway?", kNeverOn},
       // 410 dBm would pass for a power
