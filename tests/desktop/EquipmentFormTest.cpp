@@ -90,34 +90,27 @@ TEST_F(EquipmentForm, DefinitionIsTakenWithItsNameAndAddressWhenItLoads) {
 }
 
 TEST_F(EquipmentForm, EveryTableIsTakenWhenItLoadsAndCanBeGivenUp) {
-  const struct {
-    const char *button, *entry, *clear, *label, *filter;
-    std::string EquipRecord::*file;
-  } tables[] = {{"cmdCalCable", "mnuFactorsSelectCalCable", "cmdNoCalCable", "lblCalCable",
-                 "Cable Loss File (*.los)|*.los", &EquipRecord::CableLossFile},
-                {"cmdFwdPort", "mnuFactorsSelectFwdPort", "cmdNoFwdPort", "lblFwdPort", "Factor File (*.fac)|*.fac",
-                 &EquipRecord::FwdPortFile},
-                {"cmdRevPort", "mnuFactorsSelectRevPort", "cmdNoRevPort", "lblRevPort", "Factor File (*.fac)|*.fac",
-                 &EquipRecord::RevPortFile},
-                {"cmdMaxPower", "mnuFactorsSelectMaxPower", "cmdNoMaxPower", "lblMaxPower",
-                 "Amp Power File (*.pwr)|*.pwr", &EquipRecord::MaxPowerFile},
-                {"cmdProbe", "mnuFactorsSelectProbe", "cmdNoProbe", "lblProbeFile", "Probe File (*.prb)|*.prb",
-                 &EquipRecord::ProbeFile}};
+  const std::tuple<std::string, const char*, std::string EquipRecord::*, const char*> tables[] = {
+      {"CalCable", "lblCalCable", &EquipRecord::CableLossFile, "Cable Loss File (*.los)|*.los"},
+      {"FwdPort", "lblFwdPort", &EquipRecord::FwdPortFile, "Factor File (*.fac)|*.fac"},
+      {"RevPort", "lblRevPort", &EquipRecord::RevPortFile, "Factor File (*.fac)|*.fac"},
+      {"MaxPower", "lblMaxPower", &EquipRecord::MaxPowerFile, "Amp Power File (*.pwr)|*.pwr"},
+      {"Probe", "lblProbeFile", &EquipRecord::ProbeFile, "Probe File (*.prb)|*.prb"}};
   const std::string good = m.directory.Write("good", "0.15 0.1\r\n80 0.5\r\n"),
                     junk = m.directory.Write("junk", "no table\r\n");
   frmEquipment& f = Open();
-  for (const auto& table : tables) {
-    SCOPED_TRACE(table.button);
+  for (const auto& [name, label, file, filter] : tables) {
+    SCOPED_TRACE(name);
     dialogs.AnswerOpen(good);
-    EXPECT_THAT(Told(dialogs, f, table.button), testing::IsEmpty());
-    EXPECT_EQ(dialogs.openRequests.back().filter, table.filter);
+    EXPECT_THAT(Told(dialogs, f, ("cmd" + name).c_str()), testing::IsEmpty());
+    EXPECT_EQ(dialogs.openRequests.back().filter, filter);
     dialogs.AnswerOpen(junk);
-    EXPECT_EQ(Told(dialogs, f, table.entry).size(), 1u);
-    EXPECT_EQ(Record().*table.file, good);
-    EXPECT_EQ(PathOf(f, table.label), good);
-    Press(f, table.clear);
+    EXPECT_EQ(Told(dialogs, f, ("mnuFactorsSelect" + name).c_str()).size(), 1u);
+    EXPECT_EQ(Record().*file, good);
+    EXPECT_EQ(PathOf(f, label), good);
+    Press(f, ("cmdNo" + name).c_str());
     EXPECT_TRUE(f.ApplyEquipment());
-    EXPECT_EQ(Record().*table.file, "");
+    EXPECT_EQ(Record().*file, "");
   }
 }
 

@@ -32,17 +32,6 @@ TEST(QtEventLoop, RunsWhatIsPendingInShortWaitsAndWaitsNoMoreAfterTheDeadline) {
   EXPECT_LT(timer.elapsed(), 700);
 }
 
-TEST(QtVirtualEventLoop, WindowsGetTheirTurnOnTheVirtualClock) {
-  VirtualClock clock;
-  QtVirtualEventLoop events(clock);
-  bool ran = false;
-  QTimer::singleShot(0, [&] { ran = true; });
-  const std::int64_t start = clock.TickMs();
-  events.Yield(start + 60000);
-  EXPECT_TRUE(ran);
-  EXPECT_EQ(clock.TickMs(), start + 60000);
-}
-
 int Pages(const std::string& pdf) {
   constexpr std::string_view kPage = "/Type /Page\n";
   int pages = 0;

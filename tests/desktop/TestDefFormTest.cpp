@@ -4,6 +4,7 @@
 #include "documents/qt/frmTestDef.h"
 #include "platform/qt/QtText.h"
 #include "support/SameRecord.h"
+#include "support/SampleDocuments.h"
 #include "text/RecordFile.h"
 
 namespace hylden {
@@ -15,27 +16,12 @@ using Strings = std::vector<std::string>;
 
 constexpr char kNotANumber[] = "Value not a number, re-enter";
 
-/// A definition that passes every check, with a different value in every field.
+/// A definition that passes every check, with everything in use.
 TestDefinition GoodDefinition(const TempDir& directory) {
-  TestDefinition d;
-  d.CalInfoFile = directory.File("cal.hyinfo");
-  d.StartFreq = 0.2, d.StopFreq = 80;
-  d.FreqSweep = true;
-  d.StepType = StepType::Log;
-  d.LinearStep = 0.5, d.LogStep = 1.25, d.SweepDwell = 2;
-  d.FreqList = true;
-  d.ListFile = directory.File("list.lst");
-  d.DiscreteDwell = 3;
-  d.ModType = Modulation::Am;
-  d.AmDepth = 60, d.AmModFreq = 1, d.FmDev = 4, d.FmModFreq = 5, d.PulseWidth = 6, d.PulsePeriod = 7;
-  d.ConstPeak = d.ModOffBetweenFreqs = d.UseAMdepth = true;
-  d.LevelingMode = LevelingMode::ClosedLoop;
-  d.InitLevOffset = -8, d.LevelInc = 9, d.InterDwell = 0.25F;
-  d.LevelingMethod = LevelingMethod::NetPower;
-  d.Extrapolate = true;
-  d.ExtrapolateTo = -1.5;
-  d.MonitorProbe = d.LimitCurrent = true;
-  d.LimitMargin = 11, d.EUTCircuitImpedance = 50;
+  TestDefinition d = RecordOf<TestDefinition>(kTestFile);
+  d.CalInfoFile = directory.File("cal.hyinfo"), d.ListFile = directory.File("list.lst");
+  d.FreqList = d.ConstPeak = d.UseAMdepth = d.Extrapolate = d.LimitCurrent = true;
+  d.Spare1 = d.Spare2 = d.Spare3 = d.Spare4 = d.Spare5 = "";
   return d;
 }
 
@@ -273,7 +259,7 @@ TEST_F(TestDefForm, PrintsWhatIsOnTheScreenAndReportsAFailingPrinter) {
   Type("txtStopFreq", "60");
   Choose(*form, "mnuFilePrint");
   ASSERT_EQ(m.printer.jobs.size(), 1U);
-  EXPECT_THAT(m.printer.Lines(), testing::Contains("          Freq Range: 0.2 - 60.0"));
+  EXPECT_THAT(m.printer.Lines(), testing::Contains("          Freq Range: 0.15 - 60.0"));
   EXPECT_EQ(test().StopFreq, 80) << "printing takes nothing over";
   Type("txtStopFreq", "x");
   EXPECT_THAT(Told("mnuFilePrint"), ElementsAre(kNotANumber));

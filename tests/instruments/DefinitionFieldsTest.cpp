@@ -105,47 +105,37 @@ TEST(DefinitionFields, AreTriedAsTheFileWillHoldThem) {
   EXPECT_EQ(d.ParseCmd, "Mid(x, 5) ");
 }
 
-struct UnitCase {
-  const char* name;
-  const char* option;
-  const char* shown;  ///< 120 dBuV
-  const char* typed;
-  float kept;  ///< dBuV
-};
+TEST(DefinitionFields, ShowTheLevelsInTheChosenUnitsAndKeepThemInDbuv) {
+  // 120 dBuV in the unit, another level in it, and what that is in dBuV.
+  const std::tuple<std::string, const char*, const char*, float> cases[] = {{"optUnitVolts", "1.0", "0.1", 100},
+                                                                            {"optUnitDbuv", "120.0", "99.5", 99.5F},
+                                                                            {"optUnitMv", "1000.0", "10", 80},
+                                                                            {"optUnitDbmv", "60.0", "0", 60},
+                                                                            {"optUnitDbm", "13.01", "0", 106.9897F}};
+  for (const auto& [chosen, shown, typed, kept] : cases) {
+    SCOPED_TRACE(chosen);
+    MeterDefinition d = SampleMeter();
+    d.MaximumLevel = 120, d.MinimumLevel = 33.3333F;
+    FormEntries entries = EntriesShowing(d);
+    const FormEntries before = entries;
+    for (const auto& row : cases) entries.Tick(std::get<0>(row), std::get<0>(row) == chosen);
+    ChangeUnits(entries, d);
+    EXPECT_EQ(entries["txtMaxLev"], shown);
+    MeterDefinition taken = d;
+    ASSERT_FALSE(TakeEntries(entries, taken));
+    EXPECT_EQ(taken.MaximumLevel, 120) << "not typed, not converted";
+    EXPECT_EQ(taken.MinimumLevel, 33.3333F);
+    entries["txtMaxLev"] = typed;
+    ASSERT_FALSE(TakeEntries(entries, taken));
+    EXPECT_NEAR(taken.MaximumLevel, kept, 1e-4);
 
-class UnitTest : public testing::TestWithParam<UnitCase> {};
-
-TEST_P(UnitTest, ShowsTheLevelsInTheChosenUnitsAndKeepsThemInDbuv) {
-  MeterDefinition d = SampleMeter();
-  d.MaximumLevel = 120, d.MinimumLevel = 33.3333F;
-  FormEntries entries = EntriesShowing(d);
-  const FormEntries before = entries;
-  for (const char* const option : {"optUnitVolts", "optUnitDbuv", "optUnitMv", "optUnitDbmv", "optUnitDbm"})
-    entries.Tick(option, std::string(option) == GetParam().option);
-  ChangeUnits(entries, d);
-  EXPECT_EQ(entries["txtMaxLev"], GetParam().shown);
-  MeterDefinition taken = d;
-  ASSERT_FALSE(TakeEntries(entries, taken));
-  EXPECT_EQ(taken.MaximumLevel, 120) << "not typed, not converted";
-  EXPECT_EQ(taken.MinimumLevel, 33.3333F);
-  entries["txtMaxLev"] = GetParam().typed;
-  ASSERT_FALSE(TakeEntries(entries, taken));
-  EXPECT_NEAR(taken.MaximumLevel, GetParam().kept, 1e-4);
-
-  entries["txtMaxLev"] = GetParam().shown;
-  for (const auto& [control, text] : before)
-    if (control.starts_with("optUnit")) entries[control] = text;
-  ChangeUnits(entries, d);
-  EXPECT_TRUE(entries == before) << "there and back again";
+    entries["txtMaxLev"] = shown;
+    for (const auto& [control, text] : before)
+      if (control.starts_with("optUnit")) entries[control] = text;
+    ChangeUnits(entries, d);
+    EXPECT_TRUE(entries == before) << "there and back again";
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Units, UnitTest,
-                         testing::Values(UnitCase{"volts", "optUnitVolts", "1.0", "0.1", 100},
-                                         UnitCase{"dbuv", "optUnitDbuv", "120.0", "99.5", 99.5F},
-                                         UnitCase{"millivolts", "optUnitMv", "1000.0", "10", 80},
-                                         UnitCase{"dbmv", "optUnitDbmv", "60.0", "0", 60},
-                                         UnitCase{"dbm", "optUnitDbm", "13.01", "0", 106.9897F}),
-                         [](const auto& row) { return row.param.name; });
 
 TEST(DefinitionFields, LevelsThatAUnitCannotExpressStayAsTheyAre) {
   MeterDefinition d = SampleMeter();

@@ -88,19 +88,14 @@ TYPED_TEST(DefinitionFileTest, AFileThatIsTooShortIsReportedAndLeavesNoDefinitio
   EXPECT_EQ(Told(loaded), Strings{"Error # 62\rInput past end of file\r" + std::string(TypeParam::kLoad) + "\r" + cut});
 }
 
-TYPED_TEST(DefinitionFileTest, AChosenFileThatFailsLeavesTheDefinitionThatWasThere) {
+TYPED_TEST(DefinitionFileTest, AChosenFileOrASaveThatFailsLeavesDefinitionAndFileName) {
   ASSERT_TRUE(this->driver.SaveFile(this->path));
   EXPECT_FALSE(this->driver.LoadFileOrKeep(this->directory.File("missing.def")));
-  EXPECT_TRUE(this->driver.HasDefinition());
-  EXPECT_TRUE(SameRecord(this->driver.Definition(), TypeParam::Sample()));
-  EXPECT_EQ(this->driver.FileName(), this->path);
-}
-
-TYPED_TEST(DefinitionFileTest, AFailedSaveKeepsTheFileName) {
-  ASSERT_TRUE(this->driver.SaveFile(this->path));
   const std::string nowhere = this->directory.File("missing/two.def");
   EXPECT_EQ(Told(this->driver.SaveFile(nowhere)),
             Strings{"Error # 76\rPath not found\r" + std::string(TypeParam::kSave) + "\r" + nowhere});
+  EXPECT_TRUE(this->driver.HasDefinition());
+  EXPECT_TRUE(SameRecord(this->driver.Definition(), TypeParam::Sample()));
   EXPECT_EQ(this->driver.FileName(), this->path);
 }
 

@@ -68,6 +68,12 @@ class SettingsTest : public testing::Test {
       return mayTell_;
     };
   }
+  /// A user's, with the administrator's in this directory.
+  Directories User(const std::string& common) const {
+    Directories directories(directory_.File("user"));
+    directories.Common = common;
+    return directories;
+  }
   TempDir directory_;
   bool mayTell_ = true;
   std::vector<std::string> told_;
@@ -236,8 +242,7 @@ TEST_F(SettingsTest, UntilTheyAreSetDataDirectoriesAreWhereTheUserFindsThem) {
 TEST_F(SettingsTest, TheAdministratorsSettingsServeAUserUntilTheFirstWrite) {
   const std::string common = "[Equip]\r\nFile=/lab/a.eqp\r\n[System]\r\nLogToFile=1\r\n";
   directory_.Write("bin/hylden.ini", common);
-  Directories directories(directory_.File("user"));
-  directories.Common = directory_.File("bin");
+  const Directories directories = User(directory_.File("bin"));
   INISettings settings(directories);
   EXPECT_EQ(settings.GetDefaultEquipFile(), "/lab/a.eqp");
   std::filesystem::create_directories(directories.Program);
@@ -249,8 +254,7 @@ TEST_F(SettingsTest, TheAdministratorsSettingsServeAUserUntilTheFirstWrite) {
 
 TEST_F(SettingsTest, TheAdministratorsSettingsThatCannotBeReadAreNamedAndBlockNoWrite) {
   directory_.Write("bin/Hylden.ini/inside", "x");  // a directory of that name
-  Directories directories(directory_.File("user"));
-  directories.Common = directory_.File("bin");
+  const Directories directories = User(directory_.File("bin"));
   std::filesystem::create_directories(directories.Program);
   INISettings settings(directories);
   Listen(settings);
@@ -268,10 +272,7 @@ TEST_F(SettingsTest, AnEquipmentFileBesideTheSettingsIsFound) {
   const std::string file = directory_.Write("lab.eqp", "");
   directory_.Write("Hylden.ini", "[Equip]\nFile=lab.eqp\n");
   EXPECT_EQ(Settings().GetDefaultEquipFile(), file);
-
-  Directories user(directory_.File("user"));
-  user.Common = directory_.Path();
-  EXPECT_EQ(INISettings(user).GetDefaultEquipFile(), file);
+  EXPECT_EQ(INISettings(User(directory_.Path())).GetDefaultEquipFile(), file);
 }
 
 TEST_F(SettingsTest, AProtectedFileIsKeptAndOnlyDeletingComplains) {
