@@ -107,7 +107,6 @@ TEST_F(TestDefForm, ShowsThePageOfWhatIsMissing) {
       {[](auto& t) { t.CalInfoFile.clear(); }, "No calibration setup file specified!", 2},
       {[](auto& t) { t.FreqSweep = t.FreqList = false; },
        "Either a swept frequency test or \r\na discrete frequency test must be specified", 0},
-      {[](auto& t) { t.ListFile.clear(); }, "No frequency list file specified", 0},
       {[](auto& t) { t.ModType = Modulation::Pulse, t.ConstPeak = t.ModOffBetweenFreqs = false; },
        "The power meter reads the mean of a pulsed signal", 1}};
   for (const auto& [change, message, tab] : rows) {

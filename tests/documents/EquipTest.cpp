@@ -105,20 +105,15 @@ TEST_F(EquipTest, TakesWholeAddressesAndTheBandSwitchWithinTheirRanges) {
   }
 }
 
-TEST_F(EquipTest, AnInstrumentWithoutAFileNeedsAnAddress) {
-  FormEntries entries = equip.Entries();
-  EXPECT_EQ(entries["txtSigGenAddr"], "");
-  entries["lblProbeFile"] = "new.prb";
-  EXPECT_FALSE(Apply(entries));
-  EXPECT_EQ(equip.Record.ProbeFile, "new.prb");
-}
-
-TEST_F(EquipTest, KeepsTheBandSwitchWithAGenericAmplifier) {
+TEST_F(EquipTest, AnAddressWithoutAFileAndTheBandSwitchOfAGenericAmplifierAreNotLookedAt) {
   equip.Record.PmBandSwitch = 100;
   FormEntries entries = equip.Entries();
+  EXPECT_EQ(entries["txtSigGenAddr"], "");
   entries["txtIfiBandSwitch"] = "not asked for";
+  entries["lblProbeFile"] = "new.prb";
   EXPECT_FALSE(Apply(entries));
   EXPECT_EQ(equip.Record.PmBandSwitch, 100);
+  EXPECT_EQ(equip.Record.ProbeFile, "new.prb");
 }
 
 TEST_F(EquipTest, KeepsTheRecordOfAnUntouchedForm) {

@@ -66,6 +66,8 @@ TEST_F(InterpClassTest, KeepsTheEndsOfARunOfEqualValues) {
   for (const auto& [text, kept] : rows) {
     ASSERT_TRUE(Load(text)) << text;
     EXPECT_EQ(Frequencies(), kept) << text;
+    // From the end of one table the look-up goes to the next one.
+    for (const double frequency : kept) EXPECT_FALSE(std::isnan(At(frequency))) << text;
   }
 }
 
@@ -159,14 +161,6 @@ TEST_F(InterpClassTest, TakesEveryFileThatIsOddButValid) {
   t.directory.Write("Cables/One.LOS", "1,2\r3,4");
   EXPECT_TRUE(table.InitInterp(t.directory.File("cables\\one.los")));
   EXPECT_FLOAT_EQ(At(2), 3);
-}
-
-TEST_F(InterpClassTest, LoadsAfreshWithoutPartsOfTheTableBefore) {
-  ASSERT_TRUE(Load("1,1\r\n2,2\r\n3,3\r\n4,4\r\n"));
-  At(3.5);
-  ASSERT_TRUE(Load("1,5\r\n2,6\r\n"));
-  EXPECT_FLOAT_EQ(At(1.5), 5.5F);
-  EXPECT_EQ(Frequencies().size(), 2U);
 }
 
 TEST_F(InterpClassTest, ReadsBackTheTableItSaved) {

@@ -35,7 +35,7 @@ class TextFileTest : public testing::Test {
   TempDir folder_;
 };
 
-TEST_F(TextFileTest, EveryLineEndCountsAndTheLastMayBeMissing) {
+TEST_F(TextFileTest, EveryLineEndCountsTheLastMayBeMissingAndTheEndOfFileOfDosIsNoLine) {
   using Lines = std::vector<std::string>;
   const std::pair<const char*, Lines> cases[] = {{"", {}},
                                                  {"a\r\nb\r\n", {"a", "b"}},
@@ -46,7 +46,8 @@ TEST_F(TextFileTest, EveryLineEndCountsAndTheLastMayBeMissing) {
                                                  {"\xEF\xBB\xBF"
                                                   "a\n",
                                                   {"a"}},
-                                                 {"\xEF\xBB\xBF", {}}};
+                                                 {"\xEF\xBB\xBF", {}},
+                                                 {"a\r\n\032c\r\n\032\032", {"a", "\032c"}}};
   for (const auto& [bytes, lines] : cases) EXPECT_EQ(ReadLines(folder_.Write("lines.txt", bytes)), lines) << bytes;
 }
 
@@ -191,15 +192,6 @@ TEST_F(TextFileTest, AnUnwritableFolderIsRefusedAndTheFileStaysWhole) {
   EXPECT_EQ(ErrorOf([&] { ReplaceFile(At("a.tst"), "new"); }), 75);
   EXPECT_EQ(folder_.Read("a.tst"), "old");
   EXPECT_EQ(OtherFiles("a.tst"), 0);
-}
-
-TEST_F(TextFileTest, TheEndOfFileCharacterOfDosBelongsToNoLine) {
-  folder_.Write("dos.tst",
-                "a\r\nb\x1A"
-                "c\r\n\x1A\x1A");
-  EXPECT_EQ(ReadTextFile(At("dos.tst")),
-            "a\r\nb\x1A"
-            "c\r\n");
 }
 
 TEST_F(TextFileTest, ASymbolicLinkStaysALinkToTheReplacedFile) {
