@@ -137,6 +137,15 @@ TEST(DefinitionFields, ShowTheLevelsInTheChosenUnitsAndKeepThemInDbuv) {
   }
 }
 
+TEST(DefinitionFields, LevelsThatWereTypedComeThroughAChangeOfUnits) {
+  MeterDefinition d = SampleMeter();
+  FormEntries entries = EntriesShowing(d);
+  entries["txtMaxLev"] = "110", entries["txtMinLev"] = "40";
+  entries.Tick("optUnitDbuv", false), entries.Tick("optUnitDbmv");
+  ChangeUnits(entries, d);
+  EXPECT_EQ(entries["txtMaxLev"] + " " + entries["txtMinLev"], "50.0 -20.0");
+}
+
 TEST(DefinitionFields, LevelsThatAUnitCannotExpressStayAsTheyAre) {
   MeterDefinition d = SampleMeter();
   d.MaximumLevel = 9e30F, d.MinimumLevel = -400, d.Units = 0;
