@@ -58,6 +58,7 @@ TEST(SaveRunData, IsTrueOnlyWhereNothingIsLost) {
   EXPECT_EQ(request.filter, "Test Run Files (*.run)|*.run|All Files|*.*");
   EXPECT_EQ(request.directory, t.directory.Path());
   const std::string path = t.directory.File("missing/a.run");
+  t.dialogs.Clear();
   t.dialogs.AnswerSave(path);
   EXPECT_FALSE(SaveRunData(t.shell, Example()));
   ASSERT_EQ(t.dialogs.Texts().size(), 1U);
