@@ -23,11 +23,12 @@ class HyldenProgram : public testing::Test {
     directory_.Write("home/Hylden.ini",
                      "[Gpib]\r\nDriver=bench\r\nBench=" + station_ + "/bench.txt\r\n[System]\r\nLogToFile=1\r\n");
   }
-  void Start() {
+  /// @param test  the switch that names one; without it the generator is tried in its editor
+  void Start(const char* test = "/t:substitution-am.tst") {
     std::array<int, 2> ends{};
     ASSERT_EQ(pipe(ends.data()), 0);
     child_ = fork();
-    if (child_ == 0) Become(ends[1]);
+    if (child_ == 0) Become(ends[1], test);
     close(ends[1]);
     output_ = ends[0];
   }
@@ -49,13 +50,13 @@ class HyldenProgram : public testing::Test {
   int output_ = -1;
 
  private:
-  [[noreturn]] void Become(int output) const {
+  [[noreturn]] void Become(int output, const char* test) const {
     dup2(output, STDOUT_FILENO);
     setenv("HYLDEN_LOCK", lock_.c_str(), 1);
     setenv("HYLDEN_HOME", directory_.File("home").c_str(), 1);
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
     if (chdir(station_.c_str()) == 0)
-      execl(HYLDEN_BINARY_DIR "/tests/hylden_operated", "hylden", "/e:station.eqp", "/t:substitution-am.tst", nullptr);
+      execl(HYLDEN_BINARY_DIR "/tests/hylden_operated", "hylden", "/e:station.eqp", test, nullptr);
     _exit(127);
   }
 };
@@ -71,6 +72,17 @@ TEST_F(HyldenProgram, EndsInOrderWithRfOffAtASignalAndIsNeverFrozen) {
   EXPECT_EQ(WEXITSTATUS(status), 0);
   EXPECT_EQ(SaidUntil("end"), "Save Run Data: RF off\n");
   EXPECT_NE(directory_.Read("station/runlog.hyl").find("Instruments taken offline"), std::string::npos);
+}
+
+TEST_F(HyldenProgram, EndsWithRfOffBehindAGeneratorThatIsTriedInItsEditor) {
+  Start(nullptr);
+  ASSERT_NE(SaidUntil("RF ON\n").find("RF ON"), std::string::npos);
+  kill(child_, SIGTERM);
+  EXPECT_EQ(SaidUntil("end"), "Save Definition: RF off\n");
+  int status = 0;
+  waitpid(child_, &status, 0);
+  child_ = -1;
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
 }
 
 TEST_F(HyldenProgram, EndsAtOnceBesideAnotherOne) {

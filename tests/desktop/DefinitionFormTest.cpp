@@ -150,7 +150,7 @@ TEST_F(DefinitionFormTest, ClosingAndTheEndOfTheProgramLeaveRfOffAndTheGenerator
     Choose(form, "mnuTestRfOn");
     Type(form, "txtName", "Mine");
     bool rfWithQuestion = true;
-    dialogs.onShow = [&](const Message&) { rfWithQuestion = RfIsOn(); };
+    dialogs.onShow = [&](const Message&) { rfWithQuestion = RfIsOn() || TextOf(form, "lblRf") == "RF ON"; };
     dialogs.Answer(MessageAnswer::No);
     if (programEnds)
       m.desktop->CloseAll();

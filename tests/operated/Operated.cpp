@@ -1,9 +1,12 @@
-// hylden with an operator of its own, who runs the test that the command line names, says when RF is on, and lets no
-// data be saved.
+// hylden with an operator of its own, who runs the test that the command line names, or without one tries the signal
+// generator in its editor, says when RF is on, and lets nothing be saved.
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
+#include <QInputDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
 #include <QTimer>
@@ -34,20 +37,58 @@ class Operator {
     std::fflush(stdout);
   }
   /// From the event loop: a press that runs a test returns with its end.
-  static void Press(QAbstractButton* button) { QMetaObject::invokeMethod(button, "click", Qt::QueuedConnection); }
-  QString Lamp() const { return Window("frmRunTest")->findChild<QLabel*>(QStringLiteral("lblRf"))->text(); }
+  static void Press(QObject* control) {
+    QMetaObject::invokeMethod(control, qobject_cast<QAction*>(control) ? "trigger" : "click", Qt::QueuedConnection);
+  }
+  static QString Lamp() {
+    for (const char* const form : {"frmRunTest", "frmSigGen"})
+      if (const QWidget* const window = Window(form))
+        return window->findChild<QLabel*>(QStringLiteral("lblRf"))->text();
+    return {};
+  }
+  /// What is to be pressed next, on the way to RF.
+  static QObject* Next() {
+    constexpr struct {
+      const char *form, *control;
+    } kWay[] = {{"frmRunTest", "cmdRun"},
+                {"frmTestDef", "cmdStart"},
+                {"frmSigGen", "mnuTestRfOn"},
+                {"frmSigGen", "mnuTestInit"},
+                {"frmEquipment", "mnuInstDefineSigGen"},
+                {"TopMenu", "cmdConfigSys"}};
+    for (const auto& step : kWay) {
+      const QWidget* const window = Window(step.form);
+      QObject* const control = window ? window->findChild<QObject*>(QLatin1String(step.control)) : nullptr;
+      const auto* const entry = qobject_cast<const QAction*>(control);
+      if (control && (!entry || entry->isEnabled())) return control;
+    }
+    return nullptr;
+  }
 
   void Act() {
-    if (auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) return Answer(*box);
-    QWidget* const run = Window("frmRunTest");
-    QWidget* const window = run ? run : Window("frmTestDef");
-    if (window && window != pressed_)
-      Press(window->findChild<QAbstractButton*>(QLatin1String(run ? "cmdRun" : "cmdStart")));
-    if (window) pressed_ = window;
-    if (run && !on_ && Lamp() == QLatin1String("RF ON")) {
+    QWidget* const modal = QApplication::activeModalWidget();
+    if (auto* const prompt = qobject_cast<QInputDialog*>(modal)) return Type(*prompt);
+    if (auto* const box = qobject_cast<QMessageBox*>(modal)) return Answer(*box);
+    if (!on_ && Lamp() == QLatin1String("RF ON")) {
       on_ = true;
+      ChangeName();
       Say(Lamp());
     }
+    QObject* const next = on_ ? nullptr : Next();
+    if (next && next != pressed_) Press(next);
+    if (next) pressed_ = next;
+  }
+  /// What is not saved brings a question at the end, behind which RF can be looked at.
+  static void ChangeName() {
+    if (const QWidget* const editor = Window("frmSigGen"))
+      editor->findChild<QLineEdit*>(QStringLiteral("txtName"))->setText(QStringLiteral("Changed"));
+  }
+  void Type(QInputDialog& prompt) {
+    if (&prompt == answered_) return;
+    answered_ = &prompt;
+    prompt.setTextValue(prompt.labelText().contains(QLatin1String("Level")) ? QStringLiteral("-30")
+                                                                            : QStringLiteral("10"));
+    QMetaObject::invokeMethod(&prompt, "accept", Qt::QueuedConnection);
   }
   void Answer(QMessageBox& box) {
     if (&box == answered_) return;
@@ -58,7 +99,7 @@ class Operator {
   }
 
   QTimer timer_;
-  QPointer<QWidget> pressed_;
+  QPointer<QObject> pressed_;
   QPointer<QWidget> answered_;  ///< another box may come at the same address
   bool on_ = false;
 };

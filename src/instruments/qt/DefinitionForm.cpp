@@ -211,6 +211,7 @@ std::optional<FormEntries> DefinitionForm::SavedEntries() const {
 bool DefinitionForm::QueryUnload() {
   // A question may stand for hours, and RF may not stand with it.
   editor_->Trial().End();
+  ShowTrial();
   if (!MayLeave()) return false;
   editor_->Leave();
   return true;
