@@ -77,9 +77,9 @@ Done DefinedInstrument<Record>::SaveFile(const std::string& path) {
 }
 
 template <class Record>
-Done DefinedInstrument<Record>::PrintSetup() {
+Done DefinedInstrument<Record>::PrintSetup(std::string_view context) {
   const Names names = NamesOf(definition_);
-  return Trapped(names.Print, fileName_,
+  return Trapped(context.empty() ? names.Print : context, fileName_,
                  [&] { shell_.printer.Print(ListingJob(names.Heading, Listing(definition_))); });
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "instruments/Command.h"
 #include "instruments/Gpib.h"
@@ -27,8 +28,8 @@ class DefinedInstrument {
   bool HasDefinition() const { return hasDefinition_; }
   /// A failure leaves the old file whole.
   Done SaveFile(const std::string& path);
-  /// The definition's listing on the printer.
-  Done PrintSetup();
+  /// The definition's listing on the printer. @param context  names a failure; empty: the operation itself
+  Done PrintSetup(std::string_view context = {});
 
   const Record& Definition() const { return definition_; }
   void PutDefinition(const Record& definition);

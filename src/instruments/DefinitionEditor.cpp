@@ -63,7 +63,7 @@ class EditorOf : public DefinitionEditor {
     return true;
   }
 
-  void Print() override { shell_.Ok(driver_.PrintSetup()); }
+  void Print() override { shell_.Ok(driver_.PrintSetup("mnuFilePrint")); }
 
   void Leave() override {
     trial_.End();

@@ -127,6 +127,13 @@ TEST_F(DefinitionFormTest, AnEntryThatCanNotBeTakenIsMarkedAndStopsSaveAndTest) 
   EXPECT_EQ(m.printer.jobs.size(), 1u);
 }
 
+TEST_F(DefinitionFormTest, AFailingPrinterIsReportedWithItsEntry) {
+  DefinitionForm& form = Open();
+  m.printer.failure = ErrorNumber::DeviceIoError;
+  Choose(form, "mnuFilePrint");
+  EXPECT_THAT(dialogs.LastText(), testing::HasSubstr("Error # 57\rDevice I/O error\rmnuFilePrint\r"));
+}
+
 TEST_F(DefinitionFormTest, TheStationsEntriesAreAppliedBeforeAnEditorOpens) {
   Type(*equipment, "txtSigGenAddr", "99");
   Choose(*equipment, "mnuInstDefineSigGen");
