@@ -1,11 +1,16 @@
 #include "instruments/DefinedInstrument.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "instruments/DefinitionListing.h"
 #include "instruments/MeterDefinition.h"
 #include "instruments/PowerMeterDefinition.h"
 #include "instruments/SigGenDefinition.h"
 #include "shell/Shell.h"
+#include "text/Numbers.h"
 #include "text/RecordFile.h"
+#include "text/TextFile.h"
 
 namespace hylden {
 
@@ -26,6 +31,21 @@ constexpr Names NamesOf(const PowerMeterDefinition&) {
   return {"PwrMtr.LoadFile", "PwrMtr.SaveFile", "PwrMtr.PrintSetup", "Power Meter Definition"};
 }
 
+std::size_t LineCount(const std::string& text) {
+  return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+/// Whether anything stands behind the first lines of a file.
+bool HasFurtherLines(const std::string& content, std::size_t first) {
+  constexpr std::string_view kDosEnd = "\x1A";
+  LineReader lines(content);
+  for (std::size_t n = 0; !lines.AtEnd(); ++n) {
+    const std::string_view line = Trim(lines.NextLine());
+    if (n >= first && !line.empty() && line != kDosEnd) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 template <class Record>
@@ -41,10 +61,12 @@ Done DefinedInstrument<Record>::LoadFile(const std::string& path) {
 template <class Record>
 Done DefinedInstrument<Record>::LoadFileOrKeep(const std::string& path) {
   return Trapped(NamesOf(definition_).Load, path, [&] {
+    KnownFile file(path);
     Record read;
     LoadRecord(path, read);
     PutDefinition(read);
     fileName_ = path;
+    file_ = std::move(file);
   });
 }
 
@@ -71,9 +93,20 @@ Done DefinedInstrument<Record>::Open(const char* name) {
 template <class Record>
 Done DefinedInstrument<Record>::SaveFile(const std::string& path) {
   return Trapped(NamesOf(definition_).Save, path, [&] {
-    SaveRecord(path, definition_);
+    std::string content = RecordText(definition_);
+    ReplaceFile(path, content);
     fileName_ = path;
+    file_ = {path, std::move(content)};
   });
+}
+
+template <class Record>
+std::string DefinedInstrument<Record>::LostBySave() const {
+  if (file_.Path() != fileName_) return {};
+  std::string lost = file_.LostByReplacing();
+  if (lost.empty() && HasFurtherLines(file_.Content(), LineCount(RecordText(definition_))))
+    lost = fileName_ + "\r\nalso holds further lines. A save keeps those of the definition only.";
+  return lost;
 }
 
 template <class Record>

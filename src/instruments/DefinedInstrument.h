@@ -5,6 +5,7 @@
 
 #include "instruments/Command.h"
 #include "instruments/Gpib.h"
+#include "shell/KnownFile.h"
 
 namespace hylden {
 
@@ -28,6 +29,9 @@ class DefinedInstrument {
   bool HasDefinition() const { return hasDefinition_; }
   /// A failure leaves the old file whole.
   Done SaveFile(const std::string& path);
+  /// What a save under FileName would lose of the file, as a line for its question: what somebody else has written into
+  /// it since it was loaded or saved, or lines that no definition has. Empty: nothing.
+  std::string LostBySave() const;
   /// The definition's listing on the printer. @param context  names a failure; empty: the operation itself
   Done PrintSetup(std::string_view context = {});
 
@@ -65,6 +69,7 @@ class DefinedInstrument {
 
  private:
   std::string fileName_;
+  KnownFile file_;
   bool hasDefinition_ = true;
 };
 

@@ -56,6 +56,11 @@ class EditorOf : public DefinitionEditor {
     return true;
   }
 
+  std::string LostBySave(const std::string& path) const override {
+    // About another file the dialog has asked.
+    return path == file_ ? driver_.LostBySave() : std::string();
+  }
+
   bool Save(const std::string& path) override {
     if (!shell_.Ok(driver_.SaveFile(path))) return false;
     file_ = path;

@@ -46,6 +46,8 @@ class DefinitionEditor {
   virtual bool New() = 0;
   /// @return false after a message: everything is as it was, but for the trial, which has ended
   virtual bool Load(const std::string& path) = 0;
+  /// What a save under this path would lose, as a line for its question; empty: nothing.
+  virtual std::string LostBySave(const std::string& path) const = 0;
   /// Saves the driver's record. @return false after a message
   virtual bool Save(const std::string& path) = 0;
   /// Prints the driver's record.

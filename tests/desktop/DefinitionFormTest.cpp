@@ -6,6 +6,7 @@
 #include <QGroupBox>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <filesystem>
 
 #include "desktop/DemoWindows.h"
 #include "documents/qt/frmEquipment.h"
@@ -14,6 +15,7 @@
 #include "instruments/qt/frmParseTest.h"
 #include "instruments/qt/frmSigGen.h"
 #include "text/RecordFile.h"
+#include "text/TextFile.h"
 
 namespace hylden {
 namespace {
@@ -132,6 +134,42 @@ TEST_F(DefinitionFormTest, AFailingPrinterIsReportedWithItsEntry) {
   m.printer.failure = ErrorNumber::DeviceIoError;
   Choose(form, "mnuFilePrint");
   EXPECT_THAT(dialogs.LastText(), testing::HasSubstr("Error # 57\rDevice I/O error\rmnuFilePrint\r"));
+}
+
+TEST_F(DefinitionFormTest, ASaveAsksBeforeItDropsWhatTheFileHoldsBesides) {
+  DefinitionForm& form = Open();
+  const std::string path = Record().SigGenFile;
+  const std::string loaded = ReadFileBytes(path);
+  struct {
+    std::string written;
+    bool load;
+    const char* question;
+  } const cases[] = {
+      {loaded + "\r\n\x1A", true, nullptr},
+      {loaded + "calibrated in May\r\n", true, "also holds further lines"},
+      {loaded + "calibrated in June\r\n", false, "has been changed by somebody else since it was loaded"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.written);
+    ReplaceFile(path, c.written);
+    if (c.load) form.LoadFile(QString::fromStdString(path));
+    dialogs.Clear();
+    if (c.question) dialogs.Answer(MessageAnswer::No);
+    Choose(form, "mnuFileSave");
+    EXPECT_EQ(ReadFileBytes(path), c.question ? c.written : loaded);
+    EXPECT_THAT(dialogs.LastText(), testing::HasSubstr(c.question ? c.question : ""));
+    EXPECT_EQ(dialogs.messages.size(), c.question ? 1u : 0u);
+  }
+  dialogs.Clear();
+  dialogs.Answer(MessageAnswer::Yes);
+  Choose(form, "mnuFileSave");
+  Choose(form, "mnuFileSave");
+  EXPECT_EQ(dialogs.messages.size(), 1u) << "what was saved is known";
+  std::filesystem::permissions(path, std::filesystem::perms::owner_read);
+  Type(form, "txtName", "Mine");
+  Choose(form, "mnuFileSave");
+  EXPECT_THAT(dialogs.LastText(), testing::HasSubstr("SigGen.SaveFile\r"));
+  EXPECT_TRUE(form.windowTitle().endsWith('*'));
+  EXPECT_EQ(ReadFileBytes(path), loaded);
 }
 
 TEST_F(DefinitionFormTest, TheStationsEntriesAreAppliedBeforeAnEditorOpens) {

@@ -35,15 +35,6 @@ bool IsEmpty(const GridRow& row) {
   return std::all_of(row.begin(), row.end(), [](const std::string& cell) { return cell.empty(); });
 }
 
-/// The bytes of a file; nothing where it can't be read.
-std::optional<std::string> BytesOf(const std::string& path) {
-  try {
-    return ReadFileBytes(path);
-  } catch (const RuntimeError&) {
-    return std::nullopt;
-  }
-}
-
 }  // namespace
 
 frmEditFactor::frmEditFactor(Shell& shell, QWidget* parent)
@@ -120,7 +111,8 @@ void frmEditFactor::FilterDefault(int kind) {
 }
 
 void frmEditFactor::AskAndLoad() {
-  if (const auto path = AskFile(kLoadTitle, kFilter, datakind::kFactors, file_.empty() ? pattern_ : file_))
+  if (const auto path =
+          AskFile(kLoadTitle, kFilter, datakind::kFactors, file_.Path().empty() ? pattern_ : file_.Path()))
     LoadFile(ToQt(*path));
 }
 
@@ -131,14 +123,14 @@ void frmEditFactor::LoadFile(const QString& path) {
 }
 
 void frmEditFactor::Load(const std::string& path) {
-  std::string content = BytesOf(path).value_or(std::string());
+  KnownFile file(path);
   std::vector<GridRow> rows;
   if (!ReadTable(path, rows)) return;
   saved_ = rows;
   rows.emplace_back();
   grid_->SetRows(std::move(rows));
-  notKept_ = NotKeptOf(content);
-  UseFile(path, std::move(content));
+  notKept_ = NotKeptOf(file.Content());
+  UseFile(std::move(file));
   ui_->crvFactor->Fit();
 }
 
@@ -176,25 +168,23 @@ bool frmEditFactor::HasUnsaved() const {
 
 bool frmEditFactor::SaveEntries() {
   // What was skipped is still to be saved, also on the way out.
-  return (file_.empty() ? SaveAs() : MayReplace(file_) && SaveGrid(file_)) && !HasUnsaved();
+  const std::string path = file_.Path();
+  return (path.empty() ? SaveAs() : MayReplaceFile(path) && SaveGrid(path)) && !HasUnsaved();
 }
 
 bool frmEditFactor::SaveAs() {
-  const auto path = AskSaveFile(kSaveTitle, kFilter, datakind::kFactors, file_.empty() ? pattern_ : file_);
-  return path && MayReplace(*path) && SaveGrid(*path);
+  const auto path =
+      AskSaveFile(kSaveTitle, kFilter, datakind::kFactors, file_.Path().empty() ? pattern_ : file_.Path());
+  return path && MayReplaceFile(*path) && SaveGrid(*path);
 }
 
 /// Asks before what the file holds besides the table, or what somebody else has written into it, is lost.
-bool frmEditFactor::MayReplace(const std::string& path) {
-  if (path != file_) return true;  // the dialog has asked
-  const std::optional<std::string> now = BytesOf(path);
-  std::string loss;
-  if (now && *now != onDisk_)
-    loss = "The file has been changed by somebody else since it was loaded:\r\n" + path;
-  else if (!notKept_.empty())
+bool frmEditFactor::MayReplaceFile(const std::string& path) {
+  if (path != file_.Path()) return true;  // the dialog has asked
+  std::string loss = file_.LostByReplacing();
+  if (loss.empty() && !notKept_.empty())
     loss = path + "\r\nalso holds " + notKept_ + ". A save keeps frequencies and values only.";
-  return loss.empty() || shell_.dialogs.Show({loss + "\r\nReplace it?", kQuestionTitle, MessageIcon::Exclamation,
-                                              MessageButtons::YesNo}) == MessageAnswer::Yes;
+  return MayReplace(loss);
 }
 
 bool frmEditFactor::SaveGrid(const std::string& path) {
@@ -208,7 +198,7 @@ bool frmEditFactor::SaveGrid(const std::string& path) {
   }
   saved_ = WrittenRows(cells);
   notKept_.clear();
-  UseFile(path, std::move(text));
+  UseFile({path, std::move(text)});
   const char* const but = !table_.IsUsable() ? "Hylden can't use it as a table" : "not all rows are in it";
   if (!table_.IsUsable() || table_.Skipped > 0)
     shell_.dialogs.Tell(std::string("The file is saved, but ") + but + ":\r\n" + table_.Summary(),
@@ -217,9 +207,9 @@ bool frmEditFactor::SaveGrid(const std::string& path) {
 }
 
 /// The form is about this file now.
-void frmEditFactor::UseFile(const std::string& path, std::string content) {
-  file_ = path;
-  onDisk_ = std::move(content);
+void frmEditFactor::UseFile(KnownFile file) {
+  file_ = std::move(file);
+  const std::string& path = file_.Path();
   ui_->lblFile->setText(QStringLiteral("File: ") + ToQt(path));
   ui_->lblFile->setToolTip(ToQt(path));
   ShowSaveTarget(*ui_->mnuFileSave, path);
@@ -256,7 +246,7 @@ void frmEditFactor::LookAtCells() {
 }
 
 void frmEditFactor::ShowCurve() {
-  const FactorKindText& kind = FactorKindOf(file_.empty() ? pattern_ : file_);
+  const FactorKindText& kind = FactorKindOf(file_.Path().empty() ? pattern_ : file_.Path());
   Curve curve{
       kind.Name, kind.Unit, {}, ValueAxis::Left, kind.Scale == FreqScale::Log ? FreqAxis::Log : FreqAxis::Linear};
   for (const FactorTable::Point& point : table_.Points)

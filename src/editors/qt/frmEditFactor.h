@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "editors/FactorTableText.h"
+#include "shell/KnownFile.h"
 #include "shell/qt/SetupForm.h"
 
 class QLabel;
@@ -46,10 +47,10 @@ class frmEditFactor : public SetupForm {
   void Load(const std::string& path);
   bool ReadTable(const std::string& path, std::vector<GridRow>& rows);
   bool SaveAs();
-  bool MayReplace(const std::string& path);
+  bool MayReplaceFile(const std::string& path);
   bool SaveGrid(const std::string& path);
   void ExportCurve();
-  void UseFile(const std::string& path, std::string content);
+  void UseFile(KnownFile file);
   void CellsEdited();
   void LookAtCells();
   void ShowCurve();
@@ -62,8 +63,7 @@ class frmEditFactor : public SetupForm {
   QTimer look_;        ///< at the cells, when the operator pauses
   FactorTable table_;  ///< as it was seen last
   std::string pattern_ = "*.fac";
-  std::string file_;            ///< loaded, or saved last
-  std::string onDisk_;          ///< its bytes
+  KnownFile file_;              ///< loaded, or saved last
   std::string notKept_;         ///< what a save would drop of it
   std::vector<GridRow> saved_;  ///< the rows that it holds
 };

@@ -197,7 +197,7 @@ bool DefinitionForm::SaveAs() {
 }
 
 bool DefinitionForm::SaveTo(const std::string& path) {
-  if (!TakeForm() || !editor_->Save(path)) return false;
+  if (!TakeForm() || !MayReplace(editor_->LostBySave(path)) || !editor_->Save(path)) return false;
   Show();
   AddRecentFile(path);
   emit FileTaken();

@@ -111,6 +111,11 @@ bool SetupForm::MayDropEntries() {
   return answer == MessageAnswer::Yes ? SaveEntries() : answer == MessageAnswer::No;
 }
 
+bool SetupForm::MayReplace(const std::string& loss) {
+  return loss.empty() || shell_.dialogs.Show({loss + "\r\nReplace it?", saveTitle_, MessageIcon::Exclamation,
+                                              MessageButtons::YesNo}) == MessageAnswer::Yes;
+}
+
 std::optional<std::string> SetupForm::AskFile(const char* title, const char* filter, std::string_view kind,
                                               const std::string& loaded) {
   return shell_.dialogs.OpenFile({title, filter, shell_.settings.GetDataDir(kind), WholePath(loaded)});

@@ -63,6 +63,8 @@ class SetupForm : public WorkingForm {
   /// The same when the form is left. What was unsaved already when it opened was asked about before, and leaving the
   /// form costs none of it.
   bool MayLeave() { return (kept_ && *kept_ == Entries()) || MayDropEntries(); }
+  /// Asks before a save replaces what it does not keep. @param loss  what that is; empty: nothing
+  bool MayReplace(const std::string& loss);
   /// The form has opened, or was loaded or saved.
   void KeepUnsaved();
   void ForgetKept() { kept_.reset(); }
