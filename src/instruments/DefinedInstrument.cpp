@@ -46,6 +46,28 @@ bool HasFurtherLines(const std::string& content, std::size_t first) {
   return false;
 }
 
+/// Looks for a text that is sent and that the bus can't carry.
+struct CarriageCheck {
+  std::string NotCarried;
+
+  void Text(const std::string& command) {
+    if (!Gpib::Carries(command)) NotCarried = command;
+  }
+  void OptionalText(const std::string&) {}  // an expression stays in the program
+  void Int16(int) {}
+  void Int32(int) {}
+  void Single(float) {}
+  void Double(double) {}
+};
+
+template <class Record>
+std::string TextNotCarried(Record sent) {
+  sent.InstrumentName.clear();  // which stays in the program, too
+  CarriageCheck check;
+  Fields(check, sent);
+  return check.NotCarried;
+}
+
 }  // namespace
 
 template <class Record>
@@ -79,8 +101,11 @@ void DefinedInstrument<Record>::Forget() {
 
 template <class Record>
 Done DefinedInstrument<Record>::Ready() const {
-  if (hasDefinition_) return {};
-  return Because("There is no " + std::string(FileKind(definition_)) + " to work with.\r\n" + fileName_);
+  const std::string kind(FileKind(definition_));
+  if (!hasDefinition_) return Because("There is no " + kind + " to work with.\r\n" + fileName_);
+  const std::string text = TextNotCarried(definition_);
+  if (text.empty()) return {};
+  return Because("The bus can't carry every character of a text in the " + kind + ":\r\n" + text + "\r\n" + fileName_);
 }
 
 template <class Record>

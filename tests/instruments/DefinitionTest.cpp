@@ -39,6 +39,16 @@ std::string Head(const std::string& content, int lines) {
   return content.substr(0, end);
 }
 
+Done Opened(SigGen& driver) {
+  return driver.InitSigGen(100, -30);
+}
+Done Opened(Meter& driver) {
+  return driver.InitMeter();
+}
+Done Opened(PM& driver) {
+  return driver.InitPwrMtr();
+}
+
 template <class K>
 class DefinitionFileTest : public testing::Test {
  protected:
@@ -105,6 +115,18 @@ TYPED_TEST(DefinitionFileTest, AFailingPrinterIsReported) {
   this->s.t.printer.failure = ErrorNumber::DeviceIoError;
   EXPECT_TRUE(
       FailsWith(this->driver.PrintSetup(), "Error # 57\rDevice I/O error\r" + std::string(TypeParam::kPrint) + "\r"));
+}
+
+TYPED_TEST(DefinitionFileTest, ATextThatTheBusCanNotCarryIsToldAndNothingIsSent) {
+  auto sample = TypeParam::Sample();
+  sample.InstrumentName = "\u2126";  // which stays here
+  this->driver.PutDefinition(sample);
+  EXPECT_TRUE(Opened(this->driver));
+  this->s.Took();
+  sample.FreqSetSuffix = "M\u2126";
+  this->driver.PutDefinition(sample);
+  EXPECT_TRUE(FailsWith(Opened(this->driver), "The bus can't carry every character of a text in the "));
+  EXPECT_EQ(this->s.Took(), Strings{});
 }
 
 TEST(Definition, LoadingDerivesTheTerminator) {
