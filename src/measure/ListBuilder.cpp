@@ -91,39 +91,60 @@ std::string ListSummary(const std::vector<double>& list) {
 }
 
 void ListBuilder::Open(std::vector<double> list, const std::string& file) {
-  list_ = std::move(list);
-  file_ = file;
-  unsaved_ = false;
-  unchanged_ = true;
+  now_ = {std::move(list), file, false, true};
+  before_.clear();
 }
 
 void ListBuilder::AddFile(std::vector<double> list, const std::string& file) {
-  const bool isFirst = list_.empty();
+  const bool isFirst = now_.List.empty();
   Append(list);
   if (!isFirst) return;
-  file_ = file;
-  unsaved_ = false;
+  now_.File = file;
+  now_.Unsaved = false;
 }
 
 void ListBuilder::Append(const std::vector<double>& more) {
-  list_.insert(list_.end(), more.begin(), more.end());
-  list_ = TidyList(std::move(list_));
-  file_.clear();
-  unsaved_ = true;
-  unchanged_ = false;
+  std::vector<double> list = now_.List;
+  list.insert(list.end(), more.begin(), more.end());
+  Change(TidyList(std::move(list)));
 }
 
 void ListBuilder::Clear() {
-  list_.clear();
-  file_.clear();
-  unchanged_ = false;
+  const bool wasUnsaved = now_.Unsaved;
+  Change({});
+  now_.Unsaved = wasUnsaved;
+}
+
+void ListBuilder::Remove(std::size_t first, std::size_t count) {
+  std::vector<double> list = now_.List;
+  const auto begin = list.begin() + static_cast<std::ptrdiff_t>(first);
+  list.erase(begin, begin + static_cast<std::ptrdiff_t>(count));
+  Change(std::move(list));
+}
+
+/// Another list, which is in no file.
+void ListBuilder::Change(std::vector<double> list) {
+  constexpr std::size_t kMostSteps = 20;
+  if (before_.size() == kMostSteps) before_.pop_front();
+  before_.push_back(std::move(now_));
+  now_ = {std::move(list), {}, true, false};
+}
+
+std::size_t ListBuilder::Undo() {
+  const std::vector<double> undone = std::move(now_.List);
+  now_ = std::move(before_.back());
+  before_.pop_back();
+  const auto differ = std::mismatch(undone.begin(), undone.end(), now_.List.begin(), now_.List.end());
+  return static_cast<std::size_t>(differ.first - undone.begin());
 }
 
 Done ListBuilder::Save(const std::string& file) {
   return Trapped("frmBuildList.SaveFile", file, [&] {
-    ReplaceFile(file, JoinLines(ListLines(list_)));
-    file_ = file;
-    unsaved_ = false;
+    ReplaceFile(file, JoinLines(ListLines(now_.List)));
+    now_.File = file;
+    now_.Unsaved = false;
+    // What was in this file before is in none now.
+    for (State& state : before_) state = {std::move(state.List), {}, true, false};
   });
 }
 

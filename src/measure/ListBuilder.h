@@ -1,6 +1,7 @@
 #pragma once
 
-#include <optional>
+#include <cstddef>
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -40,12 +41,12 @@ std::string ListSummary(const std::vector<double>& list);
 /// A frequency list that is being composed, with the file that it is in.
 class ListBuilder {
  public:
-  const std::vector<double>& List() const { return list_; }
+  const std::vector<double>& List() const { return now_.List; }
   /// The file that the list came from or was saved to; empty while it has changes that are in none.
-  const std::string& File() const { return file_; }
-  bool IsUnsaved() const { return unsaved_; }
+  const std::string& File() const { return now_.File; }
+  bool IsUnsaved() const { return now_.Unsaved; }
   /// The list is exactly the file that it was opened with.
-  bool IsUnchanged() const { return unchanged_; }
+  bool IsUnchanged() const { return now_.Unchanged; }
 
   /// Begins with what was read of a file.
   void Open(std::vector<double> list, const std::string& file);
@@ -53,18 +54,28 @@ class ListBuilder {
   /// Puts a file's frequencies to the list; the first ones are the file.
   void AddFile(std::vector<double> list, const std::string& file);
   void Clear();
+  /// Takes lines out; the first is 0.
+  void Remove(std::size_t first, std::size_t count);
+  bool CanUndo() const { return !before_.empty(); }
+  /// Takes back the last change; the last 20 are kept. @return the first line that has changed
+  std::size_t Undo();
   /// The list is in this file now; nothing is changed when it can't be written.
   Done Save(const std::string& file);
   /// The caller is to go on with what it had.
-  void LetFileGo() { file_.clear(); }
+  void LetFileGo() { now_.File.clear(); }
 
  private:
-  void Append(const std::vector<double>& more);
+  struct State {
+    std::vector<double> List;
+    std::string File;
+    bool Unsaved = false, Unchanged = false;
+  };
 
-  std::vector<double> list_;
-  std::string file_;
-  bool unsaved_ = false;
-  bool unchanged_ = false;
+  void Append(const std::vector<double>& more);
+  void Change(std::vector<double> list);
+
+  State now_;
+  std::deque<State> before_;
 };
 
 }  // namespace hylden

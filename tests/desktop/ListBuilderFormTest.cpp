@@ -15,8 +15,11 @@ namespace {
 
 class ListBuilderForm : public testing::Test {
  protected:
-  void SetUp() override { form.show(); }
-  std::string List() { return Find<QPlainTextEdit>(form, "txtList").toPlainText().toStdString(); }
+  void SetUp() override {
+    form.show();
+    QApplication::setActiveWindow(&form);
+  }
+  std::string List() { return list.toPlainText().toStdString(); }
   void Fill(const char* option, const char* start, const char* end, const char* step) {
     Press(form, option);
     Type(form, "txtRangeStart", start);
@@ -31,12 +34,13 @@ class ListBuilderForm : public testing::Test {
 
   TestShell t;
   frmBuildList form{t.shell};
+  QPlainTextEdit& list = Find<QPlainTextEdit>(form, "txtList");
 };
 
 TEST_F(ListBuilderForm, TakesPartsOfEachKind) {
   EXPECT_TRUE(Find<QRadioButton>(form, "optHarmonics").isChecked());
   EXPECT_FALSE(Find<QLineEdit>(form, "txtRangeEnd").isVisible());
-  EXPECT_EQ(TextOf(form, "lblStep"), "# of harmonics");
+  EXPECT_EQ(TextOf(form, "lblStep"), "# of ha&rmonics");
   Type(form, "txtRangeStart", "30");
   Type(form, "txtStepSize", "3");
   QTest::keyClick(&Find<QLineEdit>(form, "txtStepSize"), Qt::Key_Return);
@@ -47,6 +51,60 @@ TEST_F(ListBuilderForm, TakesPartsOfEachKind) {
   EXPECT_TRUE(Find<QLineEdit>(form, "txtRangeEnd").isVisible());
   Press(form, "cmdAdd");
   EXPECT_EQ(TextOf(form, "lblCount"), "7 frequencies, 30.0 to 150.0 MHz");
+}
+
+TEST_F(ListBuilderForm, LinesAreDeletedAndEveryStepIsTakenBack) {
+  const auto undo = [&](const char* at) {
+    Find<QWidget>(form, at).setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Z, Qt::ControlModifier);
+    return List();
+  };
+  const std::string file = Written("first.lst", "1\r\n2\r\n3\r\n4\r\n");
+  form.DoIt(QString::fromStdString(file));
+  list.setFocus();
+  QTest::keyClick(&list, Qt::Key_Down);
+  QTest::keyClick(&list, Qt::Key_Down, Qt::ShiftModifier);
+  QTest::keyClick(&list, Qt::Key_Down, Qt::ShiftModifier);
+  QTest::keyClick(&list, Qt::Key_Delete);
+  EXPECT_EQ(List(), "1.0\n4.0\n");
+  EXPECT_EQ(TextOf(form, "lblCount"), "2 frequencies, 1.0 to 4.0 MHz");
+  EXPECT_EQ(Caption(), "Frequency List: (unsaved)");
+  QTest::keyClick(&list, Qt::Key_Delete);
+  EXPECT_EQ(List(), "1.0\n") << "the line with the caret";
+  QTest::keyClick(&list, Qt::Key_Delete);
+  EXPECT_EQ(List(), "1.0\n") << "there is none";
+  Fill("optHarmonics", "5", "", "2");
+  QTest::keyClick(&Find<QLineEdit>(form, "txtRangeStart"), Qt::Key_Return);
+  Press(form, "cmdClear");
+  EXPECT_EQ(undo("txtRangeStart"), "1.0\n5.0\n10.0\n");
+  EXPECT_EQ(undo("txtRangeStart"), "1.0\n");
+  Find<QAction>(form, "mnuEditUndo").trigger();
+  EXPECT_EQ(undo("txtList"), "1.0\n2.0\n3.0\n4.0\n");
+  EXPECT_EQ(list.textCursor().blockNumber(), 1);
+  EXPECT_FALSE(Find<QAction>(form, "mnuEditUndo").isEnabled());
+  EXPECT_EQ(Caption(), "Frequency List: " + file);
+  Type(form, "txtRangeStart", "12");
+  QTest::keyClick(&Find<QWidget>(form, "txtRangeStart"), Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_NE(TextOf(form, "txtRangeStart"), "12") << "what is typed is taken back in its box";
+  EXPECT_TRUE(form.close());
+  EXPECT_TRUE(t.dialogs.messages.empty()) << "it is the file again";
+}
+
+TEST_F(ListBuilderForm, EveryMnemonicIsThereOnce) {
+  for (const char* const kind : {"optLinear", "optHarmonics"}) {
+    Press(form, kind);
+    ExpectMnemonicsShownApart(form);
+  }
+}
+
+TEST_F(ListBuilderForm, LongListComesInTurnsAndIsWhole) {
+  Fill("optLinear", "1", "12000", "1");
+  Press(form, "cmdAdd");
+  EXPECT_LT(list.blockCount(), 12'000) << "the window is not frozen until all is there";
+  Choose(form, "mnuEditDelete");
+  Turn();
+  EXPECT_EQ(list.blockCount(), 12'000);
+  EXPECT_TRUE(List().starts_with("2.0\n3.0\n") && List().ends_with("\n11999.0\n12000.0\n"));
 }
 
 TEST_F(ListBuilderForm, RefusesWhatIsNoPartAndKeepsTheList) {

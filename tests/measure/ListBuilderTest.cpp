@@ -64,6 +64,9 @@ TEST(ListBuilder, KnowsWhichFileTheListIsIn) {
   EXPECT_TRUE(builder.Save(file));
   EXPECT_EQ(ReadTextFile(file), "1.0\r\n2.0\r\n3.0\r\n");
   EXPECT_FALSE(builder.IsUnsaved());
+  builder.Undo();
+  EXPECT_THAT(builder.List(), ElementsAre(1, 2));
+  EXPECT_TRUE(builder.IsUnsaved() && builder.File().empty()) << "its file may have been written over";
   builder.Clear();
   EXPECT_EQ(builder.File(), "");
   builder.AddFile({4}, "first.lst");

@@ -1,5 +1,7 @@
 #include "measure/qt/frmBuildList.h"
 
+#include <QKeyEvent>
+#include <QTextBlock>
 #include <algorithm>
 
 #include "measure/ReadFreq.h"
@@ -14,6 +16,8 @@ namespace hylden {
 namespace {
 
 constexpr char kListFilter[] = "Frequency List Files (*.lst)|*.lst|All Files|*.*";
+/// Lines that go into the text box in one turn: a hundred thousand at once would freeze the window.
+constexpr std::size_t kLinesAtOnce = 5000;
 
 /// The boxes' captions, by the kind of the part.
 struct PartCaptions {
@@ -30,7 +34,7 @@ PartCaptions CaptionsOf(ListPartKind kind) {
     case ListPartKind::Harmonics:
       break;
   }
-  return {"Fundamental, M&Hz", "# of harmonics", "Fundamental, MHz; above 0",
+  return {"F&undamental, MHz", "# of ha&rmonics", "Fundamental, MHz; above 0",
           "How many multiples of the fundamental, itself the first; a whole number"};
 }
 
@@ -40,14 +44,22 @@ frmBuildList::frmBuildList(Shell& shell, QWidget* parent)
     : SetupForm(shell, parent, "", ""), ui_(std::make_unique<Ui::frmBuildList>()) {
   ui_->setupUi(this);
   On(ui_->cmdAdd, [this] { Add(); });
-  for (const QLineEdit* const box : {ui_->txtRangeStart, ui_->txtRangeEnd, ui_->txtStepSize})
+  for (QLineEdit* const box : {ui_->txtRangeStart, ui_->txtRangeEnd, ui_->txtStepSize}) {
     connect(box, &QLineEdit::returnPressed, ui_->cmdAdd, &QPushButton::click);
+    box->installEventFilter(this);
+  }
+  ui_->txtList->installEventFilter(this);
+  ui_->txtList->addAction(ui_->mnuEditDelete);
   On(ui_->cmdClear, [this] { Clear(); });
   On(ui_->mnuFileAdd, [this] { AddFile(); });
   On(ui_->mnuFileSaveAs, [this] { SaveAs(); });
+  On(ui_->mnuEditUndo, [this] { Undo(); });
+  On(ui_->mnuEditDelete, [this] { DeleteLines(); });
   connect(ui_->cmdExit, &QPushButton::clicked, this, &QWidget::close);
   connect(ui_->mnuFileExit, &QAction::triggered, this, &QWidget::close);
   connect(ui_->mnuHelpList, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
+  moreLines_.setSingleShot(true);
+  connect(&moreLines_, &QTimer::timeout, this, [this] { ShowMoreLines(linesShown_ + kLinesAtOnce); });
   FormEntries entries = EntriesShowing(ListPart());
   for (const char* const box : {"txtRangeStart", "txtRangeEnd", "txtStepSize"}) entries[box].clear();
   ShowEntries(entries);
@@ -92,7 +104,7 @@ void frmBuildList::Add() {
   if (const auto failure = TakeEntries(Entries(), part)) return PointOut(*this, *failure, shell_.dialogs);
   builder_.Add(part);
   ShowList();
-  ui_->txtRangeStart->clear();
+  ui_->txtRangeStart->setText({});  // with nothing to undo in the box: the next Undo is the list's
   ui_->txtRangeStart->setFocus();
 }
 
@@ -121,12 +133,45 @@ void frmBuildList::SaveAs() {
   if (builder_.List().empty()) return shell_.dialogs.Tell("Nothing to save!");
   const auto path = AskSaveFile("Frequency List Filename", kListFilter, datakind::kFreqList, builder_.File());
   if (!path) return;
-  if (shell_.Ok(builder_.Save(*path))) ShowCaption(builder_.File());
+  if (shell_.Ok(builder_.Save(*path))) ShowState();
 }
 
 void frmBuildList::Clear() {
   builder_.Clear();
   ShowList();
+}
+
+void frmBuildList::Undo() {
+  if (builder_.CanUndo()) ShowList(builder_.Undo());
+}
+
+/// Takes the selected lines out, else the one with the caret; the others stay where they are on the screen.
+void frmBuildList::DeleteLines() {
+  QTextCursor cursor = ui_->txtList->textCursor();
+  const int start = cursor.selectionStart(), last = std::max(start, cursor.selectionEnd() - 1);
+  const auto lineAt = [this](int position) {
+    return static_cast<std::size_t>(ui_->txtList->document()->findBlock(position).blockNumber());
+  };
+  const std::size_t first = lineAt(start), end = std::min(lineAt(last) + 1, linesShown_);
+  if (first >= end) return;  // below the last line
+  builder_.Remove(first, end - first);
+  linesShown_ -= end - first;
+  cursor.setPosition(ui_->txtList->document()->findBlockByNumber(static_cast<int>(first)).position());
+  cursor.setPosition(ui_->txtList->document()->findBlockByNumber(static_cast<int>(end)).position(),
+                     QTextCursor::KeepAnchor);
+  cursor.removeSelectedText();
+  ui_->txtList->setTextCursor(cursor);
+  ShowState();
+}
+
+/// Undo and Delete are the list's where a text has none of its own: a box in which nothing was typed, the list itself.
+bool frmBuildList::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::ShortcutOverride) return SetupForm::eventFilter(watched, event);
+  const auto* const box = qobject_cast<QLineEdit*>(watched);
+  const bool isUndo = static_cast<const QKeyEvent*>(event)->matches(QKeySequence::Undo);
+  if (box && (!isUndo || box->isUndoAvailable())) return false;
+  event->ignore();
+  return true;
 }
 
 bool frmBuildList::Settle() {
@@ -152,9 +197,31 @@ bool frmBuildList::QueryUnload() {
   return Settle();
 }
 
-void frmBuildList::ShowList() {
-  ui_->txtList->setPlainText(ToQt(JoinLines(ListLines(builder_.List()))));
+/// Shows the list with the caret at a line; what is below comes in the next turns.
+void frmBuildList::ShowList(std::size_t line) {
+  ui_->txtList->clear();
+  linesShown_ = 0;
+  ShowMoreLines(line + kLinesAtOnce);
+  ui_->txtList->setTextCursor(QTextCursor(ui_->txtList->document()->findBlockByNumber(static_cast<int>(line))));
+  ShowState();
+}
+
+void frmBuildList::ShowMoreLines(std::size_t end) {
+  const std::vector<double>& list = builder_.List();
+  const auto at = [&](std::size_t line) {
+    return list.begin() + static_cast<std::ptrdiff_t>(std::min(line, list.size()));
+  };
+  QTextCursor below(ui_->txtList->document());
+  below.movePosition(QTextCursor::End);
+  below.insertText(ToQt(JoinLines(ListLines({at(linesShown_), at(end)}))));
+  linesShown_ = std::min(end, list.size());
+  if (linesShown_ < list.size()) moreLines_.start(0);
+}
+
+void frmBuildList::ShowState() {
   ui_->lblCount->setText(ToQt(ListSummary(builder_.List())));
+  ui_->mnuEditUndo->setEnabled(builder_.CanUndo());
+  ui_->mnuEditDelete->setEnabled(!builder_.List().empty());
   ShowCaption(builder_.File());
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QTimer>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -32,19 +33,26 @@ class frmBuildList : public SetupForm {
   bool QueryUnload() override;
   UsedControls UsedNow() const override;
   void EnableControls() override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void Add();
   void AddFile();
   void SaveAs();
   void Clear();
+  void Undo();
+  void DeleteLines();
   /// Asks what becomes of the list. @return whether the form may close; the list to be used is the builder's file then
   bool Settle();
   std::optional<std::vector<double>> Read(const std::string& file);
-  void ShowList();
+  void ShowList(std::size_t line = 0);
+  void ShowMoreLines(std::size_t end);
+  void ShowState();
   void ShowCaption(const std::string& file);
 
   ListBuilder builder_;
+  std::size_t linesShown_ = 0;
+  QTimer moreLines_;
   std::unique_ptr<Ui::frmBuildList> ui_;
 };
 
