@@ -33,7 +33,8 @@ bool IsPlain(std::string_view text) {
 /// Why a cell is no number that a table can hold; empty when it is one.
 std::string ProblemOf(const std::string& text) {
   if (Trim(text).empty()) return "is empty";
-  if (IsNumeric(text)) return IsPlain(text) ? "" : "has an exponent, or is no decimal number: no table is read with it";
+  if (IsNumeric(text) && !IsPlain(text)) return "has an exponent, or is no decimal number: no table is read with it";
+  if (IsNumeric(text)) return Trim(text).find_first_of(" \t") == std::string::npos ? "" : "has a blank in it";
   const bool isComma = text.find(',') != std::string::npos && IsNumeric(text, Commas::Grouping);
   return isComma ? "has a comma: the decimal sign is the point" : "is no number";
 }

@@ -24,6 +24,7 @@ TEST(FactorTableTextTest, RowsAreWrittenWhenBothCellsAreNumbersAndMarkedWhenNoth
       {"Freq", "Loss", FactorRow::Skipped, 1},  {"1E2", "", FactorRow::Skipped, 2},
       {"1E2", "1", FactorRow::Refused, 1},      {"1", "1e-2", FactorRow::Refused, 2},
       {"1", "&H1F", FactorRow::Refused, 2},     {"1", many.c_str(), FactorRow::Refused, 2},
+      {"+ 5", "1", FactorRow::Refused, 1},
   };
   for (const RowCase& row : rows) {
     SCOPED_TRACE(std::string(row.frequency) + " | " + row.value);
