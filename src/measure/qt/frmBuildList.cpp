@@ -148,6 +148,8 @@ void frmBuildList::Undo() {
 /// Takes the selected lines out, else the one with the caret; the others stay where they are on the screen.
 void frmBuildList::DeleteLines() {
   QTextCursor cursor = ui_->txtList->textCursor();
+  if (!cursor.hasSelection() && focusWidget() != ui_->txtList)  // the caret is not to be seen
+    return shell_.dialogs.Tell("Select the lines first that are to be deleted.");
   const int start = cursor.selectionStart(), last = std::max(start, cursor.selectionEnd() - 1);
   const auto lineAt = [this](int position) {
     return static_cast<std::size_t>(ui_->txtList->document()->findBlock(position).blockNumber());
@@ -203,6 +205,7 @@ void frmBuildList::ShowList(std::size_t line) {
   linesShown_ = 0;
   ShowMoreLines(line + kLinesAtOnce);
   ui_->txtList->setTextCursor(QTextCursor(ui_->txtList->document()->findBlockByNumber(static_cast<int>(line))));
+  ui_->txtList->ensureCursorVisible();
   ShowState();
 }
 
