@@ -424,6 +424,12 @@ TEST_F(HyldenRunProgram, TakesTheCouplingFactorOfTheSetupUnlessItIsGivenOne) {
   EXPECT_EQ(description({"--yes", "--coupling-factor", "0"}), "10 V, 0.15 to 230 MHz, coupling factor 0 dB");
 }
 
+TEST_F(HyldenRunProgram, KeepsThePointsOfARunThatEndsEarly) {
+  const std::string tooLow = Setup([](CalSetupRecord& s) { s.LogStep = 20, s.MaxLevel = -9.5F; });
+  ExpectSaid(HyldenRun(Level(tooLow, {"--yes"})), kFailed, "Level requested is higher");
+  EXPECT_GE(LinesOf("out.cal"), 3U);
+}
+
 TEST_F(HyldenRunProgram, KeepsAnInfoFileThatHasComeMeanwhileAndSavesBothFilesBesideIt) {
   const std::string fine = Setup([](CalSetupRecord& s) { s.LogStep = 0.01; });
   const auto come = [this] { directory_.Write("out.hyinfo", "of somebody else"); };
