@@ -179,12 +179,17 @@ void Desktop::OpenParseTester(DefinitionForm* editor, const QString& answer, con
   Open(form, editor);
 }
 
+/// What every form that sets up a run may ask for.
+void Desktop::Serve(RunSetupForm* form) {
+  connect(form, &RunSetupForm::EditEquipmentRequested, this, [this, form](int tab) { OpenEquipment(form, tab, true); });
+  connect(form, &RunSetupForm::CreateListRequested, this,
+          [this, form](const QString& list) { OpenListBuilder(form, list); });
+}
+
 void Desktop::OpenTestDefinition() {
   if (!shell_.end.MayStart()) return;
   auto* const form = new frmTestDef(shell_, documents_);
-  connect(form, &frmTestDef::EditEquipmentRequested, this, [this, form](int tab) { OpenEquipment(form, tab, true); });
-  connect(form, &frmTestDef::CreateListRequested, this,
-          [this, form](const QString& list) { OpenListBuilder(form, list); });
+  Serve(form);
   connect(form, &frmTestDef::StartRequested, this, [this, form] { OpenTestRun(form); });
   connect(form, &frmTestDef::PrintPreviewRequested, this, [this, form] { Preview([form] { form->Print(); }); });
   Open(form, menu_.get());
@@ -204,9 +209,7 @@ void Desktop::OpenTestRun(QWidget* caller) {
 void Desktop::OpenCalibrationSetup() {
   if (!shell_.end.MayStart()) return;
   auto* const form = new frmCalSetup(shell_, instruments_, documents_);
-  connect(form, &frmCalSetup::EditEquipmentRequested, this, [this, form](int tab) { OpenEquipment(form, tab, true); });
-  connect(form, &frmCalSetup::CreateListRequested, this,
-          [this, form](const QString& list) { OpenListBuilder(form, list); });
+  Serve(form);
   connect(form, &frmCalSetup::EditLevelRequested, this,
           [this, form](const QString& levelFile) { OpenFactorEditor(form, FactorKind::Level, levelFile); });
   connect(form, &frmCalSetup::StartRequested, this, [this, form] { OpenCalibrationRun(form); });
@@ -228,9 +231,7 @@ void Desktop::OpenFactorEditor(QWidget* caller, FactorKind kind, const QString& 
 
 void Desktop::OpenCableSetup(QWidget* caller) {
   auto* const form = new frmCblSetup(shell_, documents_, *cableCalibration_);
-  connect(form, &frmCblSetup::EditEquipmentRequested, this, [this, form](int tab) { OpenEquipment(form, tab, true); });
-  connect(form, &frmCblSetup::CreateListRequested, this,
-          [this, form](const QString& list) { OpenListBuilder(form, list); });
+  Serve(form);
   connect(form, &frmCblSetup::StartRequested, this, [this, form] { OpenCableRun(form); });
   Open(form, caller);
 }

@@ -101,6 +101,7 @@ class Desktop : public QObject {
   void ClearBoxes();
   void RefuseEnd(const WorkingForm& form);
   void Applied(const frmEquipment* form);
+  void Serve(RunSetupForm* form);
   void OpenCableRun(QWidget* caller);
   bool LoadHelp();
   void EscapeInPanel();

@@ -26,7 +26,7 @@ std::string WholePath(const std::string& path) {
 }
 
 /// An argument of a desktop entry's command: quoted, and its special characters escaped, once for the quotes and once
-/// for the entry's line (Desktop Entry Specification, "The Exec key").
+/// for the entry's line (freedesktop.org, desktop entries, "The Exec key").
 std::string EntryArgument(const std::string& argument) {
   std::string text;
   for (const char c : argument) {

@@ -1,0 +1,361 @@
+#include "widgets/CurvePlot.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "platform/qt/QtText.h"
+#include "widgets/FrequencyTicker.h"
+#include "widgets/ThemeColors.h"
+
+namespace hylden {
+
+namespace {
+
+constexpr int kReachPixels = 24, kClickPixels = 4;
+constexpr int kMarginPercent = 4;
+/// Points are marked as long as they stand apart.
+constexpr int kPixelsForMarker = 3;
+const auto kMainLayer = QStringLiteral("main"), kReadoutLayer = QStringLiteral("readout");
+/// Colours that can be told apart also by those who see fewer of them.
+constexpr QRgb kOnLight[] = {0xff0072b2, 0xffd55e00, 0xff007a59, 0xffa8508a, 0xff806000, 0xff444444};
+constexpr QRgb kOnDark[] = {0xff66c2f5, 0xffffb347, 0xff4fd6ab, 0xfff0a6d2, 0xfff0e442, 0xffcccccc};
+
+QColor Mixed(const QColor& a, const QColor& b, double shareOfB) {
+  const auto mix = [&](int x, int y) { return static_cast<int>(std::lround(x + shareOfB * (y - x))); };
+  return {mix(a.red(), b.red()), mix(a.green(), b.green()), mix(a.blue(), b.blue())};
+}
+
+/// What is printed, whatever the theme.
+QPalette PaperColours() {
+  QPalette paper;
+  for (const auto role : {QPalette::Base, QPalette::Window, QPalette::ToolTipBase}) paper.setColor(role, Qt::white);
+  for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ToolTipText}) paper.setColor(role, Qt::black);
+  return paper;
+}
+
+/// The lowest and the highest of what was put in.
+struct Bounds {
+  double Lowest = std::numeric_limits<double>::infinity(), Highest = -Lowest;
+
+  void Add(double value) {
+    if (!std::isfinite(value)) return;
+    Lowest = std::min(Lowest, value);
+    Highest = std::max(Highest, value);
+  }
+  bool IsEmpty() const { return Lowest > Highest; }
+};
+
+QCPRange Roomy(const Bounds& bounds) {
+  if (bounds.IsEmpty()) return {0, 1};
+  double span = bounds.Highest - bounds.Lowest;
+  if (span <= 0) span = std::max(std::abs(bounds.Highest) / 5, 1e-3);
+  const double margin = span * 2 * kMarginPercent / 100;
+  return {bounds.Lowest - margin, bounds.Highest + margin};
+}
+
+QCPRange RoomyFrequencies(const Bounds& bounds, FreqAxis axis) {
+  constexpr double kUsualStart = 0.1, kUsualStop = 1000;
+  if (bounds.IsEmpty()) return {kUsualStart, kUsualStop};
+  if (axis == FreqAxis::Linear) return Roomy(bounds);
+  const double factor = std::max(std::pow(bounds.Highest / bounds.Lowest, kMarginPercent / 100.0), 1.01);
+  return {bounds.Lowest / factor, bounds.Highest * factor};
+}
+
+}  // namespace
+
+CurveView::Plot::Plot(CurveView& theView) : view(theView), plot(*new QCustomPlot(&theView)) {
+  plot.setObjectName(QStringLiteral("plot"));
+  refresh.setSingleShot(true);
+  refresh.setInterval(0);
+  QObject::connect(&refresh, &QTimer::timeout, &listener_, [this] { Refresh(); });
+  plot.setAutoAddPlottableToLegend(false);
+  plot.setPlottingHint(QCP::phFastPolylines);  // a dense curve takes ten times longer as one line
+  QLocale numbers = QLocale::c();              // the decimal sign is the point, whatever the language
+  numbers.setNumberOptions(QLocale::OmitGroupSeparator);
+  plot.setLocale(numbers);
+  plot.xAxis->setNumberFormat(QStringLiteral("g"));
+  plot.xAxis->setLabel(QStringLiteral("Frequency, MHz"));
+  for (QCPAxis* const axis : {plot.yAxis, plot.yAxis2}) axis->setNumberFormat(QStringLiteral("g"));
+  // Rings and readout have a layer of their own: the pointer redraws no curve.
+  plot.addLayer(kReadoutLayer);
+  plot.layer(kReadoutLayer)->setMode(QCPLayer::lmBuffered);
+  plot.setCurrentLayer(kReadoutLayer);
+  ring_ = new QCPItemTracer(&plot);
+  readRing_ = new QCPItemTracer(&plot);
+  readout_ = new QCPItemText(&plot);
+  plot.setCurrentLayer(kMainLayer);
+  for (QCPItemTracer* const ring : {ring_, readRing_}) {
+    ring->setStyle(QCPItemTracer::tsCircle);
+    ring->position->setType(QCPItemPosition::ptAbsolute);
+    ring->setVisible(false);
+  }
+  ring_->setSize(13);
+  readRing_->setSize(9);
+  readout_->position->setType(QCPItemPosition::ptAbsolute);
+  readout_->setPadding(QMargins(4, 2, 4, 2));
+  readout_->setVisible(false);
+  SetUpMouse();
+}
+
+void CurveView::Plot::SetUpMouse() {
+  plot.setInteractions(QCP::iRangeDrag | QCP::iRangeZoom);
+  plot.setSelectionRectMode(QCP::srmZoom);
+  plot.axisRect()->setRangeZoomAxes({plot.xAxis}, {plot.yAxis, plot.yAxis2});
+  plot.axisRect()->setRangeDragAxes({plot.xAxis}, {plot.yAxis, plot.yAxis2});
+  for (QCPAxis* const axis : {plot.xAxis, plot.yAxis})
+    QObject::connect(axis, qOverload<const QCPRange&>(&QCPAxis::rangeChanged), &listener_, [this] {
+      if (!fitting) zoomed = true;
+      ShowMarkers();
+    });
+  QObject::connect(&plot, &QCustomPlot::mousePress, &listener_, [this](const QMouseEvent* event) {
+    pressed = event->pos();
+    plot.setSelectionRectMode(event->modifiers() & Qt::ShiftModifier ? QCP::srmNone : QCP::srmZoom);
+  });
+  QObject::connect(&plot, &QCustomPlot::mouseRelease, &listener_, [this](const QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton || (event->pos() - pressed).manhattanLength() > kClickPixels) return;
+    if (const auto place = Nearest(event->pos())) view.Choose(*place);
+  });
+  QObject::connect(&plot, &QCustomPlot::mouseDoubleClick, &listener_, [this] { view.Fit(); });
+  QObject::connect(&plot, &QCustomPlot::mouseMove, &listener_, [this](const QMouseEvent* event) {
+    Read(event->buttons() == Qt::NoButton ? Nearest(event->pos()) : std::nullopt);
+  });
+  QObject::connect(&plot, &QCustomPlot::afterReplot, &listener_, [this] { ShowOverlay(); });
+}
+
+bool CurveView::Plot::Has(const CurvePlace& place) const {
+  return place.Curve >= 0 && static_cast<std::size_t>(place.Curve) < curves.size() && place.Point >= 0 &&
+         static_cast<std::size_t>(place.Point) < curves[static_cast<std::size_t>(place.Curve)].Points.size();
+}
+
+QPointF CurveView::Plot::PixelOf(CurvePlace place) const {
+  const CurvePoint& point = At(place);
+  return {plot.xAxis->coordToPixel(point.Freq),
+          AxisOf(curves[static_cast<std::size_t>(place.Curve)].Axis)->coordToPixel(point.Value)};
+}
+
+std::optional<CurvePlace> CurveView::Plot::Nearest(const QPointF& pixel) const {
+  std::optional<CurvePlace> nearest;
+  double best = kReachPixels;
+  const double from = plot.xAxis->pixelToCoord(pixel.x() - kReachPixels);
+  const double to = plot.xAxis->pixelToCoord(pixel.x() + kReachPixels);
+  for (std::size_t curve = 0; curve < curves.size(); ++curve) {
+    const std::vector<CurvePoint>& points = curves[curve].Points;
+    const auto below = [](const CurvePoint& point, double freq) { return point.Freq < freq; };
+    auto at = std::lower_bound(points.begin(), points.end(), from, below);
+    for (; at != points.end() && at->Freq <= to; ++at) {
+      const CurvePlace place{static_cast<int>(curve), static_cast<int>(at - points.begin())};
+      const QPointF away = PixelOf(place) - pixel;
+      const double distance = std::hypot(away.x(), away.y());
+      if (distance < best) best = distance, nearest = place;
+    }
+  }
+  return nearest;
+}
+
+QColor CurveView::Plot::ColourOf(std::size_t curve) const {
+  const QRgb* const colours = IsDark(colours_) ? kOnDark : kOnLight;
+  return QColor::fromRgb(colours[curve % std::size(kOnLight)]);
+}
+
+void CurveView::Plot::DrawLines() {
+  linesChanged = false;
+  plot.clearGraphs();
+  plot.legend->clearItems();
+  lines_.clear();
+  points_.clear();
+  for (const Curve& curve : curves) {
+    QVector<QCPGraphData> line, points;
+    for (const CurvePoint& point : LineThrough(curve.Points, curve.StraightOn, freqAxis))
+      line << QCPGraphData(point.Freq, point.Value);
+    for (const CurvePoint& point : curve.Points)
+      if (point.Freq > 0 || freqAxis == FreqAxis::Linear) points << QCPGraphData(point.Freq, point.Value);
+    lines_.push_back(plot.addGraph(plot.xAxis, AxisOf(curve.Axis)));
+    lines_.back()->data()->set(line, true);
+    lines_.back()->setName(ToQt(curve.Name));
+    lines_.back()->addToLegend();
+    points_.push_back(plot.addGraph(plot.xAxis, AxisOf(curve.Axis)));
+    points_.back()->data()->set(points, true);
+    points_.back()->setLineStyle(QCPGraph::lsNone);
+  }
+}
+
+void CurveView::Plot::DrawLimitsAndMarks() {
+  for (int i = plot.itemCount() - 1; i >= 0; --i)
+    if (plot.item(i)->layer() == plot.layer(kMainLayer)) plot.removeItem(i);
+  const QColor red = HighlightRed(colours_);
+  const auto text = [&](const std::string& shown, const QColor& colour) {
+    auto* const item = new QCPItemText(&plot);
+    item->setText(ToQt(shown));
+    item->setColor(colour);
+    item->setFont(view.font());
+    return item;
+  };
+  for (const CurveLimit& limit : limits) {
+    auto* const line = new QCPItemStraightLine(&plot);
+    line->setPen(QPen(red, 1.5, Qt::DashLine));
+    for (QCPItemPosition* const end : {line->point1, line->point2}) {
+      end->setAxes(plot.xAxis, AxisOf(limit.Axis));
+      end->setTypeX(QCPItemPosition::ptAxisRectRatio);
+      end->setTypeY(QCPItemPosition::ptPlotCoords);
+      end->setCoords(end == line->point1 ? 0 : 1, limit.Value);
+    }
+    QCPItemText* const name = text(limit.Name, red);
+    name->setPositionAlignment(Qt::AlignLeft | Qt::AlignBottom);  // the legend is on the right
+    name->position->setAxes(plot.xAxis, AxisOf(limit.Axis));
+    name->position->setTypeX(QCPItemPosition::ptAxisRectRatio);
+    name->position->setTypeY(QCPItemPosition::ptPlotCoords);
+    name->position->setCoords(0.01, limit.Value);
+  }
+  for (const CurveMark& mark : marks) {
+    QCPItemText* const item = text(mark.Text + "\n\u25bc", red);
+    item->setPositionAlignment(Qt::AlignHCenter | Qt::AlignBottom);
+    item->position->setAxes(plot.xAxis, AxisOf(mark.Axis));
+    item->position->setCoords(mark.At.Freq, mark.At.Value);
+  }
+}
+
+/// What an axis shows: its curve, or the unit that its curves share.
+QString CurveView::Plot::TitleOf(ValueAxis axis) const {
+  QStringList names, units;
+  for (const Curve& curve : curves) {
+    if (curve.Axis != axis) continue;
+    names << ToQt(curve.Name);
+    if (!curve.Unit.empty()) units << ToQt(curve.Unit);
+  }
+  units.removeDuplicates();
+  QString unit = units.join(QStringLiteral(" / "));
+  if (names.size() != 1) return unit;
+  return unit.isEmpty() ? names.first() : names.first() + QStringLiteral(", ") + unit;
+}
+
+void CurveView::Plot::SetAxes() {
+  const bool isLog = freqAxis == FreqAxis::Log;
+  plot.xAxis->setScaleType(isLog ? QCPAxis::stLogarithmic : QCPAxis::stLinear);
+  plot.xAxis->setTicker(isLog ? QSharedPointer<QCPAxisTicker>(new FrequencyTicker)
+                              : QSharedPointer<QCPAxisTicker>(new QCPAxisTicker));
+  plot.yAxis->setLabel(TitleOf(ValueAxis::Left));
+  plot.yAxis2->setLabel(TitleOf(ValueAxis::Right));
+  const auto isRight = [](const auto& shown) { return shown.Axis == ValueAxis::Right; };
+  plot.yAxis2->setVisible(std::any_of(curves.begin(), curves.end(), isRight) ||
+                          std::any_of(limits.begin(), limits.end(), isRight));
+  plot.legend->setVisible(curves.size() > 1);
+}
+
+void CurveView::Plot::FitRanges() {
+  Bounds frequencies, values[2];
+  const auto add = [&](ValueAxis axis, double value) { values[axis == ValueAxis::Right].Add(value); };
+  for (const Curve& curve : curves)
+    for (const CurvePoint& point : curve.Points) {
+      if (point.Freq <= 0 && freqAxis == FreqAxis::Log) continue;
+      frequencies.Add(point.Freq);
+      add(curve.Axis, point.Value);
+    }
+  for (const CurveLimit& limit : limits) add(limit.Axis, limit.Value);
+  fitting = true;
+  plot.xAxis->setRange(RoomyFrequencies(frequencies, freqAxis));
+  plot.yAxis->setRange(Roomy(values[0]));
+  plot.yAxis2->setRange(Roomy(values[1]));
+  fitting = false;
+}
+
+/// Where they stand close, the line alone says more.
+void CurveView::Plot::ShowMarkers() {
+  const QCPRange shown = plot.xAxis->range();
+  for (std::size_t i = 0; i < points_.size(); ++i) {
+    const auto& data = *points_[i]->data();
+    const auto count = data.findEnd(shown.upper, false) - data.findBegin(shown.lower, false);
+    const bool apart = count * kPixelsForMarker <= plot.axisRect()->width() || count < 3;
+    points_[i]->setScatterStyle(apart ? QCPScatterStyle(QCPScatterStyle::ssDisc, ColourOf(i), 5)
+                                      : QCPScatterStyle(QCPScatterStyle::ssNone));
+  }
+}
+
+void CurveView::Plot::Refresh() {
+  refresh.stop();
+  const bool scaleChanges = (plot.xAxis->scaleType() == QCPAxis::stLogarithmic) != (freqAxis == FreqAxis::Log);
+  if (scaleChanges) zoomed = false;
+  fitting = true;
+  SetAxes();
+  if (linesChanged || scaleChanges) DrawLines();
+  fitting = false;
+  if (!zoomed) FitRanges();
+  Colour(view.palette());
+  plot.replot(QCustomPlot::rpQueuedRefresh);
+}
+
+void CurveView::Plot::Colour(const QPalette& palette) {
+  colours_ = palette;
+  const QColor ground = palette.color(QPalette::Base), ink = palette.color(QPalette::Text);
+  plot.setBackground(QBrush(ground));
+  for (QCPAxis* const axis : {plot.xAxis, plot.yAxis, plot.yAxis2}) {
+    const QPen pen(Mixed(ground, ink, 0.7));
+    axis->setBasePen(pen);
+    axis->setTickPen(pen);
+    axis->setSubTickPen(pen);
+    axis->setTickLabelColor(ink);
+    axis->setLabelColor(ink);
+    axis->setTickLabelFont(view.font());
+    axis->setLabelFont(view.font());
+    axis->grid()->setPen(QPen(Mixed(ground, ink, 0.2)));
+    axis->grid()->setZeroLinePen(QPen(Mixed(ground, ink, 0.4)));
+    axis->grid()->setSubGridPen(QPen(Mixed(ground, ink, 0.08)));
+  }
+  plot.xAxis->grid()->setSubGridVisible(true);
+  plot.legend->setBrush(Mixed(ground, ink, 0.05));
+  plot.legend->setBorderPen(QPen(Mixed(ground, ink, 0.3)));
+  plot.legend->setTextColor(ink);
+  plot.legend->setFont(view.font());
+  for (std::size_t i = 0; i < lines_.size(); ++i) lines_[i]->setPen(QPen(ColourOf(i), 1.5));
+  ShowMarkers();
+  DrawLimitsAndMarks();
+  ring_->setPen(QPen(ink, 2));
+  readRing_->setPen(QPen(HighlightRed(palette), 1.5));
+  readout_->setFont(view.font());
+  readout_->setColor(palette.color(QPalette::ToolTipText));
+  readout_->setBrush(palette.color(QPalette::ToolTipBase));
+  readout_->setPen(QPen(Mixed(ground, ink, 0.5)));
+}
+
+void CurveView::Plot::Read(std::optional<CurvePlace> place) {
+  if (place == read) return;
+  read = place;
+  view.setAccessibleDescription(place ? view.ReadoutOf(*place) : QString());
+  ShowOverlay();
+}
+
+void CurveView::Plot::ShowOverlay() {
+  if (current && !Has(*current)) current.reset();
+  if (read && !Has(*read)) read.reset();
+  ring_->setVisible(current.has_value());
+  readRing_->setVisible(read.has_value());
+  readout_->setVisible(read.has_value());
+  const QRect area = plot.axisRect()->rect();
+  if (current) {
+    const QPointF at = PixelOf(*current);
+    ring_->position->setCoords(at);
+    ring_->setVisible(area.contains(at.toPoint()));
+  }
+  if (read) {
+    const QPointF at = PixelOf(*read);
+    const bool toTheLeft = at.x() > area.center().x(), below = at.y() < area.center().y();
+    readRing_->position->setCoords(at);
+    readout_->setText(view.ReadoutOf(*read));
+    readout_->setPositionAlignment((toTheLeft ? Qt::AlignRight : Qt::AlignLeft) |
+                                   (below ? Qt::AlignTop : Qt::AlignBottom));
+    readout_->position->setCoords(at + QPointF(toTheLeft ? -10 : 10, below ? 10 : -10));
+  }
+  plot.layer(kReadoutLayer)->replot();
+}
+
+void CurveView::Plot::OnPaper(const std::function<void()>& draw) {
+  Read(std::nullopt);
+  Refresh();
+  Colour(PaperColours());
+  draw();
+  Colour(view.palette());
+  plot.replot(QCustomPlot::rpQueuedRefresh);
+}
+
+}  // namespace hylden

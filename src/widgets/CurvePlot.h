@@ -1,0 +1,63 @@
+#pragma once
+
+#include <qcustomplot.h>
+
+#include <QPalette>
+#include <QTimer>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "widgets/CurveView.h"
+
+namespace hylden {
+
+/// The plot of a CurveView and what stands on it: the half that knows the plotting library.
+class CurveView::Plot {
+ public:
+  explicit Plot(CurveView& view);
+
+  void Touch() { refresh.start(); }
+  void Refresh();
+  void Colour(const QPalette& palette);
+  void ShowOverlay();
+  void Read(std::optional<CurvePlace> place);
+  QCPAxis* AxisOf(ValueAxis axis) const { return axis == ValueAxis::Left ? plot.yAxis : plot.yAxis2; }
+  const CurvePoint& At(CurvePlace place) const {
+    return curves[static_cast<std::size_t>(place.Curve)].Points[static_cast<std::size_t>(place.Point)];
+  }
+  bool Has(const CurvePlace& place) const;
+  QPointF PixelOf(CurvePlace place) const;
+  std::optional<CurvePlace> Nearest(const QPointF& pixel) const;
+  /// Draws with the colours of paper, and puts back those of the screen.
+  void OnPaper(const std::function<void()>& draw);
+
+  CurveView& view;
+  QCustomPlot& plot;
+  QTimer refresh;
+  std::vector<Curve> curves;
+  std::vector<CurveLimit> limits;
+  std::vector<CurveMark> marks;
+  FreqAxis freqAxis = FreqAxis::Log;
+  std::optional<CurvePlace> current, read;
+  QPoint pressed;
+  bool linesChanged = true, zoomed = false, fitting = false;
+
+ private:
+  void SetUpMouse();
+  void DrawLines();
+  void DrawLimitsAndMarks();
+  void SetAxes();
+  void FitRanges();
+  void ShowMarkers();
+  QString TitleOf(ValueAxis axis) const;
+  QColor ColourOf(std::size_t curve) const;
+
+  QObject listener_;  ///< to the plot, which goes later
+  QPalette colours_;
+  std::vector<QCPGraph*> lines_, points_;
+  QCPItemTracer *ring_, *readRing_;
+  QCPItemText* readout_;
+};
+
+}  // namespace hylden
