@@ -18,15 +18,19 @@ std::string ListText(double frequencyMHz) {
   return Format(frequencyMHz, "#0.0#####");
 }
 
-std::vector<double> Harmonics(double fundamental, double count) {
-  std::vector<double> list;
-  for (double k = 1; k <= count; ++k) list.push_back(SweepPoint(fundamental * k));
+std::vector<double> Harmonics(double fundamental, std::size_t count) {
+  std::vector<double> list(count);
+  for (std::size_t k = 0; k < count; ++k) list[k] = SweepPoint(fundamental * static_cast<double>(k + 1));
   return list;
 }
 
 std::vector<double> LinearRange(double start, double end, double step) {
   std::vector<double> list;
-  for (double k = 0; SweepPoint(start + k * step) < end; ++k) list.push_back(SweepPoint(start + k * step));
+  while (true) {
+    const double next = SweepPoint(start + static_cast<double>(list.size()) * step);
+    if (!(next < end)) break;
+    list.push_back(next);
+  }
   list.push_back(end);
   return list;
 }
@@ -64,7 +68,7 @@ std::vector<double> FrequenciesOf(const ListPart& part) {
     case ListPartKind::Harmonics:
       break;
   }
-  return Harmonics(part.Start, NearestWhole(part.Step));
+  return Harmonics(part.Start, static_cast<std::size_t>(NearestWhole(part.Step)));
 }
 
 std::vector<double> TidyList(std::vector<double> list) {
@@ -95,7 +99,7 @@ void ListBuilder::Open(std::vector<double> list, const std::string& file) {
   before_.clear();
 }
 
-void ListBuilder::AddFile(std::vector<double> list, const std::string& file) {
+void ListBuilder::AddFile(const std::vector<double>& list, const std::string& file) {
   const bool isFirst = now_.List.empty();
   Append(list);
   if (!isFirst) return;

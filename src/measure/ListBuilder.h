@@ -52,7 +52,7 @@ class ListBuilder {
   void Open(std::vector<double> list, const std::string& file);
   void Add(const ListPart& part) { Append(FrequenciesOf(part)); }
   /// Puts a file's frequencies to the list; the first ones are the file.
-  void AddFile(std::vector<double> list, const std::string& file);
+  void AddFile(const std::vector<double>& list, const std::string& file);
   void Clear();
   /// Takes lines out; the first is 0.
   void Remove(std::size_t first, std::size_t count);

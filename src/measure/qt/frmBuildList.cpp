@@ -124,7 +124,7 @@ void frmBuildList::AddFile() {
     if (std::any_of(list->begin(), list->end(), [](double frequency) { return frequency <= 0; }))
       shell_.dialogs.Tell("A frequency of 0 MHz or less would end the list:\r\n" + *path);
     else
-      builder_.AddFile(std::move(*list), *path);
+      builder_.AddFile(*list, *path);
   }
   ShowList();
 }
