@@ -15,7 +15,7 @@
 #include "benchmarks/Limits.h"
 #include "platform/console/ConsoleClock.h"
 #include "platform/qt/QtEventLoop.h"
-#include "support/DriverWrappers.h"
+#include "support/FailingDriver.h"
 #include "support/FakeDialogs.h"
 #include "support/FakePrinter.h"
 #include "support/FakeSpeaker.h"
@@ -31,27 +31,24 @@ constexpr int kHalts = 200;
 constexpr int kLatestMomentMs = 800;  ///< after the run's first RF: ramps, settling and dwells of several steps
 
 /// Notes when RF goes on and off.
-class RfWatch : public DriverWrapper {
+class RfWatch : public FailingDriver {
  public:
-  using DriverWrapper::DriverWrapper;
+  using FailingDriver::FailingDriver;
   std::function<void()> onRfOn;
   bool rfOn = false;
   Instant wentOff;
 
- protected:
-  void Around(const std::string& line, const std::function<void()>& call) override {
-    const bool on = line.find("OUTP ON") != std::string::npos;
-    if (rfOn && line.find("OUTP OFF") != std::string::npos) {
+  void Send(int board, int address, std::string_view bytes, int eotMode) override {
+    if (rfOn && bytes.starts_with("OUTP OFF")) {
       wentOff = std::chrono::steady_clock::now();
       rfOn = false;
     }
-    call();
-    if (on && !rfOn) {
+    FailingDriver::Send(board, address, bytes, eotMode);
+    if (!rfOn && bytes.starts_with("OUTP ON")) {
       rfOn = true;
       onRfOn();
     }
   }
-  void AroundReceive(int, std::span<char>, const std::function<void()>& call) override { call(); }
 };
 
 /// The machine's clock, which can be put forward.

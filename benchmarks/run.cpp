@@ -1,6 +1,7 @@
 #include <string>
 
 #include "benchmarks/BenchRun.h"
+#include "run/RunDisplay.h"
 #include "testrun/ManualControls.h"
 #include "testrun/RunEngine.h"
 
