@@ -92,6 +92,10 @@ class HaltStation {
       QTimer::singleShot(std::uniform_int_distribution<>(0, kLatestMomentMs)(random_), Qt::PreciseTimer,
                          [this] { PressHalt(); });
     };
+    dialogs_.onShow = [this](const Message& message) {
+      if (message.buttons != MessageButtons::Ok && message.buttons != MessageButtons::OkCancel)
+        dialogs_.Answer(MessageAnswer::No);  // the rows of a halted run, which the next one drops
+    };
     form_.show();
     form_.Load();
     ready_ = form_.findChild<QPushButton*>("cmdRun")->isEnabled();
