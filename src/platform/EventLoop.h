@@ -16,6 +16,8 @@ class EventLoop {
   /// @param deadlineMs  tick at which the caller's wait is over: a real loop waits no longer than that, a virtual clock
   ///                    goes straight there (or to its next timer)
   virtual void Yield(std::int64_t deadlineMs = kNoDeadline) = 0;
+  /// A short turn while a bus call takes long: windows are repainted and a press of Halt is taken, nothing else.
+  virtual void Repaint() {}
 };
 
 }  // namespace hylden

@@ -45,6 +45,10 @@ class GpibDriver {
   /// Why the last call did not get as far as the bus, in words, and what to do about it; empty where the status says
   /// all.
   virtual std::string Advice() const { return {}; }
+  /// How an address is reached, in words: the connection, and what library or adapter say of their version.
+  virtual std::string Way(int /*address*/) const { return {}; }
+  /// What a library wrote to standard error since this was last asked.
+  virtual std::string TakeChatter() { return {}; }
 };
 
 }  // namespace hylden
