@@ -30,5 +30,7 @@ target_link_libraries(hylden_desktop PUBLIC hylden_core Qt6::Widgets Qt6::PrintS
   PRIVATE QCustomPlotQt6::QCustomPlotQt6)
 target_precompile_headers(hylden_desktop PRIVATE <QtWidgets>)
 
-# The manual stands beside the program.
+# The manual and the demo station stand beside the program.
 configure_file(${PROJECT_SOURCE_DIR}/help/hylden.md ${PROJECT_BINARY_DIR}/bin/hylden.hlp COPYONLY)
+add_custom_target(hylden_station ALL COMMAND ${CMAKE_COMMAND} -E copy_directory
+  ${PROJECT_SOURCE_DIR}/examples/station ${PROJECT_BINARY_DIR}/bin/station)

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building, testing and the demo need, as far as they are missing.
+# Installs the Debian packages that building, testing and the demo need, and those that are named, as far as they are
+# missing.
 set -euo pipefail
 
 packages=(
@@ -7,6 +8,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev libexpected-dev
   qt6-base-dev libqcustomplot-dev xvfb xauth poppler-utils fonts-dejavu-core fonts-liberation
   clang-format clang-tidy
+  "$@"
 )
 
 missing=()

@@ -1,12 +1,14 @@
 #include "app/Desktop.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QTimer>
 #include <utility>
 
 #include "app/BusChoice.h"
 #include "app/DesktopBench.h"
 #include "app/DesktopBeside.h"
+#include "app/DesktopDemo.h"
 #include "app/DesktopUtilities.h"
 #include "app/StartUp.h"
 #include "app/Station.h"
@@ -32,6 +34,7 @@
 #include "shell/qt/TopMenu.h"
 #include "shell/qt/WorkingForm.h"
 #include "shell/qt/frmHelp.h"
+#include "shell/qt/frmWelcome.h"
 #include "testrun/qt/frmRunTest.h"
 
 namespace hylden {
@@ -61,11 +64,14 @@ Desktop::Desktop(Station& station, DesktopOptions options)
     ShowBenchNotice(*menu_);
     menu_->OfferBench();
     shell_.runNotice = kSimulatedBenchText;
+  } else if (HasDemoStation(shell_.settings.SharedDirectory())) {
+    menu_->OfferDemo();
   }
   connect(menu_.get(), &TopMenu::ConfigureRequested, this, [this] { OpenEquipment(menu_.get()); });
   connect(menu_.get(), &TopMenu::CalibrationRequested, this, &Desktop::OpenCalibrationSetup);
   connect(menu_.get(), &TopMenu::RunTestRequested, this, [this] { OpenTestDefinition(); });
   connect(menu_.get(), &TopMenu::BenchRequested, this, &Desktop::ShowBenchPanel);
+  connect(menu_.get(), &TopMenu::DemoRequested, this, [this] { OpenDemoStation(shell_); });
   connect(menu_.get(), &TopMenu::HelpRequested, this, &Desktop::ShowHelp);
   connect(bench_.get(), &BenchWindows::HelpRequested, this, &Desktop::ShowHelp);
   connect(bench_.get(), &BenchWindows::EscapePressed, this, &Desktop::EscapeInPanel);
@@ -85,8 +91,24 @@ bool Desktop::Start(const std::string& commandLine) {
   if (StartUp(station_, commandLine) == Opening::TestDefinition) OpenTestDefinition();
   if (!shell_.end.MayStart()) return false;
   ShowStation();
-  if (open_.isEmpty()) menu_->show();
+  if (!open_.isEmpty()) return true;
+  menu_->show();
+  ShowWelcome();
   return true;
+}
+
+/// Who has no settings starts for the first time.
+void Desktop::ShowWelcome() {
+  constexpr const char* kSection = "System";
+  const std::string& shared = shell_.settings.SharedDirectory();
+  if (shared.empty() || QFileInfo::exists(ToQt(shell_.settings.Store().PathRead()))) return;
+  shell_.settings.Save(kSection, "Welcomed", "1");
+  auto* const welcome = new frmWelcome(HasDemoStation(shared), menu_.get());
+  welcome->setAttribute(Qt::WA_DeleteOnClose);
+  connect(welcome, &frmWelcome::DemoRequested, this, [this] { OpenDemoStation(shell_); });
+  connect(welcome, &frmWelcome::OwnStationRequested, menu_.get(), &TopMenu::ConfigureRequested);
+  connect(welcome, &frmWelcome::ManualRequested, this, [this] { ShowHelp({}); });
+  welcome->show();
 }
 
 bool Desktop::Open(WorkingForm* form, QWidget* caller) {
@@ -274,9 +296,9 @@ void Desktop::KeepBeside() {
 
 bool Desktop::LoadHelp() {
   auto help = std::make_unique<frmHelp>();
-  // A program directory of the user's own holds no help; the executable's does.
-  const QString beside = QCoreApplication::applicationDirPath() + QStringLiteral("/") + ToQt(FileNameOnly(helpFile_));
-  if (!help->LoadFile(ToQt(helpFile_)) && !help->LoadFile(beside)) return false;
+  // A program directory of the user's own holds no help; it came with the program.
+  const QString shared = ToQt(HelpFileIn(shell_.settings.SharedDirectory()));
+  if (!help->LoadFile(ToQt(helpFile_)) && !help->LoadFile(shared)) return false;
   help->setWindowIcon(menu_->windowIcon());
   help_ = std::move(help);
   return true;

@@ -96,6 +96,7 @@ class Desktop : public QObject {
   void Ended();
 
  private:
+  void ShowWelcome();
   /// The main menu says which station and test are loaded.
   void ShowStation();
   void ClearBoxes();

@@ -127,8 +127,8 @@ std::vector<SystemFinding> CheckSystem(Station& station, const std::string& help
       {"Qt", std::string(qVersion()) + (sameOrNewer ? "" : ", older than the program's " QT_VERSION_STR), sameOrNewer});
   findings.push_back(DirectoryFinding("Settings", settings.ProgramDirectory(), true));
   findings.push_back(DirectoryFinding("Run log", FromQt(QDir::currentPath()), true));
-  const bool hasHelp = QFileInfo::exists(ToQt(helpFile)) ||
-                       QFileInfo::exists(QCoreApplication::applicationDirPath() + QStringLiteral("/hylden.hlp"));
+  const bool hasHelp =
+      QFileInfo::exists(ToQt(helpFile)) || QFileInfo::exists(ToQt(settings.SharedDirectory() + "/hylden.hlp"));
   findings.push_back({"Manual", hasHelp ? "found" : helpFile + " (not there)", hasHelp});
   findings.push_back({"Bus", station.bench ? kSimulatedBenchText : "the computer's own"});
   for (const std::string_view kind :

@@ -4,6 +4,7 @@
 #include "app/ConsoleRun.h"
 #include "measure/ReadFreq.h"
 #include "platform/native/StandardStreams.h"
+#include "shell/Version.h"
 
 namespace {
 
@@ -73,6 +74,7 @@ int Main(int argc, char** argv) {
       "Runs a conducted RF immunity test or a calibration from its files to the file that it makes.\n"
       "Ctrl-C presses Halt: RF goes off, and what was recorded is saved.\n"
       "Exit status: 0 finished, 1 failed, 2 usage, 3 halted."};
+  app.set_version_flag("--version", hylden::VersionTitle());
   app.add_option("--equipment", options.EquipmentFile, "Equipment file of the station (.eqp)")->required();
   AddJobs(app, options);
   app.add_option("--output", options.OutputFile,

@@ -4,6 +4,7 @@
 
 #include "app/Station.h"
 #include "shell/RecentFiles.h"
+#include "text/Case.h"
 #include "text/ExistingPath.h"
 
 namespace hylden {
@@ -73,6 +74,16 @@ CommandLine ParseCommandLine(std::string_view text) {
     }
   }
   return line;
+}
+
+std::string AsSwitch(const std::string& argument) {
+  const auto isA = [&](const char* extension) {
+    return SameIgnoringCase(std::filesystem::path(argument).extension().string(), extension);
+  };
+  if (argument.starts_with(kEquipSwitch) || argument.starts_with(kTestSwitch)) return argument;
+  if (isA(".eqp")) return std::string(kEquipSwitch) + argument;
+  if (isA(".tst")) return std::string(kTestSwitch) + argument;
+  return argument;
 }
 
 std::string JoinArguments(const std::vector<std::string>& arguments) {

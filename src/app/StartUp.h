@@ -24,6 +24,10 @@ CommandLine ParseCommandLine(std::string_view text);
 /// gets the pair that the shell has removed.
 std::string JoinArguments(const std::vector<std::string>& arguments);
 
+/// The switch that opens a file, by its kind, for an argument that is only a file's name: "station.eqp" becomes
+/// "/e:station.eqp". Anything else comes back as it is.
+std::string AsSwitch(const std::string& argument);
+
 /// What the program shows first.
 enum class Opening { MainMenu, TestDefinition };
 

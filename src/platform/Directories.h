@@ -13,6 +13,7 @@ struct Directories {
   std::string Program;  ///< settings and help
   std::string Data;     ///< what a data directory is until it is set; empty: the program directory
   std::string Common;   ///< holds the settings of a user who has none yet; empty: there are none
+  std::string Shared;   ///< what came with the program, manual and demo station; empty: only Program
 };
 
 }  // namespace hylden

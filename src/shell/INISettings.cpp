@@ -69,8 +69,7 @@ void INISettings::Save(const std::string& section, const std::string& key, const
 
 std::string INISettings::GetDataDir(std::string_view kind) {
   std::string chosen = Get(std::string(kind), "Dir", "");
-  if (!chosen.empty()) return chosen;
-  return directories_.Data.empty() ? directories_.Program : directories_.Data;
+  return chosen.empty() ? FilesDirectory() : chosen;
 }
 
 void INISettings::SaveDataDir(std::string_view kind, const std::string& path) {

@@ -31,6 +31,12 @@ class INISettings {
   explicit INISettings(Directories directories);
 
   const std::string& ProgramDirectory() const { return directories_.Program; }
+  /// Where the user's files begin.
+  const std::string& FilesDirectory() const {
+    return directories_.Data.empty() ? directories_.Program : directories_.Data;
+  }
+  /// What came with the program; may be empty.
+  const std::string& SharedDirectory() const { return directories_.Shared; }
 
   /// Shows the operator a text; false when this is no moment for it. Called once for settings that can't be read, and
   /// once for settings that can't be kept.

@@ -52,6 +52,18 @@ TEST(JoinArguments, GivesBackTheQuotesThatTheShellRemoved) {
   EXPECT_EQ(JoinArguments({}), "");
 }
 
+TEST(AsSwitch, AFileOpensAsWhatItIs) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"My station.eqp", "/e:My station.eqp"},
+      {"/lab/AM.TST", "/t:/lab/AM.TST"},
+      {"/e:a.eqp", "/e:a.eqp"},
+      {"/t:x.eqp", "/t:x.eqp"},
+      {"notes.txt", "notes.txt"},
+      {"", ""},
+  };
+  for (const auto& [argument, expected] : cases) EXPECT_EQ(AsSwitch(argument), expected);
+}
+
 class StartUpTest : public testing::Test {
  protected:
   StartUpTest() {

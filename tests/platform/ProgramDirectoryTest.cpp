@@ -56,5 +56,17 @@ TEST_F(ProgramDirectoryTest, AnInstalledProgramKeepsSettingsWithTheUserAndFilesA
   EXPECT_EQ(ProgramDirectories(readOnly).Data, home.File("Dokumente/Hylden")) << "in the user's language";
 }
 
+TEST_F(ProgramDirectoryTest, AnInstalledProgramNeverWritesBesideItselfAndFindsWhatCameWithIt) {
+  home.Write("usr/bin/hylden", "");
+  EXPECT_EQ(ProgramDirectories(home.File("usr/bin")).Shared, home.File("usr/bin")) << "not installed";
+  home.Write("usr/share/hylden/hylden.hlp", "");
+  const Directories directories = ProgramDirectories(home.File("usr/bin"));
+  EXPECT_EQ(directories.Program, home.File(".config/hylden"));
+  EXPECT_EQ(directories.Shared, home.File("usr/share/hylden"));
+  EXPECT_EQ(directories.Common, "/etc/hylden");
+  home.Write("usr/bin/Hylden.ini", "");
+  EXPECT_EQ(ProgramDirectories(home.File("usr/bin")).Common, home.File("usr/bin"));
+}
+
 }  // namespace
 }  // namespace hylden

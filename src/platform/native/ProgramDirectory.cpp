@@ -62,6 +62,34 @@ std::string UserDataFolder() {
   return fs::is_directory(folder, error) ? folder.string() : std::string();
 }
 
+/// Where an installed program's files are, beside the folder of the executables; empty for one that is not installed.
+std::string InstalledFiles(const std::string& executableDirectory) {
+  const fs::path files = fs::path(executableDirectory).parent_path() / "share" / "hylden";
+  std::error_code error;
+  return !executableDirectory.empty() && fs::is_directory(files, error) ? files.string() : std::string();
+}
+
+/// Where an administrator puts the settings of all users: beside the executable, else where a system keeps them.
+std::string CommonDirectory(const std::string& executableDirectory, bool isInstalled) {
+  std::error_code error;
+  const bool isBeside = fs::exists(fs::path(executableDirectory) / "Hylden.ini", error);
+  return isInstalled && !isBeside ? "/etc/hylden" : executableDirectory;
+}
+
+/// An installed program never writes among the system's files, not even for root.
+Directories OwnDirectories(const std::string& executableDirectory, bool isInstalled) {
+  if (const std::string chosen = Environment("HYLDEN_HOME"); !chosen.empty()) return WithoutTrailingSeparator(chosen);
+  if (!isInstalled && !executableDirectory.empty() && access(executableDirectory.c_str(), W_OK) == 0)
+    return executableDirectory;
+  const fs::path user = ConfigurationFolder() / "hylden";
+  std::error_code error;
+  fs::create_directories(user, error);
+  Directories directories(user.string());
+  directories.Data = UserDataFolder();
+  directories.Common = CommonDirectory(executableDirectory, isInstalled);
+  return directories;
+}
+
 }  // namespace
 
 std::string ProgramDirectory() {
@@ -73,14 +101,9 @@ Directories ProgramDirectories() {
 }
 
 Directories ProgramDirectories(const std::string& executableDirectory) {
-  if (const std::string chosen = Environment("HYLDEN_HOME"); !chosen.empty()) return WithoutTrailingSeparator(chosen);
-  if (!executableDirectory.empty() && access(executableDirectory.c_str(), W_OK) == 0) return executableDirectory;
-  const fs::path user = ConfigurationFolder() / "hylden";
-  std::error_code error;
-  fs::create_directories(user, error);
-  Directories directories(user.string());
-  directories.Data = UserDataFolder();
-  directories.Common = executableDirectory;
+  const std::string installed = InstalledFiles(executableDirectory);
+  Directories directories = OwnDirectories(executableDirectory, !installed.empty());
+  directories.Shared = installed.empty() ? executableDirectory : installed;
   return directories;
 }
 

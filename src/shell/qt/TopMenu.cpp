@@ -16,7 +16,9 @@ TopMenu::TopMenu(QWidget* parent) : QMainWindow(parent), ui_(std::make_unique<Ui
   connect(ui_->cmdCalibration, &QPushButton::clicked, this, &TopMenu::CalibrationRequested);
   connect(ui_->cmdRunTest, &QPushButton::clicked, this, &TopMenu::RunTestRequested);
   connect(ui_->cmdBench, &QPushButton::clicked, this, &TopMenu::BenchRequested);
+  connect(ui_->cmdDemo, &QPushButton::clicked, this, &TopMenu::DemoRequested);
   ui_->cmdBench->hide();
+  ui_->cmdDemo->hide();
 }
 
 TopMenu::~TopMenu() = default;
@@ -36,6 +38,10 @@ void TopMenu::ShowStation(const std::string& equipmentFile, const std::string& t
 
 void TopMenu::OfferBench() {
   ui_->cmdBench->show();
+}
+
+void TopMenu::OfferDemo() {
+  ui_->cmdDemo->show();
 }
 
 void TopMenu::closeEvent(QCloseEvent* event) {

@@ -11,7 +11,7 @@ class TopMenu;
 }
 
 /// The main menu: three buttons ask for the working areas, the fourth ends the program; on the simulated
-/// bench a fifth asks for its panel.
+/// bench a fifth asks for its panel, elsewhere one for the demo station.
 class TopMenu : public QMainWindow {
   Q_OBJECT
 
@@ -25,12 +25,15 @@ class TopMenu : public QMainWindow {
   void ShowStation(const std::string& equipmentFile, const std::string& testFile);
   /// Shows the button of the bench panel, which is there only when the simulated bench drives the program.
   void OfferBench();
+  /// Shows the button of the demo station, which is there only when the program came with one.
+  void OfferDemo();
 
  signals:
   void ConfigureRequested();
   void CalibrationRequested();
   void RunTestRequested();
   void BenchRequested();
+  void DemoRequested();
   void HelpRequested(const QString& topic);
   /// The main menu has closed: the program ends.
   void Closed();
