@@ -5,4 +5,4 @@ cd "$(dirname "$0")/.."
 
 mode=(-i)
 [ "${1:-}" = --check ] && mode=(--dry-run --Werror)
-find src tests examples benchmarks \( -name '*.cpp' -o -name '*.h' \) -print0 | xargs -0 -r clang-format "${mode[@]}"
+find src tests examples benchmarks fuzz \( -name '*.cpp' -o -name '*.h' \) -print0 | xargs -0 -r clang-format "${mode[@]}"
