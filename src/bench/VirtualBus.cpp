@@ -3,20 +3,14 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/GpibTimeLimit.h"
+
 namespace hylden {
 namespace {
 
 constexpr int kEarg = 4, kEneb = 7, kEtab = 20;
 constexpr std::int64_t kCommandMs = 2;
 constexpr std::size_t kUnknownKept = 100;
-constexpr std::int64_t kForeverMs = 1'000'000'000;
-
-/// The time limit of an ibtmo code: none, then 10 us, 30 us ... 1000 s.
-std::int64_t LimitMs(int code) {
-  constexpr std::array<std::int64_t, 18> kLimits = {kForeverMs, 0,   0,    0,    0,     1,     3,      10,     30,
-                                                    100,        300, 1000, 3000, 10000, 30000, 100000, 300000, 1000000};
-  return kLimits[static_cast<std::size_t>(std::clamp(code, 0, 17))];
-}
 
 }  // namespace
 
@@ -175,8 +169,9 @@ void VirtualBus::Receive(int board, int address, std::span<char> buffer, int ter
     if (!device->Answers.empty() || device->Absent) break;
     if (auto answer = instrument->Talk()) Queue(*device, instrument->Role(), std::move(*answer));
   }
-  const std::int64_t waitMs = device->Answers.empty() ? kForeverMs : device->Answers.front().ReadyMs - clock_.TickMs();
-  if (waitMs > timeLimitMs_ || waitMs == kForeverMs) {
+  const std::int64_t waitMs =
+      device->Answers.empty() ? gpib::kForeverMs : device->Answers.front().ReadyMs - clock_.TickMs();
+  if (waitMs > timeLimitMs_ || waitMs == gpib::kForeverMs) {
     Pass(timeLimitMs_);
     return Fail(gpib::kEabo, gpib::kTimo);
   }
@@ -201,7 +196,7 @@ void VirtualBus::Deliver(Device& device, std::span<char> buffer, int termination
 
 void VirtualBus::ibtmo(int board, int code) {
   if (board != 0) return Fail(kEneb);
-  timeLimitMs_ = LimitMs(code);
+  timeLimitMs_ = gpib::TimeLimitMs(code);
   Succeed(0);
 }
 

@@ -36,7 +36,7 @@ class FdStream : public ByteStream {
   Outcome Late(const char* what);
 
   int fd_ = -1;
-  std::string fault_ = "It has not been opened.";
+  std::string fault_ = "not opened yet";
 };
 
 }  // namespace hylden
