@@ -146,12 +146,13 @@ void ScriptedPeer::Say() {
 }
 
 void ScriptedPeer::Hang() {
+  if (line_ < 0) return;
   CloseIfOpen(line_);
   CloseIfOpen(terminal_);
-  ++hungUp_;
   unread_.clear();
   unsaid_.clear();
   closes_ = false;
+  ++hungUp_;
 }
 
 }  // namespace hylden
