@@ -24,7 +24,7 @@ TEST(SocketInstrument, EndsEachMessageWithOneLineFeed) {
     EXPECT_EQ(socket.cells.status, gpib::kCmpl | gpib::kCic);
     EXPECT_EQ(socket.cells.longCount, static_cast<int>(text.size()));
   }
-  EXPECT_EQ(peer.HeardUpTo("\r\n"), "RF OFF\nFREQ 1\r\nLVL 2\r\n");
+  EXPECT_EQ(peer.HeardUpTo("LVL 2\r\n"), "RF OFF\nFREQ 1\r\nLVL 2\r\n");
 }
 
 struct Read {

@@ -13,7 +13,9 @@ namespace hylden {
 /// A bus driver over a stream, and what its calls come to.
 template <class Driver>
 struct StreamDriver {
-  explicit StreamDriver(std::unique_ptr<ByteStream> stream) : driver(std::move(stream)) {
+  template <class... Arguments>
+  explicit StreamDriver(std::unique_ptr<ByteStream> stream, Arguments... arguments)
+      : driver(std::move(stream), arguments...) {
     driver.RegisterGpibGlobalsForThread(cells);
   }
   explicit StreamDriver(const ScriptedPeer& peer)

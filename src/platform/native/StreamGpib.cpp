@@ -52,15 +52,17 @@ void StreamGpib::Fail(int error, const std::string& advice, int extraStatus) {
 }
 
 StreamGpib::Outcome StreamGpib::Open(Deadline deadline) {
-  isHalfSent_ = false;
-  const Outcome opened = stream_->Open(deadline);
-  return opened == Outcome::Done ? SetUp(deadline) : opened;
+  Abandon();
+  Outcome outcome = stream_->Open(deadline);
+  if (outcome == Outcome::Done) outcome = SetUp(deadline);
+  isInOrder_ = outcome == Outcome::Done;
+  return outcome;
 }
 
 StreamGpib::Outcome StreamGpib::Write(std::string_view bytes, Deadline deadline) {
   const Outcome written = stream_->Write(bytes, deadline);
   // A device must not join the half of a command with the next one.
-  if (written == Outcome::TimedOut) isHalfSent_ = true;
+  if (written == Outcome::TimedOut) Abandon();
   return written;
 }
 

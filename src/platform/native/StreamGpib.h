@@ -33,8 +33,10 @@ class StreamGpib : public GpibDriver {
   void Finish(Outcome outcome, std::size_t count = 0, int extraStatus = 0);
   void Fail(int error, const std::string& advice, int extraStatus = 0);
 
-  /// Whether the stream stands, and ends where it did.
-  bool Stands() const { return stream_->IsOpen() && !isHalfSent_; }
+  /// Whether the stream can be used as it is.
+  bool Stands() const { return stream_->IsOpen() && isInOrder_; }
+  /// It can't be told any more what the other end has heard and will say: the next call opens the stream anew.
+  void Abandon() { isInOrder_ = false; }
   Outcome Open(Deadline deadline);
   /// Opens what does not stand.
   Outcome Ready(Deadline deadline) { return Stands() ? Outcome::Done : Open(deadline); }
@@ -49,7 +51,7 @@ class StreamGpib : public GpibDriver {
   GpibStatusCells* cells_ = nullptr;
   std::int64_t limitMs_ = gpib::TimeLimitMs(gpib::kT10s);
   std::string advice_;
-  bool isHalfSent_ = false;
+  bool isInOrder_ = false;
 };
 
 }  // namespace hylden
