@@ -102,7 +102,10 @@ void ScriptedPeer::Serve() {
                        {line_, static_cast<short>(unsaid_.empty() ? POLLIN : POLLIN | POLLOUT), 0}};
     if (poll(waited, 3, -1) < 0) continue;
     if (waited[0].revents != 0) return;
-    if (waited[1].revents != 0) Accept();
+    if (waited[1].revents != 0) {
+      Accept();
+      continue;  // the other event is of the line before
+    }
     if ((waited[2].revents & POLLOUT) != 0) Say();
     if ((waited[2].revents & ~POLLOUT) != 0) Hear();
   }
