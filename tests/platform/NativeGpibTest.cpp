@@ -159,11 +159,20 @@ TEST_F(NativeGpibTest, WithoutAWholeLibraryEveryCallFailsWithEdvrAndSaysWhatIsMi
   Functions statusless = AllFunctions();
   statusless.erase("ThreadIbsta");
   const TempDir directory;
-  const std::string noLibrary = directory.Write("libgpib.so.0", "no library");
+  const std::string noLibrary = directory.Write("libgpib.so.0", std::string(64, 'x'));
+  const std::string otherProcessor = directory.Write("libgpib.so",
+                                                     "\x7F"
+                                                     "ELF\x01\x01\x01" +
+                                                         std::string(57, '\0'));
   for (const auto& [found, advice] :
        {std::pair{Library(functions), std::string("The GPIB library lib has no function EnableLocal.")},
         {Library(statusless), "The GPIB library lib has no function ThreadIbsta."},
-        {OpenGpibLibrary(noLibrary), "The GPIB library " + noLibrary + " can't be loaded: "}}) {
+        {OpenGpibLibrary(HYLDEN_TEST_LIBRARIES "incomplete.so"),
+         "The GPIB library " HYLDEN_TEST_LIBRARIES "incomplete.so has no function EnableLocal."},
+        {OpenGpibLibrary("libgpib.so.99"), "The GPIB library libgpib.so.99 can't be loaded: libgpib.so.99: "},
+        {OpenGpibLibrary(otherProcessor),
+         "The GPIB library " + otherProcessor + " can't be loaded: it is made for another kind of processor ("},
+        {OpenGpibLibrary(noLibrary), "The GPIB library " + noLibrary + " can't be loaded: the file is no library ("}}) {
     NativeGpib driver(found);
     EXPECT_EQ(driver.RegisterGpibGlobalsForThread(cells_), 0);
     std::array<char, 64> buffer{};

@@ -9,14 +9,14 @@ const std::map<int, double> kSecondsOfLimit = {{8, 0.03}, {9, 0.1}, {10, 0.3}, {
 }  // namespace
 
 int FailingDriver::RegisterGpibGlobalsForThread(GpibStatusCells& cells) {
-  const int result = inner_.RegisterGpibGlobalsForThread(cells);
+  const int result = inner_->RegisterGpibGlobalsForThread(cells);
   if (result == 0) cells_ = &cells;
   return result;
 }
 
 int FailingDriver::UnregisterGpibGlobalsForThread() {
   cells_ = nullptr;
-  return inner_.UnregisterGpibGlobalsForThread();
+  return inner_->UnregisterGpibGlobalsForThread();
 }
 
 bool FailingDriver::Fails(const std::string& line) {
@@ -29,34 +29,34 @@ bool FailingDriver::Fails(const std::string& line) {
 }
 
 void FailingDriver::SendIFC(int board) {
-  if (!Fails("IFC")) inner_.SendIFC(board);
+  if (!Fails("IFC")) inner_->SendIFC(board);
 }
 
 void FailingDriver::FindLstn(int board, std::span<const std::int16_t> addresses, std::span<std::int16_t> results) {
-  if (!Fails(AddressLine("FIND", addresses))) inner_.FindLstn(board, addresses, results);
+  if (!Fails(AddressLine("FIND", addresses))) inner_->FindLstn(board, addresses, results);
 }
 
 void FailingDriver::SetRWLS(int board, std::span<const std::int16_t> addresses) {
-  if (!Fails(AddressLine("REMOTE", addresses))) inner_.SetRWLS(board, addresses);
+  if (!Fails(AddressLine("REMOTE", addresses))) inner_->SetRWLS(board, addresses);
 }
 
 void FailingDriver::EnableLocal(int board, std::span<const std::int16_t> addresses) {
-  if (!Fails(AddressLine("LOCAL", addresses))) inner_.EnableLocal(board, addresses);
+  if (!Fails(AddressLine("LOCAL", addresses))) inner_->EnableLocal(board, addresses);
 }
 
 void FailingDriver::ibtmo(int board, int code) {
   timeLimit_ = code;
-  if (!Fails("TMO " + std::to_string(code))) inner_.ibtmo(board, code);
+  if (!Fails("TMO " + std::to_string(code))) inner_->ibtmo(board, code);
 }
 
 void FailingDriver::Send(int board, int address, std::string_view bytes, int eotMode) {
   sent_[address].emplace_back(bytes);
-  if (!Fails("> " + std::to_string(address) + " " + Escaped(bytes))) inner_.Send(board, address, bytes, eotMode);
+  if (!Fails("> " + std::to_string(address) + " " + Escaped(bytes))) inner_->Send(board, address, bytes, eotMode);
 }
 
 void FailingDriver::Receive(int board, int address, std::span<char> buffer, int termination) {
   if (Fails("< " + std::to_string(address))) return;
-  inner_.Receive(board, address, buffer, termination);
+  inner_->Receive(board, address, buffer, termination);
   if (timeLimit_ == gpib::kT30ms) return;
   const auto garbled = garbled_.find(++reads_);
   if (garbled == garbled_.end()) return;

@@ -14,7 +14,9 @@ namespace hylden {
 /// counted from now (1 is the next); those under the 30 ms time limit (drains) don't count.
 class FailingDriver : public GpibDriver, public CallFailures {
  public:
-  explicit FailingDriver(GpibDriver& inner) : inner_(inner) {}
+  explicit FailingDriver(GpibDriver& inner) : inner_(&inner) {}
+  /// Passes the calls on to this one instead; before the first call.
+  void PassTo(GpibDriver& inner) { inner_ = &inner; }
 
   /// The n-th read brings these bytes instead; the device's own answer is read and lost.
   void GarbleReceive(int n, const std::string& bytes) { garbled_[reads_ + n] = bytes; }
@@ -41,7 +43,7 @@ class FailingDriver : public GpibDriver, public CallFailures {
   /// Whether the call with this transcript line fails; it has then.
   bool Fails(const std::string& line);
 
-  GpibDriver& inner_;
+  GpibDriver* inner_;
   GpibStatusCells* cells_ = nullptr;
   int reads_ = 0;
   int timeLimit_ = gpib::kT10s;

@@ -25,6 +25,12 @@ struct Loaded {
 
 constexpr const char* kKnown[] = {"ni4882.dll", "gpib-32.dll"};
 constexpr const char* kInstall = "Install the driver of the GPIB board.";
+constexpr const char* kNotThere = "error 126";
+
+std::string InWords(const std::string&, const std::string& fault) {
+  constexpr const char* kBadImage = "error 193";
+  return fault == kBadImage ? "it is no library, or one for another kind of processor" : fault;
+}
 
 Loaded Load(const std::string& name) {
   const HMODULE library = LoadLibraryA(name.c_str());
@@ -36,6 +42,18 @@ Loaded Load(const std::string& name) {
 
 constexpr const char* kKnown[] = {"libgpib.so.0", "libni4882.so.1", "libgpibapi.so"};
 constexpr const char* kInstall = "Install the distribution's GPIB package, or the board's own driver.";
+constexpr const char* kNotThere = ": cannot open shared object file: No such file";
+
+/// What the loader's words mean to somebody who has installed a driver; its own words behind it.
+std::string InWords(const std::string& name, const std::string& fault) {
+  const auto says = [&](const char* words) { return fault.find(words) != std::string::npos; };
+  std::error_code ignored;
+  // The loader passes over another processor's file as if it were not there.
+  const bool passedOver = std::filesystem::exists(name, ignored) && fault.starts_with(name + kNotThere);
+  if (passedOver || says("wrong ELF class")) return "it is made for another kind of processor (" + fault + ")";
+  if (says("ELF header") || says("file too short")) return "the file is no library (" + fault + ")";
+  return fault;
+}
 
 Loaded Load(const std::string& name) {
   if (void* const library = dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL))
@@ -51,6 +69,15 @@ bool IsOfLinuxGpib(const std::string& name, const GpibLibrary::Resolver& find) {
   return std::filesystem::path(name).filename().string().starts_with("libgpib.") || find("gpib_error_string");
 }
 
+std::string NotLoaded(const std::string& name, const std::string& fault) {
+  return "The GPIB library " + name + " can't be loaded: " + InWords(name, fault);
+}
+
+/// The loader found no such file, rather than one that it can't use.
+bool IsAbsent(const std::string& name, const std::string& fault) {
+  return fault == kNotThere || fault.starts_with(name + kNotThere);
+}
+
 GpibLibrary Found(const std::string& name, GpibLibrary::Resolver find) {
   const bool isLinuxGpib = IsOfLinuxGpib(name, find);
   return {name, {}, std::move(find), isLinuxGpib};
@@ -62,14 +89,16 @@ GpibLibrary OpenGpibLibrary(const std::string& wanted) {
   if (!wanted.empty()) {
     Loaded loaded = Load(wanted);
     if (loaded.Find) return Found(wanted, std::move(loaded.Find));
-    return {{}, "The GPIB library " + wanted + " can't be loaded: " + loaded.Fault, {}, false};
+    return {{}, NotLoaded(wanted, loaded.Fault), {}, false};
   }
-  std::string looked;
+  std::string looked, unusable;
   for (const char* const name : kKnown) {
     Loaded loaded = Load(name);
     if (loaded.Find) return Found(name, std::move(loaded.Find));
     looked += (looked.empty() ? "" : ", ") + std::string(name);
+    if (unusable.empty() && !IsAbsent(name, loaded.Fault)) unusable = NotLoaded(name, loaded.Fault);
   }
+  if (!unusable.empty()) return {{}, unusable, {}, false};
   return {{}, "There is no GPIB library on this computer (" + looked + "). " + kInstall, {}, false};
 }
 
