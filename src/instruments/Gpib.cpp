@@ -106,7 +106,7 @@ bool Gpib::Carries(std::string_view utf8) {
 }
 
 Done Gpib::GpibIfc() {
-  timeOuts_.clear();
+  for (auto& [address, device] : devices_) device.SendTimeOuts = device.ReadTimeOuts = 0;
   busTimeOuts_ = 0;
   if (interfaceCleared_) return {};
   RegisterOnce();
@@ -122,9 +122,9 @@ Done Gpib::GpibIfc() {
 Done Gpib::GpibOpen(int address, const std::string& initCommand, const std::string& name) {
   const AddressList addresses = ListOf(address);
   std::array<std::int16_t, 2> listeners{};
-  Impatiently(address, [&] { shell_.gpib.FindLstn(kBoard, addresses, listeners); });
+  Impatiently(address, &Device::SendTimeOuts, [&] { shell_.gpib.FindLstn(kBoard, addresses, listeners); });
   if (Failed()) return Because(GpibError("Error finding " + name));
-  Impatiently(address, [&] { shell_.gpib.SetRWLS(kBoard, addresses); });
+  Impatiently(address, &Device::SendTimeOuts, [&] { shell_.gpib.SetRWLS(kBoard, addresses); });
   if (Failed()) return Because(GpibError("Error in setting " + name + " to remote mode. "));
   if (!initCommand.empty() && !Send(address, initCommand)) return Because(GpibError("Error initializing " + name));
   shell_.delay.Delay(kOpenWaitSeconds, false);
@@ -132,32 +132,37 @@ Done Gpib::GpibOpen(int address, const std::string& initCommand, const std::stri
 }
 
 Done Gpib::GpibClose(int address, const std::string& name) {
-  Impatiently(address, [&] { shell_.gpib.EnableLocal(kBoard, ListOf(address)); });
+  Impatiently(address, &Device::SendTimeOuts, [&] { shell_.gpib.EnableLocal(kBoard, ListOf(address)); });
   if (Failed()) return Because(GpibError("Error closing " + name));
   return {};
 }
 
 template <class Call>
-void Gpib::Impatiently(int address, Call call) {
+void Gpib::Impatiently(int address, int Device::*timeOuts, Call call) {
   RegisterOnce();
-  const int timeOuts = std::max(timeOuts_[address], busTimeOuts_);
-  const bool hurried = timeOuts > 0;
-  if (hurried) shell_.gpib.ibtmo(kBoard, std::max(gpib::kT10s - timeOuts, gpib::kT100ms));
+  int& ofDevice = devices_[address].*timeOuts;
+  const int before = std::max(ofDevice, busTimeOuts_);
+  if (before > 0) shell_.gpib.ibtmo(kBoard, std::max(gpib::kT10s - before, gpib::kT100ms));
   call();
   Refresh();
-  if (Failed() && (ibsta & gpib::kTimo) != 0) ++timeOuts_[address], ++busTimeOuts_;
-  if (hurried) shell_.gpib.ibtmo(kBoard, gpib::kT10s);
-}
-
-void Gpib::Responded(int address) {
-  timeOuts_[address] = busTimeOuts_ = 0;
+  if (Failed() && (ibsta & gpib::kTimo) != 0) ++ofDevice, ++busTimeOuts_;
+  if (before > 0) shell_.gpib.ibtmo(kBoard, gpib::kT10s);
 }
 
 bool Gpib::Send(int address, const std::string& command) {
-  Impatiently(address, [&] { shell_.gpib.Send(kBoard, address, EncodeWindows1252(command), gpib::kDabEnd); });
+  Device& device = devices_[address];
+  device.LastSendFailed = true;
+  Impatiently(address, &Device::SendTimeOuts,
+              [&] { shell_.gpib.Send(kBoard, address, EncodeWindows1252(command), gpib::kDabEnd); });
   if (Failed()) return false;
-  Responded(address);
+  device.LastSendFailed = false;
+  device.ReadTimeOuts = busTimeOuts_ = 0;
   return true;
+}
+
+bool Gpib::LastSendFailed(int address) const {
+  const auto device = devices_.find(address);
+  return device != devices_.end() && device->second.LastSendFailed;
 }
 
 Done Gpib::Send(int address, const std::string& command, const std::string& failure) {
@@ -167,10 +172,11 @@ Done Gpib::Send(int address, const std::string& command, const std::string& fail
 
 bool Gpib::Receive(int address, std::string& answer, int termination, std::size_t size) {
   std::vector<char> buffer(size);
-  Impatiently(address, [&] { shell_.gpib.Receive(kBoard, address, buffer, termination); });
+  Impatiently(address, &Device::ReadTimeOuts, [&] { shell_.gpib.Receive(kBoard, address, buffer, termination); });
   answer.clear();
   if (Failed()) return false;
-  Responded(address);
+  Device& device = devices_[address];
+  device.SendTimeOuts = device.ReadTimeOuts = busTimeOuts_ = 0;
   const auto received = std::min(static_cast<std::size_t>(std::max<int>(ibcnt, 0)), size);
   answer = DecodeText({buffer.data(), received});
   const bool ended = (ibsta & gpib::kEnd) != 0 || (received > 0 && buffer[received - 1] == termination);

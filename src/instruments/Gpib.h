@@ -18,6 +18,8 @@ struct Terminator {
   std::string Text;                      ///< appended to every command
   int ReadTermination = gpib::kStopEnd;  ///< Receive argument
   void Derive(std::int32_t endOfString);
+  /// A message that is nothing but an end; an instrument without a terminator takes a line feed for one.
+  std::string Bare() const { return Text.empty() ? "\n" : Text; }
 };
 
 /// The only place that talks to the bus driver: board 0, primary addresses, no retries. Commands are UTF-8 in memory
@@ -41,6 +43,9 @@ class Gpib {
   bool Send(int address, const std::string& command);
   /// The same. @param failure  the first line of why not
   Done Send(int address, const std::string& command, const std::string& failure);
+  /// Whether the last command for the device did not get through: it may hold the beginning of it, and take the next
+  /// one onto that.
+  bool LastSendFailed(int address) const;
   /// Receives at most `size` bytes and reads the rest of a longer answer away; false when the status has ERR.
   bool Receive(int address, std::string& answer, int termination, std::size_t size = 64);
   /// Reads away whatever a device still has to say, with a 30 ms limit.
@@ -59,12 +64,17 @@ class Gpib {
  private:
   void RegisterOnce();
   void Refresh();
-  /// Does a call to a device. Where it, or the bus, timed out the last time it is waited for less and less: RF off is
-  /// tried again and again, and the windows must not freeze for minutes.
+  /// How a device has behaved since bus work started.
+  struct Device {
+    int SendTimeOuts = 0;  ///< until it answers: one that takes a command now and then hangs all the same
+    int ReadTimeOuts = 0;  ///< in a row
+    bool LastSendFailed = false;
+  };
+
+  /// Does a call to a device. Where it, or the bus, has timed out it is waited for less and less: RF off is tried again
+  /// and again, and the windows must not freeze for minutes.
   template <class Call>
-  void Impatiently(int address, Call call);
-  /// The device took or gave data: neither it nor the bus hangs.
-  void Responded(int address);
+  void Impatiently(int address, int Device::*timeOuts, Call call);
   void SetTimeLimit(int code);
   void DiscardRest(int address, int termination);
   void ReadAway(int address, int termination);
@@ -72,8 +82,8 @@ class Gpib {
 
   Shell& shell_;
   GpibStatusCells cells_;
-  std::map<int, int> timeOuts_;  ///< of calls to a device in a row, by address
-  int busTimeOuts_ = 0;          ///< of calls to any device in a row
+  std::map<int, Device> devices_;  ///< by address
+  int busTimeOuts_ = 0;            ///< of calls to any device in a row
   bool registered_ = false;
   bool interfaceCleared_ = false;
 };

@@ -9,6 +9,7 @@ namespace {
 
 constexpr const char* kName = "SigGen";
 constexpr const char* kWriteFailed = "Error in writing command to Signal Generator. ";
+constexpr const char* kOffFailed = "Error setting SigGen RF off. ";
 constexpr const char* kNoAm = "Signal Generator not capable of AM Modulation";
 constexpr const char* kNoFm = "Signal Generator not capable of FM Modulation";
 constexpr const char* kNoPulse = "Signal Generator not capable of Pulse Modulation";
@@ -104,12 +105,22 @@ Done SigGen::RfOff() {
 
 Done SigGen::SilenceRf() {
   if (!HasDefinition()) return rf_ == Rf::Off ? Done() : Because();
-  Done sent =
-      definition_.RfOff.empty() ? LowerToMinimum() : SendCommand(definition_.RfOff, "Error setting SigGen RF off. ");
+  const bool mayHoldTail = gpib_.LastSendFailed(Address());
+  Done sent = EndRf();
+  if (sent && mayHoldTail) sent = EndRfAgain();
   // After the send: had it thrown, the output would still count as on. What was off stays off.
   if (sent) rf_ = Rf::Off;
   if (!sent && rf_ == Rf::On) rf_ = Rf::Unknown;
   return sent;
+}
+
+Done SigGen::EndRf() {
+  return definition_.RfOff.empty() ? LowerToMinimum() : SendCommand(definition_.RfOff, kOffFailed);
+}
+
+Done SigGen::EndRfAgain() {
+  ForgetSent();
+  return gpib_.Send(Address(), terminator_.Bare(), kOffFailed).and_then([&] { return EndRf(); });
 }
 
 Done SigGen::LowerToMinimum() {

@@ -16,6 +16,7 @@ namespace {
 
 constexpr double kMostOvershootDb = 0.6;
 constexpr int kWholeBus = -1;
+constexpr double kTwoTimeOuts = 20;
 
 std::string Joined(const auto& cells) {
   std::string text;
@@ -226,8 +227,6 @@ void ForgetShutdownTexts(Instruments& instruments) {
 /// An instrument that dies for good: the run ends with one box about it, and one more where RF may have stayed on.
 void ExpectShortEnd(DemoRuns& station, int dead) {
   constexpr int kGenerator = 18;  // or the whole bus
-  constexpr double kTwoTimeOuts = 20;
-  const std::string kRfMayBeOn = "RF could not be switched off: switch the amplifier off by hand.";
   std::size_t failures = 0, warnings = 0;
   for (const std::string& text : MessagesShownOnce(station)) ++(text == kRfMayBeOn ? warnings : failures);
   EXPECT_LE(failures, 1U) << testing::PrintToString(station.dialogs.Texts());
@@ -247,6 +246,20 @@ TEST_P(FaultSweep, AnInstrumentThatDiesForGoodEndsTheRunSoonAndIsToldOnce) {
     Sweep("address " + std::to_string(dead) + " from bus call", undisturbed.calls, kill,
           [dead](DemoRuns& station) { ExpectShortEnd(station, dead); });
   }
+}
+
+/// A command that timed out stands half in the generator, and the next one comes onto its tail.
+TEST_P(FaultSweep, AGeneratorThatHangsAmidACommandEndsTheRunSoonAndWithRfOff) {
+  constexpr int kGenerator = 18;
+  const auto hang = [](DemoRuns& station, int call) { station.driver.FailCall(call, gpib::kEabo); };
+  const auto stutter = [](DemoRuns& station, int call) { station.driver.LetStutter(kGenerator, call); };
+  Sweep("hung at bus call", undisturbed.calls, hang, [](DemoRuns& station) {
+    EXPECT_FALSE(station.RfIsOn()) << "RF stayed on";
+    EXPECT_FALSE(station.instruments.sigGen.RfIsOn());
+    EXPECT_LE(station.driver.FrozenSeconds(), kTwoTimeOuts);
+  });
+  Sweep("stuttering from bus call", undisturbed.calls, stutter,
+        [](DemoRuns& station) { ExpectShortEnd(station, kGenerator); });
 }
 
 TEST(DeadAmplifier, TheOtherUnitIsResetWheneverOneOfThePairDies) {

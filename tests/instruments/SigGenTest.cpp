@@ -150,6 +150,29 @@ TEST_F(SigGenTest, RfCountsAsOnUntilACommandToEndItGotThrough) {
   EXPECT_EQ(sigGen.RfState(), Rf::Off) << "what was off does not go on by itself";
 }
 
+TEST_F(SigGenTest, BehindACommandThatHungRfOffGoesOutTwiceAndBeforeAnythingThatEndsThatCommand) {
+  const std::tuple<int, const char*, Strings> cases[] = {
+      {0, "OUTP OFF", {"OUTP OFF", "\\n", "OUTP OFF"}},
+      {1, "OUTP OFF", {"OUTP OFF\\r", "\\r", "OUTP OFF\\r"}},
+      {2, "OUTP OFF", {"OUTP OFF\\r\\n", "\\r\\n", "OUTP OFF\\r\\n"}},
+      {0, "", {"POW -120.0 DBM", "FREQ 0.1 MHZ", "\\n", "POW -120.0 DBM", "FREQ 0.1 MHZ"}}};
+  for (const auto& [endOfString, rfOff, sent] : cases) {
+    SCOPED_TRACE(testing::PrintToString(sent));
+    TestStation s;
+    Redefine(s.sigGen, [&, code = endOfString, off = rfOff](auto& d) { d.EndOfString = code, d.RfOff = off; });
+    s.RfOnAt(100, -20);
+    s.bus.FailLine("> 18 POW -21.0", gpib::kEabo);
+    EXPECT_FALSE(s.sigGen.SetFreqLevel(100, -21));
+    s.bus.transcript.Clear();
+    EXPECT_TRUE(s.sigGen.SilenceRf());
+    EXPECT_EQ(s.bus.transcript.SentTo(18), sent);
+    EXPECT_EQ(s.sigGen.RfState(), Rf::Off);
+    s.bus.transcript.Clear();
+    EXPECT_TRUE(s.sigGen.SilenceRf());
+    EXPECT_LE(s.bus.transcript.SentTo(18).size(), 1U) << "it got through";
+  }
+}
+
 TEST_F(SigGenTest, IsLeftAtItsMinimumWhateverItsStateAtShutdown) {
   RfOnAt(200, -10);
   Out(sigGen.RfOff());

@@ -10,7 +10,7 @@ namespace hylden {
 std::optional<int> CallFailures::FailureOf(const std::string& line) {
   if (++calls_ == throwAt_) throw std::runtime_error("the driver's library broke");
   if (always_) return always_;
-  if (IsToDeadDevice(line) || IsOnDeadBus(line)) return gpib::kEabo;
+  if (IsToDeadDevice(line) || IsOnDeadBus(line) || IsStuttered(line)) return gpib::kEabo;
   if (const auto failure = atCall_.find(calls_); failure != atCall_.end()) return failure->second;
   const auto match = std::find_if(atLine_.begin(), atLine_.end(),
                                   [&](const auto& failure) { return line.starts_with(failure.first); });
@@ -24,6 +24,12 @@ bool CallFailures::IsToDeadDevice(const std::string& line) const {
   if (!line.starts_with("> ") && !line.starts_with("< ")) return false;
   const auto device = dead_.find(std::atoi(line.c_str() + 2));
   return device != dead_.end() && calls_ >= device->second;
+}
+
+bool CallFailures::IsStuttered(const std::string& line) {
+  const auto device = stuttering_.find(std::atoi(line.c_str() + std::min<std::size_t>(2, line.size())));
+  if (!line.starts_with("> ") || device == stuttering_.end() || calls_ < device->second.From) return false;
+  return device->second.Last = !device->second.Last;
 }
 
 bool CallFailures::IsOnDeadBus(const std::string& line) const {

@@ -19,6 +19,8 @@ class CallFailures {
   void FailLine(const std::string& beginning, int error) { atLine_.emplace_back(beginning, error); }
   /// From the n-th call on a device is dead: whatever is sent to it or asked of it times out.
   void Kill(int address, int n = 1) { dead_[address] = calls_ + n; }
+  /// From the n-th call on every other send to a device times out.
+  void LetStutter(int address, int n) { stuttering_[address] = {calls_ + n, false}; }
   /// From the n-th call on the bus hangs: every call that waits for a device times out.
   void KillBus(int n = 1) { deadBus_ = calls_ + n; }
   /// Fails every call from now on, as when the cable is pulled; nothing mends it.
@@ -30,6 +32,7 @@ class CallFailures {
   /// Counts a call; its error when it is to fail.
   std::optional<int> FailureOf(const std::string& line);
   bool IsToDeadDevice(const std::string& line) const;
+  bool IsStuttered(const std::string& line);
   bool IsOnDeadBus(const std::string& line) const;
 
  private:
@@ -38,6 +41,11 @@ class CallFailures {
   std::map<int, int> atCall_;
   std::vector<std::pair<std::string, int>> atLine_;
   std::map<int, int> dead_;  ///< by address: the first call that fails
+  struct Stutter {
+    int From;
+    bool Last;  ///< the last send timed out
+  };
+  std::map<int, Stutter> stuttering_;  ///< by address
   std::optional<int> deadBus_;
   std::optional<int> always_;
 };

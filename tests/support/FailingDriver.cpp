@@ -1,6 +1,7 @@
 #include "support/FailingDriver.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace hylden {
 
@@ -51,7 +52,13 @@ void FailingDriver::ibtmo(int board, int code) {
 
 void FailingDriver::Send(int board, int address, std::string_view bytes, int eotMode) {
   sent_[address].emplace_back(bytes);
-  if (!Fails("> " + std::to_string(address) + " " + Escaped(bytes))) inner_->Send(board, address, bytes, eotMode);
+  std::string& tail = tails_[address];
+  tail += bytes;
+  if (!Fails("> " + std::to_string(address) + " " + Escaped(bytes)))
+    return inner_->Send(board, address, std::exchange(tail, {}), eotMode);
+  const bool hangs = cells_ && (cells_->status & gpib::kTimo) != 0;
+  while (!tail.empty() && (tail.back() == '\r' || tail.back() == '\n')) tail.pop_back();
+  hangs && !tail.empty() ? tail.pop_back() : tail.clear();
 }
 
 void FailingDriver::Receive(int board, int address, std::span<char> buffer, int termination) {

@@ -11,7 +11,8 @@
 namespace hylden {
 
 /// Passes every call on to another driver, lets chosen calls fail without reaching it, and spoils answers. Reads are
-/// counted from now (1 is the next); those under the 30 ms time limit (drains) don't count.
+/// counted from now (1 is the next); those under the 30 ms time limit (drains) don't count. A send that times out
+/// leaves all but the end of its command in the device, which takes the next one onto that tail.
 class FailingDriver : public GpibDriver, public CallFailures {
  public:
   explicit FailingDriver(GpibDriver& inner) : inner_(&inner) {}
@@ -49,6 +50,7 @@ class FailingDriver : public GpibDriver, public CallFailures {
   int timeLimit_ = gpib::kT10s;
   double frozenSeconds_ = 0;
   std::map<int, std::vector<std::string>> sent_;
+  std::map<int, std::string> tails_;
   std::map<int, std::optional<std::string>> garbled_;
 };
 
