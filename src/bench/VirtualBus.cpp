@@ -32,6 +32,21 @@ bool VirtualBus::IsRemote(int address) const {
   return device && device->Remote;
 }
 
+std::string VirtualBus::TerminatorOf(int address) const {
+  const Device* const device = At(address);
+  return device && !device->Instruments.empty() ? device->Instruments.front()->Terminator() : std::string();
+}
+
+std::optional<std::int64_t> VirtualBus::AnswerReadyMs(int address) const {
+  const Device* const device = At(address);
+  if (!device || device->Answers.empty()) return std::nullopt;
+  return device->Answers.front().ReadyMs;
+}
+
+void VirtualBus::ClearDevice(int address) {
+  if (Device* const device = At(address)) device->Answers.clear();
+}
+
 const VirtualBus::Device* VirtualBus::At(int address) const {
   if (address < 0 || address >= static_cast<int>(devices_.size())) return nullptr;
   return &devices_[static_cast<std::size_t>(address)];

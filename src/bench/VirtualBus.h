@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -41,6 +42,15 @@ class VirtualBus : public GpibDriver {
   bool Listens(int address) const;
   /// Whether the device at the address was put in remote and not yet returned to local.
   bool IsRemote(int address) const;
+
+  /// What ends the messages to the device at the address; nothing where none stands.
+  std::string TerminatorOf(int address) const;
+  /// When the device at the address has an answer for whoever reads it; nothing when it has none.
+  std::optional<std::int64_t> AnswerReadyMs(int address) const;
+  /// The device forgets the answers that nobody has fetched.
+  void ClearDevice(int address);
+  /// The time limit of the calls to come, as ibtmo sets it by its code.
+  void SetTimeLimitMs(std::int64_t milliseconds) { timeLimitMs_ = milliseconds; }
 
   /// Told what time a call takes on a real bus, ms: a command about 2, a read that nobody answers its time limit. A
   /// virtual clock can be advanced here; nothing by default.

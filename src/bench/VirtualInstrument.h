@@ -24,6 +24,8 @@ class VirtualInstrument {
   virtual ~VirtualInstrument() = default;
 
   BenchRole Role() const { return role_; }
+  /// What ends a message to it, and its answers.
+  const std::string& Terminator() const { return terminator_; }
   /// A message from the bus. A bare terminator is understood and does nothing.
   Heard Hear(std::string_view message);
   /// The answer of an instrument that talks whenever it is addressed; nothing when it wants to be asked.
