@@ -22,6 +22,8 @@ class ConsoleEventLoop : public EventLoop {
   void Yield(std::int64_t deadlineMs = kNoDeadline) override;
   /// Waits for bytes, or the end of them, on a file descriptor; false once a request to stop has come.
   bool AwaitInput(int descriptor);
+  /// Readable when a request to stop has arrived; the next Yield takes it.
+  int Descriptor() const { return signals_.Descriptor(); }
   /// Whether any request to stop has arrived.
   bool StopRequested() const { return stopRequested_; }
 
