@@ -10,7 +10,7 @@ Shell::Shell(const Platform& platform, const Directories& directories)
       events(platform.events),
       speaker(platform.speaker),
       printer(platform.printer),
-      gpib(platform.gpib),
+      gpib(platform.gpib, platform.clock),
       settings(directories),
       log(settings, clock),
       delay(dialogs, clock, events) {

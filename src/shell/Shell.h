@@ -6,10 +6,10 @@
 #include "platform/Clock.h"
 #include "platform/Dialogs.h"
 #include "platform/EventLoop.h"
-#include "platform/GpibDriver.h"
 #include "platform/Platform.h"
 #include "platform/Printer.h"
 #include "platform/Speaker.h"
+#include "platform/TracedGpib.h"
 #include "shell/BDelay.h"
 #include "shell/EndOfProgram.h"
 #include "shell/Failure.h"
@@ -29,7 +29,7 @@ class Shell {
   EventLoop& events;
   Speaker& speaker;
   Printer& printer;
-  GpibDriver& gpib;
+  TracedGpib gpib;  ///< the platform's driver, with a trace of all that goes over the bus
   INISettings settings;
   RunLog log;
   BDelay delay;
@@ -44,6 +44,8 @@ class Shell {
   void ReleaseInstruments() { run_ = nullptr; }
   /// A run has the instruments.
   bool InstrumentsClaimed() const { return run_ != nullptr; }
+  /// The one that has them; null when nobody has.
+  const RunAtWork* AtWork() const { return run_; }
 
   /// Shows the boxes of a failure. While a run has the instruments, RF goes off first.
   void Tell(const Failure& failure);
