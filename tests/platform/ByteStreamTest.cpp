@@ -103,6 +103,17 @@ TEST(TcpStream, DoesNotWriteToAnEndThatHasClosedMeanwhile) {
   EXPECT_EQ(stream.Write("RF OFF\n", Soon()), Outcome::Done);
 }
 
+TEST(TcpStream, TellsWhetherWhatWasWrittenHasArrived) {
+  ScriptedPeer peer({}, ScriptedPeer::On::DeafPort);
+  TcpStream stream("127.0.0.1", peer.Port());
+  ASSERT_EQ(stream.Open(Soon()), Outcome::Done);
+  ASSERT_EQ(stream.Write("RF OFF\n", Soon()), Outcome::Done);
+  EXPECT_EQ(stream.Flush(Soon()), Outcome::Done);
+  EXPECT_EQ(stream.Write(std::string(std::size_t{32} << 20, 'x'), Never()), Outcome::TimedOut);
+  EXPECT_EQ(stream.Flush(Never()), Outcome::TimedOut);
+  EXPECT_EQ(stream.Fault(), stream.Name() + " has not taken what was sent last.");
+}
+
 TEST(ByteStream, SaysInWordsWhyItCannotBeOpened) {
   const std::string port = std::to_string(ScriptedPeer::FreePort());
   const struct {

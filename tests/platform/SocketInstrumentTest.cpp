@@ -101,6 +101,16 @@ TEST(SocketInstrument, FailsInWordsWhenItClosesInAnAnswerAndConnectsAgainForTheN
   EXPECT_EQ(socket.driver.Way(18), "socket:127.0.0.1:" + std::to_string(peer.Port()) + ", connected");
 }
 
+TEST(SocketInstrument, DoesNotJoinTheHalfOfACommandWithTheNextOne) {
+  ScriptedPeer peer({}, ScriptedPeer::On::DeafPort);
+  Socket socket(peer);
+  ASSERT_TRUE(socket.Clear());
+  socket.Hurry();
+  EXPECT_FALSE(socket.Send(std::string(std::size_t{32} << 20, 'x')));
+  EXPECT_TRUE(socket.IsLate());
+  EXPECT_TRUE(socket.Send("RF OFF")) << "on a connection of its own";
+}
+
 TEST(SocketInstrument, HasNothingToReadOnAConnectionThatIsMadeAgain) {
   ScriptedPeer peer([](const std::string&) { return Reply{"", true}; });
   Socket socket(peer);

@@ -46,16 +46,16 @@ bool Await(Condition condition) {
 }  // namespace
 
 ScriptedPeer::ScriptedPeer(Script script, On on) : script_(std::move(script)) {
-  on == On::Port ? Listen() : OpenTerminal();
-  if (pipe2(wake_, O_CLOEXEC) == 0) thread_ = std::thread([this] { Serve(); });
+  on == On::Terminal ? OpenTerminal() : Listen();
+  if (on != On::DeafPort && pipe2(wake_, O_CLOEXEC) == 0) thread_ = std::thread([this] { Serve(); });
 }
 
 ScriptedPeer::~ScriptedPeer() {
-  close(wake_[1]);
-  thread_.join();
+  CloseIfOpen(wake_[1]);
+  if (thread_.joinable()) thread_.join();
   Hang();
   CloseIfOpen(listener_);
-  close(wake_[0]);
+  CloseIfOpen(wake_[0]);
 }
 
 void ScriptedPeer::Listen() {

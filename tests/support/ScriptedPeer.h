@@ -17,7 +17,7 @@ class ScriptedPeer {
     bool Closes = false;  ///< ends the connection behind them
   };
   using Script = std::function<Reply(const std::string& line)>;
-  enum class On { Port, Terminal };
+  enum class On { Port, Terminal, DeafPort };  ///< a deaf one takes connections, and never reads
 
   /// By default it is silent.
   explicit ScriptedPeer(Script script = {}, On on = On::Port);

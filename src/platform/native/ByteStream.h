@@ -25,6 +25,8 @@ class ByteStream {
   virtual Outcome Write(std::string_view bytes, Deadline deadline) = 0;
   /// Waits for at least one byte, and appends what is there, at most `most`.
   virtual Outcome Read(std::string& bytes, std::size_t most, Deadline deadline) = 0;
+  /// Waits until the other end's machine has acknowledged what was written, where the system can tell.
+  virtual Outcome Flush(Deadline) { return IsOpen() ? Outcome::Done : Outcome::Lost; }
   /// Why the last call did not come to Done, in words.
   virtual std::string Fault() const = 0;
   /// As the settings name it: "tcp:HOST:PORT", "serial:DEVICE,BAUD".

@@ -23,18 +23,18 @@ class FdStream : public ByteStream {
   /// Takes a descriptor that does not block, and from here on closes it.
   void Adopt(int fd);
   void Close();
+  int Fd() const { return fd_; }
   /// Closes the stream, for this reason.
   Outcome Lose(const std::string& fault);
   /// Waits for an event on a descriptor, at least as long as to look once; what there is of it, 0 when it is late.
   static short Await(int fd, short events, Deadline deadline);
+  Outcome Late(const char* what);
   /// Writes as much as goes.
   virtual ssize_t Put(int fd, std::string_view bytes) const = 0;
   /// Why an open stream is lost, in words. @param error  of the system; 0: the other end has closed it
   virtual std::string WhyLost(int error) const = 0;
 
  private:
-  Outcome Late(const char* what);
-
   int fd_ = -1;
   std::string fault_ = "not opened yet";
 };

@@ -49,7 +49,9 @@ void SocketInstrument::SetRWLS(int board, std::span<const std::int16_t>) {
 }
 
 void SocketInstrument::EnableLocal(int board, std::span<const std::int16_t>) {
-  if (!Refused(board)) Finish(Outcome::Done);
+  if (Refused(board)) return;
+  // A command to an instrument without power or cable passes as sent at first, RF off too.
+  Finish(Stands() ? Stream().Flush(Limit()) : Outcome::Done);
 }
 
 void SocketInstrument::Send(int board, int, std::string_view bytes, int eotMode) {

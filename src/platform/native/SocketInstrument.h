@@ -16,8 +16,9 @@ class SocketInstrument : public StreamGpib {
   void SendIFC(int board) override;
   /// Finds the instrument when the connection stands or can be made; drops what it said unasked.
   void FindLstn(int board, std::span<const std::int16_t> addresses, std::span<std::int16_t> results) override;
-  /// There is no remote control to take or give back: both succeed, and do nothing.
+  /// There is no remote control to take: succeeds, and does nothing.
   void SetRWLS(int board, std::span<const std::int16_t> addresses) override;
+  /// Nor to give back. It is the last call to an instrument: fails where what was sent has not reached its machine.
   void EnableLocal(int board, std::span<const std::int16_t> addresses) override;
   void Send(int board, int address, std::string_view bytes, int eotMode) override;
   void Receive(int board, int address, std::span<char> buffer, int termination) override;

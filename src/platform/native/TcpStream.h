@@ -16,6 +16,7 @@ class TcpStream : public FdStream {
 
   /// The look-up of a name may take longer than the deadline: only the system knows when it gives up.
   Outcome Open(Deadline deadline) override;
+  Outcome Flush(Deadline deadline) override;
   std::string Name() const override { return "tcp:" + Place(); }
 
  private:
