@@ -42,7 +42,7 @@ int StartUntilIdle(int argc, char** argv) {
   QtSpeaker speaker;
   QtPrinter printer;
   SingleInstance instance;
-  Bus bus{BusChoice()};
+  Bus bus(BusChoice(), events, clock);
   Shell shell(Platform{dialogs, clock, events, speaker, printer, bus.Driver()}, home.Path());
   Station station(shell);
   Desktop desktop(station);

@@ -70,26 +70,30 @@ bool ConsoleStation::SetUp() {
   shell_ = std::make_unique<Shell>(Platform{dialogs_, TheClock(), TheLoop(), speaker_, printer_, bus_->Driver()},
                                    ProgramDirectories());
   station_ = std::make_unique<Station>(*shell_, bus_->SimulatedBench());
-  if (options_.UseBench) {
-    TheShell().runNotice = kSimulatedBenchText;
-    std::cout << kSimulatedBenchText << '\n' << std::flush;
-  }
+  TheShell().runNotice = notice_;
+  if (!notice_.empty()) std::cout << notice_ << '\n' << std::flush;
   return station_->LoadEquipment(options_.EquipmentFile) && station_->Apply();
 }
 
+/// The bench alone where the options say so, else what the settings choose.
+BusChoice ConsoleStation::ChooseBus() {
+  if (options_.UseBench) return {.Others = {BusWay::Kind::Bench}, .BenchFile = options_.BenchFile};
+  INISettings settings(ProgramDirectories());
+  BusChoice choice = ChosenBus(settings);
+  if (const std::string faults = choice.FaultText(); !faults.empty()) Tell(faults);
+  if (!choice.BenchFile.empty()) choice.BenchFile = BenchPath(choice.BenchFile, ProgramDirectories());
+  return choice;
+}
+
 bool ConsoleStation::MakeBus() {
-  if (!options_.UseBench) {
-    if (!instance_.Claim()) {
-      Tell(kAnotherInstanceText);
-      return false;
-    }
-    INISettings settings(ProgramDirectories());
-    bus_ = std::make_unique<Bus>(ChosenBus(settings));
-    return true;
+  if (!options_.UseBench && !instance_.Claim()) {
+    Tell(kAnotherInstanceText);
+    return false;
   }
+  const BusChoice choice = ChooseBus();
   BenchConfig config;
-  if (!options_.BenchFile.empty()) {
-    BenchFile file = LoadBenchFile(options_.BenchFile);
+  if (choice.UsesBench() && !choice.BenchFile.empty()) {
+    BenchFile file = LoadBenchFile(choice.BenchFile);
     if (!file.Ok()) {
       std::cerr << file.Error << '\n';
       return false;
@@ -97,7 +101,8 @@ bool ConsoleStation::MakeBus() {
     config = std::move(file.Config);
   }
   if (options_.Seed) config.Seed = *options_.Seed;
-  bus_ = std::make_unique<Bus>(TheClock(), config);
+  bus_ = std::make_unique<Bus>(choice, TheLoop(), TheClock(), config);
+  notice_ = choice.BenchNotice();
   if (options_.VirtualTime)
     bus_->SimulatedBench()->Bus().passTime = [this](std::int64_t ms) { virtualClock_.Advance(ms); };
   return true;

@@ -22,6 +22,7 @@
 namespace hylden {
 
 class Bus;
+struct BusChoice;
 
 /// Further titles of questions that "--yes" confirms.
 namespace question {
@@ -76,6 +77,7 @@ class ConsoleStation {
   Clock& TheClock();
   EventLoop& TheLoop();
   ConsoleDialogsOptions DialogOptions();
+  BusChoice ChooseBus();
   bool MakeBus();
   bool MayReplace(const std::string& file, const std::string& question);
   std::string PlaceToSave();
@@ -94,6 +96,7 @@ class ConsoleStation {
   SingleInstance instance_;
   ConsoleOutput output_;
   std::unique_ptr<Bus> bus_;
+  std::string notice_;  ///< of the simulated bench
   std::unique_ptr<Shell> shell_;
   std::unique_ptr<Station> station_;
   std::int64_t elapsedMs_ = 0;

@@ -55,15 +55,15 @@ Desktop::Desktop(Station& station, DesktopOptions options)
       documents_(station.documents),
       options_(std::move(options)),
       menu_(std::make_unique<TopMenu>()),
-      bench_(std::make_unique<BenchWindows>(station.bench, menu_->windowIcon())),
+      bench_(std::make_unique<BenchWindows>(station.bench, shell_, menu_->windowIcon())),
       helpFile_(HelpFileIn(shell_.settings.ProgramDirectory())),
       cableCalibration_(std::make_unique<RunCablCal>(shell_, instruments_)) {
   menu_->SetTitle(VersionTitle());
   QApplication::setWindowIcon(menu_->windowIcon());
   if (bench_->Present()) {
-    ShowBenchNotice(*menu_);
+    if (shell_.runNotice.empty()) shell_.runNotice = kSimulatedBenchText;
+    ShowBenchNotice(*menu_, shell_.runNotice);
     menu_->OfferBench();
-    shell_.runNotice = kSimulatedBenchText;
   } else if (HasDemoStation(shell_.settings.SharedDirectory())) {
     menu_->OfferDemo();
   }

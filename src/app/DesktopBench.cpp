@@ -9,17 +9,19 @@
 #include "app/DesktopBeside.h"
 #include "bench/Bench.h"
 #include "bench/qt/frmBench.h"
+#include "shell/Shell.h"
 #include "shell/qt/WorkingForm.h"
 
 namespace hylden {
 
-BenchWindows::BenchWindows(Bench* bench, QIcon icon) : bench_(bench), icon_(std::move(icon)) {}
+BenchWindows::BenchWindows(Bench* bench, const Shell& shell, QIcon icon)
+    : bench_(bench), shell_(shell), icon_(std::move(icon)) {}
 
 BenchWindows::~BenchWindows() = default;
 
 void BenchWindows::Announce(QMainWindow& window) {
   if (!Present()) return;
-  QToolBar& notice = ShowBenchNotice(window);
+  QToolBar& notice = ShowBenchNotice(window, shell_.runNotice);
   QAction* const open = notice.addAction(QStringLiteral("Bench Panel"));
   open->setObjectName(QStringLiteral("mnuBench"));
   open->setShortcut(Qt::CTRL | Qt::Key_B);
@@ -36,7 +38,7 @@ void BenchWindows::Cable(MeterAt place) {
 void BenchWindows::MakePanel() {
   panel_ = std::make_unique<frmBench>(*bench_);
   panel_->setWindowIcon(icon_);
-  ShowBenchNotice(*panel_);
+  ShowBenchNotice(*panel_, shell_.runNotice);
   connect(panel_.get(), &frmBench::HelpRequested, this, &BenchWindows::HelpRequested);
   connect(panel_.get(), &frmBench::EscapePressed, this, &BenchWindows::EscapePressed);
   // At the right edge of the screen it leaves the most of a run window in sight.

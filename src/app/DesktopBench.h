@@ -9,6 +9,7 @@ class QMainWindow;
 namespace hylden {
 
 class Bench;
+class Shell;
 class frmBench;
 enum class MeterAt : int;
 
@@ -18,8 +19,9 @@ class BenchWindows : public QObject {
   Q_OBJECT
 
  public:
-  /// @param bench  none when null; must outlive the windows
-  BenchWindows(Bench* bench, QIcon icon);
+  /// @param bench  none when null
+  /// @param shell  its notice is the windows'. Both must outlive the windows.
+  BenchWindows(Bench* bench, const Shell& shell, QIcon icon);
   ~BenchWindows() override;
 
   bool Present() const { return bench_ != nullptr; }
@@ -42,6 +44,7 @@ class BenchWindows : public QObject {
   void MakePanel();
 
   Bench* bench_;
+  const Shell& shell_;
   QIcon icon_;
   std::unique_ptr<frmBench> panel_;  ///< from its first opening on
 };

@@ -1,7 +1,6 @@
 #include "app/DesktopProgram.h"
 
 #include <QScopeGuard>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -25,16 +24,6 @@ namespace hylden {
 
 namespace {
 
-/// A relative path starts at the program directory, or beside the settings of all users.
-std::string BenchPath(const std::string& file, const Directories& directories) {
-  const std::filesystem::path common = std::filesystem::path(directories.Common) / file;
-  const std::filesystem::path own = std::filesystem::path(directories.Program) / file;
-  std::error_code ignored;
-  const bool useCommon =
-      !directories.Common.empty() && !std::filesystem::exists(own, ignored) && std::filesystem::exists(common, ignored);
-  return useCommon ? common.string() : own.string();
-}
-
 /// The bench as the settings name it. A file that can't be used is told, and leaves the bench its ordinary values:
 /// never the machine's own bus.
 BenchConfig ConfiguredBench(const std::string& file, const Directories& directories, Dialogs& dialogs) {
@@ -47,11 +36,11 @@ BenchConfig ConfiguredBench(const std::string& file, const Directories& director
   return {};
 }
 
-std::unique_ptr<Bus> MakeBus(const Directories& directories, const Clock& clock, Dialogs& dialogs) {
+BusChoice ConfiguredBus(const Directories& directories, Dialogs& dialogs) {
   INISettings settings(directories);
-  const BusChoice choice = ChosenBus(settings);
-  if (!choice.UseBench) return std::make_unique<Bus>(choice);
-  return std::make_unique<Bus>(clock, ConfiguredBench(choice.BenchFile, directories, dialogs));
+  BusChoice choice = ChosenBus(settings);
+  if (const std::string faults = choice.FaultText(); !faults.empty()) dialogs.Tell(faults, MessageIcon::Exclamation);
+  return choice;
 }
 
 int RunOn(DesktopApplication& application, QtDialogs& dialogs, const std::string& commandLine) {
@@ -61,9 +50,12 @@ int RunOn(DesktopApplication& application, QtDialogs& dialogs, const std::string
   QtPrinter printer;
   SingleInstance instance;
   const Directories directories = ProgramDirectories();
-  const std::unique_ptr<Bus> bus = MakeBus(directories, clock, dialogs);
-  Shell shell(Platform{dialogs, clock, events, speaker, printer, bus->Driver()}, directories);
-  Station station(shell, bus->SimulatedBench());
+  const BusChoice choice = ConfiguredBus(directories, dialogs);
+  Bus bus(choice, events, clock,
+          choice.UsesBench() ? ConfiguredBench(choice.BenchFile, directories, dialogs) : BenchConfig());
+  Shell shell(Platform{dialogs, clock, events, speaker, printer, bus.Driver()}, directories);
+  shell.runNotice = choice.BenchNotice();
+  Station station(shell, bus.SimulatedBench());
 
   printer.pdfDirectory = [&] { return shell.settings.GetDataDir(datakind::kTestResults); };
 

@@ -130,7 +130,7 @@ std::vector<SystemFinding> CheckSystem(Station& station, const std::string& help
   const bool hasHelp =
       QFileInfo::exists(ToQt(helpFile)) || QFileInfo::exists(ToQt(settings.SharedDirectory() + "/hylden.hlp"));
   findings.push_back({"Manual", hasHelp ? "found" : helpFile + " (not there)", hasHelp});
-  findings.push_back({"Bus", station.bench ? kSimulatedBenchText : "the computer's own"});
+  findings.push_back({"Bus", station.bench ? station.shell.runNotice : "the computer's own"});
   for (const std::string_view kind :
        {datakind::kEquip, datakind::kCalibrations, datakind::kTestSetups, datakind::kTestResults, datakind::kCables,
         datakind::kFactors, datakind::kProbes, datakind::kFreqList, datakind::kInsertionLoss})

@@ -62,27 +62,35 @@ void BusRouter::Spread(std::span<const std::int16_t> addresses, Call call) {
   }
   for (auto& [driver, list] : parts) {
     list.push_back(gpib::kNoAddr);
-    if (!call(*driver, list) || Failed()) return;
+    if (!call(*driver, list)) return;
   }
 }
 
+/// Of several ways, as when all addresses are looked through, those that are not there are passed over.
 void BusRouter::FindLstn(int board, std::span<const std::int16_t> addresses, std::span<std::int16_t> results) {
   std::size_t count = 0;
+  bool isFound = false;
+  GpibStatusCells status;
   Spread(addresses, [&](GpibDriver& driver, const std::vector<std::int16_t>& list) {
-    if (!IsReady(driver, board, true)) return false;
     std::vector<std::int16_t> found(results.size() - count, gpib::kNoAddr);
-    driver.FindLstn(board, list, found);
+    if (IsReady(driver, board, true)) driver.FindLstn(board, list, found);
+    if (!cells_ || Failed()) return true;
     for (std::size_t i = 0; i < found.size() && found[i] != gpib::kNoAddr; ++i) results[count++] = found[i];
+    isFound = true;
+    status = *cells_;
     return true;
   });
   if (count < results.size()) results[count] = gpib::kNoAddr;
+  if (!isFound) return;
+  *cells_ = status;
+  cells_->count = cells_->longCount = static_cast<std::int32_t>(count);
 }
 
 void BusRouter::SetRWLS(int board, std::span<const std::int16_t> addresses) {
   Spread(addresses, [&](GpibDriver& driver, const std::vector<std::int16_t>& list) {
     if (!IsReady(driver, board)) return false;
     driver.SetRWLS(board, list);
-    return true;
+    return !Failed();
   });
 }
 
@@ -90,7 +98,7 @@ void BusRouter::EnableLocal(int board, std::span<const std::int16_t> addresses) 
   Spread(addresses, [&](GpibDriver& driver, const std::vector<std::int16_t>& list) {
     if (!IsReady(driver, board)) return false;
     driver.EnableLocal(board, list);
-    return true;
+    return !Failed();
   });
 }
 

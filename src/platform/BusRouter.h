@@ -39,7 +39,7 @@ class BusRouter : public GpibDriver {
   /// @param again  also where that failed before
   /// @return whether it can be called; the status says why not
   bool IsReady(GpibDriver& driver, int board, bool again = false);
-  /// Does a call on every way of the list, with the part of the list that it serves, up to the first that fails.
+  /// Does a call on every way of the list, with the part of the list that it serves, until a call returns false.
   template <class Call>
   void Spread(std::span<const std::int16_t> addresses, Call call);
 

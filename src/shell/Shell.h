@@ -35,7 +35,8 @@ class Shell {
   BDelay delay;
   EndOfProgram end;
 
-  /// What the run log has to say of every run: that no instrument is driven. Empty where instruments are.
+  /// What the run log has to say of every run, and every window: which instruments are only simulated. Empty where none
+  /// is.
   std::string runNotice;
 
   /// Gives a run the instruments until it releases them.

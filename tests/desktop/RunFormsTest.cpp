@@ -316,13 +316,14 @@ TEST_F(RunForms, EveryUnitOfTheMenusIsShownUnderItsCaptionAndTheRecordStays) {
 TEST_F(RunForms, BenchIsAnnouncedOnEveryWindowOfTheRun) {
   m.LoadTest("substitution-am.tst");
   form = std::make_unique<frmRunTest>(m.shell, m.instruments, m.documents);
+  m.shell.runNotice = "SIMULATED BENCH: address 13";
   form->SetSimulated();
   form->OpenFrom(&caller);
   form->Load();
   const auto expectNotice = [](QWidget& window) {
     auto& notice = Find<QLabel>(window, "lblBench");
     EXPECT_TRUE(notice.isVisible());
-    EXPECT_TRUE(notice.text().contains(QLatin1String("SIMULATED BENCH")));
+    EXPECT_EQ(notice.text().toStdString(), "SIMULATED BENCH: address 13");
   };
   expectNotice(Buttons());
   InManualMode(2, [&] {

@@ -341,7 +341,7 @@ int TakePictures(const QString& output) {
   QtDialogs dialogs;
   SilentSpeaker speaker;
   QtPrinter printer;
-  Bus bus(clock, LoadBenchFile("bench.txt").Config);
+  Bus bus({.Others = {BusWay::Kind::Bench}}, events, clock, LoadBenchFile("bench.txt").Config);
   Shell shell(Platform{dialogs, clock, events, speaker, printer, bus.Driver()}, home.path().toStdString());
   Station station(shell, bus.SimulatedBench());
   Desktop desktop(station);

@@ -62,9 +62,10 @@ TEST_F(BusRouterTest, AListIsSplitAndTheBoardsOwnAddressStaysWithTheBoard) {
   Find(18);
   EXPECT_EQ(found_[0], 18);
   Find(13);
-  const std::int16_t both[] = {13, 18, gpib::kNoAddr};
-  router_.FindLstn(0, both, found_);
+  const std::int16_t both[] = {13, 18, gpib::kNoAddr}, all[] = {25, 13, 18, gpib::kNoAddr};
+  router_.FindLstn(0, all, found_);
   EXPECT_THAT(found_, ElementsAre(13, 18));
+  EXPECT_EQ(cells_.longCount, 2);
   router_.EnableLocal(0, both);
   EXPECT_THAT(lan_.lists, ElementsAre(ElementsAre(18, -1), ElementsAre(18, -1)));
   EXPECT_THAT(board_.lists, ElementsAre(ElementsAre(0, 13, -1), ElementsAre(13, -1)));

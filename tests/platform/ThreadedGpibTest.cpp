@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "platform/EventLoop.h"
-#include "platform/native/GpibTimeLimit.h"
 #include "support/ScriptedBus.h"
 
 namespace hylden {
@@ -169,15 +168,6 @@ TEST_F(PatientBehindALateCall, RfOffGoesOutAfterItUnderTheLimitInForce) {
   bus_->Send(0, 18, "RF OFF", gpib::kDabEnd);
   EXPECT_EQ(cells_.status & gpib::kErr, 0);
   EXPECT_THAT(inner_.Lines(), ElementsAre("TMO 1", "< 7 !6", "TMO 13", "> 18 RF OFF"));
-}
-
-TEST(GpibTimeLimitTest, CodesAreOfTheirTime) {
-  using namespace std::chrono_literals;
-  EXPECT_EQ(GpibTimeLimit(1), 10us);
-  EXPECT_EQ(GpibTimeLimit(gpib::kT30ms), 30ms);
-  EXPECT_EQ(GpibTimeLimit(gpib::kT100ms), 100ms);
-  EXPECT_EQ(GpibTimeLimit(gpib::kT10s), 10s);
-  EXPECT_EQ(GpibTimeLimit(0), 1000s);
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "platform/EventLoop.h"
-#include "platform/native/GpibTimeLimit.h"
+#include "platform/GpibTimeLimit.h"
 
 #ifndef _WIN32
 #include <csignal>
@@ -21,6 +21,10 @@ namespace {
 
 constexpr const char* kCheck =
     " Check the bus, its adapter and the cables; if that does not help, start the program again.";
+
+BusPatience::Time TimeLimit(int code) {
+  return std::chrono::milliseconds(gpib::TimeLimitMs(code));
+}
 
 std::string To(int address) {
   return " to address " + std::to_string(address);
@@ -68,9 +72,9 @@ struct ThreadedGpib::Worker {
   bool Ends = false;
   std::string Chatter;
   // Only of the owner.
-  BusPatience::Time Limit = GpibTimeLimit(gpib::kT10s);  // what boards begin with
-  Instant LateUntil;                                     // a call that was given up is waited for until then
-  std::optional<int> MissedLimit;                        // could not be set while a call was stuck
+  BusPatience::Time Limit = TimeLimit(gpib::kT10s);  // what boards begin with
+  Instant LateUntil;                                 // a call that was given up is waited for until then
+  std::optional<int> MissedLimit;                    // could not be set while a call was stuck
 };
 
 ThreadedGpib::ThreadedGpib(std::unique_ptr<GpibDriver> driver, EventLoop& events, const BusPatience& patience)
@@ -235,7 +239,7 @@ void ThreadedGpib::ibtmo(int board, int code) {
   } else {
     Done("Setting the time limit", [=](GpibDriver& driver) { driver.ibtmo(board, code); });
   }
-  worker_->Limit = GpibTimeLimit(code);
+  worker_->Limit = TimeLimit(code);
 }
 
 std::string ThreadedGpib::Way(int address) const {

@@ -114,7 +114,7 @@ void WorkingForm::keyPressEvent(QKeyEvent* event) {
     QMainWindow::keyPressEvent(event);
 }
 
-QToolBar& ShowBenchNotice(QMainWindow& window) {
+QToolBar& ShowBenchNotice(QMainWindow& window, const std::string& words) {
   if (auto* const shown = window.findChild<QToolBar*>(QStringLiteral("tbrBench"))) return *shown;
   auto* const notice = new QLabel;
   notice->setObjectName(QStringLiteral("lblBench"));
@@ -125,14 +125,14 @@ QToolBar& ShowBenchNotice(QMainWindow& window) {
   bar->setContextMenuPolicy(Qt::PreventContextMenu);
   bar->toggleViewAction()->setEnabled(false);
   bar->addWidget(notice);
-  ShowBenchNotice(*notice);
+  ShowBenchNotice(*notice, words);
   window.setContextMenuPolicy(Qt::NoContextMenu);
   window.addToolBar(Qt::TopToolBarArea, bar);
   return *bar;
 }
 
-void ShowBenchNotice(QLabel& notice) {
-  notice.setText(QStringLiteral("SIMULATED BENCH \u2013 no real instrument is driven"));
+void ShowBenchNotice(QLabel& notice, const std::string& words) {
+  notice.setText(ToQt(words));
   notice.setAlignment(Qt::AlignCenter);
   // Colours of its own in every theme: this is a warning, not a decoration.
   notice.setStyleSheet(QStringLiteral("background:#ffb300; color:black; font-weight:bold; padding:4px"));

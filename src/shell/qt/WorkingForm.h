@@ -86,10 +86,11 @@ class WorkingForm : public QMainWindow {
   bool missedBefore_ = false;  ///< the save, when the close was asked for
 };
 
-/// A band across the top of a window that tells, unmistakably, that no real instrument is driven.
+/// A band across the top of a window that tells, unmistakably, which instruments are only simulated.
+/// @param words  Shell::runNotice
 /// @return the band, which has room for more; there is one to a window
-QToolBar& ShowBenchNotice(QMainWindow& window);
+QToolBar& ShowBenchNotice(QMainWindow& window, const std::string& words);
 /// The same on a window that has a label for it.
-void ShowBenchNotice(QLabel& notice);
+void ShowBenchNotice(QLabel& notice, const std::string& words);
 
 }  // namespace hylden

@@ -86,7 +86,7 @@ void frmManual::SetModOn(bool on) {
 }
 
 void frmManual::SetSimulated() {
-  ShowBenchNotice(*ui_->lblBench);
+  ShowBenchNotice(*ui_->lblBench, shell_.runNotice);
 }
 
 void frmManual::Tick() {

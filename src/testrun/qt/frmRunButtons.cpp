@@ -66,7 +66,7 @@ void frmRunButtons::SetHalting() {
 }
 
 void frmRunButtons::SetSimulated() {
-  ShowBenchNotice(*ui_->lblBench);
+  ShowBenchNotice(*ui_->lblBench, shell_.runNotice);
 }
 
 void frmRunButtons::Unload() {

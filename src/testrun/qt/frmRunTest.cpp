@@ -147,7 +147,7 @@ void frmRunTest::Load() {
 
 void frmRunTest::SetSimulated() {
   simulated_ = true;
-  ShowBenchNotice(*this);
+  ShowBenchNotice(*this, shell_.runNotice);
   if (ButtonForm) ButtonForm->SetSimulated();
 }
 
