@@ -12,6 +12,7 @@
 #include "platform/AbsentGpib.h"
 #include "platform/BusRouter.h"
 #include "platform/Directories.h"
+#include "platform/native/GpibAdapter.h"
 #include "platform/native/NativeGpib.h"
 #include "platform/native/SocketInstrument.h"
 #include "platform/native/StreamAddress.h"
@@ -39,7 +40,12 @@ class WayReader {
     const std::string driver = settings.Get(kSection, "Driver", "native");
     if (SameIgnoringCase(driver, "native")) return {};
     if (SameIgnoringCase(driver, "bench")) return {Kind::Bench};
-    return Fault(kSection, "Driver", driver, "the drivers are native and bench.");
+    if (!SameIgnoringCase(driver, "adapter"))
+      return Fault(kSection, "Driver", driver, "the drivers are native, bench and adapter.");
+    const std::string place = settings.Get(kSection, "Adapter", "");
+    const ParsedStream adapter = ParseStream(place);
+    if (!adapter.Stream) return Fault(kSection, "Adapter", place, adapter.Fault);
+    return Own("Driver", driver, {Kind::Adapter, place});
   }
 
   void Device(const std::string& key, const std::string& value, std::map<int, BusWay>& devices) {
@@ -75,7 +81,7 @@ class WayReader {
     return Fault(kDevices, key, value, "another address has this connection.");
   }
 
-  BusWay Fault(const char* section, const std::string& key, const std::string& value, const char* why) {
+  BusWay Fault(const char* section, const std::string& key, const std::string& value, const std::string& why) {
     faults_.push_back("Hylden.ini, section " + std::string(section) + ", " + key + "=" + value + ": " + why);
     return {Kind::Absent, faults_.back()};
   }
@@ -162,6 +168,8 @@ GpibDriver& Bus::Open(const BusWay& way) {
   switch (way.Is) {
     case Kind::Bench:
       return bench_->Driver();
+    case Kind::Adapter:
+      return keepThreaded(std::make_unique<GpibAdapter>(ParseStream(way.Place).Stream));
     case Kind::Socket:
       return keepThreaded(std::make_unique<SocketInstrument>(ParseStream(way.Place).Stream));
     case Kind::Absent:

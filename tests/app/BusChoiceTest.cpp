@@ -59,6 +59,9 @@ TEST_F(BusChoiceTest, WhatCantBeUnderstoodIsToldAndLeadsNowhere) {
   constexpr int kOthers = 1;
   const Case cases[] = {
       {"[Gpib]\nDriver=nativ", "section Gpib, Driver=nativ: the drivers are", kOthers},
+      {"[Gpib]\nDriver=adapter", "section Gpib, Adapter=: ", kOthers},
+      {"[Gpib]\nDriver=adapter\nAdapter=tcp:gen:x", "Adapter=tcp:gen:x: \"tcp:gen:x\" is no address", kOthers},
+      {"[Gpib]\nDriver=adapter\nAdapter=tcp:a:1\n[Devices]\n18=socket:a:1", "another address has", 18},
       {"[Devices]\n31=bench", "section Devices, 31=bench: an address is a number from 0 to 30", -1},
       {"[Devices]\n18a=bench", "18a=bench: an address is", -1},
       {"[Devices]\n18=soket:gen:5025", "18=soket:gen:5025: a device is", 18},
@@ -78,6 +81,13 @@ TEST_F(BusChoiceTest, WhatCantBeUnderstoodIsToldAndLeadsNowhere) {
     Bus bus(choice, events_, clock_);
     EXPECT_THAT(Opening(bus, c.address), testing::AllOf(HasSubstr("failed: "), HasSubstr(c.why)));
   }
+}
+
+TEST_F(BusChoiceTest, AnAdapterTakesTheLibrarysPlace) {
+  const BusChoice choice = Chosen("[Gpib]\nDriver=Adapter\nAdapter=serial:/dev/nowhere,115200\n");
+  EXPECT_EQ(choice.Others.Is, BusWay::Kind::Adapter);
+  Bus bus(choice, events_, clock_);
+  EXPECT_THAT(Opening(bus, 18), HasSubstr("/dev/nowhere"));
 }
 
 TEST_F(BusChoiceTest, TheNoticeNamesWhatIsSimulated) {
