@@ -67,6 +67,7 @@ class VirtualBus : public GpibDriver {
   void Send(int board, int address, std::string_view bytes, int eotMode) override;
   void Receive(int board, int address, std::span<char> buffer, int termination) override;
   void ibtmo(int board, int code) override;
+  std::string Way(int /*address*/) const override { return "simulated bench"; }
 
  private:
   struct Answer {

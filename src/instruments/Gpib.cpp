@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <numeric>
 #include <tuple>
 #include <vector>
 
@@ -108,7 +109,10 @@ bool Gpib::Carries(std::string_view utf8) {
 Done Gpib::GpibIfc() {
   for (auto& [address, device] : devices_) device.SendTimeOuts = device.ReadTimeOuts = 0;
   busTimeOuts_ = 0;
-  if (interfaceCleared_) return {};
+  return interfaceCleared_ ? Done() : ClearInterface();
+}
+
+Done Gpib::ClearInterface() {
   RegisterOnce();
   shell_.gpib.SendIFC(kBoard);
   Refresh();
@@ -117,6 +121,20 @@ Done Gpib::GpibIfc() {
   interfaceCleared_ = !Failed();
   if (!interfaceCleared_) return Because(GpibError("Error sending IFC."));
   return {};
+}
+
+Result<std::vector<int>> Gpib::Listeners() {
+  constexpr std::size_t kAddresses = 31;
+  std::array<std::int16_t, kAddresses + 1> addresses{};
+  std::iota(addresses.begin(), addresses.end() - 1, std::int16_t{0});
+  addresses.back() = gpib::kNoAddr;
+  std::array<std::int16_t, kAddresses> listeners{};
+  RegisterOnce();
+  shell_.gpib.FindLstn(kBoard, addresses, listeners);
+  Refresh();
+  if (Failed()) return Because(GpibError("Error finding listeners"));
+  const auto found = listeners.begin() + std::clamp<int>(ibcnt, 0, kAddresses);
+  return std::vector<int>(listeners.begin(), found);
 }
 
 Done Gpib::GpibOpen(int address, const std::string& initCommand, const std::string& name) {

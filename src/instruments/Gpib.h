@@ -4,6 +4,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/GpibDriver.h"
 #include "shell/Failure.h"
@@ -34,6 +35,10 @@ class Gpib {
   /// Clears the interface once per program run, and sets the board's time limit: a driver may come without one. Bus
   /// work starts here: whatever timed out before is waited for in full again.
   Done GpibIfc();
+  /// Clears the interface in any case.
+  Done ClearInterface();
+  /// The addresses, of 0 to 30, at which somebody listens; the board's own may be among them.
+  Result<std::vector<int>> Listeners();
   /// Finds the device, puts it in remote with lockout, sends the init command (terminator already appended, may be
   /// empty) and waits 2 s. Failures give the name.
   Done GpibOpen(int address, const std::string& initCommand, const std::string& name);
@@ -50,6 +55,8 @@ class Gpib {
   bool Receive(int address, std::string& answer, int termination, std::size_t size = 64);
   /// Reads away whatever a device still has to say, with a 30 ms limit.
   void Drain(int address);
+  /// How the last driver call ended.
+  GpibStatusCells Status() const { return {ibsta, iberr, ibcnt, ibcntl}; }
   /// The failure of the last driver call: the message, and the decoded status.
   Failure GpibError(const std::string& message) const;
 

@@ -13,7 +13,7 @@ namespace hylden {
 
 namespace {
 
-constexpr int kLowUnit = 10, kHighUnit = 9;
+constexpr int kLowUnit = IfiAmp::kLowUnit, kHighUnit = IfiAmp::kHighUnit;
 constexpr double kBandChangeSeconds = 2.0;
 constexpr std::size_t kPowerAnswerSize = 80;
 constexpr const char* kFailed = "Error sending command to amps";

@@ -15,6 +15,9 @@ enum class AmpControl : int { Ifi = 1, Generic = 2 };
 /// The IFI amplifier pair: addresses 10 and 9, fixed command texts. With a generic amplifier nothing is sent.
 class IfiAmp {
  public:
+  /// Their addresses.
+  static constexpr int kLowUnit = 10, kHighUnit = 9;
+
   IfiAmp(Shell& shell, Gpib& gpib, SigGen& sigGen) : shell_(shell), gpib_(gpib), sigGen_(sigGen) {}
 
   /// @param bandSwitchMHz  up to and including it the low band is used, above it the high band

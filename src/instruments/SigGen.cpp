@@ -75,6 +75,11 @@ Done SigGen::SendLevel() {
       kWriteFailed);
 }
 
+void SigGen::CommandedByHand() {
+  rf_ = Rf::Unknown;
+  ForgetSettings();
+}
+
 void SigGen::ForgetSettings() {
   ForgetSent();
   modulated_ = Switched::Unknown;

@@ -48,6 +48,8 @@ class SigGen : public DefinedInstrument<SigGenDefinition> {
   Done ModOff();
   /// Minimum level and frequency, which are sent with RF off, too, RF off, local; stops at the first failure.
   Done ShutdownSigGen();
+  /// Somebody else is about to send the generator a command: RF may be on from now on.
+  void CommandedByHand();
   /// Nothing that was sent before counts: the definition has changed since, and all is sent again.
   void ForgetSettings();
 

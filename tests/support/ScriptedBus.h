@@ -34,6 +34,8 @@ class ScriptedBus : public GpibDriver, public CallFailures {
 
   /// What the driver says beside its status.
   std::string advice;
+  /// How it reaches every address.
+  std::string way;
 
   /// Results for the next registrations; 0 when none is left.
   std::deque<int> registrationResults;
@@ -53,6 +55,7 @@ class ScriptedBus : public GpibDriver, public CallFailures {
   void Receive(int board, int address, std::span<char> buffer, int termination) override;
   void ibtmo(int board, int code) override;
   std::string Advice() const override { return advice; }
+  std::string Way(int /*address*/) const override { return way; }
 
  private:
   void Plain(const std::string& line);
