@@ -10,5 +10,8 @@ class ConsoleStation;
 ExitState RunTest(ConsoleStation& station);
 ExitState RunLevelCalibration(ConsoleStation& station);
 ExitState RunCableLoss(ConsoleStation& station);
+/// Prints how the station's addresses are reached, or those of every address where no equipment is named, and who
+/// listens. Without a way to the bus it prints in one line what is missing, and fails.
+ExitState PrintBusInfo(ConsoleStation& station);
 
 }  // namespace hylden

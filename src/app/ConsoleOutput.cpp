@@ -30,7 +30,23 @@ std::string Numbered(const std::string& name, int number) {
   return std::string(name).insert(ends ? dot : name.size(), "-" + std::to_string(number));
 }
 
+/// Whether two names lead to one file, which need not be there yet.
+bool IsSameFile(const std::string& saved, const std::string& other) {
+  if (other.empty()) return false;
+  const fs::path one = SavePath(saved), two = ExistingPath(other);
+  std::error_code missing, unknown;
+  if (fs::equivalent(one, two, missing)) return true;
+  return fs::weakly_canonical(one, unknown) == fs::weakly_canonical(two, unknown) && !unknown;
+}
+
 }  // namespace
+
+std::optional<std::string> FirstReplaced(const std::vector<std::string>& saved,
+                                         const std::vector<std::string>& others) {
+  for (const std::string& other : others)
+    if (std::ranges::any_of(saved, [&](const std::string& file) { return IsSameFile(file, other); })) return other;
+  return std::nullopt;
+}
 
 std::vector<std::string> FilesOfTheRun(const RunOptions& options, const Documents& documents,
                                        const std::string& programDirectory) {
@@ -50,6 +66,8 @@ std::vector<std::string> FilesOfTheRun(const RunOptions& options, const Document
     case RunOptions::Job::CableLoss:  // it makes the station's cable loss table afresh
       Append(files, {options.Cable["lblListFile"]});
       break;
+    case RunOptions::Job::BusInfo:
+      break;
   }
   Append(files, {programDirectory + "/Hylden.ini", "runlog.hyl"});
   return files;
@@ -61,18 +79,6 @@ ConsoleOutput::ConsoleOutput(const RunOptions& options)
 std::vector<std::string> ConsoleOutput::FilesNamed(const std::string& name) const {
   const auto info = isRecord_ ? InfoFileBeside(name) : std::nullopt;
   return info ? std::vector{name, *info} : std::vector{name};
-}
-
-std::optional<std::string> ConsoleOutput::Replaced(const std::vector<std::string>& others) const {
-  const auto isOutput = [this](const std::string& other) {
-    return std::any_of(files_.begin(), files_.end(), [&](const std::string& file) {
-      std::error_code oneIsMissing;
-      return fs::equivalent(SavePath(file), ExistingPath(other), oneIsMissing);
-    });
-  };
-  const auto found = std::find_if(others.begin(), others.end(), isOutput);
-  if (found == others.end()) return std::nullopt;
-  return *found;
 }
 
 std::optional<ConsoleOutput::State> ConsoleOutput::StateOf(const std::string& file) {

@@ -16,6 +16,9 @@ struct Documents;
 std::vector<std::string> FilesOfTheRun(const RunOptions& options, const Documents& documents,
                                        const std::string& programDirectory);
 
+/// The first of the given files that saving these would replace, under whatever path; nothing when there is none.
+std::optional<std::string> FirstReplaced(const std::vector<std::string>& saved, const std::vector<std::string>& others);
+
 /// The file that a job makes and, of a calibration record, the info file beside it. They are looked at before anything
 /// is switched on, and again when they are saved, an hour later perhaps.
 class ConsoleOutput {
@@ -26,9 +29,6 @@ class ConsoleOutput {
   const std::string& Name() const { return files_.front(); }
   /// With the info file.
   const std::vector<std::string>& Files() const { return files_; }
-  /// The first of the given files that saving would replace, under whatever path; nothing when there is none.
-  std::optional<std::string> Replaced(const std::vector<std::string>& others) const;
-
   /// Keeps in mind what is there now.
   void Note();
   /// The files that have come, or changed, since.

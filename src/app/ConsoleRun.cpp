@@ -16,6 +16,8 @@ ExitState RunJob(ConsoleStation& station) {
       return RunLevelCalibration(station);
     case RunOptions::Job::CableLoss:
       return RunCableLoss(station);
+    case RunOptions::Job::BusInfo:
+      return PrintBusInfo(station);
     case RunOptions::Job::Test:
       break;
   }

@@ -10,10 +10,11 @@ namespace hylden {
 
 /// What hylden-run was asked for.
 struct RunOptions {
-  enum class Job { Test, Calibration, CableLoss };
+  enum class Job { Test, Calibration, CableLoss, BusInfo };
 
   Job What = Job::Test;
-  std::string EquipmentFile, OutputFile;
+  std::string EquipmentFile, OutputFile;        ///< may be empty for BusInfo
+  std::string TraceFile;                        ///< for all that goes over the bus; empty: none
   std::string TestFile;                         ///< of a test
   std::string SetupFile;                        ///< of a level calibration
   std::string CouplingFactor;                   ///< of its user-defined coupling method, dB; empty: none given
@@ -28,7 +29,8 @@ struct RunOptions {
 /// The program's exit status.
 enum class ExitState : int { Finished = 0, Failed = 1, Usage = 2, Halted = 3 };
 
-/// Runs a test or a calibration from its files to the file that it makes, on a terminal or without one.
+/// Does a job on a terminal or without one: a test or a calibration, from its files to the file that it makes, or a
+/// look at the bus.
 ExitState RunOnConsole(const RunOptions& options);
 
 }  // namespace hylden

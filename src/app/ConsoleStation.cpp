@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "app/BusChoice.h"
+#include "app/TraceFile.h"
 #include "platform/FlagRaised.h"
 #include "platform/native/ProgramDirectory.h"
 #include "run/RunQuestions.h"
@@ -72,7 +73,8 @@ bool ConsoleStation::SetUp() {
   station_ = std::make_unique<Station>(*shell_, bus_->SimulatedBench());
   TheShell().runNotice = notice_;
   if (!notice_.empty()) std::cout << notice_ << '\n' << std::flush;
-  return station_->LoadEquipment(options_.EquipmentFile) && station_->Apply();
+  const bool wantsNone = options_.What == RunOptions::Job::BusInfo && options_.EquipmentFile.empty();
+  return wantsNone || (station_->LoadEquipment(options_.EquipmentFile) && station_->Apply());
 }
 
 /// The bench alone where the options say so, else what the settings choose.
@@ -109,8 +111,8 @@ bool ConsoleStation::MakeBus() {
 }
 
 bool ConsoleStation::MayMakeOutput(std::size_t rows) {
-  const auto files = FilesOfTheRun(options_, TheDocuments(), TheShell().settings.ProgramDirectory());
-  if (const auto replaced = output_.Replaced(files)) {
+  auto files = FilesOfTheRun(options_, TheDocuments(), TheShell().settings.ProgramDirectory());
+  if (const auto replaced = FirstReplaced(output_.Files(), files)) {
     Tell("--output would replace a file that this run uses: " + *replaced);
     return false;
   }
@@ -125,6 +127,27 @@ bool ConsoleStation::MayMakeOutput(std::size_t rows) {
     }
   }
   output_.Note();
+  files.insert(files.end(), output_.Files().begin(), output_.Files().end());
+  return MayMakeTrace(files);
+}
+
+bool ConsoleStation::MayMakeTrace(const std::vector<std::string>& files) {
+  const std::string& name = options_.TraceFile;
+  if (name.empty()) return true;
+  if (const auto replaced = FirstReplaced({name}, files)) {
+    Tell("--trace would replace a file that this run uses: " + *replaced);
+    return false;
+  }
+  if (const auto obstacle = SaveObstacle(name, kBytesAround)) {
+    Tell("Nothing can be written to " + name + ": " + *obstacle);
+    return false;
+  }
+  if (!MayReplace(name, " exists. Replace it?")) {
+    Tell("The file is kept; nothing was switched on.");
+    return false;
+  }
+  trace_ = std::make_unique<TraceFile>(name);
+  trace_->Follow(TheShell().gpib.Trace());
   return true;
 }
 

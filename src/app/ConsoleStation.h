@@ -22,6 +22,7 @@
 namespace hylden {
 
 class Bus;
+class TraceFile;
 struct BusChoice;
 
 /// Further titles of questions that "--yes" confirms.
@@ -37,7 +38,8 @@ class ConsoleStation {
   explicit ConsoleStation(const RunOptions& options);
   ~ConsoleStation();
 
-  /// Builds the bus and the station and loads its equipment. @return false after a message
+  /// Builds the bus and the station and loads its equipment, which a look at the bus need not name. @return false after
+  /// a message
   bool SetUp();
   /// Whether what the job makes can be saved: it replaces nothing that the job reads, it can be written, and a file
   /// that is there may be replaced. To be called when the job's files are loaded, before it switches anything on.
@@ -45,10 +47,15 @@ class ConsoleStation {
   /// @return false after a message
   bool MayMakeOutput(std::size_t rows);
 
+  /// Begins the file of the trace, where one is wanted; it is none of the files.
+  /// @return false after a message
+  bool MayMakeTrace(const std::vector<std::string>& files);
+
   const RunOptions& Options() const { return options_; }
   Shell& TheShell() { return *shell_; }
   Instruments& TheInstruments() { return station_->instruments; }
   Documents& TheDocuments() { return station_->documents; }
+  std::vector<BusUnit> BusUnits() const { return station_->BusUnits(); }
   ProgressLine& Progress() { return progress_; }
   bool HasTerminal() const { return terminal_; }
   /// Cables the simulated meter; a real one is the operator's.
@@ -95,6 +102,7 @@ class ConsoleStation {
   ConsolePrinter printer_;
   SingleInstance instance_;
   ConsoleOutput output_;
+  std::unique_ptr<TraceFile> trace_;
   std::unique_ptr<Bus> bus_;
   std::string notice_;  ///< of the simulated bench
   std::unique_ptr<Shell> shell_;

@@ -11,7 +11,8 @@ namespace {
 using hylden::RunOptions;
 using hylden::StepType;
 
-void AddJobs(CLI::App& app, RunOptions& options) {
+/// @param files  what every job but a look at the bus needs
+void AddJobs(CLI::App& app, RunOptions& options, const std::vector<CLI::Option*>& files) {
   CLI::Option_group* const jobs = app.add_option_group("Job", "What to run");
   jobs->add_option("--test", options.TestFile, "A test by its definition (.tst)");
   jobs->add_option("--calibrate", options.SetupFile, "A level calibration by its setup (.csu)")
@@ -19,6 +20,14 @@ void AddJobs(CLI::App& app, RunOptions& options) {
   jobs->add_flag_callback(
       "--cable-loss", [&options] { options.What = RunOptions::Job::CableLoss; },
       "A cable insertion-loss calibration: a direct pass, then an insert pass");
+  jobs->add_flag_callback(
+      "--bus-info",
+      [&options, files] {
+        options.What = RunOptions::Job::BusInfo;
+        for (CLI::Option* const file : files) file->required(false);
+      },
+      "How the station's instruments are reached, or every address without --equipment, and who listens; "
+      "records nothing");
   jobs->require_option(1);
 }
 
@@ -49,6 +58,10 @@ void AddBenchOptions(CLI::App& app, RunOptions& options) {
   app.add_option("--seed", options.Seed, "Seed of the bench's reading noise")->needs(bench)->type_name("N");
 }
 
+std::string HasName(const std::string& name) {
+  return name.empty() ? "the file has no name" : std::string();
+}
+
 /// What was given says how the cable is stepped through, and which bus is driven.
 void TakeChoices(const CLI::App& app, RunOptions& options) {
   const StepType steps = app.count("--list") > 0          ? StepType::List
@@ -75,12 +88,17 @@ int Main(int argc, char** argv) {
       "Ctrl-C presses Halt: RF goes off, and what was recorded is saved.\n"
       "Exit status: 0 finished, 1 failed, 2 usage, 3 halted."};
   app.set_version_flag("--version", hylden::VersionTitle());
-  app.add_option("--equipment", options.EquipmentFile, "Equipment file of the station (.eqp)")->required();
-  AddJobs(app, options);
-  app.add_option("--output", options.OutputFile,
-                 "File for what is recorded: run data (.run), a calibration record (.cal), an insertion loss (.los)")
-      ->required()
-      ->check([](const std::string& name) { return name.empty() ? "the file has no name" : std::string(); });
+  auto* const equipment =
+      app.add_option("--equipment", options.EquipmentFile, "Equipment file of the station (.eqp)")->required();
+  auto* const output =
+      app.add_option(
+             "--output", options.OutputFile,
+             "File for what is recorded: run data (.run), a calibration record (.cal), an insertion loss (.los)")
+          ->required()
+          ->check(HasName);
+  AddJobs(app, options, {equipment, output});
+  app.add_option("--trace", options.TraceFile, "File for all that goes over the bus, a line for each call")
+      ->check(HasName);
   app.add_option("--coupling-factor", options.CouplingFactor,
                  "Coupling factor for a setup with the user-defined method, in place of the setup's own; "
                  "needed where that is 0")

@@ -68,6 +68,24 @@ void Station::TakeAddresses() {
   if (equipment.HasIfiAmplifier()) instruments.pm.SetBandswitch(equipment.IfiBandSwitch);
 }
 
+std::vector<BusUnit> Station::BusUnits() const {
+  const EquipRecord& equipment = documents.equip.Record;
+  std::vector<BusUnit> units;
+  const auto add = [&](const auto& driver, const std::string& file, int address, const std::string& what) {
+    if (file.empty()) return;
+    const std::string name = driver.HasDefinition() ? driver.InstrumentName() : std::string();
+    units.push_back({address, name.empty() ? what : what + ": " + name, LineEndOf(driver.Definition().EndOfString)});
+  };
+  add(instruments.sigGen, equipment.SigGenFile, equipment.SigGenAddress, "Signal generator");
+  add(instruments.meter, equipment.MeterFile, equipment.MeterAddress, "Meter");
+  add(instruments.pm, equipment.PwrMtrFile, equipment.PwrMtrAddress, "Power meter");
+  if (equipment.HasIfiAmplifier()) {
+    units.push_back({IfiAmp::kLowUnit, "IFI amplifier, low band", LineEnd::CrLf});
+    units.push_back({IfiAmp::kHighUnit, "IFI amplifier, high band", LineEnd::CrLf});
+  }
+  return units;
+}
+
 void Station::EquipBench() {
   if (bench) bench->Equip(OnTheBench(documents.equip.Record, instruments));
 }

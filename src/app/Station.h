@@ -1,8 +1,10 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "documents/Documents.h"
+#include "instruments/BusPanel.h"
 #include "instruments/Instruments.h"
 #include "shell/Shell.h"
 
@@ -34,6 +36,8 @@ class Station {
   void TakeAddresses();
   /// Puts the instruments, as loaded, on the simulated bench; nothing without one.
   void EquipBench();
+  /// What the equipment has on the bus.
+  std::vector<BusUnit> BusUnits() const;
 
   Shell& shell;
   Instruments instruments;

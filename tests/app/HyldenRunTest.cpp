@@ -186,6 +186,53 @@ TEST_F(HyldenRunProgram, FinishesWithARowForEveryStep) {
   EXPECT_EQ(directory_.Read("out.run").find("BENCH"), std::string::npos);
 }
 
+TEST_F(HyldenRunProgram, TracesTheBusOfTheWholeRun) {
+  const std::string trace = directory_.File("trace.txt");
+  EXPECT_EQ(HyldenRun(Test(kTest, {"--yes", "--trace", trace})).status, kFinished);
+  const std::string text = directory_.Read("trace.txt");
+  EXPECT_NE(text.find(" -- 18 find 0 18: 18, "), std::string::npos) << text.substr(0, 500);
+  EXPECT_EQ(Count(text, "-> 18 \"FREQ "), 68U) << "67 steps and the end";
+  EXPECT_NE(text.find("\"OUTP OFF\\r\\n\" 10 EOI"), std::string::npos);
+  EXPECT_EQ(text.back(), '\n');
+}
+
+TEST_F(HyldenRunProgram, ATraceThatCanNotBeWrittenOrWouldReplaceAFileOfTheRunIsRefusedBeforeRfIsOn) {
+  const std::string station = CopiedStation();
+  const std::string before = directory_.Read("station/bench.txt");
+  const std::pair<std::string, const char*> cases[] = {
+      {directory_.File("none/trace.txt"), "Nothing can be written to"},
+      {"/dev/null", "Nothing can be written to"},
+      {"bench.txt", "--trace would replace a file that this run uses: bench.txt"},
+      {Output(), "--trace would replace a file that this run uses: "}};
+  for (const auto& [trace, said] : cases) {
+    const Outcome outcome = HyldenRun(Test(kTest, {"--yes", "--trace", trace}), {}, station);
+    ExpectSaid(outcome, kFailed, said);
+    EXPECT_FALSE(std::filesystem::exists(Output()));
+  }
+  EXPECT_EQ(directory_.Read("station/bench.txt"), before);
+  directory_.Write("trace.txt", "yesterday");
+  EXPECT_EQ(HyldenRun(Test(kTest, {"--trace", directory_.File("trace.txt")})).status, kFailed);
+  EXPECT_EQ(directory_.Read("trace.txt"), "yesterday");
+}
+
+TEST_F(HyldenRunProgram, TellsHowTheBusIsReached) {
+  const Outcome station =
+      HyldenRun({"--bus-info", "--equipment", "station.eqp", "--bench", "bench.txt", "--virtual-time"});
+  ExpectSaid(station, kFinished,
+             "Address 18  Signal generator: SCPI signal generator, 0.1 to 1000 MHz: simulated bench");
+  ExpectSaid(station, kFinished, "The interface is cleared\nListeners at ");
+  ExpectSaid(HyldenRun({"--bus-info", "--bench"}), kFinished, "Address 0 to 30: simulated bench\n");
+}
+
+TEST_F(HyldenRunProgram, TellsInOneLineWhatIsMissingOnTheWayToTheBus) {
+  setenv("HYLDEN_HOME", directory_.File("").c_str(), 1);
+  directory_.Write("Hylden.ini", "[Gpib]\nLibrary=/no/such/library.so\n");
+  const Outcome outcome = HyldenRun({"--bus-info"});
+  unsetenv("HYLDEN_HOME");
+  ExpectSaid(outcome, kFailed, "The GPIB library /no/such/library.so can't be loaded: ");
+  EXPECT_EQ(Count(outcome.output, "\n"), 1U) << outcome.output;
+}
+
 TEST_F(HyldenRunProgram, KeepsAnExistingOutputFileUnlessToldOtherwise) {
   directory_.Write("out.run", "yesterday");
   EXPECT_EQ(HyldenRun(Test(kTest, {})).status, kFailed);

@@ -1,0 +1,60 @@
+#include <iomanip>
+#include <iostream>
+#include <string>
+
+#include "app/ConsoleJobs.h"
+#include "app/ConsoleStation.h"
+
+namespace hylden {
+
+namespace {
+
+constexpr int kEcap = 11, kLastAddress = 30;
+
+/// The way of every address; a row stands for all in a row that share one.
+void PrintWays(const GpibDriver& driver) {
+  for (int first = 0, next = 0; first <= kLastAddress; first = next) {
+    const std::string way = driver.Way(first);
+    for (next = first + 1; next <= kLastAddress && driver.Way(next) == way;) ++next;
+    const std::string addresses = std::to_string(first) + (next - first > 1 ? " to " + std::to_string(next - 1) : "");
+    std::cout << "Address " << addresses << ": " << way << '\n';
+  }
+}
+
+void PrintUnits(const std::vector<BusPanel::Row>& rows) {
+  for (const BusPanel::Row& row : rows)
+    std::cout << "Address " << std::setw(2) << row.Unit.Address << "  " << row.Unit.Name << ": " << row.Way << '\n';
+}
+
+/// Prints what a look at the bus came to. @return its words
+std::string WordsOf(const BusPanel::Outcome& outcome) {
+  if (outcome) return *outcome;
+  const std::vector<Message> boxes = outcome.error().Boxes();
+  return boxes.empty() ? std::string() : boxes.front().text;
+}
+
+}  // namespace
+
+ExitState PrintBusInfo(ConsoleStation& station) {
+  if (!station.SetUp() || !station.MayMakeTrace({station.Options().EquipmentFile})) return ExitState::Failed;
+  const GpibDriver& driver = station.TheShell().gpib;
+  BusPanel panel(station.TheShell(), station.TheInstruments());
+  const auto cleared = panel.ClearInterface();
+  const auto listeners = cleared ? panel.FindListeners() : cleared;
+  const GpibStatusCells status = station.TheInstruments().gpib.Status();
+  const bool lacksWay = !listeners && status.error == gpib::kEdvr && driver.Way(0).empty();
+  if (lacksWay) {
+    std::cout << (driver.Advice().empty() ? WordsOf(listeners) : driver.Advice()) << '\n';
+    return ExitState::Failed;
+  }
+  if (station.Options().EquipmentFile.empty())
+    PrintWays(driver);
+  else
+    PrintUnits(panel.Rows(station.BusUnits()));
+  std::cout << WordsOf(cleared) << '\n';
+  if (cleared) std::cout << WordsOf(listeners) << '\n';
+  const bool canNotTell = cleared && status.error == kEcap;
+  return listeners || canNotTell ? ExitState::Finished : ExitState::Failed;
+}
+
+}  // namespace hylden
