@@ -21,6 +21,7 @@
 #include "documents/qt/frmEquipment.h"
 #include "documents/qt/frmTestDef.h"
 #include "editors/qt/frmEditFactor.h"
+#include "instruments/qt/frmBus.h"
 #include "instruments/qt/frmMeter.h"
 #include "instruments/qt/frmPMeter.h"
 #include "instruments/qt/frmParseTest.h"
@@ -78,6 +79,7 @@ Desktop::Desktop(Station& station, DesktopOptions options)
   connect(menu_.get(), &TopMenu::Closed, this, [this] {
     if (help_) help_->close();
     bench_->ClosePanel();
+    if (bus_) bus_->close();
     shell_.end.Finish();
     emit Ended();
   });
@@ -155,6 +157,7 @@ frmEquipment* Desktop::OpenEquipment(QWidget* caller, int tab, bool modal) {
           [this, form](FactorKind kind) { OpenFactorEditor(form, kind); });
   connect(form, &frmEquipment::DefineInstrumentRequested, this,
           [this, form](InstrumentKind kind) { OpenDefinition(form, kind); });
+  connect(form, &frmEquipment::BusRequested, this, &Desktop::ShowBus);
   connect(form, &frmEquipment::InsertionLossRequested, this, [this, form] { OpenCableSetup(form); });
   connect(form, &WorkingForm::Unloaded, this, [this, form] { Applied(form); });
   return Open(form, caller) ? form : nullptr;
@@ -258,6 +261,14 @@ void Desktop::OpenCableSetup(QWidget* caller) {
   Open(form, caller);
 }
 
+void Desktop::ShowBus() {
+  if (!shell_.end.MayStart()) return;
+  if (bus_) return ShowBeside(*bus_);
+  bus_ = new frmBus(shell_, instruments_, [this] { return station_.BusUnits(); });
+  connect(bus_, &frmBus::EscapePressed, this, &Desktop::EscapePressed);
+  Open(bus_, nullptr);
+}
+
 void Desktop::OpenListBuilder(RunSetupForm* form, const QString& listFile) {
   auto* const builder = new frmBuildList(shell_);
   builder->setWindowModality(Qt::ApplicationModal);
@@ -292,6 +303,7 @@ void Desktop::EscapeInPanel() {
 void Desktop::KeepBeside() {
   bench_->KeepBeside();
   if (help_ && help_->isVisible()) StandBeside(*help_);
+  if (bus_ && bus_->isVisible()) StandBeside(*bus_);
 }
 
 bool Desktop::LoadHelp() {

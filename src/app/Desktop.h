@@ -19,6 +19,7 @@ class Station;
 class TopMenu;
 class DefinitionForm;
 class WorkingForm;
+class frmBus;
 class frmEquipment;
 class frmHelp;
 struct Documents;
@@ -69,6 +70,8 @@ class Desktop : public QObject {
   void OpenFactorEditor(QWidget* caller, FactorKind kind, const QString& file = {});
   /// Opens the insertion-loss setup in the caller's place; its Start opens the two passes.
   void OpenCableSetup(QWidget* caller);
+  /// Shows the window of the bus, beside the windows of the work.
+  void ShowBus();
   /// Opens the list builder above a form that sets up a run; the list composed there becomes the form's.
   void OpenListBuilder(RunSetupForm* form, const QString& listFile);
   /// Connects a form to what every form may ask for, and shows it in the caller's place.
@@ -119,6 +122,7 @@ class Desktop : public QObject {
   std::unique_ptr<frmHelp> help_;  ///< from its first opening on
   const std::string helpFile_;
   QVector<QPointer<WorkingForm>> open_;
+  QPointer<frmBus> bus_;                          ///< one of them
   std::unique_ptr<RunCablCal> cableCalibration_;  ///< its setup and points outlive the forms
 };
 

@@ -13,6 +13,7 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QScrollBar>
+#include <QSpinBox>
 #include <QTabWidget>
 #include <QTableView>
 #include <QTemporaryDir>
@@ -282,6 +283,24 @@ void PictureFactorEditor(Tour& tour) {
   Settle();
 }
 
+/// The window of the bus, from the equipment form, with RF switched on by hand.
+void PictureBus(Tour& tour) {
+  Find<QAction>(Window("frmEquipment"), "mnuUtilBus").trigger();
+  QWidget& bus = Window("frmBus");
+  const std::pair<const char*, const char*> commands[] = {
+      {"18", "OUTP ON"}, {"13", "MKA?"}, {"3", "*IDN?"}, {"18", "OUTP ON"}, {"13", "MKA?"}};
+  for (const auto& [address, command] : commands) {
+    Find<QSpinBox>(bus, "spnAddress").setValue(QByteArray(address).toInt());
+    Find<QLineEdit>(bus, "txtCommand").setText(QLatin1String(command));
+    Tour::Press(bus, QByteArray(command).endsWith('?') ? "cmdAsk" : "cmdSend");
+    if (QByteArray(address) == "3") tour.Grab(bus, "bus-failure");
+  }
+  Settle();
+  tour.Grab(bus, "bus");
+  bus.close();
+  Settle();
+}
+
 /// The editors of the three definitions, the generator's with RF on, and the parse tester on the meter's answer.
 void PictureDefinitions(Desktop& desktop, Tour& tour) {
   Tour::Press(desktop.Menu(), "cmdConfigSys");
@@ -352,6 +371,7 @@ int TakePictures(const QString& output) {
   Tour::Press(desktop.Menu(), "cmdConfigSys");
   tour.GrabTabs(Window("frmEquipment"), "station");
   PictureFactorEditor(tour);
+  PictureBus(tour);
   Window("frmEquipment").close();
   Settle();
 

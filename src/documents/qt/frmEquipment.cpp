@@ -81,6 +81,9 @@ void frmEquipment::ConnectFileMenu() {
   On(ui_->mnuEquipFileSave, [this] { SaveEntries(); });
   On(ui_->mnuEquipFileSaveAs, [this] { SaveAs(); });
   On(ui_->mnuUtilInsertLoss, [this] { RequestInsertionLoss(); });
+  On(ui_->mnuUtilBus, [this] {
+    if (ApplyEquipment()) emit BusRequested();
+  });
   On(ui_->mnuUtilInterpolate, [this] { emit UtilityRequested(Utility::Interpolation); });
   On(ui_->mnuUtilShortcut, [this] { emit UtilityRequested(Utility::Shortcut); });
   On(ui_->mnuUtilSystem, [this] { emit UtilityRequested(Utility::SystemCheck); });

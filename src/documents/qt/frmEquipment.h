@@ -49,6 +49,8 @@ class frmEquipment : public SetupForm {
   void DefineInstrumentRequested(InstrumentKind kind);
   void EditFactorRequested(FactorKind kind);
   void InsertionLossRequested();
+  /// The window of the bus is wanted; the form's entries are in the record.
+  void BusRequested();
   void UtilityRequested(Utility utility);
   /// Another station is loaded: its definitions and addresses are the drivers' now.
   void StationLoaded();
