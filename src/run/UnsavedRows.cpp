@@ -18,14 +18,19 @@ void UnsavedRows::AskAtTheEnd() {
   if (answer == MessageAnswer::Yes)
     Save();
   else if (state_ == State::New)
-    state_ = State::NotWanted;
+    Settle(State::NotWanted);
+}
+
+void UnsavedRows::Settle(State state) {
+  state_ = state;
+  if (onSettled) onSettled();
 }
 
 bool UnsavedRows::Save() {
   if (!AreSaved()) state_ = State::Wanted;
   const FlagRaised asking(asking_);
   const bool written = write_();
-  if (written) state_ = State::Saved;
+  if (written) Settle(State::Saved);
   return written;
 }
 
@@ -35,7 +40,7 @@ bool UnsavedRows::MayDrop() {
   const MessageAnswer answer =
       dialogs_.Show({questions_.BeforeDropping, questions_.Title, MessageIcon::Question, MessageButtons::YesNoCancel});
   if (answer == MessageAnswer::Yes) return Save();
-  if (answer == MessageAnswer::No) state_ = State::LetGo;
+  if (answer == MessageAnswer::No) Settle(State::LetGo);
   return answer == MessageAnswer::No;
 }
 

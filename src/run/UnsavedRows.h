@@ -20,6 +20,9 @@ class UnsavedRows {
   /// @param write  asks for a file and writes it; false when it was not written
   UnsavedRows(Dialogs& dialogs, Questions questions, std::function<bool()> exist, std::function<bool()> write);
 
+  /// Called when the rows have come into a file, or the operator does not want them.
+  std::function<void()> onSettled;
+
   /// The rows are new: nobody has been asked about them.
   void Reset() { state_ = State::New; }
   void AskAtTheEnd();
@@ -40,6 +43,8 @@ class UnsavedRows {
 
  private:
   enum class State { New, Wanted, NotWanted, LetGo, Saved };
+
+  void Settle(State state);
 
   Dialogs& dialogs_;
   Questions questions_;

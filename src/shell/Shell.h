@@ -6,6 +6,7 @@
 #include "platform/Clock.h"
 #include "platform/Dialogs.h"
 #include "platform/EventLoop.h"
+#include "platform/Journals.h"
 #include "platform/Platform.h"
 #include "platform/Printer.h"
 #include "platform/Speaker.h"
@@ -38,6 +39,8 @@ class Shell {
   /// What the run log has to say of every run, and every window: which instruments are only simulated. Empty where none
   /// is.
   std::string runNotice;
+  /// Where runs keep their rows while they record; null: nowhere.
+  Journals* journals = nullptr;
 
   /// Gives a run the instruments until it releases them.
   /// @return false after a message: another one has them

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "shell/Failure.h"
+
+namespace hylden {
+
+/// What a journal keeps the rows of.
+enum class JournalKind { Test, LevelCalibration, InsertionLoss };
+
+/// What a journal says before its rows: what run it is of, and what saving it takes besides them.
+struct JournalHead {
+  JournalKind Kind = JournalKind::Test;
+  std::string Program = {};            ///< name and version
+  std::string Name = {};               ///< the file of the test or the setup
+  std::string Started = {};            ///< local date and time
+  std::size_t Planned = 0;             ///< steps
+  std::string Notice = {};             ///< that no instrument is driven; empty otherwise
+  std::vector<std::string> Info = {};  ///< of a level calibration: the lines of its .hyinfo
+};
+
+/// A journal as it was read.
+struct Journal {
+  JournalHead Head;
+  std::map<int, std::string> Rows;  ///< by number, each as it was written last
+  std::size_t Damaged = 0;          ///< lines that are not whole; the last one, torn by the end, does not count
+};
+
+/// The lines of a journal: those before its rows, and that of a row. A row that comes again replaces the former one.
+std::string HeadLines(const JournalHead& head);
+std::string RowLine(int number, std::string_view values);
+
+/// Reads a journal. What is whole counts, whatever stands around it; one that ends within its head has no rows.
+/// @return why it is none that can be read: another form, damage in its head, something else altogether
+Result<Journal> ReadJournal(std::string bytes);
+
+}  // namespace hylden

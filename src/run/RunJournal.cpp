@@ -1,0 +1,89 @@
+#include "run/RunJournal.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <filesystem>
+#include <utility>
+
+#include "run/RunDisplay.h"
+#include "run/UnsavedRows.h"
+#include "shell/Shell.h"
+#include "shell/Version.h"
+#include "text/Characters.h"
+
+namespace hylden {
+
+namespace {
+
+/// "2026-11-23 18:35:07"
+std::string TimeText(const LocalTime& time) {
+  char text[80];
+  std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", time.year, time.month, time.day, time.hour,
+                time.minute, time.second);
+  return text;
+}
+
+/// What a file's name may hold everywhere, and can be typed.
+std::string Plain(std::string_view name) {
+  constexpr std::size_t kLongest = 60;
+  std::string plain(FirstCharacters(name, kLongest));
+  std::replace_if(
+      plain.begin(), plain.end(), [](unsigned char c) { return c < 0x80 && !std::isalnum(c) && c != '.' && c != '_'; },
+      '-');
+  const bool begins = !plain.empty() && plain.front() != '-' && plain.front() != '.';
+  return begins ? plain : "run" + plain;
+}
+
+}  // namespace
+
+RunJournal::RunJournal(Shell& shell, UnsavedRows& rows) : shell_(shell), rows_(rows) {
+  rows_.onSettled = [this] { Remove(); };
+}
+
+RunJournal::~RunJournal() {
+  rows_.onSettled = nullptr;
+  if (!rows_.Any()) Remove();
+}
+
+void RunJournal::Begin(JournalHead head) {
+  Remove();
+  head_ = std::move(head);
+  head_.Program = VersionTitle();
+  head_.Started = TimeText(shell_.clock.Now());
+  head_.Notice = shell_.runNotice;
+  on_ = shell_.journals != nullptr;
+}
+
+/// "radio_20261123-183507"
+std::string RunJournal::FileName() const {
+  std::string time = head_.Started;
+  std::erase_if(time, [](char c) { return c == '-' || c == ':'; });
+  std::replace(time.begin(), time.end(), ' ', '-');
+  return Plain(std::filesystem::path(head_.Name).stem().string()) + "_" + time;
+}
+
+void RunJournal::Row(int number, std::string_view values) {
+  if (!on_) return;
+  std::string lines;
+  if (!file_) {
+    file_ = shell_.journals->Begin(FileName());
+    lines = HeadLines(head_);
+  }
+  file_->Append(lines + RowLine(number, values));
+}
+
+void RunJournal::Remove() {
+  on_ = false;
+  if (const auto file = std::exchange(file_, nullptr)) file->Remove();
+}
+
+void RunJournal::TellTrouble(RunDisplay& display) {
+  const auto trouble = file_ ? shell_.journals->Trouble() : std::nullopt;
+  if (!trouble) return;
+  const std::string text = "The journal of the run could not be written: " + *trouble;
+  shell_.log.LogFile(text);
+  display.Status(text);
+}
+
+}  // namespace hylden
