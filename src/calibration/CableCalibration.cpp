@@ -7,12 +7,18 @@
 #include "calibration/InsertionLossText.h"
 #include "calibration/WarbleAlarm.h"
 #include "instruments/Instruments.h"
+#include "run/JournalValues.h"
 #include "run/RunDisplay.h"
 #include "shell/Shell.h"
 #include "text/Numbers.h"
-#include "text/TextFile.h"
 
 namespace hylden {
+
+std::vector<CablePoint> CompletePoints(const std::vector<CablePoint>& points) {
+  std::vector<CablePoint> complete;
+  std::copy_if(points.begin(), points.end(), std::back_inserter(complete), [](const auto& p) { return p.HasBoth(); });
+  return complete;
+}
 
 RunCablCal::RunCablCal(Shell& shell, Instruments& instruments)
     : shell_(shell),
@@ -22,8 +28,9 @@ RunCablCal::RunCablCal(Shell& shell, Instruments& instruments)
       unsaved_(
           shell.dialogs,
           {"Save Insertion Loss", {}, "The insertion loss that was measured has not been saved.\r\nSave it?"},
-          [this] { return !CompletePoints().empty(); }, [this] { return WriteFile(); }),
-      elapsed_(shell.clock) {}
+          [this] { return !CompletePoints(points_).empty(); }, [this] { return WriteFile(); }),
+      elapsed_(shell.clock),
+      journal_(shell, unsaved_) {}
 
 bool RunCablCal::Halted() const {
   return shell_.delay.HaltRequested();
@@ -43,6 +50,7 @@ bool RunCablCal::BuildPlan() {
   if (Keeps(*plan)) return true;
   if (!MayDropReadings(true)) return false;
   points_.clear();
+  journal_.Remove();
   for (const double frequency : *plan) points_.push_back({frequency, Setup.Level});
   return true;
 }
@@ -60,12 +68,6 @@ bool RunCablCal::IsComplete() const {
 
 bool RunCablCal::HasAllDirect() const {
   return !points_.empty() && std::all_of(points_.begin(), points_.end(), [](const auto& p) { return p.HasDirect(); });
-}
-
-std::vector<CablePoint> RunCablCal::CompletePoints() const {
-  std::vector<CablePoint> complete;
-  std::copy_if(points_.begin(), points_.end(), std::back_inserter(complete), [](const auto& p) { return p.HasBoth(); });
-  return complete;
 }
 
 bool RunCablCal::MayDropReadings(bool dropsDirect) {
@@ -143,6 +145,7 @@ bool RunCablCal::MeasurePoint(const Pass& pass, std::size_t index) {
   const std::optional<double> reading = Read();
   if (!reading) return false;
   Store(pass, point, levelDbm, *reading);
+  Journal(pass);
   pass.Display.Show(Readout::MeterLevel, reading);
   pass.Display.RowChanged(row);
   const double minutes = elapsed_.Minutes();
@@ -186,27 +189,38 @@ void RunCablCal::Store(const Pass& pass, CablePoint& point, float levelDbm, doub
   point = {point.Freq, levelDbm, reading};
 }
 
+/// A journal has both passes of its points. An insert pass behind one that was saved, or let go, begins it anew.
+void RunCablCal::Journal(const Pass& pass) {
+  const auto add = [this](std::size_t number) {
+    journal_.Row(static_cast<int>(number), RowLineOf(points_[number - 1]));
+  };
+  const bool begins = current_ == 1 && (!pass.Inserted || !journal_.IsOn());
+  if (begins) {
+    journal_.Begin({.Kind = JournalKind::InsertionLoss, .Name = "insertion-loss", .Planned = points_.size()});
+    for (std::size_t number = 2; pass.Inserted && number <= points_.size(); ++number) add(number);
+  }
+  add(current_);
+}
+
 void RunCablCal::EndPass(const Pass& pass) {
   guard_.Attempt([&] { up_.SwitchRfOff(); });
   guard_.Attempt([&] { pass.Display.Status("Shutting down instruments..."); });
   guard_.Attempt([&] { pass.Display.Phase(RunPhase::TakingDown); });
   guard_.Attempt([&] { RunAll({[&] { up_.CloseSigGen(); }, [&] { up_.TakeDown(); }}); });
   guard_.Attempt([&] { pass.Display.Status(""); });
+  guard_.Attempt([&] { journal_.TellTrouble(pass.Display); });
   guard_.Attempt([&] { pass.Display.Phase(RunPhase::Ready); });
 }
 
 bool RunCablCal::WriteFile() {
-  const std::vector<CablePoint> complete = CompletePoints();
+  const std::vector<CablePoint> complete = CompletePoints(points_);
   if (complete.empty()) {
     shell_.dialogs.Tell("Need to run Direct and Insert before file can be saved");
     return false;
   }
-  const auto path =
-      shell_.dialogs.SaveFile({"Select Filname", "InsLoss (*.los)|*.los|Text File (*.txt)|*.txt|All Files (*.*)|*.*",
-                               shell_.settings.GetDataDir(datakind::kInsertionLoss), "*.los"});
+  const auto path = shell_.dialogs.SaveFile(InsertionLossRequest(shell_.settings));
   if (!path) return false;
-  const auto write = [&] { ReplaceFile(*path, InsertionLossText(complete, *path)); };
-  if (!shell_.Ok(Trapped("RunCblCal.SaveFile", *path, write))) return false;
+  if (!shell_.Ok(FileInsertionLoss(complete, *path))) return false;
   if (complete.size() < points_.size())
     shell_.dialogs.Tell("The insert pass ended early: the file holds " + ShortestText(complete.front().Freq) + " - " +
                         ShortestText(complete.back().Freq) + " MHz only.");

@@ -9,6 +9,7 @@
 #include "run/ElapsedTime.h"
 #include "run/InstrumentsUp.h"
 #include "run/RunGuard.h"
+#include "run/RunJournal.h"
 #include "run/UnsavedRows.h"
 
 namespace hylden {
@@ -28,6 +29,18 @@ struct CablePoint {
   bool HasDirect() const { return !IsMissing(Direct); }
   bool HasBoth() const { return HasDirect() && !IsMissing(Insert); }
 };
+
+template <class F>
+void RowValues(F& f, CablePoint& point) {
+  f.Value(point.Freq);
+  f.Value(point.SigGenLevel);
+  f.Value(point.Direct);
+  f.Value(point.Insert);
+  f.Value(point.Loss);
+}
+
+/// Those with both readings, which an insertion loss can be made of.
+std::vector<CablePoint> CompletePoints(const std::vector<CablePoint>& points);
 
 /// Measures what a cable loses over frequency: a direct pass with the generator straight at the meter, then an insert
 /// pass through the cable. Setup and points live as long as the program, until the next plan. However a pass ends, RF
@@ -70,7 +83,6 @@ class RunCablCal {
   bool Keeps(const std::vector<double>& plan) const;
   bool IsComplete() const;
   bool HasAllDirect() const;
-  std::vector<CablePoint> CompletePoints() const;
   /// Asks before readings go that are not saved, or that wait for their insert pass. @return false when they have to
   /// stay
   bool MayDropReadings(bool dropsDirect);
@@ -83,6 +95,7 @@ class RunCablCal {
   bool Tune(double frequencyMHz, float levelDbm);
   std::optional<double> Read();
   void Store(const Pass& pass, CablePoint& point, float levelDbm, double reading);
+  void Journal(const Pass& pass);
   void EndPass(const Pass& pass);
 
   Shell& shell_;
@@ -93,6 +106,7 @@ class RunCablCal {
   ElapsedTime elapsed_;
   std::vector<CablePoint> points_;
   std::size_t current_ = 0;  ///< the point at work, counted from 1
+  RunJournal journal_;
 };
 
 }  // namespace hylden

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "calibration/CableCalibration.h"
+#include "shell/INISettings.h"
 #include "text/Pattern.h"
 #include "text/TextFile.h"
 
@@ -54,6 +55,15 @@ std::string InsertionLossText(const std::vector<CablePoint>& points, const std::
                                     Columns("Frequency,", "InsLoss,", "Direct,", "Insert")};
   for (const CablePoint& point : points) lines.push_back(DataLine(point));
   return JoinLines(lines);
+}
+
+FileRequest InsertionLossRequest(INISettings& settings) {
+  return {"Select Filname", "InsLoss (*.los)|*.los|Text File (*.txt)|*.txt|All Files (*.*)|*.*",
+          settings.GetDataDir(datakind::kInsertionLoss), "*.los"};
+}
+
+Done FileInsertionLoss(const std::vector<CablePoint>& points, const std::string& path) {
+  return Trapped("RunCblCal.SaveFile", path, [&] { ReplaceFile(path, InsertionLossText(points, path)); });
 }
 
 }  // namespace hylden

@@ -1,18 +1,22 @@
 #include "calibration/LevelCalibration.h"
 
 #include <algorithm>
-#include <filesystem>
+#include <utility>
 
 #include "calibration/FrequencyPlan.h"
+#include "calibration/RecordQuestion.h"
 #include "calibration/WarbleAlarm.h"
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
 #include "measure/Conversions.h"
 #include "run/FactorLoading.h"
+#include "run/JournalValues.h"
 #include "run/RunDisplay.h"
 #include "run/RunQuestions.h"
+#include "shell/FormInput.h"
 #include "shell/Shell.h"
 #include "text/Numbers.h"
+#include "text/RecordFile.h"
 
 namespace hylden {
 
@@ -34,7 +38,8 @@ LevelCalibration::LevelCalibration(Shell& shell, Instruments& instruments, Docum
       testLevels_(shell),
       forwardPort_(shell),
       reversePort_(shell),
-      setup_(documents.calSetup.Record) {}
+      setup_(documents.calSetup.Record),
+      journal_(shell, unsaved_) {}
 
 bool LevelCalibration::Halted() const {
   return shell_.delay.HaltRequested();
@@ -121,6 +126,15 @@ bool LevelCalibration::CheckTestLevels() {
   return true;
 }
 
+void LevelCalibration::BeginJournal() {
+  JournalHead head{.Kind = JournalKind::LevelCalibration,
+                   .Name = FileNameOnly(documents_.calSetup.FileName),
+                   .Planned = plan_.size()};
+  LineReader info(RecordText(CalInfoOf(setup_), true));
+  while (!info.AtEnd()) head.Info.push_back(info.ReadLine());
+  journal_.Begin(std::move(head));
+}
+
 void LevelCalibration::Run() {
   if (IsRunning() || !ready_ || !unsaved_.MayDrop()) return;
   guard_.Run(
@@ -137,6 +151,7 @@ void LevelCalibration::RunPlan() {
   // Up to here the points of an earlier run are kept: a run that did not get to its first point costs nothing.
   if (Halted()) return;
   ForgetRows();
+  BeginJournal();
   Sweep();
 }
 
@@ -294,6 +309,7 @@ bool LevelCalibration::Record() {
   display_.RowChanged(number);
   if (!row.Complete && !ReadReversePower(excessDb, row)) return false;
   display_.RowChanged(number);
+  journal_.Row(number, RowLineOf(row));
   // The correction never takes the next frequency above the highest level allowed.
   sigGenLevel_ = std::min(static_cast<float>(levelDbm), setup_.MaxLevel);
   return true;
@@ -315,6 +331,7 @@ void LevelCalibration::End() {
   guard_.Attempt([&] { up_.TakeDown(); });
   guard_.Attempt([&] { display_.Phase(RunPhase::Asking); });
   guard_.Attempt([&] { display_.Status(""); });
+  guard_.Attempt([&] { journal_.TellTrouble(display_); });
   if (started_) {
     guard_.Attempt([&] { WarbleAlarm(shell_.speaker); });
     guard_.Attempt([&] {
@@ -325,26 +342,14 @@ void LevelCalibration::End() {
 }
 
 bool LevelCalibration::WriteRecord() {
-  const auto path = shell_.dialogs.SaveFile({"Enter Calibration Filename", "Calibration File (*.cal)|*.cal",
-                                             shell_.settings.GetDataDir(datakind::kCalibrations)});
-  if (!path || !MayReplaceInfo(*path)) return false;
+  const auto path = shell_.dialogs.SaveFile(RecordRequest(shell_.settings));
+  if (!path || !MayReplaceInfo(shell_.dialogs, *path)) return false;
   const CalRows rows = CompleteRows(rows_);
-  const bool wholePlan = rows.size() >= plan_.size();
-  CalInfoRec info = CalInfoOf(setup_);
-  if (!wholePlan) info.FreqRange = RangeOf(rows);
+  const CalInfoRec info = InfoOfRows(CalInfoOf(setup_), rows, plan_.size());
   if (!shell_.Ok(SaveCal(*path, rows, info))) return false;
-  if (!wholePlan) shell_.dialogs.Tell("The calibration ended early: its record holds " + info.FreqRange + " MHz only.");
+  if (rows.size() < plan_.size())
+    shell_.dialogs.Tell("The calibration ended early: its record holds " + info.FreqRange + " MHz only.");
   return true;
-}
-
-bool LevelCalibration::MayReplaceInfo(const std::string& dataFile) {
-  const std::optional<std::string> infoFile = InfoFileBeside(dataFile);
-  std::error_code ignored;
-  // Where the data file is there, too, the file dialog has asked about the record.
-  if (!infoFile || !std::filesystem::exists(*infoFile, ignored) || std::filesystem::exists(dataFile, ignored))
-    return true;
-  return shell_.dialogs.Show({*infoFile + " exists. Replace it?", question::kSaveCalibration, MessageIcon::Question,
-                              MessageButtons::YesNo}) == MessageAnswer::Yes;
 }
 
 }  // namespace hylden

@@ -12,6 +12,7 @@
 #include "run/ForwardSensor.h"
 #include "run/InstrumentsUp.h"
 #include "run/RunGuard.h"
+#include "run/RunJournal.h"
 #include "run/UnsavedRows.h"
 
 namespace hylden {
@@ -68,8 +69,7 @@ class LevelCalibration {
 
   bool Halted() const;
   bool WriteRecord();
-  /// Asks before a description is replaced that lies beside a new data file.
-  bool MayReplaceInfo(const std::string& dataFile);
+  void BeginJournal();
   void ForgetRows();
   bool PlanRun();
   void ShowPlan();
@@ -118,6 +118,7 @@ class LevelCalibration {
   float sigGenLevel_ = 0;  ///< dBm
   bool ready_ = false;
   bool started_ = false;  ///< the instruments came up
+  RunJournal journal_;
 };
 
 }  // namespace hylden

@@ -52,6 +52,11 @@ std::string RangeOf(const CalRows& rows) {
   return FreqRangeText(RecordedFreq(*lowest), RecordedFreq(*highest));
 }
 
+CalInfoRec InfoOfRows(CalInfoRec planned, const CalRows& rows, std::size_t plannedRows) {
+  if (rows.size() < plannedRows) planned.FreqRange = RangeOf(rows);
+  return planned;
+}
+
 std::string CalDataText(const CalRows& rows) {
   std::vector<std::string> lines;
   for (const CalRow& row : rows) {

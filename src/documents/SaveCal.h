@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,6 +21,15 @@ struct CalRow {
   std::optional<double> RevPwr = {};
   bool Complete = true;  ///< the reverse power was read, where it is to be recorded
 };
+/// Those of a complete row.
+template <class F>
+void RowValues(F& f, CalRow& row) {
+  f.Value(row.Freq);
+  f.Value(row.SigGenLevel);
+  f.Value(row.TestLevel);
+  f.Value(row.FwdPwr);
+  f.Value(row.RevPwr);
+}
 using CalRows = std::vector<CalRow>;
 
 /// The cells of a row, as the run's grid shows them and the record keeps them. What was not measured is empty.
@@ -28,6 +38,9 @@ std::array<std::string, 5> CellsOf(const CalRow& row);
 CalRows CompleteRows(const CalRows& rows);
 /// The range that rows cover, as a record's description has it; empty without a row.
 std::string RangeOf(const CalRows& rows);
+
+/// The description of a record that holds these rows: fewer than were planned cover a range of their own.
+CalInfoRec InfoOfRows(CalInfoRec planned, const CalRows& rows, std::size_t plannedRows);
 
 /// The data file's text, one line per row.
 std::string CalDataText(const CalRows& rows);

@@ -1,0 +1,108 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "calibration/CalibrationRuns.h"
+#include "platform/native/JournalFolder.h"
+#include "run/JournalFile.h"
+#include "run/JournalValues.h"
+#include "text/RecordFile.h"
+
+namespace hylden {
+namespace {
+
+/// The scripted station with calibrations that keep a journal.
+struct JournalledCalibration : testing::Test, CalibrationRuns {
+  JournalledCalibration() { t.shell.journals = &journals; }
+
+  /// The one journal, as it is.
+  Journal Kept() {
+    const auto kept = journals.Kept();
+    EXPECT_EQ(kept.size(), 1U);
+    const auto journal =
+        kept.empty() ? Journal() : ReadJournal(t.directory.Read("journals/" + kept.front() + ".journal"));
+    EXPECT_TRUE(journal);
+    return journal.value_or(Journal());
+  }
+  /// Its rows as a file has them.
+  Strings KeptRows() {
+    Strings rows;
+    for (const auto& [number, line] : Kept().Rows) {
+      std::string& text = rows.emplace_back();
+      for (const std::string& cell : CellsOf(RowOfLine<CalRow>(line).value())) text += cell + ",";
+    }
+    return rows;
+  }
+  /// What the journal has of the cable's points.
+  std::string KeptPoints() {
+    std::string text;
+    for (const auto& [number, line] : Kept().Rows) {
+      const auto point = RowOfLine<CablePoint>(line).value();
+      EXPECT_EQ(point.Freq, cable.Points().at(static_cast<std::size_t>(number - 1)).Freq);
+      text += point.HasBoth() ? "both " : point.HasDirect() ? "direct " : "none ";
+    }
+    return text;
+  }
+
+  JournalFolder journals{t.directory.File("journals"), JournalFolder::Time::Virtual};
+};
+
+TEST_F(JournalledCalibration, HasEveryCompleteRowAndTheDescription) {
+  setup.RecordFwdPwr = setup.RecordRevPwr = 1;
+  t.dialogs.Answer(MessageAnswer::Yes);
+  CalibrationRuns::Run();
+  EXPECT_EQ(Rows().size(), 3U);
+  EXPECT_EQ(KeptRows(), Rows());
+  EXPECT_EQ(Kept().Head.Planned, 3U);
+  EXPECT_EQ(JoinLines(Kept().Head.Info), RecordText(CalInfoOf(level.Setup()), true));
+  t.dialogs.AnswerSave(t.directory.File("x.cal"));
+  EXPECT_TRUE(level.Save());
+  EXPECT_TRUE(journals.Kept().empty());
+}
+
+TEST_F(JournalledCalibration, LeavesOutARowWhoseReversePowerIsMissing) {
+  setup.RecordFwdPwr = setup.RecordRevPwr = 1;
+  equipment.AmpConfiguration = AmpConfig::Single;
+  CalibrationRuns::Run();
+  ASSERT_EQ(level.Rows().size(), 1U);
+  EXPECT_TRUE(journals.Kept().empty());
+}
+
+TEST_F(JournalledCalibration, KeepsTheRowsOfARunUntilTheNextOneRecords) {
+  t.dialogs.Answer(MessageAnswer::Yes);
+  CalibrationRuns::Run();
+  EXPECT_EQ(KeptRows().size(), 3U);
+  t.dialogs.Answer(MessageAnswer::Cancel);
+  level.Run();
+  EXPECT_EQ(KeptRows().size(), 3U) << "they are to stay";
+  t.dialogs.Answer(MessageAnswer::No);
+  t.dialogs.Answer(MessageAnswer::Yes);
+  HaltAt(2);
+  level.Run();
+  EXPECT_EQ(KeptRows(), Rows()) << "of the new run";
+  EXPECT_LT(Rows().size(), 3U);
+}
+
+TEST_F(JournalledCalibration, HasBothPassesOfACable) {
+  cable.DirectPass(display);
+  EXPECT_EQ(KeptPoints(), "direct direct direct ");
+  HaltAt(4);
+  cable.InsertPass(display);
+  EXPECT_EQ(KeptPoints(), "both both direct ");
+  onMeterRead = nullptr;
+  t.dialogs.AnswerSave(t.directory.File("x.los"));
+  EXPECT_TRUE(cable.SaveFile());
+  EXPECT_TRUE(journals.Kept().empty());
+  cable.InsertPass(display);
+  EXPECT_EQ(KeptPoints(), "both both both ") << "with the direct readings that were kept";
+  t.dialogs.Answer(MessageAnswer::No);
+  cable.DirectPass(display);
+  EXPECT_EQ(KeptPoints(), "direct direct direct ");
+  t.dialogs.Answer(MessageAnswer::Yes);
+  cable.Setup.StopFreq = 8;
+  EXPECT_TRUE(cable.BuildPlan());
+  EXPECT_TRUE(journals.Kept().empty()) << "of another plan";
+}
+
+}  // namespace
+}  // namespace hylden
