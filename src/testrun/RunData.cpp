@@ -67,6 +67,7 @@ int RunData::AddStep(double frequencyMHz) {
 
 void RunData::FillStep(int row, const StepResult& result) {
   At<StepEntry>(row).Result = result;
+  TellRow(row);
 }
 
 int RunData::AddThreshold(double frequencyMHz, double offsetDb) {
@@ -74,13 +75,16 @@ int RunData::AddThreshold(double frequencyMHz, double offsetDb) {
   threshold.Freq = frequencyMHz;
   threshold.OffsetDb = offsetDb;
   entries_.emplace_back(std::move(threshold));
-  return static_cast<int>(entries_.size());
+  const int row = static_cast<int>(entries_.size());
+  TellRow(row);
+  return row;
 }
 
 void RunData::SetComment(int row, std::string comment) {
   std::replace_if(
       comment.begin(), comment.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
   At<ThresholdEntry>(row).Comment = std::move(comment);
+  TellRow(row);
 }
 
 std::vector<std::string> RunHeaderLines(bool thresholdsOnly) {
@@ -111,13 +115,16 @@ Done FileRunData(const RunData& data, const std::string& path, bool thresholdsOn
   return Trapped("FileRunData", path, [&] { ReplaceFile(path, RunFileText(data, thresholdsOnly)); });
 }
 
+FileRequest RunDataRequest(INISettings& settings) {
+  return {"Select run file", "Test Run Files (*.run)|*.run|All Files|*.*", settings.GetDataDir(datakind::kTestResults)};
+}
+
 bool SaveRunData(Shell& shell, const RunData& data) {
   if (data.IsEmpty()) {
     shell.dialogs.Tell("No run data to save");
     return true;
   }
-  const auto path = shell.dialogs.SaveFile({"Select run file", "Test Run Files (*.run)|*.run|All Files|*.*",
-                                            shell.settings.GetDataDir(datakind::kTestResults)});
+  const auto path = shell.dialogs.SaveFile(RunDataRequest(shell.settings));
   return path && shell.Ok(FileRunData(data, *path, false));
 }
 

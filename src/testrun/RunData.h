@@ -1,9 +1,11 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -11,6 +13,7 @@
 
 namespace hylden {
 
+class INISettings;
 class Shell;
 
 /// The columns of the run data, as table and file show them.
@@ -42,12 +45,32 @@ struct StepEntry {
   double Freq = 0;  ///< MHz
   std::optional<StepResult> Result = {};
 };
+template <class F>
+void RowValues(F& f, StepEntry& step) {
+  StepResult& result = step.Result ? *step.Result : step.Result.emplace();
+  f.Value(step.Freq);
+  f.Value(result.SigGenLevel);
+  f.Value(result.TestLevel);
+  f.Value(result.Induced);
+  f.Value(result.FwdPwr);
+  f.Value(result.RevPwr);
+  f.Flag(result.Marks.SigGenAtCalibration);
+  f.Flag(result.Marks.InducedAboveLimit);
+  f.Flag(result.Marks.PowerAboveTarget);
+  f.Flag(result.Marks.ForwardCapHeld);
+}
 /// A susceptibility threshold that the operator marked.
 struct ThresholdEntry {
   double Freq = 0;      ///< MHz
   double OffsetDb = 0;  ///< from the level reached at the step
   std::string Comment = {};
 };
+template <class F>
+void RowValues(F& f, ThresholdEntry& threshold) {
+  f.Value(threshold.Freq);
+  f.Value(threshold.OffsetDb);
+  f.Text(threshold.Comment);
+}
 using RunEntry = std::variant<StepEntry, ThresholdEntry>;
 
 inline bool IsThreshold(const RunEntry& entry) {
@@ -60,12 +83,17 @@ RunRow CellsOf(const RunEntry& entry);
 /// ever added at the end; their numbers, counted from 1, stay valid until Clear.
 class RunData {
  public:
+  /// Called with the number of a row that is complete now, or has changed since.
+  std::function<void(int row)> onRow;
+
   void Clear() { entries_.clear(); }
   const std::vector<RunEntry>& Entries() const { return entries_; }
   bool IsEmpty() const { return entries_.empty(); }
 
   /// A row for a step that begins; returns its number.
   int AddStep(double frequencyMHz);
+  /// An entry from elsewhere, as it is.
+  void Add(RunEntry entry) { entries_.push_back(std::move(entry)); }
   void FillStep(int row, const StepResult& result);
   /// A row for a threshold; returns its number.
   int AddThreshold(double frequencyMHz, double offsetDb);
@@ -76,6 +104,10 @@ class RunData {
   template <class Entry>
   Entry& At(int row) {
     return std::get<Entry>(entries_.at(static_cast<std::size_t>(row - 1)));
+  }
+
+  void TellRow(int row) const {
+    if (onRow) onRow(row);
   }
 
   std::vector<RunEntry> entries_;
@@ -92,6 +124,9 @@ std::string RunFileText(const RunData& data, bool thresholdsOnly);
 
 /// Writes a run data file; a failure leaves an old file whole.
 Done FileRunData(const RunData& data, const std::string& path, bool thresholdsOnly);
+
+/// How a file for run data is asked for.
+FileRequest RunDataRequest(INISettings& settings);
 
 /// The save command: asks for a file and writes all rows to it. Without rows: "No run data to save".
 /// @return false when there were rows and they were not written

@@ -6,7 +6,9 @@
 #include "instruments/Instruments.h"
 #include "run/RunDisplay.h"
 #include "run/RunQuestions.h"
+#include "shell/FormInput.h"
 #include "shell/Shell.h"
+#include "testrun/RunDataJournal.h"
 #include "testrun/RunLoader.h"
 #include "testrun/StepRunner.h"
 
@@ -28,7 +30,12 @@ RunEngine::RunEngine(Shell& shell, Instruments& instruments, Documents& document
       inputs_(std::make_unique<RunInputs>(shell)),
       manual_(shell, instruments, documents.testSetup.Definition, documents.equip.Record, display, controls, guard_,
               data_, reached_),
-      elapsed_(shell.clock) {}
+      elapsed_(shell.clock),
+      journal_(shell, unsaved_) {
+  data_.onRow = [this](int row) {
+    journal_.Row(row, JournalLineOf(data_.Entries()[static_cast<std::size_t>(row - 1)]));
+  };
+}
 
 RunEngine::~RunEngine() = default;
 
@@ -87,6 +94,12 @@ void RunEngine::Reset() {
   display_.RowChanged(0);
   reached_.clear();
   currentStep_ = timedSteps_ = 0;
+  BeginJournal();
+}
+
+void RunEngine::BeginJournal() {
+  journal_.Begin(
+      {.Kind = JournalKind::Test, .Name = FileNameOnly(documents_.testSetup.TestFileName), .Planned = Steps().size()});
 }
 
 void RunEngine::RunTest() {
@@ -166,6 +179,7 @@ void RunEngine::EndRun() {
   guard_.Attempt([&] { manual_.Close(); });
   guard_.Attempt([&] { shell_.speaker.Beep(1000, 2000); });
   shell_.delay.RequestHalt();
+  guard_.Attempt([&] { journal_.TellTrouble(display_); });
   guard_.Attempt([&] { display_.Phase(RunPhase::Asking); });
   guard_.Attempt([&] {
     if (!data_.IsEmpty()) unsaved_.AskAtTheEnd();

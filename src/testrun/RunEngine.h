@@ -5,6 +5,7 @@
 
 #include "run/ElapsedTime.h"
 #include "run/RunGuard.h"
+#include "run/RunJournal.h"
 #include "run/UnsavedRows.h"
 #include "testrun/ManualMode.h"
 #include "testrun/RunData.h"
@@ -69,6 +70,7 @@ class RunEngine {
   PreviousStep Previous() const;
   bool ManualPhase();
   void ShowTimes();
+  void BeginJournal();
   void EndRun();
 
   Shell& shell_;
@@ -87,6 +89,7 @@ class RunEngine {
   int currentStep_ = 0;
   ElapsedTime elapsed_;  ///< without manual mode
   int timedSteps_ = 0;   ///< steps that it covers; not the first, which starts from far below the level
+  RunJournal journal_;
 };
 
 }  // namespace hylden
