@@ -63,6 +63,8 @@ std::vector<std::string> FilesOfTheRun(const RunOptions& options, const Document
     case RunOptions::Job::Calibration:
       Append(files, {options.SetupFile, setup.ListFile, setup.LimitFile, e.CableLossFile});
       break;
+    case RunOptions::Job::Recovery:
+      break;
     case RunOptions::Job::CableLoss:  // it makes the station's cable loss table afresh
       Append(files, {options.Cable["lblListFile"]});
       break;

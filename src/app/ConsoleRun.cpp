@@ -18,6 +18,7 @@ ExitState RunJob(ConsoleStation& station) {
       return RunCableLoss(station);
     case RunOptions::Job::BusInfo:
       return PrintBusInfo(station);
+    case RunOptions::Job::Recovery:  // it needs no station
     case RunOptions::Job::Test:
       break;
   }
@@ -28,8 +29,11 @@ ExitState RunJob(ConsoleStation& station) {
 
 ExitState RunOnConsole(const RunOptions& options) {
   try {
+    if (options.What == RunOptions::Job::Recovery) return RunRecovery(options);
     ConsoleStation station(options);
-    return RunJob(station);
+    const ExitState state = RunJob(station);
+    station.TellJournals();
+    return state;
   } catch (const ProgramEnd&) {
     return ExitState::Failed;  // its message has been shown
   } catch (const std::exception& error) {

@@ -10,7 +10,7 @@ namespace hylden {
 
 /// What hylden-run was asked for.
 struct RunOptions {
-  enum class Job { Test, Calibration, CableLoss, BusInfo };
+  enum class Job { Test, Calibration, CableLoss, BusInfo, Recovery };
 
   Job What = Job::Test;
   std::string EquipmentFile, OutputFile;        ///< may be empty for BusInfo
@@ -18,6 +18,7 @@ struct RunOptions {
   std::string TestFile;                         ///< of a test
   std::string SetupFile;                        ///< of a level calibration
   std::string CouplingFactor;                   ///< of its user-defined coupling method, dB; empty: none given
+  std::string Journal;                          ///< to be recovered; empty: all are listed
   FormEntries Cable = EntriesOf(CableSetup());  ///< of an insertion-loss calibration
   bool UseBench = false;
   std::string BenchFile;  ///< empty: the bench's ordinary values

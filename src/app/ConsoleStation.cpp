@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "app/BusChoice.h"
+#include "app/Recovery.h"
 #include "app/TraceFile.h"
 #include "platform/FlagRaised.h"
 #include "platform/native/ProgramDirectory.h"
@@ -70,6 +71,10 @@ bool ConsoleStation::SetUp() {
   if (!MakeBus()) return false;
   shell_ = std::make_unique<Shell>(Platform{dialogs_, TheClock(), TheLoop(), speaker_, printer_, bus_->Driver()},
                                    ProgramDirectories());
+  journals_ =
+      std::make_unique<JournalFolder>(JournalsIn(shell_->settings.ProgramDirectory()),
+                                      options_.VirtualTime ? JournalFolder::Time::Virtual : JournalFolder::Time::Real);
+  shell_->journals = journals_.get();
   station_ = std::make_unique<Station>(*shell_, bus_->SimulatedBench());
   TheShell().runNotice = notice_;
   if (!notice_.empty()) std::cout << notice_ << '\n' << std::flush;
@@ -128,7 +133,9 @@ bool ConsoleStation::MayMakeOutput(std::size_t rows) {
   }
   output_.Note();
   files.insert(files.end(), output_.Files().begin(), output_.Files().end());
-  return MayMakeTrace(files);
+  if (!MayMakeTrace(files)) return false;
+  std::cout << "What is recorded is kept in " << journals_->Folder() << " until it is saved.\n" << std::flush;
+  return true;
 }
 
 bool ConsoleStation::MayMakeTrace(const std::vector<std::string>& files) {
@@ -209,6 +216,14 @@ void ConsoleStation::Run(const std::function<void()>& work) {
 
 void ConsoleStation::PrintUnsaved(const std::string& text) {
   std::cout << "This is not in " << output_.Name() << ":\n" << text << std::flush;
+}
+
+void ConsoleStation::TellJournals() {
+  if (!journals_) return;
+  for (const std::string& name : journals_->Kept())
+    std::cout << "A journal has what was recorded: hylden-run --recover " << name << " --output FILE\n";
+  if (const auto trouble = journals_->Trouble()) std::cout << "The journal could not be written: " << *trouble << '\n';
+  std::cout << std::flush;
 }
 
 ExitState ConsoleStation::End(RunOutcome outcome, bool saved, std::size_t done, std::size_t planned) {

@@ -16,6 +16,7 @@
 #include "platform/console/ConsoleEventLoop.h"
 #include "platform/console/ConsolePrinter.h"
 #include "platform/console/ConsoleSpeaker.h"
+#include "platform/native/JournalFolder.h"
 #include "platform/native/SingleInstance.h"
 #include "run/RunOutcome.h"
 
@@ -74,6 +75,8 @@ class ConsoleStation {
   void Run(const std::function<void()>& work);
   /// Prints what could not be saved, so that nothing measured is lost.
   void PrintUnsaved(const std::string& text);
+  /// Tells, behind the job, which journals are left of it, and that one could not be written.
+  void TellJournals();
   /// Where the job's data are, or would be if they could be saved.
   const std::string& OutputName() const { return output_.Name(); }
   /// Tells how the job's work ended.
@@ -105,6 +108,7 @@ class ConsoleStation {
   std::unique_ptr<TraceFile> trace_;
   std::unique_ptr<Bus> bus_;
   std::string notice_;  ///< of the simulated bench
+  std::unique_ptr<JournalFolder> journals_;
   std::unique_ptr<Shell> shell_;
   std::unique_ptr<Station> station_;
   std::int64_t elapsedMs_ = 0;

@@ -10,6 +10,7 @@
 #include "app/DesktopBeside.h"
 #include "app/DesktopDemo.h"
 #include "app/DesktopUtilities.h"
+#include "app/OfferJournals.h"
 #include "app/StartUp.h"
 #include "app/Station.h"
 #include "bench/Bench.h"
@@ -90,6 +91,7 @@ Desktop::~Desktop() {
 }
 
 bool Desktop::Start(const std::string& commandLine) {
+  if (options_.journals) OfferJournals(shell_, *options_.journals);
   if (StartUp(station_, commandLine) == Opening::TestDefinition) OpenTestDefinition();
   if (!shell_.end.MayStart()) return false;
   ShowStation();

@@ -8,10 +8,12 @@
 #include "app/BusChoice.h"
 #include "app/Desktop.h"
 #include "app/DesktopApplication.h"
+#include "app/Recovery.h"
 #include "app/StartUp.h"
 #include "app/Station.h"
 #include "bench/Bench.h"
 #include "platform/console/ConsoleClock.h"
+#include "platform/native/JournalFolder.h"
 #include "platform/native/ProgramDirectory.h"
 #include "platform/native/SingleInstance.h"
 #include "platform/qt/EndSignals.h"
@@ -53,13 +55,16 @@ int RunOn(DesktopApplication& application, QtDialogs& dialogs, const std::string
   const BusChoice choice = ConfiguredBus(directories, dialogs);
   Bus bus(choice, events, clock,
           choice.UsesBench() ? ConfiguredBench(choice.BenchFile, directories, dialogs) : BenchConfig());
+  JournalFolder journals(JournalsIn(directories.Program));
   Shell shell(Platform{dialogs, clock, events, speaker, printer, bus.Driver()}, directories);
+  shell.journals = &journals;
   shell.runNotice = choice.BenchNotice();
   Station station(shell, bus.SimulatedBench());
 
   printer.pdfDirectory = [&] { return shell.settings.GetDataDir(datakind::kTestResults); };
 
   DesktopOptions options;
+  options.journals = &journals;
   options.onEnding = [&] { dialogs.CloseBoxes(); };
   options.preview = [&](const std::function<void()>& print) {
     const QtPrinter::Previewing scope(printer);

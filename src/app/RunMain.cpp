@@ -1,5 +1,7 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
+#include <string_view>
 
 #include "app/ConsoleRun.h"
 #include "measure/ReadFreq.h"
@@ -28,6 +30,11 @@ void AddJobs(CLI::App& app, RunOptions& options, const std::vector<CLI::Option*>
       },
       "How the station's instruments are reached, or every address without --equipment, and who listens; "
       "records nothing");
+  jobs->add_option("--recover", options.Journal,
+                   "Save to --output what the journal of a run holds that was not ended in order; without NAME: list "
+                   "the journals")
+      ->expected(0, 1)
+      ->type_name("[NAME]");
   jobs->require_option(1);
 }
 
@@ -62,6 +69,12 @@ std::string HasName(const std::string& name) {
   return name.empty() ? "the file has no name" : std::string();
 }
 
+/// A recovery needs no station.
+bool Recovers(int argc, char** argv) {
+  return std::any_of(argv, argv + argc,
+                     [](std::string_view word) { return word == "--recover" || word.starts_with("--recover="); });
+}
+
 /// What was given says how the cable is stepped through, and which bus is driven.
 void TakeChoices(const CLI::App& app, RunOptions& options) {
   const StepType steps = app.count("--list") > 0          ? StepType::List
@@ -83,18 +96,20 @@ int Refuse(const CLI::App& app, const CLI::ParseError& error) {
 
 int Main(int argc, char** argv) {
   RunOptions options;
+  const bool runs = !Recovers(argc, argv);
+  if (!runs) options.What = RunOptions::Job::Recovery;
   CLI::App app{
       "Runs a conducted RF immunity test or a calibration from its files to the file that it makes.\n"
       "Ctrl-C presses Halt: RF goes off, and what was recorded is saved.\n"
       "Exit status: 0 finished, 1 failed, 2 usage, 3 halted."};
   app.set_version_flag("--version", hylden::VersionTitle());
   auto* const equipment =
-      app.add_option("--equipment", options.EquipmentFile, "Equipment file of the station (.eqp)")->required();
+      app.add_option("--equipment", options.EquipmentFile, "Equipment file of the station (.eqp)")->required(runs);
   auto* const output =
       app.add_option(
              "--output", options.OutputFile,
              "File for what is recorded: run data (.run), a calibration record (.cal), an insertion loss (.los)")
-          ->required()
+          ->required(runs)
           ->check(HasName);
   AddJobs(app, options, {equipment, output});
   app.add_option("--trace", options.TraceFile, "File for all that goes over the bus, a line for each call")

@@ -35,6 +35,9 @@ struct Outcome {
 /// The lock of this test's programs: others run beside it.
 const std::string kOwnLock = "test-" + std::to_string(getpid());
 
+/// The program directory of those that have no other.
+const TempDir kOwnHome;
+
 /// Becomes the program in the directory.
 [[noreturn]] void Become(std::vector<std::string> arguments, const std::string& directory = kStation) {
   arguments.insert(arguments.begin(), HYLDEN_BINARY_DIR "/bin/hylden-run");
@@ -42,6 +45,7 @@ const std::string kOwnLock = "test-" + std::to_string(getpid());
   for (std::string& argument : arguments) argv.push_back(argument.data());
   argv.push_back(nullptr);
   setenv("HYLDEN_LOCK", kOwnLock.c_str(), 1);
+  setenv("HYLDEN_HOME", kOwnHome.Path().c_str(), 0);
   if (chdir(directory.c_str()) == 0) execv(argv[0], argv.data());
   _exit(127);
 }
@@ -515,6 +519,98 @@ TEST_F(HyldenRunProgram, KeepsEveryReadingOfAHaltedInsertPass) {
   const std::size_t printed = Count(outcome.output, "MHz  direct");
   EXPECT_GT(printed, 1000U);
   EXPECT_EQ(inFile + printed, 12'563U);
+}
+
+/// A program directory of its own, where the journals are.
+class KilledHyldenRun : public HyldenRunProgram {
+ protected:
+  KilledHyldenRun() { setenv("HYLDEN_HOME", directory_.File("home").c_str(), 1); }
+  void TearDown() override { unsetenv("HYLDEN_HOME"); }
+
+  /// The name of the one journal, out of the list.
+  static std::string Journal() {
+    const Outcome list = HyldenRun({"--recover"});
+    EXPECT_EQ(list.status, kFinished);
+    EXPECT_EQ(Count(list.output, "\n"), 1U) << list.output;
+    return list.output.substr(0, list.output.find(' '));
+  }
+  Outcome Recover(const std::string& journal, const std::string& output, const Arguments& more = {}) const {
+    Arguments arguments = {"--recover", journal, "--output", directory_.File(output)};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return HyldenRun(arguments);
+  }
+  static Arguments To(const std::string& output, Arguments arguments) {
+    *(std::find(arguments.begin(), arguments.end(), "--output") + 1) = output;
+    return arguments;
+  }
+};
+
+TEST_F(KilledHyldenRun, LosesNoRowThatWasDone) {
+  // More steps than the program can be ahead of what it says: that has to fit into the pipe.
+  const Arguments same = {"--yes", "--seed", "7"};
+  const struct {
+    Arguments job;
+    const char* file;
+    std::size_t before;    ///< the lines before the rows of a file
+    const char* complete;  ///< what it says before the steps that complete a row each
+  } rows[] = {{Test(LongTest(0.3), same), "run", 3, "steps, est"},
+              {Level(Setup([](CalSetupRecord& s) { s.LogStep = 0.3; }), same), "cal", 0, "steps"},
+              {Cable({"--log-step", "0.4", "--yes", "--seed", "7"}), "los", 12, "Insert pass"}};
+  for (const auto& row : rows) {
+    const std::string whole = std::string("whole.") + row.file, back = std::string("back.") + row.file;
+    ASSERT_EQ(HyldenRun(To(directory_.File(whole), row.job)).status, kFinished);
+    const auto told = [&](const std::string& said) {
+      const std::size_t from = said.find(row.complete);
+      return from == std::string::npos ? 0 : Count(said.substr(from), "\nstep ");
+    };
+    for (const std::size_t step : {2U, 3U, 40U, 120U}) {
+      SCOPED_TRACE(std::string(row.file) + " " + std::to_string(step));
+      const Outcome killed = HyldenRun(row.job, [&](pid_t child, const std::string& soFar) {
+        if (told(soFar) >= step) kill(child, SIGKILL);
+      });
+      ASSERT_EQ(killed.status, -1) << "it was killed";
+      const Outcome recovered = Recover(Journal(), back, {"--yes"});
+      EXPECT_EQ(recovered.status, kFinished) << recovered.output;
+      auto expected = ReadLines(directory_.File(whole)), got = ReadLines(directory_.File(back));
+      EXPECT_GE(got.size(), row.before + told(killed.output));
+      ASSERT_LT(got.size(), expected.size());
+      expected.resize(got.size());
+      if (row.before == 12) expected.front() = got.front();  // the file's own name
+      EXPECT_EQ(got, expected);
+    }
+  }
+  EXPECT_EQ(ReadLines(directory_.File("back.hyinfo")).size(), ReadLines(directory_.File("whole.hyinfo")).size());
+  EXPECT_NE(HyldenRun({"--recover"}).output.find("No journal waits"), std::string::npos);
+}
+
+TEST_F(KilledHyldenRun, LeavesAJournalThatIsNotInUseAndReplacesNoFileUnasked) {
+  std::string list;
+  const Outcome killed = HyldenRun(Test(LongTest(0.3), {"--yes"}), [&](pid_t child, const std::string& soFar) {
+    if (soFar.find("step 9 of") == std::string::npos) return;
+    if (list.empty()) list = HyldenRun({"--recover"}).output;
+    kill(child, SIGKILL);
+  });
+  EXPECT_NE(list.find("No journal waits"), std::string::npos) << "while the run is on: " << list;
+  const std::string journal = Journal();
+  EXPECT_EQ(journal.substr(0, 5), "long_");
+  directory_.Write("back.run", "of somebody else");
+  ExpectSaid(Recover(journal, "back.run"), kFailed, "back.run exists");
+  EXPECT_EQ(directory_.Read("back.run"), "of somebody else");
+  ExpectSaid(Recover("none", "x.run"), kFailed, "No such journal");
+  ExpectSaid(HyldenRun({"--recover", journal}), kUsage, "--output");
+  ExpectSaid(Recover(journal, "no/back.run"), kFailed, "Path");
+  ExpectSaid(Recover(journal, "x.run"), kFinished, "saved in");
+}
+
+TEST_F(KilledHyldenRun, NamesTheJournalOfARunThatCouldNotSaveAndOfOneThatCouldNotBeWritten) {
+  std::filesystem::create_directory(directory_.File("to"));
+  const Arguments job = To(directory_.File("to/out.run"), Test(LongTest(0.3), {"--yes"}));
+  const Outcome unsaved = Interrupted(
+      job, "step 3 of", [this] { std::filesystem::remove(directory_.File("to")); }, kNone);
+  ExpectSaid(unsaved, kFailed, "hylden-run --recover " + Journal() + " --output FILE");
+  std::filesystem::remove_all(directory_.File("home"));
+  directory_.Write("home", "a file in the folder's place");
+  ExpectSaid(HyldenRun(Test(kTest, {"--yes"})), kFinished, "The journal could not be written: ");
 }
 
 }  // namespace

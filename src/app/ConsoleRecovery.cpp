@@ -1,0 +1,85 @@
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <optional>
+
+#include "app/ConsoleJobs.h"
+#include "app/Recovery.h"
+#include "documents/SaveCal.h"
+#include "platform/native/JournalFolder.h"
+#include "platform/native/ProgramDirectory.h"
+#include "text/TextFile.h"
+
+namespace hylden {
+
+namespace {
+
+void Tell(const Failure& failure) {
+  for (const Message& box : failure.Boxes()) std::cerr << box.text << '\n';
+}
+
+std::string Reason(const Failure& failure) {
+  return failure.Boxes().front().text;
+}
+
+void List(std::vector<AbandonedJournal> journals) {
+  for (AbandonedJournal& journal : journals) {
+    const auto recovery = RecoveryOf(std::move(journal.Bytes));
+    std::cout << journal.Name << "  "
+              << (recovery ? DescriptionOf(*recovery) : Reason(recovery.error()) + ", it is left alone") << '\n';
+  }
+}
+
+/// The first of the files that would be replaced; nothing when that is wanted.
+std::optional<std::string> KeptFile(const RunOptions& options, JournalKind kind) {
+  std::vector<std::string> files = {options.OutputFile};
+  if (const auto info = InfoFileBeside(options.OutputFile); info && kind == JournalKind::LevelCalibration)
+    files.push_back(*info);
+  for (const std::string& file : files) {
+    std::error_code ignored;
+    if (!options.Yes && std::filesystem::exists(SavePath(file), ignored)) return file;
+  }
+  return std::nullopt;
+}
+
+ExitState Save(const RunOptions& options, AbandonedJournal& journal) {
+  const auto recovery = RecoveryOf(std::move(journal.Bytes));
+  if (!recovery) {
+    std::cerr << journal.File->Path() << ": " << Reason(recovery.error()) << '\n';
+    return ExitState::Failed;
+  }
+  if (const auto kept = KeptFile(options, recovery->Head.Kind)) {
+    std::cerr << *kept << " exists; with --yes it is replaced.\n";
+    return ExitState::Failed;
+  }
+  if (const Done saved = SaveRecovery(*recovery, options.OutputFile); !saved) {
+    Tell(saved.error());
+    return ExitState::Failed;
+  }
+  std::cout << DescriptionOf(*recovery) << "\nsaved in " << options.OutputFile << '\n';
+  (void)journal.File->Remove();
+  return ExitState::Finished;
+}
+
+}  // namespace
+
+ExitState RunRecovery(const RunOptions& options) {
+  const JournalFolder folder(JournalsIn(ProgramDirectory()));
+  std::vector<AbandonedJournal> journals = folder.Abandoned();
+  if (options.Journal.empty()) {
+    if (journals.empty()) std::cout << "No journal waits in " << folder.Folder() << '\n';
+    List(std::move(journals));
+    return ExitState::Finished;
+  }
+  if (options.OutputFile.empty()) {
+    std::cerr << "--output: the file to save it in is missing\n";
+    return ExitState::Usage;
+  }
+  const auto found = std::find_if(journals.begin(), journals.end(),
+                                  [&](const auto& journal) { return journal.Name == options.Journal; });
+  if (found != journals.end()) return Save(options, *found);
+  std::cerr << "No such journal waits in " << folder.Folder() << ": " << options.Journal << '\n';
+  return ExitState::Failed;
+}
+
+}  // namespace hylden

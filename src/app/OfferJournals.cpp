@@ -1,0 +1,86 @@
+#include "app/OfferJournals.h"
+
+#include <string>
+
+#include "app/Recovery.h"
+#include "calibration/InsertionLossText.h"
+#include "calibration/RecordQuestion.h"
+#include "platform/native/JournalFolder.h"
+#include "shell/Shell.h"
+
+namespace hylden {
+
+namespace {
+
+constexpr const char* kTitle = "Recover Recorded Data";
+
+/// The operator's word on one journal.
+class Offer {
+ public:
+  Offer(Shell& shell, const Recovery& recovery)
+      : shell_(shell), recovery_(recovery), what_("\r\n\r\n" + DescriptionOf(recovery) + "\r\n\r\n") {}
+
+  /// Whether the journal is not needed any more.
+  bool IsDone();
+
+ private:
+  bool Save();
+  bool Declined(const std::string& question);
+  FileRequest Request();
+
+  Shell& shell_;
+  const Recovery& recovery_;
+  const std::string what_;
+};
+
+bool Offer::IsDone() {
+  if (!recovery_.FillsFile())
+    return Declined("A run was not ended in order. Its journal holds too little for a file:" + what_ + "Remove it?");
+  const MessageAnswer answer = shell_.dialogs.Show(
+      {"A run was not ended in order. Its journal holds:" + what_ +
+           "Save it?\r\nNo: it is not needed. Cancel: it is kept, and asked about at the next start.",
+       kTitle, MessageIcon::Question, MessageButtons::YesNoCancel});
+  if (answer == MessageAnswer::Yes) return Save();
+  return answer == MessageAnswer::No && Declined("This is in no file. Drop it for good?" + what_);
+}
+
+bool Offer::Declined(const std::string& question) {
+  return shell_.dialogs.Show({question, kTitle, MessageIcon::Exclamation, MessageButtons::YesNo}) == MessageAnswer::Yes;
+}
+
+bool Offer::Save() {
+  const auto path = shell_.dialogs.SaveFile(Request());
+  if (!path) return false;
+  const bool isRecord = recovery_.Head.Kind == JournalKind::LevelCalibration;
+  return (!isRecord || MayReplaceInfo(shell_.dialogs, *path)) && shell_.Ok(SaveRecovery(recovery_, *path));
+}
+
+FileRequest Offer::Request() {
+  switch (recovery_.Head.Kind) {
+    case JournalKind::LevelCalibration:
+      return RecordRequest(shell_.settings);
+    case JournalKind::InsertionLoss:
+      return InsertionLossRequest(shell_.settings);
+    case JournalKind::Test:
+      break;
+  }
+  return RunDataRequest(shell_.settings);
+}
+
+}  // namespace
+
+void OfferJournals(Shell& shell, const JournalFolder& folder) {
+  for (AbandonedJournal& journal : folder.Abandoned()) {
+    const auto recovery = RecoveryOf(std::move(journal.Bytes));
+    if (!recovery) {
+      shell.dialogs.Tell("A journal of recorded data can't be read, and is left alone:\r\n" + journal.File->Path() +
+                             "\r\n" + recovery.error().Boxes().front().text,
+                         MessageIcon::Exclamation);
+      continue;
+    }
+    const bool nothingRecorded = recovery->Recorded == 0 && recovery->Damaged == 0;
+    if (nothingRecorded || Offer(shell, *recovery).IsDone()) (void)journal.File->Remove();
+  }
+}
+
+}  // namespace hylden

@@ -1,0 +1,120 @@
+#include "app/Recovery.h"
+
+#include <array>
+#include <optional>
+#include <utility>
+
+#include "calibration/InsertionLossText.h"
+#include "run/JournalValues.h"
+#include "testrun/RunDataJournal.h"
+#include "text/Numbers.h"
+#include "text/RecordFile.h"
+
+namespace hylden {
+
+namespace {
+
+/// Reads the rows of a journal.
+/// @param read  a row of its line
+template <class Row, class Read>
+std::vector<Row> RowsOf(const Journal& journal, Recovery& recovery, Read read) {
+  std::vector<Row> rows;
+  for (const auto& [number, line] : journal.Rows) {
+    std::optional<Row> row = read(line);
+    row ? rows.push_back(std::move(*row)) : void(++recovery.Damaged);
+  }
+  recovery.Recorded = rows.size();
+  return rows;
+}
+
+double FreqOf(const RunEntry& entry) {
+  return std::visit([](const auto& e) { return e.Freq; }, entry);
+}
+
+/// The frequency of the last row, where there is one.
+template <class Rows, class Freq>
+double LastOf(const Rows& rows, Freq freq) {
+  return rows.empty() ? 0 : freq(rows.back());
+}
+
+void TakeTest(const Journal& journal, Recovery& recovery) {
+  RunData data;
+  auto entries = RowsOf<RunEntry>(journal, recovery, RunEntryOf);
+  recovery.LastMHz = LastOf(entries, FreqOf);
+  recovery.Count = entries.size();
+  for (RunEntry& entry : entries) data.Add(std::move(entry));
+  recovery.Rows = std::move(data);
+}
+
+/// @throws RuntimeError where the head lacks lines of the description
+void TakeRecord(const Journal& journal, Recovery& recovery) {
+  Recovery::Record record{RowsOf<CalRow>(journal, recovery, RowOfLine<CalRow>), {}};
+  RecordReader info(JoinLines(journal.Head.Info));
+  Fields(info, record.Info);
+  recovery.LastMHz = LastOf(record.Rows, [](const CalRow& row) { return row.Freq; });
+  recovery.Count = record.Rows.size();
+  record.Info = InfoOfRows(std::move(record.Info), record.Rows, recovery.Head.Planned);
+  recovery.Rows = std::move(record);
+}
+
+void TakeCable(const Journal& journal, Recovery& recovery) {
+  const auto points = RowsOf<CablePoint>(journal, recovery, RowOfLine<CablePoint>);
+  auto complete = CompletePoints(points);
+  recovery.LastMHz = LastOf(complete.empty() ? points : complete, [](const CablePoint& point) { return point.Freq; });
+  recovery.Count = complete.size();
+  recovery.Rows = std::move(complete);
+}
+
+std::string Counted(std::size_t count, const std::string& what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
+}  // namespace
+
+std::string JournalsIn(const std::string& programDirectory) {
+  return programDirectory + "/journals";
+}
+
+bool Recovery::FillsFile() const {
+  constexpr std::size_t kFewestOfRecord = 2;
+  return Count >= (Head.Kind == JournalKind::LevelCalibration ? kFewestOfRecord : 1);
+}
+
+Result<Recovery> RecoveryOf(std::string bytes) {
+  const Result<Journal> journal = ReadJournal(std::move(bytes));
+  if (!journal) return Because(journal.error());
+  constexpr std::array kTakers = {TakeTest, TakeRecord, TakeCable};  // by JournalKind
+  Recovery recovery{.Head = journal->Head, .Rows = {}, .Damaged = journal->Damaged};
+  if (journal->Rows.empty()) return recovery;
+  try {
+    kTakers[static_cast<std::size_t>(recovery.Head.Kind)](*journal, recovery);
+  } catch (const RuntimeError&) {
+    return Because("Its head is damaged");
+  }
+  return recovery;
+}
+
+std::string DescriptionOf(const Recovery& recovery) {
+  constexpr std::array kKinds = {"Test", "Level calibration", "Insertion loss"};  // by JournalKind
+  const JournalHead& head = recovery.Head;
+  std::string text = std::string(kKinds[static_cast<std::size_t>(head.Kind)]) + " " + head.Name + ", begun " +
+                     head.Started + ": " + Counted(recovery.Count, "row") + " of " + Counted(head.Planned, "step");
+  if (recovery.Recorded > recovery.Count)
+    text += ", " + Counted(recovery.Recorded - recovery.Count, "direct reading") + " without the insert reading";
+  if (recovery.Recorded > 0) text += ", the last at " + ShortestText(recovery.LastMHz) + " MHz";
+  if (recovery.Damaged > 0) text += ", " + Counted(recovery.Damaged, "damaged line") + " left out";
+  return head.Notice.empty() ? text : text + " (" + head.Notice + ")";
+}
+
+Done SaveRecovery(const Recovery& recovery, const std::string& path) {
+  struct Save {
+    const std::string& Path;
+    Done operator()(const RunData& data) const { return FileRunData(data, Path, false); }
+    Done operator()(const Recovery::Record& record) const { return SaveCal(Path, record.Rows, record.Info); }
+    Done operator()(const std::vector<CablePoint>& points) const { return FileInsertionLoss(points, Path); }
+  };
+  if (!recovery.FillsFile()) return Because("The journal holds too little for a file");
+  return std::visit(Save{path}, recovery.Rows);
+}
+
+}  // namespace hylden
