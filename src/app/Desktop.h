@@ -32,10 +32,10 @@ enum class InstrumentKind;
 struct DesktopOptions {
   /// Called when the program has been asked to end: boxes on the screen have to give way.
   std::function<void()> onEnding = {};
-  /// Where runs keep their rows: what an earlier program has left there is offered at the start.
-  const JournalFolder* journals = nullptr;
   /// Runs a print command with the preview window in the printer's place.
   std::function<void(const std::function<void()>& print)> preview = {};
+  /// Where runs keep their rows: what an earlier program has left there is offered at the start.
+  const JournalFolder* journals = nullptr;
 };
 
 /// The windows of the program and who opens what: forms tell by signals what they want, and are connected here. When a

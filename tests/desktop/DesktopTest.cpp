@@ -2,6 +2,8 @@
 
 #include "desktop/DemoWindows.h"
 #include "documents/qt/frmEquipment.h"
+#include "platform/native/JournalFolder.h"
+#include "run/JournalFile.h"
 #include "text/RecordFile.h"
 
 namespace hylden {
@@ -63,6 +65,16 @@ TEST_F(DesktopTest, SecondEquipmentFormCostsTheFirstNothingThatWasChangedThere) 
 TEST_F(DesktopTest, MissingHelpFileIsTold) {
   QTest::keyClick(&m.desktop->Menu(), Qt::Key_F1);
   EXPECT_EQ(dialogs.LastText(), "The help file can't be read:\r\n" + m.directory.File("hylden.hlp"));
+}
+
+TEST_F(DesktopTest, OffersAtItsStartWhatAnEarlierProgramHasLeft) {
+  m.directory.Write("journals/radio.journal", HeadLines({}) + RowLine(1, "threshold 0.15 -3 flickers"));
+  const JournalFolder journals(m.directory.File("journals"));
+  m.desktop = std::make_unique<Desktop>(m.station, DesktopOptions{.journals = &journals});
+  dialogs.Answer(MessageAnswer::Cancel);
+  EXPECT_TRUE(m.desktop->Start({}));
+  EXPECT_TRUE(dialogs.WasShownContaining("Its journal holds:"));
+  EXPECT_TRUE(m.directory.Exists("journals/radio.journal"));
 }
 
 TEST_F(DesktopTest, ExitButtonEndsTheProgram) {
