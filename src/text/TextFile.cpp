@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "text/DiskSync.h"
 #include "text/Encoding.h"
 #include "text/ExistingPath.h"
 #include "text/Leftovers.h"
@@ -97,10 +98,11 @@ std::string ReadAll(std::FILE* file) {
   return bytes;
 }
 
-/// Writes everything and closes the file: a full disk may show only now.
+/// Writes everything to the disk and closes the file: a disk that is full, or a share that is gone, may show only now.
 void WriteAndClose(File file, std::string_view content) {
   const bool written = std::fwrite(content.data(), 1, content.size(), file.get()) == content.size();
   if (!written || std::fflush(file.get()) != 0) FailWith(errno);
+  if (const int failed = SyncFile(file.get())) FailWith(failed);
   if (std::fclose(file.release()) != 0) FailWith(errno);
 }
 
@@ -223,6 +225,7 @@ void FileReplacement::Place() {
   fs::rename(written_.Path, target_, failed);
   if (failed) FailWith(failed.value());
   written_.Path.clear();
+  if (const int notSynced = SyncFolder(target_.parent_path())) FailWith(notSynced);
 }
 
 void ReplaceFile(const std::string& path, std::string_view content) {

@@ -36,6 +36,8 @@ class LineReader {
 /// A file's new content, written beside it and not yet in its place: when several files belong together, each is
 /// written before the first is replaced; without Place the old file stays as it is. A symbolic link keeps pointing at
 /// the replaced file; permissions are kept; a file without write permission is refused. A device is written at once.
+/// What is written, and what stands in its place, is on the disk when the call returns: a power cut leaves the old file
+/// or the new one, whole.
 class FileReplacement {
  public:
   /// @throws RuntimeError PathNotFound, PathFileAccessError, DiskFull, PermissionDenied; the old file is untouched
@@ -43,7 +45,7 @@ class FileReplacement {
   FileReplacement(const FileReplacement&) = delete;
   FileReplacement& operator=(const FileReplacement&) = delete;
 
-  /// @throws RuntimeError; the old file is untouched
+  /// @throws RuntimeError; the old file is untouched, unless the disk fails after the new one has taken its place
   void Place();
 
  private:

@@ -9,22 +9,14 @@
 #include <filesystem>
 #include <utility>
 
+#include "text/DiskSync.h"
+
 namespace hylden {
 
 namespace {
 
 std::error_code LastError() {
   return {errno, std::generic_category()};
-}
-
-/// A new name is in its directory after a power cut only when the directory itself was written.
-bool SyncFolderOf(const std::string& path) {
-  const std::string folder = std::filesystem::path(path).parent_path().string();
-  const int directory = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (directory < 0) return false;
-  const bool synced = fsync(directory) == 0 || errno == EINVAL;  // some file systems can't, and need not
-  close(directory);
-  return synced;
 }
 
 }  // namespace
@@ -39,7 +31,7 @@ std::unique_ptr<OwnedFile> OwnedFile::Make(const std::string& path, std::error_c
     std::unique_ptr<OwnedFile> made(new OwnedFile(file, path));
     // Somebody who looked for abandoned files may have taken the empty one, and removed it.
     if (made->Lock(LOCK_EX)) {
-      if (!SyncFolderOf(path)) failure = LastError();
+      failure.assign(SyncFolder(std::filesystem::path(path).parent_path()), std::generic_category());
       return made;
     }
   }

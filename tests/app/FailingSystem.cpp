@@ -1,0 +1,94 @@
+#include "app/FailingSystem.h"
+
+#include <dlfcn.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <utility>
+
+namespace {
+
+int left = 0;  ///< calls until the one that fails; 0: it has come, or none is to fail
+bool kills = false;
+std::string took;
+
+template <class Function>
+Function* Real(Function*, const char* name) {
+  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+/// Whether this call is the one.
+bool Strikes(int error) {
+  if (left == 0 || --left > 0) return false;
+  if (kills) raise(SIGKILL);
+  errno = error;
+  return true;
+}
+
+}  // namespace
+
+namespace hylden {
+
+void FailingSystem::Arm(int call, How how) {
+  left = call;
+  kills = how == How::Kill;
+}
+
+bool FailingSystem::Disarm() {
+  const bool came = left == 0;
+  left = 0;
+  return came;
+}
+
+std::string FailingSystem::Took() {
+  return std::exchange(took, {});
+}
+
+}  // namespace hylden
+
+extern "C" {
+
+FILE* fopen(const char* path, const char* mode) {
+  static auto* const real = Real(&fopen, "fopen");
+  return Strikes(EACCES) ? nullptr : real(path, mode);
+}
+
+size_t fwrite(const void* bytes, size_t size, size_t count, FILE* file) {
+  static auto* const real = Real(&fwrite, "fwrite");
+  if (left != 1) {
+    if (left > 0) --left;
+    return real(bytes, size, count, file);
+  }
+  const size_t half = real(bytes, size, count / 2, file);
+  static auto* const flush = Real(&fflush, "fflush");
+  flush(file);
+  return Strikes(ENOSPC) ? half : count;
+}
+
+int fflush(FILE* file) {
+  static auto* const real = Real(&fflush, "fflush");
+  return Strikes(ENOSPC) ? EOF : real(file);
+}
+
+int fsync(int file) {
+  static auto* const real = Real(&fsync, "fsync");
+  took += "sync ";
+  return Strikes(EIO) ? -1 : real(file);
+}
+
+int fclose(FILE* file) {
+  static auto* const real = Real(&fclose, "fclose");
+  if (!Strikes(EIO)) return real(file);
+  real(file);
+  errno = EIO;
+  return EOF;
+}
+
+int rename(const char* from, const char* to) noexcept {
+  static auto* const real = Real(&rename, "rename");
+  took += "rename ";
+  return Strikes(EIO) ? -1 : real(from, to);
+}
+}
