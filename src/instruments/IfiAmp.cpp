@@ -72,7 +72,9 @@ Done IfiAmp::IfiSetBand(double frequencyMHz) {
   const Band wanted = frequencyMHz <= bandSwitchMHz_ ? Band::Low : Band::High;
   if (wanted == band_) return {};
   // The amplifiers never change over under power.
-  return sigGen_.SilenceRf().and_then([&] { return wanted == Band::Low ? SelectLow() : SelectHigh(); });
+  if (Done silenced = sigGen_.SilenceRf(); !silenced) return silenced;
+  band_ = Band::None;  // until all has gone out: half a change-over is neither band
+  return (wanted == Band::Low ? SelectLow() : SelectHigh()).map([&] { band_ = wanted; });
 }
 
 Done IfiAmp::SelectLow() {
@@ -85,7 +87,6 @@ Done IfiAmp::SelectLow() {
                               {kLowUnit, "9"}});
   if (!changedOver) return changedOver;
   shell_.delay.Delay(kBandChangeSeconds, false);
-  band_ = Band::Low;
   return SendTo({kHighUnit, "ZA"});
 }
 
@@ -94,7 +95,7 @@ Done IfiAmp::SelectHigh() {
       {{kHighUnit, "FA"}, {kLowUnit, "8"}, {kHighUnit, "L3"}, {kHighUnit, "M1"}, {kHighUnit, "ON"}, {kHighUnit, "B2"}});
   if (!changedOver) return changedOver;
   shell_.delay.Delay(kBandChangeSeconds, false);
-  return SendTo({kHighUnit, "ZA"}).map([&] { band_ = Band::High; });
+  return SendTo({kHighUnit, "ZA"});
 }
 
 Result<IfiAmp::Powers> IfiAmp::IfiReadPower() {

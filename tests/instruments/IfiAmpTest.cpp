@@ -68,8 +68,12 @@ TEST_F(IfiAmpTest, AFailedCommandStopsTheChangeOverAndLeavesItToBeRepeated) {
       EXPECT_TRUE(FailsWith(s.ifiAmp.IfiSetBand(high ? 300 : 100), "Error sending command to amps\r\n"));
       EXPECT_EQ(s.Took().size(), static_cast<std::size_t>(n));
       EXPECT_TRUE(s.ifiAmp.IfiSetBand(high ? 300 : 100));
-      const bool lowWasOn = !high && n == static_cast<int>(sequence.size());
-      EXPECT_EQ(s.Took(), lowWasOn ? Strings{} : sequence);
+      EXPECT_EQ(s.Took(), sequence);
+      s.bus.FailCall(std::min(n, static_cast<int>(kHigh.size())), gpib::kEnol);
+      EXPECT_FALSE(s.ifiAmp.IfiSetBand(high ? 100 : 300));
+      s.Took();
+      EXPECT_TRUE(s.ifiAmp.IfiSetBand(high ? 300 : 100));
+      EXPECT_EQ(s.Took(), sequence) << "it is not the band before the change-over any more";
     }
   }
 }
