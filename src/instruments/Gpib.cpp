@@ -97,6 +97,10 @@ void Terminator::Derive(std::int32_t endOfString) {
 
 Gpib::Gpib(Shell& shell) : shell_(shell) {}
 
+Gpib::~Gpib() {
+  (void)CloseAll();
+}
+
 bool Gpib::Carries(std::string_view utf8) {
   for (std::size_t at = 0; at < utf8.size();) {
     const Utf8Character character = CharacterAt(utf8, at);
@@ -142,6 +146,7 @@ Done Gpib::GpibOpen(int address, const std::string& initCommand, const std::stri
   std::array<std::int16_t, 2> listeners{};
   Impatiently(address, &Device::SendTimeOuts, [&] { shell_.gpib.FindLstn(kBoard, addresses, listeners); });
   if (Failed()) return Because(GpibError("Error finding " + name));
+  devices_[address].RemoteAs = name;  // one that timed out may be there all the same
   Impatiently(address, &Device::SendTimeOuts, [&] { shell_.gpib.SetRWLS(kBoard, addresses); });
   if (Failed()) return Because(GpibError("Error in setting " + name + " to remote mode. "));
   if (!initCommand.empty() && !Send(address, initCommand)) return Because(GpibError("Error initializing " + name));
@@ -152,7 +157,21 @@ Done Gpib::GpibOpen(int address, const std::string& initCommand, const std::stri
 Done Gpib::GpibClose(int address, const std::string& name) {
   Impatiently(address, &Device::SendTimeOuts, [&] { shell_.gpib.EnableLocal(kBoard, ListOf(address)); });
   if (Failed()) return Because(GpibError("Error closing " + name));
+  devices_[address].RemoteAs.clear();
   return {};
+}
+
+Done Gpib::CloseAll() {
+  Done closed;
+  for (const auto& [address, device] : devices_) {
+    if (device.RemoteAs.empty()) continue;
+    try {
+      closed = Both(closed, GpibClose(address, std::string(device.RemoteAs)));
+    } catch (const std::exception& error) {
+      closed = Both(closed, Because(Failure::Report(error, "GpibClose")));
+    }
+  }
+  return closed;
 }
 
 template <class Call>

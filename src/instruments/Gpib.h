@@ -28,6 +28,10 @@ struct Terminator {
 class Gpib {
  public:
   explicit Gpib(Shell& shell);
+  /// Leaves no device in remote.
+  ~Gpib();
+  Gpib(const Gpib&) = delete;
+  Gpib& operator=(const Gpib&) = delete;
 
   /// Whether the bus has a byte for each character of a text; a command's other characters would go out as "?".
   static bool Carries(std::string_view utf8);
@@ -44,6 +48,8 @@ class Gpib {
   Done GpibOpen(int address, const std::string& initCommand, const std::string& name);
   /// Back to local.
   Done GpibClose(int address, const std::string& name);
+  /// Back to local, whatever was put in remote and is not local yet; each is tried, whatever the others do.
+  Done CloseAll();
   /// Sends with EOI on the last byte; false when the status has ERR.
   bool Send(int address, const std::string& command);
   /// The same. @param failure  the first line of why not
@@ -76,6 +82,7 @@ class Gpib {
     int SendTimeOuts = 0;  ///< until it answers: one that takes a command now and then hangs all the same
     int ReadTimeOuts = 0;  ///< in a row
     bool LastSendFailed = false;
+    std::string RemoteAs;  ///< the name under which it was put in remote; empty once it is local
   };
 
   /// Does a call to a device. Where it, or the bus, has timed out it is waited for less and less: RF off is tried again

@@ -104,6 +104,8 @@ Done InstrumentTrial::TakeDown() {
   } catch (...) {
     down = Because();
   }
+  const Done local = instruments_.gpib.CloseAll();
+  if (down) down = local;
   RfOff();
   Release();
   return down;

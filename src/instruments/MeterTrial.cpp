@@ -3,21 +3,10 @@
 #include "instruments/Instruments.h"
 
 namespace hylden {
-namespace {
-
-/// A meter that does not take its shutdown command is at least left local.
-Done LeaveLocal(Instruments& instruments) {
-  Meter& meter = instruments.meter;
-  Done left = meter.MeterShutdown();
-  if (!left) (void)instruments.gpib.GpibClose(meter.Address(), "Meter");
-  return left;
-}
-
-}  // namespace
 
 MeterTrial::MeterTrial(Shell& shell, Instruments& instruments)
     : InstrumentTrial(
-          shell, instruments, [&instruments] { return LeaveLocal(instruments); }, false),
+          shell, instruments, [&instruments] { return instruments.meter.MeterShutdown(); }, false),
       meter_(instruments.meter) {
   Offer("mnuTestInit", [this] { return BringUp([this] { return meter_.InitMeter(); }); });
   Offer("mnuTestSetLevel", [this] {

@@ -7,19 +7,11 @@ namespace {
 
 constexpr int kChannel = 1;
 
-/// A power meter that does not take its shutdown command is at least left local.
-Done LeaveLocal(Instruments& instruments) {
-  PM& pm = instruments.pm;
-  Done left = pm.PwrMtrShutdown();
-  if (!left) (void)instruments.gpib.GpibClose(pm.Address(), "PwrMtr");
-  return left;
-}
-
 }  // namespace
 
 PMTrial::PMTrial(Shell& shell, Instruments& instruments)
     : InstrumentTrial(
-          shell, instruments, [&instruments] { return LeaveLocal(instruments); }, false),
+          shell, instruments, [&instruments] { return instruments.pm.PwrMtrShutdown(); }, false),
       pm_(instruments.pm) {
   Offer("mnuTestInit", [this] { return BringUp([this] { return pm_.InitPwrMtr(); }); });
   Offer("mnuTestSetFreq", [this] {

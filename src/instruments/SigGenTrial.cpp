@@ -7,20 +7,17 @@ namespace {
 
 constexpr const char* kModulationFrequency = "Enter Modulation Frequency in ";
 
-/// Minimum, RF off, local. A generator that does not take the first two is at least left local.
-Done LeaveLocal(Instruments& instruments) {
-  SigGen& sigGen = instruments.sigGen;
-  Done left = sigGen.ShutdownSigGen();
-  if (!left) left = sigGen.ShutdownSigGen();
-  if (!left) (void)instruments.gpib.GpibClose(sigGen.Address(), "SigGen");
-  return left;
+/// Minimum, RF off, local; tried twice.
+Done ShutDown(SigGen& sigGen) {
+  const Done down = sigGen.ShutdownSigGen();
+  return down ? down : sigGen.ShutdownSigGen();
 }
 
 }  // namespace
 
 SigGenTrial::SigGenTrial(Shell& shell, Instruments& instruments)
     : InstrumentTrial(
-          shell, instruments, [&instruments] { return LeaveLocal(instruments); }, true),
+          shell, instruments, [&instruments] { return ShutDown(instruments.sigGen); }, true),
       sigGen_(instruments.sigGen) {
   Offer("mnuTestInit", [this] { return Init(); });
   Offer("mnuTestSetFreqLev", [this] { return SetFreqLevel(); });

@@ -34,8 +34,9 @@ class InstrumentsUp {
   void CloseSigGen();
   /// RF off, quietly, before anything that may stall on the way to TakeDown.
   void SwitchRfOff();
-  /// Takes down what was brought up, RF first. Each instrument is taken down even when the one before fails; an
-  /// exception from one of them is thrown on after the last. Shows what failed, and tells when RF may still be on.
+  /// Takes down what was brought up, RF first, and leaves what came up half-way local. Each instrument is taken down
+  /// even when the one before fails; an exception from one of them is thrown on after the last. Shows what failed, and
+  /// tells when RF may still be on.
   void TakeDown();
 
  private:

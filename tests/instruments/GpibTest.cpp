@@ -46,6 +46,27 @@ TEST(Gpib, OpenAndCloseTellWhichStepFailed) {
   EXPECT_TRUE(FailsWith(s.gpib.GpibClose(13, "Meter"), "Error closing Meter\r\n"));
 }
 
+TEST(Gpib, WhateverWasPutInRemoteIsBroughtBackToLocalOnceAlsoAfterAFailure) {
+  auto s = std::make_unique<TestStation>();
+  s->bus.FailLine("REMOTE 18", gpib::kEabo);  // it may be in remote all the same
+  EXPECT_FALSE(s->gpib.GpibOpen(18, "", "SigGen"));
+  s->bus.FailLine("> 13 IP", gpib::kEabo);
+  EXPECT_FALSE(s->gpib.GpibOpen(13, "IP", "Meter"));
+  EXPECT_TRUE(s->gpib.GpibOpen(7, "", "PwrMtr"));
+  EXPECT_TRUE(s->gpib.GpibClose(7, "PwrMtr"));
+  s->bus.FailLine("FIND 5", gpib::kEnol);
+  EXPECT_FALSE(s->gpib.GpibOpen(5, "", "Meter"));
+  EXPECT_TRUE(s->gpib.GpibIfc());
+  s->Took();
+  s->bus.FailLine("LOCAL 13", gpib::kEnol);
+  EXPECT_TRUE(FailsWith(s->gpib.CloseAll(), "Error closing Meter\r\n"));
+  EXPECT_EQ(s->Took(), (Strings{"LOCAL 13 !2", "LOCAL 18"}));
+  Strings atTheEnd;
+  s->bus.transcript.onLine = [&](const std::string& line) { atTheEnd.push_back(line); };
+  s.reset();
+  EXPECT_EQ(atTheEnd, (Strings{"LOCAL 13"})) << "the program ends";
+}
+
 TEST(Gpib, CutsAnAnswerAtItsBytesBeforeDecodingIt) {
   TestStation s;
   std::string answer;

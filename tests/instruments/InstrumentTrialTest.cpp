@@ -201,6 +201,10 @@ TEST(InstrumentTrial, AnInitThatFailsAnywhereIsToldOnceAndTakesNothingUp) {
       EXPECT_FALSE(b.sigGen.RfIsOn());
       EXPECT_EQ(b.Offered(), (Strings{"mnuTestInit"}));
       EXPECT_FALSE(b.t.shell.InstrumentsClaimed());
+      const auto count = [sent = b.Took()](const std::string& beginning) {
+        return std::count_if(sent.begin(), sent.end(), [&](const auto& line) { return line.starts_with(beginning); });
+      };
+      EXPECT_GE(count("LOCAL "), count("REMOTE ")) << "it stays locked out";
     }
 }
 

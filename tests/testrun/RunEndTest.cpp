@@ -297,6 +297,15 @@ TEST_F(RunEndTest, ARunWithoutPlanOrTablesTouchesNoInstrument) {
   }
 }
 
+/// Whether a device that was put in remote was brought back.
+bool EndsLocal(const Strings& lines, const std::string& device) {
+  const auto last = [&](const std::string& beginning) {
+    return std::find_if(lines.rbegin(), lines.rend(), [&](const auto& line) { return line.starts_with(beginning); });
+  };
+  const auto remote = last("REMOTE " + device);
+  return remote == lines.rend() || last("LOCAL " + device) < remote;
+}
+
 TEST_F(RunEndTest, AnInstrumentThatDoesNotComeUpEndsTheRunBeforeRfIsOn) {
   const struct {
     void (*change)(RunRig&);
@@ -315,6 +324,8 @@ TEST_F(RunEndTest, AnInstrumentThatDoesNotComeUpEndsTheRunBeforeRfIsOn) {
       {[](auto& r) { r.test.LevelingMethod = LevelingMethod::ForwardPower, r.bus.FailLine("FIND 7", gpib::kEnol); },
        "Error initializing Power Meter"},
       {[](auto& r) { r.test.MonitorProbe = true, r.bus.FailLine("FIND 13", gpib::kEnol); }, "Error initializing meter"},
+      {[](auto& r) { r.test.MonitorProbe = true, r.bus.FailLine("> 13 IP", gpib::kEabo); }, "Error initializing meter"},
+      {[](auto& r) { r.bus.FailLine("REMOTE 18", gpib::kEnol); }, "Error initializing signal generator"},
       {[](auto& r) { r.equipment.AmplifierType = AmpType::Ifi, r.bus.FailLine("> 10 8", gpib::kEabo); },
        "Error initializing IFI amp"},
   };
@@ -332,6 +343,8 @@ TEST_F(RunEndTest, AnInstrumentThatDoesNotComeUpEndsTheRunBeforeRfIsOn) {
     EXPECT_EQ(failing.t.speaker.tones.size(), 1U);
     EXPECT_EQ(failing.highestDbm, -200);
     EXPECT_TRUE(failing.Rows().empty());
+    for (const std::string device : {"18", "13", "7"})
+      EXPECT_TRUE(EndsLocal(failing.bus.Lines(), device)) << device << " stays locked out";
     const auto& told = failing.t.dialogs.messages.front();  // in one box with what the driver has to tell
     EXPECT_TRUE(told.text.ends_with(c.text)) << told.text;
     EXPECT_EQ(told.icon, MessageIcon::Critical);
