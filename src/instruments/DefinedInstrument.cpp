@@ -112,7 +112,7 @@ template <class Record>
 Done DefinedInstrument<Record>::Open(const char* name) {
   if (Done ready = Ready(); !ready) return ready;
   return gpib_.GpibOpen(Address(), definition_.InitString.empty() ? "" : definition_.InitString + terminator_.Text,
-                        name);
+                        name, terminator_.Bare());
 }
 
 template <class Record>

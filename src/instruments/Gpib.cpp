@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <numeric>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "shell/Shell.h"
@@ -141,17 +142,27 @@ Result<std::vector<int>> Gpib::Listeners() {
   return std::vector<int>(listeners.begin(), found);
 }
 
-Done Gpib::GpibOpen(int address, const std::string& initCommand, const std::string& name) {
-  const AddressList addresses = ListOf(address);
-  std::array<std::int16_t, 2> listeners{};
-  Impatiently(address, &Device::SendTimeOuts, [&] { shell_.gpib.FindLstn(kBoard, addresses, listeners); });
-  if (Failed()) return Because(GpibError("Error finding " + name));
+Done Gpib::GpibOpen(int address, const std::string& initCommand, const std::string& name, const std::string& bare) {
+  const Result<bool> unseen = Find(address, name);
+  if (!unseen) return Because(unseen.error());
   devices_[address].RemoteAs = name;  // one that timed out may be there all the same
-  Impatiently(address, &Device::SendTimeOuts, [&] { shell_.gpib.SetRWLS(kBoard, addresses); });
+  Impatiently(address, &Device::SendTimeOuts, [&] { shell_.gpib.SetRWLS(kBoard, ListOf(address)); });
   if (Failed()) return Because(GpibError("Error in setting " + name + " to remote mode. "));
-  if (!initCommand.empty() && !Send(address, initCommand)) return Because(GpibError("Error initializing " + name));
+  const std::string& first = initCommand.empty() && *unseen ? bare : initCommand;
+  if (!first.empty() && !Send(address, first))
+    return Because(GpibError((*unseen ? "Error finding " : "Error initializing ") + name));
   shell_.delay.Delay(kOpenWaitSeconds, false);
   return {};
+}
+
+Result<bool> Gpib::Find(int address, const std::string& name) {
+  std::array<std::int16_t, 2> listeners{};
+  Impatiently(address, &Device::SendTimeOuts, [&] { shell_.gpib.FindLstn(kBoard, ListOf(address), listeners); });
+  if (!Failed()) return false;
+  if (iberr != gpib::kEcap) return Because(GpibError("Error finding " + name));
+  if (!std::exchange(lacksLineStatus_, true))
+    shell_.log.LogFile("The board can't tell who listens: instruments are found by their first command");
+  return true;
 }
 
 Done Gpib::GpibClose(int address, const std::string& name) {

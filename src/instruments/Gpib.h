@@ -44,8 +44,12 @@ class Gpib {
   /// The addresses, of 0 to 30, at which somebody listens; the board's own may be among them.
   Result<std::vector<int>> Listeners();
   /// Finds the device, puts it in remote with lockout, sends the init command (terminator already appended, may be
-  /// empty) and waits 2 s. Failures give the name.
-  Done GpibOpen(int address, const std::string& initCommand, const std::string& name);
+  /// empty) and waits 2 s. Failures give the name. Where the board can't tell who listens, the device is found by the
+  /// first command that it takes.
+  /// @param bare  stands for that command where there is no init command: a message that is nothing but an end
+  Done GpibOpen(int address, const std::string& initCommand, const std::string& name, const std::string& bare = "\n");
+  /// The board, or the adapter that stands for it, has shown that it can't tell who listens.
+  bool LacksLineStatus() const { return lacksLineStatus_; }
   /// Back to local.
   Done GpibClose(int address, const std::string& name);
   /// Back to local, whatever was put in remote and is not local yet; each is tried, whatever the others do.
@@ -76,6 +80,8 @@ class Gpib {
 
  private:
   void RegisterOnce();
+  /// @return whether the board can't tell whether anybody listens there
+  Result<bool> Find(int address, const std::string& name);
   void Refresh();
   /// How a device has behaved since bus work started.
   struct Device {
@@ -100,6 +106,7 @@ class Gpib {
   int busTimeOuts_ = 0;            ///< of calls to any device in a row
   bool registered_ = false;
   bool interfaceCleared_ = false;
+  bool lacksLineStatus_ = false;
 };
 
 }  // namespace hylden

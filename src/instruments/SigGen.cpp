@@ -20,7 +20,7 @@ Done SigGen::InitSigGen(double frequencyMHz, float levelDbm) {
   if (Done ready = Ready(); !ready) return ready;
   rf_ = Rf::Unknown;  // whatever state the generator is found in, it has to be switched off
   // An empty Init String still sends the terminator: it ends a command left half-typed in the generator.
-  Done opened = gpib_.GpibOpen(Address(), definition_.InitString + terminator_.Text, kName);
+  Done opened = gpib_.GpibOpen(Address(), definition_.InitString + terminator_.Text, kName, terminator_.Bare());
   if (!opened) return opened;
   ForgetSent();
   const bool atMinimum = frequencyMHz == 0;

@@ -1,5 +1,6 @@
 #include "instruments/Gpib.h"
 
+#include "support/ReadLines.h"
 #include "support/TestStation.h"
 
 namespace hylden {
@@ -44,6 +45,25 @@ TEST(Gpib, OpenAndCloseTellWhichStepFailed) {
   TestStation s;
   s.bus.FailCall(1, gpib::kEnol);
   EXPECT_TRUE(FailsWith(s.gpib.GpibClose(13, "Meter"), "Error closing Meter\r\n"));
+}
+
+TEST(Gpib, ABoardThatCanNotTellWhoListensFindsADeviceByItsFirstCommand) {
+  TestStation s;
+  s.t.shell.settings.Store().SaveSettingInt("System", "LogToFile", 1);
+  const WorkingDirectory at(s.t.directory.Path());
+  EXPECT_FALSE(s.gpib.LacksLineStatus());
+  for (int times = 0; times < 6; ++times) s.bus.FailLine("FIND", gpib::kEcap);
+  EXPECT_TRUE(s.gpib.GpibOpen(13, "IP\r", "Meter"));
+  EXPECT_TRUE(s.gpib.GpibOpen(7, "", "PwrMtr", "\r\n"));
+  EXPECT_EQ(s.Took(), (Strings{"FIND 13 !11", "REMOTE 13", "> 13 IP\\r", "FIND 7 !11", "REMOTE 7", "> 7 \\r\\n"}));
+  s.bus.absent = {13, 7};
+  EXPECT_TRUE(FailsWith(s.gpib.GpibOpen(13, "IP\r", "Meter"), "Error finding Meter\r\n"));
+  EXPECT_TRUE(FailsWith(s.gpib.GpibOpen(7, "", "PwrMtr"), "Error finding PwrMtr\r\n"));
+  EXPECT_TRUE(s.gpib.LacksLineStatus());
+  EXPECT_EQ(ReadLines("runlog.hyl").size(), 1U) << "told once";
+  Redefine(s.sigGen, [](auto& d) { d.InitString = ""; });
+  EXPECT_TRUE(s.sigGen.InitSigGen(0, -60));
+  EXPECT_EQ(s.bus.transcript.SentTo(18).front(), "\\n") << "none is the end, and a line feed stands for it";
 }
 
 TEST(Gpib, WhateverWasPutInRemoteIsBroughtBackToLocalOnceAlsoAfterAFailure) {
