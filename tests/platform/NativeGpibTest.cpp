@@ -3,12 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdio>
 #include <cstring>
 #include <map>
 #include <string>
 #include <vector>
 
+#include "support/ScriptedBus.h"
 #include "support/TempDir.h"
+#include "support/TestLibrary.h"
 
 namespace hylden {
 namespace {
@@ -191,6 +194,37 @@ TEST_F(NativeGpibTest, WithoutAWholeLibraryEveryCallFailsWithEdvrAndSaysWhatIsMi
     EXPECT_TRUE(driver.Advice().starts_with(advice)) << driver.Advice();
   }
   EXPECT_TRUE(library.calls.empty());
+}
+
+TEST(NativeGpibChatter, WhatALibraryWritesToStandardErrorIsKeptFromTheTerminal) {
+  ScriptedBus bus;
+  GpibLibrary opened = OpenTestLibrary(kLinuxGpib, bus);
+  const auto let = reinterpret_cast<void (*)(const char*)>(opened.Find("test_chatter"));
+  NativeGpib driver(opened);
+  testing::internal::CaptureStderr();
+  let("libgpib: no such device\n");
+  driver.SendIFC(0);
+  driver.ibtmo(0, gpib::kT10s);
+  EXPECT_EQ(driver.TakeChatter(), "libgpib: no such device\nlibgpib: no such device\n");
+  EXPECT_EQ(driver.TakeChatter(), "");
+  for (const char* const piece : {"1", "2"}) {
+    const std::string much(ErrorCapture::kMost, *piece);
+    let(much.c_str());
+    driver.SendIFC(0);
+  }
+  EXPECT_EQ(driver.TakeChatter(), std::string(ErrorCapture::kMost, '2'));
+  std::fputs("the program's own", stderr);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "the program's own");
+}
+
+TEST(NativeGpibWay, NamesLibraryBoardAndVersionOrWhatIsMissing) {
+  ScriptedBus bus;
+  const std::string file = HYLDEN_TEST_LIBRARIES;
+  EXPECT_EQ(NativeGpib(OpenTestLibrary(kLinuxGpib, bus)).Way(18),
+            "GPIB library " + file + kLinuxGpib + ", board 0, version 4.3.6");
+  EXPECT_EQ(NativeGpib(OpenTestLibrary(kNi4882, bus), 1).Way(18), "GPIB library " + file + kNi4882 + ", board 1");
+  const NativeGpib none(OpenGpibLibrary("libgpib.so.99"));
+  EXPECT_EQ(none.Way(18), none.Advice());
 }
 
 TEST(BoardAdvice, NamesWhatTheBoardLacks) {

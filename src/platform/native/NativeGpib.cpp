@@ -42,6 +42,7 @@ void NativeGpib::Resolve() {
   want(c.Send, "Send");
   want(c.Receive, "Receive");
   want(c.ibtmo, "ibtmo");
+  find(c.Version, "ibvers");
   if (find(c.Register, "RegisterGpibGlobalsForThread") && find(c.Unregister, "UnregisterGpibGlobalsForThread")) return;
   want(c.Status, "ThreadIbsta", "Ibsta");
   want(c.Error, "ThreadIberr", "Iberr");
@@ -62,6 +63,7 @@ int NativeGpib::UnregisterGpibGlobalsForThread() {
 template <class Call>
 void NativeGpib::Run(Call call) {
   if (library_.Fault.empty()) {
+    const ErrorCapture::Scope capturing(chatter_);
     call();
     if (cells_ && !calls_.Unregister) ReadStatus();
   } else if (cells_) {
@@ -82,6 +84,14 @@ std::string NativeGpib::Advice() const {
       (cells_->status & gpib::kErr) != 0 && (cells_->error == gpib::kEdvr || cells_->error == gpib::kEneb);
   return isBoardLost ? BoardAdvice("/dev/gpib" + std::to_string(board_), {"/etc/gpib.conf", "/usr/local/etc/gpib.conf"})
                      : std::string();
+}
+
+std::string NativeGpib::Way(int) const {
+  if (!library_.Fault.empty()) return library_.Fault;
+  char* version = nullptr;
+  if (calls_.Version) calls_.Version(&version);
+  return "GPIB library " + library_.Name + ", board " + std::to_string(board_) +
+         (version ? ", version " + std::string(version) : "");
 }
 
 void NativeGpib::SendIFC(int) {

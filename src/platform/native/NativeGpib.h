@@ -4,6 +4,7 @@
 #include <string>
 
 #include "platform/GpibDriver.h"
+#include "platform/native/ErrorCapture.h"
 #include "platform/native/GpibLibrary.h"
 
 namespace hylden {
@@ -25,6 +26,8 @@ class NativeGpib : public GpibDriver {
   void Receive(int board, int address, std::span<char> buffer, int termination) override;
   void ibtmo(int board, int code) override;
   std::string Advice() const override;
+  std::string Way(int address) const override;
+  std::string TakeChatter() override { return chatter_.Take(); }
 
  private:
   // The calls as the libraries export them: an address is 16 bits wide, a count has the width of a pointer.
@@ -43,6 +46,7 @@ class NativeGpib : public GpibDriver {
     int (*Error)() = nullptr;
     long (*LongCount)() = nullptr;
     int (*Count)() = nullptr;
+    void (*Version)(char**) = nullptr;  ///< Linux-GPIB's alone
   };
 
   void Resolve();
@@ -53,6 +57,7 @@ class NativeGpib : public GpibDriver {
   GpibLibrary library_;
   const int board_;
   Calls calls_;
+  ErrorCapture chatter_;
   GpibStatusCells* cells_ = nullptr;
 };
 
