@@ -43,7 +43,7 @@ bool Validate(ConsoleStation& station) {
     station.Tell(failure->Text);
     return false;
   }
-  return !setup.Record.RecordsForward() || station.MayMoveSensor();
+  return true;
 }
 
 bool Load(ConsoleStation& station) {
@@ -83,7 +83,10 @@ ExitState RunLevelCalibration(ConsoleStation& station) {
   station.ConnectMeter(MeterAt::Port);
   ConsoleDisplay display(station.Progress());
   LevelCalibration calibration(station.TheShell(), station.TheInstruments(), station.TheDocuments(), display);
-  if (!calibration.Prepare() || !station.MayMakeOutput(calibration.Frequencies().size())) return ExitState::Failed;
+  const std::vector<double>& plan = calibration.Frequencies();
+  const bool readsPower = station.TheDocuments().calSetup.Record.RecordsForward();
+  if (!calibration.Prepare() || (readsPower && !station.MayMoveSensor(plan)) || !station.MayMakeOutput(plan.size()))
+    return ExitState::Failed;
   if (Connected(station)) station.Run([&] { calibration.Run(); });
   const bool saved = SavedOrPrinted(station, calibration);
   return station.End(calibration.Outcome(), saved, calibration.Rows().size(), calibration.Frequencies().size());

@@ -10,6 +10,7 @@
 #include "app/TraceFile.h"
 #include "platform/FlagRaised.h"
 #include "platform/native/ProgramDirectory.h"
+#include "run/ForwardSensor.h"
 #include "run/RunQuestions.h"
 #include "text/Pattern.h"
 #include "text/TextFile.h"
@@ -196,10 +197,8 @@ void ConsoleStation::TellBadEntry(const EntryFailure& failure, const std::string
            : failure.Text);
 }
 
-bool ConsoleStation::MayMoveSensor() {
-  const EquipRecord& equipment = TheDocuments().equip.Record;
-  const bool moves = equipment.HasIfiAmplifier() && !equipment.Is(AmpConfig::DualSplit);
-  if (!moves || options_.UseBench || terminal_) return true;
+bool ConsoleStation::MayMoveSensor(const std::vector<double>& frequenciesMHz) {
+  if (options_.UseBench || terminal_ || !SensorMoves(TheDocuments().equip.Record, frequenciesMHz)) return true;
   Tell("Between the bands somebody at a terminal has to move the power sensor to the other coupler.");
   return false;
 }

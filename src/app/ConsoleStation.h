@@ -65,9 +65,9 @@ class ConsoleStation {
   void Tell(const std::string& text) { dialogs_.Tell(text); }
   /// Asks OK or Cancel.
   bool Confirm(const std::string& text, const char* title);
-  /// Whether somebody can move the power sensor to the other coupler when a run asks for it. @return false after a
-  /// message
-  bool MayMoveSensor();
+  /// Whether nobody has to move the power sensor to the other coupler on the way through these frequencies, MHz, or
+  /// somebody can. @return false after a message
+  bool MayMoveSensor(const std::vector<double>& frequenciesMHz);
   /// Tells what is wrong with a document's entry.
   void TellBadEntry(const EntryFailure& failure, const std::string& document);
 

@@ -38,9 +38,14 @@ bool Load(ConsoleStation& station) {
     station.Tell("Error loading calinfo file: " + infoFile);
     return false;
   }
-  if (!Validate(station)) return false;
-  const auto method = documents.testSetup.Definition.LevelingMethod;
-  return method == LevelingMethod::SigGen || station.MayMoveSensor();
+  return Validate(station);
+}
+
+/// No sensor is read, or somebody moves it where it has to be moved. @return false after a message
+bool MayReadPower(ConsoleStation& station, const RunEngine& engine) {
+  std::vector<double> frequencies;
+  for (const PlanStep& step : engine.Steps()) frequencies.push_back(step.Freq);
+  return !station.TheDocuments().testSetup.Definition.LevelsByPower() || station.MayMoveSensor(frequencies);
 }
 
 /// Prints the run data unless they are in the output file. @return whether they are
@@ -66,7 +71,7 @@ ExitState RunTest(ConsoleStation& station) {
   ManualControls manual;
   RunEngine engine(station.TheShell(), station.TheInstruments(), station.TheDocuments(), display, manual);
   if (engine.Prepare() != RunReadiness::Ready) return ExitState::Failed;
-  if (!station.MayMakeOutput(engine.Steps().size())) return ExitState::Failed;
+  if (!MayReadPower(station, engine) || !station.MayMakeOutput(engine.Steps().size())) return ExitState::Failed;
   station.Run([&] { engine.ConfirmAndRun(); });
   const bool saved = SavedOrPrinted(station, engine);
   return station.End(engine.Outcome(), saved, static_cast<std::size_t>(engine.CompletedSteps()), engine.Steps().size());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "shell/Failure.h"
 
@@ -14,6 +15,10 @@ struct Instruments;
 /// empty when the sensor is where it belongs. The low band ends at the band-switch frequency. Frequencies in MHz.
 /// @param previousMHz  frequency of the reading before; 0 before the first
 std::string SensorPrompt(double previousMHz, double frequencyMHz, double bandSwitchMHz);
+
+/// Whether somebody has to move the station's power sensor on the way through these frequencies, MHz: it serves both
+/// couplers of an IFI amplifier, and they are of both bands. It is then at its first place before they begin.
+bool SensorMoves(const EquipRecord& equipment, const std::vector<double>& frequenciesMHz);
 
 /// The power on the line, dBm: the sensor's reading and the coupler's factor. A reading of 0 W is no level (-999), with
 /// whatever factor.
@@ -35,8 +40,6 @@ class ForwardSensor {
   Result<double> Read();
 
  private:
-  bool IsMoved() const;
-
   Shell& shell_;
   Instruments& instruments_;
   const EquipRecord& equipment_;

@@ -291,8 +291,6 @@ TEST_F(HyldenRunProgram, SaysWhatIsWrongWithItsExitStatusAndSwitchesNothingOn) {
       // on a real bus
       {equipped("station.eqp", {"--cable-loss", "--start", "1", "--stop", "2"}, directory_.File("out.los")), kFailed,
        "somebody at a terminal"},
-      {equipped("ifi-station.eqp", {"--calibrate", "cdn-10v.csu"}, directory_.File("out.cal")), kFailed,
-       "has to move the power sensor"},
       {Level(userDefined, {"--yes", "--coupling-factor", "nan"}), kFailed,
        "--coupling-factor: the value is not a number"},
       {Level(userDefined, {"--yes"}), kFailed, "give it with --coupling-factor"},
@@ -307,6 +305,29 @@ TEST_F(HyldenRunProgram, SaysWhatIsWrongWithItsExitStatusAndSwitchesNothingOn) {
       EXPECT_FALSE(directory_.Exists(name)) << name;
     EXPECT_EQ(directory_.Read("old.hyinfo"), "yesterday");
   }
+}
+
+TEST_F(HyldenRunProgram, RunsUnattendedOnARealStationWhereNobodyHasToMoveASensor) {
+  directory_.Write("home/Hylden.ini", "[Gpib]\r\nLibrary=none.so\r\n");
+  setenv("HYLDEN_HOME", directory_.File("home").c_str(), 1);
+  TestDefinition byPower;
+  LoadRecord(std::string(kStation) + "/ifi-band-change.tst", byPower);
+  byPower.LevelingMethod = LevelingMethod::ForwardPower;
+  SaveRecord(directory_.File("power.tst"), byPower);
+  constexpr const char* kOnTheBus = "The GPIB library none.so can't be loaded";
+  const std::tuple<Arguments, const char*> cases[] = {
+      {{"--calibrate", Setup([](CalSetupRecord& s) { s.StopFreq = 80; })}, kOnTheBus},
+      {{"--calibrate", Setup([](CalSetupRecord& s) { s.RecordFwdPwr = s.RecordRevPwr = s.LimitFwdPwr = 0; })},
+       kOnTheBus},
+      {{"--calibrate", "cdn-10v.csu"}, "has to move the power sensor"},
+      {{"--test", "ifi-band-change.tst"}, kOnTheBus},
+      {{"--test", directory_.File("power.tst")}, "has to move the power sensor"}};
+  for (auto [job, text] : cases) {
+    job.insert(job.end(), {"--equipment", "ifi-station.eqp", "--output", directory_.File("out.cal"), "--yes"});
+    SCOPED_TRACE(testing::PrintToString(job));
+    ExpectSaid(HyldenRun(job), kFailed, text);
+  }
+  unsetenv("HYLDEN_HOME");
 }
 
 TEST_F(HyldenRunProgram, NeverReplacesAFileThatTheRunUses) {

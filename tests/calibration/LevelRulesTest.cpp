@@ -9,6 +9,7 @@
 #include "calibration/FrequencyPlan.h"
 #include "calibration/WarbleAlarm.h"
 #include "documents/CalSetupRecord.h"
+#include "documents/EquipRecord.h"
 #include "measure/InterpClass.h"
 #include "run/ForwardSensor.h"
 #include "support/TestShell.h"
@@ -82,6 +83,19 @@ TEST(FrequencyPlanTest, TakesAListsOwnRange) {
   EXPECT_EQ(request.StopMHz, 50);
   request = {StepType::List, 0, 0, 0, directory.File("none.lst")};
   EXPECT_TRUE(FailsWith(PlanFrequencies(request), "Error # 53\r"));
+}
+
+TEST(SensorMoves, OnlyWhereOneSensorServesBothBands) {
+  EquipRecord station;
+  station.AmplifierType = AmpType::Ifi, station.IfiBandSwitch = 215;
+  const std::vector<double> both = {100, 215, 215.001};
+  EXPECT_TRUE(SensorMoves(station, both));
+  EXPECT_FALSE(SensorMoves(station, {100, 215}));
+  EXPECT_FALSE(SensorMoves(station, {215.001, 300}));
+  station.AmpConfiguration = AmpConfig::DualSplit;
+  EXPECT_FALSE(SensorMoves(station, both));
+  station.AmpConfiguration = AmpConfig::Single, station.AmplifierType = AmpType::Generic;
+  EXPECT_FALSE(SensorMoves(station, both));
 }
 
 TEST(SensorPrompt, MovesTheSensorAtBandChangesOnly) {
