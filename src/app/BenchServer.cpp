@@ -28,10 +28,10 @@ constexpr int kAddresses = 31;
 /// The bench with the station's instruments on it; what goes wrong is told on standard error.
 class ServedStation {
  public:
-  explicit ServedStation(const BenchConfig& config) : bus_(clock_, config) {}
+  explicit ServedStation(const BenchConfig& config) : bench_(clock_, config) {}
 
   bool Load(const std::string& equipmentFile) { return station_.LoadEquipment(equipmentFile) && station_.Apply(); }
-  Bench& TheBench() { return *bus_.SimulatedBench(); }
+  Bench& TheBench() { return bench_; }
   const Clock& TheClock() const { return clock_; }
   /// Readable when the program is asked to stop.
   int StopDescriptor() const { return events_.Descriptor(); }
@@ -42,9 +42,9 @@ class ServedStation {
   ConsoleDialogs dialogs_{STDIN_FILENO, std::cerr, events_, {}};
   ConsoleSpeaker speaker_;
   ConsolePrinter printer_{std::cerr};
-  Bus bus_;
-  Shell shell_{Platform{dialogs_, clock_, events_, speaker_, printer_, bus_.Driver()}, ProgramDirectories()};
-  Station station_{shell_, bus_.SimulatedBench()};
+  Bench bench_;
+  Shell shell_{Platform{dialogs_, clock_, events_, speaker_, printer_, bench_.Driver()}, ProgramDirectories()};
+  Station station_{shell_, &bench_};
 };
 
 /// Opens the ways to the bench, and prints them.
