@@ -53,6 +53,8 @@ class ServedBus {
   void Break(const ConnectionBreak& at) { break_ = at; }
   /// Counts a message. @return what is to happen to the connection that brought it
   std::optional<ConnectionBreak::Kind> CountMessage();
+  /// How many there were.
+  int Messages() const { return messages_; }
 
  private:
   static constexpr int kBoard = 0;
