@@ -9,7 +9,7 @@ namespace hylden {
 
 namespace {
 
-constexpr int kEcap = 11, kLastAddress = 30;
+constexpr int kLastAddress = 30;
 
 /// The way of every address; a row stands for all in a row that share one.
 void PrintWays(const GpibDriver& driver) {
@@ -53,7 +53,7 @@ ExitState PrintBusInfo(ConsoleStation& station) {
     PrintUnits(panel.Rows(station.BusUnits()));
   std::cout << WordsOf(cleared) << '\n';
   if (cleared) std::cout << WordsOf(listeners) << '\n';
-  const bool canNotTell = cleared && status.error == kEcap;
+  const bool canNotTell = cleared && status.error == gpib::kEcap;
   return listeners || canNotTell ? ExitState::Finished : ExitState::Failed;
 }
 

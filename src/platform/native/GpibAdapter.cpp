@@ -9,7 +9,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr int kEarg = 4, kEcap = 11, kHighestAddress = 30, kOnTheWayMs = 100;
+constexpr int kEarg = 4, kHighestAddress = 30, kOnTheWayMs = 100;
 constexpr std::size_t kPiece = 4096, kLongestLine = 512;  // of an adapter itself
 constexpr char kEsc = '\x1b';
 constexpr std::string_view kComplaint = "Unrecognized command";
@@ -154,7 +154,7 @@ void GpibAdapter::FindLstn(int board, std::span<const std::int16_t>, std::span<s
   if (Stands()) Drop();
   const Outcome outcome = Ready(deadline);
   if (outcome != Outcome::Done) return Conclude(outcome);
-  Fail(kEcap, {});
+  Fail(gpib::kEcap, {});
 }
 
 void GpibAdapter::ToEach(int board, std::span<const std::int16_t> addresses, const char* command) {
