@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <iomanip>
 #include <iostream>
 #include <string>
@@ -21,6 +22,17 @@ void PrintWays(const GpibDriver& driver) {
   }
 }
 
+/// Whether nobody can be reached: what stands for each way is the advice on what is missing.
+bool LacksEveryWay(const GpibDriver& driver, const std::vector<BusUnit>& units) {
+  const auto lacks = [&](int address) {
+    const std::string way = driver.Way(address);
+    return way.empty() || way == driver.Advice();
+  };
+  for (int address = 0; units.empty() && address <= kLastAddress; ++address)
+    if (!lacks(address)) return false;
+  return std::ranges::all_of(units, [&](const BusUnit& unit) { return lacks(unit.Address); });
+}
+
 void PrintUnits(const std::vector<BusPanel::Row>& rows) {
   for (const BusPanel::Row& row : rows)
     std::cout << "Address " << std::setw(2) << row.Unit.Address << "  " << row.Unit.Name << ": " << row.Way << '\n';
@@ -42,15 +54,15 @@ ExitState PrintBusInfo(ConsoleStation& station) {
   const auto cleared = panel.ClearInterface();
   const auto listeners = cleared ? panel.FindListeners() : cleared;
   const GpibStatusCells status = station.TheInstruments().gpib.Status();
-  const bool lacksWay = !listeners && status.error == gpib::kEdvr && driver.Way(0).empty();
-  if (lacksWay) {
+  const std::vector<BusUnit> units = station.BusUnits();
+  if (!listeners && LacksEveryWay(driver, units)) {
     std::cout << (driver.Advice().empty() ? WordsOf(listeners) : driver.Advice()) << '\n';
     return ExitState::Failed;
   }
-  if (station.Options().EquipmentFile.empty())
+  if (units.empty())
     PrintWays(driver);
   else
-    PrintUnits(panel.Rows(station.BusUnits()));
+    PrintUnits(panel.Rows(units));
   std::cout << WordsOf(cleared) << '\n';
   if (cleared) std::cout << WordsOf(listeners) << '\n';
   const bool canNotTell = cleared && status.error == gpib::kEcap;

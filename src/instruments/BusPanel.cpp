@@ -32,6 +32,14 @@ EndCode CodeOf(LineEnd end) {
   return {"", gpib::kStopEnd};
 }
 
+constexpr int kLastAddress = 30;
+
+std::string ListText(const std::set<int>& listeners) {
+  std::string text;
+  for (const int address : listeners) text += (text.empty() ? "Listeners at " : ", ") + std::to_string(address);
+  return text.empty() ? "Nobody listens" : text;
+}
+
 /// The first read that the trace has from an event on, which takes the answer; null when there is none.
 const BusEvent* FirstRead(const BusTrace& trace, std::uint64_t from) {
   for (std::uint64_t number = std::max(from, trace.Begin()); number < trace.End(); ++number)
@@ -137,11 +145,21 @@ BusPanel::Outcome BusPanel::ClearInterface() {
 
 BusPanel::Outcome BusPanel::FindListeners() {
   return Do([&]() -> Outcome {
-    const auto listeners = instruments_.gpib.Listeners();
-    if (!listeners) return Failed("It can't be told who listens");
-    std::string text;
-    for (const int address : *listeners) text += (text.empty() ? "" : ", ") + std::to_string(address);
-    return text.empty() ? "Nobody listens" : "Listeners at " + text;
+    // One way that is not there must not hide who listens on the others.
+    std::map<std::string, std::vector<int>> byWay;
+    for (int address = 0; address <= kLastAddress; ++address) byWay[shell_.gpib.Way(address)].push_back(address);
+    std::set<int> found;
+    std::size_t looked = 0;
+    Outcome failed;
+    for (const auto& [way, addresses] : byWay) {
+      const auto listeners = instruments_.gpib.Listeners(addresses);
+      if (listeners)
+        found.insert(listeners->begin(), listeners->end()), ++looked;
+      else
+        failed = Failed(looked > 0 || byWay.size() > 1 ? "Elsewhere it can't be told" : "It can't be told who listens");
+    }
+    if (looked == 0) return failed;
+    return ListText(found) + (failed ? "" : ". " + failed.error().Boxes().front().text);
   });
 }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <numeric>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -128,17 +127,16 @@ Done Gpib::ClearInterface() {
   return {};
 }
 
-Result<std::vector<int>> Gpib::Listeners() {
-  constexpr std::size_t kAddresses = 31;
-  std::array<std::int16_t, kAddresses + 1> addresses{};
-  std::iota(addresses.begin(), addresses.end() - 1, std::int16_t{0});
-  addresses.back() = gpib::kNoAddr;
-  std::array<std::int16_t, kAddresses> listeners{};
+Result<std::vector<int>> Gpib::Listeners(const std::vector<int>& among) {
+  std::vector<std::int16_t> addresses;
+  for (const int address : among) addresses.push_back(static_cast<std::int16_t>(address));
+  addresses.push_back(gpib::kNoAddr);
+  std::vector<std::int16_t> listeners(among.size());
   RegisterOnce();
   shell_.gpib.FindLstn(kBoard, addresses, listeners);
   Refresh();
   if (Failed()) return Because(GpibError("Error finding listeners"));
-  const auto found = listeners.begin() + std::clamp<int>(ibcnt, 0, kAddresses);
+  const auto found = listeners.begin() + std::clamp<int>(ibcnt, 0, static_cast<int>(listeners.size()));
   return std::vector<int>(listeners.begin(), found);
 }
 

@@ -41,8 +41,8 @@ class Gpib {
   Done GpibIfc();
   /// Clears the interface in any case.
   Done ClearInterface();
-  /// The addresses, of 0 to 30, at which somebody listens; the board's own may be among them.
-  Result<std::vector<int>> Listeners();
+  /// Those of these addresses at which somebody listens; the board's own may be among them.
+  Result<std::vector<int>> Listeners(const std::vector<int>& among);
   /// Finds the device, puts it in remote with lockout, sends the init command (terminator already appended, may be
   /// empty) and waits 2 s. Failures give the name. Where the board can't tell who listens, the device is found by the
   /// first command that it takes.

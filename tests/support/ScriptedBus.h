@@ -34,8 +34,8 @@ class ScriptedBus : public GpibDriver, public CallFailures {
 
   /// What the driver says beside its status.
   std::string advice;
-  /// How it reaches every address.
-  std::string way;
+  /// How it reaches an address.
+  std::function<std::string(int address)> wayOf;
 
   /// Results for the next registrations; 0 when none is left.
   std::deque<int> registrationResults;
@@ -55,7 +55,7 @@ class ScriptedBus : public GpibDriver, public CallFailures {
   void Receive(int board, int address, std::span<char> buffer, int termination) override;
   void ibtmo(int board, int code) override;
   std::string Advice() const override { return advice; }
-  std::string Way(int /*address*/) const override { return way; }
+  std::string Way(int address) const override { return wayOf ? wayOf(address) : std::string(); }
 
  private:
   void Plain(const std::string& line);
