@@ -268,6 +268,7 @@ void Desktop::ShowBus() {
   if (bus_) return ShowBeside(*bus_);
   bus_ = new frmBus(shell_, instruments_, [this] { return station_.BusUnits(); });
   connect(bus_, &frmBus::EscapePressed, this, &Desktop::EscapePressed);
+  connect(this, &Desktop::EscapePressed, bus_, &frmBus::PressHalt);
   Open(bus_, nullptr);
 }
 

@@ -73,6 +73,7 @@ TEST_F(BusForm, SendsReadsAndShowsTheBytes) {
 TEST_F(BusForm, RfSwitchedOnByHandGoesOffWhereverTheWindowGoes) {
   const std::pair<const char*, std::function<void()>> ends[] = {
       {"Escape", [this] { QTest::keyClick(form, Qt::Key_Escape); }},
+      {"Escape in a box", [this] { m.desktop->EscapeInBox(); }},
       {"the button", [this] { Press(*form, "cmdRfOff"); }},
       {"a trial", [this] {
          Choose(*equipment, "mnuInstDefineMeter");

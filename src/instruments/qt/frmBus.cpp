@@ -197,8 +197,13 @@ void frmBus::keyPressEvent(QKeyEvent* event) {
   if (event->key() != Qt::Key_Escape) return WorkingForm::keyPressEvent(event);
   if (!panel_.Obstacle().empty())
     emit EscapePressed();
-  else if (panel_.RfMayBeOn())
-    ui_->cmdRfOff->click();
+  else
+    PressHalt();
+}
+
+void frmBus::PressHalt() {
+  if (!panel_.RfMayBeOn()) return;
+  Guard("cmdRfOff", [this] { ShowOutcome(panel_.EndRf()); });
 }
 
 }  // namespace hylden

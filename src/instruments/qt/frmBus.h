@@ -29,6 +29,9 @@ class frmBus : public WorkingForm {
   /// Shows what has come since; it does so by itself a few times a second while it can be seen.
   void Refresh();
 
+  /// Ends the RF that may have been switched on here; does nothing while somebody else has the instruments.
+  void PressHalt();
+
   QString HelpTopic() const override { return QStringLiteral("The bus"); }
 
  signals:
