@@ -58,7 +58,9 @@ Done SigGen::SendRequest(UnknownLevel order) {
   // The higher of two levels never stands on the wrong frequency.
   Done sent = falling ? SendLevel() : Done();
   if (sent && retune) sent = SendFreq();
-  if (sent && rising) sent = SendLevel();
+  // A halt may have come during the command before.
+  const bool mayRise = !shell_.delay.HaltRequested() || requestedLevel_ <= MinimumLevel();
+  if (sent && rising) sent = mayRise ? SendLevel() : Because();
   return sent.map([&] {
     currentFreq_ = requestedFreq_;
     currentLevel_ = requestedLevel_;
@@ -92,10 +94,12 @@ void SigGen::ForgetSent() {
 
 Done SigGen::RfOn() {
   if (Done ready = Ready(); !ready) return ready;
+  if (shell_.delay.HaltRequested()) return Because();
   if (rf_ != Rf::On) {
     rf_ = Rf::On;
     if (Done set = SetFreqLevel(requestedFreq_, requestedLevel_); !set) return set;
   }
+  if (shell_.delay.HaltRequested()) return Because();  // also during the level's command
   Done sent = SendCommand(definition_.RfOn, "Error setting SigGen RF on. ");
   if (!sent) rf_ = Rf::Unknown;
   return sent;

@@ -26,8 +26,10 @@ class SigGen : public DefinedInstrument<SigGenDefinition> {
 
   /// Opens the generator with modulation and RF off; a frequency of exactly 0 starts at the generator's minimum.
   Done InitSigGen(double frequencyMHz, float levelDbm);
+  /// A level that rises is silently not done when a halt is requested.
   Done SetFreqLevel(double frequencyMHz, float levelDbm);
-  /// Applies the held request and switches on. RF counts as on from the attempt, even a failed one.
+  /// Applies the held request and switches on. RF counts as on from the attempt, even a failed one. Silently not done
+  /// when a halt is requested.
   Done RfOn();
   /// Always tries. Nothing is sent to a generator without the command: it comes up at its minimum level at the next
   /// RfOn, and until then goes on sending as it did.

@@ -347,6 +347,30 @@ TEST_P(FaultSweep, AHaltAtAnyWaitEndsInOrderAndRaisesNothing) {
   });
 }
 
+TEST_P(FaultSweep, AHaltDuringAnyBusCallEndsInOrderAndRaisesNothing) {
+  double sentAtHalt = kNoValue;
+  bool halted = false;
+  const auto halt = [&](DemoRuns& station, int place) {
+    sentAtHalt = kNoValue;
+    halted = false;
+    station.bench.OnChange([&](const BenchState& state) {
+      if (!halted || !state.Generator.RfOn) return;
+      EXPECT_LE(state.Generator.LevelDbm, sentAtHalt) << "the level was raised after the halt";
+    });
+    const int call = station.driver.Calls() + place;
+    station.driver.onCall = [&, call](int now) {
+      if (now == call) station.shell.delay.RequestHalt();  // the call itself goes on
+      if (now != call + 1) return;
+      halted = true;
+      if (station.RfIsOn()) sentAtHalt = station.bench.State().Generator.LevelDbm;
+    };
+  };
+  Sweep("bus call", undisturbed.calls, halt, [](DemoRuns& station) {
+    ExpectOrderlyEnd(station);
+    EXPECT_THAT(MessagesShownOnce(station), testing::IsEmpty());
+  });
+}
+
 RunOutcome CableOutcome(const DemoRuns& station) {
   return station.cable.Outcome();
 }

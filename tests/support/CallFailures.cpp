@@ -8,7 +8,9 @@
 namespace hylden {
 
 std::optional<int> CallFailures::FailureOf(const std::string& line) {
-  if (++calls_ == throwAt_) throw std::runtime_error("the driver's library broke");
+  ++calls_;
+  if (onCall) onCall(calls_);
+  if (calls_ == throwAt_) throw std::runtime_error("the driver's library broke");
   if (always_) return always_;
   if (IsToDeadDevice(line) || IsOnDeadBus(line) || IsStuttered(line)) return gpib::kEabo;
   if (const auto failure = atCall_.find(calls_); failure != atCall_.end()) return failure->second;

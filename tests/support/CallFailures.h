@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -27,6 +28,8 @@ class CallFailures {
   void FailAlways(int error) { always_ = error; }
 
   int Calls() const { return calls_; }
+  /// Called at the beginning of every call that counts, with its number from the first one on.
+  std::function<void(int call)> onCall;
 
  protected:
   /// Counts a call; its error when it is to fail.
