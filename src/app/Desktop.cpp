@@ -28,6 +28,7 @@
 #include "instruments/qt/frmParseTest.h"
 #include "instruments/qt/frmSigGen.h"
 #include "measure/qt/frmBuildList.h"
+#include "platform/qt/Later.h"
 #include "platform/qt/QtText.h"
 #include "shell/FormInput.h"
 #include "shell/Version.h"
@@ -132,8 +133,8 @@ bool Desktop::Open(WorkingForm* form, QWidget* caller) {
     open_.removeAll(form);
     form->deleteLater();
     ShowStation();
-    QTimer::singleShot(0, this, &Desktop::KeepBeside);
-    QTimer::singleShot(0, this, &Desktop::CloseNext);
+    Later(this, [this] { KeepBeside(); });
+    Later(this, [this] { CloseNext(); });
   });
   connect(form, &WorkingForm::StaysOpen, this, [this, form] { RefuseEnd(*form); });
   form->OpenFrom(caller);
@@ -341,7 +342,7 @@ void Desktop::CloseAll() {
   if (shell_.end.Ask()) ClearBoxes();
   // A session that ends may not wait for the run to end in order.
   if (instruments_.sigGen.RfIsOn()) (void)instruments_.sigGen.SilenceRf();
-  QTimer::singleShot(0, this, &Desktop::CloseNext);
+  Later(this, [this] { CloseNext(); });
 }
 
 /// Boxes give way to the end, and the forms whose commands they belong to are asked to close behind them.
@@ -363,7 +364,7 @@ void Desktop::RefuseEnd(const WorkingForm& form) {
     if (open) open->ForgetClose();
   const std::string text = "The program was asked to end, but this window stays open:\r\n" + FromQt(form.windowTitle());
   shell_.log.LogFile(text);
-  QTimer::singleShot(0, this, [this, text] { shell_.dialogs.Tell(text, MessageIcon::Information); });
+  Later(this, [this, text] { shell_.dialogs.Tell(text, MessageIcon::Information); });
 }
 
 void Desktop::CloseNext() {

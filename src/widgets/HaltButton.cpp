@@ -3,11 +3,13 @@
 #include <QApplication>
 #include <QEvent>
 
+#include "platform/qt/RepaintFilter.h"
 #include "widgets/ThemeColors.h"
 
 namespace hylden {
 
 HaltButton::HaltButton(QWidget* parent) : QPushButton(parent) {
+  setProperty(kHaltsProperty, true);
   Colour();
 }
 

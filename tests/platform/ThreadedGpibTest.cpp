@@ -116,7 +116,9 @@ TEST_F(ThreadedGpibTest, BringsBackStatusBytesAndAdvice) {
   inner_.advice = "No board.";
   bus_->EnableLocal(0, list);
   EXPECT_EQ(cells_.error, gpib::kEneb);
-  EXPECT_EQ(bus_->Advice(), "No board.");
+  inner_.advice.clear();
+  bus_->ibtmo(0, gpib::kT10s);
+  EXPECT_EQ(bus_->Advice(), "No board.") << "still that of the call that failed";
   inner_.ThrowAtCall(1);
   EXPECT_ANY_THROW(bus_->SendIFC(0));
 }

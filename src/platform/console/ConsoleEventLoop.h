@@ -20,6 +20,7 @@ class ConsoleEventLoop : public EventLoop {
   ConsoleEventLoop(const Clock& clock, std::function<void()> onStop);
 
   void Yield(std::int64_t deadlineMs = kNoDeadline) override;
+  void Repaint() override { TakeStop(); }
   /// Waits for bytes, or the end of them, on a file descriptor; false once a request to stop has come.
   bool AwaitInput(int descriptor);
   /// Readable when a request to stop has arrived; the next Yield takes it.

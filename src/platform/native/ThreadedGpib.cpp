@@ -237,7 +237,10 @@ void ThreadedGpib::ibtmo(int board, int code) {
     worker_->MissedLimit = code;
     TakeOver(*Refused());
   } else {
+    // It is set back before anybody asks why the call that needed it failed.
+    const std::string before = advice_;
     Done("Setting the time limit", [=](GpibDriver& driver) { driver.ibtmo(board, code); });
+    if (advice_.empty()) advice_ = before;
   }
   worker_->Limit = TimeLimit(code);
 }

@@ -3,6 +3,8 @@
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 
+#include "platform/qt/RepaintFilter.h"
+
 namespace hylden {
 
 QtEventLoop::QtEventLoop(const Clock& clock) : clock_(clock) {
@@ -17,6 +19,14 @@ void QtEventLoop::Yield(std::int64_t deadlineMs) {
   wake_.start();
   dispatcher->processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
   wake_.stop();
+}
+
+void QtEventLoop::Repaint() {
+  constexpr int kMostTurns = 4;  // one event brings on the next: a window that is shown, its painting
+  const RepaintFilter filter;
+  QAbstractEventDispatcher* const dispatcher = QAbstractEventDispatcher::instance();
+  for (int turn = 0; turn < kMostTurns; ++turn)
+    if (!dispatcher->processEvents(QEventLoop::AllEvents)) return;
 }
 
 void QtVirtualEventLoop::Yield(std::int64_t deadlineMs) {

@@ -13,6 +13,7 @@ class QtEventLoop : public EventLoop {
  public:
   explicit QtEventLoop(const Clock& clock);
   void Yield(std::int64_t deadlineMs = kNoDeadline) override;
+  void Repaint() override;
 
  private:
   const Clock& clock_;

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "instruments/SigGen.h"
+#include "platform/qt/RepaintFilter.h"
 #include "run/UnsavedRows.h"
 #include "run/qt/RowTable.h"
 #include "shell/Shell.h"
@@ -61,6 +62,7 @@ void RunWindow::SetUp(Controls controls, RowTable& table, UnsavedRows& rows, con
   follower_ = new TableFollower(*controls_.Table);
   SetUpStatusBar(panel);
   controls_.Halt->setEnabled(false);
+  controls_.Halt->setProperty(kHaltsProperty, true);
   connect(controls_.Halt, &QAbstractButton::clicked, this, &RunWindow::Halt);
   connect(controls_.Exit, &QAction::triggered, this, &QWidget::close);
   connect(controls_.Help, &QAction::triggered, this, &RunWindow::AskForHelp);

@@ -6,12 +6,12 @@
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QTimer>
 #include <QToolBar>
 #include <exception>
 #include <utility>
 
 #include "platform/qt/CommandWindow.h"
+#include "platform/qt/Later.h"
 #include "platform/qt/QtText.h"
 #include "shell/ProgramEnd.h"
 #include "shell/Shell.h"
@@ -50,8 +50,7 @@ void WorkingForm::Run(std::string_view name, const std::function<void()>& comman
     command();
   } catch (const ProgramEnd&) {
     // It goes on to the application from its event loop, since nothing may cross the button that was pressed.
-    QMetaObject::invokeMethod(
-        qApp, [end = std::current_exception()] { std::rethrow_exception(end); }, Qt::QueuedConnection);
+    Later(qApp, [end = std::current_exception()] { std::rethrow_exception(end); });
   } catch (const std::exception& error) {
     shell_.ReportUnforeseen(error, FromQt(objectName()).append(".").append(name));
   }
@@ -70,7 +69,7 @@ void WorkingForm::CloseBehindCommand() {
 void WorkingForm::CloseIfPending() {
   if (!closePending_) return;
   // Not before the press has returned: the button that was pressed goes with the form.
-  QTimer::singleShot(0, this, [this] {
+  Later(this, [this] {
     if (!closePending_ || IsBusy()) return;  // taken back, or done behind the next command
     closePending_ = false;
     if (SaveMissed() && !missedBefore_)
