@@ -14,9 +14,11 @@
 #include "platform/Directories.h"
 #include "platform/native/GpibAdapter.h"
 #include "platform/native/NativeGpib.h"
+#include "platform/native/PortMappedStream.h"
 #include "platform/native/SocketInstrument.h"
 #include "platform/native/StreamAddress.h"
 #include "platform/native/ThreadedGpib.h"
+#include "platform/native/Vxi11Instrument.h"
 #include "shell/INISettings.h"
 #include "text/Case.h"
 #include "text/Numbers.h"
@@ -62,9 +64,11 @@ class WayReader {
 
  private:
   BusWay DeviceWay(const std::string& key, const std::string& value) {
-    constexpr std::string_view kSocket = "socket:";
+    constexpr std::string_view kSocket = "socket:", kVxi11 = "vxi11:";
     if (SameIgnoringCase(value, "bench")) return {Kind::Bench};
-    if (!value.starts_with(kSocket)) return Fault(kDevices, key, value, "a device is socket:HOST:PORT or bench.");
+    if (value.starts_with(kVxi11)) return Vxi11Way(key, value, value.substr(kVxi11.size()));
+    if (!value.starts_with(kSocket))
+      return Fault(kDevices, key, value, "a device is socket:HOST:PORT, vxi11:HOST, vxi11:HOST,NAME or bench.");
     const auto place = ParseHostPort(std::string_view(value).substr(kSocket.size()), 0);
     if (!place || place->Port == 0)
       return Fault(kDevices, key, value,
@@ -73,6 +77,15 @@ class WayReader {
     return Own(key, value,
                {Kind::Socket,
                 "tcp:" + (isBracketed ? "[" + place->Host + "]" : place->Host) + ":" + std::to_string(place->Port)});
+  }
+
+  BusWay Vxi11Way(const std::string& key, const std::string& value, const std::string& place) {
+    const std::string_view host = Trim(std::string_view(place).substr(0, place.find(',')));
+    const std::string_view name =
+        place.find(',') == std::string::npos ? "inst0" : Trim(std::string_view(place).substr(place.find(',') + 1));
+    if (host.empty() || name.empty() || host.find_first_of(" ,") != std::string_view::npos)
+      return Fault(kDevices, key, value, "it is vxi11:HOST or vxi11:HOST,NAME.");
+    return Own(key, value, {Kind::Vxi11, std::string(host) + "," + std::string(name)});
   }
 
   /// Two addresses on one connection would be one instrument.
@@ -172,6 +185,13 @@ GpibDriver& Bus::Open(const BusWay& way) {
       return keepThreaded(std::make_unique<GpibAdapter>(ParseStream(way.Place).Stream));
     case Kind::Socket:
       return keepThreaded(std::make_unique<SocketInstrument>(ParseStream(way.Place).Stream));
+    case Kind::Vxi11: {
+      const std::size_t comma = way.Place.find(',');
+      return keepThreaded(std::make_unique<Vxi11Instrument>(
+          std::make_unique<PortMappedStream>(way.Place.substr(0, comma), Vxi11Instrument::kProgram,
+                                             Vxi11Instrument::kVersion),
+          way.Place.substr(comma + 1)));
+    }
     case Kind::Absent:
       return keep(std::make_unique<AbsentGpib>(way.Place));
     default:

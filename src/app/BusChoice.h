@@ -26,6 +26,7 @@ struct BusWay {
     Bench,    ///< they are simulated
     Adapter,  ///< by a GPIB adapter behind the stream `Place`
     Socket,   ///< one instrument, by the stream `Place`
+    Vxi11,    ///< one instrument: `Place` is "HOST,NAME"
     Absent,   ///< not at all: `Place` says why
   };
   Kind Is = Kind::Native;

@@ -42,13 +42,17 @@ class BusChoiceTest : public testing::Test {
 };
 
 TEST_F(BusChoiceTest, WaysAreReadByAddress) {
-  const BusChoice choice = Chosen("[Devices]\n18=socket:Gen.lab:5025\n 20 = socket:[fe80::1]:5025\n13=bench\n");
+  const BusChoice choice = Chosen(
+      "[Devices]\n18=socket:Gen.lab:5025\n 20 = socket:[fe80::1]:5025\n13=bench\n"
+      "7=vxi11:meter.lab\n8=vxi11:meter.lab,gpib0,5\n");
   EXPECT_THAT(choice.Faults, IsEmpty());
   EXPECT_EQ(choice.Others.Is, BusWay::Kind::Native);
   EXPECT_EQ(choice.Devices.at(18).Place, "tcp:Gen.lab:5025");
   EXPECT_EQ(choice.Devices.at(20).Place, "tcp:[fe80::1]:5025");
   EXPECT_EQ(choice.Devices.at(13).Is, BusWay::Kind::Bench);
-  EXPECT_THAT(choice.Devices, SizeIs(3));
+  EXPECT_EQ(choice.Devices.at(7).Place, "meter.lab,inst0");
+  EXPECT_EQ(choice.Devices.at(8).Place, "meter.lab,gpib0,5");
+  EXPECT_THAT(choice.Devices, SizeIs(5));
 }
 
 TEST_F(BusChoiceTest, WhatCantBeUnderstoodIsToldAndLeadsNowhere) {
@@ -69,6 +73,9 @@ TEST_F(BusChoiceTest, WhatCantBeUnderstoodIsToldAndLeadsNowhere) {
       {"[Devices]\n18=socket:gen", "18=socket:gen: a socket is", 18},
       {"[Devices]\n18=socket:gen:99999", "99999: a socket is", 18},
       {"[Devices]\n18=socket::5025", "18=socket::5025: a socket is", 18},
+      {"[Devices]\n18=vxi11:", "18=vxi11:: it is vxi11:HOST", 18},
+      {"[Devices]\n18=vxi11:gen,", "18=vxi11:gen,: it is vxi11:HOST", 18},
+      {"[Devices]\n18=vxi11:gen\n20=vxi11:GEN,inst0", "20=vxi11:GEN,inst0: another address has", 20},
       {"[Devices]\n18=bench\n018=socket:gen:5025", "018=socket:gen:5025: the address is there twice", 18},
       {"[Devices]\n18=socket:gen:5025\n20=socket:GEN:5025", "20=socket:GEN:5025: another address has", 20},
   };
