@@ -143,7 +143,8 @@ Result<std::vector<int>> Gpib::Listeners(const std::vector<int>& among) {
 Done Gpib::GpibOpen(int address, const std::string& initCommand, const std::string& name, const std::string& bare) {
   const Result<bool> unseen = Find(address, name);
   if (!unseen) return Because(unseen.error());
-  devices_[address].RemoteAs = name;  // one that timed out may be there all the same
+  devices_[address].Name = name;
+  devices_[address].Remote = true;  // one that timed out may be there all the same
   Impatiently(address, &Device::SendTimeOuts, [&] { shell_.gpib.SetRWLS(kBoard, ListOf(address)); });
   if (Failed()) return Because(GpibError("Error in setting " + name + " to remote mode. "));
   const std::string& first = initCommand.empty() && *unseen ? bare : initCommand;
@@ -166,16 +167,16 @@ Result<bool> Gpib::Find(int address, const std::string& name) {
 Done Gpib::GpibClose(int address, const std::string& name) {
   Impatiently(address, &Device::SendTimeOuts, [&] { shell_.gpib.EnableLocal(kBoard, ListOf(address)); });
   if (Failed()) return Because(GpibError("Error closing " + name));
-  devices_[address].RemoteAs.clear();
+  devices_[address].Remote = false;
   return {};
 }
 
 Done Gpib::CloseAll() {
   Done closed;
   for (const auto& [address, device] : devices_) {
-    if (device.RemoteAs.empty()) continue;
+    if (!device.Remote) continue;
     try {
-      closed = Both(closed, GpibClose(address, std::string(device.RemoteAs)));
+      closed = Both(closed, GpibClose(address, device.Name));
     } catch (const std::exception& error) {
       closed = Both(closed, Because(Failure::Report(error, "GpibClose")));
     }
@@ -198,6 +199,7 @@ void Gpib::Impatiently(int address, int Device::*timeOuts, Call call) {
 bool Gpib::Send(int address, const std::string& command) {
   Device& device = devices_[address];
   device.LastSendFailed = true;
+  device.Remote = !device.Name.empty();  // one that was local is not any more when it is addressed
   Impatiently(address, &Device::SendTimeOuts,
               [&] { shell_.gpib.Send(kBoard, address, EncodeWindows1252(command), gpib::kDabEnd); });
   if (Failed()) return false;

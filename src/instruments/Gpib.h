@@ -88,7 +88,8 @@ class Gpib {
     int SendTimeOuts = 0;  ///< until it answers: one that takes a command now and then hangs all the same
     int ReadTimeOuts = 0;  ///< in a row
     bool LastSendFailed = false;
-    std::string RemoteAs;  ///< the name under which it was put in remote; empty once it is local
+    std::string Name = {};  ///< under which it was put in remote
+    bool Remote = false;
   };
 
   /// Does a call to a device. Where it, or the bus, has timed out it is waited for less and less: RF off is tried again

@@ -104,9 +104,9 @@ Done InstrumentTrial::TakeDown() {
   } catch (...) {
     down = Because();
   }
+  RfOff();
   const Done local = instruments_.gpib.CloseAll();
   if (down) down = local;
-  RfOff();
   Release();
   return down;
 }

@@ -96,10 +96,6 @@ void InstrumentsUp::TakeInstrumentsDown() {
       [&] {
         if (up.SigGen == Generator::Up) Note(instruments_.sigGen.ShutdownSigGen());
       },
-      [&] {
-        // One that came up half-way, or failed on its way down, which is told then.
-        if (const Done closed = instruments_.gpib.CloseAll(); down_) Note(closed);
-      },
   };
   // The amplifiers are the last means left to end the RF, and a dead meter is waited for.
   if (instruments_.sigGen.RfIsOn()) std::swap(actions[0], actions[1]);
@@ -108,6 +104,8 @@ void InstrumentsUp::TakeInstrumentsDown() {
 
 void InstrumentsUp::Conclude() {
   guard_.RfOff();
+  // Whatever came up half-way, or failed on its way down, which is told then.
+  if (const Done closed = instruments_.gpib.CloseAll(); down_) Note(closed);
   guard_.Ok(std::exchange(down_, {}));
   if (instruments_.sigGen.RfIsOn()) shell_.dialogs.Tell(kRfMayBeOn, MessageIcon::Critical);
 }
