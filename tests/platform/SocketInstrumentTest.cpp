@@ -95,8 +95,10 @@ TEST(SocketInstrument, FailsInWordsWhenItClosesInAnAnswerAndConnectsAgainForTheN
   EXPECT_TRUE(socket.IsLost());
   EXPECT_NE(socket.driver.Advice().find("the other end closed it"), std::string::npos) << socket.driver.Advice();
   EXPECT_NE(socket.driver.Way(18).find("is lost"), std::string::npos) << socket.driver.Way(18);
+  EXPECT_FALSE(socket.Send("RF OFF")) << "the command before may have been lost";
+  EXPECT_TRUE(socket.IsLost());
+  EXPECT_EQ(peer.HeardUpTo("RF OFF\n"), "?\nRF OFF\n") << "it is sent all the same";
   EXPECT_TRUE(socket.Send("RF OFF"));
-  EXPECT_EQ(peer.HeardUpTo("RF OFF\n"), "?\nRF OFF\n");
   EXPECT_EQ(peer.Connections(), 2);
   EXPECT_EQ(socket.driver.Way(18), "socket:127.0.0.1:" + std::to_string(peer.Port()) + ", connected");
 }

@@ -16,11 +16,15 @@ SocketInstrument::SocketInstrument(std::unique_ptr<ByteStream> stream) : StreamG
 StreamGpib::Outcome SocketInstrument::SetUp(Deadline) {
   unread_.clear();
   skipsLineFeed_ = false;
+  isNew_ = true;
   return Outcome::Done;
 }
 
 void SocketInstrument::SendIFC(int board) {
-  if (!Refused(board)) Finish(Open(Limit()));
+  if (Refused(board)) return;
+  const Outcome outcome = Open(Limit());
+  isNew_ = false;
+  Finish(outcome);
 }
 
 StreamGpib::Outcome SocketInstrument::Refresh(Deadline deadline) {
@@ -36,6 +40,7 @@ StreamGpib::Outcome SocketInstrument::Refresh(Deadline deadline) {
 void SocketInstrument::FindLstn(int board, std::span<const std::int16_t> addresses, std::span<std::int16_t> results) {
   if (Refused(board)) return;
   if (Refresh(Limit()) != Outcome::Done) return Fail(gpib::kEnol, Stream().Fault());
+  isNew_ = false;
   std::size_t found = 0;
   for (const std::int16_t address : addresses) {
     if (address == gpib::kNoAddr || found == results.size()) break;
@@ -61,6 +66,10 @@ void SocketInstrument::Send(int board, int, std::string_view bytes, int eotMode)
   if (eotMode == gpib::kDabEnd && !message.empty() && message.back() != '\n') message += '\n';
   Outcome outcome = Ready(deadline);
   if (outcome == Outcome::Done) outcome = Write(message, deadline);
+  if (outcome == Outcome::Done && std::exchange(isNew_, false)) {
+    fault_ = "The connection was lost, and what was sent last perhaps with it; it stands again.";
+    outcome = Outcome::Lost;
+  }
   Finish(outcome, outcome == Outcome::Done ? bytes.size() : 0);
 }
 

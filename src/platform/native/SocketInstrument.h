@@ -6,8 +6,9 @@ namespace hylden {
 
 /// One instrument that takes its commands as lines over a connection of its own, without a bus. Whatever address it is
 /// asked under is its own. Such a connection has no EOI: an LF ends a message, both ways.
-/// What it says stays until it is read. A connection that broke is made again by the next Send or FindLstn; a Receive
-/// makes it again too, but fails: what there was to read is gone.
+/// What it says stays until it is read. A connection that broke is made again by the next call. FindLstn succeeds then;
+/// a Receive fails, since what there was to read is gone, and so does a Send, although it is sent: the command before
+/// may have been lost.
 class SocketInstrument : public StreamGpib {
  public:
   explicit SocketInstrument(std::unique_ptr<ByteStream> stream);
@@ -32,6 +33,7 @@ class SocketInstrument : public StreamGpib {
   bool Take(std::span<char> buffer, char end, std::size_t& count);
 
   std::string unread_;
+  bool isNew_ = false;          ///< made again since the last Send, without a word of the loss
   bool skipsLineFeed_ = false;  ///< the last answer was read up to its CR
 };
 
