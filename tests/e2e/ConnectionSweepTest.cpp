@@ -1,6 +1,9 @@
-// A whole run through a GPIB adapter whose connection breaks at any message.
+// A whole run through a GPIB adapter, or over a socket for each instrument, whose connection breaks at any message.
 
+#include "platform/AbsentGpib.h"
+#include "platform/BusRouter.h"
 #include "platform/native/GpibAdapter.h"
+#include "platform/native/SocketInstrument.h"
 #include "support/ServedStream.h"
 
 #include <gmock/gmock.h>
@@ -14,6 +17,7 @@
 #include <vector>
 
 #include "bench/ServedAdapter.h"
+#include "bench/ServedInstrument.h"
 #include "e2e/DemoRuns.h"
 
 namespace hylden {
@@ -87,9 +91,11 @@ class HurriedNear : public GpibDriver {
   double frozenSeconds_ = 0;
 };
 
-/// The demo station behind an adapter, with a run of five steps: by net power, with the induced current limited, AM.
+enum class Way { Adapter, Sockets };
+
+/// The demo station on a served bench, with a run of five steps: by net power, with the induced current limited, AM.
 struct ServedRuns : DemoRuns {
-  ServedRuns() {
+  explicit ServedRuns(Way way) : hurried(way == Way::Adapter ? static_cast<GpibDriver&>(adapter) : sockets, bus) {
     driver.PassTo(hurried);
     Load("net-power-fm.tst");
     TestDefinition& test = Test();
@@ -122,24 +128,55 @@ struct ServedRuns : DemoRuns {
 
   ServedBus bus{bench.Bus(), clock};
   GpibAdapter adapter{std::make_unique<ServedStream>([this] { return std::make_unique<ServedAdapter>(bus); }, clock)};
-  HurriedNear hurried{adapter, bus};
+  std::vector<int> written;  ///< to which instrument each message went over a socket
+  SocketInstrument generator{StreamTo(18)}, meter{StreamTo(13)}, powerMeter{StreamTo(14)};
+  AbsentGpib nobody{"There is no other."};
+  BusRouter sockets{nobody, {{18, &generator}, {13, &meter}, {14, &powerMeter}}};
+  HurriedNear hurried;
+
+ private:
+  std::unique_ptr<ServedStream> StreamTo(int address) {
+    auto stream = std::make_unique<ServedStream>(
+        [this, address] { return std::make_unique<ServedInstrument>(bus, address); }, clock);
+    stream->onWrite = [this, address] { written.push_back(address); };
+    return stream;
+  }
 };
 
-class ConnectionSweep : public testing::TestWithParam<Kind> {};
+struct Broken {
+  const char* name;
+  Way way;
+  Kind kind;
+};
+
+void PrintTo(const Broken& broken, std::ostream* out) {
+  *out << broken.name;
+}
+
+class ConnectionSweep : public testing::TestWithParam<Broken> {};
 
 TEST_P(ConnectionSweep, EndsTheRunSoonWithOneMessageRfOffAndItsRows) {
   constexpr double kTwoTimeLimits = 20;
-  constexpr int kStride = 11;  // of the messages: a call has other numbers of them
-  ServedRuns undisturbed;
+  const auto [name, way, kind] = GetParam();
+  const int stride = way == Way::Adapter ? 11 : 3;  // a call has other numbers of messages
+  ServedRuns undisturbed(way);
   undisturbed.Run();
   ASSERT_EQ(undisturbed.Failures(), std::vector<std::string>());
   const std::vector<std::string> steps = undisturbed.CompletedSteps();
   ASSERT_EQ(steps.size(), 5U);
+  // A socket is told nothing of what becomes of a message: the last step may lack what got lost, and a generator that
+  // takes everything and does nothing looks like one that works.
+  const std::size_t doubtful = way == Way::Sockets ? 1 : 0;
+  const auto looksWell = [&](int message) {
+    return way == Way::Sockets && kind == Kind::Hang &&
+           undisturbed.written.at(static_cast<std::size_t>(message - 1)) == 18;
+  };
   int ended = 0;
-  for (int message = 1; message <= undisturbed.bus.Messages() && !HasFailure(); message += kStride) {
+  for (int message = 1; message <= undisturbed.bus.Messages(); message += stride) {
+    if (looksWell(message)) continue;
     SCOPED_TRACE("message " + std::to_string(message) + " of " + std::to_string(undisturbed.bus.Messages()));
-    ServedRuns station;
-    station.RunBreaking({GetParam(), message});
+    ServedRuns station(way);
+    station.RunBreaking({kind, message});
     EXPECT_FALSE(station.RfIsOn());
     EXPECT_FALSE(station.instruments.sigGen.RfIsOn());
     EXPECT_LE(station.hurried.FrozenSeconds(), kTwoTimeLimits);
@@ -147,16 +184,21 @@ TEST_P(ConnectionSweep, EndsTheRunSoonWithOneMessageRfOffAndItsRows) {
     const bool finished = station.engine.Outcome() == RunOutcome::Finished;
     EXPECT_TRUE(failures.size() == 1 || (finished && failures.empty())) << testing::PrintToString(failures);
     ASSERT_LE(rows.size(), steps.size());
-    EXPECT_TRUE(std::equal(rows.begin(), rows.end(), steps.begin()));
+    const std::size_t sure = rows.size() - std::min(doubtful, rows.size());
+    EXPECT_TRUE(std::equal(rows.begin(), rows.begin() + static_cast<std::ptrdiff_t>(sure), steps.begin()));
     if (!finished) ++ended;
   }
   EXPECT_GT(ended, 10);
 }
 
-INSTANTIATE_TEST_SUITE_P(Adapter, ConnectionSweep, testing::Values(Kind::Close, Kind::Hang, Kind::Garble),
-                         [](const auto& row) {
-                           return row.param == Kind::Close ? "Closes" : row.param == Kind::Hang ? "Hangs" : "Garbles";
-                         });
+INSTANTIATE_TEST_SUITE_P(Served, ConnectionSweep,
+                         testing::Values(Broken{"adapter_closes", Way::Adapter, Kind::Close},
+                                         Broken{"adapter_hangs", Way::Adapter, Kind::Hang},
+                                         Broken{"adapter_garbles", Way::Adapter, Kind::Garble},
+                                         Broken{"socket_closes", Way::Sockets, Kind::Close},
+                                         Broken{"socket_hangs", Way::Sockets, Kind::Hang},
+                                         Broken{"socket_garbles", Way::Sockets, Kind::Garble}),
+                         [](const auto& row) { return row.param.name; });
 
 }  // namespace
 }  // namespace hylden

@@ -18,6 +18,9 @@ class ServedStream : public ByteStream {
  public:
   using MakeSession = std::function<std::unique_ptr<StreamSession>()>;
 
+  /// Told of every write.
+  std::function<void()> onWrite = [] {};
+
   ServedStream(MakeSession make, VirtualClock& clock) : make_(std::move(make)), clock_(clock) {}
 
   Outcome Open(Deadline) override {
@@ -28,6 +31,7 @@ class ServedStream : public ByteStream {
   bool IsOpen() const override { return session_ != nullptr; }
   Outcome Write(std::string_view bytes, Deadline) override {
     if (Over()) return Outcome::Lost;
+    onWrite();
     session_->Take(bytes);
     while (const auto due = session_->Ended() ? std::nullopt : session_->DueInMs()) {
       clock_.Advance(*due);
