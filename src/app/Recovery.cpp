@@ -97,8 +97,9 @@ Result<Recovery> RecoveryOf(std::string bytes) {
 std::string DescriptionOf(const Recovery& recovery) {
   constexpr std::array kKinds = {"Test", "Level calibration", "Insertion loss"};  // by JournalKind
   const JournalHead& head = recovery.Head;
-  std::string text = std::string(kKinds[static_cast<std::size_t>(head.Kind)]) + " " + head.Name + ", begun " +
-                     head.Started + ": " + Counted(recovery.Count, "row") + " of " + Counted(head.Planned, "step");
+  std::string text = std::string(kKinds[static_cast<std::size_t>(head.Kind)]) + (head.Name.empty() ? "" : " ") +
+                     head.Name + ", begun " + head.Started + ": " + Counted(recovery.Count, "row") + " of " +
+                     Counted(head.Planned, "step");
   if (recovery.Recorded > recovery.Count)
     text += ", " + Counted(recovery.Recorded - recovery.Count, "direct reading") + " without the insert reading";
   if (recovery.Recorded > 0) text += ", the last at " + ShortestText(recovery.LastMHz) + " MHz";

@@ -196,7 +196,7 @@ void RunCablCal::Journal(const Pass& pass) {
   };
   const bool begins = current_ == 1 && (!pass.Inserted || !journal_.IsOn());
   if (begins) {
-    journal_.Begin({.Kind = JournalKind::InsertionLoss, .Name = "insertion-loss", .Planned = points_.size()});
+    journal_.Begin({.Kind = JournalKind::InsertionLoss, .Planned = points_.size()});
     for (std::size_t number = 2; pass.Inserted && number <= points_.size(); ++number) add(number);
   }
   add(current_);

@@ -95,12 +95,16 @@ Result<Journal> Reading::Outcome() && {
 
 }  // namespace
 
+std::string_view TextOf(JournalKind kind) {
+  return kKinds[static_cast<std::size_t>(kind)];
+}
+
 std::string HeadLines(const JournalHead& head) {
   std::string lines = SealedLine(std::string(kTitle).append(kForm));
   const auto add = [&](std::string_view key, const std::string& value) {
     lines += SealedLine(std::string(key) + " " + OneLine(value));
   };
-  add("kind", std::string(kKinds[static_cast<std::size_t>(head.Kind)]));
+  add("kind", std::string(TextOf(head.Kind)));
   add("program", head.Program);
   add("name", head.Name);
   add("started", head.Started);

@@ -12,12 +12,14 @@ namespace hylden {
 
 /// What a journal keeps the rows of.
 enum class JournalKind { Test, LevelCalibration, InsertionLoss };
+/// As the journal has it: "level calibration".
+std::string_view TextOf(JournalKind kind);
 
 /// What a journal says before its rows: what run it is of, and what saving it takes besides them.
 struct JournalHead {
   JournalKind Kind = JournalKind::Test;
   std::string Program = {};            ///< name and version
-  std::string Name = {};               ///< the file of the test or the setup
+  std::string Name = {};               ///< the file of the test or the setup; empty without one
   std::string Started = {};            ///< local date and time
   std::size_t Planned = 0;             ///< steps
   std::string Notice = {};             ///< that no instrument is driven; empty otherwise

@@ -60,7 +60,8 @@ std::string RunJournal::FileName() const {
   std::string time = head_.Started;
   std::erase_if(time, [](char c) { return c == '-' || c == ':'; });
   std::replace(time.begin(), time.end(), ' ', '-');
-  return Plain(std::filesystem::path(head_.Name).stem().string()) + "_" + time;
+  const std::string name = std::filesystem::path(head_.Name).stem().string();
+  return Plain(name.empty() ? TextOf(head_.Kind) : name) + "_" + time;
 }
 
 void RunJournal::Row(int number, std::string_view values) {

@@ -20,7 +20,7 @@ constexpr auto kYes = MessageAnswer::Yes, kNo = MessageAnswer::No, kCancel = Mes
 std::string HeadOf(JournalKind kind, std::vector<std::string> info = {}) {
   return HeadLines({.Kind = kind,
                     .Program = "Hylden 1.1",
-                    .Name = "radio",
+                    .Name = kind == JournalKind::InsertionLoss ? "" : "radio",
                     .Started = "2026-11-23 18:35:07",
                     .Planned = 67,
                     .Info = std::move(info)});
@@ -57,7 +57,7 @@ TEST_F(OfferTest, SavesWhatTheRunWouldHaveSaved) {
       {"level", kLevel, "Level calibration radio, begun 2026-11-23 18:35:07: 2 rows of 67 steps, the last at 1 MHz",
        "x.cal", "1.0,-12.500,130.00,33.13,na,\r\n2.0,-12.250,130.00,na,na,\r\n"},
       {"cable", kCable,
-       "Insertion loss radio, begun 2026-11-23 18:35:07: 1 row of 67 steps, "
+       "Insertion loss, begun 2026-11-23 18:35:07: 1 row of 67 steps, "
        "1 direct reading without the insert reading, the last at 1 MHz",
        "x.los", "1.000,        0.5,      97.0,     96.5\r\n"},
   };

@@ -86,6 +86,7 @@ TEST_F(JournalledCalibration, KeepsTheRowsOfARunUntilTheNextOneRecords) {
 TEST_F(JournalledCalibration, HasBothPassesOfACable) {
   cable.DirectPass(display);
   EXPECT_EQ(KeptPoints(), "direct direct direct ");
+  EXPECT_EQ(journals.Kept().front().substr(0, 15), "insertion-loss_");
   HaltAt(4);
   cable.InsertPass(display);
   EXPECT_EQ(KeptPoints(), "both both direct ");

@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <utility>
 
+#include "text/DiskSync.h"
+
 namespace hylden {
 
 namespace {
@@ -70,7 +72,7 @@ void JournalFolder::Note(const std::error_code& failure) {
 void JournalFolder::Make(Page& page) {
   constexpr int kMostAtOnce = 1000;
   std::error_code failure;
-  fs::create_directories(folder_, failure);
+  if (fs::create_directories(folder_, failure)) (void)SyncFolder(fs::path(folder_).parent_path());
   const std::string name = page.Name + "_" + std::to_string(getpid());
   for (int number = 1; number < kMostAtOnce; ++number) {
     page.Name = number == 1 ? name : name + "-" + std::to_string(number);
