@@ -16,7 +16,7 @@ SocketInstrument::SocketInstrument(std::unique_ptr<ByteStream> stream) : StreamG
 StreamGpib::Outcome SocketInstrument::SetUp(Deadline) {
   unread_.clear();
   skipsLineFeed_ = false;
-  isNew_ = true;
+  isNew_ = !isLossTold_;
   return Outcome::Done;
 }
 
@@ -70,6 +70,7 @@ void SocketInstrument::Send(int board, int, std::string_view bytes, int eotMode)
     fault_ = "The connection was lost, and what was sent last perhaps with it; it stands again.";
     outcome = Outcome::Lost;
   }
+  isLossTold_ = outcome != Outcome::Done;
   Finish(outcome, outcome == Outcome::Done ? bytes.size() : 0);
 }
 

@@ -34,6 +34,7 @@ class SocketInstrument : public StreamGpib {
 
   std::string unread_;
   bool isNew_ = false;          ///< made again since the last Send, without a word of the loss
+  bool isLossTold_ = false;     ///< the last Send failed: another loss is no news
   bool skipsLineFeed_ = false;  ///< the last answer was read up to its CR
 };
 
