@@ -6,6 +6,7 @@
 #include "documents/CalInfo.h"
 #include "documents/CalSetup.h"
 #include "text/Case.h"
+#include "text/FilePair.h"
 #include "text/Numbers.h"
 #include "text/Pattern.h"
 #include "text/RecordFile.h"
@@ -80,16 +81,16 @@ Done SaveCal(const std::string& dataFileName, const CalRows& rows, const CalInfo
   // A list may be visited in any order; a record is looked up in rising frequency.
   CalRows rising = rows;
   std::stable_sort(rising.begin(), rising.end(), IsLower);
-  // The two belong together: neither is replaced unless both can be written.
+  // Half a new record would replay its levels under the amplifier of the old one. PlacePair wants this order.
   std::optional<FileReplacement> data, description;
   const auto write = [](const std::string& name, const auto& operation) {
     return Trapped("frmRunCal.SaveCal", name, operation);
   };
-  return write(dataFileName, [&] { data.emplace(dataFileName, CalDataText(rising)); })
+  return write(dataFileName, [&] { SettlePair(dataFileName, *infoFileName); })
+      .and_then([&] { return write(dataFileName, [&] { data.emplace(dataFileName, CalDataText(rising)); }); })
       .and_then(
           [&] { return write(*infoFileName, [&] { description.emplace(*infoFileName, RecordText(info, true)); }); })
-      .and_then([&] { return write(dataFileName, [&] { data->Place(); }); })
-      .and_then([&] { return write(*infoFileName, [&] { description->Place(); }); });
+      .and_then([&] { return write(dataFileName, [&] { PlacePair(*data, *description); }); });
 }
 
 }  // namespace hylden

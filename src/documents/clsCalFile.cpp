@@ -4,6 +4,8 @@
 
 #include "measure/Conversions.h"
 #include "text/Case.h"
+#include "text/ExistingPath.h"
+#include "text/FilePair.h"
 #include "text/Numbers.h"
 #include "text/RuntimeError.h"
 #include "text/TextFile.h"
@@ -13,11 +15,6 @@ namespace {
 
 constexpr std::string_view kInfoEnding = ".hyinfo";
 constexpr float kMissing = static_cast<float>(kNoValue);
-
-/// The data file beside an info file.
-std::string DataFileOf(std::string_view infoFile) {
-  return std::string(infoFile.substr(0, infoFile.size() - kInfoEnding.size() + 1)) + "cal";
-}
 
 std::vector<std::string_view> SplitAtCommas(std::string_view line) {
   std::vector<std::string_view> pieces;
@@ -50,6 +47,15 @@ float ValueOf(const CalPoint& point, CalColumn column) {
 }
 
 }  // namespace
+
+std::string DataFileOf(std::string_view infoFile) {
+  return std::string(infoFile.substr(0, infoFile.size() - kInfoEnding.size() + 1)) + "cal";
+}
+
+void SettleRecord(const std::string& infoFile) {
+  if (LowerCase(infoFile).ends_with(kInfoEnding))
+    SettlePair(ExistingPath(DataFileOf(infoFile)), ExistingPath(infoFile));
+}
 
 std::optional<CalPoint> ParseCalLine(std::string_view line) {
   const std::vector<std::string_view> pieces = SplitAtCommas(line);
@@ -110,8 +116,10 @@ Done clsCalFile::LoadFile(const std::string& infoFileName) {
   if (!infoFile.ends_with(kInfoEnding)) return Because("Bad filename for calibration file: " + infoFile);
   const std::string dataFile = DataFileOf(infoFile);
   // Two records may differ in case only: the data file is looked for in the spelling of its info file first.
-  return Trapped("clsCalFile.LoadFile", dataFile,
-                 [&] { return ReadPoints(LineReader(ReadTextFile(DataFileOf(infoFileName))), dataFile); });
+  return Trapped("clsCalFile.LoadFile", dataFile, [&] {
+    SettleRecord(infoFileName);
+    return ReadPoints(LineReader(ReadTextFile(DataFileOf(infoFileName))), dataFile);
+  });
 }
 
 Done clsCalFile::ReadPoints(LineReader lines, const std::string& dataFile) {

@@ -27,6 +27,11 @@ enum class CalColumn : int { SigGenLevel = 0, TestLevel = 1, FwdPwr = 2, RevPwr 
 /// A point from a line of a .cal file; nothing for a bad line.
 std::optional<CalPoint> ParseCalLine(std::string_view line);
 
+/// The data file beside an info file, whose name ends with ".hyinfo".
+std::string DataFileOf(std::string_view infoFile);
+/// Before a record is read: puts in place what a save of it that was cut off has left. @throws RuntimeError
+void SettleRecord(const std::string& infoFile);
+
 /// A calibration record's points, loaded once and looked up at rising frequencies. Frequencies in MHz. Between points
 /// levels and powers are interpolated linearly over frequency (powers in dBm), the test level over log frequency; at a
 /// band-change pair the larger value counts. A getter gives -999 where it has no answer.

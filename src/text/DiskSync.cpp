@@ -13,7 +13,10 @@ namespace hylden {
 namespace {
 
 int Sync(int file) {
-  if (fsync(file) == 0 || errno == EINVAL || errno == ENOTSUP || errno == EROFS) return 0;
+  int result = 0;
+  do result = fsync(file);
+  while (result != 0 && errno == EINTR);
+  if (result == 0 || errno == EINVAL || errno == ENOTSUP || errno == EROFS) return 0;
   return errno;
 }
 
@@ -25,7 +28,7 @@ int SyncFile(std::FILE* file) {
 
 int SyncFolder(const std::filesystem::path& folder) {
   const int directory = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (directory < 0) return 0;
+  if (directory < 0) return errno == EACCES ? 0 : errno;
   const int failed = Sync(directory);
   close(directory);
   return failed;

@@ -28,30 +28,6 @@ using File = std::unique_ptr<std::FILE, CloseFile>;
   throw RuntimeError(number);
 }
 
-[[noreturn]] void FailWith(int code) {
-  switch (code) {
-    case ENOENT:
-    case ENOTDIR:
-      Fail(ErrorNumber::PathNotFound);
-    case ENOSPC:
-#ifdef EDQUOT
-    case EDQUOT:
-#endif
-    case EFBIG:
-      Fail(ErrorNumber::DiskFull);
-    case EIO:
-      Fail(ErrorNumber::DeviceIoError);
-    case EBUSY:
-    case ETXTBSY:
-      Fail(ErrorNumber::PermissionDenied);
-    case EINVAL:
-    case ENAMETOOLONG:
-      Fail(ErrorNumber::BadFileName);
-    default:
-      Fail(ErrorNumber::PathFileAccessError);
-  }
-}
-
 void CheckName(const std::string& path) {
   if (path.empty()) Fail(ErrorNumber::PathFileAccessError);
   if (path.find('\0') != std::string::npos) Fail(ErrorNumber::BadFileName);
@@ -142,6 +118,36 @@ std::pair<fs::path, File> NewFileBeside(const fs::path& target) {
 
 }  // namespace
 
+void FailWith(int code) {
+  switch (code) {
+    case ENOENT:
+    case ENOTDIR:
+      Fail(ErrorNumber::PathNotFound);
+    case ENOSPC:
+#ifdef EDQUOT
+    case EDQUOT:
+#endif
+    case EFBIG:
+      Fail(ErrorNumber::DiskFull);
+    case EIO:
+    case ESTALE:  // what a share comes to that is gone
+    case ENODEV:
+    case ENXIO:
+    case ETIMEDOUT:
+    case EHOSTDOWN:
+      Fail(ErrorNumber::DeviceIoError);
+    case EROFS:
+    case EBUSY:
+    case ETXTBSY:
+      Fail(ErrorNumber::PermissionDenied);
+    case EINVAL:
+    case ENAMETOOLONG:
+      Fail(ErrorNumber::BadFileName);
+    default:
+      Fail(ErrorNumber::PathFileAccessError);
+  }
+}
+
 std::string ReadFileBytes(const std::string& path) {
   CheckName(path);
   const File file = OpenForReading(ExistingPath(path));
@@ -178,6 +184,14 @@ std::string SavePath(const std::string& path) {
   if (separator == std::string::npos || separator == 0) return path;
   const fs::path folder = ExistingPath(path.substr(0, separator));
   return (folder / path.substr(separator + 1)).string();
+}
+
+fs::path SaveTarget(const std::string& path) {
+  return LinkTarget(SavePath(path));
+}
+
+void SyncFolderOf(const fs::path& file) {
+  if (const int failed = SyncFolder(file.parent_path())) FailWith(failed);
 }
 
 FileReplacement::FileReplacement(const std::string& path, std::string_view content) {
@@ -219,13 +233,18 @@ FileReplacement::Temporary::~Temporary() {
   if (!Path.empty()) fs::remove(Path, ignored);
 }
 
+void FileReplacement::MoveTo(const fs::path& path) {
+  std::error_code failed;
+  fs::rename(written_.Path, path, failed);
+  if (failed) FailWith(failed.value());
+  written_.Path = path;
+}
+
 void FileReplacement::Place() {
   if (written_.Path.empty()) return;
-  std::error_code failed;
-  fs::rename(written_.Path, target_, failed);
-  if (failed) FailWith(failed.value());
-  written_.Path.clear();
-  if (const int notSynced = SyncFolder(target_.parent_path())) FailWith(notSynced);
+  MoveTo(target_);
+  Keep();
+  SyncFolderOf(target_);
 }
 
 void ReplaceFile(const std::string& path, std::string_view content) {

@@ -48,6 +48,15 @@ class FileReplacement {
   /// @throws RuntimeError; the old file is untouched, unless the disk fails after the new one has taken its place
   void Place();
 
+  // The steps of a save that has another file beside it, see FilePair.h.
+
+  /// The file that is replaced; empty for a device.
+  const std::filesystem::path& Target() const { return target_; }
+  /// Gives what is written another name; it still goes with the object. @throws RuntimeError; the name is as it was
+  void MoveTo(const std::filesystem::path& path);
+  /// What is written stays where it is.
+  void Keep() { written_.Path.clear(); }
+
  private:
   struct Temporary {
     std::filesystem::path Path;  ///< empty: nothing to place
@@ -60,6 +69,13 @@ class FileReplacement {
 
 /// The path that a save ends under: the name as given, in a folder that may be spelled in another case or with "\".
 std::string SavePath(const std::string& path);
+/// The file that a save replaces or makes: what SavePath leads to behind symbolic links.
+std::filesystem::path SaveTarget(const std::string& path);
+
+/// Waits until the file's name is on the disk. @throws RuntimeError
+void SyncFolderOf(const std::filesystem::path& file);
+/// Throws what an `errno` of the file system means to the operator. @throws RuntimeError
+[[noreturn]] void FailWith(int code);
 
 /// Why a file of so many bytes can't be saved under this name, as far as can be told beforehand; nothing when it can.
 /// Only what stays a file is taken: what a device or a pipe swallows is not kept.

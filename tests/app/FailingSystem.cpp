@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -11,7 +12,9 @@
 namespace {
 
 int left = 0;  ///< calls until the one that fails; 0: it has come, or none is to fail
-bool kills = false;
+using How = hylden::FailingSystem::How;
+How how = How::Fail;
+bool struck = false;
 std::string took;
 
 template <class Function>
@@ -19,27 +22,34 @@ Function* Real(Function*, const char* name) {
   return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
-/// Whether this call is the one.
+/// Whether this call is the one, or comes behind it.
 bool Strikes(int error) {
-  if (left == 0 || --left > 0) return false;
-  if (kills) raise(SIGKILL);
-  errno = error;
-  return true;
+  const bool follows = struck && how == How::Vanish;
+  if (!follows && (left == 0 || --left > 0)) return false;
+  if (how == How::Kill) raise(SIGKILL);
+  errno = follows ? ESTALE : error;
+  return struck = true;
+}
+
+int Took(const char* what, int result) {
+  if (result == 0) took += what;
+  return result;
 }
 
 }  // namespace
 
 namespace hylden {
 
-void FailingSystem::Arm(int call, How how) {
+void FailingSystem::Arm(int call, How kind) {
   left = call;
-  kills = how == How::Kill;
+  how = kind;
+  struck = false;
+  took.clear();
 }
 
 bool FailingSystem::Disarm() {
-  const bool came = left == 0;
   left = 0;
-  return came;
+  return std::exchange(struck, false);
 }
 
 std::string FailingSystem::Took() {
@@ -57,7 +67,8 @@ FILE* fopen(const char* path, const char* mode) {
 
 size_t fwrite(const void* bytes, size_t size, size_t count, FILE* file) {
   static auto* const real = Real(&fwrite, "fwrite");
-  if (left != 1) {
+  const bool follows = struck && how == How::Vanish;
+  if (left != 1 && !follows) {
     if (left > 0) --left;
     return real(bytes, size, count, file);
   }
@@ -74,8 +85,9 @@ int fflush(FILE* file) {
 
 int fsync(int file) {
   static auto* const real = Real(&fsync, "fsync");
-  took += "sync ";
-  return Strikes(EIO) ? -1 : real(file);
+  struct stat status {};
+  fstat(file, &status);
+  return Strikes(EIO) ? -1 : Took(S_ISDIR(status.st_mode) ? "folder " : "sync ", real(file));
 }
 
 int fclose(FILE* file) {
@@ -88,7 +100,6 @@ int fclose(FILE* file) {
 
 int rename(const char* from, const char* to) noexcept {
   static auto* const real = Real(&rename, "rename");
-  took += "rename ";
-  return Strikes(EIO) ? -1 : real(from, to);
+  return Strikes(EIO) ? -1 : Took("rename ", real(from, to));
 }
 }

@@ -1,4 +1,5 @@
 #include "support/ReadLines.h"
+#include "text/DiskSync.h"
 #include "text/Encoding.h"
 #include "text/ExistingPath.h"
 #include "text/TextFile.h"
@@ -180,6 +181,16 @@ TEST_F(TextFileTest, AFileThatCannotBeReplacedTellsWhyAndStaysWhole) {
   EXPECT_EQ(OtherFiles("taken"), 0);
   EXPECT_EQ(std::distance(fs::directory_iterator(At("taken")), fs::directory_iterator()), 4)
       << "nothing is left beside";
+}
+
+TEST(Disk, AFullDiskALostShareAndAWriteProtectedOneAreToldAsSuch) {
+  const std::pair<int, int> rows[] = {{ENOSPC, 61}, {EDQUOT, 61}, {EIO, 57}, {ESTALE, 57}, {EROFS, 70}, {EACCES, 75}};
+  for (const auto& [code, error] : rows) EXPECT_EQ(ErrorOf([c = code] { FailWith(c); }), error) << code;
+}
+
+TEST(Disk, AFolderThatItsFileSystemCannotSyncIsNoFailure) {
+  EXPECT_EQ(SyncFolder("/proc"), 0);
+  EXPECT_EQ(SyncFolder("/nowhere"), ENOENT);
 }
 
 TEST_F(TextFileTest, AnUnwritableFolderIsRefusedAndTheFileStaysWhole) {

@@ -16,7 +16,11 @@ bool ConsolePrinter::Print(const PrintJob& job) {
   std::vector<std::string> lines;
   for (const PrintedLine& line : job.lines) lines.push_back((line.newPage ? "\f" : "") + line.text);
   const std::string all = printed_ + (printed_.empty() ? "" : "\f") + JoinLines(lines);
-  ReplaceFile(path_, all);
+  try {
+    ReplaceFile(path_, all);
+  } catch (const RuntimeError& error) {  // who prints knows of no file
+    throw RuntimeError(error.Number(), error.Description() + ": " + path_);
+  }
   printed_ = all;
   return true;
 }
