@@ -56,10 +56,10 @@ std::vector<std::pair<std::string, std::string>> INISettings::GetAll(const std::
   return Guarded(std::vector<std::pair<std::string, std::string>>(), [&] { return store_.GetSettingAll(section); });
 }
 
-void INISettings::Save(const std::string& section, const std::string& key, const std::string& value) {
+void INISettings::SaveAll(const std::string& section, const std::vector<std::pair<std::string, std::string>>& values) {
   bool kept = false;
   try {
-    kept = store_.SaveSettingStr(section, key, value);
+    kept = store_.SaveSettings(section, values);
   } catch (const SettingError&) {
     // Told as the rest.
   }

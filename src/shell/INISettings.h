@@ -45,7 +45,10 @@ class INISettings {
   /// A setting, or all of a section, without an accessor of its own.
   std::string Get(const std::string& section, const std::string& key, const std::string& fallback);
   std::vector<std::pair<std::string, std::string>> GetAll(const std::string& section);
-  void Save(const std::string& section, const std::string& key, const std::string& value);
+  void Save(const std::string& section, const std::string& key, const std::string& value) {
+    SaveAll(section, {{key, value}});
+  }
+  void SaveAll(const std::string& section, const std::vector<std::pair<std::string, std::string>>& values);
 
   /// Where files of this kind live; until it is set the program directory, or a folder of the user's documents.
   std::string GetDataDir(std::string_view kind);

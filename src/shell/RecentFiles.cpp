@@ -43,10 +43,12 @@ bool RecentFiles::Add(const std::string& path) {
   files.insert(files.begin(), path);
   files.resize(kMost);
   std::map<std::string, std::string> kept = Kept();
+  std::vector<std::pair<std::string, std::string>> changed;
   for (int number = 1; number <= kMost; ++number) {
     const std::string& file = files[static_cast<std::size_t>(number - 1)];
-    if (kept[Key(number)] != file) settings_.Save(kSection, Key(number), file);
+    if (kept[Key(number)] != file) changed.emplace_back(Key(number), file);
   }
+  settings_.SaveAll(kSection, changed);
   return true;
 }
 

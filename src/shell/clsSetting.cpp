@@ -168,16 +168,24 @@ std::vector<std::string> clsSetting::GetSectionNames() {
 }
 
 bool clsSetting::SaveSettingStr(const std::string& section, const std::string& key, const std::string& value) {
-  return Numbered(kWriteError, "Error writing Setting", [&] { return Write(section, key, value); });
+  return Numbered(kWriteError, "Error writing Setting", [&] { return Write(section, {{key, value}}); });
 }
 
 bool clsSetting::SaveSettingInt(const std::string& section, const std::string& key, std::int16_t value) {
-  return Numbered(kWriteError, "Error writing Setting", [&] { return Write(section, key, std::to_string(value)); });
+  return Numbered(kWriteError, "Error writing Setting", [&] { return Write(section, {{key, std::to_string(value)}}); });
 }
 
-bool clsSetting::Write(const std::string& section, const std::string& key, const std::string& value) {
+bool clsSetting::SaveSettings(const std::string& section,
+                              const std::vector<std::pair<std::string, std::string>>& values) {
+  return Numbered(kWriteError, "Error writing Setting", [&] { return Write(section, values); });
+}
+
+bool clsSetting::Write(const std::string& section, const std::vector<std::pair<std::string, std::string>>& values) {
   try {
-    ReplaceFile(Path(), profile::WithValue(TextToChange(), section, key, value));
+    const std::string before = TextToChange();
+    std::string text = before;
+    for (const auto& [key, value] : values) text = profile::WithValue(text, section, key, value);
+    if (text != before || PathRead() != Path()) ReplaceFile(Path(), text);
     return true;
   } catch (const RuntimeError&) {
     return false;  // the file is as it was

@@ -56,6 +56,8 @@ class clsSetting {
   /// @return whether the value is in the file now; so for the next
   bool SaveSettingStr(const std::string& section, const std::string& key, const std::string& value);
   bool SaveSettingInt(const std::string& section, const std::string& key, std::int16_t value);
+  /// Several keys and their values at once.
+  bool SaveSettings(const std::string& section, const std::vector<std::pair<std::string, std::string>>& values);
   void DeleteKey(const std::string& section, const std::string& key);
   /// The settings file; initialises the object when nobody has.
   std::string Path();
@@ -70,7 +72,8 @@ class clsSetting {
   std::string Text();
   /// The bytes that a write begins with; a common file that can't be read does not hold it up.
   std::string TextToChange();
-  bool Write(const std::string& section, const std::string& key, const std::string& value);
+  /// A file that has the values already is not written: each write waits for the disk.
+  bool Write(const std::string& section, const std::vector<std::pair<std::string, std::string>>& values);
 
   std::string programDirectory_;
   std::string programName_;

@@ -20,7 +20,7 @@
 #include "measure/InterpClass.h"
 #include "measure/ListBuilder.h"
 #include "platform/console/ConsolePrinter.h"
-#include "shell/INISettings.h"
+#include "shell/RecentFiles.h"
 #include "support/TestStation.h"
 #include "testrun/RunData.h"
 #include "testrun/RunReport.h"
@@ -234,6 +234,19 @@ INSTANTIATE_TEST_SUITE_P(
         SavedKind{"FactorTable", {"x.fac"}, FactorsSaving}, SavedKind{"FrequencyList", {"x.lst"}, ListSaving},
         SavedKind{"Report", {"x.txt"}, ReportSaving}, SavedKind{"Settings", {"Hylden.ini"}, SettingSaving}),
     [](const auto& kind) { return std::string(kind.param.name); });
+
+TEST(Settings, WaitForTheDiskOnceForAListAndNeverForWhatTheyHold) {
+  const TempDir directory;
+  INISettings settings{directory.Path()};
+  RecentFiles recent(settings, "Equip");
+  for (const char* const name : {"a", "b", "c"}) recent.Add(directory.Write(name, "x"));
+  FailingSystem::Took();
+  recent.Add(directory.File("a"));
+  EXPECT_EQ(FailingSystem::Took(), "sync rename folder ");
+  recent.Add(directory.File("a"));
+  settings.Save("RecentFiles", "Equip1", directory.File("a"));
+  EXPECT_EQ(FailingSystem::Took(), "");
+}
 
 }  // namespace
 }  // namespace hylden
