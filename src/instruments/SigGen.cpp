@@ -128,8 +128,11 @@ Done SigGen::EndRf() {
 }
 
 Done SigGen::EndRfAgain() {
-  ForgetSent();
-  return gpib_.Send(Address(), terminator_.Bare(), kOffFailed).and_then([&] { return EndRf(); });
+  const auto endRf = [&] {
+    ForgetSent();
+    return EndRf();
+  };
+  return gpib_.Send(Address(), terminator_.Bare(), kOffFailed).and_then(endRf).and_then(endRf);
 }
 
 Done SigGen::LowerToMinimum() {

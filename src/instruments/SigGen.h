@@ -35,8 +35,8 @@ class SigGen : public DefinedInstrument<SigGenDefinition> {
   /// RfOn, and until then goes on sending as it did.
   Done RfOff();
   /// RF off as far as the generator can: one without the command is taken to its minimum level at once. Whatever has to
-  /// have RF off uses this, not the bare command. Always tries, again and again if need be, and twice behind a command
-  /// that did not get through; after a failure RF counts as on.
+  /// have RF off uses this, not the bare command. Always tries, again and again if need be, and more than once behind a
+  /// command that did not get through; after a failure RF counts as on.
   Done SilenceRf();
   /// @param useDepth  AM is later switched off and on by its depth
   Done SetAM(float frequencyKHz, float depthPercent, bool useDepth);
@@ -84,9 +84,9 @@ class SigGen : public DefinedInstrument<SigGenDefinition> {
   /// What stands for RF off on a generator without the command: the next RfOn comes up at the minimum level.
   void RequestMinimumLevel();
   Done EndRf();
-  /// Behind a command that did not get through, whose beginning may stand in the generator: the first RF off may have
-  /// come onto it, and neither counts then. That goes out before a bare end all the same: half a level, ended, may be
-  /// a higher one.
+  /// Behind a command that did not get through, whose beginning may stand in the generator: the RF off before this may
+  /// have come onto it, and neither counts then. That goes out before a bare end all the same: half a level, ended, may
+  /// be a higher one. Behind the bare end RF off goes out twice: a generator that has just hung may lose one more.
   Done EndRfAgain();
   Done LowerToMinimum();
   Done SwitchModulationOn(const std::string& command, const std::string& failure);

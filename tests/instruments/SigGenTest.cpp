@@ -150,12 +150,14 @@ TEST_F(SigGenTest, RfCountsAsOnUntilACommandToEndItGotThrough) {
   EXPECT_EQ(sigGen.RfState(), Rf::Off) << "what was off does not go on by itself";
 }
 
-TEST_F(SigGenTest, BehindACommandThatHungRfOffGoesOutTwiceAndBeforeAnythingThatEndsThatCommand) {
+TEST_F(SigGenTest, BehindACommandThatHungRfOffGoesOutTwiceAndOnceBeforeWhatEndsThatCommand) {
   const std::tuple<int, const char*, Strings> cases[] = {
-      {0, "OUTP OFF", {"OUTP OFF", "\\n", "OUTP OFF"}},
-      {1, "OUTP OFF", {"OUTP OFF\\r", "\\r", "OUTP OFF\\r"}},
-      {2, "OUTP OFF", {"OUTP OFF\\r\\n", "\\r\\n", "OUTP OFF\\r\\n"}},
-      {0, "", {"POW -120.0 DBM", "FREQ 0.1 MHZ", "\\n", "POW -120.0 DBM", "FREQ 0.1 MHZ"}}};
+      {0, "OUTP OFF", {"OUTP OFF", "\\n", "OUTP OFF", "OUTP OFF"}},
+      {1, "OUTP OFF", {"OUTP OFF\\r", "\\r", "OUTP OFF\\r", "OUTP OFF\\r"}},
+      {2, "OUTP OFF", {"OUTP OFF\\r\\n", "\\r\\n", "OUTP OFF\\r\\n", "OUTP OFF\\r\\n"}},
+      {0,
+       "",
+       {"POW -120.0 DBM", "FREQ 0.1 MHZ", "\\n", "POW -120.0 DBM", "FREQ 0.1 MHZ", "POW -120.0 DBM", "FREQ 0.1 MHZ"}}};
   for (const auto& [endOfString, rfOff, sent] : cases) {
     SCOPED_TRACE(testing::PrintToString(sent));
     TestStation s;

@@ -147,7 +147,7 @@ const Session kSessions[] = {
      [](auto&) {},
      {
          {[](auto& m) { m.bus.FailLine("> 18 FREQ", gpib::kEnol), m.Step(1); },
-          {"POW -10.0 DBM", "FREQ 1.0 MHZ !2", "OUTP OFF", "\\n", "OUTP OFF"},
+          {"POW -10.0 DBM", "FREQ 1.0 MHZ !2", "OUTP OFF", "\\n", "OUTP OFF", "OUTP OFF"},
           "1 MHz 0 dB"},
          {[](auto& m) { m.Threshold(2, 0); }, {}, "1 MHz 0 dB"},  // the product never saw the other
          {[](auto& m) { m.mode.manRfOn(true); }, {"FREQ 1.0 MHZ", "POW -10.0 DBM", "OUTP ON"}, "1 MHz 0 dB RF"},
@@ -197,11 +197,11 @@ const Session kSessions[] = {
      [](auto& m) { m.UseAm(true, false); },
      {
          {[](auto& m) { m.bus.FailLine("> 18 MOD OFF", gpib::kEnol), m.mode.manModOn(false); },
-          {"MOD OFF !2", "OUTP OFF", "\\n", "OUTP OFF"},
+          {"MOD OFF !2", "OUTP OFF", "\\n", "OUTP OFF", "OUTP OFF"},
           "2 MHz 0 dB Mod"},
          {[](auto& m) { m.mode.manModOn(false); }, {"MOD OFF"}, "2 MHz 0 dB"},
          {[](auto& m) { m.mode.manRfOn(true), m.bus.FailLine("> 18 AM ON", gpib::kEnol), m.mode.manModOn(true); },
-          {"FREQ 2.0 MHZ", "POW -8.0 DBM", "OUTP ON", "AM ON !2", "OUTP OFF", "\\n", "OUTP OFF"},
+          {"FREQ 2.0 MHZ", "POW -8.0 DBM", "OUTP ON", "AM ON !2", "OUTP OFF", "\\n", "OUTP OFF", "OUTP OFF"},
           "2 MHz 0 dB"},
      }},
 };
