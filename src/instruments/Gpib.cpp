@@ -236,7 +236,7 @@ bool Gpib::Receive(int address, std::string& answer, int termination, std::size_
 void Gpib::DiscardRest(int address, int termination) {
   const std::tuple answered(ibsta, iberr, ibcnt, ibcntl);
   SetTimeLimit(gpib::kT30ms);
-  ReadAway(address, termination);
+  (void)ReadAway(address, termination);
   SetTimeLimit(gpib::kT10s);
   std::tie(ibsta, iberr, ibcnt, ibcntl) = answered;
 }
@@ -244,18 +244,22 @@ void Gpib::DiscardRest(int address, int termination) {
 void Gpib::Drain(int address) {
   RegisterOnce();
   SetTimeLimit(gpib::kT30ms);
-  ReadAway(address, gpib::kStopEnd);
+  // One that measures whenever it is asked has always one more.
+  constexpr int kMostMessages = 4;
+  for (int n = 0; n < kMostMessages && ReadAway(address, gpib::kStopEnd); ++n) continue;
   SetTimeLimit(gpib::kT10s);
 }
 
-void Gpib::ReadAway(int address, int termination) {
+bool Gpib::ReadAway(int address, int termination) {
   constexpr int kMostPieces = 1000;  // an instrument that never stops is left to the next drain
   std::array<char, 64> piece{};
   for (int n = 0; n < kMostPieces; ++n) {
     shell_.gpib.Receive(kBoard, address, piece, termination);
     Refresh();
-    if (Failed() || (ibsta & gpib::kEnd) != 0 || ibcnt < static_cast<int>(piece.size())) return;
+    if (Failed()) return false;
+    if ((ibsta & gpib::kEnd) != 0 || ibcnt < static_cast<int>(piece.size())) return n > 0 || ibcnt > 0;
   }
+  return false;
 }
 
 void Gpib::SetTimeLimit(int code) {

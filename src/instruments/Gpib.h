@@ -98,7 +98,8 @@ class Gpib {
   void Impatiently(int address, int Device::*timeOuts, Call call);
   void SetTimeLimit(int code);
   void DiscardRest(int address, int termination);
-  void ReadAway(int address, int termination);
+  /// Reads one message to its end. @return whether there was one
+  bool ReadAway(int address, int termination);
   bool Failed() const { return (ibsta & gpib::kErr) != 0; }
 
   Shell& shell_;

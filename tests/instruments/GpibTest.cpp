@@ -126,6 +126,19 @@ TEST(Gpib, ADrainReadsAStaleAnswerToItsEnd) {
   EXPECT_EQ(answer, "72.5");
 }
 
+TEST(Gpib, ADrainReadsAwaySeveralAnswersButNotThoseOfADeviceThatHasAlwaysOneMore) {
+  TestStation s;
+  for (const bool always : {false, true}) {
+    s.bus.StaleAnswer(13, "1\n");
+    s.bus.transcript.onLine = [&](const std::string& line) {
+      if (line == "< 13 1\\n" || (always && line.starts_with("<"))) s.bus.StaleAnswer(13, "2\n");
+    };
+    s.gpib.Drain(13);
+    EXPECT_EQ(s.Took(), always ? (Strings{"TMO 8", "< 13 1\\n", "< 13 2\\n", "< 13 2\\n", "< 13 2\\n", "TMO 13"})
+                               : (Strings{"TMO 8", "< 13 1\\n", "< 13 2\\n", "< 13 !6", "TMO 13"}));
+  }
+}
+
 TEST(Gpib, AnInstrumentThatNeverStopsTalkingHoldsNobodyUp) {
   TestStation s;
   s.bus.StaleAnswer(13, std::string(100'000, '1'));
