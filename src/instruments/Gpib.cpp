@@ -40,6 +40,11 @@ constexpr StatusBit kStatusBits[] = {
     {0x0008, " TACS"}, {0x0004, " LACS"}, {0x0002, " DTAS"}, {0x0001, " DCAS"},
 };
 
+/// Failures of the board, or of the way to it, rather than of a device: plugged in anew it is not in charge of the bus.
+bool LostBoard(int error) {
+  return error == gpib::kEdvr || error == gpib::kEcic || error == gpib::kEneb || error == gpib::kEoip;
+}
+
 const char* ErrorLine(int code) {
   switch (code) {
     case 0:
@@ -324,6 +329,7 @@ void Gpib::Refresh() {
   iberr = static_cast<std::int16_t>(cells_.error);
   ibcnt = static_cast<std::int16_t>(cells_.longCount);
   ibcntl = cells_.longCount;
+  if (Failed() && LostBoard(iberr)) interfaceCleared_ = false;
 }
 
 }  // namespace hylden

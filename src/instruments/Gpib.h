@@ -36,8 +36,8 @@ class Gpib {
   /// Whether the bus has a byte for each character of a text; a command's other characters would go out as "?".
   static bool Carries(std::string_view utf8);
 
-  /// Clears the interface once per program run, and sets the board's time limit: a driver may come without one. Bus
-  /// work starts here: whatever timed out before is waited for in full again.
+  /// Clears the interface once per program run, again after the board was lost, and sets the board's time limit: a
+  /// driver may come without one. Bus work starts here: whatever timed out before is waited for in full again.
   Done GpibIfc();
   /// Clears the interface in any case.
   Done ClearInterface();

@@ -16,8 +16,8 @@ struct GpibStatusCells {
 };
 
 namespace gpib {
-constexpr int kErr = 0x8000, kTimo = 0x4000, kEnd = 0x2000, kCmpl = 0x0100, kCic = 0x0020;  // status bits
-constexpr int kEdvr = 0, kEnol = 2, kEabo = 6, kEneb = 7, kEoip = 10, kEcap = 11;           // error codes
+constexpr int kErr = 0x8000, kTimo = 0x4000, kEnd = 0x2000, kCmpl = 0x0100, kCic = 0x0020;    // status bits
+constexpr int kEdvr = 0, kEcic = 1, kEnol = 2, kEabo = 6, kEneb = 7, kEoip = 10, kEcap = 11;  // error codes
 constexpr int kDabEnd = 2;                          // end-of-transmission mode: EOI with the last byte
 constexpr int kStopEnd = 0x100;                     // Receive termination: at EOI only
 constexpr std::int16_t kNoAddr = -1;                // address list terminator

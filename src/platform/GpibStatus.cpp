@@ -14,7 +14,7 @@ struct ErrorName {
 
 constexpr ErrorName kErrors[] = {
     {gpib::kEdvr, "EDVR", "the driver, or the way to the device, failed"},
-    {1, "ECIC", "the board is not in charge of the bus"},
+    {gpib::kEcic, "ECIC", "the board is not in charge of the bus"},
     {gpib::kEnol, "ENOL", "nobody listens there"},
     {3, "EADR", "the board is addressed wrongly"},
     {4, "EARG", "the call has an argument that the driver refuses"},

@@ -17,6 +17,23 @@ TEST(Gpib, ClearsTheInterfaceOnceAndTriesAgainAfterAFailure) {
   EXPECT_EQ(s.Took(), (Strings{"IFC !4", "IFC", "TMO 13"}));
 }
 
+TEST(Gpib, TheInterfaceIsClearedAnewWhenTheBoardWasLostButNotForADevice) {
+  for (const auto& [error, again] : {std::pair{gpib::kEdvr, true},
+                                     {gpib::kEcic, true},
+                                     {gpib::kEneb, true},
+                                     {gpib::kEoip, true},
+                                     {gpib::kEnol, false},
+                                     {gpib::kEabo, false}}) {
+    TestStation s;
+    EXPECT_TRUE(s.gpib.GpibIfc());
+    s.bus.FailLine("> 18 A", error);
+    EXPECT_FALSE(s.gpib.Send(18, "A"));
+    s.Took();
+    EXPECT_TRUE(s.gpib.GpibIfc());
+    EXPECT_EQ(s.Took(), again ? (Strings{"IFC", "TMO 13"}) : Strings{}) << error;
+  }
+}
+
 TEST(Gpib, NoBusWithoutATimeLimitCountsAsCleared) {
   TestStation s;
   s.bus.FailLine("TMO 13", gpib::kEdvr);
