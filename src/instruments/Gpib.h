@@ -52,6 +52,8 @@ class Gpib {
   bool LacksLineStatus() const { return lacksLineStatus_; }
   /// Back to local.
   Done GpibClose(int address, const std::string& name);
+  /// A device that gets commands without being opened: they put it in remote, too, once another one is.
+  void Adopt(int address, const std::string& name) { devices_[address].Name = name; }
   /// Back to local, whatever was put in remote and is not local yet; each is tried, whatever the others do.
   Done CloseAll();
   /// Sends with EOI on the last byte; false when the status has ERR.

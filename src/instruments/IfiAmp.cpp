@@ -16,6 +16,7 @@ namespace {
 constexpr int kLowUnit = IfiAmp::kLowUnit, kHighUnit = IfiAmp::kHighUnit;
 constexpr double kBandChangeSeconds = 2.0;
 constexpr std::size_t kPowerAnswerSize = 80;
+constexpr const char* kName = "IFI amp";
 constexpr const char* kFailed = "Error sending command to amps";
 
 struct PowerTexts {
@@ -45,6 +46,7 @@ std::optional<float> Figure(const std::string& text) {
 Done IfiAmp::IfiInit(AmpControl mode, double bandSwitchMHz) {
   mode_ = mode;
   bandSwitchMHz_ = bandSwitchMHz;
+  if (mode == AmpControl::Ifi) gpib_.Adopt(kLowUnit, kName), gpib_.Adopt(kHighUnit, kName);
   return IfiReset();
 }
 

@@ -1,5 +1,7 @@
 #include "instruments/IfiAmp.h"
 
+#include <gmock/gmock.h>
+
 #include "support/TestStation.h"
 
 namespace hylden {
@@ -32,6 +34,18 @@ TEST_F(IfiAmpTest, AGenericAmplifierIsLeftAlone) {
   EXPECT_TRUE(ifiAmp.IfiSetBand(100));
   ExpectPowers(-1, -1);
   EXPECT_TRUE(Took().empty());
+}
+
+TEST_F(IfiAmpTest, UnitsThatGotCommandsAreLeftLocal) {
+  EXPECT_TRUE(ifiAmp.IfiInit(AmpControl::Generic, 230));
+  EXPECT_TRUE(Out(gpib.CloseAll()).empty());
+  bus.FailLine("> 10 8", gpib::kEabo);  // it may have got it all the same
+  EXPECT_FALSE(ifiAmp.IfiInit(AmpControl::Ifi, 215));
+  Took();
+  EXPECT_TRUE(gpib.CloseAll());
+  EXPECT_THAT(bus.Lines(), testing::IsSupersetOf({"LOCAL 9", "LOCAL 10"}));
+  Took();
+  EXPECT_TRUE(Out(gpib.CloseAll()).empty());
 }
 
 TEST_F(IfiAmpTest, ResetsWithoutSwitchingTheLowBandOnAndWithoutWaiting) {
