@@ -3,10 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <future>
 #include <utility>
 
 #include "platform/EventLoop.h"
+#include "platform/native/ErrorCapture.h"
 #include "support/ScriptedBus.h"
 
 namespace hylden {
@@ -39,12 +41,14 @@ class HeldBus : public ScriptedBus {
     ScriptedBus::Send(board, address, bytes, eotMode);
   }
   void Receive(int board, int address, std::span<char> buffer, int termination) override {
+    const ErrorCapture::Scope capturing(capture_);
     if (address == 7) held_->Released.wait();
     ScriptedBus::Receive(board, address, buffer, termination);
   }
 
  private:
   std::shared_ptr<Held> held_;
+  ErrorCapture capture_;
 };
 
 struct Turns : EventLoop {
@@ -143,6 +147,17 @@ TEST_F(ThreadedGpibTest, GivesUpACallThatDoesNotReturnAndRefusesThoseBehindIt) {
   bus_->ibtmo(0, gpib::kT10s);
   ExpectStatus(gpib::kErr | gpib::kCmpl, gpib::kEoip);
   EXPECT_THAT(inner_.Lines(), ElementsAre("TMO 1"));
+}
+
+TEST_F(ThreadedGpibTest, ACallThatDoesNotReturnKeepsNothingOfWhatTheProgramTells) {
+  bus_->ibtmo(0, kShortest);
+  testing::internal::CaptureStderr();
+  Read(7);
+  std::fputs("RF may be on", stderr);
+  bus_.reset();
+  Release();
+  held_->Gone.get_future().wait();
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "RF may be on");
 }
 
 TEST_F(ThreadedGpibTest, LeavesACallThatDoesNotReturnToItsThread) {

@@ -8,8 +8,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
+#include <mutex>
 #endif
 
 namespace hylden {
@@ -19,7 +19,8 @@ namespace hylden {
 namespace {
 
 /// Standard error is the whole program's: two that put back what each has found would leave it lost.
-std::atomic_flag capturing = ATOMIC_FLAG_INIT;
+std::mutex lock;
+int found = -1;  ///< what it was before the scope that captures it; -1 when none does
 
 void PutInPlaceOfStandardError(int file) {
   while (dup2(file, STDERR_FILENO) < 0 && (errno == EINTR || errno == EBUSY)) continue;
@@ -34,21 +35,24 @@ ErrorCapture::~ErrorCapture() {
 }
 
 ErrorCapture::Scope::Scope(ErrorCapture& capture) : capture_(capture) {
-  if (capture_.file_ < 0 || capturing.test_and_set()) return;
-  before_ = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-  if (before_ < 0) {
-    capturing.clear();
-    return;
-  }
-  PutInPlaceOfStandardError(capture_.file_);
+  const std::lock_guard guard(lock);
+  if (capture_.file_ < 0 || found >= 0) return;
+  found = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  captures_ = found >= 0;
+  if (captures_) PutInPlaceOfStandardError(capture_.file_);
 }
 
 ErrorCapture::Scope::~Scope() {
-  if (before_ < 0) return;
-  PutInPlaceOfStandardError(before_);
-  close(before_);
-  capturing.clear();
+  if (!captures_) return;
+  const std::lock_guard guard(lock);
+  PutInPlaceOfStandardError(found);
+  close(std::exchange(found, -1));
   capture_.Collect();
+}
+
+void ErrorCapture::PutBack() {
+  const std::lock_guard guard(lock);
+  if (found >= 0) PutInPlaceOfStandardError(found);
 }
 
 void ErrorCapture::Collect() {
@@ -68,6 +72,7 @@ ErrorCapture::~ErrorCapture() = default;
 ErrorCapture::Scope::Scope(ErrorCapture& capture) : capture_(capture) {}
 ErrorCapture::Scope::~Scope() = default;
 void ErrorCapture::Collect() {}
+void ErrorCapture::PutBack() {}
 
 #endif
 

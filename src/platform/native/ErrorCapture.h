@@ -27,8 +27,11 @@ class ErrorCapture {
 
    private:
     ErrorCapture& capture_;
-    int before_ = -1;  ///< what standard error was; -1 where it was left alone
+    bool captures_ = false;  ///< false where standard error was left alone
   };
+
+  /// The program has its standard error again, also while a scope lives whose code does not return. Any thread.
+  static void PutBack();
 
   /// What was written since this was last asked.
   std::string Take();

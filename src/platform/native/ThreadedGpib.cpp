@@ -10,6 +10,7 @@
 
 #include "platform/EventLoop.h"
 #include "platform/GpibTimeLimit.h"
+#include "platform/native/ErrorCapture.h"
 
 #ifndef _WIN32
 #include <csignal>
@@ -165,6 +166,7 @@ std::shared_ptr<ThreadedGpib::Call> ThreadedGpib::Do(const std::string& name, Wo
   const Instant deadline = std::chrono::steady_clock::now() + worker.Limit + worker.Limit / 10 + patience_.Grace;
   if (Await([&] { return call->IsDone; }, deadline)) return call;
   worker.LateUntil = std::chrono::steady_clock::now() + patience_.Late;
+  ErrorCapture::PutBack();  // what a driver that hangs was keeping is the program's: it has something to tell
   return std::make_shared<Call>(Call{.Status = {gpib::kErr | gpib::kTimo | gpib::kCmpl, gpib::kEabo, 0, 0},
                                      .Advice = name + " does not return, although its time limit is over." + kCheck});
 }
