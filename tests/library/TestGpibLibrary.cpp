@@ -16,8 +16,10 @@ namespace gpib = hylden::gpib;
 
 #ifdef SHAPE_NI4882
 enum SendMode { NullEnd = 0, NewlineEnd = 1, DabEnd = 2 };
+using ListLimit = std::size_t;
 #else
 enum SendMode { NullEnd = 0, DabEnd = 1, NewlineEnd = 2 };
+using ListLimit = int;
 #endif
 
 GpibDriver* bus = nullptr;
@@ -66,7 +68,7 @@ void test_chatter(const char* text) {
 void SendIFC(int board) {
   OnBus([&] { bus->SendIFC(board); });
 }
-void FindLstn(int board, const std::uint16_t* addresses, std::uint16_t* results, int limit) {
+void FindLstn(int board, const std::uint16_t* addresses, std::uint16_t* results, ListLimit limit) {
   OnBus([&] {
     bus->FindLstn(board, List(addresses), {reinterpret_cast<std::int16_t*>(results), static_cast<std::size_t>(limit)});
   });

@@ -101,7 +101,7 @@ void NativeGpib::SendIFC(int) {
 void NativeGpib::FindLstn(int, std::span<const std::int16_t> addresses, std::span<std::int16_t> results) {
   Run([&] {
     std::vector<std::uint16_t> found(results.size(), static_cast<std::uint16_t>(gpib::kNoAddr));
-    calls_.FindLstn(board_, BusAddresses(addresses).data(), found.data(), static_cast<int>(found.size()));
+    calls_.FindLstn(board_, BusAddresses(addresses).data(), found.data(), static_cast<std::ptrdiff_t>(found.size()));
     for (std::size_t i = 0; i < found.size(); ++i) results[i] = static_cast<std::int16_t>(found[i]);
   });
 }

@@ -30,10 +30,11 @@ class NativeGpib : public GpibDriver {
   std::string TakeChatter() override { return chatter_.Take(); }
 
  private:
-  // The calls as the libraries export them: an address is 16 bits wide, a count has the width of a pointer.
+  // The calls as the libraries export them: an address is 16 bits wide, a count has the width of a pointer (where a
+  // library takes less, it looks at the low half).
   struct Calls {
     void (*SendIFC)(int) = nullptr;
-    void (*FindLstn)(int, const std::uint16_t*, std::uint16_t*, int) = nullptr;
+    void (*FindLstn)(int, const std::uint16_t*, std::uint16_t*, std::ptrdiff_t) = nullptr;
     void (*SetRWLS)(int, const std::uint16_t*) = nullptr;
     void (*EnableLocal)(int, const std::uint16_t*) = nullptr;
     void (*Send)(int, std::uint16_t, const void*, std::ptrdiff_t, int) = nullptr;
