@@ -39,6 +39,7 @@ class FailingDriver : public GpibDriver, public CallFailures {
   void Send(int board, int address, std::string_view bytes, int eotMode) override;
   void Receive(int board, int address, std::span<char> buffer, int termination) override;
   void ibtmo(int board, int code) override;
+  std::string Way(int address) const override { return inner_->Way(address); }
 
  private:
   /// Whether the call with this transcript line fails; it has then.
