@@ -51,6 +51,13 @@ class Vxi11Peer {
   std::atomic<bool> offersVxi11 = true;
   std::atomic<std::uint32_t> error = 0;  ///< of calls on the link
   std::atomic<bool> keepsReply = false;  ///< until the next call
+  std::atomic<bool> takesHalf = false, isClearable = true;
+  /// What it says instead of a reply, once or for as long as anybody listens.
+  void Say(const std::string& bytes, bool forever) {
+    const std::lock_guard lock(mutex_);
+    said_ = bytes;
+    forever_ = forever;
+  }
 
  private:
   void Serve() {
@@ -85,9 +92,18 @@ class Vxi11Peer {
     std::string bytes = XdrWriter().Number(8).Bytes() + body.substr(0, 8) +
                         XdrWriter().Number(0x80000000 | static_cast<std::uint32_t>(body.size() - 8)).Bytes() +
                         body.substr(8);
+    if (const std::string said = TakeSaid(); !said.empty()) {
+      const auto say = [&] { return send(line, said.data(), said.size(), MSG_NOSIGNAL) > 0; };
+      while (say() && forever_) continue;
+      return !forever_;
+    }
     if (keepsReply.exchange(false)) return kept_ = bytes, true;
     bytes = std::exchange(kept_, {}) + bytes;
     return send(line, bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size());
+  }
+  std::string TakeSaid() {
+    const std::lock_guard lock(mutex_);
+    return std::exchange(said_, {});
   }
   std::string Results(std::uint32_t procedure, XdrReader& call) {
     const std::lock_guard lock(mutex_);
@@ -106,7 +122,8 @@ class Vxi11Peer {
       const std::string data(call.Opaque());
       heard_.push_back("> " + data + (ends ? "" : " ..."));
       if (data.ends_with('?')) answer_ = "0123456789\n";
-      return results.Number(refused).Number(static_cast<std::uint32_t>(data.size())).Bytes();
+      const std::size_t taken = takesHalf.exchange(false) ? data.size() / 2 : data.size();
+      return results.Number(refused).Number(static_cast<std::uint32_t>(taken)).Bytes();
     }
     if (procedure == 12) {
       const std::string piece = answer_.substr(0, first);
@@ -114,6 +131,7 @@ class Vxi11Peer {
       return results.Number(piece.empty() ? 15 : refused).Number(answer_.empty() ? 4 : 1).Opaque(piece).Bytes();
     }
     heard_.push_back("call " + std::to_string(procedure));
+    if (procedure == 15 && !isClearable) return results.Number(17).Bytes();
     return results.Number(procedure == 17 ? 8 : refused).Bytes();
   }
 
@@ -122,7 +140,8 @@ class Vxi11Peer {
   std::atomic<bool> ends_ = false;
   std::mutex mutex_;
   std::vector<std::string> heard_;
-  std::string answer_, kept_;
+  std::string answer_, kept_, said_;
+  std::atomic<bool> forever_ = false;
   std::thread thread_;
 };
 
@@ -204,6 +223,68 @@ TEST_F(Vxi11Test, WhatTheInstrumentRefusesIsToldInWords) {
   Send("RF ON");
   EXPECT_EQ(cells_.error, gpib::kEdvr);
   EXPECT_THAT(instrument_.Advice(), HasSubstr("locked by another program (error 11)"));
+}
+
+struct NonsenseCase {
+  const char* Name;
+  std::string Says;
+  bool Forever;
+  bool TimesOut;
+};
+class Vxi11Nonsense : public Vxi11Test, public testing::WithParamInterface<NonsenseCase> {};
+std::string Record(const std::string& body) {
+  return XdrWriter().Number(0x80000000 | static_cast<std::uint32_t>(body.size())).Bytes() + body;
+}
+std::string ReplyTo(std::uint32_t call) {
+  return XdrWriter().Number(call).Number(1).Number(0).Number(0).Number(0).Number(0).Bytes();
+}
+INSTANTIATE_TEST_SUITE_P(Vxi11, Vxi11Nonsense,
+                         testing::Values(NonsenseCase{"replies_to_others", Record(ReplyTo(999)), true, true},
+                                         NonsenseCase{"fragments_without_bytes", std::string(4096, '\0'), true, false},
+                                         NonsenseCase{"a_record_without_end",
+                                                      std::string("\0\xFF\0\0", 4) + std::string(0xFF0000, 'x') +
+                                                          std::string("\0\xFF\0\0", 4),
+                                                      false, false},
+                                         NonsenseCase{"a_web_page", "HTTP/1.1 400 Bad Request\r\n\r\n", false, false},
+                                         NonsenseCase{"half_a_reply", Record(ReplyTo(2).substr(0, 12)), false, false},
+                                         NonsenseCase{"nothing_done", Record(ReplyTo(2)), false, false}),
+                         [](const auto& nonsense) { return std::string(nonsense.param.Name); });
+
+TEST_P(Vxi11Nonsense, EndsInTimeAndTheInstrumentIsAskedAnewForTheNextCommand) {
+  instrument_.SendIFC(0);
+  if (GetParam().TimesOut) instrument_.ibtmo(0, gpib::kT30ms);
+  peer_.Say(GetParam().Says, GetParam().Forever);
+  Send("RF ON");
+  EXPECT_TRUE(Fails());
+  EXPECT_EQ(cells_.error, GetParam().TimesOut ? gpib::kEabo : gpib::kEdvr);
+  if (GetParam().TimesOut) return;
+  EXPECT_NE(instrument_.Advice(), "");
+  Send("RF OFF");
+  EXPECT_FALSE(Fails()) << instrument_.Advice();
+  EXPECT_THAT(peer_.Heard(), testing::Contains("> RF OFF"));
+}
+
+TEST_F(Vxi11Test, DoesNotJoinTheHalfOfACommandWithTheNextOne) {
+  instrument_.SendIFC(0);
+  for (const bool isClearable : {true, false}) {
+    peer_.isClearable = isClearable;
+    peer_.takesHalf = true;
+    Send("FREQ 1");
+    EXPECT_TRUE(Fails());
+    EXPECT_THAT(instrument_.Advice(), HasSubstr("only a part of the command"));
+    Send("RF OFF");
+    EXPECT_FALSE(Fails()) << instrument_.Advice();
+  }
+  EXPECT_THAT(peer_.Heard(), ElementsAre("link inst0", "> FREQ 1", "call 15", "> RF OFF", "> FREQ 1", "call 15",
+                                         "link inst0", "> RF OFF"));
+}
+
+TEST_F(Vxi11Test, AnInstrumentThatDoesNotKnowRemoteIsDrivenAllTheSame) {
+  instrument_.SendIFC(0);
+  const std::int16_t list[] = {18, gpib::kNoAddr};
+  peer_.Say(Record(XdrWriter().Number(2).Number(1).Number(0).Number(0).Number(0).Number(3).Bytes()), false);
+  instrument_.SetRWLS(0, list);
+  EXPECT_FALSE(Fails()) << instrument_.Advice();
 }
 
 TEST(XdrWriter, WritesBigEndianAndFillsUp) {

@@ -1,15 +1,17 @@
 #include "platform/native/OncRpc.h"
 
 #include <algorithm>
+#include <chrono>
 
 namespace hylden {
 
 namespace {
 
-constexpr std::uint32_t kCall = 0, kReply = 1, kRpcVersion = 2, kAccepted = 0, kSuccess = 0, kNoCredentials = 0;
+constexpr std::uint32_t kCall = 0, kReply = 1, kRpcVersion = 2, kAccepted = 0, kNoCredentials = 0;
+constexpr std::uint32_t kSuccess = 0, kNoSuchProcedure = 3;
 constexpr std::uint32_t kLastFragment = 0x80000000;
 constexpr std::size_t kWord = 4, kPiece = 4096;
-constexpr std::uint32_t kLongestFragment = 1 << 24;  // more is no reply of an instrument
+constexpr std::size_t kLongestRecord = 1 << 24;  // more is no reply of an instrument
 
 }  // namespace
 
@@ -49,7 +51,7 @@ std::string_view XdrReader::Opaque() {
 OncRpc::Outcome OncRpc::Call(std::uint32_t program, std::uint32_t version, std::uint32_t procedure,
                              const XdrWriter& arguments, std::string& results, Deadline deadline) {
   fault_.clear();
-  isHalfWritten_ = false;
+  isHalfWritten_ = isUnknown_ = false;
   XdrWriter message;
   message.Number(++lastCall_).Number(kCall).Number(kRpcVersion).Number(program).Number(version).Number(procedure);
   message.Number(kNoCredentials).Number(0).Number(kNoCredentials).Number(0);
@@ -58,7 +60,7 @@ OncRpc::Outcome OncRpc::Call(std::uint32_t program, std::uint32_t version, std::
   const Outcome written = stream_.Write(header + bytes, deadline);
   isHalfWritten_ = written != Outcome::Done;
   if (isHalfWritten_) return written;
-  while (true) {
+  do {
     std::string record;
     if (const Outcome read = ReadRecord(record, deadline); read != Outcome::Done) return read;
     XdrReader reply(record);
@@ -66,18 +68,28 @@ OncRpc::Outcome OncRpc::Call(std::uint32_t program, std::uint32_t version, std::
     const bool isAccepted = reply.Number() == kAccepted;
     reply.Number();  // what the other end says of itself
     reply.Opaque();
-    if (isAccepted && reply.Number() == kSuccess && reply.IsWhole()) {
-      results = reply.Rest();
-      return Outcome::Done;
-    }
+    const std::uint32_t outcome = reply.Number();
+    if (!reply.IsWhole()) return Nonsense();
+    results = reply.Rest();
+    if (isAccepted && outcome == kSuccess) return Outcome::Done;
+    isUnknown_ = isAccepted && outcome == kNoSuchProcedure;
     fault_ = stream_.Name() + " answers, but does not know the call.";
     return Outcome::Lost;
-  }
+  } while (std::chrono::steady_clock::now() < deadline);
+  return Outcome::TimedOut;
+}
+
+OncRpc::Outcome OncRpc::Nonsense() {
+  fault_ = stream_.Name() + " does not speak as an instrument does.";
+  return Outcome::Lost;
 }
 
 OncRpc::Outcome OncRpc::Await(std::size_t count, Deadline deadline) {
-  while (received_.size() < count)
+  while (received_.size() < count) {
     if (const Outcome read = stream_.Read(received_, kPiece, deadline); read != Outcome::Done) return read;
+    // A source that never ends is never late.
+    if (received_.size() < count && std::chrono::steady_clock::now() >= deadline) return Outcome::TimedOut;
+  }
   return Outcome::Done;
 }
 
@@ -88,10 +100,7 @@ OncRpc::Outcome OncRpc::ReadRecord(std::string& record, Deadline deadline) {
     if (const Outcome outcome = Await(at + kWord, deadline); outcome != Outcome::Done) return outcome;
     const std::uint32_t header = XdrReader(std::string_view(received_).substr(at)).Number();
     const std::uint32_t length = header & ~kLastFragment;
-    if (length > kLongestFragment) {
-      fault_ = stream_.Name() + " does not speak as an instrument does.";
-      return Outcome::Lost;
-    }
+    if (at + length > kLongestRecord) return Nonsense();
     if (const Outcome outcome = Await(at + kWord + length, deadline); outcome != Outcome::Done) return outcome;
     fragments += received_.substr(at + kWord, length);
     at += kWord + length;

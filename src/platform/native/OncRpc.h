@@ -54,18 +54,21 @@ class OncRpc {
                std::string& results, Deadline deadline);
   /// Whether the last call was written in part only: the other end would join the next one to it.
   bool IsHalfWritten() const { return isHalfWritten_; }
+  /// Whether the other end answered the last call, but does not have it.
+  bool IsUnknown() const { return isUnknown_; }
   /// Why the last call came to nothing, where it is not the stream that knows.
   const std::string& Fault() const { return fault_; }
 
  private:
   Outcome ReadRecord(std::string& record, Deadline deadline);
   Outcome Await(std::size_t count, Deadline deadline);
+  Outcome Nonsense();
 
   ByteStream& stream_;
   std::uint32_t lastCall_ = 0;
   std::string received_;
   std::string fault_;
-  bool isHalfWritten_ = false;
+  bool isHalfWritten_ = false, isUnknown_ = false;
 };
 
 }  // namespace hylden

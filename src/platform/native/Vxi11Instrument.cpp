@@ -53,7 +53,7 @@ Vxi11Instrument::Vxi11Instrument(std::unique_ptr<ByteStream> stream, std::string
 
 Vxi11Instrument::~Vxi11Instrument() {
   std::string ignored;
-  if (Stands() && !isHalfSaid_)
+  if (Stands())
     rpc_.Call(kProgram, kVersion, kDestroyLink, OfLink(), ignored, std::chrono::steady_clock::now() + kLinkGoodbye);
 }
 
@@ -67,10 +67,15 @@ StreamGpib::Outcome Vxi11Instrument::Call(std::uint32_t procedure, const XdrWrit
   const Outcome outcome = rpc_.Call(kProgram, kVersion, procedure, arguments, results, deadline + kOnTheWay);
   if (outcome != Outcome::Done) {
     fault_ = rpc_.Fault();
-    isHalfSaid_ = isHalfSaid_ || rpc_.IsHalfWritten();
+    if (rpc_.IsUnknown())
+      error_ = kNotSupported;
+    else if (outcome == Outcome::Lost || rpc_.IsHalfWritten())
+      Abandon();
     return outcome;
   }
-  error_ = XdrReader(results).Number();
+  XdrReader reply(results);
+  error_ = reply.Number();
+  if (!reply.IsWhole()) return Nonsense();
   if (error_ == 0) return Outcome::Done;
   if (error_ == kInvalidLink) isLinked_ = false;
   if (error_ == kTimeOut) return Outcome::TimedOut;
@@ -79,9 +84,14 @@ StreamGpib::Outcome Vxi11Instrument::Call(std::uint32_t procedure, const XdrWrit
   return Outcome::Lost;
 }
 
+StreamGpib::Outcome Vxi11Instrument::Nonsense() {
+  fault_ = Stream().Name() + " does not speak as an instrument does.";
+  Abandon();
+  return Outcome::Lost;
+}
+
 StreamGpib::Outcome Vxi11Instrument::SetUp(Deadline deadline) {
   rpc_.Restart();
-  isHalfSaid_ = false;
   std::string results;
   const XdrWriter arguments = XdrWriter().Number(0).Number(0).Number(LeftMs(deadline)).Opaque(name_);
   const Outcome outcome = Call(kCreateLink, arguments, results, deadline);
@@ -90,18 +100,20 @@ StreamGpib::Outcome Vxi11Instrument::SetUp(Deadline deadline) {
   link_ = reply.Number();
   reply.Number();  // the port on which a call can be aborted
   mostBytes_ = std::max(reply.Number(), kLeastPiece);
-  isLinked_ = outcome == Outcome::Done;
-  return outcome;
+  isLinked_ = outcome == Outcome::Done && reply.IsWhole();
+  return outcome == Outcome::Done && !isLinked_ ? Nonsense() : outcome;
 }
 
 StreamGpib::Outcome Vxi11Instrument::Linked(Deadline deadline) {
-  const bool isLinked = Stands() && isLinked_ && !isHalfSaid_;
+  const bool isLinked = Stands() && isLinked_;
   const Outcome outcome = isLinked ? Outcome::Done : Open(deadline);
   if (outcome != Outcome::Done || !isHalfSent_) return outcome;
   // The half of a command that timed out must not be joined to the next one.
-  const Outcome cleared = Switch(kClear, deadline);
-  isHalfSent_ = cleared != Outcome::Done;
-  return cleared;
+  isHalfSent_ = false;
+  if (Switch(kClear, deadline) == Outcome::Done) return Outcome::Done;
+  // One that can't be cleared must not keep the next command, an RF off perhaps, from it for good.
+  fault_.clear();
+  return Open(deadline);
 }
 
 void Vxi11Instrument::SendIFC(int board) {
@@ -144,6 +156,18 @@ void Vxi11Instrument::EnableLocal(int board, std::span<const std::int16_t>) {
   SwitchLinked(board, kLocal);
 }
 
+StreamGpib::Outcome Vxi11Instrument::WritePiece(std::string_view piece, bool isEnd, Deadline deadline) {
+  const XdrWriter arguments =
+      OfLink().Number(LeftMs(deadline)).Number(LeftMs(deadline)).Number(isEnd ? kEnd : 0).Opaque(piece);
+  std::string results;
+  if (const Outcome outcome = Call(kWrite, arguments, results, deadline); outcome != Outcome::Done) return outcome;
+  XdrReader reply(results);
+  reply.Number();
+  if (reply.Number() >= piece.size()) return Outcome::Done;
+  fault_ = "The instrument at " + Stream().Name() + " has taken only a part of the command.";
+  return Outcome::Lost;
+}
+
 void Vxi11Instrument::Send(int board, int, std::string_view bytes, int eotMode) {
   if (Refused(board)) return;
   const Deadline deadline = Limit();
@@ -152,50 +176,49 @@ void Vxi11Instrument::Send(int board, int, std::string_view bytes, int eotMode) 
   while (outcome == Outcome::Done && count < bytes.size()) {
     const std::string_view piece = bytes.substr(count, mostBytes_);
     const bool isLast = count + piece.size() == bytes.size();
-    const XdrWriter arguments = OfLink()
-                                    .Number(LeftMs(deadline))
-                                    .Number(LeftMs(deadline))
-                                    .Number(isLast && eotMode == gpib::kDabEnd ? kEnd : 0)
-                                    .Opaque(piece);
-    std::string results;
-    outcome = Call(kWrite, arguments, results, deadline);
+    outcome = WritePiece(piece, isLast && eotMode == gpib::kDabEnd, deadline);
     if (outcome == Outcome::Done) count += piece.size();
-    isHalfSent_ = outcome == Outcome::TimedOut;
+    isHalfSent_ = outcome == Outcome::TimedOut || (outcome == Outcome::Lost && Stands() && (error_ == 0 || count > 0));
   }
   Finish(outcome, count);
+}
+
+StreamGpib::Outcome Vxi11Instrument::ReadPiece(std::span<char> buffer, int termination, Deadline deadline,
+                                               std::size_t& count, bool& isEnded) {
+  const bool toCharacter = termination != gpib::kStopEnd;
+  const XdrWriter arguments = OfLink()
+                                  .Number(static_cast<std::uint32_t>(buffer.size()))
+                                  .Number(LeftMs(deadline))
+                                  .Number(LeftMs(deadline))
+                                  .Number(toCharacter ? kTermCharSet : 0)
+                                  .Number(toCharacter ? static_cast<std::uint32_t>(termination) : 0);
+  std::string results;
+  if (const Outcome outcome = Call(kRead, arguments, results, deadline); outcome != Outcome::Done) return outcome;
+  XdrReader reply(results);
+  reply.Number();
+  isEnded = (reply.Number() & (kByEnd | kByTermChar)) != 0;
+  const std::string_view bytes = reply.Opaque().substr(0, buffer.size());
+  if (!reply.IsWhole()) return Nonsense();
+  std::copy(bytes.begin(), bytes.end(), buffer.begin());
+  count += bytes.size();
+  return Outcome::Done;
 }
 
 void Vxi11Instrument::Receive(int board, int, std::span<char> buffer, int termination) {
   if (Refused(board)) return;
   const Deadline deadline = Limit();
-  if (!Stands() || !isLinked_ || isHalfSaid_) {
+  if (!Stands() || !isLinked_) {
     if (Linked(deadline) == Outcome::Done) fault_ = "The connection was lost, and with it the answer; it stands again.";
     return Finish(Outcome::Lost);
   }
-  const bool toCharacter = termination != gpib::kStopEnd;
   std::size_t count = 0;
   bool isEnded = false;
   Outcome outcome = Outcome::Done;
   while (outcome == Outcome::Done && !isEnded && count < buffer.size()) {
-    const XdrWriter arguments = OfLink()
-                                    .Number(static_cast<std::uint32_t>(buffer.size() - count))
-                                    .Number(LeftMs(deadline))
-                                    .Number(LeftMs(deadline))
-                                    .Number(toCharacter ? kTermCharSet : 0)
-                                    .Number(toCharacter ? static_cast<std::uint32_t>(termination) : 0);
-    std::string results;
-    outcome = Call(kRead, arguments, results, deadline);
-    if (outcome != Outcome::Done) break;
-    XdrReader reply(results);
-    reply.Number();
-    const std::uint32_t reason = reply.Number();
-    const std::string_view bytes = reply.Opaque().substr(0, buffer.size() - count);
-    std::copy(bytes.begin(), bytes.end(), buffer.begin() + static_cast<std::ptrdiff_t>(count));
-    count += bytes.size();
-    isEnded = (reason & (kByEnd | kByTermChar)) != 0;
-    if (!isEnded && LeftMs(deadline) == 0) outcome = Outcome::TimedOut;
+    outcome = ReadPiece(buffer.subspan(count), termination, deadline, count, isEnded);
+    if (outcome == Outcome::Done && !isEnded && LeftMs(deadline) == 0) outcome = Outcome::TimedOut;
   }
-  Finish(outcome, count, isEnded ? gpib::kEnd : 0);
+  Finish(outcome, count, outcome == Outcome::Done && isEnded ? gpib::kEnd : 0);
 }
 
 std::string Vxi11Instrument::Way(int) const {

@@ -38,6 +38,10 @@ class Vxi11Instrument : public StreamGpib {
   /// A call without data; one that the instrument does not know is done.
   Outcome Switch(std::uint32_t procedure, Deadline deadline);
   void SwitchLinked(int board, std::uint32_t procedure);
+  Outcome WritePiece(std::string_view piece, bool isEnd, Deadline deadline);
+  Outcome ReadPiece(std::span<char> buffer, int termination, Deadline deadline, std::size_t& count, bool& isEnded);
+  /// Fails: what was answered is no answer to that call.
+  Outcome Nonsense();
   XdrWriter OfLink() const;
 
   const std::string name_;
@@ -45,8 +49,7 @@ class Vxi11Instrument : public StreamGpib {
   std::uint32_t link_ = 0, mostBytes_ = 0;
   std::uint32_t error_ = 0;  ///< that the instrument told last
   bool isLinked_ = false;
-  bool isHalfSaid_ = false;  ///< a call was not written whole
-  bool isHalfSent_ = false;  ///< a command timed out
+  bool isHalfSent_ = false;  ///< of a command the instrument may have the half
 };
 
 }  // namespace hylden
