@@ -168,6 +168,16 @@ TEST_F(ThreadedGpibTest, LeavesACallThatDoesNotReturnToItsThread) {
   held_->Gone.get_future().wait();
 }
 
+TEST_F(ThreadedGpibTest, RfOffGoesOutAfterACallThatTakesItsLimitTwice) {
+  bus_->ibtmo(0, gpib::kT100ms);
+  Read(7);
+  ExpectStatus(gpib::kErr | gpib::kTimo | gpib::kCmpl, gpib::kEabo);
+  events_.onTurn = [this] { Release(); };
+  bus_->Send(0, 18, "RF OFF", gpib::kDabEnd);
+  EXPECT_EQ(cells_.status & gpib::kErr, 0) << bus_->Advice();
+  EXPECT_THAT(inner_.Lines(), testing::Contains("> 18 RF OFF"));
+}
+
 struct PatientBehindALateCall : ThreadedGpibTest {
   PatientBehindALateCall()
       : ThreadedGpibTest({.Plain = BusPatience::Time(0),

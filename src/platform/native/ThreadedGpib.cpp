@@ -165,7 +165,8 @@ std::shared_ptr<ThreadedGpib::Call> ThreadedGpib::Do(const std::string& name, Wo
   worker.Asked.notify_one();
   const Instant deadline = std::chrono::steady_clock::now() + worker.Limit + worker.Limit / 10 + patience_.Grace;
   if (Await([&] { return call->IsDone; }, deadline)) return call;
-  worker.LateUntil = std::chrono::steady_clock::now() + patience_.Late;
+  // A library may keep to the limit twice in one call, once to address the instrument and once for its bytes.
+  worker.LateUntil = std::chrono::steady_clock::now() + std::max<BusPatience::Time>(patience_.Late, worker.Limit);
   ErrorCapture::PutBack();  // what a driver that hangs was keeping is the program's: it has something to tell
   return std::make_shared<Call>(Call{.Status = {gpib::kErr | gpib::kTimo | gpib::kCmpl, gpib::kEabo, 0, 0},
                                      .Advice = name + " does not return, although its time limit is over." + kCheck});

@@ -18,7 +18,8 @@ struct BusPatience {
   Time Plain = std::chrono::milliseconds(200);  ///< without a turn of the event loop
   Time Turn = std::chrono::milliseconds(20);    ///< from then on, between two of its turns
   Time Grace = std::chrono::milliseconds(100);  ///< beyond the time limit in force and a tenth of it
-  Time Late = std::chrono::seconds(2);          ///< for a call that was given up, by all calls behind it together
+  Time Late = std::chrono::seconds(2);          ///< for a call that was given up, by all calls behind it together; at
+                                                ///< least as long as its time limit
 };
 
 /// Does the calls of another driver on a thread of their own, one and the same for all of them: libraries keep their
