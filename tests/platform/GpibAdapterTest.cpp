@@ -183,6 +183,45 @@ TEST(GpibAdapter, TellsItsComplaintsAndTakesNoGreetingForItsVersion) {
   EXPECT_TRUE(adapter.driver.Way(7).ends_with("1.0; it has said: Unrecognized command")) << adapter.driver.Way(7);
 }
 
+/// An adapter that answers each "++ver" in the end, but nothing in time for some reads.
+struct LateStream : ByteStream {
+  Outcome Open(Deadline) override { return isOpen = true, Outcome::Done; }
+  bool IsOpen() const override { return isOpen; }
+  Outcome Write(std::string_view bytes, Deadline) override {
+    for (; !bytes.empty(); bytes.remove_prefix(bytes.find('\n') + 1)) {
+      if (bytes.starts_with("++ver\n")) said.emplace_back("Adapter 1.0\r\n");
+      if (bytes.starts_with("++read ")) said.push_back("7\n" + kMark);
+    }
+    return Outcome::Done;
+  }
+  Outcome Read(std::string& bytes, std::size_t, Deadline deadline) override {
+    if (said.empty() || deadline == Deadline() || (late > 0 && late-- > 0)) return Outcome::TimedOut;
+    bytes += said.front();
+    said.pop_front();
+    return Outcome::Done;
+  }
+  std::string Fault() const override { return {}; }
+  std::string Name() const override { return "serial:/dev/late"; }
+
+  bool isOpen = false;
+  int late = 0;
+  std::deque<std::string> said;
+};
+
+TEST(GpibAdapter, TakesNoLateVersionForAnAnswer) {
+  auto stream = std::make_unique<LateStream>();
+  LateStream& line = *stream;
+  Adapter adapter(std::move(stream));
+  line.late = 1;
+  ASSERT_TRUE(adapter.Clear()) << "the hello was repeated";
+  ASSERT_TRUE(adapter.Send("?"));
+  EXPECT_EQ(adapter.Receive(gpib::kStopEnd), "7\n");
+  line.late = 1;
+  ASSERT_FALSE(adapter.Send("RF ON"));
+  ASSERT_TRUE(adapter.Send("?"));
+  EXPECT_EQ(adapter.Receive(gpib::kStopEnd), "7\n") << "opened anew, with an answer on its way";
+}
+
 TEST(GpibAdapter, IsNotThereWhenItTakesAConnectionAndIsSilent) {
   ScriptedPeer peer;
   Adapter adapter(peer);

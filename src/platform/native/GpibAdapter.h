@@ -39,6 +39,8 @@ class GpibAdapter : public StreamGpib {
 
   Outcome SetUp(Deadline deadline) override;
   Outcome AskVersion(Deadline deadline);
+  /// Reads away what the adapter still has to say of former questions, as far as it comes.
+  Outcome AwaitVersions(int count, Deadline deadline);
   /// The line that has come first; TimedOut when there is none.
   Outcome ReadLine(std::string& line, Deadline deadline);
   /// Reads away what has come. Lost shows that the connection is gone.
@@ -59,6 +61,7 @@ class GpibAdapter : public StreamGpib {
   const int longestReadMs_;
   std::string version_, complaint_, unread_;
   int address_ = -1, readLimitMs_ = -1;  ///< as the adapter has them; -1: not known
+  bool owesVersion_ = false;             ///< the last question was not answered
   bool marksEnds_ = false;               ///< it has marked the end of an answer
   int crEndedAddress_ = -1;              ///< whose last answer was read up to its CR
   Answer answer_;
