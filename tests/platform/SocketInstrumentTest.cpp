@@ -78,6 +78,36 @@ TEST(SocketInstrument, TimesOutWithWhatCameOfAnAnswer) {
   EXPECT_EQ(socket.driver.Advice(), "");
 }
 
+/// Answers each message by its number, and nothing while it is silent.
+struct LateLine : ByteStream {
+  Outcome Open(Deadline) override { return isOpen = true, Outcome::Done; }
+  bool IsOpen() const override { return isOpen; }
+  Outcome Write(std::string_view, Deadline) override { return said += std::to_string(++count) + "\n", Outcome::Done; }
+  Outcome Read(std::string& bytes, std::size_t, Deadline) override {
+    if (isSilent || said.empty()) return Outcome::TimedOut;
+    bytes += std::exchange(said, {});
+    return Outcome::Done;
+  }
+  std::string Fault() const override { return {}; }
+  std::string Name() const override { return "tcp:late:1"; }
+
+  bool isOpen = false, isSilent = true;
+  int count = 0;
+  std::string said;
+};
+
+TEST(SocketInstrument, TakesNoLateAnswerForThatOfTheNextQuestion) {
+  auto stream = std::make_unique<LateLine>();
+  LateLine& line = *stream;
+  Socket socket(std::move(stream));
+  ASSERT_TRUE(socket.Clear() && socket.Send("FIRST?"));
+  socket.Receive(kLf);
+  EXPECT_TRUE(socket.IsLate());
+  line.isSilent = false;
+  ASSERT_TRUE(socket.Send("SECOND?"));
+  EXPECT_EQ(socket.Receive(kLf), "2\n");
+}
+
 TEST(SocketInstrument, ReadsNoMoreThanItIsAskedForOfAnAnswerWithoutEnd) {
   ScriptedPeer peer([](const std::string&) { return Reply{std::string(1 << 20, 'x')}; });
   Socket socket(peer);

@@ -64,7 +64,7 @@ void SocketInstrument::Send(int board, int, std::string_view bytes, int eotMode)
   const Deadline deadline = Limit();
   std::string message(bytes);
   if (eotMode == gpib::kDabEnd && !message.empty() && message.back() != '\n') message += '\n';
-  Outcome outcome = Ready(deadline);
+  Outcome outcome = std::exchange(isLate_, false) ? Refresh(deadline) : Ready(deadline);
   if (outcome == Outcome::Done) outcome = Write(message, deadline);
   if (outcome == Outcome::Done && std::exchange(isNew_, false)) {
     fault_ = "The connection was lost, and what was sent last perhaps with it; it stands again.";
@@ -89,6 +89,7 @@ void SocketInstrument::Receive(int board, int, std::span<char> buffer, int termi
     outcome = Stream().Read(unread_, kPiece, deadline);
     ended = Take(buffer, end, count);
   }
+  isLate_ = outcome == Outcome::TimedOut;
   Finish(outcome, count, ended ? gpib::kEnd : 0);
 }
 

@@ -6,9 +6,10 @@ namespace hylden {
 
 /// One instrument that takes its commands as lines over a connection of its own, without a bus. Whatever address it is
 /// asked under is its own. Such a connection has no EOI: an LF ends a message, both ways.
-/// What it says stays until it is read. A connection that broke is made again by the next call. FindLstn succeeds then;
-/// a Receive fails, since what there was to read is gone, and so does a Send, although it is sent: the command before
-/// may have been lost.
+/// What it says stays until it is read; but an answer that did not come in time is dropped by the next Send, as it
+/// would pass for that of the next question. A connection that broke is made again by the next call. FindLstn succeeds
+/// then; a Receive fails, since what there was to read is gone, and so does a Send, although it is sent: the command
+/// before may have been lost.
 class SocketInstrument : public StreamGpib {
  public:
   explicit SocketInstrument(std::unique_ptr<ByteStream> stream);
@@ -34,6 +35,7 @@ class SocketInstrument : public StreamGpib {
 
   std::string unread_;
   bool isNew_ = false;          ///< made again since the last Send, without a word of the loss
+  bool isLate_ = false;         ///< an answer did not come in time
   bool isLossTold_ = false;     ///< the last Send failed: another loss is no news
   bool skipsLineFeed_ = false;  ///< the last answer was read up to its CR
 };
