@@ -65,12 +65,17 @@ TEST_F(JournalFolderTest, PassesOverWhatIsNoJournalOfThisUser) {
 
 TEST_F(JournalFolderTest, SaysWhyItCanNotBeWrittenAndHoldsNobodyUp) {
   directory.Write("home/journals", "a file in the folder's place");
-  JournalFolder journals(folder);
-  const auto journal = journals.Begin("radio");
-  journal->Append("1\r\n");
-  EXPECT_EQ(journals.Kept(), std::vector<std::string>());
-  EXPECT_TRUE(journals.Trouble());
-  journal->Remove();
+  // Not that nothing is behind it, which is what a file in it would fail with.
+  std::filesystem::create_symlink("nowhere", home / "link");
+  for (const std::string& place : {folder, (home / "link").string()}) {
+    JournalFolder journals(place);
+    const auto journal = journals.Begin("radio");
+    journal->Append("1\r\n");
+    EXPECT_EQ(journals.Kept(), std::vector<std::string>());
+    EXPECT_TRUE(journals.Trouble());
+    EXPECT_NE(journals.Trouble(), std::make_error_code(std::errc::no_such_file_or_directory).message());
+    journal->Remove();
+  }
 }
 
 TEST_F(JournalFolderTest, HasAllRowsAgainWhenADiskThatWasFullHasRoom) {

@@ -73,6 +73,7 @@ void JournalFolder::Make(Page& page) {
   constexpr int kMostAtOnce = 1000;
   std::error_code failure;
   if (fs::create_directories(folder_, failure)) (void)SyncFolder(fs::path(folder_).parent_path());
+  if (failure) return Note(failure);  // what it would come to next is only that the folder is missing
   const std::string name = page.Name + "_" + std::to_string(getpid());
   for (int number = 1; number < kMostAtOnce; ++number) {
     page.Name = number == 1 ? name : name + "-" + std::to_string(number);
