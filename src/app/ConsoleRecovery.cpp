@@ -6,6 +6,7 @@
 #include "app/ConsoleJobs.h"
 #include "app/Recovery.h"
 #include "documents/SaveCal.h"
+#include "platform/console/ConsoleDialogs.h"
 #include "platform/native/JournalFolder.h"
 #include "platform/native/ProgramDirectory.h"
 #include "text/TextFile.h"
@@ -15,7 +16,7 @@ namespace hylden {
 namespace {
 
 void Tell(const Failure& failure) {
-  for (const Message& box : failure.Boxes()) std::cerr << box.text << '\n';
+  for (const Message& box : failure.Boxes()) std::cerr << ForTerminal(box.text) << '\n';
 }
 
 std::string Reason(const Failure& failure) {

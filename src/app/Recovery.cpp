@@ -97,6 +97,7 @@ Result<Recovery> RecoveryOf(std::string bytes) {
 std::string DescriptionOf(const Recovery& recovery) {
   constexpr std::array kKinds = {"Test", "Level calibration", "Insertion loss"};  // by JournalKind
   const JournalHead& head = recovery.Head;
+  if (recovery.Recorded == 0 && head.Started.empty()) return "It ends before its first row";
   std::string text = std::string(kKinds[static_cast<std::size_t>(head.Kind)]) + (head.Name.empty() ? "" : " ") +
                      head.Name + ", begun " + head.Started + ": " + Counted(recovery.Count, "row") + " of " +
                      Counted(head.Planned, "step");

@@ -619,7 +619,7 @@ TEST_F(KilledHyldenRun, LeavesAJournalThatIsNotInUseAndReplacesNoFileUnasked) {
   EXPECT_EQ(directory_.Read("back.run"), "of somebody else");
   ExpectSaid(Recover("none", "x.run"), kFailed, "No such journal");
   ExpectSaid(HyldenRun({"--recover", journal}), kUsage, "--output");
-  ExpectSaid(Recover(journal, "no/back.run"), kFailed, "Path");
+  ExpectSaid(Recover(journal, "no/back.run"), kFailed, "Error # 76\nPath not found\n");
   ExpectSaid(Recover(journal, "x.run"), kFinished, "saved in");
 }
 

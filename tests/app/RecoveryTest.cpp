@@ -110,6 +110,11 @@ TEST_F(OfferTest, DropsNothingUnlessItIsSavedOrTwiceDeclined) {
   }
 }
 
+TEST(Recovery, TellsAJournalThatEndsBeforeItsFirstRowAsSuch) {
+  for (const std::string& bytes : {std::string(), kTest.substr(0, 40)})
+    EXPECT_EQ(DescriptionOf(RecoveryOf(bytes).value()), "It ends before its first row");
+}
+
 TEST_F(OfferTest, AsksBeforeTheDescriptionOfAnotherRecordIsReplaced) {
   Leave("level", kLevel);
   t.directory.Write("x.hyinfo", "of another record");

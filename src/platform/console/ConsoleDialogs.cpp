@@ -64,7 +64,8 @@ std::optional<MessageAnswer> Chosen(const std::vector<Button>& buttons, std::str
   return button->answer;
 }
 
-/// Lines ended by LF, without control characters: an instrument's answer must not steer the terminal.
+}  // namespace
+
 std::string ForTerminal(std::string_view text) {
   std::string lines;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -78,8 +79,6 @@ std::string ForTerminal(std::string_view text) {
   while (lines.ends_with('\n')) lines.pop_back();
   return lines;
 }
-
-}  // namespace
 
 ConsoleDialogs::ConsoleDialogs(int input, std::ostream& out, ConsoleEventLoop& events, ConsoleDialogsOptions options)
     : input_(input), out_(out), events_(events), options_(std::move(options)) {}

@@ -4,6 +4,7 @@
 #include <iosfwd>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/Dialogs.h"
@@ -11,6 +12,9 @@
 namespace hylden {
 
 class ConsoleEventLoop;
+
+/// Lines ended by LF, without control characters: an instrument's answer must not steer the terminal.
+std::string ForTerminal(std::string_view text);
 
 /// How the console answers what it is asked.
 struct ConsoleDialogsOptions {
