@@ -39,6 +39,9 @@ void OpenDemoStation(Shell& shell) {
   const std::string directory = (fs::path(shell.settings.FilesDirectory()) / kName).string();
   try {
     CopyDemoStation(shell.settings.SharedDirectory(), directory);
+  } catch (const fs::filesystem_error& error) {
+    return shell.dialogs.Tell("The demo station can't be copied to\r\n" + directory + "\r\n" + error.code().message(),
+                              MessageIcon::Exclamation);
   } catch (const std::exception& error) {
     return shell.ReportError(error, "OpenDemoStation", directory);
   }

@@ -62,5 +62,13 @@ TEST_F(FirstStartTest, ACopyOfTheDemoStationKeepsWhatItsUserHasChanged) {
   EXPECT_TRUE(t.directory.Exists("documents/Demo station/bench.txt"));
 }
 
+TEST_F(FirstStartTest, SaysWhyTheDemoStationCanNotBeCopied) {
+  const std::string inTheWay = t.directory.Write("home/Demo station", "");
+  t.dialogs.Answer(MessageAnswer::Ok);
+  OpenDemoStation(*shell_);
+  EXPECT_TRUE(t.dialogs.LastText().starts_with("The demo station can't be copied to\r\n" + inTheWay + "\r\n"))
+      << t.dialogs.LastText();
+}
+
 }  // namespace
 }  // namespace hylden
