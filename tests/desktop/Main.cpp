@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QTemporaryDir>
 #include <cstdio>
 
 /// The platform without a screen tells again and again what it has not; everything else is shown.
@@ -10,6 +11,8 @@ static void ShowMessage(QtMsgType, const QMessageLogContext&, const QString& tex
 
 int main(int argc, char** argv) {
   if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  const QTemporaryDir configuration;  // Qt's own, such as what a file dialog remembers: not among the user's
+  qputenv("XDG_CONFIG_HOME", configuration.path().toLocal8Bit());
   qInstallMessageHandler(ShowMessage);
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("hylden"));
