@@ -11,6 +11,7 @@
 
 #include "app/BusChoice.h"
 #include "app/Station.h"
+#include "instruments/BusPanel.h"
 #include "platform/qt/QtText.h"
 #include "shell/FormInput.h"
 #include "text/TextFile.h"
@@ -104,6 +105,17 @@ void ShowSystem(const std::vector<SystemFinding>& findings, Dialogs& dialogs) {
   dialogs.Show({text, "System Check", allGood ? MessageIcon::Information : MessageIcon::Exclamation});
 }
 
+/// How the station's instruments are reached, and whether the bus answers; whoever has them is not disturbed.
+void AddBus(Station& station, std::vector<SystemFinding>& findings) {
+  if (const std::string& notice = station.shell.runNotice; !notice.empty()) findings.push_back({"Bench", notice});
+  BusPanel panel(station.shell, station.instruments);
+  if (const std::string obstacle = panel.Obstacle(); !obstacle.empty()) return findings.push_back({"Bus", obstacle});
+  const BusPanel::Outcome cleared = panel.ClearInterface();
+  findings.push_back({"Bus", cleared ? *cleared : cleared.error().Boxes().front().text, cleared.has_value()});
+  for (const BusPanel::Row& row : panel.Rows(station.BusUnits()))
+    findings.push_back({"Bus, address " + std::to_string(row.Unit.Address), row.Way});
+}
+
 }  // namespace
 
 std::string ShortcutText(const std::string& program, const std::string& equipFile, const std::string& testFile) {
@@ -130,7 +142,7 @@ std::vector<SystemFinding> CheckSystem(Station& station, const std::string& help
   const bool hasHelp =
       QFileInfo::exists(ToQt(helpFile)) || QFileInfo::exists(ToQt(settings.SharedDirectory() + "/hylden.hlp"));
   findings.push_back({"Manual", hasHelp ? "found" : helpFile + " (not there)", hasHelp});
-  findings.push_back({"Bus", station.bench ? station.shell.runNotice : "the computer's own"});
+  AddBus(station, findings);
   for (const std::string_view kind :
        {datakind::kEquip, datakind::kCalibrations, datakind::kTestSetups, datakind::kTestResults, datakind::kCables,
         datakind::kFactors, datakind::kProbes, datakind::kFreqList, datakind::kInsertionLoss})

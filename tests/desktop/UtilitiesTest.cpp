@@ -26,5 +26,19 @@ TEST(DesktopUtilities, FailuresAreTold) {
   EXPECT_EQ(dialogs.messages.back().icon, MessageIcon::Exclamation);
 }
 
+TEST(DesktopUtilities, SystemCheckTellsHowEachInstrumentIsReachedAndWhetherTheBusAnswers) {
+  DemoStation<> m;
+  const auto shown = [&] {
+    RunUtility(Utility::SystemCheck, m.station, {});
+    return m.dialogs.LastText();
+  };
+  EXPECT_THAT(shown(), testing::AllOf(testing::HasSubstr("OK:  Bus: The interface is cleared\r\n"),
+                                      testing::HasSubstr("OK:  Bus, address 18: simulated bench\r\n")));
+  EXPECT_FALSE(m.shell.AtWork()) << "the instruments are free again";
+  BusPanel other(m.shell, m.station.instruments);
+  ASSERT_TRUE(other.ClearInterface());
+  EXPECT_THAT(shown(), testing::HasSubstr("OK:  Bus: The bus window is using the instruments\r\n"));
+}
+
 }  // namespace
 }  // namespace hylden
