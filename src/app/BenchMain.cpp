@@ -4,6 +4,7 @@
 
 #include "app/BenchServer.h"
 #include "platform/native/StandardStreams.h"
+#include "shell/Version.h"
 
 namespace {
 
@@ -44,6 +45,7 @@ int Main(int argc, char** argv) {
       "through a GPIB adapter (\"++\" commands) on a socket and on a pseudo-terminal. Prints the ways to it as\n"
       "Hylden.ini names them, then \"ready\"; Ctrl-C stops it.\n"
       "Exit status: 0 stopped, 1 failed, 2 usage."};
+  app.set_version_flag("--version", hylden::VersionTitle());
   app.add_option("--equipment", options.EquipmentFile, "Equipment file of the station (.eqp)")->required();
   app.add_option("--bench", options.BenchFile, "Bench file: the RF path, the noise, and what goes wrong");
   app.add_option("--seed", options.Seed, "Seed of the reading noise")->type_name("N");

@@ -120,7 +120,7 @@ TEST(HyldenBenchProgram, SaysWhatItCannotUse) {
     const char* says;
   };
   for (const Case& c :
-       {Case{{}, 2, "--equipment is required"},
+       {Case{{"--version"}, 0, "Hylden "}, Case{{}, 2, "--equipment is required"},
         Case{{"--equipment", "no.eqp"}, 1, "Error loading equipment file no.eqp"},
         Case{{"--equipment", "station.eqp", "--bench", "no.txt"}, 1, "no.txt"},
         Case{{"--equipment", "station.eqp", "--bench", "station.eqp"}, 1, "station.eqp, line 1: "},
