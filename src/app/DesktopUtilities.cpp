@@ -111,9 +111,11 @@ void AddBus(Station& station, std::vector<SystemFinding>& findings) {
   BusPanel panel(station.shell, station.instruments);
   if (const std::string obstacle = panel.Obstacle(); !obstacle.empty()) return findings.push_back({"Bus", obstacle});
   const BusPanel::Outcome cleared = panel.ClearInterface();
-  findings.push_back({"Bus", cleared ? *cleared : cleared.error().Boxes().front().text, cleared.has_value()});
+  if (!cleared) return findings.push_back({"Bus", cleared.error().Boxes().front().text, false});
+  std::string state = *cleared;
   for (const BusPanel::Row& row : panel.Rows(station.BusUnits()))
-    findings.push_back({"Bus, address " + std::to_string(row.Unit.Address), row.Way});
+    state += "\r\n      Address " + std::to_string(row.Unit.Address) + ": " + row.Way;
+  findings.push_back({"Bus", state});
 }
 
 }  // namespace
