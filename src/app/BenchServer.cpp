@@ -47,7 +47,7 @@ class ServedStation {
   Station station_{shell_, &bench_};
 };
 
-/// Opens the ways to the bench, and prints them.
+/// Opens the ways to the bench, and prints them. The server's clients outlive it.
 class Ways {
  public:
   Ways(StreamServer& server, ServedBus& bus, const BenchServerOptions& options)
@@ -56,14 +56,15 @@ class Ways {
   void Open() {
     for (int address = 0; address < kAddresses; ++address)
       if (bus_.Bus().Listens(address)) OpenInstrument(address);
-    std::cout << "Adapter=tcp:" << Listen([this] { return std::make_unique<ServedAdapter>(bus_); }) << '\n';
+    std::cout << "Adapter=tcp:" << Listen([&bus = bus_] { return std::make_unique<ServedAdapter>(bus); }) << '\n';
     OpenTerminal();
     std::cout << "ready\n" << std::flush;
   }
 
  private:
   void OpenInstrument(int address) {
-    const std::string place = Listen([this, address] { return std::make_unique<ServedInstrument>(bus_, address); });
+    const std::string place =
+        Listen([&bus = bus_, address] { return std::make_unique<ServedInstrument>(bus, address); });
     std::cout << address << "=socket:" << place << '\n';
   }
 
@@ -80,7 +81,7 @@ class Ways {
 
   void OpenTerminal() {
     try {
-      const std::string device = server_.OpenTerminal([this] { return std::make_unique<ServedAdapter>(bus_); });
+      const std::string device = server_.OpenTerminal([&bus = bus_] { return std::make_unique<ServedAdapter>(bus); });
       std::cout << "Adapter=serial:" << device << '\n';
     } catch (const std::runtime_error& error) {
       std::cerr << "hylden-bench: " << error.what() << '\n';

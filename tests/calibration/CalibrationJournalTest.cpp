@@ -6,21 +6,27 @@
 #include "platform/native/JournalFolder.h"
 #include "run/JournalFile.h"
 #include "run/JournalValues.h"
+#include "support/TempDir.h"
 #include "text/RecordFile.h"
 
 namespace hylden {
 namespace {
 
+/// Journals outlive the runs that write them.
+struct Outliving {
+  TempDir place;
+  JournalFolder journals{place.File("journals"), JournalFolder::Time::Virtual};
+};
+
 /// The scripted station with calibrations that keep a journal.
-struct JournalledCalibration : testing::Test, CalibrationRuns {
+struct JournalledCalibration : testing::Test, Outliving, CalibrationRuns {
   JournalledCalibration() { t.shell.journals = &journals; }
 
   /// The one journal, as it is.
   Journal Kept() {
     const auto kept = journals.Kept();
     EXPECT_EQ(kept.size(), 1U);
-    const auto journal =
-        kept.empty() ? Journal() : ReadJournal(t.directory.Read("journals/" + kept.front() + ".journal"));
+    const auto journal = kept.empty() ? Journal() : ReadJournal(place.Read("journals/" + kept.front() + ".journal"));
     EXPECT_TRUE(journal);
     return journal.value_or(Journal());
   }
@@ -43,8 +49,6 @@ struct JournalledCalibration : testing::Test, CalibrationRuns {
     }
     return text;
   }
-
-  JournalFolder journals{t.directory.File("journals"), JournalFolder::Time::Virtual};
 };
 
 TEST_F(JournalledCalibration, HasEveryCompleteRowAndTheDescription) {
