@@ -1,5 +1,6 @@
 #include "app/ConsoleDisplay.h"
 #include "app/ConsoleJobs.h"
+#include "app/ConsoleResume.h"
 #include "app/ConsoleStation.h"
 #include "calibration/LevelCalibration.h"
 #include "documents/SaveCal.h"
@@ -55,6 +56,16 @@ bool Load(ConsoleStation& station) {
   return Validate(station);
 }
 
+/// Has the calibration continue the one that "--resume" names, if it names one. @return false after a message
+bool ContinueFormer(ConsoleStation& station, LevelCalibration& calibration) {
+  if (station.Options().Resume.empty()) return true;
+  auto resumed = TakeJournal(station, JournalKind::LevelCalibration);
+  if (!resumed) return false;
+  Recovery& former = resumed->Former;
+  CalRows rows = std::get<Recovery::Record>(std::move(former.Rows)).Rows;
+  return station.TheShell().Ok(calibration.Continue({former.Head, std::move(rows), std::move(resumed->Journal)}));
+}
+
 bool Connected(ConsoleStation& station) {
   const CalSetupRecord& setup = station.TheDocuments().calSetup.Record;
   return station.Confirm("Make sure proper amp is hooked up,\r\n" + setup.AmpUsed +
@@ -85,7 +96,8 @@ ExitState RunLevelCalibration(ConsoleStation& station) {
   LevelCalibration calibration(station.TheShell(), station.TheInstruments(), station.TheDocuments(), display);
   const std::vector<double>& plan = calibration.Frequencies();
   const bool readsPower = station.TheDocuments().calSetup.Record.RecordsForward();
-  if (!calibration.Prepare() || (readsPower && !station.MayMoveSensor(plan)) || !station.MayMakeOutput(plan.size()))
+  if (!calibration.Prepare() || !ContinueFormer(station, calibration) || (readsPower && !station.MayMoveSensor(plan)) ||
+      !station.MayMakeOutput(plan.size()))
     return ExitState::Failed;
   if (Connected(station)) station.Run([&] { calibration.Run(); });
   const bool saved = SavedOrPrinted(station, calibration);

@@ -76,6 +76,8 @@ bool ConsoleStation::SetUp() {
       std::make_unique<JournalFolder>(JournalsIn(shell_->settings.ProgramDirectory()),
                                       options_.VirtualTime ? JournalFolder::Time::Virtual : JournalFolder::Time::Real);
   shell_->journals = journals_.get();
+  // What was to be continued once can be continued again, however soon the run ends.
+  shell_->keepsJournals = options_.KeepJournal || !options_.Resume.empty();
   station_ = std::make_unique<Station>(*shell_, bus_->SimulatedBench());
   TheShell().runNotice = notice_;
   if (!notice_.empty()) std::cout << notice_ << '\n' << std::flush;
@@ -219,8 +221,10 @@ void ConsoleStation::PrintUnsaved(const std::string& text) {
 
 void ConsoleStation::TellJournals() {
   if (!journals_) return;
-  for (const std::string& name : journals_->Kept())
+  for (const std::string& name : journals_->Kept()) {
     std::cout << "A journal has what was recorded: hylden-run --recover " << name << " --output FILE\n";
+    if (TheShell().keepsJournals) std::cout << "The run can be continued: --resume " << name << '\n';
+  }
   if (const auto trouble = journals_->Trouble()) std::cout << "The journal could not be written: " << *trouble << '\n';
   std::cout << std::flush;
 }

@@ -57,6 +57,7 @@ class ConsoleStation {
   Instruments& TheInstruments() { return station_->instruments; }
   Documents& TheDocuments() { return station_->documents; }
   std::vector<BusUnit> BusUnits() const { return station_->BusUnits(); }
+  JournalFolder& Journals() { return *journals_; }
   ProgressLine& Progress() { return progress_; }
   bool HasTerminal() const { return terminal_; }
   /// Cables the simulated meter; a real one is the operator's.

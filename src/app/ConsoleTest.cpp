@@ -1,5 +1,6 @@
 #include "app/ConsoleDisplay.h"
 #include "app/ConsoleJobs.h"
+#include "app/ConsoleResume.h"
 #include "app/ConsoleStation.h"
 #include "testrun/ManualControls.h"
 #include "testrun/RunEngine.h"
@@ -48,6 +49,16 @@ bool MayReadPower(ConsoleStation& station, const RunEngine& engine) {
   return !station.TheDocuments().testSetup.Definition.LevelsByPower() || station.MayMoveSensor(frequencies);
 }
 
+/// Has the run continue the one that "--resume" names, if it names one. @return false after a message
+bool ContinueFormer(ConsoleStation& station, RunEngine& engine) {
+  if (station.Options().Resume.empty()) return true;
+  auto resumed = TakeJournal(station, JournalKind::Test);
+  if (!resumed) return false;
+  Recovery& former = resumed->Former;
+  return station.TheShell().Ok(
+      engine.Continue({former.Head, std::get<RunData>(std::move(former.Rows)), std::move(resumed->Journal)}));
+}
+
 /// Prints the run data unless they are in the output file. @return whether they are
 bool SavedOrPrinted(ConsoleStation& station, const RunEngine& engine) {
   if (engine.Data().IsEmpty()) return true;
@@ -70,7 +81,7 @@ ExitState RunTest(ConsoleStation& station) {
   ConsoleDisplay display(station.Progress());
   ManualControls manual;
   RunEngine engine(station.TheShell(), station.TheInstruments(), station.TheDocuments(), display, manual);
-  if (engine.Prepare() != RunReadiness::Ready) return ExitState::Failed;
+  if (engine.Prepare() != RunReadiness::Ready || !ContinueFormer(station, engine)) return ExitState::Failed;
   if (!MayReadPower(station, engine) || !station.MayMakeOutput(engine.Steps().size())) return ExitState::Failed;
   station.Run([&] { engine.ConfirmAndRun(); });
   const bool saved = SavedOrPrinted(station, engine);

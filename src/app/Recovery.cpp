@@ -19,8 +19,10 @@ namespace {
 template <class Row, class Read>
 std::vector<Row> RowsOf(const Journal& journal, Recovery& recovery, Read read) {
   std::vector<Row> rows;
+  int expected = 1;
   for (const auto& [number, line] : journal.Rows) {
     std::optional<Row> row = read(line);
+    recovery.Gapless = recovery.Gapless && row && number == expected++;
     row ? rows.push_back(std::move(*row)) : void(++recovery.Damaged);
   }
   recovery.Recorded = rows.size();
@@ -43,6 +45,7 @@ void TakeTest(const Journal& journal, Recovery& recovery) {
   recovery.LastMHz = LastOf(entries, FreqOf);
   recovery.Count = entries.size();
   for (RunEntry& entry : entries) data.Add(std::move(entry));
+  for (const int seam : journal.Seams) data.AddSeam(seam);
   recovery.Rows = std::move(data);
 }
 

@@ -28,6 +28,7 @@ struct Recovery {
   std::size_t Recorded = 0;  ///< rows in the journal
   std::size_t Count = 0;     ///< those that a file would hold
   double LastMHz = 0;        ///< of the row recorded last
+  bool Gapless = true;       ///< every row up to the last can be read
   std::size_t Damaged = 0;   ///< lines of the journal that can't be read
 
   /// There are enough for a file.

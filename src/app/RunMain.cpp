@@ -65,6 +65,17 @@ void AddBenchOptions(CLI::App& app, RunOptions& options) {
   app.add_option("--seed", options.Seed, "Seed of the bench's reading noise")->needs(bench)->type_name("N");
 }
 
+void AddResumeOptions(CLI::App& app, RunOptions& options) {
+  app.add_option("--resume", options.Resume,
+                 "Continue the run of this journal (--recover lists them), with the options that it had, at its first "
+                 "step without a complete row")
+      ->excludes("--cable-loss", "--bus-info", "--recover")
+      ->type_name("NAME");
+  app.add_flag("--keep-journal", options.KeepJournal,
+               "Keep the journal of a test or a level calibration that ends early, so that --resume can continue it; "
+               "--resume does so by itself");
+}
+
 std::string HasName(const std::string& name) {
   return name.empty() ? "the file has no name" : std::string();
 }
@@ -119,6 +130,7 @@ int Main(int argc, char** argv) {
                  "needed where that is 0")
       ->needs("--calibrate")
       ->type_name("DB");
+  AddResumeOptions(app, options);
   AddCableOptions(app, options);
   AddBenchOptions(app, options);
   app.add_flag(

@@ -50,6 +50,7 @@ bool LevelCalibration::Prepare() {
   setup_ = documents_.calSetup.Record;
   couplingFactor_ = documents_.calSetup.CouplingFactor();
   ForgetRows();
+  former_.reset();
   ready_ = false;  // should planning throw
   ready_ = PlanRun() && LoadTables() && CheckTestLevels();
   return ready_;
@@ -126,13 +127,54 @@ bool LevelCalibration::CheckTestLevels() {
   return true;
 }
 
-void LevelCalibration::BeginJournal() {
+JournalHead LevelCalibration::Head() {
   JournalHead head{.Kind = JournalKind::LevelCalibration,
                    .Name = FileNameOnly(documents_.calSetup.FileName),
-                   .Planned = plan_.size()};
+                   .Planned = plan_.size(),
+                   .Notice = shell_.runNotice,
+                   .Parts = Parts()};
   LineReader info(RecordText(CalInfoOf(setup_), true));
   while (!info.AtEnd()) head.Info.push_back(info.ReadLine());
-  journal_.Begin(std::move(head));
+  return head;
+}
+
+RunParts LevelCalibration::Parts() {
+  const EquipRecord& equipment = documents_.equip.Record;
+  RunParts parts = {PartOf(FileKind(setup_), documents_.calSetup.FileName, ContentOf(setup_))};
+  AddStation(parts, documents_, instruments_);
+  parts.push_back(PartOf("cable loss file", equipment.CableLossFile, ContentOf(cableLoss_)));
+  parts.push_back(PartOf("test level file", setup_.LimitFile, ContentOf(testLevels_)));
+  parts.push_back(PartOf("forward port file", equipment.FwdPortFile, ContentOf(forwardPort_)));
+  parts.push_back(PartOf("reverse port file", equipment.RevPortFile, ContentOf(reversePort_)));
+  // Behind the setup it can differ by the list only.
+  std::string frequencies;
+  for (const double frequency : plan_) frequencies += ShortestText(frequency) + "\n";
+  parts.push_back(PartOf("frequency list", setup_.ListFile, frequencies));
+  return parts;
+}
+
+Done LevelCalibration::Continue(FormerRun<CalRows> former) {
+  former_.reset();
+  if (IsRunning() || !ready_) return Because("No run is prepared.");
+  if (Done same = MayContinue(former.Head, Head()); !same) return same;
+  const CalRows& rows = former.Recorded;
+  const auto isPlanned = [](const CalRow& row, double frequency) { return row.Complete && row.Freq == frequency; };
+  if (rows.size() > plan_.size() || !std::equal(rows.begin(), rows.end(), plan_.begin(), isPlanned))
+    return Because(kOtherRows);
+  if (rows.size() == plan_.size()) return Because(kNothingToContinue);
+  former_ = std::move(former);
+  return {};
+}
+
+void LevelCalibration::TakeFormer() {
+  FormerRun<CalRows> former = std::move(*std::exchange(former_, std::nullopt));
+  for (const CalRow& row : former.Recorded) {
+    rows_.push_back(row);
+    display_.RowChanged(static_cast<int>(rows_.size()));
+  }
+  const std::size_t first = rows_.size() + 1;
+  journal_.Continue(std::move(former.Journal), static_cast<int>(first));
+  shell_.log.LogFile(ContinuedText(first, plan_[first - 1]));
 }
 
 void LevelCalibration::Run() {
@@ -151,7 +193,7 @@ void LevelCalibration::RunPlan() {
   // Up to here the points of an earlier run are kept: a run that did not get to its first point costs nothing.
   if (Halted()) return;
   ForgetRows();
-  BeginJournal();
+  former_ ? TakeFormer() : journal_.Begin(Head());
   Sweep();
 }
 
@@ -168,18 +210,21 @@ bool LevelCalibration::BringUp() {
 void LevelCalibration::Sweep() {
   sigGenLevel_ = setup_.InitLevel;
   elapsed_.Start();
-  for (std::size_t i = 0; i < plan_.size(); ++i) {
+  const std::size_t former = rows_.size();
+  for (std::size_t i = former; i < plan_.size(); ++i) {
     display_.Step(static_cast<int>(i + 1));
     if (!CalibratePoint(plan_[i])) return;
-    ShowTimes(i + 1);
+    ShowTimes(i + 1, former);
   }
   guard_.Finish();
+  journal_.Complete();
 }
 
-void LevelCalibration::ShowTimes(std::size_t done) {
+void LevelCalibration::ShowTimes(std::size_t done, std::size_t former) {
   const double minutes = elapsed_.Minutes();
   display_.Show(Readout::Elapsed, minutes);
-  display_.Show(Readout::Remaining, minutes / static_cast<double>(done) * static_cast<double>(plan_.size() - done));
+  display_.Show(Readout::Remaining,
+                minutes / static_cast<double>(done - former) * static_cast<double>(plan_.size() - done));
   display_.StepDone(static_cast<int>(done));
 }
 

@@ -9,6 +9,7 @@
 #include "documents/SaveCal.h"
 #include "measure/InterpClass.h"
 #include "run/ElapsedTime.h"
+#include "run/FormerRun.h"
 #include "run/ForwardSensor.h"
 #include "run/InstrumentsUp.h"
 #include "run/RunGuard.h"
@@ -35,6 +36,10 @@ class LevelCalibration {
   /// Plans the frequencies and loads the factor tables for the calibration setup as it is now.
   /// @return false after a message: no run can be started
   bool Prepare();
+  /// The run to come continues one that ended early: its rows stand before those to come, and the first frequency
+  /// without one begins at the setup's initial level. To be called when Prepare came to true.
+  /// @return why it can't be continued; the next run begins afresh then
+  Done Continue(FormerRun<CalRows> former);
   /// Runs the calibration; returns when it ended, failed or was halted. Does nothing before Prepare came to true, nor
   /// when the operator wants to keep rows that are not saved.
   void Run();
@@ -69,7 +74,9 @@ class LevelCalibration {
 
   bool Halted() const;
   bool WriteRecord();
-  void BeginJournal();
+  JournalHead Head();
+  RunParts Parts();
+  void TakeFormer();
   void ForgetRows();
   bool PlanRun();
   void ShowPlan();
@@ -81,7 +88,7 @@ class LevelCalibration {
   void RunPlan();
   bool BringUp();
   void Sweep();
-  void ShowTimes(std::size_t done);
+  void ShowTimes(std::size_t done, std::size_t former);
   void End();
 
   // One frequency; each part is false when the run is to end.
@@ -115,7 +122,8 @@ class LevelCalibration {
   std::vector<double> plan_;
   CalRows rows_;
   Point point_;
-  float sigGenLevel_ = 0;  ///< dBm
+  float sigGenLevel_ = 0;                     ///< dBm
+  std::optional<FormerRun<CalRows>> former_;  ///< which the next run continues
   bool ready_ = false;
   bool started_ = false;  ///< the instruments came up
   RunJournal journal_;

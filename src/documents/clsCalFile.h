@@ -41,6 +41,7 @@ class clsCalFile {
   double GetStopFreq() const;
   /// The highest point index: one less than there are points.
   int GetNumSteps() const;
+  const std::vector<CalPoint>& Points() const { return points_; }
   float GetSigGen(double frequency);
   float GetTestLevel(double frequency);
   float GetFwdPwr(double frequency);

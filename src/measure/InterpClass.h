@@ -44,6 +44,8 @@ class InterpClass {
   /// -1 when the table is unusable.
   double MaxFreq() const;
   double MinFreq() const;
+  /// Empty when the table is unusable.
+  const std::vector<FactorPoint>& Points() const { return points_; }
   /// Copies of the columns with one element more than there are points, which is 0; a single 0 when unusable.
   void GetTable(std::vector<double>& frequencies, std::vector<float>& values);
   /// Writes the table in the factor table format.

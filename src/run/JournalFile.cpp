@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdint>
+#include <cstdio>
 #include <optional>
 #include <utility>
 
@@ -14,7 +16,7 @@ namespace hylden {
 
 namespace {
 
-constexpr std::string_view kTitle = "Hylden journal ", kForm = "1";
+constexpr std::string_view kTitle = "Hylden journal ", kForm = "2", kFirstForm = "1";
 /// By JournalKind.
 constexpr std::array<std::string_view, 3> kKinds = {"test", "level calibration", "insertion loss"};
 constexpr std::string_view kLastOfHead = "rows";
@@ -28,6 +30,17 @@ std::optional<JournalKind> KindOf(std::string_view text) {
 template <class Number>
 bool Take(std::string_view text, Number& number) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && end == text.data() + text.size();
+}
+
+/// "87AB12CD" for a checksum, and back.
+std::string HexText(std::uint32_t number) {
+  char text[9];
+  std::snprintf(text, sizeof text, "%08X", static_cast<unsigned>(number));
+  return text;
+}
+bool TakeHex(std::string_view text, std::uint32_t& number) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, 16);
   return error == std::errc() && end == text.data() + text.size();
 }
 
@@ -47,6 +60,8 @@ class Reading {
  private:
   bool Entry(std::string_view key, std::string_view value);
   bool Row(std::string_view numbered);
+  bool Part(std::string_view text);
+  bool Seam(std::string_view number);
 
   Journal journal_;
   bool hasKind_ = false, headEnded_ = false, lastIsDamaged_ = false;
@@ -63,6 +78,7 @@ void Reading::Line(std::string_view line) {
 bool Reading::Entry(std::string_view key, std::string_view value) {
   JournalHead& head = journal_.Head;
   if (key == "row") return Row(value);
+  if (key == "seam") return Seam(value);
   if (key == kLastOfHead) return headEnded_ = true;
   if (key == "kind") {
     const auto kind = KindOf(value);
@@ -70,6 +86,7 @@ bool Reading::Entry(std::string_view key, std::string_view value) {
     return hasKind_ = kind.has_value();
   }
   if (key == "planned") return Take(value, head.Planned);
+  if (key == "part") return Part(value);
   if (key == "info") return head.Info.emplace_back(value), true;
   const std::pair<std::string_view, std::string*> texts[] = {
       {"program", &head.Program}, {"name", &head.Name}, {"started", &head.Started}, {"notice", &head.Notice}};
@@ -84,6 +101,21 @@ bool Reading::Row(std::string_view numbered) {
   if (!Take(number, row)) return false;
   headEnded_ = true;  // its last line is damaged when it was not seen
   journal_.Rows[row] = values;
+  return true;
+}
+
+bool Reading::Part(std::string_view text) {
+  const auto [checksum, name] = SplitAtBlank(text);
+  RunPart part{std::string(name), 0};
+  if (!TakeHex(checksum, part.Checksum)) return false;
+  journal_.Head.Parts.push_back(std::move(part));
+  return true;
+}
+
+bool Reading::Seam(std::string_view number) {
+  int row = 0;
+  if (!Take(number, row)) return false;
+  journal_.Seams.insert(row);
   return true;
 }
 
@@ -111,11 +143,16 @@ std::string HeadLines(const JournalHead& head) {
   add("planned", std::to_string(head.Planned));
   if (!head.Notice.empty()) add("notice", head.Notice);
   for (const std::string& line : head.Info) add("info", line);
+  for (const RunPart& part : head.Parts) add("part", HexText(part.Checksum) + " " + part.Name);
   return lines + SealedLine(kLastOfHead);
 }
 
 std::string RowLine(int number, std::string_view values) {
   return SealedLine("row " + std::to_string(number) + " " + std::string(values));
+}
+
+std::string SeamLine(int row) {
+  return SealedLine("seam " + std::to_string(row));
 }
 
 Result<Journal> ReadJournal(std::string bytes) {
@@ -125,7 +162,8 @@ Result<Journal> ReadJournal(std::string bytes) {
   const std::optional<std::string> title = UnsealedLine(first);
   if (!title && lines.AtEnd() && SealedLine(std::string(kTitle).append(kForm)).starts_with(first)) return Journal();
   if (!title || !title->starts_with(kTitle)) return Because("It is no journal");
-  if (title->substr(kTitle.size()) != kForm) return Because("It is of another version of Hylden");
+  const std::string form = title->substr(kTitle.size());
+  if (form != kForm && form != kFirstForm) return Because("It is of another version of Hylden");
   Reading reading;
   while (!lines.AtEnd()) reading.Line(lines.NextLine());
   return std::move(reading).Outcome();

@@ -38,12 +38,12 @@ std::string Plain(std::string_view name) {
 }  // namespace
 
 RunJournal::RunJournal(Shell& shell, UnsavedRows& rows) : shell_(shell), rows_(rows) {
-  rows_.onSettled = [this] { Remove(); };
+  rows_.onSettled = [this] { Settle(); };
 }
 
 RunJournal::~RunJournal() {
   rows_.onSettled = nullptr;
-  if (!rows_.Any()) Remove();
+  if (!rows_.Any()) Settle();
 }
 
 void RunJournal::Begin(JournalHead head) {
@@ -53,6 +53,15 @@ void RunJournal::Begin(JournalHead head) {
   head_.Started = TimeText(shell_.clock.Now());
   head_.Notice = shell_.runNotice;
   on_ = shell_.journals != nullptr;
+  complete_ = false;
+}
+
+void RunJournal::Continue(std::unique_ptr<JournalWriter> file, int row) {
+  Remove();
+  file_ = std::move(file);
+  file_->Append(SeamLine(row));
+  on_ = true;
+  complete_ = false;
 }
 
 /// "radio_20261123-183507"
@@ -72,6 +81,13 @@ void RunJournal::Row(int number, std::string_view values) {
     lines = HeadLines(head_);
   }
   file_->Append(lines + RowLine(number, values));
+}
+
+/// The rows are in a file, not wanted, or too few for one.
+void RunJournal::Settle() {
+  if (complete_ || !shell_.keepsJournals) return Remove();
+  on_ = false;
+  file_.reset();
 }
 
 void RunJournal::Remove() {

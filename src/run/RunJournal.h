@@ -28,21 +28,26 @@ class RunJournal {
   /// A new run records, and the journal of the one before is not needed any more. Its file comes with the first row.
   /// @param head  without program, time and notice
   void Begin(JournalHead head);
+  /// A run continues one that ended early, and that one's journal with this row.
+  void Continue(std::unique_ptr<JournalWriter> file, int row);
   bool IsOn() const { return on_; }
   /// A row is complete, or has changed since: the last word about a number counts.
   void Row(int number, std::string_view values);
   void Remove();
+  /// Every step has its row: nothing is left to be continued.
+  void Complete() { complete_ = true; }
   /// Tells, once for a run, that its journal could not be written: in the run log, and on the display.
   void TellTrouble(RunDisplay& display);
 
  private:
+  void Settle();
   std::string FileName() const;
 
   Shell& shell_;
   UnsavedRows& rows_;
   JournalHead head_;
   std::unique_ptr<JournalWriter> file_;
-  bool on_ = false;
+  bool on_ = false, complete_ = false;
 };
 
 }  // namespace hylden

@@ -41,6 +41,8 @@ class Shell {
   std::string runNotice;
   /// Where runs keep their rows while they record; null: nowhere.
   Journals* journals = nullptr;
+  /// The journal of a run that ended early stays when its rows are settled, since the run may be continued.
+  bool keepsJournals = false;
 
   /// Gives a run the instruments until it releases them.
   /// @return false after a message: another one has them

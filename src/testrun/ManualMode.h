@@ -23,8 +23,10 @@ struct ReachedStep {
   double Freq = 0;        ///< MHz
   float SigGenLevel = 0;  ///< that stood for its dwell, dBm
   float TestLevel = 0;    ///< dBuV
-  double KeptOffset = 0;  ///< how far below its calibrated level the next step is to begin, dB
-  int Row = 0;            ///< of the run data
+  /// How far below its calibrated level the next step is to begin, dB; nothing in the former part of a continued run,
+  /// behind which a step begins as the first one does.
+  std::optional<double> KeptOffset = {};
+  int Row = 0;  ///< of the run data
 };
 
 /// What stands at the product in manual mode.

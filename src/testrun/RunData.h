@@ -3,6 +3,7 @@
 #include <array>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -86,9 +87,13 @@ class RunData {
   /// Called with the number of a row that is complete now, or has changed since.
   std::function<void(int row)> onRow;
 
-  void Clear() { entries_.clear(); }
+  void Clear() { entries_.clear(), seams_.clear(); }
   const std::vector<RunEntry>& Entries() const { return entries_; }
   bool IsEmpty() const { return entries_.empty(); }
+
+  /// The run was continued with this row, which need not be there yet.
+  void AddSeam(int row) { seams_.insert(row); }
+  const std::set<int>& Seams() const { return seams_; }
 
   /// A row for a step that begins; returns its number.
   int AddStep(double frequencyMHz);
@@ -111,6 +116,7 @@ class RunData {
   }
 
   std::vector<RunEntry> entries_;
+  std::set<int> seams_;
 };
 
 /// The first line of the run data file and of the printed reports.

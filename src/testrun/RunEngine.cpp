@@ -1,5 +1,6 @@
 #include "testrun/RunEngine.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "documents/Documents.h"
@@ -11,8 +12,39 @@
 #include "testrun/RunDataJournal.h"
 #include "testrun/RunLoader.h"
 #include "testrun/StepRunner.h"
+#include "testrun/TestParts.h"
 
 namespace hylden {
+
+namespace {
+
+/// The step of a row: the one behind the last, or one that manual mode went back to. Steps().size(): none.
+std::size_t StepOf(double frequencyMHz, std::size_t expected, std::size_t reached, const std::vector<PlanStep>& steps) {
+  if (expected < steps.size() && steps[expected].Freq == frequencyMHz) return expected;
+  const auto end = steps.begin() + static_cast<std::ptrdiff_t>(reached);
+  const auto found = std::find_if(steps.begin(), end, [&](const PlanStep& s) { return s.Freq == frequencyMHz; });
+  return found == end ? steps.size() : static_cast<std::size_t>(found - steps.begin());
+}
+
+/// The steps that these rows have reached; nothing where they are not rows of the plan.
+std::optional<std::vector<ReachedStep>> ReachedBy(const RunData& rows, const std::vector<PlanStep>& steps) {
+  std::vector<ReachedStep> reached;
+  std::size_t expected = 0;
+  int row = 0;
+  for (const RunEntry& entry : rows.Entries()) {
+    ++row;
+    if (IsThreshold(entry)) continue;
+    const auto& step = std::get<StepEntry>(entry);
+    const std::size_t at = StepOf(step.Freq, expected, reached.size(), steps);
+    if (!step.Result || at == steps.size()) return std::nullopt;
+    if (at == reached.size()) reached.emplace_back();
+    reached[at] = {step.Freq, step.Result->SigGenLevel, step.Result->TestLevel, std::nullopt, row};
+    expected = at + 1;
+  }
+  return reached;
+}
+
+}  // namespace
 
 RunEngine::RunEngine(Shell& shell, Instruments& instruments, Documents& documents, RunDisplay& display,
                      ManualControls& controls)
@@ -42,6 +74,7 @@ RunEngine::~RunEngine() = default;
 RunReadiness RunEngine::Prepare() {
   if (IsRunning()) return RunReadiness::NotReady;
   ready_ = false;
+  former_.reset();
   stepRunner_.reset();
   inputs_ = std::make_unique<RunInputs>(shell_);
   RunLoader loader(shell_, documents_, display_, *inputs_);
@@ -60,6 +93,17 @@ RunReadiness RunEngine::Prepare() {
   if (!ready_) return RunReadiness::NotReady;
   display_.Phase(RunPhase::Ready);
   return RunReadiness::Ready;
+}
+
+Done RunEngine::Continue(FormerRun<RunData> former) {
+  former_.reset();
+  if (IsRunning() || !ready_) return Because("No run is prepared.");
+  if (Done same = MayContinue(former.Head, Head()); !same) return same;
+  const auto reached = ReachedBy(former.Recorded, Steps());
+  if (!reached) return Because(kOtherRows);
+  if (reached->size() == Steps().size()) return Because(kNothingToContinue);
+  former_ = std::move(former);
+  return {};
 }
 
 void RunEngine::ConfirmAndRun() {
@@ -94,12 +138,30 @@ void RunEngine::Reset() {
   display_.RowChanged(0);
   reached_.clear();
   currentStep_ = timedSteps_ = 0;
-  BeginJournal();
+  firstStep_ = 1;
+  former_ ? TakeFormer() : journal_.Begin(Head());
 }
 
-void RunEngine::BeginJournal() {
-  journal_.Begin(
-      {.Kind = JournalKind::Test, .Name = FileNameOnly(documents_.testSetup.TestFileName), .Planned = Steps().size()});
+JournalHead RunEngine::Head() {
+  return {.Kind = JournalKind::Test,
+          .Name = FileNameOnly(documents_.testSetup.TestFileName),
+          .Planned = Steps().size(),
+          .Notice = shell_.runNotice,
+          .Parts = PartsOf(*inputs_, documents_, instruments_)};
+}
+
+void RunEngine::TakeFormer() {
+  FormerRun<RunData> former = std::move(*std::exchange(former_, std::nullopt));
+  for (const int seam : former.Recorded.Seams()) data_.AddSeam(seam);
+  for (const RunEntry& entry : former.Recorded.Entries()) {
+    data_.Add(entry);
+    display_.RowChanged(static_cast<int>(data_.Entries().size()));
+  }
+  reached_ = ReachedBy(data_, Steps()).value();
+  firstStep_ = CompletedSteps() + 1;
+  const int row = static_cast<int>(data_.Entries().size()) + 1;
+  data_.AddSeam(row);
+  journal_.Continue(std::move(former.Journal), row);
 }
 
 void RunEngine::RunTest() {
@@ -108,22 +170,28 @@ void RunEngine::RunTest() {
   if (!up_.BringUp() || shell_.delay.HaltRequested()) return;
   display_.Phase(RunPhase::Running);
   shell_.log.LogFile("Test run started\r\n" + documents_.testSetup.StringPrintTestSetup());
+  const bool continues = firstStep_ > 1;
+  if (continues) {
+    const auto first = static_cast<std::size_t>(firstStep_);
+    shell_.log.LogFile(ContinuedText(first, Steps()[first - 1].Freq));
+  }
   shell_.log.Hold();
   Sweep();
 }
 
 void RunEngine::Sweep() {
   const int count = static_cast<int>(Steps().size());
-  for (currentStep_ = 1; currentStep_ <= count; ++currentStep_) {
+  for (currentStep_ = firstStep_; currentStep_ <= count; ++currentStep_) {
     if (shell_.delay.HaltRequested()) return;
-    if (currentStep_ > 1 && timedSteps_ == 0) elapsed_.Start();
+    if (currentStep_ > firstStep_ && timedSteps_ == 0) elapsed_.Start();
     if (!RunStep()) return;
-    if (currentStep_ > 1) ++timedSteps_;
+    if (currentStep_ > firstStep_) ++timedSteps_;
     if (stepRunner_->DwellsAreCut() && !ManualPhase()) return;
     if (timedSteps_ >= 2) ShowTimes();
     display_.StepDone(currentStep_);
   }
   guard_.Finish();
+  journal_.Complete();
   up_.SwitchRfOff();
   shell_.log.LogFile("Frequency sweep finished");
   display_.Show(Readout::Remaining, 0);
@@ -148,7 +216,7 @@ bool RunEngine::RunStep() {
 PreviousStep RunEngine::Previous() const {
   if (currentStep_ == 1) return {};
   const ReachedStep& reached = reached_[static_cast<std::size_t>(currentStep_ - 2)];
-  return {reached.Freq, reached.KeptOffset};
+  return reached.KeptOffset ? PreviousStep{reached.Freq, *reached.KeptOffset} : PreviousStep();
 }
 
 void RunEngine::ShowTimes() {

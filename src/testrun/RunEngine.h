@@ -1,9 +1,11 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "run/ElapsedTime.h"
+#include "run/FormerRun.h"
 #include "run/RunGuard.h"
 #include "run/RunJournal.h"
 #include "run/UnsavedRows.h"
@@ -39,6 +41,10 @@ class RunEngine {
   /// Plans the steps, loads the calibration record and the factor tables, and sets the run data up afresh. What fails
   /// has been shown.
   RunReadiness Prepare();
+  /// The run to come continues one that ended early: its rows stand before those to come, and the first step without a
+  /// complete row is levelled as a first step is. To be called when Prepare came to Ready.
+  /// @return why it can't be continued; the next run begins afresh then
+  Done Continue(FormerRun<RunData> former);
   /// Has the operator check amplifier and coupling device, then runs the test. Rows that are not saved are asked about.
   void ConfirmAndRun();
   /// Runs the whole test; returns when it ended, failed or was halted. Does nothing before Prepare came to Ready.
@@ -70,7 +76,8 @@ class RunEngine {
   PreviousStep Previous() const;
   bool ManualPhase();
   void ShowTimes();
-  void BeginJournal();
+  JournalHead Head();
+  void TakeFormer();
   void EndRun();
 
   Shell& shell_;
@@ -85,8 +92,10 @@ class RunEngine {
   std::unique_ptr<StepRunner> stepRunner_;  ///< runs those of one run
   std::vector<ReachedStep> reached_;        ///< in the last run: step i is reached_[i - 1]
   ManualMode manual_;
+  std::optional<FormerRun<RunData>> former_;  ///< which the next run continues
   bool ready_ = false;
   int currentStep_ = 0;
+  int firstStep_ = 1;    ///< of this run, behind those that it continues
   ElapsedTime elapsed_;  ///< without manual mode
   int timedSteps_ = 0;   ///< steps that it covers; not the first, which starts from far below the level
   RunJournal journal_;

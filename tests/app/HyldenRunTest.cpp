@@ -20,6 +20,7 @@
 #include "support/ReadLines.h"
 #include "support/TempDir.h"
 #include "text/RecordFile.h"
+#include "text/TextFile.h"
 
 namespace hylden {
 namespace {
@@ -621,6 +622,59 @@ TEST_F(KilledHyldenRun, LeavesAJournalThatIsNotInUseAndReplacesNoFileUnasked) {
   ExpectSaid(HyldenRun({"--recover", journal}), kUsage, "--output");
   ExpectSaid(Recover(journal, "no/back.run"), kFailed, "Error # 76\nPath not found\n");
   ExpectSaid(Recover(journal, "x.run"), kFinished, "saved in");
+}
+
+TEST_F(KilledHyldenRun, IsContinuedUntilItsFileIsThatOfAnUndisturbedRun) {
+  std::string bench = ReadTextFile(std::string(kStation) + "/bench.txt");
+  bench.replace(bench.find("noise_db = 0.05"), 15, "noise_db = 0");
+  const auto quiet = [&, file = directory_.Write("quiet.txt", bench)](Arguments arguments, const Arguments& more) {
+    *std::find(arguments.begin(), arguments.end(), "bench.txt") = file;
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return arguments;
+  };
+  const Arguments jobs[] = {Test(LongTest(0.3), {"--yes"}),
+                            Level(Setup([](CalSetupRecord& s) { s.LogStep = 0.3; }), {"--yes"})};
+  for (const Arguments& job : jobs) {
+    SCOPED_TRACE(job.front());
+    const std::string file = std::find(job.begin(), job.end(), "--output")[1];
+    ASSERT_EQ(HyldenRun(quiet(job, {})).status, kFinished);
+    const auto whole = ReadLines(file);
+    const auto at = [](const char* step, int signal) {
+      return [step, signal](pid_t child, const std::string& soFar) {
+        if (soFar.find(step) != std::string::npos) kill(child, signal);
+      };
+    };
+    EXPECT_EQ(HyldenRun(quiet(job, {}), at("step 9 of", SIGKILL)).status, -1);
+    const std::string journal = Journal();
+    ExpectSaid(HyldenRun(quiet(job, {"--resume", "none"})), kFailed, "No such journal");
+    ExpectSaid(HyldenRun(quiet(job, {"--resume", journal, "--cable-loss"})), kUsage, "");
+    const Outcome halted = HyldenRun(quiet(job, {"--resume", journal}), at("step 60 of", SIGINT));
+    ExpectSaid(halted, kHalted, "The run can be continued: --resume " + journal);
+    EXPECT_EQ(halted.output.find("step 7 of"), std::string::npos) << "its row is there";
+    EXPECT_LT(ReadLines(file).size(), whole.size());
+    EXPECT_EQ(HyldenRun(quiet(job, {"--resume", journal}), at("step 90 of", SIGKILL)).status, -1);
+    ExpectSaid(HyldenRun(quiet(job, {"--resume", journal})), kFinished, "Finished: ");
+    auto continued = ReadLines(file), expected = whole;
+    // A calibration comes from another level at its seams, and ends anywhere within the tolerance.
+    const auto frequency = [](std::string& line) { line.resize(line.find(',')); };
+    if (job.front() == "--calibrate")
+      std::ranges::for_each(continued, frequency), std::ranges::for_each(expected, frequency);
+    EXPECT_EQ(continued, expected);
+    EXPECT_NE(HyldenRun({"--recover"}).output.find("No journal waits"), std::string::npos);
+  }
+}
+
+TEST_F(KilledHyldenRun, KeepsTheJournalOfAHaltedRunWhereItIsToBeContinued) {
+  for (const bool keeps : {false, true}) {
+    Arguments job = Test(LongTest(0.3), {"--yes"});
+    if (keeps) job.emplace_back("--keep-journal");
+    ExpectSaid(Interrupted(job, "step 9 of"), kHalted, keeps ? "--resume long_" : "Ended early");
+    EXPECT_EQ(HyldenRun({"--recover"}).output.find("No journal waits") == std::string::npos, keeps);
+  }
+  ExpectSaid(HyldenRun(Level("cdn-10v.csu", {"--yes", "--resume", Journal()})), kFailed, "another kind of run");
+  ExpectSaid(HyldenRun(Test(kTest, {"--yes", "--resume", Journal()})), kFailed,
+             "The test definition substitution-am.tst is not the one of then: test definition long.tst.");
+  EXPECT_EQ(Journal().substr(0, 5), "long_") << "it waits as before";
 }
 
 TEST_F(KilledHyldenRun, NamesTheJournalOfARunThatCouldNotSaveAndOfOneThatCouldNotBeWritten) {

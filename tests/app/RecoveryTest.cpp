@@ -93,7 +93,7 @@ TEST_F(OfferTest, DropsNothingUnlessItIsSavedOrTwiceDeclined) {
       {"too little", torn, {kNo}, {}, true, 1},
       {"too little, declined", torn, {kYes}, {}, false, 1},
       {"nothing recorded", noRow, {}, {}, false, 0},
-      {"of another version", SealedLine("Hylden journal 2"), {MessageAnswer::Ok}, {}, true, 1},
+      {"of another version", SealedLine("Hylden journal 3"), {MessageAnswer::Ok}, {}, true, 1},
       {"garbage", "x", {MessageAnswer::Ok}, {}, true, 1},
   };
   for (const auto& c : cases) {

@@ -17,14 +17,16 @@ const std::string kHead = HeadLines({.Kind = JournalKind::LevelCalibration,
                                      .Name = "a *b.csu",
                                      .Started = "2026-11-23 18:35:07",
                                      .Planned = 3,
-                                     .Info = {"clamp", "", " 0 "}});
+                                     .Info = {"clamp", "", " 0 "},
+                                     .Parts = {{"calibration setup a *b.csu", 0x0012ABCD}, {"meter definition", 0}}});
 
 /// The rows that are read, as "1=a 2=b"; or why there are none.
 std::string RowsIn(const std::string& bytes) {
   const auto journal = ReadJournal(bytes);
   if (!journal) return journal.error().Boxes().front().text;
   std::string rows;
-  for (const auto& [number, values] : journal->Rows) rows += std::to_string(number) + "=" + values + " ";
+  for (const auto& [number, values] : journal->Rows)
+    rows += (journal->Seams.contains(number) ? "seam " : "") + std::to_string(number) + "=" + values + " ";
   if (journal->Damaged > 0) rows += "damaged " + std::to_string(journal->Damaged);
   return rows;
 }
@@ -47,13 +49,15 @@ TEST(JournalFile, TakesEveryLineThatIsWholeWhateverStandsAroundIt) {
       {"torn in the last line", rows + again.substr(0, 12), "1=a 2=b "},
       {"without the last line's end", rows.substr(0, rows.size() - 2), "1=a 2=b "},
       {"zeros at the end", rows + std::string(100, '\0'), "1=a 2=b "},
+      {"of the first form", SealedLine("Hylden journal 1") + kHead.substr(kHead.find('\n') + 1) + one, "1=a "},
+      {"continued", kHead + one + SeamLine(2) + two, "1=a seam 2=b "},
       {"a changed figure", kHead + Flipped(one, 13) + two + again, "1=c * d 2=b damaged 1"},
       {"a line of somebody else", kHead + one + "hello\r\n" + two, "1=a 2=b damaged 1"},
       {"an unknown word", kHead + one + SealedLine("remark x") + two, "1=a 2=b damaged 1"},
       {"a row without a number", kHead + one + SealedLine("row x y") + two, "1=a 2=b damaged 1"},
       {"head only", kHead, ""},
       {"damage in the head", Flipped(kHead, 50) + one, "Its head is damaged"},
-      {"another form", SealedLine("Hylden journal 2") + one, other},
+      {"another form", SealedLine("Hylden journal 3") + one, other},
       {"other text", "a,b,c\r\n" + one, noJournal},
       {"other text of one line", "a,b,c", noJournal},
       {"noise", std::string("\x00\xff\x80\r\n\x01", 6), noJournal},
@@ -76,6 +80,9 @@ TEST(JournalFile, GivesItsHeadBack) {
   EXPECT_EQ(journal->Head.Planned, 3U);
   EXPECT_EQ(journal->Head.Info, (std::vector<std::string>{"clamp", "", " 0 "}));
   EXPECT_EQ(HeadLines(journal->Head), kHead);
+  ASSERT_EQ(journal->Head.Parts.size(), 2U);
+  EXPECT_EQ(journal->Head.Parts.front().Name, "calibration setup a *b.csu");
+  EXPECT_EQ(journal->Head.Parts.front().Checksum, 0x0012ABCDU);
 }
 
 TEST(JournalFile, IsSealedByTheUsualCrc32) {

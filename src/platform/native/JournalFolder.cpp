@@ -58,6 +58,13 @@ std::unique_ptr<JournalWriter> JournalFolder::Begin(const std::string& name) {
   return std::make_unique<Writer>(*this, pages_.emplace_back(std::make_shared<Page>(Page{name})));
 }
 
+std::unique_ptr<JournalWriter> JournalFolder::GoOn(AbandonedJournal journal) {
+  auto page = std::make_shared<Page>(Page{std::move(journal.Name), std::move(journal.File)});
+  // Its last line may be torn: what comes begins a line of its own.
+  if (!journal.Bytes.ends_with('\n')) page->Waiting = "\r\n";
+  return std::make_unique<Writer>(*this, pages_.emplace_back(std::move(page)));
+}
+
 std::optional<std::string> JournalFolder::Trouble() const {
   const std::lock_guard lock(mutex_);
   return trouble_;

@@ -37,6 +37,9 @@ class JournalFolder : public Journals {
   std::unique_ptr<JournalWriter> Begin(const std::string& name) override;
   std::optional<std::string> Trouble() const override;
 
+  /// Takes a journal that was left behind, to go on with it. It is as it was until something is appended.
+  std::unique_ptr<JournalWriter> GoOn(AbandonedJournal journal);
+
   /// Returns when all that was appended has been written, as far as it can be.
   void Settle() { disk_.Wait(); }
   /// The names of the journals begun here that are still there.
