@@ -9,7 +9,7 @@ namespace hylden {
 /// latest. Only where the system can keep it in memory; elsewhere it goes where it always went.
 class ErrorCapture {
  public:
-  static constexpr std::size_t kMost = 64 * 1024;
+  static constexpr std::size_t kMost = std::size_t{64} * 1024;
 
   ErrorCapture();
   ~ErrorCapture();

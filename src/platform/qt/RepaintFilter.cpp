@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QWindow>
+#include <new>
 
 namespace hylden {
 
@@ -45,7 +46,8 @@ RepaintFilter::RepaintFilter() {
 
 RepaintFilter::~RepaintFilter() {
   QCoreApplication::instance()->removeEventFilter(this);
-  if (quits_) QCoreApplication::postEvent(QCoreApplication::instance(), new QEvent(QEvent::Quit));
+  if (auto* const quit = quits_ ? new (std::nothrow) QEvent(QEvent::Quit) : nullptr)
+    QCoreApplication::postEvent(QCoreApplication::instance(), quit);
 }
 
 bool RepaintFilter::eventFilter(QObject* watched, QEvent* event) {
