@@ -1,5 +1,6 @@
 # What a lab installs: cmake --install, and the Debian package of scripts/package.sh.
 include(GNUInstallDirs)
+set(CMAKE_INSTALL_DOCDIR ${CMAKE_INSTALL_DATAROOTDIR}/doc/hylden)
 
 set(programs hylden hylden-run)
 if(TARGET hylden-bench)
@@ -52,10 +53,10 @@ set(CPACK_PACKAGE_NAME hylden)
 set(CPACK_PACKAGE_VENDOR "The Hylden developers")
 set(CPACK_PACKAGE_CONTACT "The Hylden developers <maintainers@hylden.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "conducted RF immunity testing for an EMC lab")
-set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Hylden drives a signal generator, an RF amplifier, a power meter and a measuring
-meter. It finds, frequency by frequency, the generator level that gives the
-wanted test level at a coupling device, and replays it onto a product with
-modulation and dwell, while the operator marks thresholds.
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Hylden drives a signal generator, an RF amplifier, a power
+meter and a measuring meter. It finds, frequency by frequency, the generator level that
+gives the wanted test level at a coupling device, and replays it onto a
+product with modulation and dwell, while the operator marks thresholds.
 .
 A simulated bench stands for the whole station, so that everything can be
 tried without an instrument.")
