@@ -114,12 +114,14 @@ int Main(int argc, char** argv) {
       "Ctrl-C presses Halt: RF goes off, and what was recorded is saved.\n"
       "Exit status: 0 finished, 1 failed, 2 usage, 3 halted."};
   app.set_version_flag("--version", hylden::VersionTitle());
-  auto* const equipment =
-      app.add_option("--equipment", options.EquipmentFile, "Equipment file of the station (.eqp)")->required(runs);
+  auto* const equipment = app.add_option("--equipment", options.EquipmentFile,
+                                         "Equipment file of the station (.eqp); --bus-info and --recover need none")
+                              ->required(runs);
   auto* const output =
       app.add_option(
              "--output", options.OutputFile,
-             "File for what is recorded: run data (.run), a calibration record (.cal), an insertion loss (.los)")
+             "File for what is recorded: run data (.run), a calibration record (.cal), an insertion loss (.los); "
+             "--bus-info and a list of journals need none")
           ->required(runs)
           ->check(HasName);
   AddJobs(app, options, {equipment, output});
