@@ -21,6 +21,8 @@ def allowed(path, header):
         return False
     if (folder, target) == ("shell", "widgets"):  # widgets stand beside the shell: each knows the other's
         return True
+    if (folder, target) == ("widgets", "measure"):  # values that it computes and they show
+        return not header.startswith("measure/qt/")
     if folder == "bench":
         return target in BENCH_SEES | {"widgets"} or bool(BENCH_HEADERS.match(header))
     if folder != "app" and target == "bench":

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/qt/QtText.h"
+#include "widgets/CurveLine.h"
 #include "widgets/FrequencyTicker.h"
 #include "widgets/ThemeColors.h"
 

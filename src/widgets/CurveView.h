@@ -7,33 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "widgets/CurveLine.h"
+#include "measure/Curve.h"
 
 namespace hylden {
-
-enum class ValueAxis { Left, Right };
-
-/// Values over frequency.
-struct Curve {
-  std::string Name, Unit;
-  std::vector<CurvePoint> Points;  ///< by rising frequency
-  ValueAxis Axis = ValueAxis::Left;
-  FreqAxis StraightOn = FreqAxis::Log;  ///< where a straight line joins two points
-};
-
-/// A horizontal line across all frequencies.
-struct CurveLimit {
-  std::string Name;
-  double Value = 0;
-  ValueAxis Axis = ValueAxis::Left;
-};
-
-/// A text at a point.
-struct CurveMark {
-  CurvePoint At;
-  std::string Text;
-  ValueAxis Axis = ValueAxis::Left;
-};
 
 /// A point of a curve, both counted from 0.
 struct CurvePlace {

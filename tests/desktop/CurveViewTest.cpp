@@ -1,3 +1,4 @@
+#include "widgets/CurveLine.h"
 #include "widgets/CurveView.h"
 
 #include <gtest/gtest.h>
