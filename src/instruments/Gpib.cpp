@@ -134,6 +134,7 @@ Done Gpib::ClearInterface() {
 
 Result<std::vector<int>> Gpib::Listeners(const std::vector<int>& among) {
   std::vector<std::int16_t> addresses;
+  addresses.reserve(among.size() + 1);
   for (const int address : among) addresses.push_back(static_cast<std::int16_t>(address));
   addresses.push_back(gpib::kNoAddr);
   std::vector<std::int16_t> listeners(among.size());

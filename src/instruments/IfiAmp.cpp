@@ -13,7 +13,6 @@ namespace hylden {
 
 namespace {
 
-constexpr int kLowUnit = IfiAmp::kLowUnit, kHighUnit = IfiAmp::kHighUnit;
 constexpr double kBandChangeSeconds = 2.0;
 constexpr std::size_t kPowerAnswerSize = 80;
 constexpr const char* kName = "IFI amp";

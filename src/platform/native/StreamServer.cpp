@@ -116,8 +116,12 @@ std::string StreamServer::OpenTerminal(MakeSession make) {
     if (fd >= 0) close(fd);
     Fail("can't make a pseudo-terminal", why);
   }
-  connections_.push_back(
-      {.Fd = fd, .Session = make(), .TerminalDevice = name.data(), .Renew = std::move(make), .Awaited = true});
+  auto session = make();
+  connections_.push_back({.Fd = fd,
+                          .Session = std::move(session),
+                          .TerminalDevice = name.data(),
+                          .Renew = std::move(make),
+                          .Awaited = true});
   return name.data();
 }
 

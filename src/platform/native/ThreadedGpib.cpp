@@ -157,7 +157,7 @@ std::shared_ptr<ThreadedGpib::Call> ThreadedGpib::Do(const std::string& name, Wo
       driver.ibtmo(0, code);
       rest(driver);
     };
-  const auto call = std::make_shared<Call>(Call{.Name = name, .Do = std::move(work)});
+  auto call = std::make_shared<Call>(Call{.Name = name, .Do = std::move(work)});
   {
     const std::lock_guard lock(worker.Lock);
     worker.Current = call;
