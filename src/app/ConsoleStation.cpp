@@ -9,6 +9,7 @@
 #include "app/Recovery.h"
 #include "app/TraceFile.h"
 #include "platform/FlagRaised.h"
+#include "platform/native/Account.h"
 #include "platform/native/ProgramDirectory.h"
 #include "run/ForwardSensor.h"
 #include "run/RunQuestions.h"
@@ -80,6 +81,7 @@ bool ConsoleStation::SetUp() {
   shell_->keepsJournals = options_.KeepJournal || !options_.Resume.empty();
   station_ = std::make_unique<Station>(*shell_, bus_->SimulatedBench());
   TheShell().runNotice = notice_;
+  TheShell().user = AccountName();
   if (!notice_.empty()) std::cout << notice_ << '\n' << std::flush;
   const bool wantsNone = options_.What == RunOptions::Job::BusInfo && options_.EquipmentFile.empty();
   return wantsNone || (station_->LoadEquipment(options_.EquipmentFile) && station_->Apply());

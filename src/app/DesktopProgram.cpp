@@ -13,6 +13,7 @@
 #include "app/Station.h"
 #include "bench/Bench.h"
 #include "platform/console/ConsoleClock.h"
+#include "platform/native/Account.h"
 #include "platform/native/JournalFolder.h"
 #include "platform/native/ProgramDirectory.h"
 #include "platform/native/SingleInstance.h"
@@ -59,6 +60,7 @@ int RunOn(DesktopApplication& application, QtDialogs& dialogs, const std::string
   Shell shell(Platform{dialogs, clock, events, speaker, printer, bus.Driver()}, directories);
   shell.journals = &journals;
   shell.runNotice = choice.BenchNotice();
+  shell.user = AccountName();
   Station station(shell, bus.SimulatedBench());
 
   printer.pdfDirectory = [&] { return shell.settings.GetDataDir(datakind::kTestResults); };

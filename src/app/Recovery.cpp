@@ -7,6 +7,7 @@
 #include "calibration/InsertionLossText.h"
 #include "run/JournalValues.h"
 #include "testrun/RunDataJournal.h"
+#include "testrun/RunInfo.h"
 #include "text/Numbers.h"
 #include "text/RecordFile.h"
 
@@ -114,12 +115,24 @@ std::string DescriptionOf(const Recovery& recovery) {
 Done SaveRecovery(const Recovery& recovery, const std::string& path) {
   struct Save {
     const std::string& Path;
-    Done operator()(const RunData& data) const { return FileRunData(data, Path, false); }
+    const JournalHead& Head;
+    Done operator()(const RunData& data) const {
+      RunInfo info;
+      info.Program = Head.Program;
+      info.Notice = Head.Notice;
+      info.Started = Head.Started;
+      info.Outcome = runend::kRecovered;
+      info.PlannedSteps = static_cast<int>(Head.Planned);
+      info.Seams = data.Seams();
+      Done saved = FileRunData(data, Path, false);
+      if (saved) (void)FileRunInfo(info, Path);  // the rows are what the journal was kept for
+      return saved;
+    }
     Done operator()(const Recovery::Record& record) const { return SaveCal(Path, record.Rows, record.Info); }
     Done operator()(const std::vector<CablePoint>& points) const { return FileInsertionLoss(points, Path); }
   };
   if (!recovery.FillsFile()) return Because("The journal holds too little for a file");
-  return std::visit(Save{path}, recovery.Rows);
+  return std::visit(Save{path, recovery.Head}, recovery.Rows);
 }
 
 }  // namespace hylden

@@ -20,6 +20,14 @@ struct CalPoint {
   float FwdPwr = -999;
   float RevPwr = -999;
 };
+template <class F>
+void RowValues(F& f, CalPoint& point) {
+  f.Value(point.Freq);
+  f.Value(point.SigGenLevel);
+  f.Value(point.TestLevel);
+  f.Value(point.FwdPwr);
+  f.Value(point.RevPwr);
+}
 
 /// The value columns of a calibration point.
 enum class CalColumn : int { SigGenLevel = 0, TestLevel = 1, FwdPwr = 2, RevPwr = 3 };

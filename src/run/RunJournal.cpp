@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "run/RunDisplay.h"
+#include "run/TimeText.h"
 #include "run/UnsavedRows.h"
 #include "shell/Shell.h"
 #include "shell/Version.h"
@@ -15,14 +16,6 @@
 namespace hylden {
 
 namespace {
-
-/// "2026-11-23 18:35:07"
-std::string TimeText(const LocalTime& time) {
-  char text[80];
-  std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", time.year, time.month, time.day, time.hour,
-                time.minute, time.second);
-  return text;
-}
 
 /// What a file's name may hold everywhere, and can be typed.
 std::string Plain(std::string_view name) {

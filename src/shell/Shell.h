@@ -39,6 +39,8 @@ class Shell {
   /// What the run log has to say of every run, and every window: which instruments are only simulated. Empty where none
   /// is.
   std::string runNotice;
+  /// Whose account the program runs under.
+  std::string user;
   /// Where runs keep their rows while they record; null: nowhere.
   Journals* journals = nullptr;
   /// The journal of a run that ended early stays when its rows are settled, since the run may be continued.

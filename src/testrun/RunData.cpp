@@ -4,6 +4,7 @@
 
 #include "measure/Conversions.h"
 #include "shell/Shell.h"
+#include "testrun/RunInfo.h"
 #include "text/Pattern.h"
 #include "text/TextFile.h"
 
@@ -119,13 +120,15 @@ FileRequest RunDataRequest(INISettings& settings) {
   return {"Select run file", "Test Run Files (*.run)|*.run|All Files|*.*", settings.GetDataDir(datakind::kTestResults)};
 }
 
-bool SaveRunData(Shell& shell, const RunData& data) {
+bool SaveRunData(Shell& shell, const RunData& data, const RunInfo& info) {
   if (data.IsEmpty()) {
     shell.dialogs.Tell("No run data to save");
     return true;
   }
   const auto path = shell.dialogs.SaveFile(RunDataRequest(shell.settings));
-  return path && shell.Ok(FileRunData(data, *path, false));
+  if (!path || !shell.Ok(FileRunData(data, *path, false))) return false;
+  (void)shell.Ok(FileRunInfo(info, *path));  // the rows are in their file, whatever becomes of it
+  return true;
 }
 
 }  // namespace hylden

@@ -16,6 +16,7 @@ namespace hylden {
 
 class INISettings;
 class Shell;
+struct RunInfo;
 
 /// The columns of the run data, as table and file show them.
 enum class RunColumn : int { Freq = 0, SigGen = 1, TestLevel = 2, Induced = 3, FwdPwr = 4, RevPwr = 5 };
@@ -134,8 +135,9 @@ Done FileRunData(const RunData& data, const std::string& path, bool thresholdsOn
 /// How a file for run data is asked for.
 FileRequest RunDataRequest(INISettings& settings);
 
-/// The save command: asks for a file and writes all rows to it. Without rows: "No run data to save".
+/// The save command: asks for a file and writes all rows to it, and beside it what they do not tell. Without rows:
+/// "No run data to save".
 /// @return false when there were rows and they were not written
-bool SaveRunData(Shell& shell, const RunData& data);
+bool SaveRunData(Shell& shell, const RunData& data, const RunInfo& info);
 
 }  // namespace hylden

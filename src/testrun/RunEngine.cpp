@@ -7,9 +7,11 @@
 #include "instruments/Instruments.h"
 #include "run/RunDisplay.h"
 #include "run/RunQuestions.h"
+#include "run/TimeText.h"
 #include "shell/FormInput.h"
 #include "shell/Shell.h"
 #include "testrun/RunDataJournal.h"
+#include "testrun/RunFacts.h"
 #include "testrun/RunLoader.h"
 #include "testrun/StepRunner.h"
 #include "testrun/TestParts.h"
@@ -58,13 +60,14 @@ RunEngine::RunEngine(Shell& shell, Instruments& instruments, Documents& document
           shell.dialogs,
           {question::kSaveRunData, "Would you like to save the testrun data?",
            "The run data has not been saved.\r\nSave it?"},
-          [this] { return !data_.IsEmpty(); }, [this] { return SaveRunData(shell_, data_); }),
+          [this] { return !data_.IsEmpty(); }, [this] { return SaveRunData(shell_, data_, info_); }),
       inputs_(std::make_unique<RunInputs>(shell)),
       manual_(shell, instruments, documents.testSetup.Definition, documents.equip.Record, display, controls, guard_,
               data_, reached_),
       elapsed_(shell.clock),
       journal_(shell, unsaved_) {
   data_.onRow = [this](int row) {
+    info_.RowTimes[row] = TimeText(shell_.clock.Now());
     journal_.Row(row, JournalLineOf(data_.Entries()[static_cast<std::size_t>(row - 1)]));
   };
 }
@@ -139,6 +142,7 @@ void RunEngine::Reset() {
   reached_.clear();
   currentStep_ = timedSteps_ = 0;
   firstStep_ = 1;
+  info_ = FactsOf(shell_, documents_, instruments_, *inputs_);
   former_ ? TakeFormer() : journal_.Begin(Head());
 }
 
@@ -247,6 +251,9 @@ void RunEngine::EndRun() {
   guard_.Attempt([&] { manual_.Close(); });
   guard_.Attempt([&] { shell_.speaker.Beep(1000, 2000); });
   shell_.delay.RequestHalt();
+  info_.Ended = TimeText(shell_.clock.Now());
+  info_.Outcome = guard_.Outcome() == RunOutcome::Finished ? runend::kFinished : runend::kEndedEarly;
+  info_.Seams = data_.Seams();
   guard_.Attempt([&] { journal_.TellTrouble(display_); });
   guard_.Attempt([&] { display_.Phase(RunPhase::Asking); });
   guard_.Attempt([&] {

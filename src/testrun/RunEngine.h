@@ -11,6 +11,7 @@
 #include "run/UnsavedRows.h"
 #include "testrun/ManualMode.h"
 #include "testrun/RunData.h"
+#include "testrun/RunInfo.h"
 #include "testrun/RunInputs.h"
 #include "testrun/TestInstruments.h"
 
@@ -64,6 +65,8 @@ class RunEngine {
 
   ManualMode& Manual() { return manual_; }
   const RunData& Data() const { return data_; }
+  /// What the data do not tell of the run.
+  const RunInfo& Info() const { return info_; }
   const std::vector<PlanStep>& Steps() const { return inputs_->Steps; }
 
  private:
@@ -87,6 +90,7 @@ class RunEngine {
   RunGuard guard_;
   TestInstruments up_;
   RunData data_;
+  RunInfo info_;
   UnsavedRows unsaved_;
   std::unique_ptr<RunInputs> inputs_;
   std::unique_ptr<StepRunner> stepRunner_;  ///< runs those of one run

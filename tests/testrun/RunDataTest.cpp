@@ -46,13 +46,14 @@ TEST(RunData, TheThresholdFileHoldsThresholdsOnly) {
 TEST(SaveRunData, IsTrueOnlyWhereNothingIsLost) {
   TestShell t;
   t.shell.settings.SaveDataDir(datakind::kTestResults, t.directory.Path());
-  EXPECT_TRUE(SaveRunData(t.shell, RunData()));
+  EXPECT_TRUE(SaveRunData(t.shell, RunData(), {}));
   EXPECT_TRUE(t.dialogs.WasShown("No run data to save"));
   EXPECT_TRUE(t.dialogs.saveRequests.empty());
-  EXPECT_FALSE(SaveRunData(t.shell, Example())) << "the dialog is cancelled";
+  EXPECT_FALSE(SaveRunData(t.shell, Example(), {})) << "the dialog is cancelled";
   t.dialogs.AnswerSave(t.directory.File("a.run"));
-  EXPECT_TRUE(SaveRunData(t.shell, Example()));
+  EXPECT_TRUE(SaveRunData(t.shell, Example(), {}));
   EXPECT_EQ(t.directory.Read("a.run"), kWhole);
+  EXPECT_TRUE(t.directory.Read("a.runinfo").starts_with("Hylden run information 1\r\n"));
   const FileRequest& request = t.dialogs.saveRequests.back();
   EXPECT_EQ(request.title, "Select run file");
   EXPECT_EQ(request.filter, "Test Run Files (*.run)|*.run|All Files|*.*");
@@ -60,7 +61,7 @@ TEST(SaveRunData, IsTrueOnlyWhereNothingIsLost) {
   const std::string path = t.directory.File("missing/a.run");
   t.dialogs.Clear();
   t.dialogs.AnswerSave(path);
-  EXPECT_FALSE(SaveRunData(t.shell, Example()));
+  EXPECT_FALSE(SaveRunData(t.shell, Example(), {}));
   ASSERT_EQ(t.dialogs.Texts().size(), 1U);
   EXPECT_TRUE(t.dialogs.LastText().find("FileRunData\r" + path) != std::string::npos) << t.dialogs.LastText();
 }
