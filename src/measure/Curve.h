@@ -5,7 +5,7 @@
 
 namespace hylden {
 
-/// A point over frequency: MHz, and a value in the unit of its curve.
+/// A point over frequency: MHz, and a value in the unit of its curve; one that is no number leaves a gap.
 struct CurvePoint {
   double Freq = 0, Value = 0;
   bool operator==(const CurvePoint&) const = default;

@@ -1,5 +1,8 @@
 #include "testrun/RunUnits.h"
 
+#include <array>
+#include <cmath>
+
 #include "measure/Conversions.h"
 #include "text/Pattern.h"
 #include "text/RuntimeError.h"
@@ -26,6 +29,49 @@ bool NeedsImpedance(RunUnit shown, RunUnit held) {
   return converted && !(held == RunUnit::DbuV && shown == RunUnit::Volts);
 }
 
+/// Nothing for what overflows: a display never fails.
+template <class Function>
+std::optional<double> Finite(Function value) {
+  try {
+    const double number = value();
+    return std::isfinite(number) ? std::optional(number) : std::nullopt;
+  } catch (const RuntimeError&) {
+    return std::nullopt;
+  }
+}
+
+double TestLevelValue(double dbuv, RunUnit unit, float ohms) {
+  switch (unit) {
+    case RunUnit::DbuA:
+      return DbuvToDbua(dbuv, ohms);
+    case RunUnit::Dbm:
+      return DbuvToDbm(dbuv, ohms);
+    case RunUnit::Milliwatts:
+      return Milliwatts(DbuvToDbm(dbuv, ohms));
+    case RunUnit::Volts:
+      return DbuvToVolts(dbuv);
+    default:
+      return dbuv;
+  }
+}
+
+double InducedValue(double dbua, double limitDbua, RunUnit unit, float ohms) {
+  switch (unit) {
+    case RunUnit::DbuV:
+      return DbuaToDbuv(dbua, ohms);
+    case RunUnit::Dbm:
+      return DbuaToDbm(dbua, ohms);
+    case RunUnit::Milliwatts:
+      return Milliwatts(DbuaToDbm(dbua, ohms));
+    case RunUnit::Volts:
+      return DbuvToVolts(DbuaToDbuv(dbua, ohms));
+    case RunUnit::Relative:
+      return dbua - limitDbua;
+    default:
+      return dbua;
+  }
+}
+
 std::string TestLevelCaption(RunUnit unit) {
   switch (unit) {
     case RunUnit::DbuA:
@@ -38,23 +84,6 @@ std::string TestLevelCaption(RunUnit unit) {
       return "Test Level\r\n(Volts)";
     default:
       return "Test Level\r\n(dBuv)";
-  }
-}
-
-std::string TestLevelValue(double dbuv, RunUnit unit, float ohms) {
-  switch (unit) {
-    case RunUnit::DbuA:
-      return Format(DbuvToDbua(dbuv, ohms), kLevelPattern);
-    case RunUnit::Dbm:
-      return Format(DbuvToDbm(dbuv, ohms), kLevelPattern);
-    case RunUnit::Milliwatts:
-      return Format(Milliwatts(DbuvToDbm(dbuv, ohms)), kLevelPattern);
-    case RunUnit::Volts: {
-      const double volts = DbuvToVolts(dbuv);
-      return Format(volts, volts < 1 ? "##0.000" : "##0.00");
-    }
-    default:
-      return Format(dbuv, kLevelPattern);
   }
 }
 
@@ -77,41 +106,38 @@ ShownLevel InducedCaption(RunUnit unit) {
   }
 }
 
-std::string InducedValue(double dbua, double limitDbua, RunUnit unit, float ohms) {
-  switch (unit) {
-    case RunUnit::DbuV:
-      return Format(DbuaToDbuv(dbua, ohms), kLevelPattern);
-    case RunUnit::Dbm:
-      return Format(DbuaToDbm(dbua, ohms), kLevelPattern);
-    case RunUnit::Milliwatts:
-      return Format(Milliwatts(DbuaToDbm(dbua, ohms)), kLevelPattern);
-    case RunUnit::Volts:
-      return Format(DbuvToVolts(DbuaToDbuv(dbua, ohms)), "##0.000");
-    case RunUnit::Relative:
-      return IsMissing(limitDbua) ? kNotAvailable : Format(dbua - limitDbua, kLevelPattern);
-    default:
-      return Format(dbua, kLevelPattern);
-  }
-}
-
-/// A display never fails: a level that has no value in the unit is shown as "na".
-template <class Function>
-std::string ShownValue(bool possible, Function value) {
-  if (!possible) return kNotAvailable;
-  try {
-    return value();
-  } catch (const RuntimeError&) {
-    return kNotAvailable;
-  }
+std::string Shown(const std::optional<double>& value, std::string_view pattern) {
+  return value ? Format(*value, pattern) : kNotAvailable;
 }
 
 }  // namespace
 
+std::optional<double> TestLevelIn(RunUnit unit, double levelDbuv, float impedanceOhms) {
+  if (IsMissing(levelDbuv) || (!(impedanceOhms > 0) && NeedsImpedance(unit, RunUnit::DbuV))) return std::nullopt;
+  return Finite([&] { return TestLevelValue(levelDbuv, unit, impedanceOhms); });
+}
+
+std::optional<double> InducedLevelIn(RunUnit unit, double levelDbua, double limitDbua, float impedanceOhms) {
+  if (IsMissing(levelDbua) || (!(impedanceOhms > 0) && NeedsImpedance(unit, RunUnit::DbuA))) return std::nullopt;
+  if (unit == RunUnit::Relative && IsMissing(limitDbua)) return std::nullopt;
+  return Finite([&] { return InducedValue(levelDbua, limitDbua, unit, impedanceOhms); });
+}
+
+std::optional<double> PowerIn(RunUnit unit, double powerDbm) {
+  if (unit == RunUnit::Watts) return Finite([&] { return DbmToWatts(powerDbm); });
+  return IsMissing(powerDbm) ? std::nullopt : Finite([&] { return powerDbm; });
+}
+
+const char* NameOf(RunUnit unit) {
+  constexpr std::array kNames = {"dBuV", "dBuA", "dBm", "mW", "V", "dB", "W"};
+  return kNames.at(static_cast<std::size_t>(unit));
+}
+
 ShownLevel ShowTestLevel(double levelDbuv, RunUnit unit, float impedanceOhms) {
   const bool hasImpedance = impedanceOhms > 0;
-  ShownLevel shown{TestLevelCaption(unit),
-                   ShownValue(!IsMissing(levelDbuv) && (hasImpedance || !NeedsImpedance(unit, RunUnit::DbuV)),
-                              [&] { return TestLevelValue(levelDbuv, unit, impedanceOhms); })};
+  const std::optional<double> level = TestLevelIn(unit, levelDbuv, impedanceOhms);
+  const std::string_view volts = level.value_or(0) < 1 ? "##0.000" : "##0.00";
+  ShownLevel shown{TestLevelCaption(unit), Shown(level, unit == RunUnit::Volts ? volts : kLevelPattern)};
   if (hasImpedance && !IsMissing(levelDbuv))
     shown.ToolTip = Format(DbuvToDbua(levelDbuv, impedanceOhms), kLevelPattern) + " dBua current in a " +
                     Format(impedanceOhms, kLevelPattern) + " ohm system";
@@ -122,15 +148,15 @@ ShownLevel ShowTestLevel(double levelDbuv, RunUnit unit, float impedanceOhms) {
 
 ShownLevel ShowInducedLevel(double levelDbua, double limitDbua, RunUnit unit, float impedanceOhms) {
   ShownLevel shown = InducedCaption(unit);
-  shown.Value = ShownValue(!IsMissing(levelDbua) && (impedanceOhms > 0 || !NeedsImpedance(unit, RunUnit::DbuA)),
-                           [&] { return InducedValue(levelDbua, limitDbua, unit, impedanceOhms); });
+  shown.Value = Shown(InducedLevelIn(unit, levelDbua, limitDbua, impedanceOhms),
+                      unit == RunUnit::Volts ? "##0.000" : kLevelPattern);
   return shown;
 }
 
 ShownLevel ShowPower(double powerDbm, RunUnit unit) {
-  if (unit != RunUnit::Watts)
-    return {"Forward Power\r\n(dBm)", IsMissing(powerDbm) ? kNotAvailable : Format(powerDbm, kLevelPattern)};
-  return {"Forward Power\r\n(watts)", ShownValue(true, [&] { return Format(DbmToWatts(powerDbm), "##0.000"); })};
+  const bool watts = unit == RunUnit::Watts;
+  return {watts ? "Forward Power\r\n(watts)" : "Forward Power\r\n(dBm)",
+          Shown(PowerIn(watts ? unit : RunUnit::Dbm, powerDbm), watts ? "##0.000" : kLevelPattern)};
 }
 
 }  // namespace hylden

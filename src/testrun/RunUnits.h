@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace hylden {
@@ -13,6 +14,15 @@ struct RunUnitChoice {
   RunUnit Induced = RunUnit::DbuA;
   RunUnit Power = RunUnit::Dbm;
 };
+
+/// Levels as numbers in a unit of the menus; nothing where the unit has none: a missing or overflowing level, an
+/// impedance that is not above 0 where it counts, a current without a limit to be relative to (kNoValue).
+std::optional<double> TestLevelIn(RunUnit unit, double levelDbuv, float impedanceOhms);
+std::optional<double> InducedLevelIn(RunUnit unit, double levelDbua, double limitDbua, float impedanceOhms);
+/// Powers of the amplifier in dBm; 0 W, which has no dBm (kNoValue), is a number in watts.
+std::optional<double> PowerIn(RunUnit unit, double powerDbm);
+/// "dBuV", "W"; a level relative to its limit is in dB.
+const char* NameOf(RunUnit unit);
 
 /// A level as it is shown: caption (two lines, CR LF between them), value and tool tip.
 struct ShownLevel {
