@@ -100,9 +100,9 @@ ExitState RunCableLoss(ConsoleStation& station) {
   const RunOptions& options = station.Options();
   CableSetup setup;
   if (const auto failure = ValidateCableSetup(options.Cable, setup)) {
-    station.Tell(OptionOf(failure->Control) + (failure->Reason == EntryFailure::Kind::NotANumber
-                                                   ? ": the value is not a number"
-                                                   : ": the value is outside its range"));
+    const bool isNumber = failure->Reason == EntryFailure::Kind::OutOfRange;
+    station.Tell(OptionOf(failure->Control) +
+                 (isNumber ? ": the value is outside its range" : ": the value is not a number") + failure->Allowed());
     return ExitState::Usage;
   }
   if (!options.UseBench && !station.HasTerminal()) {

@@ -196,9 +196,9 @@ bool ConsoleStation::Confirm(const std::string& text, const char* title) {
 
 void ConsoleStation::TellBadEntry(const EntryFailure& failure, const std::string& document) {
   constexpr std::size_t kPrefix = 3;  // of a control's name; the rest is what the file's page calls it
-  Tell(failure.Text.empty()
-           ? "The " + document + " holds an entry that can't be used: " + failure.Control.substr(kPrefix)
-           : failure.Text);
+  Tell(failure.Text.empty() ? "The " + document + " holds an entry that can't be used: " +
+                                  failure.Control.substr(kPrefix) + failure.Allowed()
+                            : failure.Text);
 }
 
 bool ConsoleStation::MayMoveSensor(const std::vector<double>& frequenciesMHz) {

@@ -3,14 +3,14 @@
 namespace hylden {
 
 void FormFields(FormWalker& f, CableSetup& s) {
-  f.Number("txtStartFreq", s.StartFreq, Above(0));
-  f.Number("txtStopFreq", s.StopFreq, Above(s.StartFreq));
+  f.Number("txtStartFreq", s.StartFreq, Above(0).In("MHz"));
+  f.Number("txtStopFreq", s.StopFreq, Above(s.StartFreq).In("MHz"));
   f.Choice({"optLinStep", "optLogStep", "optListStep"}, s.StepType);
-  if (f.Uses(s.Steps(StepType::Linear), {"txtLinearStep"})) f.Number("txtLinearStep", s.LinearStep, Above(0));
-  if (f.Uses(s.Steps(StepType::Log), {"txtLogStep"})) f.Number("txtLogStep", s.LogStep, Above(0));
+  if (f.Uses(s.Steps(StepType::Linear), {"txtLinearStep"})) f.Number("txtLinearStep", s.LinearStep, Above(0).In("MHz"));
+  if (f.Uses(s.Steps(StepType::Log), {"txtLogStep"})) f.Number("txtLogStep", s.LogStep, Above(0).In("%"));
   f.Uses(s.Steps(StepType::List), {"lblListFile"});
   f.Text("lblListFile", s.ListFile);
-  f.Number("txtDwell", s.Dwell, AtLeast(0), "##0.0##");
+  f.Number("txtDwell", s.Dwell, AtLeast(0).In("s"), "##0.0##");
   f.Number("txtLev", s.Level);
 }
 

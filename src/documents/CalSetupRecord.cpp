@@ -3,11 +3,11 @@
 namespace hylden {
 
 void FormFields(FormWalker& f, CalSetupRecord& s) {
-  f.Number("txtStartFreq", s.StartFreq, Above(0));
-  f.Number("txtStopFreq", s.StopFreq, Above(s.StartFreq));
+  f.Number("txtStartFreq", s.StartFreq, Above(0).In("MHz"));
+  f.Number("txtStopFreq", s.StopFreq, Above(s.StartFreq).In("MHz"));
   f.Choice({"optLinStep", "optLogStep", "optListStep"}, s.StepType);
-  if (f.Uses(s.Steps(StepType::Linear), {"txtLinearStep"})) f.Number("txtLinearStep", s.LinearStep, Above(0));
-  if (f.Uses(s.Steps(StepType::Log), {"txtLogStep"})) f.Number("txtLogStep", s.LogStep, Above(0));
+  if (f.Uses(s.Steps(StepType::Linear), {"txtLinearStep"})) f.Number("txtLinearStep", s.LinearStep, Above(0).In("MHz"));
+  if (f.Uses(s.Steps(StepType::Log), {"txtLogStep"})) f.Number("txtLogStep", s.LogStep, Above(0).In("%"));
   if (f.Uses(s.Steps(StepType::List), {"lblListFile"})) {
     f.Text("lblListFile", s.ListFile);
     f.Require("lblListFile", !s.ListFile.empty(), "Need filename, please pick frequency list file");
@@ -18,18 +18,19 @@ void FormFields(FormWalker& f, CalSetupRecord& s) {
     f.Text("lblLimitFile", s.LimitFile);
     f.Require("lblLimitFile", !s.LimitFile.empty(), "Please select test level file");
   }
-  if (f.Uses(s.HasFlatLevel(), {"txtCalLevel", "lblCalLevelUnit"})) f.Number("txtCalLevel", s.CalLevel, Above(0));
+  if (f.Uses(s.HasFlatLevel(), {"txtCalLevel", "lblCalLevelUnit"}))
+    f.Number("txtCalLevel", s.CalLevel, Above(0).In("V"));
   f.Number("txtMaxLev", s.MaxLevel);
   f.Number("txtMaxStep", s.MaxStep);
   f.Number("txtInitLev", s.InitLevel);
-  f.Check("txtInitLev", s.InitLevel < s.MaxLevel);
-  f.Check("txtMaxStep", s.MaxStep > 0);
+  f.Range("txtInitLev", double{s.InitLevel}, Below(double{s.MaxLevel}).In("dBm"));
+  f.Range("txtMaxStep", double{s.MaxStep}, Above(0).In("dB"));
   f.Tick("chkRecordFP", s.RecordFwdPwr);
   f.Tick("chkRecordRP", s.RecordRevPwr);
   f.Tick("chkLimitFwdPwr", s.LimitFwdPwr);
   if (f.Uses(s.LimitsForward(), {"txtFwdPwrLimit", "lblFwdPwrUnit"}))
-    f.Number("txtFwdPwrLimit", s.FwdPwrLimit, Above(0));
-  f.Number("txtFinalDwell", s.Dwell, AtLeast(0), "#0.0##");
+    f.Number("txtFwdPwrLimit", s.FwdPwrLimit, Above(0).In("W"));
+  f.Number("txtFinalDwell", s.Dwell, AtLeast(0).In("s"), "#0.0##");
 
   f.Text("txtDeviceDescription", s.DeviceDescription);
   f.Text("txtAmpUsed", s.AmpUsed);

@@ -44,8 +44,8 @@ void FormFields(FormWalker& f, EquipRecord& e) {
   if (f.Uses(type == AmpType::Ifi, {kBandSwitchBox, "chkIfiPwr", "chkIfiAtten"})) {
     f.Number(kBandSwitchBox, e.IfiBandSwitch);
     if (f.Takes()) e.PmBandSwitch = e.IfiBandSwitch;  // amplifier and power meter change their band together
-    f.Check(kBandSwitchBox, e.IfiBandSwitch >= EquipRecord::kLowestBandSwitchMHz &&
-                                e.IfiBandSwitch <= EquipRecord::kHighestBandSwitchMHz);
+    f.Range(kBandSwitchBox, e.IfiBandSwitch,
+            AtLeast(EquipRecord::kLowestBandSwitchMHz).And(AtMost(EquipRecord::kHighestBandSwitchMHz)).In("MHz"));
   }
   f.Text("lblCalCable", e.CableLossFile);
   f.Text("lblFwdPort", e.FwdPortFile);

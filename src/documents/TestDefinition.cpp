@@ -41,17 +41,17 @@ void CalibrationFields(FormWalker& f, TestDefinition& t, const std::optional<Cal
 
 void RangeFields(FormWalker& f, TestDefinition& t, const CalibratedRange& range) {
   f.Number("txtStartFreq", t.StartFreq);
-  f.Check("txtStartFreq", t.StartFreq > 0);
+  f.Range("txtStartFreq", t.StartFreq, Above(0).In("MHz"));
   if (t.StartFreq < range.lowest)
     f.Replace("txtStartFreq", t.StartFreq, range.lowest,
               LimitNotice("Start", t.StartFreq, "less than the\r\nlowest", range.lowest));
   f.Number("txtStopFreq", t.StopFreq);
-  f.Check("txtStopFreq", t.StopFreq > t.StartFreq);
+  f.Range("txtStopFreq", t.StopFreq, Above(t.StartFreq).In("MHz"));
   if (t.StopFreq > range.highest)
     f.Replace("txtStopFreq", t.StopFreq, range.highest,
               LimitNotice("Stop", t.StopFreq, "greater than the\r\nhighest", range.highest));
   // A start beyond the record leaves no range at all.
-  f.Check("txtStartFreq", t.StopFreq > t.StartFreq);
+  f.Range("txtStartFreq", t.StartFreq, Below(t.StopFreq).In("MHz"));
 }
 
 void FrequencyFields(FormWalker& f, TestDefinition& t) {
@@ -67,14 +67,14 @@ void FrequencyFields(FormWalker& f, TestDefinition& t) {
   f.Number("txtSweepDwell", t.SweepDwell);
   if (f.Takes()) t.FreqSweep = sweep;
   if (f.Takes() && sweep && steps != kNoSteps) t.StepType = steps;
-  f.Check("txtLinearStep", !sweep || steps != StepType::Linear || t.LinearStep > 0);
-  f.Check("txtLogStep", !sweep || steps != StepType::Log || t.LogStep > 0);
-  f.Check("txtSweepDwell", !sweep || t.SweepDwell >= 0);
+  f.Range("txtLinearStep", t.LinearStep, Above(0).In("MHz"), sweep && steps == StepType::Linear);
+  f.Range("txtLogStep", t.LogStep, Above(0).In("%"), sweep && steps == StepType::Log);
+  f.Range("txtSweepDwell", t.SweepDwell, AtLeast(0).In("s"), sweep);
 
   f.Number("txtDiscreteDwell", t.DiscreteDwell);
   f.Text("lblListFile", t.ListFile);
   if (f.Takes()) t.FreqList = list;
-  f.Check("txtDiscreteDwell", !list || t.DiscreteDwell >= 0);
+  f.Range("txtDiscreteDwell", t.DiscreteDwell, AtLeast(0).In("s"), list);
   f.Require("lblListFile", !list || !t.ListFile.empty(), "No frequency list file specified");
 }
 
@@ -88,16 +88,16 @@ void ModulationFields(FormWalker& f, TestDefinition& t) {
   f.Choice({"optNoMod", "optAMMod", "optFMMod", "optPulseMod"}, t.ModType, Modulation::None);
   f.Uses(!t.Modulates(Modulation::None), {"chkModOffBetweenFreqs"});
   if (f.Uses(t.Modulates(Modulation::Am), {"chkConstPeak", "txtAmDepth", "txtAmModFreq"})) {
-    f.Check("txtAmDepth", t.AmDepth > 0 && t.AmDepth <= 100);
-    f.Check("txtAmModFreq", t.AmModFreq > 0);
+    f.Range("txtAmDepth", double{t.AmDepth}, Above(0).And(AtMost(100)).In("%"));
+    f.Range("txtAmModFreq", double{t.AmModFreq}, Above(0).In("kHz"));
   }
   if (f.Uses(t.Modulates(Modulation::Fm), {"txtFmDev", "txtFmModFreq"})) {
-    f.Check("txtFmDev", t.FmDev > 0);
-    f.Check("txtFmModFreq", t.FmModFreq > 0);
+    f.Range("txtFmDev", double{t.FmDev}, Above(0).In("kHz"));
+    f.Range("txtFmModFreq", double{t.FmModFreq}, Above(0).In("kHz"));
   }
   if (f.Uses(t.Modulates(Modulation::Pulse), {"txtPulsePeriod", "txtPulseWidth"})) {
-    f.Check("txtPulsePeriod", t.PulsePeriod > 0);
-    f.Check("txtPulseWidth", t.PulseWidth > 0);
+    f.Range("txtPulsePeriod", double{t.PulsePeriod}, Above(0).In("ms"));
+    f.Range("txtPulseWidth", double{t.PulseWidth}, Above(0).In("ms"));
   }
   f.Tick("chkConstPeak", t.ConstPeak);
   f.Tick("chkModOffBetweenFreqs", t.ModOffBetweenFreqs);
@@ -114,12 +114,12 @@ void LevelFields(FormWalker& f, TestDefinition& t) {
   if (f.Takes() && t.InitLevOffset > 0) t.InitLevOffset = -t.InitLevOffset;
   f.Number("txtLevelInc", t.LevelInc);
   if (f.Takes()) t.LevelInc = std::abs(t.LevelInc);
-  f.Check("txtLevelInc", t.InitLevOffset >= 0 || t.LevelInc > 0);
+  f.Range("txtLevelInc", double{t.LevelInc}, Above(0).In("dB"), t.InitLevOffset < 0);
   f.Number("txtExtrapolateTo", t.ExtrapolateTo);
   f.Tick("chkExtrapolate", t.Extrapolate);
-  f.Check("txtExtrapolateTo", !t.Extrapolate || t.ExtrapolateTo < 0);
+  f.Range("txtExtrapolateTo", t.ExtrapolateTo, Below(0).In("dB"), t.Extrapolate);
   f.Number("txtInterDwell", t.InterDwell);
-  f.Check("txtInterDwell", t.InterDwell >= 0);
+  f.Range("txtInterDwell", double{t.InterDwell}, AtLeast(0).In("s"));
   f.Choice({"optSigGenLevel", "optUseFwdPwr", "optNetPwrLev"}, t.LevelingMethod, LevelingMethod::SigGen);
   f.Require("chkModOffBetweenFreqs", !t.Modulates(Modulation::Pulse) || t.ModOffBetweenFreqs || !t.LevelsByPower(),
             "The power meter reads the mean of a pulsed signal, which is below its pulses.\r\n"
@@ -130,7 +130,7 @@ void ProbeFields(FormWalker& f, TestDefinition& t) {
   f.Tick("chkMonitorProbe", t.MonitorProbe);
   if (f.Uses(t.MonitorProbe, {"chkLimitCurrent", "txtEUTCircuitImpedance", "lblImpedanceUnit"})) {
     f.Number("txtEUTCircuitImpedance", t.EUTCircuitImpedance);
-    f.Check("txtEUTCircuitImpedance", t.EUTCircuitImpedance >= 0);
+    f.Range("txtEUTCircuitImpedance", double{t.EUTCircuitImpedance}, AtLeast(0).In("ohm"));
   }
   f.Tick("chkLimitCurrent", t.LimitCurrent);
   f.Uses(t.MonitorProbe && t.LimitCurrent, {"txtLimitMargin", "lblLimitMargin2"});
@@ -152,6 +152,7 @@ void FormFields(FormWalker& f, TestDefinition& t, const std::optional<Calibrated
 TestValidation ValidateTestDefinition(FormEntries& entries, const std::string& calFreqRange, TestDefinition& test) {
   EntryTaker taker(entries);
   FormFields(taker, test, RangeOf(calFreqRange));
+  AddRange(taker.Failure, test);
   entries = std::move(taker.Entries);
   return {std::move(taker.Failure), std::move(taker.Notices)};
 }

@@ -37,9 +37,9 @@ void EndOfString(FormWalker& f, std::int32_t& code) {
 }
 
 void Frequencies(FormWalker& f, double& maximum, double& minimum) {
-  f.Number("txtMaxFreq", maximum, AtLeast(0));
-  f.Number("txtMinFreq", minimum, AtLeast(0));
-  f.Check("txtMinFreq", minimum <= maximum);
+  f.Number("txtMaxFreq", maximum, AtLeast(0).In("MHz"));
+  f.Number("txtMinFreq", minimum, AtLeast(0).In("MHz"));
+  f.Range("txtMinFreq", minimum, AtMost(maximum).In("MHz"));
 }
 
 bool IsVoltage(std::int32_t units) {
@@ -85,7 +85,7 @@ void FormFields(FormWalker& f, SigGenDefinition& d) {
   Command(f, "txtLevelSetSuf", d.LevSetSuffix);
   f.Number(kMaxLevel, d.MaximumLevel);
   f.Number(kMinLevel, d.MinimumLevel);
-  f.Check(kMinLevel, d.MinimumLevel <= d.MaximumLevel);
+  f.Range(kMinLevel, double{d.MinimumLevel}, AtMost(double{d.MaximumLevel}).In("dBm"));
   Command(f, "txtRfOff", d.RfOff);
   Command(f, "txtRfOn", d.RfOn);
   Command(f, "txtModOff", d.ModulationOff);
@@ -123,9 +123,9 @@ void FormFields(FormWalker& f, MeterDefinition& d) {
   f.Choice({"optUnitVolts", "optUnitDbuv", "optUnitMv", "optUnitDbmv", "optUnitDbm"}, d.Units);
   Level(f, kMaxLevel, d.MaximumLevel, d.Units);
   Level(f, kMinLevel, d.MinimumLevel, d.Units);
-  f.Check(kMinLevel, d.MinimumLevel <= d.MaximumLevel);
+  f.Check(kMinLevel, d.MinimumLevel <= d.MaximumLevel, AtMost(Shown(d.MaximumLevel, d.Units)));
   Command(f, "txtTrigger", d.Trigger);
-  f.Number("txtSetTime", d.SettlingTime, AtLeast(0));
+  f.Number("txtSetTime", d.SettlingTime, AtLeast(0).In("s"));
   Command(f, "txtRead", d.Read);
   Line(f, "txtParse", d.ParseCmd);
   Command(f, "txtClose", d.Shutdown);
@@ -146,8 +146,8 @@ void FormFields(FormWalker& f, PowerMeterDefinition& d) {
   Command(f, "txtTrigger2", d.Ch2Trigger);
   Command(f, "txtRead1", d.Ch1Read);
   Command(f, "txtRead2", d.Ch2Read);
-  f.Number("txtBandSwitchFreq", d.Bandswitch, AtLeast(0));
-  f.Number("txtSetTime", d.SettlingTime, AtLeast(0));
+  f.Number("txtBandSwitchFreq", d.Bandswitch, AtLeast(0).In("MHz"));
+  f.Number("txtSetTime", d.SettlingTime, AtLeast(0).In("s"));
   f.Choice({"optUnitWatts", "optUnitDbm", "optUnitDbuv", "optUnitMv", "optUnitVolts", "optUnitDbmv"}, d.Units);
   Line(f, "txtParseString", d.ParsingCmd);
   Command(f, "txtClose", d.Shutdown);

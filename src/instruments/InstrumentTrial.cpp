@@ -146,8 +146,9 @@ Result<double> InstrumentTrial::Ask(const std::string& prompt) {
       if (std::abs(number) <= double{std::numeric_limits<float>::max()}) return number;
       refusal = kOutOfRangeText;
     }
-  } while (shell_.dialogs.Show({refusal, {}, MessageIcon::Exclamation, MessageButtons::RetryCancel}) ==
-           MessageAnswer::Retry);
+  } while (
+      shell_.dialogs.Show({refusal + ("\r\n" + prompt), {}, MessageIcon::Exclamation, MessageButtons::RetryCancel}) ==
+      MessageAnswer::Retry);
   return Because();
 }
 

@@ -48,14 +48,20 @@ double SizeOf(const ListPart& part) {
   return NearestWhole(part.Step);
 }
 
+const char* StepUnit(ListPartKind kind) {
+  return kind == ListPartKind::Linear ? "MHz" : kind == ListPartKind::Log ? "%" : "";
+}
+
 }  // namespace
 
 void FormFields(FormWalker& f, ListPart& part) {
   f.Choice({"optLinear", "optLog", "optHarmonics"}, part.Kind);
-  f.Number("txtRangeStart", part.Start, Above(0));
-  if (f.Uses(part.Kind != ListPartKind::Harmonics, {"txtRangeEnd"})) f.Number("txtRangeEnd", part.End, Above(0));
-  f.Number("txtStepSize", part.Step, Above(0));
-  f.Check("txtStepSize", !FrequenciesOf(part).empty());
+  f.Number("txtRangeStart", part.Start, Above(0).In("MHz"));
+  if (f.Uses(part.Kind != ListPartKind::Harmonics, {"txtRangeEnd"}))
+    f.Number("txtRangeEnd", part.End, Above(0).In("MHz"));
+  f.Number("txtStepSize", part.Step, Above(0).In(StepUnit(part.Kind)));
+  f.Check("txtStepSize", !FrequenciesOf(part).empty(),
+          {.Also = "with at least one and at most 1000000 frequencies between start and end"});
 }
 
 std::vector<double> FrequenciesOf(const ListPart& part) {

@@ -10,11 +10,20 @@ struct EntryFailure {
   enum class Kind { NotANumber, OutOfRange, Message };
   std::string Control;  ///< the control's object name, e.g. "txtSigGenAddr"
   Kind Reason = Kind::NotANumber;
-  std::string Text = {};  ///< the message, when Reason is Message
+  std::string Text = {};   ///< the message, when Reason is Message
+  std::string Range = {};  ///< which numbers the control takes, with their unit: "above 0 MHz"; empty for any
+  bool RangeHasUnit = false;
+
+  /// The range in brackets, behind what a line says; nothing without a range.
+  std::string Allowed() const { return Range.empty() ? std::string() : " (allowed: " + Range + ")"; }
 };
 
 inline constexpr char kNotANumberText[] = "Value not a number, re-enter";
 inline constexpr char kOutOfRangeText[] = "Number outside valid range, re-enter";
+
+/// What a box's prompt says: what is wrong and, below, the box and its range.
+/// @param box  what the form calls it, "Start, MHz"; empty: nothing stands below
+std::string PromptText(const EntryFailure& failure, const std::string& box);
 
 /// What stands on a form, by control: the text of a box, the path on a label, whether a tick is set or an option
 /// chosen.

@@ -1,6 +1,7 @@
 #include "shell/FormFields.h"
 
 #include <algorithm>
+#include <limits>
 #include <type_traits>
 
 #include "shell/FormInput.h"
@@ -38,9 +39,45 @@ bool FormEntries::operator==(const FormEntries& other) const {
                     [](const auto& a, const auto& b) { return a.first == b.first && SameEntry(a.second, b.second); });
 }
 
+std::string PromptText(const EntryFailure& failure, const std::string& box) {
+  if (failure.Reason == EntryFailure::Kind::Message) return failure.Text;
+  const bool isNumber = failure.Reason == EntryFailure::Kind::OutOfRange;
+  const std::string text = isNumber ? kOutOfRangeText : kNotANumberText;
+  if (box.empty()) return text;
+  const char* const noLimits = isNumber ? "a number nearer to 0" : "any number";
+  return text + "\r\n" + box + ": " + (failure.Range.empty() ? noLimits : failure.Range);
+}
+
 bool NumberCheck::Passes(double number) const {
-  return (AboveLowest ? number > Lowest : number >= Lowest) && number <= Highest &&
+  return (AboveLowest ? number > Lowest : number >= Lowest) && (BelowHighest ? number < Highest : number <= Highest) &&
          (!Whole || number == NearestWhole(number));
+}
+
+NumberCheck NumberCheck::And(const NumberCheck& other) const {
+  NumberCheck both = *this;
+  if (other.Lowest > Lowest) both.Lowest = other.Lowest, both.AboveLowest = other.AboveLowest;
+  if (other.Highest < Highest) both.Highest = other.Highest, both.BelowHighest = other.BelowHighest;
+  if (both.Highest < both.Lowest || (both.Highest == both.Lowest && (both.AboveLowest || both.BelowHighest)))
+    return *this;
+  both.Whole = Whole || other.Whole;
+  if (Unit.empty()) both.Unit = other.Unit;
+  if (Also.empty()) both.Also = other.Also;
+  return both;
+}
+
+std::string NumberCheck::Text() const {
+  constexpr double kNoLimit = std::numeric_limits<float>::max();
+  const bool hasLowest = Lowest > -kNoLimit, hasHighest = Highest < kNoLimit;
+  std::string text = Whole ? "a whole number, " : "";
+  if (hasLowest && hasHighest && !AboveLowest && !BelowHighest)
+    text += ShortestText(Lowest) + " to " + ShortestText(Highest);
+  else if (hasLowest)
+    text += (AboveLowest ? "above " : "at least ") + ShortestText(Lowest) + (hasHighest ? ", " : "");
+  if (hasHighest && (!hasLowest || AboveLowest || BelowHighest))
+    text += (BelowHighest ? "below " : "at most ") + ShortestText(Highest);
+  if (!text.empty() && !Unit.empty()) text.append(" ").append(Unit);
+  if (!Also.empty()) text.append(text.empty() ? "" : ", ").append(Also);
+  return text;
 }
 
 std::string NumberField::Text() const {
@@ -95,7 +132,7 @@ void EntryTaker::Options(Controls options, std::int32_t& code, std::optional<std
   if (Takes()) code = ChosenOf(Entries, options).value_or(none.value_or(code));
 }
 
-void EntryTaker::Check(const char* control, bool passes) {
+void EntryTaker::Check(const char* control, bool passes, const NumberCheck&) {
   if (Takes() && !passes) Refuse({control, EntryFailure::Kind::OutOfRange});
 }
 
@@ -118,9 +155,9 @@ void EntryTaker::Refuse(EntryFailure failure) {
 void RefusalFinder::Box(const char* control, const NumberField& number) {
   const std::string& text = entries_[control];
   try {
-    Check(control, IsNumeric(text) && number.Take(text, true));
+    Find(control, IsNumeric(text) && number.Take(text, true));
   } catch (const RuntimeError&) {  // a number, but too large for the field
-    Check(control, false);
+    Find(control, false);
   }
 }
 
@@ -128,8 +165,12 @@ void RefusalFinder::Options(Controls options, std::int32_t& code, std::optional<
   code = ChosenOf(entries_, options).value_or(none.value_or(code));
 }
 
-void RefusalFinder::Check(const char* control, bool passes) {
+void RefusalFinder::Find(const char* control, bool passes) {
   if (!passes) Refused.insert(control);
+}
+
+void RangeFinder::Check(const char* control, bool, const NumberCheck& range) {
+  if (control == control_) Found = Found.And(range);
 }
 
 bool UseFinder::Uses(bool inUse, Controls controls) {

@@ -22,15 +22,34 @@ namespace hylden {
 struct NumberCheck {
   double Lowest = -std::numeric_limits<double>::infinity();
   double Highest = std::numeric_limits<double>::infinity();
-  bool AboveLowest = false;  ///< the lowest itself is refused
+  bool AboveLowest = false;   ///< the lowest itself is refused
+  bool BelowHighest = false;  ///< the highest itself is refused
   bool Whole = false;
+  std::string_view Unit = {};  ///< of the numbers
+  std::string_view Also = {};  ///< what else is asked of them
+
   bool Passes(double number) const;
+  constexpr NumberCheck In(std::string_view unit) const {
+    NumberCheck check = *this;
+    check.Unit = unit;
+    return check;
+  }
+  /// Both at once; only this one where no number passes both.
+  NumberCheck And(const NumberCheck& other) const;
+  /// In words: "above 0, below 80 MHz"; empty where every number passes.
+  std::string Text() const;
 };
 constexpr NumberCheck Above(double bound) {
   return {.Lowest = bound, .AboveLowest = true};
 }
 constexpr NumberCheck AtLeast(double lowest) {
   return {.Lowest = lowest};
+}
+constexpr NumberCheck Below(double bound) {
+  return {.Highest = bound, .BelowHighest = true};
+}
+constexpr NumberCheck AtMost(double highest) {
+  return {.Highest = highest};
 }
 constexpr NumberCheck WholeWithin(double lowest, double highest) {
   return {.Lowest = lowest, .Highest = highest, .Whole = true};
@@ -93,8 +112,11 @@ class FormWalker {
   virtual bool Uses(bool inUse, Controls controls) = 0;
   /// The fields before are being taken over, and none has failed.
   virtual bool Takes() const { return false; }
-  /// What was taken is refused as out of its range, at a box, or with a message of its own.
-  virtual void Check(const char* /*control*/, bool /*passes*/) {}
+  /// What was taken is refused as out of its range, where the range applies, or with a message of its own.
+  void Range(const char* control, double number, const NumberCheck& range, bool applies = true) {
+    Check(control, !applies || range.Passes(number), range);
+  }
+  virtual void Check(const char* /*control*/, bool /*passes*/, const NumberCheck& /*range*/) {}
   virtual void Require(const char* /*control*/, bool /*passes*/, const char* /*message*/) {}
   /// Another number stands for what was taken, with a notice.
   virtual void Replace(const char* /*control*/, double& /*field*/, double /*by*/, const std::string& /*notice*/) {}
@@ -132,7 +154,7 @@ class EntryTaker : public FormWalker {
   void Tick(const char* control, bool& field) override;
   bool Uses(bool inUse, Controls) override { return inUse && Takes(); }
   bool Takes() const override { return !Failure; }
-  void Check(const char* control, bool passes) override;
+  void Check(const char* control, bool passes, const NumberCheck& range) override;
   void Require(const char* control, bool passes, const char* message) override;
   void Replace(const char* control, double& field, double by, const std::string& notice) override;
 
@@ -157,14 +179,15 @@ class RefusalFinder : public FormWalker {
   void Tick(const char* control, bool& field) override { field = entries_.IsTicked(control); }
   bool Uses(bool inUse, Controls) override { return inUse; }
   bool Takes() const override { return true; }
-  void Check(const char* control, bool passes) override;
-  void Require(const char* control, bool passes, const char*) override { Check(control, passes); }
+  void Check(const char* control, bool passes, const NumberCheck&) override { Find(control, passes); }
+  void Require(const char* control, bool passes, const char*) override { Find(control, passes); }
 
   std::set<std::string> Refused;
 
  private:
   void Box(const char* control, const NumberField& number) override;
   void Options(Controls options, std::int32_t& code, std::optional<std::int32_t> none) override;
+  void Find(const char* control, bool passes);
 
   FormEntries entries_;
 };
@@ -194,6 +217,35 @@ class UseFinder : public FormWalker {
   void Options(Controls, std::int32_t&, std::optional<std::int32_t>) override {}
 };
 
+/// Finds which numbers a control takes, whatever hangs on a condition.
+class RangeFinder : public FormWalker {
+ public:
+  explicit RangeFinder(std::string control) : control_(std::move(control)) {}
+
+  void Text(const char*, std::string&) override {}
+  void Tick(const char*, bool&) override {}
+  bool Uses(bool, Controls) override { return true; }
+  void Check(const char* control, bool, const NumberCheck& range) override;
+
+  NumberCheck Found;
+
+ private:
+  void Box(const char* control, const NumberField& number) override { Check(control, true, number.Check); }
+  void Options(Controls, std::int32_t&, std::optional<std::int32_t>) override {}
+
+  std::string control_;
+};
+
+/// Adds the range of its control to a failure. @param record  as far as it was taken
+template <class Record>
+void AddRange(std::optional<EntryFailure>& failure, Record record) {
+  if (!failure) return;
+  RangeFinder finder(failure->Control);
+  FormFields(finder, record);
+  failure->Range = finder.Found.Text();
+  failure->RangeHasUnit = !failure->Range.empty() && !finder.Found.Unit.empty();
+}
+
 /// The entries that show a record.
 template <class Record>
 FormEntries EntriesShowing(Record record) {
@@ -208,6 +260,7 @@ std::optional<EntryFailure> TakeEntries(const FormEntries& entries, Record& reco
                                         EntryTaker::Refuses refuses = EntryTaker::Refuses::Range) {
   EntryTaker taker(entries, refuses);
   FormFields(taker, record);
+  AddRange(taker.Failure, record);
   return std::move(taker.Failure);
 }
 

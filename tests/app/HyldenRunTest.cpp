@@ -280,7 +280,7 @@ TEST_F(HyldenRunProgram, SaysWhatIsWrongWithItsExitStatusAndSwitchesNothingOn) {
       {calibrateTo("out.txt", {"--yes"}), kUsage, ".cal"},
       {Level("cdn-10v.csu", {"--stop", "10"}), kUsage, "--cable-loss"},
       {Cable({"--log-step", "1", "--linear-step", "1"}), kUsage, "excludes --l"},
-      {Cable({"--dwell=-1"}), kUsage, "--dwell: the value is outside its range"},
+      {Cable({"--dwell=-1"}), kUsage, "--dwell: the value is outside its range (allowed: at least 0 s)"},
       {Cable({"--log-step", "x"}), kUsage, "--log-step: the value is not a number"},
       {Test(kTest, {}), kFailed, "Nothing was switched on."},
       {Level("cdn-10v.csu", {}), kFailed, "Nothing was switched on."},
@@ -301,7 +301,8 @@ TEST_F(HyldenRunProgram, SaysWhatIsWrongWithItsExitStatusAndSwitchesNothingOn) {
       {Level(userDefined, {"--yes"}), kFailed, "give it with --coupling-factor"},
       {Level("cdn-10v.csu", {"--yes", "--coupling-factor", "3"}), kFailed, "its own factor"},
       {Level("bench.txt", {"--yes"}), kFailed, "Error loading calibration setup file"},
-      {Level(Setup([](CalSetupRecord& s) { s.StopFreq = 0.1; }), {"--yes"}), kFailed, "used: StopFreq"},
+      {Level(Setup([](CalSetupRecord& s) { s.StopFreq = 0.1; }), {"--yes"}), kFailed,
+       "used: StopFreq (allowed: above 0.15 MHz)"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(testing::PrintToString(row.arguments));

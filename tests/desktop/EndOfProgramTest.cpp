@@ -309,7 +309,8 @@ TEST_F(EndOfTheProgram, EntryThatCanNotBeTakenOrIsThoughtAboutRefusesItAndTheFor
   p.desktop->CloseAll();
   EXPECT_TRUE(p.shell.delay.HaltRequested());
   Turn();
-  EXPECT_EQ(dialogs.Texts(), (std::vector<std::string>{"Number outside valid range, re-enter",
+  EXPECT_EQ(dialogs.Texts(), (std::vector<std::string>{"Number outside valid range, re-enter\r\n"
+                                                       "Signal generator GPIB address: a whole number, 0 to 30",
                                                        "The program was asked to end, but this window stays open:\r\n" +
                                                            form.windowTitle().toStdString()}));
   EXPECT_EQ(p.End(), EndOfProgram::State::Refused);

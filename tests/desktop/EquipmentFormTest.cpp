@@ -44,7 +44,8 @@ TEST_F(EquipmentForm, EveryBoxThatHoldsNoNumberIsPointedOutAndTheOldOneStays) {
   EXPECT_EQ(ExpectPointedOut(dialogs, f, Record(), "mnuUtilInsertLoss"), 4U);
   Type(f, "txtSigGenAddr", "31");
   EXPECT_FALSE(f.close());
-  EXPECT_EQ(dialogs.LastText(), "Number outside valid range, re-enter");
+  EXPECT_EQ(dialogs.LastText(),
+            "Number outside valid range, re-enter\r\nSignal generator GPIB address: a whole number, 0 to 30");
   EXPECT_EQ(Record().SigGenAddress, 18);
 }
 

@@ -67,16 +67,18 @@ TEST_F(FormHelpersTest, PromptSelectsAVisibleBoxAndLeavesAHiddenOneAlone) {
   QWidget form;
   QLineEdit shown("12x", &form), hidden("7", &form);
   shown.setObjectName("txtShown"), hidden.setObjectName("txtHidden");
+  QLabel label("&Dwell, s:", &form);
+  label.setBuddy(&shown);
   hidden.setVisible(false);
   form.show();
   QApplication::setActiveWindow(&form);
-  PointOut(form, {"txtShown", EntryFailure::Kind::NotANumber}, t.dialogs);
+  PointOut(form, {"txtShown", EntryFailure::Kind::NotANumber, {}, "above 0 s", true}, t.dialogs);
   EXPECT_EQ(shown.selectedText(), "12x");
   EXPECT_EQ(QApplication::focusWidget(), &shown);
   PointOut(form, {"txtHidden", EntryFailure::Kind::OutOfRange}, t.dialogs);
   EXPECT_EQ(QApplication::focusWidget(), &shown);
-  EXPECT_EQ(t.dialogs.Texts(),
-            (std::vector<std::string>{"Value not a number, re-enter", "Number outside valid range, re-enter"}));
+  EXPECT_EQ(t.dialogs.Texts(), (std::vector<std::string>{"Value not a number, re-enter\r\nDwell: above 0 s",
+                                                         "Number outside valid range, re-enter"}));
   EXPECT_EQ(t.dialogs.messages[0].buttons, MessageButtons::RetryCancel);
 }
 

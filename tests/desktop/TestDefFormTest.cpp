@@ -261,7 +261,7 @@ TEST_F(TestDefForm, PrintsWhatIsOnTheScreenAndReportsAFailingPrinter) {
   EXPECT_THAT(m.printer.Lines(), testing::Contains("          Freq Range: 0.15 - 60.0"));
   EXPECT_EQ(test().StopFreq, 80) << "printing takes nothing over";
   Type("txtStopFreq", "x");
-  EXPECT_THAT(Told("mnuFilePrint"), ElementsAre(kNotANumber));
+  EXPECT_THAT(Told("mnuFilePrint"), ElementsAre(std::string(kNotANumber) + "\r\nStop: above 0.15 MHz"));
   EXPECT_EQ(m.printer.jobs.size(), 1U) << "a page that shows another test than the screen";
   Type("txtStopFreq", "60");
   m.printer.failure = ErrorNumber::DeviceIoError;

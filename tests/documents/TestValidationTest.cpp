@@ -85,6 +85,23 @@ TEST(TestValidationTest, RefusesABadEntryAtItsBox) {
   EXPECT_EQ(Validate(entries)->Control, "txtAmDepth") << "in the form's order";
 }
 
+TEST(TestValidationTest, TellsTheRangeOfTheBoxThatItRefuses) {
+  const struct {
+    const char *control, *text, *range;
+  } rows[] = {{"txtStartFreq", "x", "above 0, below 80 MHz"},
+              {"txtStopFreq", "0.1", "above 0.15 MHz"},
+              {"txtAmDepth", "101", "above 0, at most 100 %"},
+              {"txtInterDwell", "-1", "at least 0 s"},
+              {"txtLimitMargin", "x", ""}};
+  for (const auto& row : rows) {
+    TestDefinition test = Good();
+    Am(test);
+    FormEntries entries = EntriesShowing(test);
+    entries[row.control] = row.text;
+    EXPECT_EQ(Take(entries, test)->Range, row.range) << row.control;
+  }
+}
+
 TEST(TestValidationTest, AnEntryDoesNotComeBackOrIsNoNumber) {
   for (const auto change : {Am, Fm, Pulse, Probe}) {
     TestDefinition test = Good();

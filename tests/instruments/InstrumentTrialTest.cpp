@@ -126,7 +126,9 @@ TEST_P(TrialEntryTest, WithoutAnAnswerToItsPromptsNothingIsSent) {
       b.Choose(c.entry);
       EXPECT_EQ(b.Took(), Strings{});
       const std::string told = b.t.dialogs.LastText();
-      EXPECT_EQ(told, answer == "ten" ? kNotANumberText : answer == "1e300" ? kOutOfRangeText : "");
+      EXPECT_EQ(told.substr(0, told.find('\r')), answer == "ten"     ? kNotANumberText
+                                                 : answer == "1e300" ? kOutOfRangeText
+                                                                     : "");
       EXPECT_TRUE(b.trial.IsUp());
     }
 }
