@@ -1,11 +1,15 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractItemModelTester>
+#include <QAction>
 #include <QApplication>
+#include <QClipboard>
+#include <QHeaderView>
 #include <QTableView>
 
 #include "run/qt/RowTable.h"
 #include "widgets/AlignedNumbers.h"
+#include "widgets/TableCopy.h"
 #include "widgets/TableFollower.h"
 
 namespace hylden {
@@ -47,6 +51,29 @@ TEST(RunTable, ModelKeepsItsPromisesToViews) {
   EXPECT_TRUE(stands(0).testFlag(Qt::AlignRight) && stands(1).testFlag(Qt::AlignLeft));
   rows.RowChanged(0);
   EXPECT_EQ(rows.rowCount(), 0);
+}
+
+TEST(RunTable, CopiesWhatIsSelectedBelowItsHeadingsAsASpreadsheetTakesIt) {
+  RowTable rows({"Freq MHz", "Comment", "SG,dBm"}, [](std::size_t row, std::size_t column) {
+    return column == 1 ? std::string("a\tb") : std::to_string(row * 10 + column);
+  });
+  rows.RowChanged(3);
+  QTableView view;
+  view.setModel(&rows);
+  new TableCopy(view);
+  view.horizontalHeader()->moveSection(2, 0);
+  const auto copied = [&](int row, int lastRow, int column, int lastColumn) {
+    view.clearSelection();
+    if (row <= lastRow)
+      view.selectionModel()->select({rows.index(row, column), rows.index(lastRow, lastColumn)},
+                                    QItemSelectionModel::Select);
+    view.findChild<QAction*>("mnuTableCopy")->trigger();
+    return QApplication::clipboard()->text();
+  };
+  EXPECT_EQ(copied(1, 2, 0, 1), "Freq MHz\tComment\n10\ta b\n20\ta b\n");
+  EXPECT_EQ(copied(1, 0, 0, 0), "SG,dBm\tFreq MHz\tComment\n2\t0\ta b\n12\t10\ta b\n22\t20\ta b\n");
+  view.hideColumn(1);
+  EXPECT_EQ(copied(2, 2, 0, 2), "SG,dBm\tFreq MHz\n22\t20\n");
 }
 
 TEST(RunTable, NumbersOfAColumnHaveTheirPointsBelowEachOther) {

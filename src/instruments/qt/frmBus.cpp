@@ -12,6 +12,7 @@
 #include "shell/Shell.h"
 #include "ui_frmBus.h"
 #include "widgets/LabelText.h"
+#include "widgets/TableCopy.h"
 #include "widgets/ThemeColors.h"
 
 namespace hylden {
@@ -49,6 +50,7 @@ frmBus::frmBus(Shell& shell, Instruments& instruments, std::function<std::vector
   ui_->grdUnits->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
   ui_->grdUnits->horizontalHeader()->setStretchLastSection(true);
   ui_->grdUnits->verticalHeader()->setDefaultSectionSize(ui_->grdUnits->fontMetrics().height() + kRowMargin);
+  new TableCopy(*ui_->grdUnits);
   ui_->splBus->setStretchFactor(1, 1);
   ui_->splBus->setSizes({1, kLarge});  // the trace gets what the rest can spare
   ConnectCommands();

@@ -18,6 +18,7 @@
 #include "shell/Shell.h"
 #include "widgets/LabelText.h"
 #include "widgets/RfLamp.h"
+#include "widgets/TableCopy.h"
 #include "widgets/TableFollower.h"
 
 namespace hylden {
@@ -60,6 +61,7 @@ void RunWindow::SetUp(Controls controls, RowTable& table, UnsavedRows& rows, con
   rows_ = &rows;
   controls_.Table->setModel(table_);
   follower_ = new TableFollower(*controls_.Table);
+  new TableCopy(*controls_.Table);
   SetUpStatusBar(panel);
   controls_.Halt->setEnabled(false);
   controls_.Halt->setProperty(kHaltsProperty, true);
