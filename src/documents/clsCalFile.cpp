@@ -74,6 +74,13 @@ std::optional<CalPoint> ParseCalLine(std::string_view line) {
   }
 }
 
+float NetPwrOf(float forwardDbm, float reverseDbm) {
+  const auto forward = static_cast<double>(forwardDbm), reverse = static_cast<double>(reverseDbm);
+  if (IsMissing(forward) || IsMissing(reverse)) return kMissing;
+  return static_cast<float>(
+      Conversions::WattsToDbm(Conversions::DbmToWatts(forward) - Conversions::DbmToWatts(reverse)));
+}
+
 double clsCalFile::GetStartFreq() const {
   return points_.empty() ? kNoValue : points_.front().Freq;
 }
@@ -103,11 +110,7 @@ float clsCalFile::GetRevPwr(double frequency) {
 }
 
 float clsCalFile::GetNetPwr(double frequency) {
-  const double forwardDbm = static_cast<double>(GetFwdPwr(frequency));
-  const double reverseDbm = static_cast<double>(GetRevPwr(frequency));
-  if (IsMissing(forwardDbm) || IsMissing(reverseDbm)) return kMissing;
-  const double netWatts = Conversions::DbmToWatts(forwardDbm) - Conversions::DbmToWatts(reverseDbm);
-  return static_cast<float>(Conversions::WattsToDbm(netWatts));
+  return NetPwrOf(GetFwdPwr(frequency), GetRevPwr(frequency));
 }
 
 Done clsCalFile::LoadFile(const std::string& infoFileName) {

@@ -29,6 +29,9 @@ void RowValues(F& f, CalPoint& point) {
   f.Value(point.RevPwr);
 }
 
+/// Forward minus reverse power, in watts, as dBm; -999 where one of them is, or where nothing is left.
+float NetPwrOf(float forwardDbm, float reverseDbm);
+
 /// The value columns of a calibration point.
 enum class CalColumn : int { SigGenLevel = 0, TestLevel = 1, FwdPwr = 2, RevPwr = 3 };
 
