@@ -34,6 +34,7 @@ struct CurveMark {
   CurvePoint At;
   std::string Text;
   ValueAxis Axis = ValueAxis::Left;
+  bool operator==(const CurveMark&) const = default;
 };
 
 }  // namespace hylden

@@ -16,12 +16,21 @@ namespace {
 
 constexpr int kReachPixels = 24, kClickPixels = 4;
 constexpr int kMarginPercent = 4;
+constexpr int kLegendColumns = 5;
 /// Points are marked as long as they stand apart.
 constexpr int kPixelsForMarker = 3;
 const auto kMainLayer = QStringLiteral("main"), kReadoutLayer = QStringLiteral("readout");
 /// Colours that can be told apart also by those who see fewer of them.
 constexpr QRgb kOnLight[] = {0xff0072b2, 0xffd55e00, 0xff007a59, 0xffa8508a, 0xff806000, 0xff444444};
 constexpr QRgb kOnDark[] = {0xff66c2f5, 0xffffb347, 0xff4fd6ab, 0xfff0a6d2, 0xfff0e442, 0xffcccccc};
+
+/// What tells them apart on paper without colours.
+constexpr Qt::PenStyle kLines[] = {Qt::SolidLine, Qt::DashLine, Qt::DotLine, Qt::DashDotLine, Qt::DashDotDotLine};
+constexpr QCPScatterStyle::ScatterShape kMarkers[] = {QCPScatterStyle::ssDisc,     QCPScatterStyle::ssSquare,
+                                                      QCPScatterStyle::ssTriangle, QCPScatterStyle::ssDiamond,
+                                                      QCPScatterStyle::ssCross,    QCPScatterStyle::ssTriangleInverted};
+/// The points of a line to each pixel from which on it is drawn solid: broken, it would take long and tell nothing.
+constexpr int kPointsForSolid = 2;
 
 QColor Mixed(const QColor& a, const QColor& b, double shareOfB) {
   const auto mix = [&](int x, int y) { return static_cast<int>(std::lround(x + shareOfB * (y - x))); };
@@ -36,19 +45,7 @@ QPalette PaperColours() {
   return paper;
 }
 
-/// The lowest and the highest of what was put in.
-struct Bounds {
-  double Lowest = std::numeric_limits<double>::infinity(), Highest = -Lowest;
-
-  void Add(double value) {
-    if (!std::isfinite(value)) return;
-    Lowest = std::min(Lowest, value);
-    Highest = std::max(Highest, value);
-  }
-  bool IsEmpty() const { return Lowest > Highest; }
-};
-
-QCPRange Roomy(const Bounds& bounds) {
+QCPRange Roomy(const CurveBounds& bounds) {
   if (bounds.IsEmpty()) return {0, 1};
   double span = bounds.Highest - bounds.Lowest;
   if (span <= 0) span = std::max(std::abs(bounds.Highest) / 5, 1e-3);
@@ -56,7 +53,7 @@ QCPRange Roomy(const Bounds& bounds) {
   return {bounds.Lowest - margin, bounds.Highest + margin};
 }
 
-QCPRange RoomyFrequencies(const Bounds& bounds, FreqAxis axis) {
+QCPRange RoomyFrequencies(const CurveBounds& bounds, FreqAxis axis) {
   constexpr double kUsualStart = 0.1, kUsualStop = 1000;
   if (bounds.IsEmpty()) return {kUsualStart, kUsualStop};
   if (axis == FreqAxis::Linear) return Roomy(bounds);
@@ -83,6 +80,8 @@ CurveView::Plot::Plot(CurveView& theView) : view(theView), plot(*new QCustomPlot
   plot.addLayer(kReadoutLayer);
   plot.layer(kReadoutLayer)->setMode(QCPLayer::lmBuffered);
   plot.setCurrentLayer(kReadoutLayer);
+  cursor_ = new QCPItemStraightLine(&plot);
+  cursor_->setVisible(false);
   ring_ = new QCPItemTracer(&plot);
   readRing_ = new QCPItemTracer(&plot);
   readout_ = new QCPItemText(&plot);
@@ -97,6 +96,16 @@ CurveView::Plot::Plot(CurveView& theView) : view(theView), plot(*new QCustomPlot
   readout_->position->setType(QCPItemPosition::ptAbsolute);
   readout_->setPadding(QMargins(4, 2, 4, 2));
   readout_->setVisible(false);
+  // Above the curves, which it would hide.
+  plot.plotLayout()->insertRow(0);
+  plot.plotLayout()->addElement(0, 0, plot.legend);
+  plot.plotLayout()->setRowStretchFactor(0, 0.001);
+  plot.legend->setFillOrder(QCPLayoutGrid::foColumnsFirst);
+  plot.legend->setWrap(kLegendColumns);
+  plot.legend->setBorderPen(Qt::NoPen);
+  plot.legend->setMargins(QMargins(4, 2, 4, 0));
+  plot.legend->setRowSpacing(0);
+  plot.legend->setVisible(false);
   SetUpMouse();
 }
 
@@ -164,6 +173,7 @@ void CurveView::Plot::DrawLines() {
   linesChanged = false;
   plot.clearGraphs();
   plot.legend->clearItems();
+  named_.clear();
   lines_.clear();
   points_.clear();
   for (const Curve& curve : curves) {
@@ -175,11 +185,57 @@ void CurveView::Plot::DrawLines() {
     lines_.push_back(plot.addGraph(plot.xAxis, AxisOf(curve.Axis)));
     lines_.back()->data()->set(line, true);
     lines_.back()->setName(ToQt(curve.Name));
-    lines_.back()->addToLegend();
     points_.push_back(plot.addGraph(plot.xAxis, AxisOf(curve.Axis)));
     points_.back()->data()->set(points, true);
     points_.back()->setLineStyle(QCPGraph::lsNone);
   }
+  FindBounds();
+}
+
+void CurveView::Plot::Add(std::size_t curve, const CurvePoint& point) {
+  std::vector<CurvePoint>& points = curves.at(curve).Points;
+  const auto above = [](double freq, const CurvePoint& other) { return freq < other.Freq; };
+  const auto at = std::upper_bound(points.begin(), points.end(), point.Freq, above);
+  const auto index = static_cast<int>(at - points.begin());
+  const bool last = at == points.end();
+  // The library would put it before the others of its frequency.
+  const bool repeats = !last && index > 0 && std::prev(at)->Freq == point.Freq;
+  points.insert(at, point);
+  for (auto* const place : {&current, &read})
+    if (*place && (*place)->Curve == static_cast<int>(curve) && (*place)->Point >= index) ++(*place)->Point;
+  if (!linesChanged) linesChanged = repeats || !DrawAdded(curve, last, point);
+  AddBounds(curves[curve].Axis, point);
+  Touch();
+}
+
+/// Puts a point into what is drawn, which costs the same however many there are. False: all has to be drawn anew.
+bool CurveView::Plot::DrawAdded(std::size_t curve, bool last, const CurvePoint& point) {
+  const Curve& shown = curves[curve];
+  if (point.Freq <= 0 && freqAxis == FreqAxis::Log) return true;
+  const std::size_t count = shown.Points.size();
+  if (shown.StraightOn == freqAxis || count == 1) {
+    lines_[curve]->data()->add(QCPGraphData(point.Freq, point.Value));
+  } else {
+    if (!last) return false;
+    const std::vector<CurvePoint> ends(shown.Points.end() - 2, shown.Points.end());
+    const std::vector<CurvePoint> piece = LineThrough(ends, shown.StraightOn, freqAxis);
+    for (std::size_t i = 1; i < piece.size(); ++i)
+      lines_[curve]->data()->add(QCPGraphData(piece[i].Freq, piece[i].Value));
+  }
+  points_[curve]->data()->add(QCPGraphData(point.Freq, point.Value));
+  return true;
+}
+
+void CurveView::Plot::FindBounds() {
+  frequencies_ = values_[0] = values_[1] = {};
+  for (const Curve& curve : curves)
+    for (const CurvePoint& point : curve.Points) AddBounds(curve.Axis, point);
+}
+
+void CurveView::Plot::AddBounds(ValueAxis axis, const CurvePoint& point) {
+  if (point.Freq <= 0 && freqAxis == FreqAxis::Log) return;
+  frequencies_.Add(point.Freq);
+  values_[axis == ValueAxis::Right].Add(point.Value);
 }
 
 void CurveView::Plot::DrawLimitsAndMarks() {
@@ -221,7 +277,7 @@ void CurveView::Plot::DrawLimitsAndMarks() {
 QString CurveView::Plot::TitleOf(ValueAxis axis) const {
   QStringList names, units;
   for (const Curve& curve : curves) {
-    if (curve.Axis != axis) continue;
+    if (curve.Axis != axis || curve.Points.empty()) continue;
     names << ToQt(curve.Name);
     if (!curve.Unit.empty()) units << ToQt(curve.Unit);
   }
@@ -241,21 +297,26 @@ void CurveView::Plot::SetAxes() {
   const auto isRight = [](const auto& shown) { return shown.Axis == ValueAxis::Right; };
   plot.yAxis2->setVisible(std::any_of(curves.begin(), curves.end(), isRight) ||
                           std::any_of(limits.begin(), limits.end(), isRight));
-  plot.legend->setVisible(curves.size() > 1);
+}
+
+void CurveView::Plot::ShowLegend() {
+  std::vector<std::size_t> named;
+  for (std::size_t i = 0; i < curves.size(); ++i)
+    if (!curves[i].Points.empty()) named.push_back(i);
+  if (named.size() < 2) named.clear();  // the axis names a single one
+  plot.legend->setVisible(!named.empty());
+  if (named == named_) return;
+  plot.legend->clearItems();
+  for (const std::size_t i : named) lines_[i]->addToLegend();
+  named_ = std::move(named);
 }
 
 void CurveView::Plot::FitRanges() {
-  Bounds frequencies, values[2];
-  const auto add = [&](ValueAxis axis, double value) { values[axis == ValueAxis::Right].Add(value); };
-  for (const Curve& curve : curves)
-    for (const CurvePoint& point : curve.Points) {
-      if (point.Freq <= 0 && freqAxis == FreqAxis::Log) continue;
-      frequencies.Add(point.Freq);
-      add(curve.Axis, point.Value);
-    }
-  for (const CurveLimit& limit : limits) add(limit.Axis, limit.Value);
+  CurveBounds values[] = {values_[0], values_[1]};
+  for (const CurveLimit& limit : limits) values[limit.Axis == ValueAxis::Right].Add(limit.Value);
+  for (const CurveMark& mark : marks) values[mark.Axis == ValueAxis::Right].Add(mark.At.Value);
   fitting = true;
-  plot.xAxis->setRange(RoomyFrequencies(frequencies, freqAxis));
+  plot.xAxis->setRange(RoomyFrequencies(frequencies_, freqAxis));
   plot.yAxis->setRange(Roomy(values[0]));
   plot.yAxis2->setRange(Roomy(values[1]));
   fitting = false;
@@ -264,12 +325,15 @@ void CurveView::Plot::FitRanges() {
 /// Where they stand close, the line alone says more.
 void CurveView::Plot::ShowMarkers() {
   const QCPRange shown = plot.xAxis->range();
+  const int width = plot.axisRect()->width();
   for (std::size_t i = 0; i < points_.size(); ++i) {
     const auto& data = *points_[i]->data();
     const auto count = data.findEnd(shown.upper, false) - data.findBegin(shown.lower, false);
-    const bool apart = count * kPixelsForMarker <= plot.axisRect()->width() || count < 3;
-    points_[i]->setScatterStyle(apart ? QCPScatterStyle(QCPScatterStyle::ssDisc, ColourOf(i), 5)
+    const bool apart = count * kPixelsForMarker <= width || count < 3;
+    points_[i]->setScatterStyle(apart ? QCPScatterStyle(kMarkers[i % std::size(kMarkers)], ColourOf(i), 5)
                                       : QCPScatterStyle(QCPScatterStyle::ssNone));
+    const bool broken = count <= static_cast<std::ptrdiff_t>(kPointsForSolid) * width;
+    lines_[i]->setPen(QPen(ColourOf(i), 1.5, broken ? kLines[i % std::size(kLines)] : Qt::SolidLine));
   }
 }
 
@@ -280,6 +344,7 @@ void CurveView::Plot::Refresh() {
   fitting = true;
   SetAxes();
   if (linesChanged || scaleChanges) DrawLines();
+  ShowLegend();
   fitting = false;
   if (!zoomed) FitRanges();
   Colour(view.palette());
@@ -304,13 +369,12 @@ void CurveView::Plot::Colour(const QPalette& palette) {
     axis->grid()->setSubGridPen(QPen(Mixed(ground, ink, 0.08)));
   }
   plot.xAxis->grid()->setSubGridVisible(true);
-  plot.legend->setBrush(Mixed(ground, ink, 0.05));
-  plot.legend->setBorderPen(QPen(Mixed(ground, ink, 0.3)));
+  plot.legend->setBrush(Qt::NoBrush);
   plot.legend->setTextColor(ink);
   plot.legend->setFont(view.font());
-  for (std::size_t i = 0; i < lines_.size(); ++i) lines_[i]->setPen(QPen(ColourOf(i), 1.5));
   ShowMarkers();
   DrawLimitsAndMarks();
+  cursor_->setPen(QPen(Mixed(ground, ink, 0.6), 1, Qt::DashLine));
   ring_->setPen(QPen(ink, 2));
   readRing_->setPen(QPen(HighlightRed(palette), 1.5));
   readout_->setFont(view.font());
@@ -327,12 +391,17 @@ void CurveView::Plot::Read(std::optional<CurvePlace> place) {
 }
 
 void CurveView::Plot::ShowOverlay() {
-  if (current && !Has(*current)) current.reset();
-  if (read && !Has(*read)) read.reset();
+  for (auto* const place : {&current, &read})
+    if (*place && !(Has(**place) && std::isfinite(At(**place).Value))) place->reset();
   ring_->setVisible(current.has_value());
   readRing_->setVisible(read.has_value());
   readout_->setVisible(read.has_value());
   const QRect area = plot.axisRect()->rect();
+  cursor_->setVisible(cursor.has_value());
+  if (cursor) {
+    cursor_->point1->setCoords(*cursor, plot.yAxis->range().lower);
+    cursor_->point2->setCoords(*cursor, plot.yAxis->range().upper);
+  }
   if (current) {
     const QPointF at = PixelOf(*current);
     ring_->position->setCoords(at);

@@ -4,13 +4,28 @@
 
 #include <QPalette>
 #include <QTimer>
+#include <algorithm>
+#include <cmath>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <vector>
 
 #include "widgets/CurveView.h"
 
 namespace hylden {
+
+/// The lowest and the highest of what was put in.
+struct CurveBounds {
+  double Lowest = std::numeric_limits<double>::infinity(), Highest = -Lowest;
+
+  void Add(double value) {
+    if (!std::isfinite(value)) return;
+    Lowest = std::min(Lowest, value);
+    Highest = std::max(Highest, value);
+  }
+  bool IsEmpty() const { return Lowest > Highest; }
+};
 
 /// The plot of a CurveView and what stands on it: the half that knows the plotting library.
 class CurveView::Plot {
@@ -19,6 +34,7 @@ class CurveView::Plot {
 
   void Touch() { refresh.start(); }
   void Refresh();
+  void Add(std::size_t curve, const CurvePoint& point);
   void Colour(const QPalette& palette);
   void ShowOverlay();
   void Read(std::optional<CurvePlace> place);
@@ -40,12 +56,17 @@ class CurveView::Plot {
   std::vector<CurveMark> marks;
   FreqAxis freqAxis = FreqAxis::Log;
   std::optional<CurvePlace> current, read;
+  std::optional<double> cursor;
   QPoint pressed;
   bool linesChanged = true, zoomed = false, fitting = false;
 
  private:
   void SetUpMouse();
   void DrawLines();
+  bool DrawAdded(std::size_t curve, bool last, const CurvePoint& point);
+  void FindBounds();
+  void AddBounds(ValueAxis axis, const CurvePoint& point);
+  void ShowLegend();
   void DrawLimitsAndMarks();
   void SetAxes();
   void FitRanges();
@@ -56,6 +77,9 @@ class CurveView::Plot {
   QObject listener_;  ///< to the plot, which goes later
   QPalette colours_;
   std::vector<QCPGraph*> lines_, points_;
+  std::vector<std::size_t> named_;  ///< the curves in the legend
+  CurveBounds frequencies_, values_[2];
+  QCPItemStraightLine* cursor_;
   QCPItemTracer *ring_, *readRing_;
   QCPItemText* readout_;
 };

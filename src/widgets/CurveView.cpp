@@ -3,6 +3,7 @@
 #include <QBuffer>
 #include <QPdfWriter>
 #include <QVBoxLayout>
+#include <cmath>
 #include <utility>
 
 #include "platform/qt/QtText.h"
@@ -34,11 +35,7 @@ void CurveView::SetCurves(std::vector<Curve> curves) {
 }
 
 void CurveView::AddPoint(int curve, const CurvePoint& point) {
-  std::vector<CurvePoint>& points = plot_->curves.at(static_cast<std::size_t>(curve)).Points;
-  const auto above = [](double freq, const CurvePoint& other) { return freq < other.Freq; };
-  points.insert(std::upper_bound(points.begin(), points.end(), point.Freq, above), point);
-  plot_->linesChanged = true;
-  plot_->Touch();
+  plot_->Add(static_cast<std::size_t>(curve), point);
 }
 
 const std::vector<Curve>& CurveView::Curves() const {
@@ -62,6 +59,11 @@ void CurveView::SetFreqAxis(FreqAxis axis) {
 
 void CurveView::SetCurrent(std::optional<CurvePlace> place) {
   plot_->current = place;
+  if (!plot_->refresh.isActive()) plot_->ShowOverlay();
+}
+
+void CurveView::SetCursor(std::optional<double> frequencyMHz) {
+  plot_->cursor = frequencyMHz;
   if (!plot_->refresh.isActive()) plot_->ShowOverlay();
 }
 
@@ -167,7 +169,8 @@ void CurveView::Choose(CurvePlace place) {
 
 void CurveView::StepCurrent(int by) {
   CurvePlace place = plot_->current.value_or(CurvePlace{0, by > 0 ? -1 : 1});
-  place.Point += by;
+  do place.Point += by;
+  while (plot_->Has(place) && !std::isfinite(plot_->At(place).Value));  // over gaps
   if (!plot_->Has(place)) return;
   Choose(place);
   setAccessibleDescription(ReadoutOf(place));

@@ -19,7 +19,8 @@ struct CurvePlace {
 
 /// Shows curves over frequency, in the colours of the theme. The wheel zooms around the pointer, dragging zooms into a
 /// rectangle, dragging with Shift moves; a double click or the F key shows all again. The pointer reads the nearest
-/// point; a click chooses it, and so do the Left and Right keys. A hundred thousand points are drawn at once.
+/// point; a click chooses it, and so do the Left and Right keys. A hundred thousand points are drawn at once. Curves
+/// differ in line and markers, too; one without points is in no legend.
 class CurveView : public QWidget {
   Q_OBJECT
 
@@ -28,7 +29,8 @@ class CurveView : public QWidget {
   ~CurveView() override;
 
   void SetCurves(std::vector<Curve> curves);
-  /// Adds a point to a curve, in its place among the frequencies. What is added in one turn is drawn once.
+  /// Adds a point to a curve, behind those of its frequency. What is added in one turn is drawn once; it costs the same
+  /// however many there are. The highlighted point stays the same one.
   void AddPoint(int curve, const CurvePoint& point);
   const std::vector<Curve>& Curves() const;
   void SetLimits(std::vector<CurveLimit> limits);
@@ -38,6 +40,8 @@ class CurveView : public QWidget {
   /// The point that is highlighted.
   void SetCurrent(std::optional<CurvePlace> place);
   std::optional<CurvePlace> Current() const;
+  /// A line at the frequency that is at work, MHz.
+  void SetCursor(std::optional<double> frequencyMHz);
 
   /// Shows all of the curves, and goes on doing so until the operator zooms.
   void Fit();

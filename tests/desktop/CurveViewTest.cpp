@@ -64,6 +64,21 @@ TEST_F(CurveViewTest, ShowsAllPointsUntilTheOperatorZooms) {
   EXPECT_GT(view.HighestShown().Freq, 900);
 }
 
+TEST_F(CurveViewTest, PointThatIsAddedStandsInItsPlaceAndTheChosenOneStaysChosen) {
+  view.SetCurrent(CurvePlace{0, 2});
+  view.AddPoint(0, {1, 0.3});
+  view.AddPoint(0, {50, std::nan("")});
+  Settle();
+  EXPECT_EQ(view.Curves()[0].Points.at(2), (CurvePoint{1, 0.3}));
+  EXPECT_EQ(view.Current(), (CurvePlace{0, 3})) << "10 MHz";
+  const QImage added = view.grab().toImage();
+  view.SetCurves(std::vector<Curve>(view.Curves()));
+  Settle();
+  EXPECT_EQ(view.grab().toImage(), added) << "drawn point by point, and all at once";
+  QTest::keyClick(&view, Qt::Key_Right);
+  EXPECT_EQ(view.Current(), (CurvePlace{0, 5})) << "there is no value at 50 MHz";
+}
+
 TEST_F(CurveViewTest, DragZoomsIntoTheRectangleAndADoubleClickShowsAll) {
   const QPoint from = view.PositionOf({0, 1}) + QPoint(5, -60), to = view.PositionOf({0, 3}) + QPoint(-5, 5);
   QTest::mousePress(&Plot(), Qt::LeftButton, {}, from);
