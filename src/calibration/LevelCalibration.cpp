@@ -56,6 +56,16 @@ bool LevelCalibration::Prepare() {
   return ready_;
 }
 
+std::vector<CurvePoint> LevelCalibration::Targets() {
+  std::vector<double> rising = plan_;
+  std::sort(rising.begin(), rising.end());
+  std::vector<CurvePoint> targets;
+  targets.reserve(rising.size());
+  for (const double freq : rising)
+    if (const auto target = TargetDbuv(setup_, testLevels_, freq)) targets.push_back({freq, *target});
+  return targets;
+}
+
 bool LevelCalibration::NotReady(const Failure& failure) {
   shell_.Tell(failure);
   const std::string text = failure.Boxes().back().text;

@@ -7,6 +7,7 @@
 #include "calibration/LevelRules.h"
 #include "documents/CalSetupRecord.h"
 #include "documents/SaveCal.h"
+#include "measure/Curve.h"
 #include "measure/InterpClass.h"
 #include "run/ElapsedTime.h"
 #include "run/FormerRun.h"
@@ -56,6 +57,8 @@ class LevelCalibration {
   std::string Title() const { return "CDI Calibration: " + setup_.SetupDescription; }
   const CalSetupRecord& Setup() const { return setup_; }
   const std::vector<double>& Frequencies() const { return plan_; }
+  /// The wanted levels, dBuV, by rising frequency. To be called between two runs.
+  std::vector<CurvePoint> Targets();
   /// One row for each frequency recorded, in order.
   const CalRows& Rows() const { return rows_; }
 

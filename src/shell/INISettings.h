@@ -21,7 +21,8 @@ inline constexpr std::string_view kEquip = "Equip", kCalibrations = "Calibration
 
 /// The windows whose place is remembered.
 namespace windowkey {
-inline constexpr std::string_view kRunTestForm = "RunTestForm", kManualForm = "ManualForm", kRunButtons = "RunButtons";
+inline constexpr std::string_view kRunTestForm = "RunTestForm", kManualForm = "ManualForm", kRunButtons = "RunButtons",
+                                  kRunCalForm = "RunCalForm", kRunCablCalForm = "RunCablCalForm";
 }
 
 /// The program's settings by name, kept in Hylden.ini in the program directory. Settings hold nobody up: one that can't

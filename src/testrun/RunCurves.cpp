@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "documents/TestDefinition.h"
 #include "documents/clsCalFile.h"
@@ -15,7 +14,6 @@ namespace {
 
 /// Files keep frequencies with seven decimals.
 constexpr double kSameMHz = 1e-7;
-constexpr double kGap = std::numeric_limits<double>::quiet_NaN();
 
 bool Below(const RunAim& aim, double frequencyMHz) {
   return aim.Freq < frequencyMHz - kSameMHz;
@@ -64,20 +62,20 @@ RunCurves::RunCurves(RunQuantity quantity, RunCurveContext context)
     : quantity_(quantity), context_(std::move(context)) {
   switch (quantity_) {
     case RunQuantity::TestLevel:
-      AddCurve("Test level");
+      AddCurve("Test level", UnitOfCurves());
       break;
     case RunQuantity::Generator:
-      AddCurve("Generator");
+      AddCurve("Generator", UnitOfCurves());
       break;
     case RunQuantity::Induced:
-      AddCurve("Induced");
+      AddCurve("Induced", UnitOfCurves());
       break;
     case RunQuantity::Power:
-      for (const char* const name : {"Forward", "Reverse", "Net"}) AddCurve(name);
+      for (const char* const name : {"Forward", "Reverse", "Net"}) AddCurve(name, UnitOfCurves());
       break;
   }
-  rows_.resize(curves_.size());
   AddAims();
+  if (IsRelative()) AddLimit({"Limit", 0});
 }
 
 RunCurves::RunCurves(RunQuantity quantity, RunCurveContext context, const std::vector<RunEntry>& rows)
@@ -94,6 +92,10 @@ RunCurves::RunCurves(RunQuantity quantity, RunCurveContext context, const std::v
     if (IsThreshold(rows[i])) AddMark(rows, static_cast<int>(i + 1));
 }
 
+bool RunCurves::IsRelative() const {
+  return quantity_ == RunQuantity::Induced && context_.Units.Induced == RunUnit::Relative;
+}
+
 std::string RunCurves::UnitOfCurves() const {
   switch (quantity_) {
     case RunQuantity::TestLevel:
@@ -108,40 +110,27 @@ std::string RunCurves::UnitOfCurves() const {
   return NameOf(RunUnit::Dbm);
 }
 
-void RunCurves::AddCurve(std::string name) {
-  curves_.push_back({std::move(name), UnitOfCurves(), {}});
-}
-
 void RunCurves::AddAims() {
-  const std::size_t first = curves_.size();
-  switch (quantity_) {
-    case RunQuantity::TestLevel:
-      AddCurve("Target");
-      break;
-    case RunQuantity::Generator:
-      AddCurve("Calibrated");
-      break;
-    case RunQuantity::Induced:
-      AddCurve("Limit");
-      break;
-    case RunQuantity::Power:
-      AddCurve(context_.ByNetPower ? "Net target" : "Target");
-      AddCurve("Forward cap");
-      break;
-  }
+  std::vector<const char*> names = {"Target"};
+  if (quantity_ == RunQuantity::Generator) names = {"Calibrated"};
+  if (quantity_ == RunQuantity::Induced) names = {"Limit"};
+  if (quantity_ == RunQuantity::Power) names = {context_.ByNetPower ? "Net target" : "Target", "Forward cap"};
+  std::vector<std::vector<CurvePoint>> points(names.size());
   for (const RunAim& aim : context_.Aims) {
     const Values values = AimValues(aim);
-    for (std::size_t i = 0; i < values.size(); ++i)
-      if (values[i]) curves_[first + i].Points.push_back({aim.Freq, *values[i]});
+    for (std::size_t i = 0; i < names.size(); ++i)
+      if (values[i]) points[i].push_back({aim.Freq, *values[i]});
   }
+  for (std::size_t i = 0; i < names.size(); ++i) AddAim(names[i], UnitOfCurves(), std::move(points[i]));
 }
 
-RunCurves::Values RunCurves::AimValues(const RunAim& aim) const {
+RowCurves::Values RunCurves::AimValues(const RunAim& aim) const {
   const RunUnitChoice& units = context_.Units;
   switch (quantity_) {
     case RunQuantity::TestLevel:
       return {TestLevelIn(units.TestLevel, aim.TestLevel, context_.ImpedanceOhms)};
     case RunQuantity::Induced:
+      if (IsRelative()) return {std::nullopt};  // a line says it
       return {InducedLevelIn(units.Induced, aim.InducedLimit, aim.InducedLimit, context_.ImpedanceOhms)};
     case RunQuantity::Power: {
       const auto power = [&](double dbm) { return IsMissing(dbm) ? std::nullopt : PowerIn(units.Power, dbm); };
@@ -153,7 +142,7 @@ RunCurves::Values RunCurves::AimValues(const RunAim& aim) const {
   return {PowerIn(RunUnit::Dbm, aim.SigGenCal)};
 }
 
-RunCurves::Values RunCurves::ApplyValues(double frequencyMHz, const StepResult& result, double offsetDb) const {
+RowCurves::Values RunCurves::ApplyValues(double frequencyMHz, const StepResult& result, double offsetDb) const {
   const RunUnitChoice& units = context_.Units;
   const float ohms = context_.ImpedanceOhms;
   switch (quantity_) {
@@ -179,28 +168,16 @@ double RunCurves::LimitAt(double frequencyMHz) const {
   return found != context_.Aims.end() && IsSame(found->Freq, frequencyMHz) ? found->InducedLimit : kNoValue;
 }
 
-std::vector<RunCurves::Added> RunCurves::Add(const std::vector<RunEntry>& rows, int row) {
+std::vector<RowCurves::Added> RunCurves::Add(const std::vector<RunEntry>& rows, int row) {
   if (row < 1 || static_cast<std::size_t>(row) > rows.size()) return {};
   const auto* const step = std::get_if<StepEntry>(&rows[static_cast<std::size_t>(row - 1)]);
   if (!step) AddMark(rows, row);
   return step && IsComplete(*step) && row > lastStep_ ? AddStep(*step, row) : std::vector<Added>();
 }
 
-std::vector<RunCurves::Added> RunCurves::AddStep(const StepEntry& step, int row) {
-  std::vector<Added> added;
+std::vector<RowCurves::Added> RunCurves::AddStep(const StepEntry& step, int row) {
   lastStep_ = std::max(lastStep_, row);
-  const Values values = ApplyValues(step.Freq, *step.Result, 0);
-  const auto above = [](double freq, const CurvePoint& other) { return freq < other.Freq; };
-  for (std::size_t curve = 0; curve < values.size(); ++curve) {
-    std::vector<CurvePoint>& points = curves_[curve].Points;
-    if (!values[curve] && points.empty()) continue;  // of what is never measured there is no curve
-    const CurvePoint point{step.Freq, values[curve].value_or(kGap)};
-    const auto at = std::upper_bound(points.begin(), points.end(), point.Freq, above);
-    rows_[curve].insert(rows_[curve].begin() + (at - points.begin()), row);
-    points.insert(at, point);
-    added.push_back({curve, point});
-  }
-  return added;
+  return AddRow(row, step.Freq, ApplyValues(step.Freq, *step.Result, 0));
 }
 
 void RunCurves::AddMark(const std::vector<RunEntry>& rows, int row) {
@@ -227,25 +204,6 @@ int RunCurves::LatestStepAt(double frequencyMHz, int before) const {
   while (at-- > 0 && IsSame(points[static_cast<std::size_t>(at)].Freq, frequencyMHz))
     if (const int row = rows_.front()[static_cast<std::size_t>(at)]; row < before) return row;
   return 0;
-}
-
-std::vector<CurveLimit> RunCurves::Limits() const {
-  const bool relative = quantity_ == RunQuantity::Induced && context_.Units.Induced == RunUnit::Relative;
-  return relative ? std::vector<CurveLimit>{{"Limit", 0}} : std::vector<CurveLimit>{};
-}
-
-int RunCurves::RowOf(std::size_t curve, std::size_t point) const {
-  return curve < rows_.size() && point < rows_[curve].size() ? rows_[curve][point] : 0;
-}
-
-std::optional<std::pair<std::size_t, std::size_t>> RunCurves::PlaceOf(int row) const {
-  for (std::size_t curve = 0; curve < rows_.size(); ++curve) {
-    const auto found = std::find(rows_[curve].begin(), rows_[curve].end(), row);
-    if (found == rows_[curve].end()) continue;
-    const auto point = static_cast<std::size_t>(found - rows_[curve].begin());
-    if (std::isfinite(curves_[curve].Points[point].Value)) return std::pair(curve, point);
-  }
-  return std::nullopt;
 }
 
 }  // namespace hylden

@@ -1,13 +1,10 @@
 #pragma once
 
-#include <cstddef>
 #include <optional>
-#include <string>
-#include <utility>
 #include <vector>
 
 #include "measure/Conversions.h"
-#include "measure/Curve.h"
+#include "run/RowCurves.h"
 #include "testrun/RunData.h"
 #include "testrun/RunUnits.h"
 
@@ -43,39 +40,21 @@ inline constexpr int kRunQuantities = 4;
 /// One quantity of a run over frequency, in the chosen unit: what was applied and what it aimed at, and the thresholds
 /// as marks. A row that is added costs the same however many there are. Steps may be in any order and repeat
 /// frequencies; what a step did not measure leaves a gap.
-class RunCurves {
+class RunCurves : public RowCurves {
  public:
-  /// A point that a row has added.
-  struct Added {
-    std::size_t Curve = 0;
-    CurvePoint Point;
-  };
-
   explicit RunCurves(RunQuantity quantity, RunCurveContext context = {});
   /// With the curves of all rows.
   RunCurves(RunQuantity quantity, RunCurveContext context, const std::vector<RunEntry>& rows);
 
-  /// Adds a row, counted from 1, that is complete, or takes over the changed comment of a threshold. What is not
-  /// complete is left out, and so is a step that is there already.
-  /// @return the points that are new, each behind those of its frequency
+  /// Adds a row, counted from 1, that is complete, or takes over the changed comment of a threshold. A threshold stands
+  /// at the level of its step at that frequency, changed by its offset. What is not complete is left out, and so is a
+  /// step that is there already.
+  /// @return the points that are new
   std::vector<Added> Add(const std::vector<RunEntry>& rows, int row);
 
-  /// Their number and order are those of the quantity; a curve that nothing is known of has no points.
-  const std::vector<Curve>& Curves() const { return curves_; }
-  /// The thresholds, at the level of their step at that frequency, changed by their offset.
-  const std::vector<CurveMark>& Marks() const { return marks_; }
-  std::vector<CurveLimit> Limits() const;
-
-  /// The row of a point; 0 for one of an aim.
-  int RowOf(std::size_t curve, std::size_t point) const;
-  /// The curve and the point of a step's row; nothing where it has none.
-  std::optional<std::pair<std::size_t, std::size_t>> PlaceOf(int row) const;
-
  private:
-  using Values = std::vector<std::optional<double>>;
-
+  bool IsRelative() const;
   std::string UnitOfCurves() const;
-  void AddCurve(std::string name);
   void AddAims();
   Values AimValues(const RunAim& aim) const;
   Values ApplyValues(double frequencyMHz, const StepResult& result, double offsetDb) const;
@@ -86,9 +65,6 @@ class RunCurves {
 
   RunQuantity quantity_;
   RunCurveContext context_;
-  std::vector<Curve> curves_;           ///< the applied ones, then the aims
-  std::vector<std::vector<int>> rows_;  ///< of the points of the applied curves
-  std::vector<CurveMark> marks_;
   std::vector<int> markRows_;  ///< rising
   int lastStep_ = 0;           ///< the highest row of a step that was added
 };

@@ -98,6 +98,13 @@ RunReadiness RunEngine::Prepare() {
   return RunReadiness::Ready;
 }
 
+std::vector<RunAim> RunEngine::Aims() const {
+  std::vector<double> frequencies;
+  frequencies.reserve(Steps().size());
+  for (const PlanStep& step : Steps()) frequencies.push_back(step.Freq);
+  return AimsOf(documents_.testSetup.Definition, inputs_->Calibration, frequencies);
+}
+
 Done RunEngine::Continue(FormerRun<RunData> former) {
   former_.reset();
   if (IsRunning() || !ready_) return Because("No run is prepared.");

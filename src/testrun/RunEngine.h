@@ -10,6 +10,7 @@
 #include "run/RunJournal.h"
 #include "run/UnsavedRows.h"
 #include "testrun/ManualMode.h"
+#include "testrun/RunCurves.h"
 #include "testrun/RunData.h"
 #include "testrun/RunInfo.h"
 #include "testrun/RunInputs.h"
@@ -68,6 +69,8 @@ class RunEngine {
   /// What the data do not tell of the run.
   const RunInfo& Info() const { return info_; }
   const std::vector<PlanStep>& Steps() const { return inputs_->Steps; }
+  /// What the steps aim at, by rising frequency. To be called when Prepare came to Ready.
+  std::vector<RunAim> Aims() const;
 
  private:
   bool Confirm();

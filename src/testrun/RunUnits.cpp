@@ -112,6 +112,24 @@ std::string Shown(const std::optional<double>& value, std::string_view pattern) 
 
 }  // namespace
 
+std::string UnitsText(const RunUnitChoice& units) {
+  const auto code = [](RunUnit unit) { return std::to_string(static_cast<int>(unit)); };
+  return code(units.TestLevel) + "," + code(units.Induced) + "," + code(units.Power);
+}
+
+RunUnitChoice UnitsFrom(const std::string& text) {
+  constexpr std::string_view kLevels = "01234", kCurrents = "012345", kPowers = "26";
+  RunUnitChoice units;
+  if (text.size() != 5 || text[1] != ',' || text[3] != ',') return units;
+  const auto take = [](char code, std::string_view menu, RunUnit& unit) {
+    if (menu.find(code) != std::string_view::npos) unit = static_cast<RunUnit>(code - '0');
+  };
+  take(text[0], kLevels, units.TestLevel);
+  take(text[2], kCurrents, units.Induced);
+  take(text[4], kPowers, units.Power);
+  return units;
+}
+
 std::optional<double> TestLevelIn(RunUnit unit, double levelDbuv, float impedanceOhms) {
   if (IsMissing(levelDbuv) || (!(impedanceOhms > 0) && NeedsImpedance(unit, RunUnit::DbuV))) return std::nullopt;
   return Finite([&] { return TestLevelValue(levelDbuv, unit, impedanceOhms); });

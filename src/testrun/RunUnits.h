@@ -15,6 +15,10 @@ struct RunUnitChoice {
   RunUnit Power = RunUnit::Dbm;
 };
 
+/// The choice as the settings keep it, "0,1,2"; a code that its menu does not have is the default.
+std::string UnitsText(const RunUnitChoice& units);
+RunUnitChoice UnitsFrom(const std::string& text);
+
 /// Levels as numbers in a unit of the menus; nothing where the unit has none: a missing or overflowing level, an
 /// impedance that is not above 0 where it counts, a current without a limit to be relative to (kNoValue).
 std::optional<double> TestLevelIn(RunUnit unit, double levelDbuv, float impedanceOhms);

@@ -171,7 +171,7 @@ class EndInARun : public EndOfTheProgram, public testing::WithParamInterface<Run
  protected:
   void RunAndEndIt() {
     WorkingForm& form = GetParam().open(p);
-    p.When([&] { return p.RfIsOn() && TextOf(form, "lblStep").ends_with("2"); },
+    p.When([&] { return p.RfIsOn() && TextOf(form, "lblStep").ends_with("3"); },
            [&] {
              p.desktop->CloseAll();
              EXPECT_FALSE(p.RfIsOn());

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "instruments/Instruments.h"
+#include "run/qt/RunCurvePanel.h"
 #include "shell/Shell.h"
 #include "ui_frmRunCablCal.h"
 #include "widgets/AlignedNumbers.h"
@@ -49,10 +50,24 @@ frmRunCablCal::frmRunCablCal(Shell& shell, Instruments& instruments, RunCablCal&
   if (!run_.Points().empty())
     RunWindow::Plan({static_cast<int>(run_.Points().size()), run_.Points().front().Freq, run_.Points().back().Freq,
                      run_.Setup.Dwell});
+  SetUpCurves();
   ShowReadings();
+  RestoreLayout(windowkey::kRunCablCalForm);
 }
 
 frmRunCablCal::~frmRunCablCal() = default;
+
+void frmRunCablCal::SetUpCurves() {
+  const auto make = [this](std::size_t quantity) -> const RowCurves& {
+    curves_ = std::make_unique<CableCurves>(static_cast<CableQuantity>(quantity), run_.Points(), Shown());
+    return *curves_;
+  };
+  // In the order of CableQuantity.
+  Curves().SetSource({{{"Direct and insert", "Readings"}, {"Insertion loss", "Loss"}},
+                      make,
+                      [this](int row) { return curves_->Add(run_.Points(), row, Shown()); }},
+                     *ui_->lvwData);
+}
 
 void frmRunCablCal::StartPass(bool inserted) {
   inserted_ = inserted;

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "calibration/CableCalibration.h"
+#include "calibration/CalRunCurves.h"
 #include "run/qt/RowTable.h"
 #include "run/qt/RunWindow.h"
 
@@ -32,6 +33,8 @@ class frmRunCablCal : public RunWindow {
   void Show(Readout readout, std::optional<double> value) override;
   void RowChanged(int row) override;
 
+  void SetUpCurves();
+  CablePassShown Shown() const { return {passing_, inserted_, measured_}; }
   void StartPass(bool inserted);
   void ShowReadings();
   std::string Cell(std::size_t row, std::size_t column) const;
@@ -39,9 +42,10 @@ class frmRunCablCal : public RunWindow {
   RunCablCal& run_;
   std::unique_ptr<Ui::frmRunCablCal> ui_;
   RowTable table_;
-  bool passing_ = false;      ///< a pass is shown, not all that was read
-  bool inserted_ = false;     ///< which one
-  std::size_t measured_ = 0;  ///< how many points it has measured
+  std::unique_ptr<CableCurves> curves_;  ///< those that are shown
+  bool passing_ = false;                 ///< a pass is shown, not all that was read
+  bool inserted_ = false;                ///< which one
+  std::size_t measured_ = 0;             ///< how many points it has measured
 };
 
 }  // namespace hylden

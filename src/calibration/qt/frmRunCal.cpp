@@ -2,6 +2,8 @@
 
 #include "instruments/Instruments.h"
 #include "measure/Conversions.h"
+#include "run/qt/RunCurvePanel.h"
+#include "shell/Shell.h"
 #include "text/Numbers.h"
 #include "ui_frmRunCal.h"
 #include "widgets/AlignedNumbers.h"
@@ -38,18 +40,36 @@ frmRunCal::frmRunCal(Shell& shell, Instruments& instruments, Documents& document
   On(ui_->cmdSave, [this] { calibration_.Save(); });
   On(ui_->mnuFileSaveAs, [this] { calibration_.Save(); });
   connect(ui_->cmdExit, &QPushButton::clicked, this, &QWidget::close);
+  SetUpCurves();
+  RestoreLayout(windowkey::kRunCalForm);
 }
 
 frmRunCal::~frmRunCal() = default;
 
+void frmRunCal::SetUpCurves() {
+  const auto make = [this](std::size_t quantity) -> const RowCurves& {
+    curves_ = std::make_unique<CalRunCurves>(static_cast<CalQuantity>(quantity), calibration_.Rows(), targets_);
+    return *curves_;
+  };
+  // In the order of CalQuantity.
+  Curves().SetSource({{{"Level", "Level"}, {"Generator", "Generator"}, {"Power", "Power"}, {"Gain", "Gain"}},
+                      make,
+                      [this](int row) { return curves_->Add(calibration_.Rows(), row); }},
+                     *ui_->flxCalData);
+}
+
 void frmRunCal::Load() {
   // Before anything can fail: a message stands in front of a window that says what it is.
-  setWindowTitle(ToQt(calibration_.Title()));
+  SetCaption(ToQt(calibration_.Title()));
   const bool forward = calibration_.Setup().RecordsForward();
   ui_->lblFwdPwr->setEnabled(forward);
   ui_->lblFwdPwrCap->setEnabled(forward);
   bool ready = false;
-  Guard("Load", [&] { ready = calibration_.Prepare(); });
+  Guard("Load", [&] {
+    ready = calibration_.Prepare();
+    if (ready) targets_ = calibration_.Targets();
+  });
+  Curves().Renew();
   ui_->cmdStart->setEnabled(ready);
   if (ready) ui_->cmdStart->setFocus();
 }

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "calibration/CalRunCurves.h"
 #include "calibration/LevelCalibration.h"
 #include "run/qt/RowTable.h"
 #include "run/qt/RunWindow.h"
@@ -31,10 +32,14 @@ class frmRunCal : public RunWindow {
   void SetRunning(bool running) override;
   void Show(Readout readout, std::optional<double> value) override;
 
+  void SetUpCurves();
+
   std::unique_ptr<Ui::frmRunCal> ui_;
   LevelCalibration calibration_;
   RowTable table_;
-  QString testLevelTip_;  ///< while there is no level to show
+  std::vector<CurvePoint> targets_;
+  std::unique_ptr<CalRunCurves> curves_;  ///< those that are shown
+  QString testLevelTip_;                  ///< while there is no level to show
 };
 
 }  // namespace hylden

@@ -13,13 +13,17 @@
 
 #include "instruments/SigGen.h"
 #include "platform/qt/RepaintFilter.h"
+#include "run/RunClock.h"
 #include "run/UnsavedRows.h"
 #include "run/qt/RowTable.h"
+#include "run/qt/RunCurvePanel.h"
+#include "run/qt/RunLayout.h"
 #include "shell/Shell.h"
 #include "widgets/LabelText.h"
 #include "widgets/RfLamp.h"
 #include "widgets/TableCopy.h"
 #include "widgets/TableFollower.h"
+#include "widgets/WindowPlace.h"
 
 namespace hylden {
 
@@ -59,6 +63,7 @@ void RunWindow::SetUp(Controls controls, RowTable& table, UnsavedRows& rows, con
   controls_ = std::move(controls);
   table_ = &table;
   rows_ = &rows;
+  caption_ = windowTitle();
   controls_.Table->setModel(table_);
   follower_ = new TableFollower(*controls_.Table);
   new TableCopy(*controls_.Table);
@@ -72,6 +77,24 @@ void RunWindow::SetUp(Controls controls, RowTable& table, UnsavedRows& rows, con
   new HeldKeyFilter(*this);
   StartAfresh();
   Status({});
+}
+
+void RunWindow::RestoreLayout(std::string_view windowKey) {
+  layoutKey_ = windowKey;
+  RunLayout{*this, *controls_.Split, *controls_.Curves}.Restore(shell_, windowKey);
+  RestorePlace(shell_, windowKey, *this);
+}
+
+void RunWindow::SetCaption(const QString& caption) {
+  caption_ = caption;
+  ShowCaption();
+}
+
+void RunWindow::ShowCaption() {
+  QString text = caption_;
+  if (running_ && step_ > 0) text += QStringLiteral(" - step %1 of %2").arg(step_).arg(steps_);
+  if (running_ || sigGen_.RfIsOn()) text += QStringLiteral(" - ") + controls_.Rf->text();
+  if (windowTitle() != text) setWindowTitle(text);
 }
 
 QLabel* RunWindow::MakePanel(const Panel& panel) {
@@ -99,6 +122,9 @@ void RunWindow::StartAfresh() {
   panel_->clear();
   ClearCountdown();
   controls_.Progress->setValue(0);
+  step_ = 0;
+  elapsedMinutes_ = remainingMinutes_ = std::nullopt;
+  ShowTimes();
   follower_->StartAfresh();
 }
 
@@ -139,7 +165,11 @@ bool RunWindow::SaveMissed() const {
 }
 
 bool RunWindow::QueryUnload() {
-  return rows_->MayLeave();
+  if (!rows_->MayLeave()) return false;
+  if (layoutKey_.empty()) return true;
+  RunLayout{*this, *controls_.Split, *controls_.Curves}.Remember(shell_, layoutKey_);
+  RememberPlace(shell_, layoutKey_, *this);
+  return true;
 }
 
 void RunWindow::Hurry() {
@@ -156,11 +186,13 @@ void RunWindow::Phase(RunPhase phase) {
 }
 
 void RunWindow::SetRunning(bool running) {
+  running_ = running;
   controls_.Halt->setEnabled(running);
   for (QWidget* const control : controls_.Idle) control->setEnabled(!running);
   EnableFile(!running);
   if (running) return StartAfresh();
   ClearCountdown();
+  controls_.Curves->SetFrequency(std::nullopt);
   Status({});
   follower_->Follow();
 }
@@ -190,6 +222,7 @@ void RunWindow::ShowPanel(const QString& text) {
 
 void RunWindow::ShowRf() {
   controls_.Rf->ShowRf(sigGen_.RfIsOn(), sigGen_.RfState() != Rf::Unknown);
+  ShowCaption();
 }
 
 void RunWindow::ShowBusy(bool busy) {
@@ -201,6 +234,7 @@ void RunWindow::ShowBusy(bool busy) {
 }
 
 void RunWindow::Plan(const RunPlan& plan) {
+  steps_ = plan.Steps;
   ShowText(*controls_.Steps, QString::number(plan.Steps));
   ShowNumber(*controls_.Start, plan.StartMHz, kRange);
   ShowNumber(*controls_.Stop, plan.StopMHz, kRange);
@@ -214,10 +248,16 @@ void RunWindow::Countdown(double seconds) {
   const QString left = ToQt(Format(std::max(0.0, seconds), "##0.0"));
   ShowText(*controls_.Countdown, left);
   ShowText(*dwellPanel_, QStringLiteral("Dwelling ") + left);
+  controls_.Curves->SetTimeLeft(seconds);
+}
+
+void RunWindow::Step(int step) {
+  step_ = step;
+  ShowText(*controls_.Step, StepText(step));
+  ShowCaption();
 }
 
 void RunWindow::StepDone(int step) {
-  ShowText(*controls_.Step, QString::number(step));
   ShowPanel(QStringLiteral("Step Number %1").arg(step));
   controls_.Progress->setValue(step);
 }
@@ -226,11 +266,26 @@ void RunWindow::Show(Readout readout, std::optional<double> value) {
   for (const Figure& figure : controls_.Figures)
     if (figure.Of == readout) ShowNumber(*figure.Label, value.value_or(0), figure.Pattern);
   if (readout == Readout::SigGenLevel) ShowRf();
+  if (readout == Readout::Frequency) controls_.Curves->SetFrequency(value);
+  if (readout != Readout::Elapsed && readout != Readout::Remaining) return;
+  (readout == Readout::Elapsed ? elapsedMinutes_ : remainingMinutes_) = value;
+  ShowTimes();
+}
+
+/// Beside the minutes: hours, and when the run will be over.
+void RunWindow::ShowTimes() {
+  QString text = QStringLiteral("%v of %m");
+  if (elapsedMinutes_) text += QStringLiteral(" - ") + ToQt(HoursText(*elapsedMinutes_)) + QStringLiteral(" elapsed");
+  if (remainingMinutes_ && *remainingMinutes_ > 0)
+    text += QStringLiteral(" - ") + ToQt(HoursText(*remainingMinutes_)) + QStringLiteral(" left, ends at ") +
+            ToQt(EndText(shell_.clock.Now(), *remainingMinutes_));
+  if (controls_.Progress->format() != text) controls_.Progress->setFormat(text);
 }
 
 void RunWindow::RowChanged(int row) {
   table_->RowChanged(row);
   follower_->RowChanged();
+  controls_.Curves->RowChanged(row);
 }
 
 }  // namespace hylden

@@ -14,19 +14,21 @@ class QAction;
 class QLabel;
 class QMenu;
 class QProgressBar;
+class QSplitter;
 class QTableView;
 
 namespace hylden {
 
 class RfLamp;
 class RowTable;
+class RunCurvePanel;
 class SigGen;
 class TableFollower;
 class UnsavedRows;
 
-/// The window of a run: figures, progress, table, status bar, and the run itself inside the press of a button. Escape
-/// halts it; closing the window during it halts it, lets it end in order, then closes. What a form has of its own it
-/// adds by overriding.
+/// The window of a run: figures, progress, table and curves, status bar, and the run itself inside the press of a
+/// button. Escape halts it; closing the window during it halts it, lets it end in order, then closes. Its caption
+/// tells, also while it is minimised, where the run is. What a form has of its own it adds by overriding.
 class RunWindow : public WorkingForm, protected RunDisplay {
   Q_OBJECT
 
@@ -55,6 +57,8 @@ class RunWindow : public WorkingForm, protected RunDisplay {
               .State = ui.lblState,
               .Rf = ui.lblRf,
               .Progress = ui.prgSteps,
+              .Split = ui.splRun,
+              .Curves = ui.pnlCurves,
               .File = ui.mnuFile,
               .Exit = ui.mnuFileExit,
               .Help = ui.mnuHelpRun};
@@ -63,6 +67,8 @@ class RunWindow : public WorkingForm, protected RunDisplay {
     QLabel *Countdown, *Step, *Steps, *State;
     RfLamp* Rf;
     QProgressBar* Progress;
+    QSplitter* Split;
+    RunCurvePanel* Curves;
     QMenu* File;
     QAction *Exit, *Help;
 
@@ -82,12 +88,19 @@ class RunWindow : public WorkingForm, protected RunDisplay {
   /// To be called once the controls are there.
   void SetUp(Controls controls, RowTable& table, UnsavedRows& rows,
              const Panel& panel = {"pnlStep", "The frequency that was completed last"});
+  /// Has the window open as it was left; to be called behind SetUp.
+  /// @param windowKey  its section in the settings
+  void RestoreLayout(std::string_view windowKey);
+  /// What the caption begins with.
+  void SetCaption(const QString& caption);
   /// Runs, with Escape watched and the RF lamp kept true. Nothing happens inside another run of this window.
   void RunFrom(const std::function<void()>& run);
   /// Forgets the figures of the run before.
   virtual void StartAfresh();
   /// Running: only Halt can be pressed. Otherwise a run can be started, and what was recorded saved.
   virtual void SetRunning(bool running);
+  /// What the window shows of the step at work.
+  virtual QString StepText(int step) const { return QString::number(step); }
   /// Halt was pressed.
   virtual void Halt();
   /// Whether Escape there halts the run.
@@ -100,6 +113,7 @@ class RunWindow : public WorkingForm, protected RunDisplay {
   void ClearCountdown();
   void AskForHelp() { emit HelpRequested(HelpTopic()); }
   TableFollower& Follower() { return *follower_; }
+  RunCurvePanel& Curves() { return *controls_.Curves; }
 
   bool QueryUnload() override;
   void Hurry() override;
@@ -109,6 +123,7 @@ class RunWindow : public WorkingForm, protected RunDisplay {
   void Status(const std::string& text) override;
   void Plan(const RunPlan& plan) override;
   void Countdown(double seconds) override;
+  void Step(int step) override;
   void StepDone(int step) override;
   void Show(Readout readout, std::optional<double> value) override;
   void RowChanged(int row) override;
@@ -117,6 +132,8 @@ class RunWindow : public WorkingForm, protected RunDisplay {
   QLabel* MakePanel(const Panel& panel);
   void SetUpStatusBar(const Panel& panel);
   void ShowBusy(bool busy);
+  void ShowCaption();
+  void ShowTimes();
 
   SigGen& sigGen_;
   Controls controls_ = {};
@@ -126,8 +143,13 @@ class RunWindow : public WorkingForm, protected RunDisplay {
   QLabel* statusPanel_ = nullptr;
   QLabel* panel_ = nullptr;
   QLabel* dwellPanel_ = nullptr;
+  std::string_view layoutKey_;
+  QString caption_;
+  int step_ = 0, steps_ = 0;  ///< at work, and of the whole run
+  std::optional<double> elapsedMinutes_, remainingMinutes_;
   EscapeWatch escape_;
   QTimer rfWatch_{this};  ///< RF can go off under a message box
+  bool running_ = false;  ///< only Halt can be pressed
   bool busy_ = false;     ///< the wait cursor is shown
   bool inRun_ = false;    ///< the press that started a run has not returned yet
 };

@@ -6,6 +6,8 @@
 
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
+#include "run/qt/RunCurvePanel.h"
+#include "shell/FormInput.h"
 #include "shell/Shell.h"
 #include "testrun/qt/frmManual.h"
 #include "testrun/qt/frmRunButtons.h"
@@ -21,6 +23,7 @@ namespace hylden {
 namespace {
 
 constexpr std::string_view kMinutes = "##0.0";
+constexpr char kUnitsKey[] = "Units";
 constexpr int kCommentColumn = static_cast<int>(RunColumn::TestLevel);
 
 void ShowLevel(QLabel& caption, QLabel& figure, const ShownLevel& shown, bool known) {
@@ -52,6 +55,7 @@ frmRunTest::frmRunTest(Shell& shell, Instruments& instruments, Documents& docume
           },
           [this](std::size_t row, std::size_t column) { return column > 0 && IsThreshold(row); }) {
   ui_->setupUi(this);
+  units_ = UnitsFrom(shell_.settings.Get(std::string(windowkey::kRunTestForm), kUnitsKey, ""));
   marks_ = {{Readout::SigGenLevel, ui_->lblSigGenLevel},
             {Readout::InducedLevel, ui_->lblInducedLevel},
             {Readout::ForwardPower, ui_->lblPower}};
@@ -60,7 +64,8 @@ frmRunTest::frmRunTest(Shell& shell, Instruments& instruments, Documents& docume
   ConnectFileMenu();
   ConnectUnits();
   EnableFile(false);
-  RestorePlace(shell_, windowkey::kRunTestForm, *this);
+  SetUpCurves();
+  RestoreLayout(windowkey::kRunTestForm);
   manualPlace_ = shell_.settings.GetFormPosition(windowkey::kManualForm);
 }
 
@@ -126,11 +131,32 @@ void frmRunTest::OfferUnits(QMenu* menu, const std::vector<UnitEntry>& entries, 
     connect(entry.action, &QAction::triggered, this, [this, &choice, unit = entry.unit] {
       choice = unit;
       ShowLevels();
+      Curves().Renew();
     });
   }
 }
 
+void frmRunTest::SetUpCurves() {
+  const auto make = [this](std::size_t quantity) -> const RowCurves& {
+    curves_ = std::make_unique<RunCurves>(static_cast<RunQuantity>(quantity), CurveContext(), engine_.Data().Entries());
+    return *curves_;
+  };
+  // In the order of RunQuantity.
+  Curves().SetSource(
+      {{{"Test level", "TestLevel"}, {"Generator", "Generator"}, {"Induced", "Induced"}, {"Power", "Power"}},
+       make,
+       [this](int row) { return curves_->Add(engine_.Data().Entries(), row); }},
+      *ui_->flxTestData);
+}
+
+RunCurveContext frmRunTest::CurveContext() const {
+  const TestDefinition& test = documents_.testSetup.Definition;
+  return {units_, test.EUTCircuitImpedance, test.LevelsBy(LevelingMethod::NetPower), aims_};
+}
+
 void frmRunTest::Load() {
+  const std::string test = FileNameOnly(documents_.testSetup.TestFileName);
+  if (!test.empty()) SetCaption(windowTitle() + QStringLiteral(" - ") + ToQt(test));
   ButtonForm = std::make_unique<frmRunButtons>(shell_, this);
   ButtonForm->setWindowIcon(windowIcon());
   if (simulated_) ButtonForm->SetSimulated();
@@ -142,7 +168,9 @@ void frmRunTest::Load() {
   ButtonForm->show();
   auto readiness = RunReadiness::NotReady;
   Guard("Load", [&] { readiness = engine_.Prepare(); });
-  if (readiness == RunReadiness::NoSteps) close();
+  if (readiness == RunReadiness::NoSteps) return void(close());
+  if (readiness == RunReadiness::Ready) aims_ = engine_.Aims();
+  Curves().Renew();
 }
 
 void frmRunTest::SetSimulated() {
@@ -153,7 +181,7 @@ void frmRunTest::SetSimulated() {
 
 bool frmRunTest::QueryUnload() {
   if (!RunWindow::QueryUnload()) return false;
-  RememberPlace(shell_, windowkey::kRunTestForm, *this);
+  shell_.settings.Save(std::string(windowkey::kRunTestForm), kUnitsKey, UnitsText(units_));
   if (ButtonForm) ButtonForm->Unload();
   return true;
 }
@@ -214,10 +242,6 @@ void frmRunTest::Plan(const RunPlan& plan) {
 void frmRunTest::Status(const std::string& text) {
   const QString shown = text.empty() ? QStringLiteral("State: Idle") : ToQt(text);
   ShowStatus(shown, shown);
-}
-
-void frmRunTest::Step(int step) {
-  ShowText(*ui_->lblStep, QStringLiteral("Step# %1").arg(step));
 }
 
 void frmRunTest::StepDone(int step) {

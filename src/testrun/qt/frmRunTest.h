@@ -7,6 +7,7 @@
 #include "run/qt/RowTable.h"
 #include "run/qt/RunWindow.h"
 #include "testrun/ManualControls.h"
+#include "testrun/RunCurves.h"
 #include "testrun/RunEngine.h"
 #include "testrun/RunReport.h"
 #include "testrun/RunUnits.h"
@@ -66,7 +67,7 @@ class frmRunTest : public RunWindow, private ManualControls {
   void Phase(RunPhase phase) override;
   void Status(const std::string& text) override;
   void Plan(const RunPlan& plan) override;
-  void Step(int step) override;
+  QString StepText(int step) const override { return QStringLiteral("Step# %1").arg(step); }
   void StepDone(int step) override;
   void Show(Readout readout, std::optional<double> value) override;
   void Mark(Readout readout, bool held) override;
@@ -96,6 +97,9 @@ class frmRunTest : public RunWindow, private ManualControls {
   void ConnectUnits();
   void OfferUnits(QMenu* menu, const std::vector<UnitEntry>& entries, RunUnit& choice,
                   const std::vector<QWidget*>& labels);
+  void ChooseUnits();
+  void SetUpCurves();
+  RunCurveContext CurveContext() const;
   void ShowLevels();
   void ShowMarks();
   /// Whether the row, counted from 0, is a threshold.
@@ -110,6 +114,8 @@ class frmRunTest : public RunWindow, private ManualControls {
   std::string manualPlace_;  ///< where it was left, as the settings keep it
 
   RunUnitChoice units_;
+  std::vector<RunAim> aims_;
+  std::unique_ptr<RunCurves> curves_;  ///< those that are shown
   std::optional<double> testLevelDbuv_, inducedDbua_, powerDbm_;
   double inducedLimitDbua_ = 0;
   std::vector<Marked> marks_;
