@@ -1,7 +1,7 @@
 #include "testrun/qt/frmRunTest.h"
 
-#include <QActionGroup>
 #include <QEvent>
+#include <QMenu>
 #include <QScopeGuard>
 
 #include "documents/Documents.h"
@@ -9,6 +9,7 @@
 #include "run/qt/RunCurvePanel.h"
 #include "shell/FormInput.h"
 #include "shell/Shell.h"
+#include "testrun/qt/UnitsMenu.h"
 #include "testrun/qt/frmManual.h"
 #include "testrun/qt/frmRunButtons.h"
 #include "ui_frmRunTest.h"
@@ -101,39 +102,14 @@ void frmRunTest::PrintReport(RunReportKind kind) {
 }
 
 void frmRunTest::ConnectUnits() {
-  OfferUnits(ui_->mnuUnitsTarget,
-             {{ui_->mnuLevelUnitsDBuV, RunUnit::DbuV},
-              {ui_->mnuLevelUnitsDBuA, RunUnit::DbuA},
-              {ui_->mnuLevelUnitsDBm, RunUnit::Dbm},
-              {ui_->mnuLevelUnitsMW, RunUnit::Milliwatts},
-              {ui_->mnuLevelUnitsVolts, RunUnit::Volts}},
-             units_.TestLevel, {ui_->lblTestLevel, ui_->lblTestLevelCap});
-  OfferUnits(ui_->mnuUnitsInduced,
-             {{ui_->mnuUnitsInducedDBuV, RunUnit::DbuV},
-              {ui_->mnuUnitsInducedDBuA, RunUnit::DbuA},
-              {ui_->mnuUnitsInducedDBM, RunUnit::Dbm},
-              {ui_->mnuUnitsInducedMW, RunUnit::Milliwatts},
-              {ui_->mnuUnitsInducedVolts, RunUnit::Volts},
-              {ui_->mnuUnitsInducedRelative, RunUnit::Relative}},
-             units_.Induced, {ui_->lblInducedLevel, ui_->lblInducedLevelCap});
-  OfferUnits(ui_->mnuUnitsPower, {{ui_->mnuUnitsPowerdBm, RunUnit::Dbm}, {ui_->mnuUnitsPowerWatts, RunUnit::Watts}},
-             units_.Power, {ui_->lblPower, ui_->lblPowerCap});
-}
-
-void frmRunTest::OfferUnits(QMenu* menu, const std::vector<UnitEntry>& entries, RunUnit& choice,
-                            const std::vector<QWidget*>& labels) {
-  OpenOnRightClick(*menu, labels);
-  auto* const group = new QActionGroup(menu);
-  group->setExclusive(true);
-  for (const UnitEntry& entry : entries) {
-    group->addAction(entry.action);
-    entry.action->setChecked(entry.unit == choice);
-    connect(entry.action, &QAction::triggered, this, [this, &choice, unit = entry.unit] {
-      choice = unit;
-      ShowLevels();
-      Curves().Renew();
-    });
-  }
+  auto* const menu = new UnitsMenu(*ui_->mnuUnits, units_);
+  OpenOnRightClick(menu->TestLevel(), {ui_->lblTestLevel, ui_->lblTestLevelCap});
+  OpenOnRightClick(menu->Induced(), {ui_->lblInducedLevel, ui_->lblInducedLevelCap});
+  OpenOnRightClick(menu->Power(), {ui_->lblPower, ui_->lblPowerCap});
+  connect(menu, &UnitsMenu::Chosen, this, [this] {
+    ShowLevels();
+    Curves().Renew();
+  });
 }
 
 void frmRunTest::SetUpCurves() {

@@ -48,10 +48,6 @@ class frmRunTest : public RunWindow, private ManualControls {
   void changeEvent(QEvent* event) override;
 
  private:
-  struct UnitEntry {
-    QAction* action;
-    RunUnit unit;
-  };
   struct Marked {
     Readout readout;
     QLabel* label;
@@ -95,9 +91,6 @@ class frmRunTest : public RunWindow, private ManualControls {
   Controls TheControls();
   void ConnectFileMenu();
   void ConnectUnits();
-  void OfferUnits(QMenu* menu, const std::vector<UnitEntry>& entries, RunUnit& choice,
-                  const std::vector<QWidget*>& labels);
-  void ChooseUnits();
   void SetUpCurves();
   RunCurveContext CurveContext() const;
   void ShowLevels();
