@@ -1,6 +1,7 @@
 #include "documents/clsCalFile.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "measure/Conversions.h"
 #include "text/Case.h"
@@ -46,6 +47,11 @@ float ValueOf(const CalPoint& point, CalColumn column) {
   return kMissing;
 }
 
+/// Older records were written in the order of a list, which may fall.
+void Sort(std::vector<CalPoint>& points) {
+  std::stable_sort(points.begin(), points.end(), [](const CalPoint& a, const CalPoint& b) { return a.Freq < b.Freq; });
+}
+
 }  // namespace
 
 std::string DataFileOf(std::string_view infoFile) {
@@ -79,6 +85,10 @@ float NetPwrOf(float forwardDbm, float reverseDbm) {
   if (IsMissing(forward) || IsMissing(reverse)) return kMissing;
   return static_cast<float>(
       Conversions::WattsToDbm(Conversions::DbmToWatts(forward) - Conversions::DbmToWatts(reverse)));
+}
+
+clsCalFile::clsCalFile(std::vector<CalPoint> points) : points_(std::move(points)) {
+  Sort(points_);
 }
 
 double clsCalFile::GetStartFreq() const {
@@ -135,9 +145,7 @@ Done clsCalFile::ReadPoints(LineReader lines, const std::string& dataFile) {
     points_.push_back(*point);
   }
   if (points_.size() < 2) return Because("Unexpected end of calibration file: " + dataFile);
-  // Older records were written in the order of a list, which may fall.
-  std::stable_sort(points_.begin(), points_.end(),
-                   [](const CalPoint& a, const CalPoint& b) { return a.Freq < b.Freq; });
+  Sort(points_);
   return {};
 }
 

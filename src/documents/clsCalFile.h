@@ -48,6 +48,10 @@ void SettleRecord(const std::string& infoFile);
 /// band-change pair the larger value counts. A getter gives -999 where it has no answer.
 class clsCalFile {
  public:
+  clsCalFile() = default;
+  /// Points that were loaded before.
+  explicit clsCalFile(std::vector<CalPoint> points);
+
   double GetStartFreq() const;
   double GetStopFreq() const;
   /// The highest point index: one less than there are points.
