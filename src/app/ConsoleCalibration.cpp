@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "app/ConsoleDisplay.h"
 #include "app/ConsoleJobs.h"
 #include "app/ConsoleResume.h"
@@ -53,6 +55,7 @@ bool Load(ConsoleStation& station) {
     station.Tell("Error loading calibration setup file: " + file);
     return false;
   }
+  station.TheDocuments().calSetup.FileName = file;
   return Validate(station);
 }
 
@@ -61,9 +64,7 @@ bool ContinueFormer(ConsoleStation& station, LevelCalibration& calibration) {
   if (station.Options().Resume.empty()) return true;
   auto resumed = TakeJournal(station, JournalKind::LevelCalibration);
   if (!resumed) return false;
-  Recovery& former = resumed->Former;
-  CalRows rows = std::get<Recovery::Record>(std::move(former.Rows)).Rows;
-  return station.TheShell().Ok(calibration.Continue({former.Head, std::move(rows), std::move(resumed->Journal)}));
+  return station.TheShell().Ok(calibration.Continue(FormerCalibration(std::move(*resumed))));
 }
 
 bool Connected(ConsoleStation& station) {
@@ -76,6 +77,7 @@ bool Connected(ConsoleStation& station) {
 
 /// Prints the rows that are in no record. @return whether there are none
 bool SavedOrPrinted(ConsoleStation& station, const LevelCalibration& calibration) {
+  if (calibration.Unsaved().AreKept()) return true;  // in the journal that it was to continue
   CalRows unsaved;
   for (const CalRow& row : calibration.Rows())
     if (!calibration.Unsaved().AreSaved() || !row.Complete) unsaved.push_back(row);

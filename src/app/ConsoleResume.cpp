@@ -10,12 +10,10 @@ namespace hylden {
 namespace {
 
 /// What keeps the rows of a journal from being continued; nothing where they can be.
-std::optional<std::string> Obstacle(const Result<Recovery>& recovery, JournalKind kind) {
+std::optional<std::string> ObstacleTo(JournalKind kind, const Result<Recovery>& recovery) {
   if (!recovery) return recovery.error().Boxes().front().text;
   if (recovery->Head.Kind != kind) return "It is the journal of another kind of run";
-  if (recovery->Recorded == 0) return "It holds no row";
-  if (!recovery->Gapless) return "A row of it is damaged: it can be saved only";
-  return std::nullopt;
+  return Obstacle(*recovery);
 }
 
 }  // namespace
@@ -31,7 +29,7 @@ std::optional<ResumedJournal> TakeJournal(ConsoleStation& station, JournalKind k
     return std::nullopt;
   }
   auto recovery = RecoveryOf(found->Bytes);
-  if (const auto obstacle = Obstacle(recovery, kind)) {
+  if (const auto obstacle = ObstacleTo(kind, recovery)) {
     station.Tell(found->File->Path() + ": " + *obstacle);
     return std::nullopt;
   }

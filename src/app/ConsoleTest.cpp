@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "app/ConsoleDisplay.h"
 #include "app/ConsoleJobs.h"
 #include "app/ConsoleResume.h"
@@ -54,14 +56,13 @@ bool ContinueFormer(ConsoleStation& station, RunEngine& engine) {
   if (station.Options().Resume.empty()) return true;
   auto resumed = TakeJournal(station, JournalKind::Test);
   if (!resumed) return false;
-  Recovery& former = resumed->Former;
-  return station.TheShell().Ok(
-      engine.Continue({former.Head, std::get<RunData>(std::move(former.Rows)), std::move(resumed->Journal)}));
+  return station.TheShell().Ok(engine.Continue(FormerTest(std::move(*resumed))));
 }
 
 /// Prints the run data unless they are in the output file. @return whether they are
 bool SavedOrPrinted(ConsoleStation& station, const RunEngine& engine) {
-  if (engine.Data().IsEmpty()) return true;
+  const bool waits = engine.Unsaved().AreKept();  // in the journal that it was to continue
+  if (engine.Data().IsEmpty() || waits) return true;
   const std::string text = RunFileText(engine.Data(), false);
   try {
     if (ReadTextFile(station.OutputName()) == text) return true;

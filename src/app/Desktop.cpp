@@ -71,7 +71,7 @@ Desktop::Desktop(Station& station, DesktopOptions options)
     menu_->OfferDemo();
   }
   connect(menu_.get(), &TopMenu::ConfigureRequested, this, [this] { OpenEquipment(menu_.get()); });
-  connect(menu_.get(), &TopMenu::CalibrationRequested, this, &Desktop::OpenCalibrationSetup);
+  connect(menu_.get(), &TopMenu::CalibrationRequested, this, [this] { OpenCalibrationSetup(); });
   connect(menu_.get(), &TopMenu::RunTestRequested, this, [this] { OpenTestDefinition(); });
   connect(menu_.get(), &TopMenu::BenchRequested, this, &Desktop::ShowBenchPanel);
   connect(menu_.get(), &TopMenu::DemoRequested, this, [this] { OpenDemoStation(shell_); });
@@ -92,14 +92,42 @@ Desktop::~Desktop() {
 }
 
 bool Desktop::Start(const std::string& commandLine) {
-  if (options_.journals) OfferJournals(shell_, *options_.journals);
-  if (StartUp(station_, commandLine) == Opening::TestDefinition) OpenTestDefinition();
+  if (auto resumed = options_.journals ? OfferJournals(shell_, *options_.journals) : std::nullopt) {
+    resumed_ = std::make_unique<ResumedJournal>(std::move(*resumed));
+    Resume();
+  } else if (StartUp(station_, commandLine) == Opening::TestDefinition) {
+    OpenTestDefinition();
+  }
   if (!shell_.end.MayStart()) return false;
   ShowStation();
   if (!open_.isEmpty()) return true;
   menu_->show();
   ShowWelcome();
   return true;
+}
+
+void Desktop::Resume() {
+  const JournalHead head = resumed_->Former.Head;
+  const bool isTest = head.Kind == JournalKind::Test;
+  std::vector<std::string> switches = {"/e:" + head.Equipment};
+  if (isTest) switches.push_back("/t:" + head.File);
+  const Opening opening = StartUp(station_, JoinArguments(switches));
+  if (!isTest)
+    ResumeCalibration(head.File);
+  else if (opening == Opening::TestDefinition)
+    ResumeTest();
+  resumed_.reset();
+}
+
+void Desktop::ResumeTest() {
+  if (frmTestDef* const form = OpenTestDefinition()) form->Guard("cmdStart", [form] { form->Start(); });
+}
+
+void Desktop::ResumeCalibration(const std::string& setup) {
+  frmCalSetup* const form = OpenCalibrationSetup();
+  if (!form) return;
+  form->LoadFile(ToQt(setup));
+  if (documents_.calSetup.FileName == setup) form->Guard("cmdStart", [form] { form->Start(); });
 }
 
 /// Who has no settings starts for the first time.
@@ -214,13 +242,13 @@ void Desktop::Serve(RunSetupForm* form) {
           [this, form](const QString& list) { OpenListBuilder(form, list); });
 }
 
-void Desktop::OpenTestDefinition() {
-  if (!shell_.end.MayStart()) return;
+frmTestDef* Desktop::OpenTestDefinition() {
+  if (!shell_.end.MayStart()) return nullptr;
   auto* const form = new frmTestDef(shell_, documents_);
   Serve(form);
   connect(form, &frmTestDef::StartRequested, this, [this, form] { OpenTestRun(form); });
   connect(form, &frmTestDef::PrintPreviewRequested, this, [this, form] { Preview([form] { form->Print(); }); });
-  Open(form, menu_.get());
+  return Open(form, menu_.get()) ? form : nullptr;
 }
 
 void Desktop::OpenTestRun(QWidget* caller) {
@@ -231,24 +259,28 @@ void Desktop::OpenTestRun(QWidget* caller) {
   connect(this, &Desktop::EscapePressed, form, &RunWindow::PressHalt);
   connect(form, &frmRunTest::PrintPreviewRequested, this,
           [this, form](RunReportKind kind) { Preview([form, kind] { form->PrintReport(kind); }); });
-  if (Open(form, caller)) form->Load();
+  if (!Open(form, caller)) return;
+  form->Load();
+  if (auto resumed = std::exchange(resumed_, nullptr)) form->Continue(FormerTest(std::move(*resumed)));
 }
 
-void Desktop::OpenCalibrationSetup() {
-  if (!shell_.end.MayStart()) return;
+frmCalSetup* Desktop::OpenCalibrationSetup() {
+  if (!shell_.end.MayStart()) return nullptr;
   auto* const form = new frmCalSetup(shell_, instruments_, documents_);
   Serve(form);
   connect(form, &frmCalSetup::EditLevelRequested, this,
           [this, form](const QString& levelFile) { OpenFactorEditor(form, FactorKind::Level, levelFile); });
   connect(form, &frmCalSetup::StartRequested, this, [this, form] { OpenCalibrationRun(form); });
-  Open(form, menu_.get());
+  return Open(form, menu_.get()) ? form : nullptr;
 }
 
 void Desktop::OpenCalibrationRun(QWidget* caller) {
   bench_->Cable(MeterAt::Port);
   auto* const form = new frmRunCal(shell_, instruments_, documents_);
   connect(this, &Desktop::EscapePressed, form, &RunWindow::PressHalt);
-  if (Open(form, caller)) form->Load();
+  if (!Open(form, caller)) return;
+  form->Load();
+  if (auto resumed = std::exchange(resumed_, nullptr)) form->Continue(FormerCalibration(std::move(*resumed)));
 }
 
 void Desktop::OpenFactorEditor(QWidget* caller, FactorKind kind, const QString& file) {

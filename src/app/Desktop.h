@@ -21,10 +21,13 @@ class TopMenu;
 class DefinitionForm;
 class WorkingForm;
 class frmBus;
+class frmCalSetup;
 class frmEquipment;
 class frmHelp;
+class frmTestDef;
 struct Documents;
 struct Instruments;
+struct ResumedJournal;
 enum class FactorKind;
 enum class InstrumentKind;
 
@@ -35,7 +38,7 @@ struct DesktopOptions {
   /// Runs a print command with the preview window in the printer's place.
   std::function<void(const std::function<void()>& print)> preview = {};
   /// Where runs keep their rows: what an earlier program has left there is offered at the start.
-  const JournalFolder* journals = nullptr;
+  JournalFolder* journals = nullptr;
 };
 
 /// The windows of the program and who opens what: forms tell by signals what they want, and are connected here. When a
@@ -61,12 +64,12 @@ class Desktop : public QObject {
   void OpenDefinition(frmEquipment* equipment, InstrumentKind kind);
   /// Opens the parse tester above the editor, which gets the expression that is saved there.
   void OpenParseTester(DefinitionForm* editor, const QString& answer, const QString& expression);
-  /// Opens the test definition; its Start opens the test run.
-  void OpenTestDefinition();
+  /// Opens the test definition; its Start opens the test run. Null while the program is being ended.
+  frmTestDef* OpenTestDefinition();
   /// Opens the test run in the caller's place.
   void OpenTestRun(QWidget* caller);
-  /// Opens the calibration setup; its Start opens the calibration run.
-  void OpenCalibrationSetup();
+  /// Opens the calibration setup; its Start opens the calibration run. Null while the program is being ended.
+  frmCalSetup* OpenCalibrationSetup();
   /// Opens the level calibration in the caller's place.
   void OpenCalibrationRun(QWidget* caller);
   /// Opens the editor of factor files in the caller's place, with a file if one is named.
@@ -102,6 +105,10 @@ class Desktop : public QObject {
   void Ended();
 
  private:
+  /// Opens the window of the run that is to be continued, as its test or setup would.
+  void Resume();
+  void ResumeTest();
+  void ResumeCalibration(const std::string& setup);
   void ShowWelcome();
   /// The main menu says which station and test are loaded.
   void ShowStation();
@@ -126,6 +133,7 @@ class Desktop : public QObject {
   const std::string helpFile_;
   QVector<QPointer<WorkingForm>> open_;
   QPointer<frmBus> bus_;                          ///< one of them
+  std::unique_ptr<ResumedJournal> resumed_;       ///< for the run window that is opened next
   std::unique_ptr<RunCablCal> cableCalibration_;  ///< its setup and points outlive the forms
 };
 

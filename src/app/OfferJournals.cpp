@@ -1,11 +1,13 @@
 #include "app/OfferJournals.h"
 
 #include <string>
+#include <utility>
 
 #include "app/Recovery.h"
 #include "calibration/InsertionLossText.h"
 #include "calibration/RecordQuestion.h"
 #include "platform/native/JournalFolder.h"
+#include "run/RunQuestions.h"
 #include "shell/Shell.h"
 
 namespace hylden {
@@ -20,6 +22,8 @@ class Offer {
   Offer(Shell& shell, const Recovery& recovery)
       : shell_(shell), recovery_(recovery), what_("\r\n\r\n" + DescriptionOf(recovery) + "\r\n\r\n") {}
 
+  /// Whether the run is to be continued; Cancel: the journal is kept as it is.
+  MessageAnswer Continued();
   /// Whether the journal is not needed any more.
   bool IsDone();
 
@@ -32,6 +36,14 @@ class Offer {
   const Recovery& recovery_;
   const std::string what_;
 };
+
+MessageAnswer Offer::Continued() {
+  return shell_.dialogs.Show(
+      {"A run was not ended in order, and can be continued. Its journal holds:" + what_ +
+           "Continue it?\r\nNo: it can be saved, or removed. Cancel: it is kept, and asked about "
+           "at the next start.",
+       question::kContinueRun, MessageIcon::Question, MessageButtons::YesNoCancel});
+}
 
 bool Offer::IsDone() {
   if (!recovery_.FillsFile())
@@ -67,11 +79,18 @@ FileRequest Offer::Request() {
   return RunDataRequest(shell_.settings);
 }
 
+/// Whether the program has what it takes to open the window of the run.
+bool CanBeContinued(const Recovery& recovery) {
+  const JournalHead& head = recovery.Head;
+  return head.Kind != JournalKind::InsertionLoss && !head.File.empty() && !Obstacle(recovery) && IsUnfinished(recovery);
+}
+
 }  // namespace
 
-void OfferJournals(Shell& shell, const JournalFolder& folder) {
+std::optional<ResumedJournal> OfferJournals(Shell& shell, JournalFolder& folder) {
+  std::optional<ResumedJournal> continued;
   for (AbandonedJournal& journal : folder.Abandoned()) {
-    const auto recovery = RecoveryOf(std::move(journal.Bytes));
+    auto recovery = RecoveryOf(journal.Bytes);
     if (!recovery) {
       shell.dialogs.Tell("A journal of recorded data can't be read, and is left alone:\r\n" + journal.File->Path() +
                              "\r\n" + recovery.error().Boxes().front().text,
@@ -79,8 +98,15 @@ void OfferJournals(Shell& shell, const JournalFolder& folder) {
       continue;
     }
     const bool nothingRecorded = recovery->Recorded == 0 && recovery->Damaged == 0;
-    if (nothingRecorded || Offer(shell, *recovery).IsDone()) (void)journal.File->Remove();
+    Offer offer(shell, *recovery);
+    const bool asks = !continued && CanBeContinued(*recovery);
+    const MessageAnswer answer = asks ? offer.Continued() : MessageAnswer::No;
+    if (answer == MessageAnswer::Yes)
+      continued = ResumedJournal{std::move(*recovery), folder.GoOn(std::move(journal))};
+    else if (nothingRecorded || (answer == MessageAnswer::No && offer.IsDone()))
+      (void)journal.File->Remove();
   }
+  return continued;
 }
 
 }  // namespace hylden

@@ -1,7 +1,7 @@
 #include "app/Recovery.h"
 
 #include <array>
-#include <optional>
+#include <set>
 #include <utility>
 
 #include "calibration/InsertionLossText.h"
@@ -96,6 +96,34 @@ Result<Recovery> RecoveryOf(std::string bytes) {
     return Because("Its head is damaged");
   }
   return recovery;
+}
+
+std::optional<std::string> Obstacle(const Recovery& recovery) {
+  if (recovery.Recorded == 0) return "It holds no row";
+  if (!recovery.Gapless) return "A row of it is damaged: it can be saved only";
+  return std::nullopt;
+}
+
+bool IsUnfinished(const Recovery& recovery) {
+  std::size_t done = recovery.Count;
+  if (const auto* const data = std::get_if<RunData>(&recovery.Rows)) {
+    // Behind manual mode a step may have several rows.
+    std::set<double> frequencies;
+    for (const RunEntry& entry : data->Entries())
+      if (!IsThreshold(entry)) frequencies.insert(FreqOf(entry));
+    done = frequencies.size();
+  }
+  return done < recovery.Head.Planned;
+}
+
+FormerRun<RunData> FormerTest(ResumedJournal journal) {
+  Recovery& former = journal.Former;
+  return {std::move(former.Head), std::get<RunData>(std::move(former.Rows)), std::move(journal.Journal)};
+}
+
+FormerRun<CalRows> FormerCalibration(ResumedJournal journal) {
+  Recovery& former = journal.Former;
+  return {std::move(former.Head), std::get<Recovery::Record>(std::move(former.Rows)).Rows, std::move(journal.Journal)};
 }
 
 std::string DescriptionOf(const Recovery& recovery) {

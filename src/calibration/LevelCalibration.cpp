@@ -15,6 +15,7 @@
 #include "run/RunQuestions.h"
 #include "shell/FormInput.h"
 #include "shell/Shell.h"
+#include "text/ExistingPath.h"
 #include "text/Numbers.h"
 #include "text/RecordFile.h"
 
@@ -50,7 +51,7 @@ bool LevelCalibration::Prepare() {
   setup_ = documents_.calSetup.Record;
   couplingFactor_ = documents_.calSetup.CouplingFactor();
   ForgetRows();
-  former_.reset();
+  continues_ = false;
   ready_ = false;  // should planning throw
   ready_ = PlanRun() && LoadTables() && CheckTestLevels();
   return ready_;
@@ -140,6 +141,8 @@ bool LevelCalibration::CheckTestLevels() {
 JournalHead LevelCalibration::Head() {
   JournalHead head{.Kind = JournalKind::LevelCalibration,
                    .Name = FileNameOnly(documents_.calSetup.FileName),
+                   .File = FullPath(documents_.calSetup.FileName),
+                   .Equipment = FullPath(documents_.equip.EquipFileName),
                    .Planned = plan_.size(),
                    .Notice = shell_.runNotice,
                    .Parts = Parts()};
@@ -164,7 +167,7 @@ RunParts LevelCalibration::Parts() {
 }
 
 Done LevelCalibration::Continue(FormerRun<CalRows> former) {
-  former_.reset();
+  continues_ = false;
   if (IsRunning() || !ready_) return Because("No run is prepared.");
   if (Done same = MayContinue(former.Head, Head()); !same) return same;
   const CalRows& rows = former.Recorded;
@@ -172,25 +175,58 @@ Done LevelCalibration::Continue(FormerRun<CalRows> former) {
   if (rows.size() > plan_.size() || !std::equal(rows.begin(), rows.end(), plan_.begin(), isPlanned))
     return Because(kOtherRows);
   if (rows.size() == plan_.size()) return Because(kNothingToContinue);
-  former_ = std::move(former);
+  rows_ = std::move(former.Recorded);
+  journal_.Take(std::move(former.Head), std::move(former.Journal));
+  unsaved_.Keep();
+  continues_ = true;
+  ShowRows();
+  display_.Status(ContinuesText(rows_.size() + 1, plan_[rows_.size()]));
   return {};
 }
 
-void LevelCalibration::TakeFormer() {
-  FormerRun<CalRows> former = std::move(*std::exchange(former_, std::nullopt));
-  for (const CalRow& row : former.Recorded) {
-    rows_.push_back(row);
-    display_.RowChanged(static_cast<int>(rows_.size()));
-  }
+std::optional<std::size_t> LevelCalibration::Unfinished() {
+  const std::size_t complete = CompleteRows(rows_).size();
+  const bool someAreMissing = ready_ && complete > 0 && complete < plan_.size();
+  if (!someAreMissing || !MayContinue(journal_.Head(), Head())) return std::nullopt;
+  return complete + 1;
+}
+
+void LevelCalibration::BeginAfresh() {
+  ForgetRows();
+  journal_.Begin(Head());
+}
+
+void LevelCalibration::GoOn() {
+  if (!rows_.back().Complete) rows_.pop_back();
+  unsaved_.Reset();
+  ShowRows();
+  if (!journal_.GoOn())
+    for (std::size_t i = 0; i < rows_.size(); ++i) journal_.Row(static_cast<int>(i + 1), RowLineOf(rows_[i]));
   const std::size_t first = rows_.size() + 1;
-  journal_.Continue(std::move(former.Journal), static_cast<int>(first));
+  journal_.Seam(static_cast<int>(first));
   shell_.log.LogFile(ContinuedText(first, plan_[first - 1]));
 }
 
+void LevelCalibration::ShowRows() {
+  display_.RowChanged(0);
+  for (std::size_t row = 1; row <= rows_.size(); ++row) display_.RowChanged(static_cast<int>(row));
+}
+
 void LevelCalibration::Run() {
-  if (IsRunning() || !ready_ || !unsaved_.MayDrop()) return;
+  if (IsRunning() || !ready_ || !MayBegin()) return;
   guard_.Run(
       "frmRunCal.RunCal", [this] { RunPlan(); }, [this] { End(); });
+  // Of a run that did not come to its start, what the operator said about this one is forgotten.
+  continues_ = continues_ && unsaved_.AreKept();
+}
+
+bool LevelCalibration::MayBegin() {
+  if (continues_) return true;
+  if (const auto step = Unfinished()) {
+    const MessageAnswer answer = AskToContinue(shell_.dialogs, *step, plan_[*step - 1]);
+    if (answer != MessageAnswer::No) return continues_ = answer == MessageAnswer::Yes;
+  }
+  return unsaved_.MayDrop();
 }
 
 void LevelCalibration::RunPlan() {
@@ -202,8 +238,7 @@ void LevelCalibration::RunPlan() {
   display_.Phase(RunPhase::Running);
   // Up to here the points of an earlier run are kept: a run that did not get to its first point costs nothing.
   if (Halted()) return;
-  ForgetRows();
-  former_ ? TakeFormer() : journal_.Begin(Head());
+  std::exchange(continues_, false) ? GoOn() : BeginAfresh();
   Sweep();
 }
 

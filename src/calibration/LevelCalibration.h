@@ -37,12 +37,15 @@ class LevelCalibration {
   /// Plans the frequencies and loads the factor tables for the calibration setup as it is now.
   /// @return false after a message: no run can be started
   bool Prepare();
-  /// The run to come continues one that ended early: its rows stand before those to come, and the first frequency
-  /// without one begins at the setup's initial level. To be called when Prepare came to true.
+  /// The run to come continues one that ended early: its rows are shown, stand before those to come, and the first
+  /// frequency without one begins at the setup's initial level. To be called when Prepare came to true.
   /// @return why it can't be continued; the next run begins afresh then
   Done Continue(FormerRun<CalRows> former);
-  /// Runs the calibration; returns when it ended, failed or was halted. Does nothing before Prepare came to true, nor
-  /// when the operator wants to keep rows that are not saved.
+  /// The step at which the next run can continue the one whose rows these are: some frequencies have none yet, and
+  /// nothing that it is made of has changed.
+  std::optional<std::size_t> Unfinished();
+  /// Asks whether to continue a run that ended early, then runs the calibration; returns when it ended, failed or was
+  /// halted. Does nothing before Prepare came to true, nor when the operator wants to keep rows that are not saved.
   void Run();
   /// Asks for a file and saves the complete rows as a calibration record. One that does not hold the whole plan is
   /// told, and names the range that it holds. @return false when cancelled or failed
@@ -79,7 +82,10 @@ class LevelCalibration {
   bool WriteRecord();
   JournalHead Head();
   RunParts Parts();
-  void TakeFormer();
+  bool MayBegin();
+  void BeginAfresh();
+  void GoOn();
+  void ShowRows();
   void ForgetRows();
   bool PlanRun();
   void ShowPlan();
@@ -125,10 +131,10 @@ class LevelCalibration {
   std::vector<double> plan_;
   CalRows rows_;
   Point point_;
-  float sigGenLevel_ = 0;                     ///< dBm
-  std::optional<FormerRun<CalRows>> former_;  ///< which the next run continues
+  float sigGenLevel_ = 0;  ///< dBm
   bool ready_ = false;
-  bool started_ = false;  ///< the instruments came up
+  bool continues_ = false;  ///< the next run continues the one whose rows these are
+  bool started_ = false;    ///< the instruments came up
   RunJournal journal_;
 };
 

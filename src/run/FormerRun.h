@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/Dialogs.h"
 #include "platform/Journals.h"
 #include "run/JournalFile.h"
 
@@ -20,8 +21,15 @@ struct FormerRun {
 /// Whether a run may be continued: as the same run on the same station. @return the first difference
 Done MayContinue(const JournalHead& then, const JournalHead& now);
 
-/// What the run log says of a run that is continued.
+/// Asks whether the run to come continues the one before, which ended early, at this step. Yes: it does; No: it begins
+/// afresh; Cancel: nothing runs.
+MessageAnswer AskToContinue(Dialogs& dialogs, std::size_t step, double frequencyMHz);
+
+/// What the run log says of a run that is continued, and the display of one that waits for it.
 std::string ContinuedText(std::size_t step, double frequencyMHz);
+std::string ContinuesText(std::size_t step, double frequencyMHz);
+/// What the operator is told of a journal that can't be continued.
+std::string NotContinuedText(const Failure& why);
 
 inline constexpr const char* kNothingToContinue = "Every step has its row: the journal can be saved only.";
 inline constexpr const char* kOtherRows = "The rows of the journal are not those of the planned steps.";

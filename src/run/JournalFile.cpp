@@ -16,7 +16,7 @@ namespace hylden {
 
 namespace {
 
-constexpr std::string_view kTitle = "Hylden journal ", kForm = "2", kFirstForm = "1";
+constexpr std::string_view kTitle = "Hylden journal ", kForm = "3", kFormerForms = "12";
 /// By JournalKind.
 constexpr std::array<std::string_view, 3> kKinds = {"test", "level calibration", "insertion loss"};
 constexpr std::string_view kLastOfHead = "rows";
@@ -88,8 +88,9 @@ bool Reading::Entry(std::string_view key, std::string_view value) {
   if (key == "planned") return Take(value, head.Planned);
   if (key == "part") return Part(value);
   if (key == "info") return head.Info.emplace_back(value), true;
-  const std::pair<std::string_view, std::string*> texts[] = {
-      {"program", &head.Program}, {"name", &head.Name}, {"started", &head.Started}, {"notice", &head.Notice}};
+  const std::pair<std::string_view, std::string*> texts[] = {{"program", &head.Program},     {"name", &head.Name},
+                                                             {"started", &head.Started},     {"file", &head.File},
+                                                             {"equipment", &head.Equipment}, {"notice", &head.Notice}};
   for (const auto& [name, text] : texts)
     if (key == name) return *text = value, true;
   return false;
@@ -140,6 +141,8 @@ std::string HeadLines(const JournalHead& head) {
   add("program", head.Program);
   add("name", head.Name);
   add("started", head.Started);
+  if (!head.File.empty()) add("file", head.File);
+  if (!head.Equipment.empty()) add("equipment", head.Equipment);
   add("planned", std::to_string(head.Planned));
   if (!head.Notice.empty()) add("notice", head.Notice);
   for (const std::string& line : head.Info) add("info", line);
@@ -163,7 +166,8 @@ Result<Journal> ReadJournal(std::string bytes) {
   if (!title && lines.AtEnd() && SealedLine(std::string(kTitle).append(kForm)).starts_with(first)) return Journal();
   if (!title || !title->starts_with(kTitle)) return Because("It is no journal");
   const std::string form = title->substr(kTitle.size());
-  if (form != kForm && form != kFirstForm) return Because("It is of another version of Hylden");
+  const bool isFormer = form.size() == 1 && kFormerForms.find(form) != std::string_view::npos;
+  if (form != kForm && !isFormer) return Because("It is of another version of Hylden");
   Reading reading;
   while (!lines.AtEnd()) reading.Line(lines.NextLine());
   return std::move(reading).Outcome();

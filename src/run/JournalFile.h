@@ -23,6 +23,8 @@ struct JournalHead {
   std::string Program = {};            ///< name and version
   std::string Name = {};               ///< the file of the test or the setup; empty without one
   std::string Started = {};            ///< local date and time
+  std::string File = {};               ///< whole path of the test or the setup; empty without one
+  std::string Equipment = {};          ///< the same of the station's equipment file
   std::size_t Planned = 0;             ///< steps
   std::string Notice = {};             ///< that no instrument is driven; empty otherwise
   std::vector<std::string> Info = {};  ///< of a level calibration: the lines of its .hyinfo

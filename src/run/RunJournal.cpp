@@ -36,7 +36,7 @@ RunJournal::RunJournal(Shell& shell, UnsavedRows& rows) : shell_(shell), rows_(r
 
 RunJournal::~RunJournal() {
   rows_.onSettled = nullptr;
-  if (!rows_.Any()) Settle();
+  if (!rows_.Any() && !rows_.AreKept()) Settle();
 }
 
 void RunJournal::Begin(JournalHead head) {
@@ -49,12 +49,20 @@ void RunJournal::Begin(JournalHead head) {
   complete_ = false;
 }
 
-void RunJournal::Continue(std::unique_ptr<JournalWriter> file, int row) {
-  Remove();
+void RunJournal::Take(JournalHead head, std::unique_ptr<JournalWriter> file) {
+  head_ = std::move(head);
   file_ = std::move(file);
-  file_->Append(SeamLine(row));
-  on_ = true;
+  on_ = complete_ = false;
+}
+
+bool RunJournal::GoOn() {
+  on_ = shell_.journals != nullptr;
   complete_ = false;
+  return file_ != nullptr;
+}
+
+void RunJournal::Seam(int row) {
+  if (file_) file_->Append(SeamLine(row));
 }
 
 /// "radio_20261123-183507"

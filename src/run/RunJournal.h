@@ -28,8 +28,15 @@ class RunJournal {
   /// A new run records, and the journal of the one before is not needed any more. Its file comes with the first row.
   /// @param head  without program, time and notice
   void Begin(JournalHead head);
-  /// A run continues one that ended early, and that one's journal with this row.
-  void Continue(std::unique_ptr<JournalWriter> file, int row);
+  /// The rows are those of a run that ended early, whose journal this is. It stays as it is until the run goes on.
+  void Take(JournalHead head, std::unique_ptr<JournalWriter> file);
+  /// The run whose rows these are goes on, and with it its journal.
+  /// @return false when that is gone, since they were saved or not wanted: they have to come again
+  bool GoOn();
+  /// The run goes on with this row.
+  void Seam(int row);
+  /// Of the run whose rows these are.
+  const JournalHead& Head() const { return head_; }
   bool IsOn() const { return on_; }
   /// A row is complete, or has changed since: the last word about a number counts.
   void Row(int number, std::string_view values);

@@ -6,5 +6,6 @@ namespace hylden::question {
 inline constexpr const char* kMakeSure = "MAKE SURE!!!";
 inline constexpr const char* kSaveRunData = "Save Run Data";
 inline constexpr const char* kSaveCalibration = "Save Calibration";
+inline constexpr const char* kContinueRun = "Continue Run";
 
 }  // namespace hylden::question

@@ -27,7 +27,7 @@ void UnsavedRows::Settle(State state) {
 }
 
 bool UnsavedRows::Save() {
-  if (!AreSaved()) state_ = State::Wanted;
+  if (!AreSaved() && !AreKept()) state_ = State::Wanted;
   const FlagRaised asking(asking_);
   const bool written = write_();
   if (written) Settle(State::Saved);
@@ -45,7 +45,7 @@ bool UnsavedRows::MayDrop() {
 }
 
 bool UnsavedRows::MayLeave() {
-  return state_ == State::NotWanted || MayDrop();
+  return state_ == State::NotWanted || AreKept() || MayDrop();
 }
 
 }  // namespace hylden

@@ -25,12 +25,16 @@ class UnsavedRows {
 
   /// The rows are new: nobody has been asked about them.
   void Reset() { state_ = State::New; }
+  /// The rows are those of a journal that was left behind, and stay there unless they are saved or dropped.
+  void Keep() { state_ = State::Kept; }
+  bool AreKept() const { return state_ == State::Kept; }
   void AskAtTheEnd();
   /// The save command. What is in a file stays there when another save fails. @return whether it was written now
   bool Save();
   /// Asks, once, before the rows are dropped. @return false when they have to stay: cancelled, or not saved
   bool MayDrop();
-  /// The same before the window closes; what was not wanted at the end of its run goes without a question.
+  /// The same before the window closes; what was not wanted at the end of its run goes without a question, and what is
+  /// kept stays without one.
   bool MayLeave();
 
   bool AreSaved() const { return state_ == State::Saved; }
@@ -42,7 +46,7 @@ class UnsavedRows {
   bool IsAsking() const { return asking_; }
 
  private:
-  enum class State { New, Wanted, NotWanted, LetGo, Saved };
+  enum class State { New, Kept, Wanted, NotWanted, LetGo, Saved };
 
   void Settle(State state);
 

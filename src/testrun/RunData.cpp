@@ -71,6 +71,11 @@ void RunData::FillStep(int row, const StepResult& result) {
   TellRow(row);
 }
 
+void RunData::DropIncomplete() {
+  const auto* const last = entries_.empty() ? nullptr : std::get_if<StepEntry>(&entries_.back());
+  if (last && !last->Result) entries_.pop_back();
+}
+
 int RunData::AddThreshold(double frequencyMHz, double offsetDb) {
   ThresholdEntry threshold;
   threshold.Freq = frequencyMHz;

@@ -98,6 +98,8 @@ class RunData {
 
   /// A row for a step that begins; returns its number.
   int AddStep(double frequencyMHz);
+  /// Takes the step at the end back that was not completed, if there is one.
+  void DropIncomplete();
   /// An entry from elsewhere, as it is.
   void Add(RunEntry entry) { entries_.push_back(std::move(entry)); }
   void FillStep(int row, const StepResult& result);

@@ -15,6 +15,7 @@
 #include "testrun/RunLoader.h"
 #include "testrun/StepRunner.h"
 #include "testrun/TestParts.h"
+#include "text/ExistingPath.h"
 
 namespace hylden {
 
@@ -77,7 +78,7 @@ RunEngine::~RunEngine() = default;
 RunReadiness RunEngine::Prepare() {
   if (IsRunning()) return RunReadiness::NotReady;
   ready_ = false;
-  former_.reset();
+  continues_ = false;
   stepRunner_.reset();
   inputs_ = std::make_unique<RunInputs>(shell_);
   RunLoader loader(shell_, documents_, display_, *inputs_);
@@ -89,6 +90,7 @@ RunReadiness RunEngine::Prepare() {
   }
   if (inputs_->ListReadable && loader.LoadCalibration()) {
     data_.Clear();
+    reached_.clear();
     display_.RowChanged(0);
     ready_ = loader.LoadFactors();
   }
@@ -106,18 +108,46 @@ std::vector<RunAim> RunEngine::Aims() const {
 }
 
 Done RunEngine::Continue(FormerRun<RunData> former) {
-  former_.reset();
+  continues_ = false;
   if (IsRunning() || !ready_) return Because("No run is prepared.");
   if (Done same = MayContinue(former.Head, Head()); !same) return same;
-  const auto reached = ReachedBy(former.Recorded, Steps());
+  auto reached = ReachedBy(former.Recorded, Steps());
   if (!reached) return Because(kOtherRows);
   if (reached->size() == Steps().size()) return Because(kNothingToContinue);
-  former_ = std::move(former);
+  data_.Clear();
+  for (const int seam : former.Recorded.Seams()) data_.AddSeam(seam);
+  for (const RunEntry& entry : former.Recorded.Entries()) data_.Add(entry);
+  reached_ = std::move(*reached);
+  info_ = {};
+  info_.Started = former.Head.Started;
+  journal_.Take(std::move(former.Head), std::move(former.Journal));
+  unsaved_.Keep();
+  continues_ = true;
+  ShowRows();
+  display_.Status(ContinuesText(reached_.size() + 1, Steps()[reached_.size()].Freq));
   return {};
 }
 
+std::optional<std::size_t> RunEngine::Unfinished() {
+  const bool someAreMissing = ready_ && !reached_.empty() && reached_.size() < Steps().size();
+  if (!someAreMissing || !MayContinue(journal_.Head(), Head())) return std::nullopt;
+  return reached_.size() + 1;
+}
+
 void RunEngine::ConfirmAndRun() {
-  if (!IsRunning() && unsaved_.MayDrop() && shell_.end.MayStart() && Confirm()) RunCdiTest();
+  if (IsRunning() || !MayBegin()) return;
+  if (shell_.end.MayStart() && Confirm()) RunCdiTest();
+  // Of a run that did not come to its start, what the operator said about this one is forgotten.
+  continues_ = continues_ && unsaved_.AreKept();
+}
+
+bool RunEngine::MayBegin() {
+  if (continues_) return true;
+  if (const auto step = Unfinished()) {
+    const MessageAnswer answer = AskToContinue(shell_.dialogs, *step, Steps()[*step - 1].Freq);
+    if (answer != MessageAnswer::No) return continues_ = answer == MessageAnswer::Yes;
+  }
+  return unsaved_.MayDrop();
 }
 
 bool RunEngine::Confirm() {
@@ -143,42 +173,59 @@ void RunEngine::Reset() {
   stepRunner_ = std::make_unique<StepRunner>(shell_, instruments_, documents_.testSetup.Definition,
                                              documents_.equip.Record, *inputs_, display_, guard_);
   shell_.delay.ClearHalt();
+  // Until the instruments are up, the rows and the journal of a run that is continued stay as they are.
+  if (!continues_) BeginAfresh();
+  currentStep_ = timedSteps_ = 0;
+  firstStep_ = CompletedSteps() + 1;
+}
+
+void RunEngine::BeginAfresh() {
   data_.Clear();
   unsaved_.Reset();
-  display_.RowChanged(0);
   reached_.clear();
-  currentStep_ = timedSteps_ = 0;
-  firstStep_ = 1;
   info_ = FactsOf(shell_, documents_, instruments_, *inputs_);
-  former_ ? TakeFormer() : journal_.Begin(Head());
+  ShowRows();
+  journal_.Begin(Head());
+}
+
+void RunEngine::GoOn() {
+  RunInfo former = std::move(info_);
+  data_.DropIncomplete();
+  unsaved_.Reset();
+  // The set-up may have been touched since.
+  for (ReachedStep& step : reached_) step.KeptOffset.reset();
+  const int rows = static_cast<int>(data_.Entries().size());
+  data_.AddSeam(rows + 1);
+  ShowRows();
+  if (!journal_.GoOn())
+    for (int row = 1; row <= rows; ++row) data_.onRow(row);
+  for (const int seam : data_.Seams()) journal_.Seam(seam);
+  RunInfo facts = FactsOf(shell_, documents_, instruments_, *inputs_);
+  facts.Started = std::move(former.Started);
+  facts.RowTimes = std::move(former.RowTimes);
+  info_ = std::move(facts);
+}
+
+void RunEngine::ShowRows() {
+  display_.RowChanged(0);
+  for (std::size_t row = 1; row <= data_.Entries().size(); ++row) display_.RowChanged(static_cast<int>(row));
 }
 
 JournalHead RunEngine::Head() {
   return {.Kind = JournalKind::Test,
           .Name = FileNameOnly(documents_.testSetup.TestFileName),
+          .File = FullPath(documents_.testSetup.TestFileName),
+          .Equipment = FullPath(documents_.equip.EquipFileName),
           .Planned = Steps().size(),
           .Notice = shell_.runNotice,
           .Parts = PartsOf(*inputs_, documents_, instruments_)};
-}
-
-void RunEngine::TakeFormer() {
-  FormerRun<RunData> former = std::move(*std::exchange(former_, std::nullopt));
-  for (const int seam : former.Recorded.Seams()) data_.AddSeam(seam);
-  for (const RunEntry& entry : former.Recorded.Entries()) {
-    data_.Add(entry);
-    display_.RowChanged(static_cast<int>(data_.Entries().size()));
-  }
-  reached_ = ReachedBy(data_, Steps()).value();
-  firstStep_ = CompletedSteps() + 1;
-  const int row = static_cast<int>(data_.Entries().size()) + 1;
-  data_.AddSeam(row);
-  journal_.Continue(std::move(former.Journal), row);
 }
 
 void RunEngine::RunTest() {
   Reset();
   display_.Phase(RunPhase::BringingUp);
   if (!up_.BringUp() || shell_.delay.HaltRequested()) return;
+  if (std::exchange(continues_, false)) GoOn();
   display_.Phase(RunPhase::Running);
   shell_.log.LogFile("Test run started\r\n" + documents_.testSetup.StringPrintTestSetup());
   const bool continues = firstStep_ > 1;
@@ -264,7 +311,7 @@ void RunEngine::EndRun() {
   guard_.Attempt([&] { journal_.TellTrouble(display_); });
   guard_.Attempt([&] { display_.Phase(RunPhase::Asking); });
   guard_.Attempt([&] {
-    if (!data_.IsEmpty()) unsaved_.AskAtTheEnd();
+    if (!data_.IsEmpty() && !continues_) unsaved_.AskAtTheEnd();
   });
   guard_.Attempt([&] { display_.Phase(RunPhase::Ready); });
 }

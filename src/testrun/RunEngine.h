@@ -43,11 +43,15 @@ class RunEngine {
   /// Plans the steps, loads the calibration record and the factor tables, and sets the run data up afresh. What fails
   /// has been shown.
   RunReadiness Prepare();
-  /// The run to come continues one that ended early: its rows stand before those to come, and the first step without a
-  /// complete row is levelled as a first step is. To be called when Prepare came to Ready.
+  /// The run to come continues one that ended early: its rows are shown, stand before those to come, and the first step
+  /// without a complete row is levelled as a first step is. To be called when Prepare came to Ready.
   /// @return why it can't be continued; the next run begins afresh then
   Done Continue(FormerRun<RunData> former);
-  /// Has the operator check amplifier and coupling device, then runs the test. Rows that are not saved are asked about.
+  /// The step at which the next run can continue the one whose rows these are: some of its steps have none yet, and
+  /// nothing that it is made of has changed.
+  std::optional<std::size_t> Unfinished();
+  /// Asks whether to continue a run that ended early, has the operator check amplifier and coupling device, then runs
+  /// the test. Rows that are not saved are asked about before a run that begins afresh drops them.
   void ConfirmAndRun();
   /// Runs the whole test; returns when it ended, failed or was halted. Does nothing before Prepare came to Ready.
   void RunCdiTest();
@@ -73,8 +77,12 @@ class RunEngine {
   std::vector<RunAim> Aims() const;
 
  private:
+  bool MayBegin();
   bool Confirm();
   void Reset();
+  void BeginAfresh();
+  void GoOn();
+  void ShowRows();
   void RunTest();
   void Sweep();
   /// Levels, dwells and records the current step; false ends the run.
@@ -83,7 +91,6 @@ class RunEngine {
   bool ManualPhase();
   void ShowTimes();
   JournalHead Head();
-  void TakeFormer();
   void EndRun();
 
   Shell& shell_;
@@ -97,10 +104,10 @@ class RunEngine {
   UnsavedRows unsaved_;
   std::unique_ptr<RunInputs> inputs_;
   std::unique_ptr<StepRunner> stepRunner_;  ///< runs those of one run
-  std::vector<ReachedStep> reached_;        ///< in the last run: step i is reached_[i - 1]
+  std::vector<ReachedStep> reached_;        ///< by the rows: step i is reached_[i - 1]
   ManualMode manual_;
-  std::optional<FormerRun<RunData>> former_;  ///< which the next run continues
   bool ready_ = false;
+  bool continues_ = false;  ///< the next run continues the one whose rows these are
   int currentStep_ = 0;
   int firstStep_ = 1;    ///< of this run, behind those that it continues
   ElapsedTime elapsed_;  ///< without manual mode

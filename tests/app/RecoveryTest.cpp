@@ -17,11 +17,12 @@ namespace {
 
 constexpr auto kYes = MessageAnswer::Yes, kNo = MessageAnswer::No, kCancel = MessageAnswer::Cancel;
 
-std::string HeadOf(JournalKind kind, std::vector<std::string> info = {}) {
+std::string HeadOf(JournalKind kind, std::vector<std::string> info = {}, std::string file = {}) {
   return HeadLines({.Kind = kind,
                     .Program = "Hylden 1.1",
                     .Name = kind == JournalKind::InsertionLoss ? "" : "radio",
                     .Started = "2026-11-23 18:35:07",
+                    .File = std::move(file),
                     .Planned = 67,
                     .Info = std::move(info)});
 }
@@ -33,13 +34,21 @@ const std::string kTest = HeadOf(JournalKind::Test) + RowLine(1, "step 0.15 -12.
                   kCable = HeadOf(JournalKind::InsertionLoss) + RowLine(1, "1 -20 97 96.5 0.5") +
                            RowLine(2, "2 -20 97.25 -999 0");
 
+/// Of one that can be continued.
+std::string TestThatNames(const std::string& file) {
+  return HeadOf(JournalKind::Test, {}, file) + kTest.substr(kTest.find("row 1"));
+}
+
 class OfferTest : public testing::Test {
  protected:
   void Leave(const std::string& name, const std::string& bytes) const {
     t.directory.Write("journals/" + name + ".journal", bytes);
   }
   bool Waits(const std::string& name) const { return t.directory.Exists("journals/" + name + ".journal"); }
-  void Offer() { OfferJournals(t.shell, JournalFolder(JournalsIn(t.directory.Path()))); }
+  bool Offer() {
+    JournalFolder folder(JournalsIn(t.directory.Path()));
+    return OfferJournals(t.shell, folder).has_value();
+  }
 
   TestShell t;
 };
@@ -93,7 +102,21 @@ TEST_F(OfferTest, DropsNothingUnlessItIsSavedOrTwiceDeclined) {
       {"too little", torn, {kNo}, {}, true, 1},
       {"too little, declined", torn, {kYes}, {}, false, 1},
       {"nothing recorded", noRow, {}, {}, false, 0},
-      {"of another version", SealedLine("Hylden journal 3"), {MessageAnswer::Ok}, {}, true, 1},
+      {"kept, not continued", TestThatNames("/lab/radio.tst"), {kCancel}, {}, true, 1},
+      {"neither continued nor saved", TestThatNames("/lab/radio.tst"), {kNo, kNo, kYes}, {}, false, 3},
+      {"with a gap",
+       TestThatNames("/lab/radio.tst") + RowLine(4, "step 0.17 1 2 na na na 0 0 0 0"),
+       {kCancel},
+       {},
+       true,
+       1},
+      {"of an insertion loss",
+       HeadOf(JournalKind::InsertionLoss, {}, "x") + RowLine(1, "1 -20 97 96.5 0.5"),
+       {kCancel},
+       {},
+       true,
+       1},
+      {"of another version", SealedLine("Hylden journal 4"), {MessageAnswer::Ok}, {}, true, 1},
       {"garbage", "x", {MessageAnswer::Ok}, {}, true, 1},
   };
   for (const auto& c : cases) {
@@ -108,6 +131,17 @@ TEST_F(OfferTest, DropsNothingUnlessItIsSavedOrTwiceDeclined) {
     EXPECT_EQ(t.dialogs.UnusedAnswers(), 0U);
     std::filesystem::remove(t.directory.File("journals/j.journal"));
   }
+}
+
+TEST_F(OfferTest, ContinuesOneRunAtAStartWhoseJournalStaysAsItWas) {
+  for (const char* name : {"a", "b"}) Leave(name, TestThatNames("/lab/radio.tst"));
+  t.dialogs.Answer(kYes);
+  t.dialogs.Answer(kCancel);
+  EXPECT_TRUE(Offer());
+  EXPECT_TRUE(t.dialogs.Texts().at(0).starts_with("A run was not ended in order, and can be continued."));
+  EXPECT_TRUE(t.dialogs.Texts().at(1).starts_with("A run was not ended in order. Its journal holds:"));
+  for (const char* name : {"a", "b"})
+    EXPECT_EQ(t.directory.Read(std::string("journals/") + name + ".journal"), TestThatNames("/lab/radio.tst"));
 }
 
 TEST(Recovery, TellsAJournalThatEndsBeforeItsFirstRowAsSuch) {

@@ -108,12 +108,14 @@ TEST_F(LevelPlanTest, AnotherRunAsksBeforeItDropsRowsAndTheirRecordNamesTheRange
   rig.onMeterRead = nullptr;
 
   rig.bus.transcript.Clear();
+  rig.t.dialogs.Answer(MessageAnswer::No);  // not continued
   rig.t.dialogs.Answer(MessageAnswer::Cancel);
   rig.level.Run();
   EXPECT_EQ(rig.Shown(kQuestion), 1);
   EXPECT_EQ(rig.Rows(), rows);
   EXPECT_TRUE(rig.bus.Lines().empty());
 
+  rig.t.dialogs.Answer(MessageAnswer::No);
   rig.t.dialogs.Answer(MessageAnswer::Yes);
   rig.t.dialogs.Answer(MessageAnswer::Ok);  // it ended early
   rig.t.dialogs.Answer(MessageAnswer::No);
@@ -121,6 +123,24 @@ TEST_F(LevelPlanTest, AnotherRunAsksBeforeItDropsRowsAndTheirRecordNamesTheRange
   EXPECT_EQ(rig.Shown("The calibration ended early: its record holds 1 - 2 MHz only."), 1);
   EXPECT_THAT(Record(), HasSubstr("\r\n1 - 2\r\n"));
   EXPECT_EQ(rig.Rows().size(), 3U);
+}
+
+TEST_F(LevelPlanTest, AnotherRunContinuesOneThatEndedEarlyWhenToldTo) {
+  rig.HaltAt(4);
+  rig.t.dialogs.Answer(MessageAnswer::No);
+  rig.Run();
+  const auto former = rig.Rows();
+  rig.onMeterRead = nullptr;
+  rig.t.dialogs.Clear();
+  rig.t.dialogs.Answer(MessageAnswer::Yes);
+  rig.t.dialogs.Answer(MessageAnswer::No);
+  rig.level.Run();
+  EXPECT_THAT(rig.t.dialogs.Texts().at(0),
+              StartsWith("The last run ended early. Continue it at step 3 (4.0 MHz)?\r\n"));
+  EXPECT_EQ(rig.t.dialogs.messages.size(), 2U) << "nothing is dropped";
+  const auto rows = rig.Rows();
+  ASSERT_EQ(rows.size(), 3U);
+  EXPECT_TRUE(std::equal(former.begin(), former.end(), rows.begin()));
 }
 
 }  // namespace

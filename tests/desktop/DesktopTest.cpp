@@ -4,6 +4,7 @@
 #include "documents/qt/frmEquipment.h"
 #include "platform/native/JournalFolder.h"
 #include "run/JournalFile.h"
+#include "testrun/qt/frmRunTest.h"
 #include "text/RecordFile.h"
 
 namespace hylden {
@@ -69,12 +70,64 @@ TEST_F(DesktopTest, MissingHelpFileIsTold) {
 
 TEST_F(DesktopTest, OffersAtItsStartWhatAnEarlierProgramHasLeft) {
   m.directory.Write("journals/radio.journal", HeadLines({}) + RowLine(1, "threshold 0.15 -3 flickers"));
-  const JournalFolder journals(m.directory.File("journals"));
+  JournalFolder journals(m.directory.File("journals"));
   m.desktop = std::make_unique<Desktop>(m.station, DesktopOptions{.journals = &journals});
   dialogs.Answer(MessageAnswer::Cancel);
   EXPECT_TRUE(m.desktop->Start({}));
   EXPECT_TRUE(dialogs.WasShownContaining("Its journal holds:"));
   EXPECT_TRUE(m.directory.Exists("journals/radio.journal"));
+}
+
+TEST_F(DesktopTest, ContinuesATestThatAnEarlierProgramHasLeftUnlessItWouldBeAnother) {
+  TestDefinition& test = m.Test();
+  m.LoadTest("substitution-am.tst");
+  m.documents.testSetup.TestFileName = "substitution-am.tst";
+  test.LogStep = 100;
+  ASSERT_TRUE(m.documents.testSetup.SaveDef("substitution-am.tst"));
+  std::size_t rows = 0;
+  {
+    JournalFolder journals(m.directory.File("journals"), JournalFolder::Time::Virtual);
+    m.shell.journals = &journals;
+    frmRunTest form(m.shell, m.instruments, m.documents);
+    form.Load();
+    m.When([&] { return TextOf(form, "lblStep") == "Step# 3"; }, [&] { Press(form, "cmdHalt"); });
+    dialogs.Answer(MessageAnswer::Ok);
+    dialogs.Answer(MessageAnswer::Yes);  // and no file is chosen
+    Press(form, "cmdRun");
+    rows = form.Engine().Data().Entries().size();
+    ASSERT_EQ(form.Engine().CompletedSteps(), 2);
+    m.shell.journals = nullptr;
+  }
+  for (const bool same : {false, true}) {
+    test.LogStep = same ? 100 : 50;
+    ASSERT_TRUE(m.documents.testSetup.SaveDef("substitution-am.tst"));
+    dialogs.Clear();
+    JournalFolder journals(m.directory.File("journals"), JournalFolder::Time::Virtual);
+    m.shell.journals = &journals;
+    m.desktop = std::make_unique<Desktop>(m.station, DesktopOptions{.journals = &journals});
+    dialogs.Answer(MessageAnswer::Yes);
+    ASSERT_TRUE(m.desktop->Start({}));
+    auto& form = m.Opened<frmRunTest>();
+    EXPECT_EQ(dialogs.WasShownContaining("The run can't be continued, and its journal stays:\r\nThe test definition "
+                                         "substitution-am.tst is not the one of then."),
+              !same);
+    EXPECT_EQ(form.Engine().Data().Entries().size(), same ? 2U : 0U);
+    if (same) {
+      EXPECT_EQ(Find<QTableView>(form, "flxTestData").model()->rowCount(), 2);
+      EXPECT_EQ(TextOf(form, "lblState"), "Continues at step 3 (0.6 MHz)");
+      dialogs.Answer(MessageAnswer::Ok);
+      dialogs.Answer(MessageAnswer::Yes);
+      dialogs.AnswerSave(m.directory.File("out.run"));
+      Press(form, "cmdRun");
+      EXPECT_EQ(form.Engine().Outcome(), RunOutcome::Finished);
+    }
+    form.close();
+    Turn();
+    m.desktop.reset();
+    EXPECT_EQ(journals.Abandoned().size() + journals.Kept().size(), same ? 0U : 1U);
+    m.shell.journals = nullptr;
+  }
+  EXPECT_GT(rows, 0U);
 }
 
 TEST_F(DesktopTest, ExitButtonEndsTheProgram) {

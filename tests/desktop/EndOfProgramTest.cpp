@@ -188,6 +188,7 @@ TEST_P(EndInARun, IsRefusedByASaveThatIsCancelledAndTheProgramRunsAsBefore) {
   WorkingForm& form = *OpenWindow<WorkingForm>();
   EXPECT_EQ(dialogs.LastText(),
             "The program was asked to end, but this window stays open:\r\n" + form.windowTitle().toStdString());
+  dialogs.Answer(MessageAnswer::No);  // not continued
   dialogs.Answer(MessageAnswer::No);  // the rows may go
   p.WhenRfIsOn([&] { emit p.desktop->EscapePressed(); });
   Press(form, GetParam().start);

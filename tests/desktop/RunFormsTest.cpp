@@ -102,6 +102,7 @@ TEST_F(RunForms, SecondRunStartsAfresh) {
     EXPECT_EQ(Find<QTableView>(*form, "flxTestData").model()->rowCount(), 1);
     Press(*form, "cmdHalt");
   });
+  dialogs.Answer(MessageAnswer::No);  // not continued
   dialogs.Answer(MessageAnswer::No);  // the rows may go
   Run();
 }
@@ -112,6 +113,7 @@ TEST_F(RunForms, RowsThatWereToBeSavedStayUntilTheOperatorLetsThemGo) {
   Run();  // to be saved, and the file dialog cancelled
   ASSERT_EQ(Rows().size(), 3u);
   for (const char* button : {"cmdRun", "cmdExit"}) {
+    if (std::string(button) == "cmdRun") dialogs.Answer(MessageAnswer::No);  // not continued
     dialogs.Answer(MessageAnswer::Cancel);
     Press(*form, button);
     EXPECT_EQ(dialogs.LastText(), "The run data has not been saved.\r\nSave it?");

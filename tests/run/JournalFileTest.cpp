@@ -16,6 +16,8 @@ const std::string kHead = HeadLines({.Kind = JournalKind::LevelCalibration,
                                      .Program = "Hylden 1.1",
                                      .Name = "a *b.csu",
                                      .Started = "2026-11-23 18:35:07",
+                                     .File = "/lab/a *b.csu",
+                                     .Equipment = "/lab/hall.eqp",
                                      .Planned = 3,
                                      .Info = {"clamp", "", " 0 "},
                                      .Parts = {{"calibration setup a *b.csu", 0x0012ABCD}, {"meter definition", 0}}});
@@ -50,6 +52,7 @@ TEST(JournalFile, TakesEveryLineThatIsWholeWhateverStandsAroundIt) {
       {"without the last line's end", rows.substr(0, rows.size() - 2), "1=a 2=b "},
       {"zeros at the end", rows + std::string(100, '\0'), "1=a 2=b "},
       {"of the first form", SealedLine("Hylden journal 1") + kHead.substr(kHead.find('\n') + 1) + one, "1=a "},
+      {"of the second form", SealedLine("Hylden journal 2") + kHead.substr(kHead.find('\n') + 1) + one, "1=a "},
       {"continued", kHead + one + SeamLine(2) + two, "1=a seam 2=b "},
       {"a changed figure", kHead + Flipped(one, 13) + two + again, "1=c * d 2=b damaged 1"},
       {"a line of somebody else", kHead + one + "hello\r\n" + two, "1=a 2=b damaged 1"},
@@ -57,7 +60,7 @@ TEST(JournalFile, TakesEveryLineThatIsWholeWhateverStandsAroundIt) {
       {"a row without a number", kHead + one + SealedLine("row x y") + two, "1=a 2=b damaged 1"},
       {"head only", kHead, ""},
       {"damage in the head", Flipped(kHead, 50) + one, "Its head is damaged"},
-      {"another form", SealedLine("Hylden journal 3") + one, other},
+      {"another form", SealedLine("Hylden journal 4") + one, other},
       {"other text", "a,b,c\r\n" + one, noJournal},
       {"other text of one line", "a,b,c", noJournal},
       {"noise", std::string("\x00\xff\x80\r\n\x01", 6), noJournal},
@@ -77,6 +80,8 @@ TEST(JournalFile, GivesItsHeadBack) {
   const auto journal = ReadJournal(kHead);
   ASSERT_TRUE(journal);
   EXPECT_EQ(journal->Head.Name, "a *b.csu");
+  EXPECT_EQ(journal->Head.File, "/lab/a *b.csu");
+  EXPECT_EQ(journal->Head.Equipment, "/lab/hall.eqp");
   EXPECT_EQ(journal->Head.Planned, 3U);
   EXPECT_EQ(journal->Head.Info, (std::vector<std::string>{"clamp", "", " 0 "}));
   EXPECT_EQ(HeadLines(journal->Head), kHead);

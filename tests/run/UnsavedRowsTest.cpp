@@ -52,6 +52,15 @@ TEST_F(UnsavedRowsTest, RowsThatAreWantedAndNotWrittenHoldTheWindow) {
   EXPECT_EQ(Asked(true, &UnsavedRows::MayLeave, {kYes}), "drop?");
 }
 
+TEST_F(UnsavedRowsTest, RowsThatAJournalKeepsHoldNoWindowAndAreAskedAboutBeforeAnotherRun) {
+  rows.Keep();
+  EXPECT_FALSE(rows.Save()) << "its dialog was cancelled";
+  EXPECT_EQ(Asked(true, &UnsavedRows::MayLeave, {}), "");
+  EXPECT_TRUE(rows.Any() && rows.AreKept());
+  EXPECT_EQ(Asked(false, &UnsavedRows::MayDrop, {kCancel}), "drop?");
+  EXPECT_TRUE(rows.AreKept());
+}
+
 TEST_F(UnsavedRowsTest, WhatIsInAFileOrWasNeverThereNeedsNoQuestion) {
   written = true;
   EndOfARun(kYes);

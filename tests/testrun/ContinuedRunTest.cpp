@@ -77,6 +77,84 @@ TEST(ContinuedRun, GivesTheFileOfAnUndisturbedRunWhereverItEnded) {
   }
 }
 
+TEST(ContinuedRun, IsOfferedInItsWindowWhateverBecameOfItsRows) {
+  ContinuedRun rig;
+  FakeDialogs& dialogs = rig.t.dialogs;
+  rig.RunProgram(false);
+  const std::string whole = rig.t.directory.Read("out.run");
+  rig.t.shell.keepsJournals = false;
+  const struct {
+    const char* name;
+    MessageAnswer save;
+    std::optional<std::string> file;
+  } cases[] = {{"not wanted", MessageAnswer::No, {}},
+               {"saved", MessageAnswer::Yes, rig.t.directory.File("part.run")},
+               {"not written", MessageAnswer::Yes, {}}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    JournalFolder journals(rig.t.directory.File("journals"), JournalFolder::Time::Virtual);
+    rig.t.shell.journals = &journals;
+    RecordingDisplay shown;
+    RunEngine run{rig.t.shell, rig.instruments, rig.documents, shown, rig.manual};
+    ASSERT_EQ(run.Prepare(), RunReadiness::Ready);
+    shown.onRow = [&](int row) {
+      if (row == 3) rig.t.shell.delay.RequestHalt();
+    };
+    dialogs.Answer(c.save);
+    if (c.save == MessageAnswer::Yes) dialogs.AnswerSave(c.file);
+    run.RunCdiTest();
+    shown.onRow = nullptr;
+    EXPECT_EQ(run.Unfinished(), 3U);
+
+    dialogs.Clear();
+    dialogs.Answer(MessageAnswer::Cancel);
+    run.ConfirmAndRun();
+    EXPECT_EQ(dialogs.messages.size(), 1U);
+    EXPECT_EQ(dialogs.LastText().substr(0, 62), "The last run ended early. Continue it at step 3 (2.5 MHz)?\r\nYe");
+    EXPECT_EQ(run.CompletedSteps(), 2);
+
+    shown.onStep = [&](int step) {
+      const auto kept = journals.Kept();
+      const std::string name = kept.empty() ? "" : kept.front();
+      const auto journal = ReadJournal(rig.t.directory.Read("journals/" + name + ".journal"));
+      EXPECT_EQ(journal->Rows.size(), static_cast<std::size_t>(step)) << "with those before the seam";
+      EXPECT_TRUE(journal->Seams.contains(3));
+    };
+    for (const MessageAnswer answer : {MessageAnswer::Yes, MessageAnswer::Ok, MessageAnswer::Yes})
+      dialogs.Answer(answer);
+    dialogs.AnswerSave(rig.t.directory.File("out.run"));
+    run.ConfirmAndRun();
+    EXPECT_EQ(rig.t.directory.Read("out.run"), whole);
+    EXPECT_TRUE(journals.Kept().empty());
+    EXPECT_FALSE(run.Unfinished());
+    rig.t.shell.journals = nullptr;
+  }
+}
+
+TEST(ContinuedRun, BeginsAfreshWhenToldToAndIsNotOfferedAsAnotherRun) {
+  ContinuedRun rig;
+  FakeDialogs& dialogs = rig.t.dialogs;
+  rig.display.onRow = [&](int row) {
+    if (row == 3) rig.t.shell.delay.RequestHalt();
+  };
+  dialogs.Answer(MessageAnswer::No);
+  rig.Run();
+  rig.display.onRow = nullptr;
+  rig.test.SweepDwell += 1;
+  EXPECT_FALSE(rig.engine.Unfinished()) << "it would be another run";
+  rig.test.SweepDwell -= 1;
+  dialogs.Clear();
+  for (const auto answer : {MessageAnswer::No, MessageAnswer::No, MessageAnswer::Cancel}) dialogs.Answer(answer);
+  rig.engine.ConfirmAndRun();
+  EXPECT_EQ(dialogs.Texts().at(1), "The run data has not been saved.\r\nSave it?");
+  EXPECT_EQ(dialogs.messages.at(2).title, "MAKE SURE!!!");
+  dialogs.Answer(MessageAnswer::No);
+  rig.engine.ConfirmAndRun();
+  EXPECT_EQ(dialogs.messages.at(3).title, "Continue Run") << "asked anew behind a run that did not start";
+  EXPECT_EQ(rig.Rows().size(), 5U);
+  EXPECT_TRUE(rig.engine.Data().Seams().empty());
+}
+
 TEST(ContinuedRun, LevelsItsFirstStepAsAFirstStep) {
   ContinuedRun rig;
   rig.UsePower(LevelingMethod::ForwardPower);

@@ -74,6 +74,16 @@ void frmRunCal::Load() {
   if (ready) ui_->cmdStart->setFocus();
 }
 
+void frmRunCal::Continue(FormerRun<CalRows> former) {
+  Guard("Continue", [&] {
+    const Done taken = calibration_.Continue(std::move(former));
+    if (!taken) return shell_.dialogs.Tell(NotContinuedText(taken.error()), MessageIcon::Exclamation);
+    ui_->prgSteps->setValue(static_cast<int>(calibration_.Rows().size()));
+    ui_->cmdSave->setEnabled(true);
+    ui_->mnuFileSaveAs->setEnabled(true);
+  });
+}
+
 void frmRunCal::StartAfresh() {
   RunWindow::StartAfresh();
   ui_->lblTestLevel->setToolTip(testLevelTip_);

@@ -23,6 +23,8 @@ class frmRunCal : public RunWindow {
 
   /// Plans the run and loads its tables; what fails has been shown, and Start can't be pressed.
   void Load();
+  /// The prepared run continues one that ended early, whose rows are shown; what keeps it from that is told.
+  void Continue(FormerRun<CalRows> former);
 
   const LevelCalibration& Calibration() const { return calibration_; }
   QString HelpTopic() const override { return QStringLiteral("Calibrating: the run"); }

@@ -34,6 +34,9 @@ class frmCalSetup : public RunSetupForm {
   /// Makes a file the test level; one that does not read as a factor table is refused.
   void UseLevelFile(const QString& path);
 
+  /// Checks the form and the station, and asks for the run.
+  void Start();
+
   QString HelpTopic() const override;
 
  signals:
@@ -56,7 +59,6 @@ class frmCalSetup : public RunSetupForm {
   bool SaveAs();
   bool SaveTo(const std::string& path);
   void SelectLevelFile();
-  void Start();
 
   Instruments& instruments_;
   Documents& documents_;

@@ -37,6 +37,9 @@ class frmTestDef : public RunSetupForm {
   /// Prints what is on the form, when its entries are good.
   void Print();
 
+  /// Checks the form and the station, and asks for the run.
+  void Start();
+
   QString HelpTopic() const override;
 
  signals:
@@ -60,7 +63,6 @@ class frmTestDef : public RunSetupForm {
   bool SaveAs();
   bool SaveTo(const std::string& path);
   void SelectCalFile();
-  void Start();
 
   Documents& documents_;
   std::unique_ptr<Ui::frmTestDef> ui_;

@@ -149,6 +149,14 @@ void frmRunTest::Load() {
   Curves().Renew();
 }
 
+void frmRunTest::Continue(FormerRun<RunData> former) {
+  Guard("Continue", [&] {
+    const Done taken = engine_.Continue(std::move(former));
+    if (!taken) return shell_.dialogs.Tell(NotContinuedText(taken.error()), MessageIcon::Exclamation);
+    ui_->prgSteps->setValue(engine_.CompletedSteps());
+  });
+}
+
 void frmRunTest::SetSimulated() {
   simulated_ = true;
   ShowBenchNotice(*this, shell_.runNotice);

@@ -32,6 +32,8 @@ class frmRunTest : public RunWindow, private ManualControls {
   /// Prepares the run: plan, calibration record, factor tables. What fails has been shown; without a step to run the
   /// form unloads.
   void Load();
+  /// The prepared run continues one that ended early, whose rows are shown; what keeps it from that is told.
+  void Continue(FormerRun<RunData> former);
   /// The bench drives the program: every window of the run says so.
   void SetSimulated();
   void PrintReport(RunReportKind kind);
