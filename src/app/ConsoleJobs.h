@@ -14,8 +14,8 @@ ExitState RunCableLoss(ConsoleStation& station);
 /// listens. Without a way to the bus it prints in one line what is missing, and fails.
 ExitState PrintBusInfo(ConsoleStation& station);
 
-/// Saves what one journal holds, or lists them all. It asks nothing: a file that is there is replaced with "--yes"
-/// only.
+/// Saves what one journal holds, removes it as it is, or lists them all. It asks nothing: a file that is there is
+/// replaced with "--yes" only.
 ExitState RunRecovery(const RunOptions& options);
 
 }  // namespace hylden

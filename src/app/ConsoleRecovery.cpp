@@ -43,6 +43,14 @@ std::optional<std::string> KeptFile(const RunOptions& options, JournalKind kind)
   return std::nullopt;
 }
 
+/// One that can't be removed would be offered again.
+ExitState Remove(const AbandonedJournal& journal) {
+  const std::error_code failure = journal.File->Remove();
+  if (!failure) return ExitState::Finished;
+  std::cerr << "The journal could not be removed: " << journal.File->Path() << ": " << failure.message() << '\n';
+  return ExitState::Failed;
+}
+
 ExitState Save(const RunOptions& options, AbandonedJournal& journal) {
   const auto recovery = RecoveryOf(std::move(journal.Bytes));
   if (!recovery) {
@@ -58,8 +66,25 @@ ExitState Save(const RunOptions& options, AbandonedJournal& journal) {
     return ExitState::Failed;
   }
   std::cout << DescriptionOf(*recovery) << "\nsaved in " << options.OutputFile << '\n';
-  (void)journal.File->Remove();
+  return Remove(journal);
+}
+
+ExitState Discard(AbandonedJournal& journal) {
+  const auto recovery = RecoveryOf(std::move(journal.Bytes));
+  if (Remove(journal) == ExitState::Failed) return ExitState::Failed;
+  std::cout << (recovery ? DescriptionOf(*recovery) : Reason(recovery.error())) << "\nremoved: " << journal.File->Path()
+            << '\n';
   return ExitState::Finished;
+}
+
+ExitState Missing(const JournalFolder& folder, const std::string& name) {
+  const std::string path = folder.PathOf(name);
+  std::error_code ignored;
+  if (std::filesystem::exists(path, ignored))
+    std::cerr << "The journal is in use, or is another user's: " << path << '\n';
+  else
+    std::cerr << "No such journal waits in " << folder.Folder() << ": " << name << '\n';
+  return ExitState::Failed;
 }
 
 }  // namespace
@@ -72,15 +97,14 @@ ExitState RunRecovery(const RunOptions& options) {
     List(std::move(journals));
     return ExitState::Finished;
   }
-  if (options.OutputFile.empty()) {
+  if (options.OutputFile.empty() && !options.Discard) {
     std::cerr << "--output: the file to save it in is missing\n";
     return ExitState::Usage;
   }
   const auto found = std::find_if(journals.begin(), journals.end(),
                                   [&](const auto& journal) { return journal.Name == options.Journal; });
-  if (found != journals.end()) return Save(options, *found);
-  std::cerr << "No such journal waits in " << folder.Folder() << ": " << options.Journal << '\n';
-  return ExitState::Failed;
+  if (found == journals.end()) return Missing(folder, options.Journal);
+  return options.Discard ? Discard(*found) : Save(options, *found);
 }
 
 }  // namespace hylden

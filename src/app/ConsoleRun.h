@@ -19,6 +19,7 @@ struct RunOptions {
   std::string SetupFile;                        ///< of a level calibration
   std::string CouplingFactor;                   ///< of its user-defined coupling method, dB; empty: none given
   std::string Journal;                          ///< to be recovered; empty: all are listed
+  bool Discard = false;                         ///< that journal, unsaved
   std::string Resume;                           ///< the journal of the run that is continued; empty: none is
   bool KeepJournal = false;                     ///< of a run that ends early, though its rows are saved
   FormEntries Cable = EntriesOf(CableSetup());  ///< of an insertion-loss calibration

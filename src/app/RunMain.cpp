@@ -35,6 +35,9 @@ void AddJobs(CLI::App& app, RunOptions& options, const std::vector<CLI::Option*>
                    "the journals")
       ->expected(0, 1)
       ->type_name("[NAME]");
+  jobs->add_option("--discard", options.Journal, "Remove the journal of a run that was not ended in order, unsaved")
+      ->each([&options](const std::string&) { options.Discard = true; })
+      ->type_name("NAME");
   jobs->require_option(1);
 }
 
@@ -69,7 +72,7 @@ void AddResumeOptions(CLI::App& app, RunOptions& options) {
   app.add_option("--resume", options.Resume,
                  "Continue the run of this journal (--recover lists them), with the options that it had, at its first "
                  "step without a complete row")
-      ->excludes("--cable-loss", "--bus-info", "--recover")
+      ->excludes("--cable-loss", "--bus-info", "--recover", "--discard")
       ->type_name("NAME");
   app.add_flag("--keep-journal", options.KeepJournal,
                "Keep the journal of a test or a level calibration that ends early, so that --resume can continue it; "
@@ -82,8 +85,10 @@ std::string HasName(const std::string& name) {
 
 /// A recovery needs no station.
 bool Recovers(int argc, char** argv) {
-  return std::any_of(argv, argv + argc,
-                     [](std::string_view word) { return word == "--recover" || word.starts_with("--recover="); });
+  return std::any_of(argv, argv + argc, [](std::string_view word) {
+    const std::string_view option = word.substr(0, word.find('='));
+    return option == "--recover" || option == "--discard";
+  });
 }
 
 /// What was given says how the cable is stepped through, and which bus is driven.
@@ -114,14 +119,15 @@ int Main(int argc, char** argv) {
       "Ctrl-C presses Halt: RF goes off, and what was recorded is saved.\n"
       "Exit status: 0 finished, 1 failed, 2 usage, 3 halted."};
   app.set_version_flag("--version", hylden::VersionTitle());
-  auto* const equipment = app.add_option("--equipment", options.EquipmentFile,
-                                         "Equipment file of the station (.eqp); --bus-info and --recover need none")
-                              ->required(runs);
+  auto* const equipment =
+      app.add_option("--equipment", options.EquipmentFile,
+                     "Equipment file of the station (.eqp); --bus-info, --recover and --discard need none")
+          ->required(runs);
   auto* const output =
       app.add_option(
              "--output", options.OutputFile,
              "File for what is recorded: run data (.run), a calibration record (.cal), an insertion loss (.los); "
-             "--bus-info and a list of journals need none")
+             "--bus-info, --discard and a list of journals need none")
           ->required(runs)
           ->check(HasName);
   AddJobs(app, options, {equipment, output});

@@ -611,10 +611,14 @@ TEST_F(KilledHyldenRun, LosesNoRowThatWasDone) {
 }
 
 TEST_F(KilledHyldenRun, LeavesAJournalThatIsNotInUseAndReplacesNoFileUnasked) {
-  std::string list;
+  std::string list, inUse;
   const Outcome killed = HyldenRun(Test(LongTest(0.3), {"--yes"}), [&](pid_t child, const std::string& soFar) {
     if (soFar.find("step 9 of") == std::string::npos) return;
-    if (list.empty()) list = HyldenRun({"--recover"}).output;
+    if (list.empty()) {
+      list = HyldenRun({"--recover"}).output;
+      inUse = std::filesystem::directory_iterator(directory_.File("home/journals"))->path().stem().string();
+      ExpectSaid(HyldenRun({"--discard", inUse}), kFailed, "The journal is in use");
+    }
     kill(child, SIGKILL);
   });
   EXPECT_NE(list.find("No journal waits"), std::string::npos) << "while the run is on: " << list;
@@ -677,9 +681,12 @@ TEST_F(KilledHyldenRun, KeepsTheJournalOfAHaltedRunWhereItIsToBeContinued) {
     EXPECT_EQ(HyldenRun({"--recover"}).output.find("No journal waits") == std::string::npos, keeps);
   }
   ExpectSaid(HyldenRun(Level("cdn-10v.csu", {"--yes", "--resume", Journal()})), kFailed, "another kind of run");
+  ExpectSaid(HyldenRun({"--discard", "none"}), kFailed, "No such journal");
   ExpectSaid(HyldenRun(Test(kTest, {"--yes", "--resume", Journal()})), kFailed,
              "The test definition substitution-am.tst is not the one of then: test definition long.tst.");
   EXPECT_EQ(Journal().substr(0, 5), "long_") << "it waits as before";
+  ExpectSaid(HyldenRun({"--discard", Journal()}), kFinished, "Test long.tst, begun ");
+  EXPECT_NE(HyldenRun({"--recover"}).output.find("No journal waits"), std::string::npos);
 }
 
 TEST_F(KilledHyldenRun, NamesTheJournalOfARunThatCouldNotSaveAndOfOneThatCouldNotBeWritten) {

@@ -65,6 +65,10 @@ std::unique_ptr<JournalWriter> JournalFolder::GoOn(AbandonedJournal journal) {
   return std::make_unique<Writer>(*this, pages_.emplace_back(std::move(page)));
 }
 
+std::string JournalFolder::PathOf(const std::string& name) const {
+  return folder_ + "/" + name + kEnding;
+}
+
 std::optional<std::string> JournalFolder::Trouble() const {
   const std::lock_guard lock(mutex_);
   return trouble_;
@@ -84,7 +88,7 @@ void JournalFolder::Make(Page& page) {
   const std::string name = page.Name + "_" + std::to_string(getpid());
   for (int number = 1; number < kMostAtOnce; ++number) {
     page.Name = number == 1 ? name : name + "-" + std::to_string(number);
-    page.File = OwnedFile::Make(folder_ + "/" + page.Name + kEnding, failure);
+    page.File = OwnedFile::Make(PathOf(page.Name), failure);
     if (failure != std::errc::file_exists) break;
   }
   Note(failure);

@@ -34,6 +34,8 @@ class JournalFolder : public Journals {
   ~JournalFolder() override;
 
   const std::string& Folder() const { return folder_; }
+  /// The file of a journal, by its name.
+  std::string PathOf(const std::string& name) const;
   std::unique_ptr<JournalWriter> Begin(const std::string& name) override;
   std::optional<std::string> Trouble() const override;
 
