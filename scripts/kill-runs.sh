@@ -1,11 +1,14 @@
 #!/usr/bin/env bash
-# kill-runs.sh [N]: kills hylden-run N times (200) at random moments of a test, a level calibration and an insertion
+# kill-runs.sh [N [M]]: kills hylden-run N times (200) at random moments of a test, a level calibration and an insertion
 # loss on the bench in virtual time, recovers each journal, and compares what comes back with an undisturbed run: every
-# step that was told to be done has to be there, to the byte. Prints a summary; ends with 1 when a row is missing or
-# differs. HYLDEN_PRESET names another build than dev.
+# step that was told to be done has to be there, to the byte. Then kills hylden, in real time, with an operator of its own
+# (tests/operated), M times (20) in a test and M times in a level calibration: the same, and the next start continues the
+# run to its end. Prints a summary; ends with 1 when a row is missing or differs. HYLDEN_PRESET names another build than
+# dev.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-run=$PWD/build/${HYLDEN_PRESET:-dev}/bin/hylden-run
+root=$PWD
+run=$root/build/${HYLDEN_PRESET:-dev}/bin/hylden-run
 times=${1:-200}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -14,7 +17,7 @@ cp -r examples/station "$work/station"
 mkdir "$HYLDEN_HOME"
 cd "$work/station"
 # finer steps, so that a run lasts a while
-sed -i '6s/.*/ .1\r/' substitution-am.tst
+sed -i '7s/.*/ .1\r/' substitution-am.tst
 sed -i '5s/.*/ .2 \r/' cdn-10v.csu
 
 declare -A job=([run]="--test substitution-am.tst" [cal]="--calibrate cdn-10v.csu"
@@ -70,6 +73,75 @@ for ((i = 1; i <= times; ++i)); do
   [ $outcome != failed ] || echo "run $i ($kind): $done steps told, $(cat "$work/back.log" 2>/dev/null || true)"
   count[$outcome]=$((count[$outcome] + 1))
 done
-echo "$times runs killed: ${count[recovered]} recovered ($total rows), ${count[finished]} had saved theirs," \
+echo "hylden-run, $times killed: ${count[recovered]} recovered ($total rows), ${count[finished]} had saved theirs," \
   "${count[early]} had too little for a file, ${count[failed]} failed"
-[ "${count[failed]}" = 0 ]
+[ "${count[failed]}" = 0 ] || exit 1
+
+# The windows: fewer steps, since a step takes half a second, and no noise, so that two runs are alike.
+cp -r "$root/examples/station/." .
+sed -i '7s/.*/ 80\r/; 8s/.*/ .02\r/' substitution-am.tst
+sed -i '5s/.*/ 100 \r/; 18s/.*/ .02 \r/' cdn-10v.csu
+sed -i 's/^noise_db = .*/noise_db = 0/' bench.txt
+export HYLDEN_HOME=$work/windows QT_QPA_PLATFORM=offscreen
+mkdir "$HYLDEN_HOME"
+printf '[Gpib]\r\nDriver=bench\r\nBench=%s\r\n' "$PWD/bench.txt" >"$HYLDEN_HOME/Hylden.ini"
+# window KIND OUTPUT: hylden, with an operator who runs, or continues what was left, and saves
+window() {
+  [ "$1" = run ] && set -- "$@" /t:substitution-am.tst || export HYLDEN_OPERATED_SETUP=cdn-10v.csu
+  HYLDEN_OPERATED_SAVE=$2 exec "$root/build/${HYLDEN_PRESET:-dev}/tests/hylden_operated" /e:station.eqp "${@:3}" 2>&1
+}
+# alike KIND ONE OTHER: behind a seam a calibration comes from another level, and ends anywhere within the tolerance
+alike() {
+  [ "$1" = cal ] || { cmp -s "$2" "$3" && return || return 1; }
+  paste -d, "$2" "$3" | awk -F, '{ d = $2 - $8; if ($1 != $7 || d > 0.5 || d < -0.5) bad = 1 } END { exit bad }' &&
+    [ "$(wc -l <"$2")" = "$(wc -l <"$3")" ]
+}
+
+declare -A length windows=([recovered]=0 [finished]=0 [early]=0 [failed]=0)
+total=0
+for kind in run cal; do
+  rm -f "$work/whole.$kind"
+  begun=$(date +%s%N)
+  (window $kind "$work/whole.$kind") >"$work/whole.log"
+  length[$kind]=$((($(date +%s%N) - begun) / 1000000))
+done
+for ((i = 0; i < 2 * ${2:-20}; ++i)); do
+  kinds=(run cal)
+  kind=${kinds[i % 2]}
+  rm -f "$work"/back.* "$work"/killed.*
+  (window $kind "$work/killed.$kind") >"$work/log" &
+  child=$!
+  moment=$(((RANDOM * 32768 + RANDOM) % length[$kind]))
+  sleep "$((moment / 1000)).$(printf %03d $((moment % 1000)))"
+  kill -KILL $child 2>/dev/null || true
+  wait $child 2>/dev/null || true
+  done=$(sed -n 's/^step //p' "$work/log" | tail -1)
+  name=$("$run" --recover | sed -n '/^No journal/!s/ .*//p')
+  if [ -z "$name" ]; then
+    [ -s "$work/killed.$kind" ] && outcome=finished || outcome=early
+    [ $outcome = finished ] || [ "${done:-0}" = 0 ] || outcome=failed
+  else
+    outcome=recovered
+    cp "$HYLDEN_HOME/journals/$name.journal" "$work/kept"
+    got=0
+    if "$run" --recover "$name" --output "$work/back.$kind" >"$work/back.log" 2>&1; then
+      got=$(rows $kind "$work/back.$kind" | wc -l)
+      cmp -s <(rows $kind "$work/back.$kind") <(rows $kind "$work/whole.$kind" | head -n "$got") || outcome=failed
+    else
+      grep -q 'too little' "$work/back.log" && got=1 || outcome=failed
+    fi
+    total=$((total + got))
+    [ "$got" -ge "${done:-0}" ] || outcome=failed
+    cp "$work/kept" "$HYLDEN_HOME/journals/$name.journal"
+    (window $kind "$work/back2.$kind") >"$work/back.log" || outcome=failed
+    alike $kind "$work/back2.$kind" "$work/whole.$kind" || outcome=failed
+    [ -z "$(ls "$HYLDEN_HOME/journals")" ] || outcome=failed
+    rm -f "$work"/back2.*
+  fi
+  [ $outcome != failed ] || { echo "window $i ($kind): ${done:-0} steps told, at $moment ms" && cat "$work/back.log"; }
+  rm -f "$HYLDEN_HOME"/journals/*
+  windows[$outcome]=$((windows[$outcome] + 1))
+done
+echo "hylden, $i killed: ${windows[recovered]} recovered ($total rows) and continued to the end," \
+  "${windows[finished]} had saved theirs, ${windows[early]} had no row yet, ${windows[failed]} failed"
+[ "${windows[failed]}" = 0 ]
