@@ -1,5 +1,6 @@
 #include "platform/native/ProgramDirectory.h"
 
+#include <pwd.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -19,6 +20,14 @@ std::string Environment(const char* name) {
   return value ? value : "";
 }
 
+/// The user's home; where the environment has none, as under some services, the one of the system's list of users: the
+/// working directory would be another one at the next start, which could not find what this one has left.
+std::string HomeFolder() {
+  if (std::string home = Environment("HOME"); !home.empty()) return home;
+  const passwd* const user = getpwuid(getuid());
+  return user && user->pw_dir ? user->pw_dir : "";
+}
+
 std::string WithoutTrailingSeparator(std::string path) {
   while (path.size() > 1 && path.back() == '/') path.pop_back();
   return path;
@@ -27,7 +36,7 @@ std::string WithoutTrailingSeparator(std::string path) {
 fs::path ConfigurationFolder() {
   const std::string config = Environment("XDG_CONFIG_HOME");
   if (!config.empty()) return config;
-  const std::string home = Environment("HOME");
+  const std::string home = HomeFolder();
   return fs::path(home.empty() ? "." : home) / ".config";
 }
 
@@ -40,7 +49,7 @@ std::string OwnDirectory() {
 /// The folder of the user's documents, whose name depends on the user's language.
 fs::path DocumentsFolder() {
   constexpr std::string_view kEntry = "XDG_DOCUMENTS_DIR=\"", kHome = "$HOME";
-  const std::string home = Environment("HOME");
+  const std::string home = HomeFolder();
   std::ifstream folders(ConfigurationFolder() / "user-dirs.dirs");
   for (std::string line; std::getline(folders, line);) {
     if (!line.starts_with(kEntry)) continue;
@@ -53,7 +62,7 @@ fs::path DocumentsFolder() {
 
 /// Empty when there is no place for it.
 std::string UserDataFolder() {
-  const std::string home = Environment("HOME");
+  const std::string home = HomeFolder();
   if (home.empty()) return {};
   std::error_code error;
   const fs::path documents = DocumentsFolder();
