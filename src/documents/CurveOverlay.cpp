@@ -145,7 +145,7 @@ std::string CurveOverlay::CurveName(std::size_t file, std::size_t quantity, cons
 std::string CurveOverlay::SummaryOf(std::size_t file, const CurveChoice& choice) const {
   const Curve curve = CurveOf(file, choice.Quantity.value_or(0), choice);
   const std::vector<CurvePoint> values = ValuesOf(curve);
-  if (choice.Difference && file == 0) return "the others are compared with it";
+  if (choice.Difference && file == 0) return "the first";
   if (values.empty()) return choice.Difference ? "nothing to compare" : "not recorded";
   if (choice.Difference) return LargestDifference(values);
   const auto lower = [](const CurvePoint& a, const CurvePoint& b) { return a.Value < b.Value; };
