@@ -18,6 +18,7 @@
 #include "calibration/qt/frmCblSetup.h"
 #include "calibration/qt/frmRunCablCal.h"
 #include "calibration/qt/frmRunCal.h"
+#include "documents/qt/frmCalCurves.h"
 #include "documents/qt/frmCalSetup.h"
 #include "documents/qt/frmEquipment.h"
 #include "documents/qt/frmTestDef.h"
@@ -240,6 +241,8 @@ void Desktop::Serve(RunSetupForm* form) {
   connect(form, &RunSetupForm::EditEquipmentRequested, this, [this, form](int tab) { OpenEquipment(form, tab, true); });
   connect(form, &RunSetupForm::CreateListRequested, this,
           [this, form](const QString& list) { OpenListBuilder(form, list); });
+  connect(form, &RunSetupForm::CurvesRequested, this,
+          [this, form](CurveKind kind, const QString& file) { ShowCurves(form, kind, file); });
 }
 
 frmTestDef* Desktop::OpenTestDefinition() {
@@ -305,6 +308,16 @@ void Desktop::ShowBus() {
   Open(bus_, nullptr);
 }
 
+void Desktop::ShowCurves(RunSetupForm* form, CurveKind kind, const QString& file) {
+  auto curves = std::make_unique<frmCalCurves>(shell_, kind);
+  const std::string beside = kind == CurveKind::Calibration ? documents_.calSetup.RecordSaved : std::string();
+  if (!(file.isEmpty() ? curves->AskAndAdd(beside) : curves->AddFile(FromQt(file)))) return;
+  if (curves_) curves_->close();
+  curves_ = curves.release();
+  curvesOf_ = form;
+  Open(curves_, nullptr);
+}
+
 void Desktop::OpenListBuilder(RunSetupForm* form, const QString& listFile) {
   auto* const builder = new frmBuildList(shell_);
   builder->setWindowModality(Qt::ApplicationModal);
@@ -340,6 +353,11 @@ void Desktop::KeepBeside() {
   bench_->KeepBeside();
   if (help_ && help_->isVisible()) StandBeside(*help_);
   if (bus_ && bus_->isVisible()) StandBeside(*bus_);
+  if (!curves_ || !curves_->isVisible()) return;
+  if (curvesOf_ && curvesOf_->isVisible())
+    StandBeside(*curves_);
+  else
+    curves_->close();
 }
 
 bool Desktop::LoadHelp() {

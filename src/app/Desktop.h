@@ -22,12 +22,14 @@ class DefinitionForm;
 class WorkingForm;
 class frmBus;
 class frmCalSetup;
+class frmCalCurves;
 class frmEquipment;
 class frmHelp;
 class frmTestDef;
 struct Documents;
 struct Instruments;
 struct ResumedJournal;
+enum class CurveKind;
 enum class FactorKind;
 enum class InstrumentKind;
 
@@ -76,6 +78,8 @@ class Desktop : public QObject {
   void OpenFactorEditor(QWidget* caller, FactorKind kind, const QString& file = {});
   /// Opens the insertion-loss setup in the caller's place; its Start opens the two passes.
   void OpenCableSetup(QWidget* caller);
+  /// Shows the curves of a file, or of one that is asked for, beside a form, and no longer than the form can be seen.
+  void ShowCurves(RunSetupForm* form, CurveKind kind, const QString& file);
   /// Shows the window of the bus, beside the windows of the work.
   void ShowBus();
   /// Opens the list builder above a form that sets up a run; the list composed there becomes the form's.
@@ -134,6 +138,8 @@ class Desktop : public QObject {
   QVector<QPointer<WorkingForm>> open_;
   QPointer<frmBus> bus_;                          ///< one of them
   std::unique_ptr<ResumedJournal> resumed_;       ///< for the run window that is opened next
+  QPointer<frmCalCurves> curves_;                 ///< another one
+  QPointer<RunSetupForm> curvesOf_;               ///< the form beside which they stand
   std::unique_ptr<RunCablCal> cableCalibration_;  ///< its setup and points outlive the forms
 };
 

@@ -437,6 +437,7 @@ bool LevelCalibration::WriteRecord() {
   const CalRows rows = CompleteRows(rows_);
   const CalInfoRec info = InfoOfRows(CalInfoOf(setup_), rows, plan_.size());
   if (!shell_.Ok(SaveCal(*path, rows, info))) return false;
+  documents_.calSetup.RecordSaved = InfoFileBeside(*path).value_or("");
   if (rows.size() < plan_.size())
     shell_.dialogs.Tell("The calibration ended early: its record holds " + info.FreqRange + " MHz only.");
   return true;

@@ -50,6 +50,8 @@ class CalSetup {
   CalSetupRecord Saved;
   /// The form's current file; empty when there is none.
   std::string FileName;
+  /// The info file of the record that was saved last since the program's start.
+  std::string RecordSaved;
 
  private:
   FilesBeside files_;

@@ -5,6 +5,7 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
 #include <QDialog>
 #include <QDir>
 #include <QElapsedTimer>
@@ -31,6 +32,7 @@
 #include "app/Station.h"
 #include "bench/BenchConfig.h"
 #include "bench/qt/frmBench.h"
+#include "documents/qt/frmCalCurves.h"
 #include "documents/qt/frmCalSetup.h"
 #include "documents/qt/frmTestDef.h"
 #include "editors/qt/frmEditFactor.h"
@@ -208,6 +210,20 @@ void PictureRun(Tour& tour, QtVirtualEventLoop& events, QWidget& run, const char
   tour.Grab(run, (std::string(name) + "-finished").c_str());
 }
 
+/// Curves beside a form, once more over others.
+void PictureCurves(QWidget& form, Tour& tour, const char* file, const char* name) {
+  QWidget& curves = Window("frmCalCurves");
+  tour.Grab(curves, name);
+  dynamic_cast<frmCalCurves&>(curves).AddFile(file);
+  tour.Grab(curves, (std::string(name) + "-laid-over").c_str());
+  Find<QComboBox>(curves, "cmbQuantity").setCurrentText(QStringLiteral("Gain to the test level"));
+  Find<QAbstractButton>(curves, "chkDifference").click();
+  tour.Grab(curves, (std::string(name) + "-difference").c_str());
+  curves.close();
+  Settle();
+  form.activateWindow();
+}
+
 /// The calibration setup, and a calibration of a few points.
 void PictureCalibration(Desktop& desktop, Tour& tour, QtVirtualEventLoop& events) {
   Tour::Press(desktop.Menu(), "cmdCalibration");
@@ -383,6 +399,8 @@ int TakePictures(const QString& output) {
   auto& definition = dynamic_cast<frmTestDef&>(Window("frmTestDef"));
   definition.LoadFile(QStringLiteral("forward-power-constant-peak.tst"));
   tour.GrabTabs(definition, "test-definition");
+  Tour::Press(definition, "cmdCurves");
+  PictureCurves(definition, tour, "ifi-10v.hyinfo", "calibration-curves");
   Tour::Press(definition, "cmdStart");
   auto& run = dynamic_cast<frmRunTest&>(Window("frmRunTest"));
   tour.Grab(run, "test-run-ready");

@@ -1,6 +1,7 @@
 #include "calibration/qt/frmCblSetup.h"
 
 #include "calibration/CableCalibration.h"
+#include "documents/CurveOverlay.h"
 #include "documents/Documents.h"
 #include "measure/ReadFreq.h"
 #include "platform/qt/QtText.h"
@@ -20,6 +21,7 @@ frmCblSetup::frmCblSetup(Shell& shell, Documents& documents, RunCablCal& calibra
   connect(ui_->lblListFile, &QWidget::customContextMenuRequested, ui_->cmdCreateList, &QPushButton::click);
   ConnectList();
   On(ui_->cmdStart, [this] { Start(); });
+  On(ui_->cmdCurves, [this] { emit CurvesRequested(CurveKind::InsertionLoss, {}); });
   connect(ui_->cmdHelp, &QPushButton::clicked, this, [this] { emit HelpRequested(HelpTopic()); });
   connect(ui_->cmdExit, &QPushButton::clicked, this, &QWidget::close);
   ShowEntries(EntriesOf(run_.Setup));

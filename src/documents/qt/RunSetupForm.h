@@ -5,6 +5,7 @@
 namespace hylden {
 
 struct StartFailure;
+enum class CurveKind;
 
 /// What the forms that set up a run have in common: a frequency list, and the way to the run.
 class RunSetupForm : public SetupForm {
@@ -19,6 +20,8 @@ class RunSetupForm : public SetupForm {
   void CreateListRequested(const QString& listFile);
   /// The station lacks something for the run: open the equipment form, modally, on this page.
   void EditEquipmentRequested(int tab);
+  /// The curves of a file are wanted, beside this form; empty: one is asked for.
+  void CurvesRequested(CurveKind kind, const QString& file);
   /// Set-up and station are complete: open the run in the place of this form.
   void StartRequested();
 

@@ -1,5 +1,6 @@
 #include "documents/qt/frmCalSetup.h"
 
+#include "documents/CurveOverlay.h"
 #include "documents/Documents.h"
 #include "instruments/Instruments.h"
 #include "measure/InterpClass.h"
@@ -43,6 +44,7 @@ void frmCalSetup::ConnectCommands() {
   On(ui_->mnuFileSave, [this] { SaveEntries(); });
   On(ui_->mnuFileSaveAs, [this] { SaveAs(); });
   On(ui_->mnuStart, [this] { Start(); });
+  On(ui_->mnuFileCurves, [this] { emit CurvesRequested(CurveKind::Calibration, {}); });
   On(ui_->cmdLoad, [this] { Load(); });
   On(ui_->cmdSave, [this] { SaveAs(); });
   On(ui_->cmdStart, [this] { Start(); });

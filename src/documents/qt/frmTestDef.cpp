@@ -1,5 +1,6 @@
 #include "documents/qt/frmTestDef.h"
 
+#include "documents/CurveOverlay.h"
 #include "documents/Documents.h"
 #include "measure/ReadFreq.h"
 #include "platform/qt/QtText.h"
@@ -48,6 +49,7 @@ void frmTestDef::ConnectCommands() {
   On(ui_->cmdLoad, [this] { Load(); });
   On(ui_->cmdSave, [this] { SaveEntries(); });
   On(ui_->cmdCalFile, [this] { SelectCalFile(); });
+  On(ui_->cmdCurves, [this] { emit CurvesRequested(CurveKind::Calibration, ToQt(ui_->lblCalFileName->Path())); });
   ConnectList();
   On(ui_->cmdStart, [this] { Start(); });
   connect(ui_->cmdExit, &QPushButton::clicked, this, &QWidget::close);
