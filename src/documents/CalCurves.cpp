@@ -1,6 +1,7 @@
 #include "documents/CalCurves.h"
 
 #include <cmath>
+#include <utility>
 
 #include "measure/Conversions.h"
 #include "shell/FormInput.h"

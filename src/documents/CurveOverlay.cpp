@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <iterator>
 
 #include "documents/CalCurves.h"
 #include "documents/LossCurves.h"
@@ -132,7 +133,7 @@ Curve CurveOverlay::CurveOf(std::size_t file, std::size_t quantity, const CurveC
     // Together with levels a loss has an axis of its own.
     if (!choice.Quantity && curve.Unit == "dB") curve.Axis = ValueAxis::Right;
   }
-  if (ValuesOf(curve).empty()) curve.Name += choice.Difference ? " (nothing to compare)" : " (not recorded)";
+  if (ValuesOf(curve).empty()) curve.Name += " (none)";
   return curve;
 }
 

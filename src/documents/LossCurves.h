@@ -2,6 +2,9 @@
 
 #include <array>
 #include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "documents/CurveFile.h"
 #include "measure/Interpolation.h"

@@ -119,7 +119,7 @@ TEST_F(CurveOverlayTest, LossFileHasItsReadingsAndPlainTableHasNone) {
     EXPECT_THAT(Values(curves[i]), testing::Pointwise(testing::DoubleNear(1e-5), expected[i])) << i;
 
   ASSERT_TRUE(losses.Add(t.directory.Write("plain.los", "0.1, 1, 2, 3\r\n300, 3, 2, 3\r\n")));
-  EXPECT_EQ(losses.Curves({1}).at(1).Name, "plain (not recorded)");
+  EXPECT_EQ(losses.Curves({1}).at(1).Name, "plain (none)");
   EXPECT_EQ(losses.SummaryOf(1, {0}), "1 to 3 dB");
   EXPECT_TRUE(FailsWith(losses.Add(t.directory.Write("text.los", "no table")), "Unexpected end of file"));
 }

@@ -4,6 +4,8 @@
 #include <QShortcut>
 #include <QSignalBlocker>
 #include <QTableWidget>
+#include <algorithm>
+#include <optional>
 
 #include "platform/qt/QtText.h"
 #include "shell/Shell.h"
@@ -27,7 +29,7 @@ constexpr KindText kKinds[] = {
 constexpr char kPictureFilter[] = "Picture (*.png)|*.png|PDF (*.pdf)|*.pdf";
 constexpr int kNameColumn = 0, kSummaryColumn = 1, kDescriptionColumn = 2;
 constexpr int kAllQuantities = -1;
-constexpr int kRowMargin = 6, kTableHeight = 110, kLarge = 10'000;
+constexpr int kRowMargin = 6, kLarge = 10'000;
 
 const KindText& TextOf(CurveKind kind) {
   return kKinds[static_cast<std::size_t>(kind)];
@@ -53,7 +55,9 @@ frmCalCurves::frmCalCurves(Shell& shell, CurveKind kind, QWidget* parent)
   ui_->grdFiles->horizontalHeader()->setStretchLastSection(true);
   ui_->grdFiles->verticalHeader()->setDefaultSectionSize(ui_->grdFiles->fontMetrics().height() + kRowMargin);
   ui_->splCurves->setStretchFactor(0, 1);
-  ui_->splCurves->setSizes({kLarge, kTableHeight});
+  // All the files there can be are in sight at once.
+  const int rowHeight = ui_->grdFiles->verticalHeader()->defaultSectionSize();
+  ui_->splCurves->setSizes({kLarge, rowHeight * static_cast<int>(CurveOverlay::kMost + 1) + kRowMargin});
   ConnectCommands();
 }
 
