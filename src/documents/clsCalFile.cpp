@@ -80,13 +80,6 @@ std::optional<CalPoint> ParseCalLine(std::string_view line) {
   }
 }
 
-float NetPwrOf(float forwardDbm, float reverseDbm) {
-  const auto forward = static_cast<double>(forwardDbm), reverse = static_cast<double>(reverseDbm);
-  if (IsMissing(forward) || IsMissing(reverse)) return kMissing;
-  return static_cast<float>(
-      Conversions::WattsToDbm(Conversions::DbmToWatts(forward) - Conversions::DbmToWatts(reverse)));
-}
-
 clsCalFile::clsCalFile(std::vector<CalPoint> points) : points_(std::move(points)) {
   Sort(points_);
 }
@@ -117,6 +110,13 @@ float clsCalFile::GetFwdPwr(double frequency) {
 
 float clsCalFile::GetRevPwr(double frequency) {
   return Value(frequency, CalColumn::RevPwr);
+}
+
+float NetPwrOf(float forwardDbm, float reverseDbm) {
+  const auto forward = static_cast<double>(forwardDbm), reverse = static_cast<double>(reverseDbm);
+  if (IsMissing(forward) || IsMissing(reverse)) return kMissing;
+  return static_cast<float>(
+      Conversions::WattsToDbm(Conversions::DbmToWatts(forward) - Conversions::DbmToWatts(reverse)));
 }
 
 float clsCalFile::GetNetPwr(double frequency) {
