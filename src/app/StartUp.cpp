@@ -1,6 +1,7 @@
 #include "app/StartUp.h"
 
 #include <filesystem>
+#include <utility>
 
 #include "app/Station.h"
 #include "shell/RecentFiles.h"
@@ -93,6 +94,15 @@ std::string JoinArguments(const std::vector<std::string>& arguments) {
     line += argument.find('"') == std::string::npos ? '"' + argument + '"' : argument;
   }
   return line;
+}
+
+std::string WithWholePaths(const std::string& commandLine) {
+  const CommandLine line = ParseCommandLine(commandLine);
+  if (!line.Ok) return commandLine;
+  std::string whole;
+  for (const auto& [kind, path] : {std::pair(kEquipSwitch, line.EquipFile), std::pair(kTestSwitch, line.TestFile)})
+    if (!path.empty()) whole += '"' + std::string(kind) + std::filesystem::absolute(path).string() + "\" ";
+  return whole;
 }
 
 Opening StartUp(Station& station, const std::string& commandLine) {

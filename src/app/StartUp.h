@@ -28,6 +28,9 @@ std::string JoinArguments(const std::vector<std::string>& arguments);
 /// "/e:station.eqp". Anything else comes back as it is.
 std::string AsSwitch(const std::string& argument);
 
+/// The same line for a program with another working directory; one that can't be understood comes back as it is.
+std::string WithWholePaths(const std::string& commandLine);
+
 /// What the program shows first.
 enum class Opening { MainMenu, TestDefinition };
 

@@ -1,6 +1,7 @@
 #include "platform/native/SingleInstance.h"
 
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/stat.h>
@@ -8,6 +9,8 @@
 #include <unistd.h>
 
 #include <memory>
+#include <optional>
+#include <thread>
 
 namespace hylden {
 namespace {
@@ -29,7 +32,7 @@ class Holder {
       setenv("TMPDIR", "/nowhere", 1);
       if (getuid() == 0 && setuid(12345) != 0) _exit(1);
       SingleInstance instance(place);
-      const char claimed = instance.Claim() ? 1 : 0;
+      const char claimed = instance.Claim() && instance.Listen() >= 0 ? 1 : 0;
       if (write(ends[1], &claimed, 1) == 1) pause();
       _exit(0);
     }
@@ -67,8 +70,22 @@ TEST(SingleInstance, IsOnePerComputerWhateverTheUserAndAKilledHolderKeepsNobodyO
   Holder other(OwnPlace());
   ASSERT_TRUE(other.Claimed);
   EXPECT_FALSE(SingleInstance(OwnPlace()).Claim());
+  EXPECT_EQ(SingleInstance(OwnPlace()).Ask("raise", 5), std::nullopt) << "another user's, or one that hangs";
   other.Kill();
   EXPECT_TRUE(SingleInstance(OwnPlace()).Claim());
+}
+
+TEST(SingleInstance, TheFirstAnswersWhatAnotherAsksOnceItListens) {
+  SingleInstance first(OwnPlace());
+  ASSERT_TRUE(first.Claim());
+  EXPECT_EQ(SingleInstance(OwnPlace()).Ask("early"), std::nullopt);
+  pollfd caller{first.Listen(), POLLIN, 0};
+  std::optional<std::string> answer;
+  std::thread second([&] { answer = SingleInstance(OwnPlace()).Ask("/t:radio.tst"); });
+  EXPECT_EQ(poll(&caller, 1, 2000), 1);
+  first.Answer([](const std::string& request) { return "not " + request; });
+  second.join();
+  EXPECT_EQ(answer, "not /t:radio.tst");
 }
 
 TEST(SingleInstance, ATestHasAPlaceOfItsOwn) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <string>
 
 namespace hylden {
@@ -22,6 +24,14 @@ class SingleInstance {
   /// Takes the place, until this object goes; false when another instance has it. Where the system can't tell, the
   /// program runs.
   bool Claim();
+
+  /// The holder of the place lets other instances of its user ask.
+  /// @return a descriptor that can be read when one does; -1 where that can't be
+  int Listen();
+  /// Takes one request and sends back what the function answers. A caller that is slow is not waited for.
+  void Answer(const std::function<std::string(const std::string& request)>& answer);
+  /// Asks the holder of the place. @return nothing where it is another user's, or does not answer in time
+  std::optional<std::string> Ask(const std::string& request, int limitMs = 2000) const;
 
   /// "hylden", the place of every program that drives a bus. The environment variable HYLDEN_LOCK moves tests and
   /// benchmarks to "hylden-" and its value, so that they and a program at work don't refuse each other.
