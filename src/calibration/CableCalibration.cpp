@@ -9,6 +9,7 @@
 #include "instruments/Instruments.h"
 #include "run/JournalValues.h"
 #include "run/RunDisplay.h"
+#include "shell/ProposedName.h"
 #include "shell/Shell.h"
 #include "text/Numbers.h"
 
@@ -218,9 +219,11 @@ bool RunCablCal::WriteFile() {
     shell_.dialogs.Tell("Need to run Direct and Insert before file can be saved");
     return false;
   }
-  const auto path = shell_.dialogs.SaveFile(InsertionLossRequest(shell_.settings));
+  const std::string name = ProposedName("insertion loss", shell_.clock, ".los");
+  const auto path = shell_.dialogs.SaveFile(InsertionLossRequest(shell_.settings, name));
   if (!path) return false;
   if (!shell_.Ok(FileInsertionLoss(complete, *path))) return false;
+  shell_.Saved(*path);
   if (complete.size() < points_.size())
     shell_.dialogs.Tell("The insert pass ended early: the file holds " + ShortestText(complete.front().Freq) + " - " +
                         ShortestText(complete.back().Freq) + " MHz only.");

@@ -57,9 +57,9 @@ std::string InsertionLossText(const std::vector<CablePoint>& points, const std::
   return JoinLines(lines);
 }
 
-FileRequest InsertionLossRequest(INISettings& settings) {
+FileRequest InsertionLossRequest(INISettings& settings, const std::string& name) {
   return {"Select Filname", "InsLoss (*.los)|*.los|Text File (*.txt)|*.txt|All Files (*.*)|*.*",
-          settings.GetDataDir(datakind::kInsertionLoss), "*.los"};
+          settings.GetDataDir(datakind::kInsertionLoss), name.empty() ? "*.los" : name};
 }
 
 Done FileInsertionLoss(const std::vector<CablePoint>& points, const std::string& path) {

@@ -16,7 +16,8 @@ struct CablePoint;
 std::string InsertionLossText(const std::vector<CablePoint>& points, const std::string& fileName);
 
 /// How a file for an insertion loss is asked for.
-FileRequest InsertionLossRequest(INISettings& settings);
+/// @param name  that is proposed
+FileRequest InsertionLossRequest(INISettings& settings, const std::string& name = {});
 
 /// Writes an insertion-loss file; a failure leaves an old file whole.
 Done FileInsertionLoss(const std::vector<CablePoint>& points, const std::string& path);

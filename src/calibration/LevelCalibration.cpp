@@ -14,6 +14,7 @@
 #include "run/RunDisplay.h"
 #include "run/RunQuestions.h"
 #include "shell/FormInput.h"
+#include "shell/ProposedName.h"
 #include "shell/Shell.h"
 #include "text/ExistingPath.h"
 #include "text/Numbers.h"
@@ -432,12 +433,14 @@ void LevelCalibration::End() {
 }
 
 bool LevelCalibration::WriteRecord() {
-  const auto path = shell_.dialogs.SaveFile(RecordRequest(shell_.settings));
+  const std::string name = ProposedName(documents_.calSetup.FileName, shell_.clock, ".cal");
+  const auto path = shell_.dialogs.SaveFile(RecordRequest(shell_.settings, name));
   if (!path || !MayReplaceInfo(shell_.dialogs, *path)) return false;
   const CalRows rows = CompleteRows(rows_);
   const CalInfoRec info = InfoOfRows(CalInfoOf(setup_), rows, plan_.size());
   if (!shell_.Ok(SaveCal(*path, rows, info))) return false;
   documents_.calSetup.RecordSaved = InfoFileBeside(*path).value_or("");
+  shell_.Saved(*path);
   if (rows.size() < plan_.size())
     shell_.dialogs.Tell("The calibration ended early: its record holds " + info.FreqRange + " MHz only.");
   return true;

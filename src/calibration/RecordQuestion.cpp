@@ -11,8 +11,9 @@
 
 namespace hylden {
 
-FileRequest RecordRequest(INISettings& settings) {
-  return {"Enter Calibration Filename", "Calibration File (*.cal)|*.cal", settings.GetDataDir(datakind::kCalibrations)};
+FileRequest RecordRequest(INISettings& settings, const std::string& name) {
+  return {"Enter Calibration Filename", "Calibration File (*.cal)|*.cal", settings.GetDataDir(datakind::kCalibrations),
+          name};
 }
 
 bool MayReplaceInfo(Dialogs& dialogs, const std::string& dataFile) {

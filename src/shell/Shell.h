@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -45,6 +46,12 @@ class Shell {
   Journals* journals = nullptr;
   /// The journal of a run that ended early stays when its rows are settled, since the run may be continued.
   bool keepsJournals = false;
+
+  /// Shows that a file has been saved; may be missing.
+  std::function<void(const std::string& path)> onSaved;
+  void Saved(const std::string& path) const {
+    if (onSaved) onSaved(path);
+  }
 
   /// Gives a run the instruments until it releases them.
   /// @return false after a message: another one has them

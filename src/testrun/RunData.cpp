@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "measure/Conversions.h"
+#include "shell/ProposedName.h"
 #include "shell/Shell.h"
 #include "testrun/RunInfo.h"
 #include "text/Pattern.h"
@@ -121,8 +122,9 @@ Done FileRunData(const RunData& data, const std::string& path, bool thresholdsOn
   return Trapped("FileRunData", path, [&] { ReplaceFile(path, RunFileText(data, thresholdsOnly)); });
 }
 
-FileRequest RunDataRequest(INISettings& settings) {
-  return {"Select run file", "Test Run Files (*.run)|*.run|All Files|*.*", settings.GetDataDir(datakind::kTestResults)};
+FileRequest RunDataRequest(INISettings& settings, const std::string& name) {
+  return {"Select run file", "Test Run Files (*.run)|*.run|All Files|*.*", settings.GetDataDir(datakind::kTestResults),
+          name};
 }
 
 bool SaveRunData(Shell& shell, const RunData& data, const RunInfo& info) {
@@ -130,9 +132,11 @@ bool SaveRunData(Shell& shell, const RunData& data, const RunInfo& info) {
     shell.dialogs.Tell("No run data to save");
     return true;
   }
-  const auto path = shell.dialogs.SaveFile(RunDataRequest(shell.settings));
+  const std::string name = ProposedName(info.Test ? info.Test->File : std::string(), shell.clock, ".run");
+  const auto path = shell.dialogs.SaveFile(RunDataRequest(shell.settings, name));
   if (!path || !shell.Ok(FileRunData(data, *path, false))) return false;
   (void)shell.Ok(FileRunInfo(info, *path));  // the rows are in their file, whatever becomes of it
+  shell.Saved(*path);
   return true;
 }
 

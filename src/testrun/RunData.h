@@ -135,10 +135,11 @@ std::string RunFileText(const RunData& data, bool thresholdsOnly);
 Done FileRunData(const RunData& data, const std::string& path, bool thresholdsOnly);
 
 /// How a file for run data is asked for.
-FileRequest RunDataRequest(INISettings& settings);
+/// @param name  that is proposed
+FileRequest RunDataRequest(INISettings& settings, const std::string& name = {});
 
 /// The save command: asks for a file and writes all rows to it, and beside it what they do not tell. Without rows:
-/// "No run data to save".
+/// "No run data to save". The name of the test and the time are proposed.
 /// @return false when there were rows and they were not written
 bool SaveRunData(Shell& shell, const RunData& data, const RunInfo& info);
 

@@ -2,6 +2,7 @@
 
 #include <QEvent>
 #include <QFontMetrics>
+#include <algorithm>
 
 #include "platform/qt/QtText.h"
 #include "shell/FormInput.h"
@@ -46,6 +47,16 @@ void PathLabel::Fit() {
     setText(tag_);
   else
     setText(fits(shortened) ? shortened : ToQt(FileNameOnly(Path())));
+}
+
+QString FittedCaption(const QString& caption) {
+  constexpr qsizetype kLongest = 72, kFewestInFront = 8;
+  const qsizetype name = std::max(caption.lastIndexOf(QLatin1Char('/')), caption.lastIndexOf(QLatin1Char('\\')));
+  const qsizetype path = caption.indexOf(QLatin1String(": ")) + 2;
+  if (caption.size() <= kLongest || path < 2 || name <= path + kFewestInFront) return caption;
+  const QString behind = QStringLiteral("...") + caption.mid(name);
+  const qsizetype front = std::max(kLongest - behind.size(), path + kFewestInFront);
+  return front >= name ? caption : caption.left(front) + behind;
 }
 
 void FitPathLabel(const std::string& path, PathLabel& label) {

@@ -33,6 +33,9 @@ class PathLabel : public QLabel {
   QString tag_;
 };
 
+/// A window's caption; a path in it that is too long is shortened in its middle, so that the file's name is seen.
+QString FittedCaption(const QString& caption);
+
 /// Shows a path in a label; an empty path clears it. The tool tip becomes the full path.
 void FitPathLabel(const std::string& path, PathLabel& label);
 

@@ -166,7 +166,7 @@ TEST_F(CableTest, SavesATableThatTheProgramReads) {
   const FileRequest& request = rig.t.dialogs.saveRequests.front();
   EXPECT_EQ(request.title, "Select Filname");
   EXPECT_EQ(request.filter, "InsLoss (*.los)|*.los|Text File (*.txt)|*.txt|All Files (*.*)|*.*");
-  EXPECT_EQ(request.fileName, "*.los");
+  EXPECT_EQ(request.fileName, "insertion loss 2026-01-05 09-00.los");
   InterpClass table(rig.t.shell);
   ASSERT_TRUE(table.InitInterp(path));
   EXPECT_EQ(table.InterpVal(1.2, FreqScale::Linear), 2.75F);

@@ -156,6 +156,7 @@ bool frmCalSetup::SaveTo(const std::string& path) {
   ShowEntries(EntriesOf(setup.Record, &shown).Entries);
   ShowFile();
   AddRecentFile(path);
+  shell_.Saved(path);
   return true;
 }
 

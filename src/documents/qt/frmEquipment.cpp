@@ -333,6 +333,7 @@ bool frmEquipment::SaveTo(const std::string& path) {
   ShowRecord();
   ShowFileName();
   AddRecentFile(path);
+  shell_.Saved(path);
   return true;
 }
 

@@ -175,6 +175,7 @@ bool frmTestDef::SaveTo(const std::string& path) {
   DefToForm();
   ShowFile();
   AddRecentFile(documents_.testSetup.TestFileName);
+  shell_.Saved(path);
   return true;
 }
 

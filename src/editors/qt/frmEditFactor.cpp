@@ -199,6 +199,7 @@ bool frmEditFactor::SaveGrid(const std::string& path) {
   saved_ = WrittenRows(cells);
   notKept_.clear();
   UseFile({path, std::move(text)});
+  shell_.Saved(path);
   const char* const but = !table_.IsUsable() ? "Hylden can't use it as a table" : "not all rows are in it";
   if (!table_.IsUsable() || table_.Skipped > 0)
     shell_.dialogs.Tell(std::string("The file is saved, but ") + but + ":\r\n" + table_.Summary(),

@@ -200,6 +200,7 @@ bool DefinitionForm::SaveTo(const std::string& path) {
   if (!TakeForm() || !MayReplace(editor_->LostBySave(path)) || !editor_->Save(path)) return false;
   Show();
   AddRecentFile(path);
+  shell_.Saved(path);
   emit FileTaken();
   return true;
 }

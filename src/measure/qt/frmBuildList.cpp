@@ -10,6 +10,7 @@
 #include "shell/qt/FormPrompts.h"
 #include "text/TextFile.h"
 #include "ui_frmBuildList.h"
+#include "widgets/PathLabel.h"
 
 namespace hylden {
 
@@ -132,8 +133,9 @@ void frmBuildList::AddFile() {
 void frmBuildList::SaveAs() {
   if (builder_.List().empty()) return shell_.dialogs.Tell("Nothing to save!");
   const auto path = AskSaveFile("Frequency List Filename", kListFilter, datakind::kFreqList, builder_.File());
-  if (!path) return;
-  if (shell_.Ok(builder_.Save(*path))) ShowState();
+  if (!path || !shell_.Ok(builder_.Save(*path))) return;
+  ShowState();
+  shell_.Saved(*path);
 }
 
 void frmBuildList::Clear() {
@@ -229,7 +231,8 @@ void frmBuildList::ShowState() {
 }
 
 void frmBuildList::ShowCaption(const std::string& file) {
-  setWindowTitle(QStringLiteral("Frequency List: ") + (file.empty() ? QStringLiteral("(unsaved)") : ToQt(file)));
+  setWindowTitle(
+      FittedCaption(QStringLiteral("Frequency List: ") + (file.empty() ? QStringLiteral("(unsaved)") : ToQt(file))));
 }
 
 }  // namespace hylden

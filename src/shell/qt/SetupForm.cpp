@@ -13,6 +13,7 @@
 #include "text/TextFile.h"
 #include "widgets/EntryControls.h"
 #include "widgets/FileDrop.h"
+#include "widgets/PathLabel.h"
 #include "widgets/RecentFilesMenu.h"
 
 namespace hylden {
@@ -90,7 +91,7 @@ void SetupForm::WatchEntries() {
 
 void SetupForm::ShowMark() {
   if (caption_.isEmpty() || IsBusy()) return;  // half of what is being loaded is no change
-  setWindowTitle(HasUnsaved() ? caption_ + QLatin1Char('*') : caption_);
+  setWindowTitle(FittedCaption(caption_) + (HasUnsaved() ? QStringLiteral("*") : QString()));
 }
 
 bool SetupForm::HasUnsaved() const {
