@@ -29,6 +29,7 @@
 #include "instruments/qt/frmParseTest.h"
 #include "instruments/qt/frmSigGen.h"
 #include "measure/qt/frmBuildList.h"
+#include "platform/qt/CommandWindow.h"
 #include "platform/qt/Later.h"
 #include "platform/qt/QtText.h"
 #include "shell/FormInput.h"
@@ -40,6 +41,8 @@
 #include "shell/qt/frmHelp.h"
 #include "shell/qt/frmWelcome.h"
 #include "testrun/qt/frmRunTest.h"
+#include "widgets/WindowMemory.h"
+#include "widgets/WindowPlace.h"
 
 namespace hylden {
 
@@ -63,6 +66,9 @@ Desktop::Desktop(Station& station, DesktopOptions options)
       helpFile_(HelpFileIn(shell_.settings.ProgramDirectory())),
       cableCalibration_(std::make_unique<RunCablCal>(shell_, instruments_)) {
   menu_->SetTitle(VersionTitle());
+  shell_.onSaved = [](const std::string& path) {
+    if (auto* const form = qobject_cast<WorkingForm*>(CommandWindow::OfCommand())) form->ShowSaved(path);
+  };
   QApplication::setWindowIcon(menu_->windowIcon());
   if (bench_->Present()) {
     if (shell_.runNotice.empty()) shell_.runNotice = kSimulatedBenchText;
@@ -89,10 +95,13 @@ Desktop::Desktop(Station& station, DesktopOptions options)
 }
 
 Desktop::~Desktop() {
+  shell_.onSaved = nullptr;
   for (const QPointer<WorkingForm>& form : open_) delete form.data();
 }
 
 bool Desktop::Start(const std::string& commandLine) {
+  new WindowMemory(shell_, *menu_, WindowMemory::Keeps::SizeAndPlace);
+  OpenOver(*menu_, nullptr);
   if (auto resumed = options_.journals ? OfferJournals(shell_, *options_.journals) : std::nullopt) {
     resumed_ = std::make_unique<ResumedJournal>(std::move(*resumed));
     Resume();
@@ -129,6 +138,51 @@ void Desktop::ResumeCalibration(const std::string& setup) {
   if (!form) return;
   form->LoadFile(ToQt(setup));
   if (documents_.calSetup.FileName == setup) form->Guard("cmdStart", [form] { form->Start(); });
+}
+
+/// The form that the operator works in; the bus stands beside it.
+WorkingForm* Desktop::Front() const {
+  for (auto form = open_.rbegin(); form != open_.rend(); ++form)
+    if (*form && (*form)->isVisible() && form->data() != bus_.data()) return form->data();
+  return nullptr;
+}
+
+void Desktop::Raise() {
+  QWidget* window = QApplication::activeModalWidget();
+  if (!window) window = Front();
+  if (!window) window = menu_.get();
+  window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+  window->raise();
+  window->activateWindow();
+}
+
+std::string Desktop::StartedAgain(const std::string& commandLine) {
+  Raise();
+  const CommandLine line = ParseCommandLine(commandLine);
+  if (!line.Ok) return "Command line error, (" + commandLine + ")";
+  const std::string files = line.EquipFile + (line.EquipFile.empty() ? "" : "\r\n") + line.TestFile;
+  if (files.empty()) return {};
+  if (shell_.InstrumentsClaimed()) return "Hylden's instruments are at work: this was not opened.\r\n" + files;
+  const auto* const front = Front();
+  const bool takesIt = !front || (qobject_cast<const frmEquipment*>(front) && line.TestFile.empty()) ||
+                       (qobject_cast<const frmTestDef*>(front) && line.EquipFile.empty());
+  if (!takesIt || !shell_.end.MayStart() || QApplication::activeModalWidget() || (front && front->IsBusy()))
+    return "Hylden's open window has to be closed first: this was not opened.\r\n" + files;
+  Later(this, [this, line] { OpenNamed(line); });
+  return {};
+}
+
+void Desktop::OpenNamed(const CommandLine& line) {
+  auto* equipment = qobject_cast<frmEquipment*>(Front());
+  auto* test = qobject_cast<frmTestDef*>(Front());
+  if (!line.EquipFile.empty()) {
+    if (!equipment) equipment = OpenEquipment(menu_.get());
+    if (!equipment) return;
+    equipment->LoadFile(ToQt(line.EquipFile));
+    if (line.TestFile.empty() || !equipment->close()) return;
+  }
+  if (!test) test = OpenTestDefinition();
+  if (test) test->LoadFile(ToQt(line.TestFile));
 }
 
 /// Who has no settings starts for the first time.
@@ -366,6 +420,8 @@ bool Desktop::LoadHelp() {
   const QString shared = ToQt(HelpFileIn(shell_.settings.SharedDirectory()));
   if (!help->LoadFile(ToQt(helpFile_)) && !help->LoadFile(shared)) return false;
   help->setWindowIcon(menu_->windowIcon());
+  new WindowMemory(shell_, *help, WindowMemory::Keeps::SizeAndPlace);
+  OpenOver(*help, nullptr);
   help_ = std::move(help);
   return true;
 }

@@ -26,6 +26,7 @@ class frmCalCurves;
 class frmEquipment;
 class frmHelp;
 class frmTestDef;
+struct CommandLine;
 struct Documents;
 struct Instruments;
 struct ResumedJournal;
@@ -57,6 +58,11 @@ class Desktop : public QObject {
   /// @return false when the program has been asked to end meanwhile
   bool Start(const std::string& commandLine);
 
+  /// The program was started once more: its front window is raised, and opens the files that are named as if they were
+  /// chosen there.
+  /// @return why not, for the one who started it; empty when it does
+  std::string StartedAgain(const std::string& commandLine);
+
   TopMenu& Menu() { return *menu_; }
   /// Opens the equipment form in the caller's place; modally above it when a check has found something to mend there.
   /// Null while the program is being ended.
@@ -67,6 +73,7 @@ class Desktop : public QObject {
   /// Opens the parse tester above the editor, which gets the expression that is saved there.
   void OpenParseTester(DefinitionForm* editor, const QString& answer, const QString& expression);
   /// Opens the test definition; its Start opens the test run. Null while the program is being ended.
+  /// Opens the test definition; its Start opens the test run.
   frmTestDef* OpenTestDefinition();
   /// Opens the test run in the caller's place.
   void OpenTestRun(QWidget* caller);
@@ -114,6 +121,9 @@ class Desktop : public QObject {
   void ResumeTest();
   void ResumeCalibration(const std::string& setup);
   void ShowWelcome();
+  WorkingForm* Front() const;
+  void Raise();
+  void OpenNamed(const CommandLine& line);
   /// The main menu says which station and test are loaded.
   void ShowStation();
   void ClearBoxes();

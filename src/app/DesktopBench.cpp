@@ -11,10 +11,12 @@
 #include "bench/qt/frmBench.h"
 #include "shell/Shell.h"
 #include "shell/qt/WorkingForm.h"
+#include "widgets/WindowMemory.h"
+#include "widgets/WindowPlace.h"
 
 namespace hylden {
 
-BenchWindows::BenchWindows(Bench* bench, const Shell& shell, QIcon icon)
+BenchWindows::BenchWindows(Bench* bench, Shell& shell, QIcon icon)
     : bench_(bench), shell_(shell), icon_(std::move(icon)) {}
 
 BenchWindows::~BenchWindows() = default;
@@ -42,8 +44,11 @@ void BenchWindows::MakePanel() {
   connect(panel_.get(), &frmBench::HelpRequested, this, &BenchWindows::HelpRequested);
   connect(panel_.get(), &frmBench::EscapePressed, this, &BenchWindows::EscapePressed);
   // At the right edge of the screen it leaves the most of a run window in sight.
+  OpenOver(*panel_, nullptr);
   const QRect screen = panel_->screen()->availableGeometry();
   panel_->move(screen.right() - panel_->width(), screen.top());
+  new WindowMemory(shell_, *panel_, WindowMemory::Keeps::SizeAndPlace);
+  OpenOver(*panel_, nullptr);
 }
 
 void BenchWindows::ShowPanel() {

@@ -21,7 +21,7 @@ class BenchWindows : public QObject {
  public:
   /// @param bench  none when null
   /// @param shell  its notice is the windows'. Both must outlive the windows.
-  BenchWindows(Bench* bench, const Shell& shell, QIcon icon);
+  BenchWindows(Bench* bench, Shell& shell, QIcon icon);
   ~BenchWindows() override;
 
   bool Present() const { return bench_ != nullptr; }
@@ -44,7 +44,7 @@ class BenchWindows : public QObject {
   void MakePanel();
 
   Bench* bench_;
-  const Shell& shell_;
+  Shell& shell_;
   QIcon icon_;
   std::unique_ptr<frmBench> panel_;  ///< from its first opening on
 };

@@ -22,6 +22,7 @@
 #include "platform/qt/QtEventLoop.h"
 #include "platform/qt/QtPrinter.h"
 #include "platform/qt/QtSpeaker.h"
+#include "platform/qt/SecondStarts.h"
 
 namespace hylden {
 
@@ -44,6 +45,14 @@ BusChoice ConfiguredBus(const Directories& directories, Dialogs& dialogs) {
   BusChoice choice = ChosenBus(settings);
   if (const std::string faults = choice.FaultText(); !faults.empty()) dialogs.Tell(faults, MessageIcon::Exclamation);
   return choice;
+}
+
+/// The instance that runs comes to the front, with the files of this start; what keeps it from that is told.
+int HandOver(const SingleInstance& instance, const std::string& commandLine, Dialogs& dialogs) {
+  const auto answer = instance.Ask(WithWholePaths(commandLine));
+  if (answer && answer->empty()) return 0;
+  dialogs.Tell(answer.value_or(kAnotherInstanceText));
+  return 1;
 }
 
 int RunOn(DesktopApplication& application, QtDialogs& dialogs, const std::string& commandLine) {
@@ -73,10 +82,7 @@ int RunOn(DesktopApplication& application, QtDialogs& dialogs, const std::string
     print();
   };
   Desktop desktop(station, options);
-  if (!instance.Claim()) {
-    dialogs.Tell(kAnotherInstanceText);
-    return 1;
-  }
+  if (!instance.Claim()) return HandOver(instance, commandLine, dialogs);
 
   // The application and its boxes outlive the station and its windows.
   const auto done = qScopeGuard([&] {
@@ -91,6 +97,7 @@ int RunOn(DesktopApplication& application, QtDialogs& dialogs, const std::string
   application.onException = [&](const std::exception& error) { shell.ReportUnforeseen(error, "Hylden"); };
   QObject::connect(&desktop, &Desktop::Ended, &application, &QCoreApplication::quit);
   QObject::connect(&application, &QGuiApplication::commitDataRequest, &desktop, &Desktop::CloseAll);
+  const SecondStarts secondStarts(instance, [&](const std::string& line) { return desktop.StartedAgain(line); });
   const EndSignals endSignals([&] { desktop.CloseAll(); });
   return desktop.Start(commandLine) ? QApplication::exec() : 1;
 }

@@ -57,14 +57,22 @@ std::vector<std::pair<std::string, std::string>> INISettings::GetAll(const std::
 }
 
 void INISettings::SaveAll(const std::string& section, const std::vector<std::pair<std::string, std::string>>& values) {
-  bool kept = false;
-  try {
-    kept = store_.SaveSettings(section, values);
-  } catch (const SettingError&) {
-    // Told as the rest.
-  }
-  if (!kept) Remember(notKept_, "A setting could not be kept: this file can't be written.\r\n" + store_.Path());
+  if (!IsKept(section, values))
+    Remember(notKept_, "A setting could not be kept: this file can't be written.\r\n" + store_.Path());
   TellTroubles();
+}
+
+void INISettings::SaveQuietly(const std::string& section,
+                              const std::vector<std::pair<std::string, std::string>>& values) {
+  (void)IsKept(section, values);
+}
+
+bool INISettings::IsKept(const std::string& section, const std::vector<std::pair<std::string, std::string>>& values) {
+  try {
+    return store_.SaveSettings(section, values);
+  } catch (const SettingError&) {
+    return false;
+  }
 }
 
 std::string INISettings::GetDataDir(std::string_view kind) {

@@ -50,6 +50,8 @@ class INISettings {
     SaveAll(section, {{key, value}});
   }
   void SaveAll(const std::string& section, const std::vector<std::pair<std::string, std::string>>& values);
+  /// The same for what is only convenient to have: one that can't be kept is lost without a word.
+  void SaveQuietly(const std::string& section, const std::vector<std::pair<std::string, std::string>>& values);
 
   /// Where files of this kind live; until it is set the program directory, or a folder of the user's documents.
   std::string GetDataDir(std::string_view kind);
@@ -75,6 +77,7 @@ class INISettings {
   /// The value of a reading operation, or the default when it fails.
   template <class Value, class Read>
   Value Guarded(Value fallback, Read read);
+  bool IsKept(const std::string& section, const std::vector<std::pair<std::string, std::string>>& values);
   void Remember(Trouble& trouble, const std::string& text);
   void TellTroubles();
 

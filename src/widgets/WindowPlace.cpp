@@ -1,10 +1,15 @@
 #include "widgets/WindowPlace.h"
 
+#include <QApplication>
 #include <QEvent>
-#include <QGuiApplication>
+#include <QMainWindow>
 #include <QScreen>
-#include <QWidget>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTabWidget>
+#include <QVBoxLayout>
 #include <QWindow>
+#include <algorithm>
 #include <cmath>
 
 #include "shell/FormPosition.h"
@@ -33,6 +38,52 @@ std::vector<TwipScreen> Screens(const QWidget& window, double twipsPerPixel) {
   add(*window.screen());
   for (const QScreen* const screen : QGuiApplication::screens()) add(*screen);
   return screens;
+}
+
+/// What a window system adds around a window, where no window of the program tells.
+constexpr QMargins kUsualFrame{2, 30, 2, 2};
+
+QMargins FrameOf(const QWidget& window) {
+  const QRect frame = window.frameGeometry(), contents = window.geometry();
+  return {contents.left() - frame.left(), contents.top() - frame.top(), frame.right() - contents.right(),
+          frame.bottom() - contents.bottom()};
+}
+
+/// Contents that are scrolled up and down where they do not fit; the one that has the keys comes into sight.
+class TightArea : public QScrollArea {
+ public:
+  explicit TightArea(QWidget* parent) : QScrollArea(parent) {
+    setWidgetResizable(true);
+    setFrameShape(QFrame::NoFrame);
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
+      if (now && widget()->isAncestorOf(now)) ensureWidgetVisible(now);
+    });
+  }
+
+  QSize minimumSizeHint() const override {
+    constexpr int kFewestLines = 5;
+    return {widget()->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width(),
+            fontMetrics().lineSpacing() * kFewestLines};
+  }
+  QSize sizeHint() const override { return widget()->sizeHint(); }
+};
+
+/// The page stays what it is to its tab and its form; what lay on it lies in an area of its own.
+void ScrollContents(QWidget& page) {
+  auto* const area = new TightArea(&page);
+  auto* const contents = new QWidget(area->viewport());  // within the window, so that the order of the boxes stays
+  contents->setLayout(page.layout());
+  area->setWidget(contents);
+  contents->setAutoFillBackground(false);
+  area->viewport()->setAutoFillBackground(false);
+  auto* const layout = new QVBoxLayout(&page);
+  layout->setContentsMargins({});
+  layout->addWidget(area);
+  // Nobody may go on with the size that it had.
+  for (QWidget* around = &page; around; around = around->isWindow() ? nullptr : around->parentWidget()) {
+    if (around->layout()) around->layout()->invalidate();
+    around->updateGeometry();
+  }
 }
 
 /// Puts a window right, once, that the window manager has put by its contents where its frame should be: remembered by
@@ -84,6 +135,40 @@ QPoint PlaceBeside(const QRect& runWindow, QSize size, const QRect& screen) {
   if (corner.y() + kGap + height <= screen.bottom()) return {corner.x() - width, corner.y() + kGap};
   if (corner.x() + kGap + width <= screen.right()) return {corner.x() + kGap, corner.y() - height};
   return corner - QPoint(width + 30, height);
+}
+
+QRect PlaceOver(const QRect& caller, QSize size, const QRect& screen) {
+  QRect place({}, size.boundedTo(screen.size()));
+  place.moveCenter(caller.center());
+  const QPoint last = screen.bottomRight() - QPoint(place.width(), place.height()) + QPoint(1, 1);
+  place.moveTo(std::clamp(place.x(), screen.x(), last.x()), std::clamp(place.y(), screen.y(), last.y()));
+  return place;
+}
+
+void ScrollWhatIsBeyond(QMainWindow& window, QSize room) {
+  const auto fits = [&] { return window.minimumSizeHint().height() <= room.height(); };
+  if (fits() || !window.centralWidget()) return;
+  if (const auto* const tabs = window.findChild<QTabWidget*>())
+    for (int page = 0; page < tabs->count(); ++page)
+      if (tabs->widget(page)->layout()) ScrollContents(*tabs->widget(page));
+  if (!fits() && window.centralWidget()->layout()) ScrollContents(*window.centralWidget());
+}
+
+void OpenOver(QMainWindow& window, const QWidget* caller) {
+  const bool isPlaced = window.testAttribute(Qt::WA_Moved), isOver = !isPlaced && caller && caller->isVisible();
+  const QScreen* screen = caller ? caller->screen() : window.screen();
+  if (isPlaced)
+    if (const QScreen* const there = QGuiApplication::screenAt(window.geometry().center())) screen = there;
+  const QRect available = screen->availableGeometry();
+  const QMargins frame = caller && caller->isVisible() ? FrameOf(*caller) : kUsualFrame;
+  ScrollWhatIsBeyond(window, available.marginsRemoved(frame).size());
+  const QSize wanted = window.size().expandedTo(window.minimumSizeHint()).grownBy(frame);
+  const QRect asked(window.pos(), wanted);
+  const QRect place = PlaceOver(isOver ? caller->frameGeometry() : asked, wanted, available);
+  window.resize(place.size().shrunkBy(frame));
+  if ((!isPlaced && !isOver) || window.isMaximized()) return;
+  window.move(place.topLeft());
+  KeepFrame(window);
 }
 
 void KeepFrame(QWidget& window) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+class QMainWindow;
 class QWidget;
 
 namespace hylden {
@@ -26,6 +27,15 @@ inline constexpr Qt::WindowFlags kRunFrame =
 /// Where a small window opens that has no remembered place: below the run window, else to its right, where the screen
 /// has room; else over its lower right corner, beside the figures.
 QPoint PlaceBeside(const QRect& runWindow, QSize size, const QRect& screen);
+/// Where a window of this size opens over another one: in its middle, but within the screen, and no larger. All with
+/// their frames.
+QRect PlaceOver(const QRect& caller, QSize size, const QRect& screen);
+/// Before a window is shown: it becomes no larger than its screen has room for, what then does not fit can be scrolled
+/// to, and it goes over its caller's place unless it has been given one.
+/// @param caller  null or hidden: the window system finds a place
+void OpenOver(QMainWindow& window, const QWidget* caller);
+/// The contents of a window whose smallest size is beyond the room become scrolled: the pages of its tabs, else all.
+void ScrollWhatIsBeyond(QMainWindow& window, QSize room);
 /// Has the frame of a window that has been moved, and is not shown yet, stand where it was moved to.
 void KeepFrame(QWidget& window);
 /// Puts a run window at its remembered place. @return false when there is none

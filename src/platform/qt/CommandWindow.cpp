@@ -28,6 +28,10 @@ CommandWindow::~CommandWindow() {
   innermost = outer_;
 }
 
+QWidget* CommandWindow::OfCommand() {
+  return innermost ? innermost->window_.data() : nullptr;
+}
+
 QWidget* CommandWindow::ForBox() {
   if (QWidget* const modal = QApplication::activeModalWidget()) return modal;
   for (const CommandWindow* command = innermost; command; command = command->outer_)

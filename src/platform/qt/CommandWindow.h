@@ -18,6 +18,8 @@ class CommandWindow {
   /// The window that a box belongs to now: the modal one, which locks all others; else the window whose command began
   /// last and that can be seen, or one of its own that stays on top; else the active one. Null when there is none.
   static QWidget* ForBox();
+  /// The window whose command began last and runs; null when none does.
+  static QWidget* OfCommand();
 
  private:
   CommandWindow* outer_;

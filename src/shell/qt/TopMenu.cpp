@@ -1,10 +1,12 @@
 #include "shell/qt/TopMenu.h"
 
 #include <QCloseEvent>
+#include <QFileInfo>
 #include <QKeyEvent>
 
 #include "platform/qt/QtText.h"
 #include "shell/FormInput.h"
+#include "text/ExistingPath.h"
 #include "ui_TopMenu.h"
 
 namespace hylden {
@@ -29,11 +31,16 @@ void TopMenu::SetTitle(const std::string& title) {
 }
 
 void TopMenu::ShowStation(const std::string& equipmentFile, const std::string& testFile) {
-  const auto named = [](const char* what, const std::string& file) {
-    return QString::fromLatin1(what) + (file.empty() ? QStringLiteral("none") : ToQt(FileNameOnly(file)));
+  const auto named = [this](const char* what, const std::string& file) {
+    constexpr int kWidest = 300;  // a long name makes no window wide
+    const QString name = file.empty() ? QStringLiteral("none") : ToQt(FileNameOnly(file));
+    return QString::fromLatin1(what) + ui_->lblStation->fontMetrics().elidedText(name, Qt::ElideMiddle, kWidest);
+  };
+  const auto whole = [](const std::string& file) {
+    return file.empty() ? QString() : QFileInfo(ToQt(ExistingPath(file))).absoluteFilePath();
   };
   ui_->lblStation->setText(named("Station: ", equipmentFile) + QLatin1Char('\n') + named("Test: ", testFile));
-  ui_->lblStation->setToolTip(ToQt(equipmentFile + (testFile.empty() ? "" : "\n" + testFile)));
+  ui_->lblStation->setToolTip((whole(equipmentFile) + QLatin1Char('\n') + whole(testFile)).trimmed());
 }
 
 void TopMenu::OfferBench() {

@@ -6,22 +6,53 @@
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMenuBar>
+#include <QStatusBar>
 #include <QToolBar>
 #include <exception>
+#include <string>
 #include <utility>
 
 #include "platform/qt/CommandWindow.h"
 #include "platform/qt/Later.h"
 #include "platform/qt/QtText.h"
+#include "shell/FormInput.h"
 #include "shell/ProgramEnd.h"
 #include "shell/Shell.h"
+#include "widgets/WindowMemory.h"
+#include "widgets/WindowPlace.h"
 
 namespace hylden {
 
-WorkingForm::WorkingForm(Shell& shell, QWidget* parent) : QMainWindow(parent), shell_(shell) {}
+namespace {
+
+constexpr int kPassingMs = 8000;
+
+/// At the end of the menu bar it takes no room from the form.
+QLabel& PassingLabel(QMenuBar& menus) {
+  if (auto* const shown = menus.findChild<QLabel*>(QStringLiteral("lblSaved"))) return *shown;
+  auto* const label = new QLabel(&menus);
+  label->setObjectName(QStringLiteral("lblSaved"));
+  label->setAccessibleName(QStringLiteral("What was saved"));
+  label->setTextFormat(Qt::PlainText);
+  label->setContentsMargins(6, 0, 6, 0);
+  return *label;
+}
+
+}  // namespace
+
+WorkingForm::WorkingForm(Shell& shell, QWidget* parent) : QMainWindow(parent), shell_(shell) {
+  passing_.setSingleShot(true);
+  passing_.setInterval(kPassingMs);
+  connect(&passing_, &QTimer::timeout, this, [this] { ShowPassing({}); });
+}
 
 void WorkingForm::OpenFrom(QWidget* caller) {
   CallingForm = caller;
+  using Keeps = WindowMemory::Keeps;
+  new WindowMemory(shell_, *this, caller ? Keeps::Size : Keeps::SizeAndPlace);
+  OpenOver(*this, caller);
+  if (caller) callerPlace_ = caller->pos();
   show();
   raise();
   activateWindow();
@@ -45,6 +76,7 @@ void WorkingForm::On(QAbstractButton* button, std::function<void()> command) {
 
 void WorkingForm::Run(std::string_view name, const std::function<void()>& command) {
   const CommandWindow running(*this);
+  if (commands_ == 0 && passing_.isActive()) ShowPassing({});
   ++commands_;
   try {
     command();
@@ -57,6 +89,24 @@ void WorkingForm::Run(std::string_view name, const std::function<void()>& comman
   if (--commands_ > 0) return;
   CommandEnded();
   CloseIfPending();
+}
+
+void WorkingForm::ShowSaved(const std::string& path) {
+  ShowPassing(QStringLiteral("Saved: ") + ToQt(FileNameOnly(path)));
+  passing_.start();
+}
+
+void WorkingForm::ShowPassing(const QString& text) {
+  passing_.stop();
+  if (auto* const status = findChild<QStatusBar*>()) return status->showMessage(text);
+  auto* const menus = findChild<QMenuBar*>();
+  if (!menus) return;
+  QLabel& label = PassingLabel(*menus);
+  label.setText(label.fontMetrics().elidedText(text, Qt::ElideMiddle, width() / 2));
+  label.setToolTip(text);
+  label.adjustSize();
+  menus->setCornerWidget(&label);  // which gives it its room anew
+  label.setVisible(!text.isEmpty());
 }
 
 void WorkingForm::CloseBehindCommand() {
@@ -99,6 +149,11 @@ void WorkingForm::closeEvent(QCloseEvent* event) {
   event->accept();
   closePending_ = false;
   if (CallingForm) {
+    // Else the window system finds a new place for what was hidden.
+    if (!CallingForm->isVisible() && CallingForm->testAttribute(Qt::WA_WState_Created) && !CallingForm->isMaximized()) {
+      CallingForm->move(callerPlace_);
+      KeepFrame(*CallingForm);
+    }
     CallingForm->show();
     CallingForm->activateWindow();
   }

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPoint>
 #include <QPointer>
 #include <QString>
+#include <QTimer>
 #include <functional>
+#include <string>
 #include <string_view>
 
 class QAbstractButton;
@@ -30,13 +33,17 @@ class WorkingForm : public QMainWindow {
   /// The form to show again when this one unloads.
   QPointer<QWidget> CallingForm;
 
-  /// Shows this form in the place of the one that opened it; a modal form stands above a caller that is not modal.
+  /// Shows this form over the one that opened it, in its place, as large as it was last; a modal form stands above a
+  /// caller that is not modal. When it unloads the caller is where it was.
   void OpenFrom(QWidget* caller);
 
   /// Runs a command, unless the program is being ended. What it could not foresee is reported, since nothing may leave
   /// an event handler; a run that is on is halted then.
   /// @param name  of the control, for the report
   void Guard(std::string_view name, const std::function<void()>& command);
+
+  /// Tells for some seconds, or until the next command, that a file was saved.
+  void ShowSaved(const std::string& path);
 
   /// A command runs, or the question whether to close stands.
   bool IsBusy() const { return commands_ > 0; }
@@ -80,10 +87,13 @@ class WorkingForm : public QMainWindow {
   void Run(std::string_view name, const std::function<void()>& command);
   bool MayClose();
   void CloseIfPending();
+  void ShowPassing(const QString& text);
 
   int commands_ = 0;  ///< that have not returned yet
   bool closePending_ = false;
   bool missedBefore_ = false;  ///< the save, when the close was asked for
+  QTimer passing_{this};       ///< the news of a save
+  QPoint callerPlace_;         ///< when it was hidden
 };
 
 /// A band across the top of a window that tells, unmistakably, which instruments are only simulated.
