@@ -9,6 +9,7 @@
 #include <QMenuBar>
 #include <QStatusBar>
 #include <QToolBar>
+#include <QWindow>
 #include <exception>
 #include <string>
 #include <utility>
@@ -52,7 +53,7 @@ void WorkingForm::OpenFrom(QWidget* caller) {
   using Keeps = WindowMemory::Keeps;
   new WindowMemory(shell_, *this, caller ? Keeps::Size : Keeps::SizeAndPlace);
   OpenOver(*this, caller);
-  if (caller) callerPlace_ = caller->pos();
+  if (caller) callerPlace_ = caller->geometry().topLeft();
   show();
   raise();
   activateWindow();
@@ -149,11 +150,10 @@ void WorkingForm::closeEvent(QCloseEvent* event) {
   event->accept();
   closePending_ = false;
   if (CallingForm) {
-    // Else the window system finds a new place for what was hidden.
-    if (!CallingForm->isVisible() && CallingForm->testAttribute(Qt::WA_WState_Created) && !CallingForm->isMaximized()) {
-      CallingForm->move(callerPlace_);
-      KeepFrame(*CallingForm);
-    }
+    // Else the window system finds a new place for what was hidden. A move to where it is would not reach it.
+    if (QWindow* const handle = CallingForm->windowHandle();
+        handle && !CallingForm->isVisible() && !CallingForm->isMaximized())
+      handle->setPosition(callerPlace_);
     CallingForm->show();
     CallingForm->activateWindow();
   }

@@ -93,7 +93,7 @@ class WorkingForm : public QMainWindow {
   bool closePending_ = false;
   bool missedBefore_ = false;  ///< the save, when the close was asked for
   QTimer passing_{this};       ///< the news of a save
-  QPoint callerPlace_;         ///< when it was hidden
+  QPoint callerPlace_;         ///< of its contents, when it was hidden
 };
 
 /// A band across the top of a window that tells, unmistakably, which instruments are only simulated.
