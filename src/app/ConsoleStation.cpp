@@ -13,7 +13,7 @@
 #include "platform/native/ProgramDirectory.h"
 #include "run/ForwardSensor.h"
 #include "run/RunQuestions.h"
-#include "text/Pattern.h"
+#include "text/Duration.h"
 #include "text/TextFile.h"
 
 namespace hylden {
@@ -36,7 +36,7 @@ ConsoleStation::ConsoleStation(const RunOptions& options)
                   [this] {
                     if (running_) TheShell().delay.RequestHalt();
                   }),
-      progress_(std::cout, AtTerminal(STDOUT_FILENO)),
+      progress_(std::cout, AtTerminal(STDOUT_FILENO), TheClock()),
       dialogs_(STDIN_FILENO, std::cout, realEvents_, DialogOptions()),
       printer_(std::cout),
       output_(options) {
@@ -237,8 +237,8 @@ ExitState ConsoleStation::End(RunOutcome outcome, bool saved, std::size_t done, 
     std::cout << "Nothing was switched on.\n";
   else
     std::cout << (finished ? "Finished: " : "Ended early: ") << done << " of " << planned << " steps in "
-              << Format(static_cast<double>(elapsedMs_) / 60000, "##0.0") << " min"
-              << (options_.VirtualTime ? " of bench time" : "") << '\n';
+              << DurationText(static_cast<double>(elapsedMs_) / 1000) << (options_.VirtualTime ? " of bench time" : "")
+              << '\n';
   if (realEvents_.StopRequested()) return ExitState::Halted;
   return finished && saved && !output_.IsAside() ? ExitState::Finished : ExitState::Failed;
 }

@@ -15,6 +15,7 @@
 #include "app/Station.h"
 #include "bench/Bench.h"
 #include "calibration/CableCalibration.h"
+#include "calibration/FrequencyPlan.h"
 #include "calibration/qt/frmCblSetup.h"
 #include "calibration/qt/frmRunCablCal.h"
 #include "calibration/qt/frmRunCal.h"
@@ -40,6 +41,7 @@
 #include "shell/qt/WorkingForm.h"
 #include "shell/qt/frmHelp.h"
 #include "shell/qt/frmWelcome.h"
+#include "testrun/TestPlan.h"
 #include "testrun/qt/frmRunTest.h"
 #include "widgets/WindowMemory.h"
 #include "widgets/WindowPlace.h"
@@ -303,6 +305,9 @@ frmTestDef* Desktop::OpenTestDefinition() {
   if (!shell_.end.MayStart()) return nullptr;
   auto* const form = new frmTestDef(shell_, documents_);
   Serve(form);
+  form->TellPlanBy([this](const FormEntries& entries) {
+    return TestPlanText(entries, documents_.testSetup.Definition, documents_.calInfo.Record.FreqRange);
+  });
   connect(form, &frmTestDef::StartRequested, this, [this, form] { OpenTestRun(form); });
   connect(form, &frmTestDef::PrintPreviewRequested, this, [this, form] { Preview([form] { form->Print(); }); });
   return Open(form, menu_.get()) ? form : nullptr;
@@ -325,6 +330,9 @@ frmCalSetup* Desktop::OpenCalibrationSetup() {
   if (!shell_.end.MayStart()) return nullptr;
   auto* const form = new frmCalSetup(shell_, instruments_, documents_);
   Serve(form);
+  form->TellPlanBy([this](const FormEntries& entries) {
+    return CalibrationPlanText(entries, documents_.calSetup.Record, documents_.equip.Record);
+  });
   connect(form, &frmCalSetup::EditLevelRequested, this,
           [this, form](const QString& levelFile) { OpenFactorEditor(form, FactorKind::Level, levelFile); });
   connect(form, &frmCalSetup::StartRequested, this, [this, form] { OpenCalibrationRun(form); });
@@ -349,6 +357,10 @@ void Desktop::OpenFactorEditor(QWidget* caller, FactorKind kind, const QString& 
 void Desktop::OpenCableSetup(QWidget* caller) {
   auto* const form = new frmCblSetup(shell_, documents_, *cableCalibration_);
   Serve(form);
+  form->TellPlanBy([this](const FormEntries& entries) {
+    const auto settling = static_cast<double>(instruments_.meter.SettlingTime());
+    return CablePlanText(entries, cableCalibration_->Setup, settling);
+  });
   connect(form, &frmCblSetup::StartRequested, this, [this, form] { OpenCableRun(form); });
   Open(form, caller);
 }

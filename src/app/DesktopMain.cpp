@@ -1,4 +1,9 @@
+#include <unistd.h>
+
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,7 +16,7 @@
 namespace {
 
 constexpr const char* kHelp =
-    "Usage: hylden [FILE.eqp] [FILE.tst]\n\n"
+    "Usage: hylden [OPTION] [FILE...]\n\n"
     "Conducted RF immunity testing: station, calibration and test in windows.\n\n"
     "  FILE.eqp     begin with this station (also \"/e:FILE\")\n"
     "  FILE.tst     go straight to this test (also \"/t:FILE\")\n"
@@ -19,12 +24,38 @@ constexpr const char* kHelp =
     "  --version    print the version and exit\n\n"
     "Without windows, hylden-run runs tests and calibrations; hylden-run --help tells how.\n";
 
-/// Whether the arguments were a question that needs no window; then it has been answered.
-bool Answered(const std::vector<std::string>& arguments) {
-  if (arguments.size() != 1) return false;
-  if (arguments.front() == "--help" || arguments.front() == "-h") return std::fputs(kHelp, stdout), true;
-  if (arguments.front() == "--version") return std::puts(hylden::VersionTitle().c_str()), true;
-  return false;
+constexpr int kUsage = 2;
+
+int PrintHelp() {
+  return std::fputs(kHelp, stdout) < 0 ? 1 : 0;
+}
+int PrintVersion() {
+  return std::puts(hylden::VersionTitle().c_str()) < 0 ? 1 : 0;
+}
+
+/// What the terminal gets without a window.
+constexpr struct {
+  const char* Option;
+  int (*Answer)();
+} kAnswers[] = {{"--help", PrintHelp}, {"-h", PrintHelp}, {"--version", PrintVersion}};
+
+/// Whether somebody can read what is printed; a window tells it otherwise.
+bool AtTerminal() {
+  const auto isSet = [](const char* name) {
+    const char* const value = std::getenv(name);
+    return value && *value;
+  };
+  return isatty(STDERR_FILENO) || !(isSet("DISPLAY") || isSet("WAYLAND_DISPLAY"));
+}
+
+/// The exit status of what needs no window.
+std::optional<int> AnsweredOnTerminal(const std::vector<std::string>& arguments) {
+  for (const auto& answer : kAnswers)
+    if (std::find(arguments.begin(), arguments.end(), answer.Option) != arguments.end()) return answer.Answer();
+  const std::string faults = hylden::ArgumentFaults(arguments);
+  if (faults.empty()) return std::nullopt;
+  std::fputs((faults + "hylden --help tells what it takes.\n").c_str(), stderr);
+  return AtTerminal() ? std::optional(kUsage) : std::nullopt;
 }
 
 }  // namespace
@@ -32,7 +63,7 @@ bool Answered(const std::vector<std::string>& arguments) {
 int main(int argc, char** argv) {
   hylden::KeepStandardStreams();
   std::vector<std::string> arguments(argv + 1, argv + argc);
-  if (Answered(arguments)) return 0;
+  if (const auto status = AnsweredOnTerminal(arguments)) return *status;
   hylden::DesktopApplication application(argc, argv);
   for (std::string& argument : arguments) argument = hylden::AsSwitch(argument);
   return hylden::RunDesktop(application, arguments);

@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "text/Duration.h"
 #include "text/Pattern.h"
 
 namespace hylden {
@@ -15,7 +16,10 @@ void ProgressLine::Start(int steps, double estimatedMinutes) {
   now_ = {.Steps = steps};
   activity_.clear();
   out_ << steps << (steps == 1 ? " step" : " steps");
-  if (estimatedMinutes > 0) out_ << ", estimated " << Format(estimatedMinutes, "##0.0") << " min";
+  if (estimatedMinutes > 0) {
+    out_ << ", estimated " << DurationText(estimatedMinutes * 60) << ", until "
+         << ClockAfter(clock_.SecondsSinceMidnight(), estimatedMinutes * 60);
+  }
   out_ << '\n' << std::flush;
 }
 
@@ -41,7 +45,7 @@ void ProgressLine::End() {
 std::string ProgressLine::Text() const {
   return "step " + std::to_string(now_.Step) + " of " + std::to_string(now_.Steps) + "  " +
          Format(now_.FrequencyMHz, "0.0#####") + " MHz  " + Format(now_.LevelDbm, "##0.0") + " dBm  elapsed " +
-         Format(now_.ElapsedMinutes, "##0.0") + " min  remaining " + Format(now_.RemainingMinutes, "##0.0") + " min";
+         DurationText(now_.ElapsedMinutes * 60) + "  remaining " + DurationText(now_.RemainingMinutes * 60);
 }
 
 void ProgressLine::Redraw() {

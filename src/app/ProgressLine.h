@@ -4,6 +4,8 @@
 #include <iosfwd>
 #include <string>
 
+#include "platform/Clock.h"
+
 namespace hylden {
 
 /// How far a run is: steps counted from 1, MHz, dBm, minutes.
@@ -18,7 +20,7 @@ struct RunProgress {
 /// place; where the output is no terminal, a plain line for every step.
 class ProgressLine {
  public:
-  ProgressLine(std::ostream& out, bool terminal) : out_(out), terminal_(terminal) {}
+  ProgressLine(std::ostream& out, bool terminal, const Clock& clock) : out_(out), terminal_(terminal), clock_(clock) {}
 
   /// Starts a run of this many steps.
   /// @param estimatedMinutes  0 where nobody can tell
@@ -39,6 +41,7 @@ class ProgressLine {
 
   std::ostream& out_;
   bool terminal_;
+  const Clock& clock_;
   bool open_ = false;
   RunProgress now_;
   std::string activity_;

@@ -12,8 +12,46 @@ namespace hylden {
 
 namespace {
 
-constexpr std::string_view kEquipSwitch = "/e:", kTestSwitch = "/t:";
 constexpr std::size_t kSwitchLength = 3;
+
+/// A kind of file that the command line opens.
+struct OpenedKind {
+  std::string_view Switch;
+  const char* Extension;
+  std::string CommandLine::*File;
+  const char* LogLine;
+};
+constexpr OpenedKind kOpenedKinds[] = {
+    {"/e:", ".eqp", &CommandLine::EquipFile, "equip file loaded from command line"},
+    {"/t:", ".tst", &CommandLine::TestFile, "test file loaded from command line"},
+};
+
+const OpenedKind* KindOfSwitch(std::string_view piece) {
+  for (const OpenedKind& kind : kOpenedKinds)
+    if (piece.starts_with(kind.Switch)) return &kind;
+  return nullptr;
+}
+
+const OpenedKind* KindOfFile(const std::string& file) {
+  const std::string extension = std::filesystem::path(file).extension().string();
+  for (const OpenedKind& kind : kOpenedKinds)
+    if (SameIgnoringCase(extension, kind.Extension)) return &kind;
+  return nullptr;
+}
+
+/// "/x:...", known or not, or a whole command line in quotes.
+bool IsForStartUp(const std::string& argument) {
+  return argument.size() <= kSwitchLength || argument.find('"') != std::string::npos ||
+         (argument[0] == '/' && argument[kSwitchLength - 1] == ':');
+}
+
+std::string ArgumentFault(const std::string& argument) {
+  if (argument.starts_with('-')) return "unknown option: " + argument;
+  if (IsForStartUp(argument)) return {};
+  if (!KindOfFile(argument)) return "not a kind of file that it opens: " + argument;
+  std::error_code unknown;
+  return std::filesystem::exists(ExistingPath(argument), unknown) ? std::string() : "no such file: " + argument;
+}
 
 std::vector<std::string> SplitAtQuotes(std::string_view text) {
   std::vector<std::string> pieces(1);
@@ -63,12 +101,9 @@ bool LoadTest(Station& station, const std::string& path) {
 CommandLine ParseCommandLine(std::string_view text) {
   CommandLine line;
   for (const std::string& piece : SplitAtQuotes(text)) {
-    if (piece.starts_with(kEquipSwitch)) {
-      line.EquipFile = piece.substr(kSwitchLength);
-      line.LogLines.emplace_back("equip file loaded from command line");
-    } else if (piece.starts_with(kTestSwitch)) {
-      line.TestFile = piece.substr(kSwitchLength);
-      line.LogLines.emplace_back("test file loaded from command line");
+    if (const OpenedKind* const kind = KindOfSwitch(piece)) {
+      line.*kind->File = piece.substr(kSwitchLength);
+      line.LogLines.emplace_back(kind->LogLine);
     } else if (piece.size() > kSwitchLength) {
       line.Ok = false;
       break;
@@ -78,13 +113,15 @@ CommandLine ParseCommandLine(std::string_view text) {
 }
 
 std::string AsSwitch(const std::string& argument) {
-  const auto isA = [&](const char* extension) {
-    return SameIgnoringCase(std::filesystem::path(argument).extension().string(), extension);
-  };
-  if (argument.starts_with(kEquipSwitch) || argument.starts_with(kTestSwitch)) return argument;
-  if (isA(".eqp")) return std::string(kEquipSwitch) + argument;
-  if (isA(".tst")) return std::string(kTestSwitch) + argument;
-  return argument;
+  const OpenedKind* const kind = KindOfSwitch(argument) ? nullptr : KindOfFile(argument);
+  return kind ? std::string(kind->Switch) + argument : argument;
+}
+
+std::string ArgumentFaults(const std::vector<std::string>& arguments) {
+  std::string faults;
+  for (const std::string& argument : arguments)
+    if (const std::string fault = ArgumentFault(argument); !fault.empty()) faults += fault + '\n';
+  return faults;
 }
 
 std::string JoinArguments(const std::vector<std::string>& arguments) {

@@ -30,6 +30,9 @@ std::string AsSwitch(const std::string& argument);
 
 /// The same line for a program with another working directory; one that can't be understood comes back as it is.
 std::string WithWholePaths(const std::string& commandLine);
+/// What is wrong with the arguments of the desktop program, in a line for each: an option that it does not have, a file
+/// of a kind that it does not open, or one that is not there. Switches are left to StartUp.
+std::string ArgumentFaults(const std::vector<std::string>& arguments);
 
 /// What the program shows first.
 enum class Opening { MainMenu, TestDefinition };

@@ -39,9 +39,7 @@ bool RunCablCal::Halted() const {
 
 bool RunCablCal::BuildPlan() {
   if (IsRunning()) return false;
-  const auto type = Setup.StepType;
-  FrequencyRequest request{type, Setup.StartFreq, Setup.StopFreq,
-                           type == StepType::Log ? Setup.LogStep : Setup.LinearStep, Setup.ListFile};
+  FrequencyRequest request = RequestOf(Setup);
   const auto plan = PlanFrequencies(request);
   if (!shell_.Ok(plan)) return false;
   if (plan->empty()) {
@@ -113,9 +111,10 @@ bool RunCablCal::BringUp(const Pass& pass) {
 }
 
 void RunCablCal::ShowPlan(const Pass& pass) {
-  const double settling = static_cast<double>(instruments_.meter.SettlingTime());
-  pass.Display.Plan({static_cast<int>(points_.size()), points_.front().Freq, points_.back().Freq, Setup.Dwell,
-                     (Setup.Dwell + settling) * static_cast<double>(points_.size()) / 60});
+  std::vector<double> plan;
+  plan.reserve(points_.size());
+  for (const CablePoint& point : points_) plan.push_back(point.Freq);
+  pass.Display.Plan(RunPlanOf(plan, Setup, static_cast<double>(instruments_.meter.SettlingTime())));
   pass.Display.RowChanged(0);
 }
 

@@ -82,14 +82,7 @@ void LevelCalibration::ForgetRows() {
 }
 
 bool LevelCalibration::PlanRun() {
-  const EquipRecord& equipment = documents_.equip.Record;
-  const auto type = setup_.StepType;
-  FrequencyRequest request{type,
-                           setup_.StartFreq,
-                           setup_.StopFreq,
-                           type == StepType::Log ? setup_.LogStep : setup_.LinearStep,
-                           setup_.ListFile,
-                           {equipment.HasIfiAmplifier(), equipment.IfiBandSwitch}};
+  FrequencyRequest request = RequestOf(setup_, documents_.equip.Record);
   const auto plan = PlanFrequencies(request);
   plan_ = shell_.Ok(plan) ? *plan : std::vector<double>();
   setup_.StartFreq = request.StartMHz;
@@ -100,7 +93,7 @@ bool LevelCalibration::PlanRun() {
 }
 
 void LevelCalibration::ShowPlan() {
-  display_.Plan({static_cast<int>(plan_.size()), setup_.StartFreq, setup_.StopFreq, setup_.Dwell});
+  display_.Plan(RunPlanOf(plan_, setup_));
 }
 
 bool LevelCalibration::LoadTables() {

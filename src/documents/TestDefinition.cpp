@@ -157,6 +157,13 @@ TestValidation ValidateTestDefinition(FormEntries& entries, const std::string& c
   return {std::move(taker.Failure), std::move(taker.Notices)};
 }
 
+std::optional<EntryFailure> TakeTyped(const FormEntries& entries, const std::string& calFreqRange,
+                                      TestDefinition& test) {
+  EntryTaker taker(entries, EntryTaker::Refuses::Text);
+  FormFields(taker, test, RangeOf(calFreqRange));
+  return std::move(taker.Failure);
+}
+
 void ConstPeakClicked(FormEntries& entries) {
   if (entries.IsTicked("chkConstPeak")) entries.Tick("chkModOffBetweenFreqs");
 }

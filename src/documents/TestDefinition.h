@@ -125,6 +125,11 @@ struct TestValidation {
 /// @param calFreqRange  the calibration info's range text, "0.15 - 80"
 TestValidation ValidateTestDefinition(FormEntries& entries, const std::string& calFreqRange, TestDefinition& test);
 
+/// Takes entries as they stand, complete or not, with the frequencies that the calibration allows.
+/// @return the first entry that is no number
+std::optional<EntryFailure> TakeTyped(const FormEntries& entries, const std::string& calFreqRange,
+                                      TestDefinition& test);
+
 /// After a click on chkConstPeak: a constant peak needs modulation off between frequencies.
 void ConstPeakClicked(FormEntries& entries);
 /// After a click on chkModOffBetweenFreqs: without it there is no constant peak.

@@ -109,6 +109,15 @@ std::vector<double> LogSweep(double startMHz, double stopMHz, double stepPercent
   return sweep;
 }
 
+std::string WhyNoSweep(StepType type, double startMHz, double stopMHz, double step) {
+  constexpr const char* kNone = ": no frequencies";
+  if (type != StepType::Linear && type != StepType::Log) return std::string("no kind of step is chosen") + kNone;
+  if (!(step > 0)) return "step of " + ShortestText(step) + kNone;
+  if (type == StepType::Log && !(startMHz > 0)) return "start of " + ShortestText(startMHz) + " MHz" + kNone;
+  if (!(stopMHz > startMHz)) return std::string("stop not above start") + kNone;
+  return "more than " + std::to_string(kMostSweepPoints) + " frequencies: wider steps are needed";
+}
+
 Result<std::vector<double>> ReadFreq::FileTolist(const std::string& fileName) {
   if (fileName.empty()) return {};
   return Trapped("ReadFreq.FileTolist", fileName,

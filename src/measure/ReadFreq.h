@@ -31,6 +31,14 @@ std::vector<double> LinearSweep(double startMHz, double stopMHz, double stepMHz)
 /// or a start of 0 or less.
 std::vector<double> LogSweep(double startMHz, double stopMHz, double stepPercent);
 
+/// Why a sweep holds no frequency, in words: "step of 0: no frequencies".
+std::string WhyNoSweep(StepType type, double startMHz, double stopMHz, double step);
+/// The same of a list, behind which its name stands, and of entries that are no numbers.
+inline constexpr char kBadListText[] = "no frequency list: can't read ";
+inline constexpr char kNoListText[] = "no frequency list is chosen";
+inline constexpr char kNothingOfListText[] = "nothing of the list between start and stop: no frequencies";
+inline constexpr char kNoNumberPlanText[] = "an entry is no number";
+
 /// Frequency lists (.lst) and the frequency plans of calibrations; frequencies in MHz.
 class ReadFreq {
  public:

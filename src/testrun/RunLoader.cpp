@@ -4,48 +4,31 @@
 
 #include "documents/Documents.h"
 #include "measure/Conversions.h"
-#include "measure/ReadFreq.h"
 #include "run/FactorLoading.h"
 #include "run/RunDisplay.h"
 #include "shell/Shell.h"
 #include "testrun/RunInputs.h"
+#include "testrun/TestPlan.h"
 #include "text/Numbers.h"
 
 namespace hylden {
-
-namespace {
-constexpr std::size_t kLeastListFrequencies = 2;
-}
 
 RunLoader::RunLoader(Shell& shell, Documents& documents, RunDisplay& display, RunInputs& inputs)
     : shell_(shell), documents_(documents), test_(documents.testSetup.Definition), display_(display), inputs_(inputs) {}
 
 void RunLoader::PlanSteps() {
   display_.Status("Calculating frequencies and dwell times...");
-  inputs_.Steps = PlanSweep(test_);
-  documents_.testSetup.ListUnused = false;
-  if (test_.FreqList) TakeList();
+  TestPlan plan = PlanTest(test_);
+  inputs_.Steps = std::move(plan.Steps);
+  documents_.testSetup.ListUnused = plan.ListUnused;
+  inputs_.ListReadable = shell_.Ok(plan.ListFrequencies);
+  if (plan.ListUnused && inputs_.ListReadable && *plan.ListFrequencies > 0 && !inputs_.Steps.empty())
+    shell_.dialogs.Tell("The frequency list holds one frequency only, and is left out:\r\n" + test_.ListFile);
   ShowPlan();
 }
 
-void RunLoader::TakeList() {
-  auto list = ReadFreq::FileTolist(test_.ListFile);
-  inputs_.ListReadable = shell_.Ok(list);
-  const std::size_t count = inputs_.ListReadable ? list->size() : 0;
-  if (count >= kLeastListFrequencies) {
-    MergeList(inputs_.Steps, std::move(*list), test_);
-    return;
-  }
-  documents_.testSetup.ListUnused = true;
-  if (count > 0 && !inputs_.Steps.empty())
-    shell_.dialogs.Tell("The frequency list holds one frequency only, and is left out:\r\n" + test_.ListFile);
-}
-
 void RunLoader::ShowPlan() {
-  display_.Plan({.Steps = static_cast<int>(inputs_.Steps.size()),
-                 .StartMHz = test_.StartFreq,
-                 .StopMHz = test_.StopFreq,
-                 .EstimatedMinutes = EstimateRunSeconds(inputs_.Steps, test_) / 60});
+  display_.Plan(RunPlanOf(inputs_.Steps, test_));
 }
 
 bool RunLoader::LoadCalibration() {

@@ -27,7 +27,6 @@ class RunLoader {
   bool LoadFactors();
 
  private:
-  void TakeList();
   void ShowPlan();
   bool RecordCovers(PlanRange& range);
   bool LoadTables(PlanRange& range);

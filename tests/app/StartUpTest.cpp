@@ -64,6 +64,22 @@ TEST(AsSwitch, AFileOpensAsWhatItIs) {
   for (const auto& [argument, expected] : cases) EXPECT_EQ(AsSwitch(argument), expected);
 }
 
+TEST(ArgumentFaults, TellsWhatCanNotBeOpened) {
+  const TempDir directory;
+  const std::string there = directory.Write("a.TST", ""), missing = directory.File("b.tst");
+  const std::pair<std::string, std::string> cases[] = {
+      {there, ""},
+      {missing, "no such file: " + missing + "\n"},
+      {"notes.txt", "not a kind of file that it opens: notes.txt\n"},
+      {"--equipment", "unknown option: --equipment\n"},
+      {"/e:none.eqp", ""},
+      {"/x:none", ""},
+      {R"("/e:My station.eqp")", ""},
+      {"", ""},
+  };
+  for (const auto& [argument, fault] : cases) EXPECT_EQ(ArgumentFaults({argument}), fault);
+}
+
 class StartUpTest : public testing::Test {
  protected:
   StartUpTest() {

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 
+#include "calibration/CableSetup.h"
 #include "calibration/FrequencyPlan.h"
 #include "calibration/WarbleAlarm.h"
 #include "documents/CalSetupRecord.h"
@@ -83,6 +84,20 @@ TEST(FrequencyPlanTest, TakesAListsOwnRange) {
   EXPECT_EQ(request.StopMHz, 50);
   request = {StepType::List, 0, 0, 0, directory.File("none.lst")};
   EXPECT_TRUE(FailsWith(PlanFrequencies(request), "Error # 53\r"));
+}
+
+TEST(FrequencyPlanTest, FormTellsWhatIsCalibratedTheBandSwitchToo) {
+  CalSetupRecord setup;
+  setup.StartFreq = 1, setup.StopFreq = 300, setup.LinearStep = 1, setup.Dwell = 1;
+  EquipRecord station;
+  EXPECT_EQ(CalibrationPlanText(EntriesShowing(setup), setup, station), "300 frequencies");
+  station.AmplifierType = AmpType::Ifi, station.IfiBandSwitch = 215;
+  EXPECT_EQ(CalibrationPlanText(EntriesShowing(setup), setup, station), "301 frequencies");
+  setup.StepType = StepType::List;
+  EXPECT_EQ(CalibrationPlanText(EntriesShowing(setup), setup, station), "no frequency list is chosen");
+  CableSetup cable;
+  cable.StartFreq = 1, cable.StopFreq = 10, cable.StepType = StepType::Linear, cable.LinearStep = 1;
+  EXPECT_EQ(CablePlanText(EntriesShowing(cable), cable, 0.5), "10 frequencies, about 0:00:15 a pass");
 }
 
 TEST(SensorMoves, OnlyWhereOneSensorServesBothBands) {

@@ -129,6 +129,19 @@ TEST_P(SetupForms, UnsavedEntriesAreMarkedByTheirValuesAndAskedAboutOnce) {
   EXPECT_EQ(Text(), third);
 }
 
+using SetupFormsPlan = DemoWindowsTest;
+
+TEST_F(SetupFormsPlan, TheFormTellsWhatItsEntriesDefine) {
+  m.Start();
+  m.LoadTest("substitution-am.tst");
+  m.desktop->OpenTestDefinition();
+  auto& form = m.Opened<frmTestDef>();
+  EXPECT_THAT(Find<QLabel>(form, "lblPlan").text().toStdString(), testing::HasSubstr(" frequencies, about 0:"));
+  Type(form, "txtLogStep", "0");
+  form.ShowPlan();
+  EXPECT_EQ(TextOf(form, "lblPlan"), "step of 0: no frequencies");
+}
+
 TEST_P(SetupForms, FileThatDoesNotLoadCostsNothing) {
   const std::string record = setup.record(m), title = Title();
   Type(setup.other);

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "documents/TestDefinition.h"
+#include "testrun/TestPlan.h"
 
 namespace hylden {
 namespace {
@@ -59,6 +60,27 @@ TEST(StepPlan, ALinearSweepMayEndHalfAStepLateALogSweepEndsAtExactlyItsStop) {
   EXPECT_NEAR(linear.back().Freq, 230.15, 1e-9);
   EXPECT_EQ(log.size(), 633U);
   EXPECT_EQ(log.back().Freq, 80);
+}
+
+TEST(TestPlanText, TellsWhatTheEntriesDefine) {
+  TestDefinition test = Sweep(1, 0.15, 80, 1);
+  test.ListFile = "/lab/none.lst";
+  const struct {
+    const char *control, *text, *calibrated, *told;
+  } rows[] = {{"txtLogStep", "1", "", "633 frequencies, about 0:31:39"},
+              {"txtLogStep", "1", "0.15 - 0.3", "71 frequencies, about 0:03:33"},
+              {"txtSweepDwell", "0", "", "633 frequencies; a dwell of 0 waits for you"},
+              {"txtLogStep", "0", "", "step of 0: no frequencies"},
+              {"txtStopFreq", "0.1", "", "stop not above start: no frequencies"},
+              {"txtLogStep", "1e-12", "", "more than 1000000 frequencies: wider steps are needed"},
+              {"txtStopFreq", "80,0", "", "an entry is no number"},
+              {"chkFreqList", "1", "", "no frequency list: can't read none.lst"},
+              {"chkFreqSweep", "", "", "neither a swept nor a discrete frequency test: no frequencies"}};
+  for (const auto& row : rows) {
+    FormEntries entries = EntriesShowing(test);
+    entries[row.control] = row.text;
+    EXPECT_EQ(TestPlanText(entries, test, row.calibrated), row.told);
+  }
 }
 
 TEST(StepPlan, AListIsMergedInOrderAndInRangeOnly) {

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "support/ErrorOf.h"
+#include "text/Duration.h"
 
 namespace hylden {
 namespace {
@@ -128,6 +129,14 @@ TEST(ToFlag, TakesWordsInAnyCaseAndNumbers) {
   for (const char* text : {"False", "false", "0", " .0 "}) EXPECT_FALSE(ToFlag(text)) << text;
   EXPECT_EQ(ErrorOf([] { ToFlag(""); }), 13);
   EXPECT_EQ(ErrorOf([] { ToFlag("yes"); }), 13);
+}
+
+TEST(Duration, IsHoursMinutesSecondsAndEndsByTheClock) {
+  EXPECT_EQ(DurationText(754.4), "0:12:34");
+  EXPECT_EQ(DurationText(3599.6), "1:00:00");
+  EXPECT_EQ(DurationText(-1), "0:00:00");
+  EXPECT_EQ(ClockAfter(14 * 3600, 754), "14:12");
+  EXPECT_EQ(ClockAfter(23 * 3600, 3 * 3600), "02:00 (+1 day)");
 }
 
 }  // namespace

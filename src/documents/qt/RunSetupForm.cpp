@@ -1,6 +1,11 @@
 #include "documents/qt/RunSetupForm.h"
 
+#include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
+#include <QStatusBar>
+#include <QTimer>
+#include <utility>
 
 #include "documents/Equip.h"
 #include "platform/qt/QtText.h"
@@ -8,6 +13,41 @@
 #include "widgets/PathLabel.h"
 
 namespace hylden {
+
+namespace {
+constexpr int kTypingPauseMs = 250;  // behind the last key; a million frequencies take some 50 ms to plan
+}
+
+void RunSetupForm::TellPlanBy(PlanTeller teller) {
+  planTeller_ = std::move(teller);
+  plan_ = new QLabel(this);
+  plan_->setObjectName(QStringLiteral("lblPlan"));
+  plan_->setMargin(4);
+  plan_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);  // a long text widens no window
+  plan_->setAccessibleName(QStringLiteral("What the entries define"));
+  statusBar()->addPermanentWidget(plan_, 1);
+  planTimer_ = new QTimer(this);
+  planTimer_->setSingleShot(true);
+  planTimer_->setInterval(kTypingPauseMs);
+  connect(planTimer_, &QTimer::timeout, this, &RunSetupForm::ShowPlan);
+  const auto later = qOverload<>(&QTimer::start);
+  for (const QLineEdit* const box : findChildren<QLineEdit*>())
+    connect(box, &QLineEdit::textChanged, planTimer_, later);
+  for (const QAbstractButton* const button : findChildren<QAbstractButton*>())
+    if (button->isCheckable()) connect(button, &QAbstractButton::toggled, planTimer_, later);
+  ShowPlan();
+}
+
+void RunSetupForm::ShowPlan() {
+  plan_->setText(ToQt(planTeller_(Entries())));
+  plan_->setToolTip(plan_->text());
+}
+
+/// A list that was chosen changes no box.
+void RunSetupForm::CommandEnded() {
+  SetupForm::CommandEnded();
+  if (planTimer_) planTimer_->start();
+}
 
 void RunSetupForm::ConnectList() {
   On(findChild<QPushButton*>(QStringLiteral("cmdListFile")), [this] { SelectListFile(); });

@@ -1,6 +1,12 @@
 #pragma once
 
+#include <functional>
+#include <string>
+
 #include "shell/qt/SetupForm.h"
+
+class QLabel;
+class QTimer;
 
 namespace hylden {
 
@@ -12,6 +18,13 @@ class RunSetupForm : public SetupForm {
   Q_OBJECT
 
  public:
+  /// What entries define, in a line: how many frequencies and how long they take, or why there are none.
+  using PlanTeller = std::function<std::string(const FormEntries&)>;
+  /// From now on the status bar tells that of the form's entries, as they are typed.
+  void TellPlanBy(PlanTeller teller);
+  /// Tells it now.
+  void ShowPlan();
+
   /// Makes a file the frequency list; one that does not read as a list is refused.
   virtual void UseList(const QString& path) = 0;
 
@@ -28,11 +41,17 @@ class RunSetupForm : public SetupForm {
  protected:
   using SetupForm::SetupForm;
 
+  void CommandEnded() override;
   /// Connects cmdListFile and cmdCreateList.
   void ConnectList();
   void SelectListFile();
   /// Tells what the station lacks, and asks for the equipment form. @return whether it lacks something
   bool TellMissing(const std::optional<StartFailure>& missing);
+
+ private:
+  PlanTeller planTeller_;
+  QLabel* plan_ = nullptr;
+  QTimer* planTimer_ = nullptr;
 };
 
 }  // namespace hylden
