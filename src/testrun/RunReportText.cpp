@@ -1,0 +1,420 @@
+#include "testrun/RunReportText.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include "measure/Conversions.h"
+#include "shell/Version.h"
+#include "testrun/RunCurves.h"
+#include "testrun/TestInWords.h"
+#include "text/ExistingPath.h"
+#include "text/Numbers.h"
+#include "text/Pattern.h"
+#include "text/TextFile.h"
+
+namespace hylden {
+
+namespace {
+
+constexpr const char *kNotStated = "not stated", *kNotKnown = "not known", *kNoLevel = "–";
+constexpr double kSameMHz = 1e-6;
+
+std::string LevelText(const std::optional<double>& levelDb) {
+  return levelDb && !IsMissing(*levelDb) ? Format(*levelDb, "##0.0") : std::string(kNoLevel);
+}
+std::string FreqText(double freqMHz) {
+  return Format(freqMHz, "#0.0#####");
+}
+std::string Or(const std::string& text, const char* otherwise) {
+  return text.empty() ? otherwise : text;
+}
+
+std::string DurationText(double seconds) {
+  constexpr double kShort = 90, kSecondsOfMinute = 60, kLong = 90 * kSecondsOfMinute;
+  if (seconds < kShort) return Format(seconds, "##0") + " s";
+  if (seconds < kLong) return Format(seconds / kSecondsOfMinute, "##0.0") + " min";
+  const auto minutes = static_cast<long>(std::lround(seconds / kSecondsOfMinute));
+  return std::to_string(minutes / 60) + " h " + std::to_string(minutes % 60) + " min";
+}
+
+/// The steps of a run by what became of them, and its thresholds.
+struct Rows {
+  explicit Rows(const RunData& data) {
+    int row = 0;
+    for (const RunEntry& entry : data.Entries()) {
+      ++row;
+      if (const auto* const step = std::get_if<StepEntry>(&entry)) {
+        (step->Result ? Complete : Incomplete).push_back(step);
+      } else {
+        Thresholds.emplace_back(row, &std::get<ThresholdEntry>(entry));
+      }
+    }
+  }
+
+  bool Measures(std::optional<double> StepResult::*quantity) const {
+    return std::any_of(Complete.begin(), Complete.end(),
+                       [&](const StepEntry* step) { return ((*step->Result).*quantity).has_value(); });
+  }
+
+  std::vector<const StepEntry*> Complete, Incomplete;
+  std::vector<std::pair<int, const ThresholdEntry*>> Thresholds;  ///< with their rows
+};
+
+/// The step at whose level a threshold was marked: the latest one at its frequency before it.
+const StepEntry* StepOf(const RunData& data, int thresholdRow, double freqMHz) {
+  for (int row = thresholdRow - 1; row > 0; --row) {
+    const auto* const step = std::get_if<StepEntry>(&data.Entries()[static_cast<std::size_t>(row - 1)]);
+    if (step && step->Result && std::abs(step->Freq - freqMHz) < kSameMHz) return step;
+  }
+  return nullptr;
+}
+
+/// The level at which a threshold was marked, dBuV; nothing where the step did not come to its test level.
+std::optional<double> LevelOf(const StepEntry* step, const ThresholdEntry& threshold) {
+  if (!step || step->Result->Marks.InducedAboveLimit || step->Result->Marks.ForwardCapHeld) return std::nullopt;
+  return double{step->Result->TestLevel} + threshold.OffsetDb;
+}
+
+/// Makes the sections of a report, one after the other.
+class Report {
+ public:
+  Report(const ReportedRun& run, bool allSteps)
+      : run_(run), data_(run.Run.Data), info_(run.Beside.Info.value_or(RunInfo())), rows_(data_) {
+    text_.Title = "Test Report";
+    text_.Subtitle = "Immunity to conducted disturbances, induced by radio-frequency fields";
+    text_.Warning = info_.Notice;
+    text_.Header = text_.Title + (info_.Particulars.Product.empty() ? "" : ": " + info_.Particulars.Product);
+    text_.Footer = VersionTitle() + (run.File.empty() ? "" : ", of " + FileNameOf(run.File));
+    AddParticulars();
+    AddSummary();
+    AddThresholds();
+    AddFigures();
+    AddTest();
+    AddCalibration();
+    AddStation();
+    if (allSteps) AddSteps();
+    AddRemarks();
+    AddGaps();
+    Section("Signature").Entries = {{"Date", ""}, {"Name, signature", ""}};
+  }
+
+  RunReportText Take() { return std::move(text_); }
+
+ private:
+  ReportSection& Section(const char* title) {
+    ReportSection& section = text_.Sections.emplace_back();
+    section.Title = title;
+    return section;
+  }
+
+  void AddParticulars();
+  void AddSummary();
+  void AddThresholds();
+  void AddFigures();
+  void AddTest();
+  void AddCalibration();
+  void AddStation();
+  void AddSteps();
+  void AddRemarks();
+  void AddGaps();
+
+  std::string ExposureText() const;
+  std::string OutcomeText() const;
+  std::vector<std::string> SeamTexts() const;
+  std::string LevelsText() const;
+  RunCurveContext CurveContext() const;
+  std::vector<ReportTable::Column> StepColumns() const;
+  std::vector<std::string> StepCells(int row, const StepEntry& step) const;
+  std::string TimeOf(int row) const;
+
+  const ReportedRun& run_;
+  const RunData& data_;
+  const RunInfo info_;
+  const Rows rows_;
+  RunReportText text_;
+};
+
+void Report::AddParticulars() {
+  const RunParticulars& particulars = info_.Particulars;
+  WordEntries& entries = Section("").Entries;
+  entries = {{"Product", Or(particulars.Product, kNotStated)},
+             {"Customer", Or(particulars.Customer, kNotStated)},
+             {"Laboratory", Or(particulars.Lab, kNotStated)},
+             {"Operator", Or(particulars.Operator.empty() ? info_.User : particulars.Operator, kNotStated)},
+             {"Ambient conditions", Or(particulars.Ambient, kNotStated)},
+             {"Begun", Or(info_.Started, kNotKnown)},
+             {"Ended", Or(info_.Ended, kNotKnown)}};
+  if (info_.ActualSeconds > 0) entries.emplace_back("Duration", DurationText(info_.ActualSeconds));
+  entries.emplace_back("Run data", run_.File.empty() ? "not saved yet" : FileNameOf(run_.File));
+  if (!info_.Program.empty()) entries.emplace_back("Recorded with", info_.Program);
+}
+
+std::string Report::ExposureText() const {
+  if (rows_.Complete.empty())
+    return run_.Run.ThresholdsOnly ? "The run data hold the marked thresholds only, no steps."
+                                   : "The run data hold no complete step.";
+  double lowest = rows_.Complete.front()->Freq, highest = lowest;
+  for (const StepEntry* const step : rows_.Complete) {
+    lowest = std::min(lowest, step->Freq);
+    highest = std::max(highest, step->Freq);
+  }
+  std::string text = "The product was exposed in " + CountText(rows_.Complete.size(), "step") + " from " +
+                     FreqText(lowest) + " MHz to " + FreqText(highest) + " MHz";
+  if (info_.Test) text += ", with " + ModulationText(info_.Test->Is);
+  return text + ".";
+}
+
+std::string Report::LevelsText() const {
+  float lowest = rows_.Complete.front()->Result->TestLevel, highest = lowest;
+  for (const StepEntry* const step : rows_.Complete) {
+    lowest = std::min(lowest, step->Result->TestLevel);
+    highest = std::max(highest, step->Result->TestLevel);
+  }
+  const auto both = [](float dbuv) {
+    return LevelText(double{dbuv}) + " dBµV (" + Format(Conversions::DbuvToVolts(double{dbuv}), "##0.0#") + " V)";
+  };
+  const bool limited = std::any_of(rows_.Complete.begin(), rows_.Complete.end(), [](const StepEntry* step) {
+    return step->Result->Marks.InducedAboveLimit || step->Result->Marks.ForwardCapHeld;
+  });
+  std::string text = lowest == highest ? "The test level was " + both(lowest) + " at every step."
+                                       : "The test level was " + both(lowest) + " to " + both(highest) + ".";
+  if (limited)
+    text +=
+        " At some steps the induced current or the forward power reached its limit first, and the level stayed "
+        "below.";
+  return text;
+}
+
+std::string Report::OutcomeText() const {
+  const std::string steps = std::to_string(rows_.Complete.size()) + " of " +
+                            CountText(static_cast<std::size_t>(std::max(info_.PlannedSteps, 0)), "planned step");
+  const std::string count = info_.PlannedSteps > 0 ? ": " + steps + " are complete" : "";
+  if (info_.Outcome == runend::kFinished) return "The run was taken to its end" + count + ".";
+  if (info_.Outcome == runend::kEndedEarly) return "The run ended early" + count + ".";
+  if (info_.Outcome == runend::kRecovered)
+    return "The run did not end in order; what it had recorded was recovered" + count + ".";
+  return "Whether the run was taken to its end is not known" + count + ".";
+}
+
+std::vector<std::string> Report::SeamTexts() const {
+  std::set<int> seams = info_.Seams;
+  seams.insert(data_.Seams().begin(), data_.Seams().end());
+  std::vector<std::string> texts;
+  for (const int row : seams) {
+    if (row < 1 || static_cast<std::size_t>(row) > data_.Entries().size()) continue;
+    const RunEntry& entry = data_.Entries()[static_cast<std::size_t>(row - 1)];
+    const double freq = std::visit([](const auto& e) { return e.Freq; }, entry);
+    texts.push_back("The run had ended early and was continued at " + FreqText(freq) + " MHz (row " +
+                    std::to_string(row) + ").");
+  }
+  return texts;
+}
+
+void Report::AddSummary() {
+  ReportSection& section = Section("Summary");
+  section.Sentences = {ExposureText()};
+  if (!rows_.Complete.empty()) section.Sentences.push_back(LevelsText());
+  const std::size_t thresholds = rows_.Thresholds.size();
+  section.Sentences.push_back(thresholds == 0 ? "No susceptibility threshold was marked."
+                                              : CountText(thresholds, "susceptibility threshold") +
+                                                    (thresholds == 1 ? " was marked." : " were marked."));
+  section.Sentences.push_back(OutcomeText());
+  for (std::string& text : SeamTexts()) section.Sentences.push_back(std::move(text));
+  section.Notes = {
+      "This report states what was applied and what the operator marked. Whether the product passes is not judged."};
+}
+
+void Report::AddThresholds() {
+  if (rows_.Thresholds.empty()) return;
+  ReportSection& section = Section("Susceptibility thresholds");
+  section.Table.Columns = {{"No.", 0.5, false},        {"Frequency, MHz", 1.2},  {"Test level, dBµV", 1.1},
+                           {"Offset, dB", 0.9},        {"Threshold, dBµV", 1.1}, {"Threshold, V", 1},
+                           {"Observation", 3.4, false}};
+  int number = 0;
+  bool lacksLevel = false;
+  for (const auto& [row, threshold] : rows_.Thresholds) {
+    const StepEntry* const step = StepOf(data_, row, threshold->Freq);
+    const auto level = LevelOf(step, *threshold);
+    lacksLevel = lacksLevel || !level;
+    section.Table.Rows.push_back(
+        {"T" + std::to_string(++number), FreqText(threshold->Freq),
+         step ? LevelText(double{step->Result->TestLevel}) : kNoLevel, LevelText(threshold->OffsetDb), LevelText(level),
+         level ? Format(Conversions::DbuvToVolts(*level), "##0.00") : kNoLevel, Or(threshold->Comment, kNotStated)});
+  }
+  section.Notes = {"The offset is counted from the level that the step at this frequency had come to."};
+  if (lacksLevel)
+    section.Notes.push_back(
+        "–: the step did not come to its test level, or there is none at this frequency: only the offset is known.");
+}
+
+RunCurveContext Report::CurveContext() const {
+  RunCurveContext context;
+  if (!info_.Test) return context;
+  const TestDefinition& test = info_.Test->Is;
+  context.ImpedanceOhms = test.EUTCircuitImpedance;
+  context.ByNetPower = test.LevelsBy(LevelingMethod::NetPower);
+  std::vector<double> frequencies;
+  frequencies.reserve(rows_.Complete.size());
+  for (const StepEntry* const step : rows_.Complete) frequencies.push_back(step->Freq);
+  if (!info_.CalPoints.empty()) context.Aims = AimsOf(test, clsCalFile(info_.CalPoints), frequencies);
+  return context;
+}
+
+void Report::AddFigures() {
+  if (rows_.Complete.size() < 2) return;
+  ReportSection& section = Section("Levels over frequency");
+  const RunCurveContext context = CurveContext();
+  const auto add = [&](RunQuantity quantity, const char* title) {
+    ReportFigure figure{title, RunCurves(quantity, context, data_.Entries()).Curves(), {}};
+    std::erase_if(figure.Curves, [](const Curve& curve) { return curve.Points.empty(); });
+    for (Curve& curve : figure.Curves)
+      if (curve.Unit.starts_with("dBu")) curve.Unit.replace(2, 1, "µ");
+    if (!figure.Curves.empty()) section.Figures.push_back(std::move(figure));
+  };
+  add(RunQuantity::TestLevel, rows_.Thresholds.empty() ? "Test level" : "Test level and thresholds (T1, T2 ...)");
+  for (std::size_t i = 0; i < rows_.Thresholds.size(); ++i) {
+    const auto& [row, threshold] = rows_.Thresholds[i];
+    if (const auto level = LevelOf(StepOf(data_, row, threshold->Freq), *threshold))
+      section.Figures.front().Marks.push_back({{threshold->Freq, *level}, "T" + std::to_string(i + 1)});
+  }
+  if (rows_.Measures(&StepResult::FwdPwr)) add(RunQuantity::Power, "Power of the amplifier");
+  if (rows_.Measures(&StepResult::Induced)) add(RunQuantity::Induced, "Induced current");
+}
+
+void Report::AddTest() {
+  ReportSection& section = Section("Test definition");
+  if (!info_.Test) return section.Sentences.emplace_back("The definition of the test is not known."), void();
+  section.Entries = {{"Definition", Or(FileNameOf(info_.Test->File), "not saved in a file")}};
+  for (auto& entry : TestInWords(info_.Test->Is)) section.Entries.push_back(std::move(entry));
+}
+
+void Report::AddCalibration() {
+  ReportSection& section = Section("Level calibration");
+  if (!info_.Calibration)
+    return section.Sentences.emplace_back("The calibration record that the test replayed is not known."), void();
+  section.Entries = {{"Record", FileNameOf(info_.Calibration->File)},
+                     {"Calibrated on", Or(info_.CalibrationDate, kNotKnown)}};
+  for (auto& entry : CalibrationInWords(info_.Calibration->Is)) section.Entries.push_back(std::move(entry));
+  if (!info_.CalPoints.empty())
+    section.Entries.emplace_back("Points of the record", std::to_string(info_.CalPoints.size()));
+}
+
+void Report::AddStation() {
+  ReportSection& section = Section("Test equipment");
+  if (!info_.Station && info_.Instruments.empty())
+    return section.Sentences.emplace_back("The equipment of the test is not known."), void();
+  section.Table.Columns = {{"Instrument", 1.2, false}, {"Definition", 2, false}, {"File", 1.6, false}};
+  for (const RunInstrument& instrument : info_.Instruments)
+    section.Table.Rows.push_back({instrument.Role, Or(instrument.Name, kNotStated), FileNameOf(instrument.File)});
+  if (!info_.Station) return;
+  const EquipRecord& station = info_.Station->Is;
+  section.Entries = {{"Station", FileNameOf(info_.Station->File)}};
+  for (const auto& [what, file] : WordEntries{{"Cable loss", station.CableLossFile},
+                                              {"Forward power coupler", station.FwdPortFile},
+                                              {"Reverse power coupler", station.RevPortFile},
+                                              {"Monitor probe", station.ProbeFile},
+                                              {"Power limit", station.MaxPowerFile}})
+    if (!file.empty()) section.Entries.emplace_back(what, FileNameOf(file));
+}
+
+std::string Report::TimeOf(int row) const {
+  constexpr std::size_t kClock = sizeof("18:35:07") - 1;
+  const auto time = info_.RowTimes.find(row);
+  if (time == info_.RowTimes.end()) return {};
+  return time->second.size() > kClock ? time->second.substr(time->second.size() - kClock) : time->second;
+}
+
+std::vector<ReportTable::Column> Report::StepColumns() const {
+  std::vector<ReportTable::Column> columns = {
+      {"Row", 0.6}, {"Frequency, MHz", 1.2}, {"Generator, dBm", 1}, {"Test level, dBµV", 1}};
+  if (rows_.Measures(&StepResult::Induced)) columns.push_back({"Induced, dBµA", 1});
+  if (rows_.Measures(&StepResult::FwdPwr)) columns.push_back({"Forward, dBm", 1});
+  if (rows_.Measures(&StepResult::RevPwr)) columns.push_back({"Reverse, dBm", 1});
+  columns.push_back({"Levelled by", 1.2, false});
+  if (!info_.RowTimes.empty()) columns.push_back({"Time", 0.9, false});
+  return columns;
+}
+
+std::string LevelledBy(const StepMarks& marks) {
+  if (marks.InducedAboveLimit) return "current limit";
+  if (marks.ForwardCapHeld) return "forward cap";
+  if (marks.PowerAboveTarget) return "power";
+  return marks.SigGenAtCalibration ? "generator" : "";
+}
+
+std::vector<std::string> Report::StepCells(int row, const StepEntry& step) const {
+  std::vector<std::string> cells = {std::to_string(row), FreqText(step.Freq)};
+  if (!step.Result) {
+    cells.emplace_back("the level was not held");
+    return cells;
+  }
+  const StepResult& result = *step.Result;
+  cells.push_back(LevelText(double{result.SigGenLevel}));
+  cells.push_back(LevelText(double{result.TestLevel}));
+  for (const auto quantity : {&StepResult::Induced, &StepResult::FwdPwr, &StepResult::RevPwr})
+    if (rows_.Measures(quantity)) cells.push_back(LevelText(result.*quantity));
+  cells.push_back(LevelledBy(result.Marks));
+  if (!info_.RowTimes.empty()) cells.push_back(TimeOf(row));
+  return cells;
+}
+
+void Report::AddSteps() {
+  ReportSection& section = Section("All steps");
+  section.Table.Columns = StepColumns();
+  section.Table.Rows.reserve(data_.Entries().size());
+  int row = 0;
+  for (const RunEntry& entry : data_.Entries()) {
+    ++row;
+    if (const auto* const step = std::get_if<StepEntry>(&entry)) {
+      section.Table.Rows.push_back(StepCells(row, *step));
+      continue;
+    }
+    const auto& threshold = std::get<ThresholdEntry>(entry);
+    section.Table.Rows.push_back({std::to_string(row), FreqText(threshold.Freq),
+                                  "Threshold " + LevelText(threshold.OffsetDb) + " dB  " + threshold.Comment});
+  }
+  section.Notes = {
+      "Levelled by: the quantity that ended the way up at this frequency. Forward cap: the forward power stood 2 dB "
+      "above that of the record."};
+}
+
+void Report::AddRemarks() {
+  if (!info_.Particulars.Remarks.empty()) Section("Remarks").Sentences = info_.Particulars.Remarks;
+}
+
+/// What a reader can't learn from this report.
+void Report::AddGaps() {
+  std::vector<std::string> gaps;
+  if (!rows_.Incomplete.empty()) {
+    std::string text = "At these frequencies the step failed or was halted, and its level was not held: ";
+    for (const StepEntry* const step : rows_.Incomplete)
+      text += (step == rows_.Incomplete.front() ? "" : ", ") + FreqText(step->Freq);
+    gaps.push_back(text + " MHz.");
+  }
+  if (!run_.Beside.Trouble.empty()) gaps.push_back(run_.Beside.Trouble);
+  if (info_.Started.empty() && !info_.Test)
+    gaps.emplace_back(
+        "There is no usable information beside the run data. When the test was run, by whom, of which product, and "
+        "with "
+        "which definition, calibration and equipment is not known.");
+  for (const std::string& trouble : run_.Run.Troubles) gaps.push_back("Run data: " + trouble);
+  if (!gaps.empty()) Section("What is missing").Sentences = std::move(gaps);
+}
+
+}  // namespace
+
+Result<ReportedRun> ReadReportedRun(const std::string& file) {
+  std::string text;
+  if (const Done read = Trapped("ReadReportedRun", file, [&] { text = ReadTextFile(file); }); !read)
+    return Because(read.error());
+  Result<SavedRun> run = RunDataOf(text);
+  if (!run) return Because(std::move(run).error());
+  return ReportedRun{file, *std::move(run), ReadRunInfo(file, text)};
+}
+
+RunReportText ReportOf(const ReportedRun& run, bool allSteps) {
+  return Report(run, allSteps).Take();
+}
+
+}  // namespace hylden

@@ -1,0 +1,105 @@
+#include "testrun/RunReportText.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/SampleDocuments.h"
+#include "testrun/TestInWords.h"
+
+namespace hylden {
+namespace {
+
+using testing::HasSubstr;
+
+ReportedRun Example() {
+  ReportedRun run{.File = "/lab/radio.run"};
+  RunData& data = run.Run.Data;
+  data.FillStep(data.AddStep(0.15), StepResult{-10, 140});
+  data.SetComment(data.AddThreshold(0.15, -3), "display flickers");
+  StepResult limited{-14, 140, 80};
+  limited.Marks.InducedAboveLimit = true;
+  data.FillStep(data.AddStep(80), limited);
+  data.AddThreshold(80, -1);
+  data.AddStep(81.5);  // failed
+  return run;
+}
+
+/// All that a report says, a line each.
+std::string Flat(const RunReportText& report) {
+  std::string text = report.Title + "\n" + report.Warning + "\n" + report.Header + "\n" + report.Footer + "\n";
+  for (const ReportSection& section : report.Sections) {
+    text += "# " + section.Title + "\n";
+    for (const std::string& sentence : section.Sentences) text += sentence + "\n";
+    for (const auto& [name, value] : section.Entries) text.append(name).append(": ").append(value).append("\n");
+    for (const auto& row : section.Table.Rows) {
+      for (const std::string& cell : row) text += cell + "|";
+      text += "\n";
+    }
+  }
+  return text;
+}
+
+TEST(RunReportText, SaysWhatIsNotKnownOfRunDataAlone) {
+  ReportedRun run = Example();
+  run.Run.Troubles = {"Line 9 is none of run data."};
+  const std::string said = Flat(ReportOf(run, true));
+  for (const char* text :
+       {"Product: not stated\n", "Begun: not known\n", "from 0.15 MHz to 80.0 MHz.\n",
+        "2 susceptibility thresholds were marked.\n", "Whether the run was taken to its end is not known.\n",
+        "T1|0.15|140.0|-3.0|137.0|7.08|display flickers|\n", "T2|80.0|140.0|-1.0|–|–|not stated|\n",
+        "The definition of the test is not known.\n", "5|81.5|the level was not held|\n",
+        "level was not held: 81.5 MHz.\n", "There is no usable information", "Run data: Line 9 is none of run data.\n"})
+    EXPECT_THAT(said, HasSubstr(text));
+}
+
+TEST(RunReportText, HoldsEveryParameterAndTellsOfBenchSeamsAndOutcome) {
+  ReportedRun run = Example();
+  RunInfo& info = run.Beside.Info.emplace();
+  info.Notice = "SIMULATED BENCH: no instrument is driven";
+  info.Started = "2026-11-23 18:35:07";
+  info.Outcome = runend::kEndedEarly;
+  info.PlannedSteps = 4;
+  info.Seams = {3};
+  info.Particulars = {"A lab", "A customer", "A radio", "An operator", "23 °C", {"Remark one"}};
+  info.Test = {"/lab/radio.tst", RecordOf<TestDefinition>(kTestFile)};
+  info.Station = {"/lab/station.eqp", RecordOf<EquipRecord>(kEquipFile)};
+  info.Calibration = {"/lab/cdn.hyinfo", {"Set-up", "25 W", "CDN M2", "10v", "0.15 - 80", CouplingMethod::UserDefined}};
+  info.CalibrationDate = "2026-11-20 08:00:00";
+  info.Instruments = {{"Signal generator", "Two-letter", "/lab/gen.sg"}};
+  info.RowTimes = {{1, "2026-11-23 18:35:10"}};
+  const std::string said = Flat(ReportOf(run, true));
+  for (const char* text :
+       {"SIMULATED BENCH: no instrument is driven\n", "Test Report: A radio\n", "Customer: A customer\n",
+        "Operator: An operator\n", "The run ended early: 2 of 4 planned steps are complete.\n",
+        "continued at 80.0 MHz (row 3)", "10 V (140.0 dBµV)", "user-defined coupling factor",
+        "Calibrated on: 2026-11-20 08:00:00\n", "Signal generator|Two-letter|gen.sg|\n", "Monitor probe: one.prb\n",
+        "1|0.15|-10.0|140.0|–||18:35:10|\n", "Remark one\n"})
+    EXPECT_THAT(said, HasSubstr(text));
+}
+
+TEST(TestInWords, NamesEveryParameterThatIsInUse) {
+  TestDefinition test = RecordOf<TestDefinition>(kTestFile);
+  test.FreqSweep = test.FreqList = test.MonitorProbe = test.LimitCurrent = test.Extrapolate = true;
+  test.LinearStep = 0.7;
+  test.LogStep = 1.3;
+  test.SweepDwell = 2.9;
+  const auto said = [&] {
+    std::string text;
+    for (const auto& [name, value] : TestInWords(test)) text.append(name).append(": ").append(value).append("\n");
+    return text;
+  };
+  test.StepType = StepType::Linear;
+  test.ModType = Modulation::Am;
+  for (const char* text : {"0.15 MHz to 80 MHz", "linear steps of 0.7 MHz", "2.9 s at each", "x.lst", "3 s at each",
+                           "1 kHz, depth 80 %", "-6 dB from", "1.25 dB at a time", "0.2 s after", "net power",
+                           "-3 dB on every", "limits the level", "2 dB from the current", "150 Ω"})
+    EXPECT_THAT(said(), HasSubstr(text));
+  test.StepType = StepType::Log;
+  test.ModType = Modulation::Fm;
+  EXPECT_THAT(said(), testing::AllOf(HasSubstr("steps of 1.3 %"), HasSubstr("0.4 kHz, deviation 10 kHz")));
+  test.ModType = Modulation::Pulse;
+  EXPECT_THAT(said(), HasSubstr("period 4.6 ms, width 1.5 ms"));
+}
+
+}  // namespace
+}  // namespace hylden
