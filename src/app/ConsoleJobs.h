@@ -17,5 +17,7 @@ ExitState PrintBusInfo(ConsoleStation& station);
 /// Saves what one journal holds, removes it as it is, or lists them all. It asks nothing: a file that is there is
 /// replaced with "--yes" only.
 ExitState RunRecovery(const RunOptions& options);
+/// Writes saved run data as a table; what can't be read of them is told, and left out. It asks nothing, either.
+ExitState ExportRunData(const RunOptions& options);
 
 }  // namespace hylden

@@ -64,6 +64,7 @@ std::vector<std::string> FilesOfTheRun(const RunOptions& options, const Document
       Append(files, {options.SetupFile, setup.ListFile, setup.LimitFile, e.CableLossFile});
       break;
     case RunOptions::Job::Recovery:
+    case RunOptions::Job::Export:
       break;
     case RunOptions::Job::CableLoss:  // it makes the station's cable loss table afresh
       Append(files, {options.Cable["lblListFile"]});

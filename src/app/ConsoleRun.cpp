@@ -18,7 +18,8 @@ ExitState RunJob(ConsoleStation& station) {
       return RunCableLoss(station);
     case RunOptions::Job::BusInfo:
       return PrintBusInfo(station);
-    case RunOptions::Job::Recovery:  // it needs no station
+    case RunOptions::Job::Recovery:  // neither needs a station
+    case RunOptions::Job::Export:
     case RunOptions::Job::Test:
       break;
   }
@@ -30,6 +31,7 @@ ExitState RunJob(ConsoleStation& station) {
 ExitState RunOnConsole(const RunOptions& options) {
   try {
     if (options.What == RunOptions::Job::Recovery) return RunRecovery(options);
+    if (options.What == RunOptions::Job::Export) return ExportRunData(options);
     ConsoleStation station(options);
     const ExitState state = RunJob(station);
     station.TellJournals();

@@ -10,7 +10,7 @@ namespace hylden {
 
 /// What hylden-run was asked for.
 struct RunOptions {
-  enum class Job { Test, Calibration, CableLoss, BusInfo, Recovery };
+  enum class Job { Test, Calibration, CableLoss, BusInfo, Recovery, Export };
 
   Job What = Job::Test;
   std::string EquipmentFile, OutputFile;        ///< may be empty for BusInfo
@@ -23,6 +23,8 @@ struct RunOptions {
   std::string Resume;                           ///< the journal of the run that is continued; empty: none is
   bool KeepJournal = false;                     ///< of a run that ends early, though its rows are saved
   FormEntries Cable = EntriesOf(CableSetup());  ///< of an insertion-loss calibration
+  std::string RunFile, CsvFile;                 ///< of an export: run data, and the table that is made of them
+  bool DecimalComma = false;                    ///< in that table
   bool UseBench = false;
   std::string BenchFile;  ///< empty: the bench's ordinary values
   bool VirtualTime = false;

@@ -13,6 +13,10 @@ namespace {
 using hylden::RunOptions;
 using hylden::StepType;
 
+std::string HasName(const std::string& name) {
+  return name.empty() ? "the file has no name" : std::string();
+}
+
 /// @param files  what every job but a look at the bus needs
 void AddJobs(CLI::App& app, RunOptions& options, const std::vector<CLI::Option*>& files) {
   CLI::Option_group* const jobs = app.add_option_group("Job", "What to run");
@@ -38,6 +42,9 @@ void AddJobs(CLI::App& app, RunOptions& options, const std::vector<CLI::Option*>
   jobs->add_option("--discard", options.Journal, "Remove the journal of a run that was not ended in order, unsaved")
       ->each([&options](const std::string&) { options.Discard = true; })
       ->type_name("NAME");
+  jobs->add_option("--export", options.RunFile, "Write saved run data (.run) as a table to --csv")
+      ->check(HasName)
+      ->type_name("FILE");
   jobs->require_option(1);
 }
 
@@ -68,27 +75,38 @@ void AddBenchOptions(CLI::App& app, RunOptions& options) {
   app.add_option("--seed", options.Seed, "Seed of the bench's reading noise")->needs(bench)->type_name("N");
 }
 
+void AddExportOptions(CLI::App& app, RunOptions& options) {
+  CLI::Option_group* const group = app.add_option_group("Export", "How run data are exported");
+  CLI::Option* const job = app.get_option("--export");
+  CLI::Option* const table =
+      group->add_option("--csv", options.CsvFile, "File for the table")->needs(job)->check(HasName)->type_name("FILE");
+  job->needs(table);
+  group
+      ->add_flag("--decimal-comma", options.DecimalComma,
+                 "Decimal comma, and semicolons between the cells, in place of point and comma")
+      ->needs(job);
+}
+
 void AddResumeOptions(CLI::App& app, RunOptions& options) {
   app.add_option("--resume", options.Resume,
                  "Continue the run of this journal (--recover lists them), with the options that it had, at its first "
                  "step without a complete row")
-      ->excludes("--cable-loss", "--bus-info", "--recover", "--discard")
+      ->excludes("--cable-loss", "--bus-info", "--recover", "--discard", "--export")
       ->type_name("NAME");
   app.add_flag("--keep-journal", options.KeepJournal,
                "Keep the journal of a test or a level calibration that ends early, so that --resume can continue it; "
                "--resume does so by itself");
 }
 
-std::string HasName(const std::string& name) {
-  return name.empty() ? "the file has no name" : std::string();
-}
-
-/// A recovery needs no station.
-bool Recovers(int argc, char** argv) {
-  return std::any_of(argv, argv + argc, [](std::string_view word) {
-    const std::string_view option = word.substr(0, word.find('='));
-    return option == "--recover" || option == "--discard";
-  });
+/// What works on files only, and needs no station: a recovery, an export.
+RunOptions::Job JobOfFiles(int argc, char** argv) {
+  const auto asks = [&](std::string_view option) {
+    return std::any_of(argv, argv + argc, [&](std::string_view word) {
+      return word.starts_with(option) && (word.size() == option.size() || word[option.size()] == '=');
+    });
+  };
+  if (asks("--recover") || asks("--discard")) return RunOptions::Job::Recovery;
+  return asks("--export") ? RunOptions::Job::Export : RunOptions::Job::Test;
 }
 
 /// What was given says how the cable is stepped through, and which bus is driven.
@@ -112,8 +130,8 @@ int Refuse(const CLI::App& app, const CLI::ParseError& error) {
 
 int Main(int argc, char** argv) {
   RunOptions options;
-  const bool runs = !Recovers(argc, argv);
-  if (!runs) options.What = RunOptions::Job::Recovery;
+  options.What = JobOfFiles(argc, argv);
+  const bool runs = options.What == RunOptions::Job::Test;
   CLI::App app{
       "Runs a conducted RF immunity test or a calibration from its files to the file that it makes.\n"
       "Ctrl-C presses Halt: RF goes off, and what was recorded is saved.\n"
@@ -121,13 +139,13 @@ int Main(int argc, char** argv) {
   app.set_version_flag("--version", hylden::VersionTitle());
   auto* const equipment =
       app.add_option("--equipment", options.EquipmentFile,
-                     "Equipment file of the station (.eqp); --bus-info, --recover and --discard need none")
+                     "Equipment file of the station (.eqp); --bus-info, --recover, --discard and --export need none")
           ->required(runs);
   auto* const output =
       app.add_option(
              "--output", options.OutputFile,
              "File for what is recorded: run data (.run), a calibration record (.cal), an insertion loss (.los); "
-             "--bus-info, --discard and a list of journals need none")
+             "--bus-info, --discard, --export and a list of journals need none")
           ->required(runs)
           ->check(HasName);
   AddJobs(app, options, {equipment, output});
@@ -141,6 +159,7 @@ int Main(int argc, char** argv) {
   AddResumeOptions(app, options);
   AddCableOptions(app, options);
   AddBenchOptions(app, options);
+  AddExportOptions(app, options);
   app.add_flag(
       "--yes", options.Yes,
       "Answer the confirmations before RF is switched on, and whether to replace a file; on the bench also those "
