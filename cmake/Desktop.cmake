@@ -1,5 +1,5 @@
 # hylden_desktop: the windows, on Qt. Everything in a folder's qt/, and widgets/.
-find_package(Qt6 6.4 REQUIRED COMPONENTS Widgets PrintSupport)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Widgets PrintSupport Svg)
 find_package(QCustomPlotQt6 REQUIRED)
 
 file(GLOB_RECURSE desktopSources CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
@@ -26,7 +26,7 @@ if(NOT desktopSources STREQUAL "$CACHE{HYLDEN_DESKTOP_SOURCES}")
   file(REMOVE ${CMAKE_CURRENT_BINARY_DIR}/hylden_desktop_autogen/timestamp)
   set(HYLDEN_DESKTOP_SOURCES "${desktopSources}" CACHE INTERNAL "Those of the last configuration")
 endif()
-target_link_libraries(hylden_desktop PUBLIC hylden_core Qt6::Widgets Qt6::PrintSupport
+target_link_libraries(hylden_desktop PUBLIC hylden_core Qt6::Widgets Qt6::PrintSupport Qt6::Svg
   PRIVATE QCustomPlotQt6::QCustomPlotQt6)
 target_precompile_headers(hylden_desktop PRIVATE <QtWidgets>)
 

@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
   g++ cmake ninja-build ccache git python3
   libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev libexpected-dev
-  qt6-base-dev libqcustomplot-dev xvfb xauth poppler-utils fonts-dejavu-core fonts-liberation
+  qt6-base-dev qt6-svg-dev libqcustomplot-dev xvfb xauth poppler-utils fonts-dejavu-core fonts-liberation
   clang-format clang-tidy
   "$@"
 )

@@ -19,7 +19,8 @@ constexpr int kMarginPercent = 4;
 constexpr int kLegendColumns = 5;
 /// Points are marked as long as they stand apart.
 constexpr int kPixelsForMarker = 3;
-const auto kMainLayer = QStringLiteral("main"), kReadoutLayer = QStringLiteral("readout");
+const auto kMainLayer = QStringLiteral("main"), kReadoutLayer = QStringLiteral("readout"),
+           kMarginLayer = QStringLiteral("margins");
 /// Colours that can be told apart also by those who see fewer of them.
 constexpr QRgb kOnLight[] = {0xff0072b2, 0xffd55e00, 0xff007a59, 0xffa8508a, 0xff806000, 0xff444444};
 constexpr QRgb kOnDark[] = {0xff66c2f5, 0xffffb347, 0xff4fd6ab, 0xfff0a6d2, 0xfff0e442, 0xffcccccc};
@@ -426,6 +427,32 @@ void CurveView::Plot::OnPaper(const std::function<void()>& draw) {
   draw();
   Colour(view.palette());
   plot.replot(QCustomPlot::rpQueuedRefresh);
+}
+
+CurveView::Plot::Margins::Margins(Plot& plot) : plot_(plot.plot) {
+  plot_.addLayer(kMarginLayer, plot_.layer(kMainLayer));
+  constexpr double kFar = 9;  // widths of the axes away
+  const QRectF sides[] = {{-kFar, -kFar, kFar, 2 * kFar},
+                          {1, -kFar, kFar, 2 * kFar},
+                          {-kFar, -kFar, 2 * kFar, kFar},
+                          {-kFar, 1, 2 * kFar, kFar}};
+  for (const QRectF& side : sides) {
+    auto* const cover = new QCPItemRect(&plot_);
+    cover->setLayer(kMarginLayer);
+    cover->setClipToAxisRect(false);
+    cover->setPen(Qt::NoPen);
+    cover->setBrush(Qt::white);
+    for (QCPItemPosition* const corner : {cover->topLeft, cover->bottomRight}) {
+      corner->setType(QCPItemPosition::ptAxisRectRatio);
+      corner->setCoords(corner == cover->topLeft ? side.topLeft() : side.bottomRight());
+    }
+  }
+}
+
+CurveView::Plot::Margins::~Margins() {
+  for (int i = plot_.itemCount() - 1; i >= 0; --i)
+    if (plot_.item(i)->layer() == plot_.layer(kMarginLayer)) plot_.removeItem(i);
+  plot_.removeLayer(plot_.layer(kMarginLayer));
 }
 
 }  // namespace hylden

@@ -47,6 +47,17 @@ class CurveView::Plot {
   std::optional<CurvePlace> Nearest(const QPointF& pixel) const;
   /// Draws with the colours of paper, and puts back those of the screen.
   void OnPaper(const std::function<void()>& draw);
+  /// As long as it lives, nothing but axes, their texts and the legend stands outside the axes.
+  class Margins {
+   public:
+    explicit Margins(Plot& plot);
+    ~Margins();
+    Margins(const Margins&) = delete;
+    Margins& operator=(const Margins&) = delete;
+
+   private:
+    QCustomPlot& plot_;
+  };
 
   CurveView& view;
   QCustomPlot& plot;

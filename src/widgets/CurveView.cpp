@@ -2,6 +2,7 @@
 
 #include <QBuffer>
 #include <QPdfWriter>
+#include <QSvgGenerator>
 #include <QVBoxLayout>
 #include <cmath>
 #include <utility>
@@ -14,7 +15,8 @@ namespace hylden {
 
 namespace {
 constexpr QSize kPicture(900, 600);
-}
+constexpr int kResolution = 96;  // of pictures and drawings, points to the inch
+}  // namespace
 
 CurveView::CurveView(QWidget* parent) : QWidget(parent), plot_(std::make_unique<Plot>(*this)) {
   auto* const layout = new QVBoxLayout(this);
@@ -116,7 +118,6 @@ std::string CurveView::Png() const {
 }
 
 std::string CurveView::Pdf() const {
-  constexpr int kResolution = 96;
   constexpr double kPointsPerInch = 72;
   QByteArray bytes;
   plot_->OnPaper([&] {
@@ -132,6 +133,56 @@ std::string CurveView::Pdf() const {
     plot_->plot.toPainter(&painter, kPicture.width(), kPicture.height());
   });
   return bytes.toStdString();
+}
+
+std::string CurveView::Svg() const {
+  QByteArray bytes;
+  plot_->OnPaper([&] {
+    const Plot::Margins margins(*plot_);  // a drawing knows no clipping
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QSvgGenerator drawing;
+    drawing.setOutputDevice(&buffer);
+    drawing.setResolution(kResolution);
+    drawing.setSize(kPicture);
+    drawing.setViewBox(QRect(QPoint(), kPicture));
+    QCPPainter painter(&drawing);
+    painter.setMode(QCPPainter::pmVectorized);
+    painter.setMode(QCPPainter::pmNoCaching);
+    plot_->plot.toPainter(&painter, kPicture.width(), kPicture.height());
+  });
+  return bytes.toStdString();
+}
+
+std::string CurveView::PictureFor(const std::string& file) const {
+  const QString ending = QFileInfo(ToQt(file)).suffix().toLower();
+  if (ending == QLatin1String("pdf")) return Pdf();
+  return ending == QLatin1String("svg") ? Svg() : Png();
+}
+
+std::shared_ptr<QPainter> CurveView::PagePainter(QPagedPaintDevice& pages) {
+  const auto painter = std::make_shared<QCPPainter>(&pages);
+  painter->setMode(QCPPainter::pmVectorized);
+  painter->setMode(QCPPainter::pmNoCaching);
+  return painter;
+}
+
+void CurveView::PaintOn(QPainter& pagePainter, const QRectF& place) {
+  constexpr int kTextPixels = 11;
+  const double scale = pagePainter.device()->logicalDpiX() / double{kResolution};
+  const QFont former = font();
+  QFont text = pagePainter.font();
+  text.setPixelSize(kTextPixels);  // points would be those of the page's resolution
+  setFont(text);
+  plot_->OnPaper([&] {
+    const QSizeF size = place.size() / scale;
+    pagePainter.save();
+    pagePainter.translate(place.topLeft());
+    pagePainter.scale(scale, scale);
+    plot_->plot.toPainter(static_cast<QCPPainter*>(&pagePainter), qRound(size.width()), qRound(size.height()));
+    pagePainter.restore();
+  });
+  setFont(former);
 }
 
 bool CurveView::eventFilter(QObject* watched, QEvent* event) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QRectF>
 #include <QString>
 #include <QWidget>
 #include <memory>
@@ -9,7 +10,13 @@
 
 #include "measure/Curve.h"
 
+class QPagedPaintDevice;
+class QPainter;
+
 namespace hylden {
+
+/// The files in which curves can be saved as a picture.
+inline constexpr char kCurvePictureFilter[] = "Picture (*.png)|*.png|Drawing (*.svg)|*.svg|PDF (*.pdf)|*.pdf";
 
 /// A point of a curve, both counted from 0.
 struct CurvePlace {
@@ -60,6 +67,13 @@ class CurveView : public QWidget {
   /// The bytes of a picture of what is shown, in the colours of paper.
   std::string Png() const;
   std::string Pdf() const;
+  std::string Svg() const;
+  /// The one that a file's name asks for by its ending; PNG where it has none of them.
+  std::string PictureFor(const std::string& file) const;
+
+  /// A painter for pages that hold curves among other things, and what is shown in a rectangle of such a page.
+  static std::shared_ptr<QPainter> PagePainter(QPagedPaintDevice& pages);
+  void PaintOn(QPainter& pagePainter, const QRectF& place);
 
  signals:
   /// The operator has chosen a point.

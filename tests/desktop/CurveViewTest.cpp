@@ -140,6 +140,7 @@ TEST_F(CurveViewTest, IsReadableOnADarkThemeAndPrintsOnWhitePaper) {
   const QImage paper = QImage::fromData(QByteArray::fromStdString(view.Png()));
   EXPECT_EQ(paper.pixelColor(2, 2), QColor(Qt::white));
   EXPECT_TRUE(view.Pdf().starts_with("%PDF"));
+  EXPECT_NE(view.PictureFor("a.SVG").find("Frequency, MHz</text>"), std::string::npos);
   EXPECT_GT(PixelsOf(QColor(30, 30, 30)), 100'000);
 }
 

@@ -26,7 +26,6 @@ constexpr char kFilter[] =
     "(*.lev)|*.lev|Probe File (*.prb)|*.prb|Text File (*.txt)|*.txt|All Files (*.*)|*.*";
 constexpr char kLoadTitle[] = "Select Factor File", kSaveTitle[] = "Select filename",
                kQuestionTitle[] = "Save Factor File";
-constexpr char kPictureFilter[] = "Picture (*.png)|*.png|PDF (*.pdf)|*.pdf";
 constexpr const char* kPatterns[] = {"*.fac", "*.lev", "*.los", "*.txt", "*.*"};
 /// A table that is looked through between two keys; a longer one waits for a pause.
 constexpr int kShortTable = 5000, kPauseMs = 200;
@@ -220,11 +219,10 @@ void frmEditFactor::UseFile(KnownFile file) {
 }
 
 void frmEditFactor::ExportCurve() {
-  const auto path = AskSaveFile("Save curve as picture", kPictureFilter, datakind::kFactors, {});
+  const auto path = AskSaveFile("Save curve as picture", kCurvePictureFilter, datakind::kFactors, {});
   if (!path) return;
-  const bool isPdf = ToQt(*path).endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive);
   try {
-    ReplaceFile(*path, isPdf ? ui_->crvFactor->Pdf() : ui_->crvFactor->Png());
+    ReplaceFile(*path, ui_->crvFactor->PictureFor(*path));
   } catch (const std::exception& error) {
     shell_.ReportError(error, "frmEditFactor.ExportCurve", *path);
   }
