@@ -9,6 +9,7 @@
 
 #include "app/DesktopApplication.h"
 #include "app/DesktopProgram.h"
+#include "app/DesktopReport.h"
 #include "app/StartUp.h"
 #include "platform/native/StandardStreams.h"
 #include "shell/Version.h"
@@ -16,10 +17,15 @@
 namespace {
 
 constexpr const char* kHelp =
-    "Usage: hylden [OPTION] [FILE...]\n\n"
+    "Usage: hylden [OPTION] [FILE...]\n"
+    "       hylden --report FILE.run --pdf OUT.pdf [--all-steps] [--paper a4|letter] [--yes]\n\n"
     "Conducted RF immunity testing: station, calibration and test in windows.\n\n"
     "  FILE.eqp     begin with this station (also \"/e:FILE\")\n"
     "  FILE.tst     go straight to this test (also \"/t:FILE\")\n"
+    "  --report FILE.run  make the test report of saved run data, without a window or a screen:\n"
+    "    --pdf OUT.pdf    the file for it; one that is there is replaced with --yes only\n"
+    "    --all-steps      with a table of all steps\n"
+    "    --paper PAPER    a4 or letter; otherwise as it was chosen last\n"
     "  --help       print this and exit\n"
     "  --version    print the version and exit\n\n"
     "Without windows, hylden-run runs tests and calibrations; hylden-run --help tells how.\n";
@@ -63,6 +69,7 @@ std::optional<int> AnsweredOnTerminal(const std::vector<std::string>& arguments)
 int main(int argc, char** argv) {
   hylden::KeepStandardStreams();
   std::vector<std::string> arguments(argv + 1, argv + argc);
+  if (const auto status = hylden::AnswerReport(arguments)) return *status;
   if (const auto status = AnsweredOnTerminal(arguments)) return *status;
   hylden::DesktopApplication application(argc, argv);
   for (std::string& argument : arguments) argument = hylden::AsSwitch(argument);

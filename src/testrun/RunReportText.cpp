@@ -327,7 +327,7 @@ std::string Report::TimeOf(int row) const {
 
 std::vector<ReportTable::Column> Report::StepColumns() const {
   std::vector<ReportTable::Column> columns = {
-      {"Row", 0.6}, {"Frequency, MHz", 1.2}, {"Generator, dBm", 1}, {"Test level, dBµV", 1}};
+      {"Row", 0.6, false}, {"Frequency, MHz", 1.2}, {"Generator, dBm", 1}, {"Test level, dBµV", 1}};
   if (rows_.Measures(&StepResult::Induced)) columns.push_back({"Induced, dBµA", 1});
   if (rows_.Measures(&StepResult::FwdPwr)) columns.push_back({"Forward, dBm", 1});
   if (rows_.Measures(&StepResult::RevPwr)) columns.push_back({"Reverse, dBm", 1});
