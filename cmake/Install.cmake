@@ -21,7 +21,7 @@ foreach(program ${programs})
   install(FILES packaging/completion DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions RENAME ${program})
 endforeach()
 install(FILES packaging/copyright README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY docs/formats docs/pictures DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
+install(DIRECTORY docs/formats docs/pictures docs/reports DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 
 # Manual pages are what the programs say of themselves; help2man makes them when the package is built.
 find_program(HELP2MAN help2man)

@@ -3,8 +3,8 @@
 # a demo test loaded; what is changed there stays.
 # Without one (or with --console): takes a copy of the demo station through its whole work on the bench, on a virtual
 # clock: measures the meter's cable, calibrates the levels with it and with the IFI amplifiers, and runs every test on
-# these records. Leaves the files and a table of what was applied in build/demo/, and takes pictures of the windows
-# (unless --console --no-pictures). HYLDEN_PRESET names another build than dev.
+# these records, with a report of each. Leaves the files and a table of what was applied in build/demo/, and takes
+# pictures of the windows (unless --console --no-pictures). HYLDEN_PRESET names another build than dev.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$PWD
@@ -25,7 +25,7 @@ if [ "${1:-}" != --console ] && [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
   HYLDEN_HOME=$out/home exec "$root/build/$preset/bin/hylden" "/e:station.eqp" "/t:forward-power-constant-peak.tst"
 fi
 
-cmake --build --preset "$preset" --target hylden-run
+cmake --build --preset "$preset" --target hylden-run hylden
 
 # the station of each calibration and test; the others are on station.eqp
 declare -A station=([ifi-10v]=ifi-station.eqp [ifi-band-change]=ifi-station.eqp)
@@ -53,6 +53,7 @@ table=$(printf "$row" 'test' 'steps' 'rows' 'frequency, MHz' 'generator, dBm' 'r
 for test in *.tst; do
   name=${test%.tst}
   run "$name" --test "$test" --output "$name.run"
+  "$root/build/$preset/bin/hylden" --report "$name.run" --pdf "$name.pdf" --all-steps --paper a4
 
   read -r steps minutes < <(awk '/^Finished: /{print $4, $7}' "$name.log")
   applied=$(tr -d '\r' <"$name.run" | awk -F', ' 'NR > 3 && $2 !~ /^T/ {
@@ -64,6 +65,6 @@ for test in *.tst; do
   [ "$rows" = "$steps" ] || { echo "demo: $name has $rows rows for $steps steps" >&2; exit 1; }
   table+=$'\n'$(printf "$row" "$name" "$steps" "$rows" "$range" "$levels" "$minutes")
 done
-printf '\n%s\n\nCable loss, calibration records and run data: build/demo/station\n' "$table"
+printf '\n%s\n\nCable loss, calibration records, run data and reports: build/demo/station\n' "$table"
 cd "$root"
 [ "${2:-}" = --no-pictures ] || scripts/pictures.sh

@@ -177,8 +177,8 @@ std::string Report::LevelsText() const {
   const bool limited = std::any_of(rows_.Complete.begin(), rows_.Complete.end(), [](const StepEntry* step) {
     return step->Result->Marks.InducedAboveLimit || step->Result->Marks.ForwardCapHeld;
   });
-  std::string text = lowest == highest ? "The test level was " + both(lowest) + " at every step."
-                                       : "The test level was " + both(lowest) + " to " + both(highest) + ".";
+  std::string text = (limited ? "The test level aimed at was " : "The test level was ") + both(lowest) +
+                     (lowest == highest ? " at every step." : " to " + both(highest) + ".");
   if (limited)
     text +=
         " At some steps the induced current or the forward power reached its limit first, and the level stayed "

@@ -174,8 +174,10 @@ void CurveView::PaintOn(QPainter& pagePainter, const QRectF& place) {
   QFont text = pagePainter.font();
   text.setPixelSize(kTextPixels);  // points would be those of the page's resolution
   setFont(text);
+  const QSizeF size = place.size() / scale;
+  plot_->plot.setViewport(QRect(QPoint(), size.toSize()));  // how points are marked depends on their room
+  plot_->plot.replot();
   plot_->OnPaper([&] {
-    const QSizeF size = place.size() / scale;
     pagePainter.save();
     pagePainter.translate(place.topLeft());
     pagePainter.scale(scale, scale);

@@ -18,7 +18,7 @@ constexpr double kPointsPerInch = 72;
 constexpr double kMarginSide = 56, kMarginTop = 62, kMarginBottom = 62, kFrameGap = 16;  // points
 constexpr double kCellGap = 5, kRowGap = 2.5;
 constexpr double kEntryName = 0.29;  ///< of the width
-constexpr double kFigureHeight = 190, kHandHeight = 26, kWarningPad = 7;
+constexpr double kFigureHeight = 176, kFigureGap = 8, kHandHeight = 26, kWarningPad = 7;
 constexpr int kBlack = 0, kDark = 70, kMiddle = 130, kLight = 205;
 
 }  // namespace
@@ -88,7 +88,7 @@ void ReportPages::Warning() {
 void ReportPages::Section(const ReportSection& section) {
   constexpr double kBefore = 13, kAfter = 4;
   const double next = section.Sentences.empty() && section.Entries.empty() && !section.Figures.empty()
-                          ? Pt(kFigureHeight) + LineHeight(Style::Strong)
+                          ? Pt(kFigureHeight + kFigureGap) + LineHeight(Style::Strong)
                           : 4 * LineHeight(Style::Body);
   if (!section.Title.empty()) {
     Need(Pt(kBefore + kAfter) + LineHeight(Style::Heading) + next);
@@ -132,10 +132,10 @@ void ReportPages::Entry(const QString& name, const QString& value) {
 }
 
 void ReportPages::Figure(const ReportFigure& figure) {
-  Need(Pt(kFigureHeight + 4) + LineHeight(Style::Strong));
+  Need(Pt(kFigureHeight) + LineHeight(Style::Strong));
   Paragraph(ToQt(figure.Title), Style::Strong);
   const QRectF place(area_.left(), y_, area_.width(), Pt(kFigureHeight));
-  y_ = place.bottom() + Pt(8);
+  y_ = place.bottom() + Pt(kFigureGap);
   if (!painter_) return;
   CurveView view;
   view.SetCurves(figure.Curves);
