@@ -1,6 +1,8 @@
 #include "desktop/RunForms.h"
 
+#include "run/qt/RunCurvePanel.h"
 #include "testrun/RunUnits.h"
+#include "widgets/CurveView.h"
 #include "widgets/WindowPlace.h"
 
 namespace hylden {
@@ -313,6 +315,44 @@ TEST_F(RunForms, EveryUnitOfTheMenusIsShownUnderItsCaptionAndTheRecordStays) {
   EXPECT_EQ(Text("lblTestLevel"),
             ShowTestLevel(double{std::get<StepEntry>(Rows()[0]).Result->TestLevel}, RunUnit::Volts, 150).Value);
   EXPECT_EQ(RunFileText(form->Engine().Data(), false), recorded);
+}
+
+TEST_F(RunForms, CurvesHoldTheRowsInTheChosenUnitAndLeadToThemAndBack) {
+  Open("probe-limited-pulse.tst");
+  auto& panel = Find<RunCurvePanel>(*form, "pnlCurves");
+  auto& table = Find<QTableView>(*form, "flxTestData");
+  const auto draw = [&] { QMetaObject::invokeMethod(panel.findChild<QTimer*>("tmrCurve"), "timeout"); };
+  panel.SetQuantity("Induced");
+  draw();
+  EXPECT_EQ(panel.View().Curves().at(1).Points.size(), form->Engine().Steps().size())
+      << "the limit, from the beginning";
+  std::string caption;
+  m.When(AtStep(4), [&] {
+    panel.SetTimeLeft(1);  // a wait
+    draw();
+    caption = form->windowTitle().toStdString();
+    EXPECT_EQ(panel.View().Curves().at(0).Points.size(), 3U);
+    Press(*form, "cmdRunHalt");
+  });
+  Run();
+  EXPECT_TRUE(caption.starts_with("Test Run - probe-limited-pulse.tst - step 4 of ")) << caption;
+  draw();
+  const auto& points = panel.View().Curves().at(0).Points;
+  ASSERT_EQ(points.size(), 3U);
+  EXPECT_EQ(points[1].Value, *std::get<StepEntry>(Rows()[1]).Result->Induced);
+  emit panel.View().PointChosen(0, 1);
+  EXPECT_EQ(table.currentIndex().row(), 1);
+  table.setCurrentIndex(table.model()->index(2, 0));
+  draw();
+  EXPECT_EQ(panel.View().Current(), (CurvePlace{0, 2}));
+  Choose(*form, "mnuUnitsInducedVolts");
+  draw();
+  EXPECT_EQ(panel.View().Curves().at(0).Unit, "V");
+  dialogs.Answer(MessageAnswer::No);
+  Press(*form, "cmdExit");
+  OpenForm();
+  EXPECT_TRUE(Find<QAction>(*form, "mnuUnitsInducedVolts").isChecked());
+  EXPECT_EQ(Find<RunCurvePanel>(*form, "pnlCurves").Quantity(), "Induced");
 }
 
 TEST_F(RunForms, BenchIsAnnouncedOnEveryWindowOfTheRun) {

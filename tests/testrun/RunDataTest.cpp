@@ -118,6 +118,12 @@ TEST(RunUnits, LevelsAreShownInEveryUnit) {
   EXPECT_EQ(ShowInducedLevel(80, -999, RunUnit::Relative, 150).Value, "na");
 }
 
+TEST(RunUnits, ChoiceComesBackFromTheSettingsAndACodeOfNoMenuIsTheDefault) {
+  for (const char* const text : {"0,1,2", "4,5,6", "2,0,2"}) EXPECT_EQ(UnitsText(UnitsFrom(text)), text);
+  for (const char* const text : {"", "5,6,1", "x,1,2", "0,1", "0,1,2,3"})
+    EXPECT_EQ(UnitsText(UnitsFrom(text)), "0,1,2") << text;
+}
+
 TEST(RunUnits, ALevelWithoutAValueIsShownAsNotAvailable) {
   EXPECT_EQ(ShowTestLevel(120, RunUnit::DbuA, 0).Value, "na");
   EXPECT_EQ(ShowTestLevel(120, RunUnit::DbuA, 0).ToolTip, "The test definition has no circuit impedance");

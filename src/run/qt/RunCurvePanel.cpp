@@ -20,7 +20,7 @@ namespace {
 constexpr int kDrawMs = 50, kTryAgainMs = 10;
 /// What a wait has to have left for them to be drawn in it, and how long they wait for one.
 constexpr double kRoomSeconds = 0.03;
-constexpr int kLongestMs = 1000;
+constexpr int kLongestMs = 300;
 
 }  // namespace
 

@@ -14,6 +14,8 @@ namespace hylden {
 namespace {
 
 constexpr char kSize[] = "Size", kSplit[] = "Split", kCurve[] = "Curve", kFreqAxis[] = "FreqAxis", kLinear[] = "linear";
+/// The table's columns need the more; it is as wide as this against the curves.
+constexpr int kTableShare = 600, kCurveShare = 400;
 /// The title bar comes on top of a window's size.
 constexpr QSize kFrame(8, 40);
 
@@ -37,7 +39,7 @@ void RunLayout::Restore(Shell& shell, std::string_view windowKey) const {
   const QList<int> size = PairOf(settings.Get(section, kSize, "")), split = PairOf(settings.Get(section, kSplit, ""));
   const QSize wanted = size.isEmpty() ? Window.size() : QSize(size[0], size[1]);
   Window.resize(wanted.boundedTo(Window.screen()->availableSize() - kFrame));
-  Split.setSizes(split.isEmpty() ? QList<int>{1000, 1000} : split);
+  Split.setSizes(split.isEmpty() ? QList<int>{kTableShare, kCurveShare} : split);
   Curves.SetQuantity(settings.Get(section, kCurve, ""));
   Curves.SetLog(settings.Get(section, kFreqAxis, "") != kLinear);
 }
