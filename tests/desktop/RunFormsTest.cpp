@@ -1,5 +1,6 @@
 #include "desktop/RunForms.h"
 
+#include "calibration/qt/frmRunCal.h"
 #include "run/qt/RunCurvePanel.h"
 #include "testrun/RunUnits.h"
 #include "widgets/CurveView.h"
@@ -315,6 +316,19 @@ TEST_F(RunForms, EveryUnitOfTheMenusIsShownUnderItsCaptionAndTheRecordStays) {
   EXPECT_EQ(Text("lblTestLevel"),
             ShowTestLevel(double{std::get<StepEntry>(Rows()[0]).Result->TestLevel}, RunUnit::Volts, 150).Value);
   EXPECT_EQ(RunFileText(form->Engine().Data(), false), recorded);
+}
+
+TEST_F(RunForms, WindowsOfARunFitASmallScreenAndNeverOpenLargerThanIt) {
+  const auto expectFits = [](QWidget& window) {
+    EXPECT_LE(window.minimumSizeHint().width(), 792) << window.objectName().toStdString();
+    EXPECT_LE(window.minimumSizeHint().height(), 560) << window.objectName().toStdString();
+    EXPECT_LE(window.height(), window.screen()->availableSize().height() - 40);
+  };
+  m.shell.settings.Save("RunTestForm", "Size", "9000,9000");
+  Open();
+  expectFits(*form);
+  frmRunCal calibration(m.shell, m.instruments, m.documents);
+  expectFits(calibration);
 }
 
 TEST_F(RunForms, CurvesHoldTheRowsInTheChosenUnitAndLeadToThemAndBack) {
