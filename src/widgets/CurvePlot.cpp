@@ -16,6 +16,8 @@ namespace {
 
 constexpr int kReachPixels = 24, kClickPixels = 4;
 constexpr int kMarginPercent = 4;
+/// Above the highest value, for the text of a mark; a share of what is shown.
+constexpr double kRoomForText = 0.3;
 constexpr int kLegendColumns = 5;
 /// Points are marked as long as they stand apart.
 constexpr int kPixelsForMarker = 3;
@@ -175,20 +177,21 @@ void CurveView::Plot::DrawLines() {
   plot.clearGraphs();
   plot.legend->clearItems();
   named_.clear();
-  lines_.clear();
-  points_.clear();
-  for (const Curve& curve : curves) {
+  lines_.assign(curves.size(), nullptr);
+  points_.assign(curves.size(), nullptr);
+  for (std::size_t i = curves.size(); i-- > 0;) {  // the first one is drawn above the others
+    const Curve& curve = curves[i];
     QVector<QCPGraphData> line, points;
     for (const CurvePoint& point : LineThrough(curve.Points, curve.StraightOn, freqAxis))
       line << QCPGraphData(point.Freq, point.Value);
     for (const CurvePoint& point : curve.Points)
       if (point.Freq > 0 || freqAxis == FreqAxis::Linear) points << QCPGraphData(point.Freq, point.Value);
-    lines_.push_back(plot.addGraph(plot.xAxis, AxisOf(curve.Axis)));
-    lines_.back()->data()->set(line, true);
-    lines_.back()->setName(ToQt(curve.Name));
-    points_.push_back(plot.addGraph(plot.xAxis, AxisOf(curve.Axis)));
-    points_.back()->data()->set(points, true);
-    points_.back()->setLineStyle(QCPGraph::lsNone);
+    lines_[i] = plot.addGraph(plot.xAxis, AxisOf(curve.Axis));
+    lines_[i]->data()->set(line, true);
+    lines_[i]->setName(ToQt(curve.Name));
+    points_[i] = plot.addGraph(plot.xAxis, AxisOf(curve.Axis));
+    points_[i]->data()->set(points, true);
+    points_[i]->setLineStyle(QCPGraph::lsNone);
   }
   FindBounds();
 }
@@ -318,8 +321,12 @@ void CurveView::Plot::FitRanges() {
   for (const CurveMark& mark : marks) values[mark.Axis == ValueAxis::Right].Add(mark.At.Value);
   fitting = true;
   plot.xAxis->setRange(RoomyFrequencies(frequencies_, freqAxis));
-  plot.yAxis->setRange(Roomy(values[0]));
-  plot.yAxis2->setRange(Roomy(values[1]));
+  for (const ValueAxis axis : {ValueAxis::Left, ValueAxis::Right}) {
+    QCPRange range = Roomy(values[axis == ValueAxis::Right]);
+    const auto isOn = [&](const CurveMark& mark) { return mark.Axis == axis; };
+    if (std::any_of(marks.begin(), marks.end(), isOn)) range.upper += range.size() * kRoomForText;
+    AxisOf(axis)->setRange(range);
+  }
   fitting = false;
 }
 
