@@ -45,6 +45,8 @@
 #include "testrun/qt/frmRunTest.h"
 #include "widgets/WindowMemory.h"
 #include "widgets/WindowPlace.h"
+#include "testrun/qt/frmRunData.h"
+#include "widgets/FileDrop.h"
 
 namespace hylden {
 
@@ -84,6 +86,8 @@ Desktop::Desktop(Station& station, DesktopOptions options)
   connect(menu_.get(), &TopMenu::RunTestRequested, this, [this] { OpenTestDefinition(); });
   connect(menu_.get(), &TopMenu::BenchRequested, this, &Desktop::ShowBenchPanel);
   connect(menu_.get(), &TopMenu::DemoRequested, this, [this] { OpenDemoStation(shell_); });
+  connect(menu_.get(), &TopMenu::OpenRunDataRequested, this, &Desktop::ChooseRunData);
+  new FileDrop(menu_.get(), QStringLiteral("run"), [this](const QString& file) { OpenRunData(FromQt(file)); });
   connect(menu_.get(), &TopMenu::HelpRequested, this, &Desktop::ShowHelp);
   connect(bench_.get(), &BenchWindows::HelpRequested, this, &Desktop::ShowHelp);
   connect(bench_.get(), &BenchWindows::EscapePressed, this, &Desktop::EscapeInPanel);
@@ -91,6 +95,9 @@ Desktop::Desktop(Station& station, DesktopOptions options)
     if (help_) help_->close();
     bench_->ClosePanel();
     if (bus_) bus_->close();
+    const QVector<QPointer<WorkingForm>> beside = open_;
+    for (const QPointer<WorkingForm>& open : beside)
+      if (auto* const run = qobject_cast<frmRunData*>(open.data())) run->close();
     shell_.end.Finish();
     emit Ended();
   });
@@ -112,9 +119,11 @@ bool Desktop::Start(const std::string& commandLine) {
   }
   if (!shell_.end.MayStart()) return false;
   ShowStation();
-  if (!open_.isEmpty()) return true;
-  menu_->show();
-  ShowWelcome();
+  if (open_.isEmpty()) {
+    menu_->show();
+    ShowWelcome();
+  }
+  for (const std::string& file : ParseCommandLine(commandLine).RunFiles) OpenRunData(file);
   return true;
 }
 
@@ -142,10 +151,15 @@ void Desktop::ResumeCalibration(const std::string& setup) {
   if (documents_.calSetup.FileName == setup) form->Guard("cmdStart", [form] { form->Start(); });
 }
 
-/// The form that the operator works in; the bus stands beside it.
+/// Bus, curves and saved runs are looked at beside the form that the operator works in.
+bool Desktop::StandsBeside(const WorkingForm& form) const {
+  return &form == bus_ || &form == curves_ || qobject_cast<const frmRunData*>(&form);
+}
+
+/// The form that the operator works in.
 WorkingForm* Desktop::Front() const {
   for (auto form = open_.rbegin(); form != open_.rend(); ++form)
-    if (*form && (*form)->isVisible() && form->data() != bus_.data()) return form->data();
+    if (*form && (*form)->isVisible() && !StandsBeside(**form)) return form->data();
   return nullptr;
 }
 
@@ -162,6 +176,7 @@ std::string Desktop::StartedAgain(const std::string& commandLine) {
   Raise();
   const CommandLine line = ParseCommandLine(commandLine);
   if (!line.Ok) return "Command line error, (" + commandLine + ")";
+  for (const std::string& file : line.RunFiles) Later(this, [this, file] { OpenRunData(file); });
   const std::string files = line.EquipFile + (line.EquipFile.empty() ? "" : "\r\n") + line.TestFile;
   if (files.empty()) return {};
   if (shell_.InstrumentsClaimed()) return "Hylden's instruments are at work: this was not opened.\r\n" + files;
@@ -211,7 +226,8 @@ bool Desktop::Open(WorkingForm* form, QWidget* caller) {
   form->setWindowIcon(menu_->windowIcon());
   // Above a modal form another one would be locked, and the forms behind it open to a second run.
   if (caller && caller->windowModality() != Qt::NonModal) form->setWindowModality(Qt::ApplicationModal);
-  bench_->Announce(*form);
+  // A saved run tells by itself what it was made with, whatever drives the program now.
+  if (!qobject_cast<frmRunData*>(form)) bench_->Announce(*form);
   connect(form, &WorkingForm::HelpRequested, this,
           [this, form](const QString& topic) { form->Guard("Help", [&] { ShowHelp(topic); }); });
   connect(form, &WorkingForm::Unloaded, this, [this, form] {
@@ -384,6 +400,21 @@ void Desktop::ShowCurves(RunSetupForm* form, CurveKind kind, const QString& file
   Open(curves_, nullptr);
 }
 
+void Desktop::ChooseRunData() {
+  FileRequest request = RunDataRequest(shell_.settings);
+  request.title = "Open run data";
+  if (const auto file = shell_.dialogs.OpenFile(request)) OpenRunData(*file);
+}
+
+void Desktop::OpenRunData(const std::string& file) {
+  if (!shell_.end.MayStart()) return;
+  auto* const form = new frmRunData(shell_);
+  connect(form, &frmRunData::OpenRequested, this, &Desktop::ChooseRunData);
+  connect(form, &frmRunData::EscapePressed, this, &Desktop::EscapePressed);
+  form->LoadFile(file);
+  Open(form, nullptr);
+}
+
 void Desktop::OpenListBuilder(RunSetupForm* form, const QString& listFile) {
   auto* const builder = new frmBuildList(shell_);
   builder->setWindowModality(Qt::ApplicationModal);
@@ -419,6 +450,8 @@ void Desktop::KeepBeside() {
   bench_->KeepBeside();
   if (help_ && help_->isVisible()) StandBeside(*help_);
   if (bus_ && bus_->isVisible()) StandBeside(*bus_);
+  for (const QPointer<WorkingForm>& open : std::as_const(open_))
+    if (auto* const run = qobject_cast<frmRunData*>(open.data()); run && run->isVisible()) StandBeside(*run);
   if (!curves_ || !curves_->isVisible()) return;
   if (curvesOf_ && curvesOf_->isVisible())
     StandBeside(*curves_);

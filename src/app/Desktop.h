@@ -27,6 +27,7 @@ class frmEquipment;
 class frmHelp;
 class frmTestDef;
 struct CommandLine;
+class frmRunData;
 struct Documents;
 struct Instruments;
 struct ResumedJournal;
@@ -89,6 +90,10 @@ class Desktop : public QObject {
   void ShowCurves(RunSetupForm* form, CurveKind kind, const QString& file);
   /// Shows the window of the bus, beside the windows of the work.
   void ShowBus();
+  /// Shows a saved run in a window of its own, beside the windows of the work.
+  void OpenRunData(const std::string& file);
+  /// Asks for one.
+  void ChooseRunData();
   /// Opens the list builder above a form that sets up a run; the list composed there becomes the form's.
   void OpenListBuilder(RunSetupForm* form, const QString& listFile);
   /// Connects a form to what every form may ask for, and shows it in the caller's place.
@@ -121,6 +126,7 @@ class Desktop : public QObject {
   void ResumeTest();
   void ResumeCalibration(const std::string& setup);
   void ShowWelcome();
+  bool StandsBeside(const WorkingForm& form) const;
   WorkingForm* Front() const;
   void Raise();
   void OpenNamed(const CommandLine& line);

@@ -22,6 +22,7 @@ constexpr const char* kHelp =
     "Conducted RF immunity testing: station, calibration and test in windows.\n\n"
     "  FILE.eqp     begin with this station (also \"/e:FILE\")\n"
     "  FILE.tst     go straight to this test (also \"/t:FILE\")\n"
+    "  FILE.run     show this saved run (also \"/r:FILE\")\n"
     "  --report FILE.run  make the test report of saved run data, without a window or a screen:\n"
     "    --pdf OUT.pdf    the file for it; one that is there is replaced with --yes only\n"
     "    --all-steps      with a table of all steps\n"

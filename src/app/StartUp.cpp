@@ -18,12 +18,13 @@ constexpr std::size_t kSwitchLength = 3;
 struct OpenedKind {
   std::string_view Switch;
   const char* Extension;
-  std::string CommandLine::*File;
+  std::string CommandLine::*File;  ///< null: one of the saved runs, which are shown beside the work
   const char* LogLine;
 };
 constexpr OpenedKind kOpenedKinds[] = {
     {"/e:", ".eqp", &CommandLine::EquipFile, "equip file loaded from command line"},
     {"/t:", ".tst", &CommandLine::TestFile, "test file loaded from command line"},
+    {"/r:", ".run", nullptr, ""},
 };
 
 const OpenedKind* KindOfSwitch(std::string_view piece) {
@@ -102,7 +103,12 @@ CommandLine ParseCommandLine(std::string_view text) {
   CommandLine line;
   for (const std::string& piece : SplitAtQuotes(text)) {
     if (const OpenedKind* const kind = KindOfSwitch(piece)) {
-      line.*kind->File = piece.substr(kSwitchLength);
+      const std::string file = piece.substr(kSwitchLength);
+      if (!kind->File) {
+        line.RunFiles.push_back(file);
+        continue;
+      }
+      line.*kind->File = file;
       line.LogLines.emplace_back(kind->LogLine);
     } else if (piece.size() > kSwitchLength) {
       line.Ok = false;

@@ -12,12 +12,14 @@ class Station;
 struct CommandLine {
   std::string EquipFile;
   std::string TestFile;
+  std::vector<std::string> RunFiles;  ///< run data to be looked at
   std::vector<std::string> LogLines;  ///< run log entries of the switches, in order
   bool Ok = true;                     ///< false after a piece that is no switch; what follows it was not read
 };
 
-/// Reads a whole command line: the switches "/e:" (equipment file) and "/t:" (test definition), each with its path in
-/// one pair of double quotes. Switches are case-sensitive, paths are taken unchanged, the last one of a kind counts.
+/// Reads a whole command line: the switches "/e:" (equipment file), "/t:" (test definition) and "/r:" (run data), each
+/// with its path in one pair of double quotes. Switches are case-sensitive, paths are taken unchanged; of the first two
+/// the last one of a kind counts.
 CommandLine ParseCommandLine(std::string_view text);
 
 /// The whole command line of the arguments that a shell has taken apart: an argument that holds no quote of its own

@@ -55,6 +55,7 @@ TEST(JoinArguments, GivesBackTheQuotesThatTheShellRemoved) {
 TEST(AsSwitch, AFileOpensAsWhatItIs) {
   const std::pair<const char*, const char*> cases[] = {
       {"My station.eqp", "/e:My station.eqp"},
+      {"radio.RUN", "/r:radio.RUN"},
       {"/lab/AM.TST", "/t:/lab/AM.TST"},
       {"/e:a.eqp", "/e:a.eqp"},
       {"/t:x.eqp", "/t:x.eqp"},

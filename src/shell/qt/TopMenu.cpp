@@ -19,6 +19,8 @@ TopMenu::TopMenu(QWidget* parent) : QMainWindow(parent), ui_(std::make_unique<Ui
   connect(ui_->cmdRunTest, &QPushButton::clicked, this, &TopMenu::RunTestRequested);
   connect(ui_->cmdBench, &QPushButton::clicked, this, &TopMenu::BenchRequested);
   connect(ui_->cmdDemo, &QPushButton::clicked, this, &TopMenu::DemoRequested);
+  connect(ui_->mnuFileOpenRun, &QAction::triggered, this, &TopMenu::OpenRunDataRequested);
+  connect(ui_->mnuFileExit, &QAction::triggered, this, &QWidget::close);
   ui_->cmdBench->hide();
   ui_->cmdDemo->hide();
 }

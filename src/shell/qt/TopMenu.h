@@ -32,6 +32,8 @@ class TopMenu : public QMainWindow {
   void ConfigureRequested();
   void CalibrationRequested();
   void RunTestRequested();
+  /// A saved run is to be looked at.
+  void OpenRunDataRequested();
   void BenchRequested();
   void DemoRequested();
   void HelpRequested(const QString& topic);
