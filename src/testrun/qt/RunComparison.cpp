@@ -141,10 +141,11 @@ void RunComparison::Show() {
     runs_->setItem(row, 1, row == 0 ? Item("the first", {}) : Item(DifferenceText(difference), {}));
     // The first one is the line of 0, so that each run has the same colour in both.
     differences.push_back(std::move(difference.Values));
-    values.back().Name += "  " + FileNameOnly(run.File);
   };
   if (first_) add(*first_);
   for (const OpenedRun& run : others_) add(run);
+  for (std::size_t i = 0; i < values.size(); ++i)
+    values[i].Name += "  " + FileNameOnly(i == 0 ? first_->File : others_[i - 1].File);
   runs_->resizeColumnToContents(0);
   values_->SetCurves(std::move(values));
   differences_->SetCurves(std::move(differences));

@@ -64,8 +64,14 @@ frmRunData::frmRunData(Shell& shell, QWidget* parent)
   new AlignedNumbers(*ui_->flxTestData, {{6}, {1, true}, {1}, {1, true}, {1, true}, {1}});
   ui_->splData->setStretchFactor(0, 3);
   ui_->splData->setStretchFactor(1, 2);
-  ui_->splRows->setStretchFactor(0, 3);
-  ui_->splRows->setStretchFactor(1, 2);
+  ui_->splRows->setStretchFactor(0, 2);
+  ui_->splRows->setStretchFactor(1, 1);
+  // All columns beside the thresholds on a small screen.
+  const int width = fontMetrics().horizontalAdvance(QStringLiteral("Meas dBuA")) * 5 / 4;
+  for (QTableView* const view : {ui_->flxTestData, ui_->grdThresholds}) {
+    view->horizontalHeader()->setDefaultSectionSize(width);
+    view->verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 3 / 2);
+  }
   ConnectMenus();
   ConnectRows();
   new FileDrop(this, QStringLiteral("run"),
