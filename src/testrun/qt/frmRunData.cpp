@@ -1,6 +1,7 @@
 #include "testrun/qt/frmRunData.h"
 
 #include <QKeyEvent>
+#include <cmath>
 #include <utility>
 
 #include "shell/FormInput.h"
@@ -44,7 +45,7 @@ void MarkNotHeld(const std::vector<RunEntry>& rows, const Curve& curve, std::vec
     const double freq = std::get<StepEntry>(rows[static_cast<std::size_t>(row - 1)]).Freq;
     const CurvePoint* near = nullptr;
     for (const CurvePoint& point : curve.Points)
-      if (point.Freq <= freq || !near) near = &point;
+      if (std::isfinite(point.Value) && (point.Freq <= freq || !near)) near = &point;
     if (near) marks.push_back({{freq, near->Value}, "not held"});
   }
 }
@@ -64,8 +65,8 @@ frmRunData::frmRunData(Shell& shell, QWidget* parent)
   new AlignedNumbers(*ui_->flxTestData, {{6}, {1, true}, {1}, {1, true}, {1, true}, {1}});
   ui_->splData->setStretchFactor(0, 3);
   ui_->splData->setStretchFactor(1, 2);
-  ui_->splRows->setStretchFactor(0, 2);
-  ui_->splRows->setStretchFactor(1, 1);
+  ui_->splRows->setStretchFactor(0, 3);
+  ui_->splRows->setStretchFactor(1, 2);
   // All columns beside the thresholds on a small screen.
   const int width = fontMetrics().horizontalAdvance(QStringLiteral("Meas dBuA")) * 5 / 4;
   for (QTableView* const view : {ui_->flxTestData, ui_->grdThresholds}) {
