@@ -1,3 +1,4 @@
+#include <QScrollBar>
 #include <filesystem>
 
 #include "desktop/FormDriver.h"
@@ -234,6 +235,22 @@ TEST_F(HelpTest, ContentsSearchAndLinksLeadToHeadings) {
   Press(help, "cmdFind");
   Press(help, "cmdFind");
   EXPECT_EQ(Find<QTextBrowser>(help, "txtHelp").textCursor().selectedText(), "Manual");
+  QApplication::setActiveWindow(&help);
+  Type(help, "txtSearch", "paragraph");
+  const auto place = [&] { return Find<QTextBrowser>(help, "txtHelp").textCursor().selectionStart(); };
+  Press(help, "cmdFind");
+  const int first = place();
+  Press(help, "cmdFind");
+  EXPECT_GT(place(), first);
+  QTest::keyClick(&help, Qt::Key_F3, Qt::ShiftModifier);
+  EXPECT_EQ(place(), first);
+  auto* const bar = Find<QTextBrowser>(help, "txtHelp").verticalScrollBar();
+  bar->setValue(0);
+  bar->setValue(bar->maximum());
+  EXPECT_EQ(contents.currentItem()->text(0), "Test level: test definition");
+  Find<QTextBrowser>(help, "txtHelp").setFocus();
+  QTest::keyClick(&help, Qt::Key_F, Qt::ControlModifier);
+  EXPECT_EQ(help.focusWidget(), &Find<QLineEdit>(help, "txtSearch"));
   emit Find<QTextBrowser>(help, "txtHelp").anchorClicked(QUrl("#test-level-test-definition"));
   EXPECT_EQ(TopLine(), "Test level: test definition");
 }

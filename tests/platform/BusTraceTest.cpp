@@ -2,9 +2,11 @@
 
 #include <gmock/gmock.h>
 
+#include "platform/GpibStatus.h"
 #include "platform/TracedGpib.h"
 #include "platform/VirtualTime.h"
 #include "support/ScriptedBus.h"
+#include "text/TextFile.h"
 
 namespace hylden {
 namespace {
@@ -18,6 +20,16 @@ struct LineCase {
 
 BusEvent Event(BusCall call, int address, const std::string& bytes, int argument = 0, GpibStatusCells status = {}) {
   return {call, address, 9 * 3600 + 0.1253, 2, bytes, {}, bytes.size(), argument, status};
+}
+
+TEST(Manual, ExplainsEveryFailureOfTheBus) {
+  const std::string manual = ReadTextFile(HYLDEN_SOURCE_DIR "/help/hylden.md");
+  for (int code = 0; code < 32; ++code) {
+    const std::string name = GpibMnemonics({.status = kErr, .error = code});
+    if (!name.starts_with("error ")) {
+      EXPECT_THAT(manual, testing::HasSubstr(name));
+    }
+  }
 }
 
 BusEvent Cut(BusEvent event, std::size_t count) {

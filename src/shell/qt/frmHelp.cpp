@@ -3,6 +3,7 @@
 #include <QDesktopServices>
 #include <QKeyEvent>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QTextBlock>
 #include <QTreeWidgetItemIterator>
 #include <QUrl>
@@ -18,6 +19,7 @@ namespace {
 
 constexpr int kPlaceRole = Qt::UserRole;
 constexpr int kContentsLevels = 3;
+constexpr int kHeadingGap = 4;  // above a heading that was gone to, pixels
 
 /// A topic as it is compared: lower case, blanks single and none beside a colon.
 QString TopicKey(const QString& topic) {
@@ -50,7 +52,12 @@ frmHelp::frmHelp(QWidget* parent) : QMainWindow(parent), ui_(std::make_unique<Ui
   connect(ui_->cmdFind, &QPushButton::clicked, this, &frmHelp::FindNext);
   connect(ui_->cmdBack, &QPushButton::clicked, this, [this] { Step(-1); });
   connect(ui_->cmdForward, &QPushButton::clicked, this, [this] { Step(1); });
-  ui_->txtHelp->setFocus();
+  const auto onKeys = [this](const QKeySequence& keys, void (frmHelp::*does)()) {
+    connect(new QShortcut(keys, this), &QShortcut::activated, this, does);
+  };
+  onKeys(QKeySequence(Qt::CTRL | Qt::Key_F), &frmHelp::GoToSearch);
+  onKeys(QKeySequence(Qt::SHIFT | Qt::Key_F3), &frmHelp::FindPrevious);
+  connect(ui_->txtHelp->verticalScrollBar(), &QScrollBar::valueChanged, this, &frmHelp::MarkChapter);
   Step(0);
 }
 
@@ -118,7 +125,7 @@ void frmHelp::Show(int position) {
   ui_->txtHelp->setTextCursor(cursor);
   // The heading goes to the top of the window, not just into sight.
   QScrollBar* const bar = ui_->txtHelp->verticalScrollBar();
-  bar->setValue(bar->value() + ui_->txtHelp->cursorRect(cursor).top() - 4);
+  bar->setValue(bar->value() + ui_->txtHelp->cursorRect(cursor).top() - kHeadingGap);
   for (QTreeWidgetItemIterator entry(ui_->trvContents); *entry; ++entry)
     if ((*entry)->data(0, kPlaceRole).toInt() == position) ui_->trvContents->setCurrentItem(*entry);
 }
@@ -132,11 +139,39 @@ void frmHelp::Follow(const QUrl& link) {
   if (anchor != anchors_.cend()) Visit(*anchor);
 }
 
+void frmHelp::showEvent(QShowEvent* event) {
+  QMainWindow::showEvent(event);
+  GoToSearch();
+}
+
+void frmHelp::GoToSearch() {
+  ui_->txtSearch->setFocus();
+  ui_->txtSearch->selectAll();
+}
+
 void frmHelp::FindNext() {
+  Find({}, QTextCursor::Start);
+}
+
+void frmHelp::FindPrevious() {
+  Find(QTextDocument::FindBackward, QTextCursor::End);
+}
+
+/// Finds the next place from the last one on, else from the other end of the text.
+void frmHelp::Find(QTextDocument::FindFlags direction, QTextCursor::MoveOperation otherEnd) {
   const QString text = ui_->txtSearch->text();
-  if (text.isEmpty() || ui_->txtHelp->find(text)) return;
-  ui_->txtHelp->moveCursor(QTextCursor::Start);
-  ui_->txtHelp->find(text);
+  if (text.isEmpty() || ui_->txtHelp->find(text, direction)) return;
+  ui_->txtHelp->moveCursor(otherEnd);
+  ui_->txtHelp->find(text, direction);
+}
+
+/// The contents follow the chapter that stands at the top of the text.
+void frmHelp::MarkChapter() {
+  const int top = ui_->txtHelp->cursorForPosition(QPoint(1, kHeadingGap + 1)).position();
+  QTreeWidgetItem* chapter = nullptr;
+  for (QTreeWidgetItemIterator entry(ui_->trvContents); *entry; ++entry)
+    if ((*entry)->data(0, kPlaceRole).toInt() <= top) chapter = *entry;
+  if (chapter) ui_->trvContents->setCurrentItem(chapter);
 }
 
 void frmHelp::MarkPlaces(const QString& text) {
@@ -153,10 +188,22 @@ void frmHelp::MarkPlaces(const QString& text) {
 }
 
 void frmHelp::keyPressEvent(QKeyEvent* event) {
-  if (event->key() != Qt::Key_Escape)
+  if (event->key() == Qt::Key_Escape) {
+    if (!event->isAutoRepeat()) LeaveSearchOrClose();
+  } else if (!ui_->txtSearch->hasFocus() || !Scroll(event->key())) {
     QMainWindow::keyPressEvent(event);
-  else if (!event->isAutoRepeat())
-    LeaveSearchOrClose();
+  }
+}
+
+/// The keys that the search has no use for turn the pages.
+bool frmHelp::Scroll(int key) {
+  const QMap<int, QAbstractSlider::SliderAction> actions = {{Qt::Key_Up, QAbstractSlider::SliderSingleStepSub},
+                                                            {Qt::Key_Down, QAbstractSlider::SliderSingleStepAdd},
+                                                            {Qt::Key_PageUp, QAbstractSlider::SliderPageStepSub},
+                                                            {Qt::Key_PageDown, QAbstractSlider::SliderPageStepAdd}};
+  if (!actions.contains(key)) return false;
+  ui_->txtHelp->verticalScrollBar()->triggerAction(actions[key]);
+  return true;
 }
 
 void frmHelp::LeaveSearchOrClose() {

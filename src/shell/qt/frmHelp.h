@@ -3,6 +3,8 @@
 #include <QMainWindow>
 #include <QMap>
 #include <QString>
+#include <QTextCursor>
+#include <QTextDocument>
 #include <QVector>
 #include <memory>
 
@@ -31,6 +33,8 @@ class frmHelp : public QMainWindow {
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
+  /// Who opens the help looks for something.
+  void showEvent(QShowEvent* event) override;
 
  private:
   void FillContents();
@@ -39,7 +43,12 @@ class frmHelp : public QMainWindow {
   void Visit(int position);
   void Step(int by);
   void Follow(const QUrl& link);
+  void GoToSearch();
   void FindNext();
+  void FindPrevious();
+  void Find(QTextDocument::FindFlags direction, QTextCursor::MoveOperation otherEnd);
+  void MarkChapter();
+  bool Scroll(int key);
   void MarkPlaces(const QString& text);
   void LeaveSearchOrClose();
 
