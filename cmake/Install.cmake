@@ -11,7 +11,7 @@ install(TARGETS ${programs} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 # Found beside the folder of the executables, wherever that is: platform/native/ProgramDirectory.
 set(shared ${CMAKE_INSTALL_DATAROOTDIR}/hylden)
 install(FILES help/hylden.md DESTINATION ${shared} RENAME hylden.hlp)
-install(DIRECTORY examples/station DESTINATION ${shared})
+install(DIRECTORY examples/station examples/templates DESTINATION ${shared})
 
 install(FILES packaging/hylden.desktop DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/applications)
 install(FILES packaging/hylden-mime.xml DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/mime/packages RENAME hylden.xml)

@@ -30,6 +30,10 @@ class CalSetup {
  public:
   /// Files named without a directory are also looked for beside the setup; one that fails leaves it as it was.
   Done LoadDef(const std::string& path);
+  /// Begins a new setup with what a template holds.
+  Done NewFrom(const std::string& path) {
+    return LoadDef(path).map([this] { FileName.clear(); });
+  }
   Done SaveDef(const std::string& path);
   /// Reads a frequency list; its first and last frequency become the setup's range.
   Done LoadFreqList(const std::string& path);

@@ -47,6 +47,14 @@ Done TestSetup::LoadDef(const std::string& path) {
   });
 }
 
+Done TestSetup::NewFrom(const std::string& path) {
+  const std::string calibration = Definition.CalInfoFile;
+  return LoadDef(path).map([&] {
+    TestFileName.clear();
+    if (Definition.CalInfoFile.empty()) Definition.CalInfoFile = calibration;
+  });
+}
+
 Done TestSetup::SaveDef(const std::string& path) {
   return SaveDocument("TestSetup.SaveDef", path, Definition, Saved, files_).map([&] {
     TestFileName = path;

@@ -23,6 +23,8 @@ class TestSetup {
 
   /// Files named without a directory are also looked for beside the definition; one that fails leaves it as it was.
   Done LoadDef(const std::string& path);
+  /// Begins a new definition with what a template holds; the calibration stays where the template names none.
+  Done NewFrom(const std::string& path);
   Done SaveDef(const std::string& path);
   /// The "Test Run Parameters" summary of the prepared run, lines ended by CR LF.
   std::string StringPrintTestSetup() const;

@@ -1,5 +1,7 @@
 // What the forms that edit a record have in common, each as the program opens it on the demo station.
 
+#include <filesystem>
+
 #include "calibration/qt/frmCblSetup.h"
 #include "calibration/qt/frmRunCablCal.h"
 #include "calibration/qt/frmRunCal.h"
@@ -140,6 +142,25 @@ TEST_F(SetupFormsPlan, TheFormTellsWhatItsEntriesDefine) {
   Type(form, "txtLogStep", "0");
   form.ShowPlan();
   EXPECT_EQ(TextOf(form, "lblPlan"), "step of 0: no frequencies");
+}
+
+TEST_F(SetupFormsPlan, ATemplateOfTheLabsOwnBeginsADefinitionWithoutAFile) {
+  std::filesystem::create_directories(m.directory.File("templates"));
+  TestDefinition ours;
+  ours.StopFreq = 40;
+  SaveRecord(m.directory.File("templates/R&D.tst"), ours);
+  m.Start();
+  m.LoadTest("substitution-am.tst");
+  m.desktop->OpenTestDefinition();
+  auto& form = m.Opened<frmTestDef>();
+  const QList<QAction*> entries = Find<QMenu>(form, "mnuFileNew").actions();
+  ASSERT_EQ(entries.size(), 1);
+  EXPECT_EQ(entries.front()->text(), QLatin1String("R&&D"));
+  entries.front()->trigger();
+  EXPECT_THAT(dialogs.Texts(), testing::IsEmpty());
+  EXPECT_EQ(TextOf(form, "txtStopFreq"), "40");
+  EXPECT_EQ(form.windowTitle(), QLatin1String("Test Definition File: *"));
+  EXPECT_NE(PathOf(form, "lblCalFileName"), "");
 }
 
 TEST_P(SetupForms, FileThatDoesNotLoadCostsNothing) {

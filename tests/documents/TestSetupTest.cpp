@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "documents/CalSetup.h"
 #include "support/ReadLines.h"
 #include "support/SampleDocuments.h"
 #include "support/TestShell.h"
@@ -121,6 +122,29 @@ TEST_F(TestSetupTest, PrintsThePageThatTheTextHas) {
   t.printer.failure = ErrorNumber::DeviceIoError;
   EXPECT_EQ(Told(setup.PrintTestSetup(setup.Definition)),
             std::vector<std::string>{"Error # 57\rDevice I/O error\rTestSetup.PrintTestSetup\r"});
+}
+
+TEST_F(TestSetupTest, TemplatesBeginNewDocumentsThatAreCompleteButForTheLabsOwn) {
+  std::size_t templates = 0;
+  for (const auto& file : std::filesystem::directory_iterator(HYLDEN_SOURCE_DIR "/examples/templates")) {
+    SCOPED_TRACE(file.path().string());
+    ++templates;
+    if (file.path().extension() == ".csu") {
+      CalSetup calibration;
+      calibration.FileName = "old.csu";
+      ASSERT_TRUE(calibration.NewFrom(file.path().string()));
+      EXPECT_EQ(calibration.FileName, "");
+      EXPECT_FALSE(ValidateCalSetup(EntriesOf(calibration.Record).Entries, true, calibration.Record));
+      continue;
+    }
+    setup.Definition.CalInfoFile = "/lab/own.hyinfo";
+    ASSERT_TRUE(setup.NewFrom(file.path().string()));
+    EXPECT_EQ(setup.TestFileName, "");
+    EXPECT_EQ(setup.Definition.CalInfoFile, "/lab/own.hyinfo");
+    FormEntries entries = EntriesShowing(setup.Definition);
+    EXPECT_FALSE(ValidateTestDefinition(entries, "0.15 - 230", setup.Definition).Failure);
+  }
+  EXPECT_GE(templates, 6U);
 }
 
 }  // namespace

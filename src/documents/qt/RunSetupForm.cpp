@@ -1,7 +1,9 @@
 #include "documents/qt/RunSetupForm.h"
 
+#include <QDir>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTimer>
@@ -47,6 +49,25 @@ void RunSetupForm::ShowPlan() {
 void RunSetupForm::CommandEnded() {
   SetupForm::CommandEnded();
   if (planTimer_) planTimer_->start();
+}
+
+void RunSetupForm::OfferTemplates(QMenu* menu, const QString& suffix,
+                                  const std::function<void(const QString&)>& begin) {
+  const auto fill = [this, menu, suffix, begin] {
+    menu->clear();
+    for (const std::string& directory : {shell_.settings.SharedDirectory(), shell_.settings.ProgramDirectory()}) {
+      if (directory.empty()) continue;
+      const QDir templates(ToQt(directory) + QStringLiteral("/templates"));
+      for (const QFileInfo& file : templates.entryInfoList({QStringLiteral("*.") + suffix}, QDir::Files, QDir::Name)) {
+        QString name = file.completeBaseName();
+        auto* const entry = menu->addAction(name.replace(QLatin1Char('&'), QLatin1String("&&")));
+        On(entry, [begin, path = file.filePath()] { begin(path); });
+      }
+    }
+    menu->setEnabled(!menu->isEmpty());
+  };
+  connect(menu, &QMenu::aboutToShow, this, fill);
+  fill();
 }
 
 void RunSetupForm::ConnectList() {

@@ -42,6 +42,9 @@ class RunSetupForm : public SetupForm {
   using SetupForm::SetupForm;
 
   void CommandEnded() override;
+  /// Fills a menu with the templates that came with the program and those of the user, which lie in the folder
+  /// "templates" of the program directory.
+  void OfferTemplates(QMenu* menu, const QString& suffix, const std::function<void(const QString&)>& begin);
   /// Connects cmdListFile and cmdCreateList.
   void ConnectList();
   void SelectListFile();

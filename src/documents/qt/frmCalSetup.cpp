@@ -40,6 +40,7 @@ frmCalSetup::~frmCalSetup() = default;
 void frmCalSetup::ConnectCommands() {
   OfferFiles(ui_->mnuFileRecent, datakind::kCalibrations, QStringLiteral("csu"),
              [this](const QString& path) { LoadFile(path); });
+  OfferTemplates(ui_->mnuFileNew, QStringLiteral("csu"), [this](const QString& path) { NewFrom(path); });
   On(ui_->mnuFileLoad, [this] { Load(); });
   On(ui_->mnuFileSave, [this] { SaveEntries(); });
   On(ui_->mnuFileSaveAs, [this] { SaveAs(); });
@@ -131,6 +132,13 @@ void frmCalSetup::LoadFile(const QString& path) {
     SetupToForm();
     AddRecentFile(setup.FileName);
   });
+}
+
+void frmCalSetup::NewFrom(const QString& path) {
+  if (!MayDropEntries() || !shell_.Ok(documents_.calSetup.NewFrom(FromQt(path)))) return;
+  ForgetKept();
+  ShowFile();
+  SetupToForm();
 }
 
 bool frmCalSetup::SaveEntries() {

@@ -29,6 +29,8 @@ class frmCalSetup : public RunSetupForm {
   bool FormToSetup(bool validate);
   /// Loads a setup; after a failure the form stays as it was.
   void LoadFile(const QString& path);
+  /// Begins a new setup with what a template holds.
+  void NewFrom(const QString& path);
   /// Makes a file the frequency list and its ends the range; one that does not read as a list is refused.
   void UseList(const QString& path) override;
   /// Makes a file the test level; one that does not read as a factor table is refused.

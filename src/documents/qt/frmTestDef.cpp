@@ -42,6 +42,7 @@ frmTestDef::~frmTestDef() = default;
 void frmTestDef::ConnectCommands() {
   OfferFiles(ui_->mnuFileRecent, datakind::kTestSetups, QStringLiteral("tst"),
              [this](const QString& path) { LoadFile(path); });
+  OfferTemplates(ui_->mnuFileNew, QStringLiteral("tst"), [this](const QString& path) { NewFrom(path); });
   On(ui_->mnuFileLoad, [this] { Load(); });
   On(ui_->mnuFileSave, [this] { SaveEntries(); });
   On(ui_->mnuFileSaveAs, [this] { SaveAs(); });
@@ -145,16 +146,27 @@ void frmTestDef::LoadFile(const QString& path) {
     if (!MayDropEntries()) return;
     TestSetup& testSetup = documents_.testSetup;
     if (!shell_.Ok(testSetup.LoadDef(FromQt(path)))) return;
-    ForgetKept();
-    DefToForm();
-    ShowFile();
-    // Without its own info the test must not be checked against that of the calibration before.
-    CalInfo& calInfo = documents_.calInfo;
-    if (!shell_.Ok(calInfo.LoadDef(testSetup.Definition.CalInfoFile))) calInfo.Record = {};
-    calInfoOfRecord_ = calInfo.Record;
-    ShowCalInfo();
+    ShowLoaded();
     AddRecentFile(testSetup.TestFileName);
   });
+}
+
+void frmTestDef::NewFrom(const QString& path) {
+  if (MayDropEntries() && shell_.Ok(documents_.testSetup.NewFrom(FromQt(path)))) ShowLoaded();
+}
+
+void frmTestDef::ShowLoaded() {
+  ForgetKept();
+  DefToForm();
+  ShowFile();
+  // Without its own info the test must not be checked against that of the calibration before.
+  const std::string& file = documents_.testSetup.Definition.CalInfoFile;
+  CalInfo& calInfo = documents_.calInfo;
+  const bool isNew =
+      file.empty() && documents_.testSetup.TestFileName.empty();  // its calibration is still to be chosen
+  if (isNew || !shell_.Ok(calInfo.LoadDef(file))) calInfo.Record = {};
+  calInfoOfRecord_ = calInfo.Record;
+  ShowCalInfo();
 }
 
 bool frmTestDef::SaveEntries() {

@@ -32,6 +32,8 @@ class frmTestDef : public RunSetupForm {
   void ShowCalInfo();
   /// Loads a definition and the calibration info that it names; after a failure the form stays as it was.
   void LoadFile(const QString& path);
+  /// Begins a new definition with what a template holds.
+  void NewFrom(const QString& path);
   /// Makes a file the frequency list and asks for the discrete test; one that does not read as a list is refused.
   void UseList(const QString& path) override;
   /// Prints what is on the form, when its entries are good.
@@ -57,6 +59,7 @@ class frmTestDef : public RunSetupForm {
   UsedControls UsedNow() const override;
   bool TakeInto(TestDefinition& test);
   void ShowFile();
+  void ShowLoaded();
   void EnableControls() override;
 
   void Load();
