@@ -42,11 +42,11 @@
 #include "shell/qt/frmHelp.h"
 #include "shell/qt/frmWelcome.h"
 #include "testrun/TestPlan.h"
+#include "testrun/qt/frmRunData.h"
 #include "testrun/qt/frmRunTest.h"
+#include "widgets/FileDrop.h"
 #include "widgets/WindowMemory.h"
 #include "widgets/WindowPlace.h"
-#include "testrun/qt/frmRunData.h"
-#include "widgets/FileDrop.h"
 
 namespace hylden {
 

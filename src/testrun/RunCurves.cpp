@@ -15,7 +15,7 @@ namespace {
 /// Files keep frequencies with seven decimals.
 constexpr double kSameMHz = 1e-7;
 
-bool Below(const RunAim& aim, double frequencyMHz) {
+bool LiesBelow(const RunAim& aim, double frequencyMHz) {
   return aim.Freq < frequencyMHz - kSameMHz;
 }
 
@@ -164,7 +164,7 @@ RowCurves::Values RunCurves::ApplyValues(double frequencyMHz, const StepResult& 
 }
 
 double RunCurves::LimitAt(double frequencyMHz) const {
-  const auto found = std::lower_bound(context_.Aims.begin(), context_.Aims.end(), frequencyMHz, Below);
+  const auto found = std::lower_bound(context_.Aims.begin(), context_.Aims.end(), frequencyMHz, LiesBelow);
   return found != context_.Aims.end() && IsSame(found->Freq, frequencyMHz) ? found->InducedLimit : kNoValue;
 }
 
