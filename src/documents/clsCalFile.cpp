@@ -7,6 +7,7 @@
 #include "text/Case.h"
 #include "text/ExistingPath.h"
 #include "text/FilePair.h"
+#include "text/LinePlace.h"
 #include "text/Numbers.h"
 #include "text/RuntimeError.h"
 #include "text/TextFile.h"
@@ -136,12 +137,12 @@ Done clsCalFile::LoadFile(const std::string& infoFileName) {
 }
 
 Done clsCalFile::ReadPoints(LineReader lines, const std::string& dataFile) {
-  for (bool first = true; first || !lines.AtEnd(); first = false) {
+  for (std::size_t number = 1; number == 1 || !lines.AtEnd(); ++number) {
     const std::string_view line = lines.AtEnd() ? std::string_view() : lines.NextLine();
-    if (first && lines.AtEnd()) return Because("Unexpected end of file in " + dataFile);
+    if (number == 1 && lines.AtEnd()) return Because("Unexpected end of file in " + dataFile);
     if (line.empty() && lines.AtEnd()) break;  // an editor's last touch
     const std::optional<CalPoint> point = ParseCalLine(line);
-    if (!point) return Because("Bad data in calibration file: " + dataFile);
+    if (!point) return Because("Bad data in calibration file: " + dataFile + LinePlace(number, line));
     points_.push_back(*point);
   }
   if (points_.size() < 2) return Because("Unexpected end of calibration file: " + dataFile);

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "shell/Shell.h"
+#include "text/LinePlace.h"
 #include "text/Numbers.h"
 #include "text/Pattern.h"
 #include "text/TextFile.h"
@@ -70,19 +71,26 @@ bool FitsSingle(double value) {
 /// The points of a factor file, after its header, in file order.
 Result<std::vector<FactorPoint>> ReadPoints(LineReader lines, const std::string& fileName) {
   ParsedFactorLine next;
+  std::size_t number = 0;
+  const auto bad = [&](std::string_view line) {
+    return Because(std::string(kBadData) + "\r\n" + fileName + LinePlace(number, line));
+  };
   do {
     const std::string_view line = lines.AtEnd() ? std::string_view() : lines.NextLine();
-    if (MayHoldDecimalComma(line, 2)) return Because(kBadData);
+    ++number;
+    if (MayHoldDecimalComma(line, 2)) return bad(line);
     next = ParseFactorLine(line);
     if (lines.AtEnd()) return Because("Unexpected end of file in " + fileName);
   } while (!next.Ok);
   std::vector<FactorPoint> points{{next.Freq, next.Value}};
   while (!lines.AtEnd()) {
-    next = ParseFactorLine(lines.NextLine());
-    if (!next.Ok) return Because(kBadData);
+    const std::string_view line = lines.NextLine();
+    ++number;
+    next = ParseFactorLine(line);
+    if (!next.Ok) return bad(line);
     points.push_back({next.Freq, next.Value});
   }
-  if (points.size() < 2) return Because("Unexpected end of interpolation file");
+  if (points.size() < 2) return Because("Unexpected end of interpolation file\r\n" + fileName);
   return points;
 }
 

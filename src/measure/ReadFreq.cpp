@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "measure/InterpClass.h"
+#include "text/LinePlace.h"
 #include "text/Numbers.h"
 #include "text/TextFile.h"
 
@@ -74,10 +75,11 @@ std::vector<double> ListPlan(const std::vector<double>& list, double start, doub
 
 Result<std::vector<double>> ReadList(LineReader lines, const std::string& fileName) {
   std::vector<double> list;
-  while (!lines.AtEnd()) {
+  for (std::size_t number = 1; !lines.AtEnd(); ++number) {
     const std::string_view line = lines.NextLine();
     if (line.empty() && list.empty()) break;
-    if (!line.empty() && !ReadFreq::ParseFreq(line, list.emplace_back())) return Because(kBadData);
+    if (!line.empty() && !ReadFreq::ParseFreq(line, list.emplace_back()))
+      return Because(std::string(kBadData) + "\r\n" + fileName + LinePlace(number, line));
   }
   if (list.empty()) return Because("Unexpected end of file in " + fileName);
   return list;

@@ -1,9 +1,8 @@
 #include "text/RecordFile.h"
 
-#include <algorithm>
 #include <utility>
 
-#include "text/Characters.h"
+#include "text/LinePlace.h"
 
 namespace hylden {
 
@@ -16,21 +15,6 @@ std::string OneLine(const std::string& field) {
   return line;
 }
 
-namespace {
-
-/// The start of a line for a message: the line may be that of any file.
-std::string Quoted(std::string_view line) {
-  constexpr std::size_t kShown = 60;
-  std::size_t end = std::min(line.size(), kShown);
-  while (end < line.size() && end > 0 && ContinuesCharacter(line[end])) --end;
-  std::string shown(line.substr(0, end));
-  std::replace_if(
-      shown.begin(), shown.end(), [](unsigned char c) { return c < ' '; }, ' ');
-  return "\"" + shown + (end < line.size() ? "..." : "") + "\"";
-}
-
-}  // namespace
-
 std::string RecordReader::NextLine() {
   ++line_;
   return lines_.ReadLine();
@@ -42,8 +26,7 @@ auto RecordReader::Converted(Conversion convert) {
   try {
     return convert(line);
   } catch (const RuntimeError& error) {
-    const std::string place = ", line " + std::to_string(line_) + " of the " + kind_ + ": ";
-    throw RuntimeError(error.Number(), error.Description() + place + Quoted(line));
+    throw RuntimeError(error.Number(), error.Description() + LinePlace(line_, line, std::string(" of the ") + kind_));
   }
 }
 

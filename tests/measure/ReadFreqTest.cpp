@@ -31,7 +31,8 @@ TEST_F(ReadFreqTest, ReadsAListsFrequencies) {
 
 TEST_F(ReadFreqTest, RefusesABadListAndNamesItsFault) {
   const std::string path = directory.File("f.lst");
-  const std::string atEnd = "Unexpected end of file in " + path, badData = "Bad data in frequency list file";
+  const std::string atEnd = "Unexpected end of file in " + path,
+                    badData = "Bad data in frequency list file\r\n" + path + ", line ";
   const std::pair<std::string, std::string> rows[] = {
       {"", atEnd},
       {"\r\n10\r\n", atEnd},
@@ -39,14 +40,14 @@ TEST_F(ReadFreqTest, RefusesABadListAndNamesItsFault) {
       {" ,\r\n10\r\n", badData},
       {"10\r\n1E1", badData},
       {"10\r\n \r\n20", badData},
-      {"10\r\n20;\r\n", badData},
+      {"10\r\n20;\r\n", badData + "2: \"20;\""},
       {"-----\r\n20\r\n", badData},
       {"10,5\r\n20,5\r\n", badData},
       {"10\r\n20, 30,5\r\n", badData},
       {"10\r\n" + std::string(400, '9'), badData},
   };
   for (const auto& [bytes, message] : rows)
-    EXPECT_EQ(Told(ReadFreq::FileTolist(directory.Write("f.lst", bytes))), std::vector<std::string>{message}) << bytes;
+    EXPECT_TRUE(FailsWith(ReadFreq::FileTolist(directory.Write("f.lst", bytes)), message)) << bytes;
   const std::string missing = directory.File("missing.lst");
   EXPECT_EQ(Told(ReadFreq::FileTolist(missing)),
             std::vector<std::string>{"Error # 53\rFile not found\rReadFreq.FileTolist\r" + missing});

@@ -290,7 +290,7 @@ TEST_F(RunEndTest, ARunWithoutPlanOrTablesTouchesNoInstrument) {
     RunRig refused;
     c.change(refused);
     EXPECT_EQ(refused.Prepare(), c.readiness);
-    EXPECT_EQ(refused.t.dialogs.LastText(), c.text);
+    EXPECT_TRUE(refused.t.dialogs.LastText().starts_with(c.text)) << refused.t.dialogs.LastText();
     EXPECT_EQ(refused.display.statuses.back(), c.status);
     refused.engine.RunCdiTest();
     EXPECT_EQ(refused.bus.Calls(), 0);
