@@ -14,6 +14,7 @@ class ConsoleDisplay : public RunDisplay {
   void Phase(RunPhase phase) override;
   void Status(const std::string& text) override { line_.Activity(text); }
   void Plan(const RunPlan& plan) override { line_.Start(plan.Steps, plan.EstimatedMinutes); }
+  void Ahead(const RunAhead& ahead) override { line_.Ahead(ahead.Text); }
   void Step(int step) override;
   void StepDone(int /*step*/) override { done_ = true; }
   void Show(Readout readout, std::optional<double> value) override;

@@ -72,7 +72,7 @@ std::vector<std::string> FilesOfTheRun(const RunOptions& options, const Document
     case RunOptions::Job::BusInfo:
       break;
   }
-  Append(files, {programDirectory + "/Hylden.ini", "runlog.hyl"});
+  Append(files, {programDirectory + "/Hylden.ini", programDirectory + "/times.txt", "runlog.hyl"});
   return files;
 }
 

@@ -45,7 +45,7 @@ std::string BaseName(const std::string& path) {
   return fs::path(FileNameOnly(path)).stem().string();
 }
 
-void RunInterpolation(const Shell& shell) {
+void RunInterpolation(Shell& shell) {
   const QDir directory(ToQt(shell.settings.ProgramDirectory()));
   for (const char* const name : {"interp.exe", "interp"})
     if (QProcess::startDetached(directory.filePath(QLatin1String(name)), {}, directory.path())) return;

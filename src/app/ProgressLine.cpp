@@ -53,7 +53,7 @@ void ProgressLine::Redraw() {
   const auto now = std::chrono::steady_clock::now();
   if (now - drawn_ < kRedrawInterval) return;
   drawn_ = now;
-  out_ << '\r' << Text() << "  " << activity_ << "\x1b[K" << std::flush;
+  out_ << '\r' << Text() << "  " << ahead_ << (ahead_.empty() ? "" : "  ") << activity_ << "\x1b[K" << std::flush;
   open_ = true;
 }
 

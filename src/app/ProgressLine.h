@@ -29,6 +29,8 @@ class ProgressLine {
   RunProgress& Now() { return now_; }
   void Redraw();
   void Activity(const std::string& text);
+  /// How long it takes yet, for a terminal; empty where nobody can tell.
+  void Ahead(const std::string& text) { ahead_ = text; }
   void Countdown(double seconds);
   /// The step that stands there is complete: the plain line for it.
   void PrintStep();
@@ -44,7 +46,7 @@ class ProgressLine {
   const Clock& clock_;
   bool open_ = false;
   RunProgress now_;
-  std::string activity_;
+  std::string activity_, ahead_;
   std::chrono::steady_clock::time_point drawn_{};
 };
 

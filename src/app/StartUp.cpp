@@ -14,6 +14,8 @@ namespace {
 
 constexpr std::size_t kSwitchLength = 3;
 
+constexpr std::string_view kRunSwitch = "/r:";
+
 /// A kind of file that the command line opens.
 struct OpenedKind {
   std::string_view Switch;
@@ -24,7 +26,7 @@ struct OpenedKind {
 constexpr OpenedKind kOpenedKinds[] = {
     {"/e:", ".eqp", &CommandLine::EquipFile, "equip file loaded from command line"},
     {"/t:", ".tst", &CommandLine::TestFile, "test file loaded from command line"},
-    {"/r:", ".run", nullptr, ""},
+    {kRunSwitch, ".run", nullptr, ""},
 };
 
 const OpenedKind* KindOfSwitch(std::string_view piece) {
@@ -143,8 +145,12 @@ std::string WithWholePaths(const std::string& commandLine) {
   const CommandLine line = ParseCommandLine(commandLine);
   if (!line.Ok) return commandLine;
   std::string whole;
-  for (const auto& [kind, path] : {std::pair(kEquipSwitch, line.EquipFile), std::pair(kTestSwitch, line.TestFile)})
+  const auto add = [&whole](std::string_view kind, const std::string& path) {
     if (!path.empty()) whole += '"' + std::string(kind) + std::filesystem::absolute(path).string() + "\" ";
+  };
+  for (const OpenedKind& kind : kOpenedKinds)
+    if (kind.File) add(kind.Switch, line.*kind.File);
+  for (const std::string& file : line.RunFiles) add(kRunSwitch, file);
   return whole;
 }
 

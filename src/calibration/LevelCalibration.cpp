@@ -41,6 +41,7 @@ LevelCalibration::LevelCalibration(Shell& shell, Instruments& instruments, Docum
       forwardPort_(shell),
       reversePort_(shell),
       setup_(documents.calSetup.Record),
+      times_(shell, display),
       journal_(shell, unsaved_) {}
 
 bool LevelCalibration::Halted() const {
@@ -55,6 +56,7 @@ bool LevelCalibration::Prepare() {
   continues_ = false;
   ready_ = false;  // should planning throw
   ready_ = PlanRun() && LoadTables() && CheckTestLevels();
+  if (ready_) ExpectTimes(0);
   return ready_;
 }
 
@@ -225,11 +227,14 @@ bool LevelCalibration::MayBegin() {
 
 void LevelCalibration::RunPlan() {
   started_ = false;
+  ExpectTimes(former_ ? former_->Recorded.size() : 0);
   display_.Phase(RunPhase::BringingUp);
+  times_.Start();
   shell_.delay.ClearHalt();
   if (!BringUp()) return;
   started_ = true;
   display_.Phase(RunPhase::Running);
+  times_.InstrumentsUp();
   // Up to here the points of an earlier run are kept: a run that did not get to its first point costs nothing.
   if (Halted()) return;
   std::exchange(continues_, false) ? GoOn() : BeginAfresh();
@@ -253,7 +258,9 @@ void LevelCalibration::Sweep() {
   for (std::size_t i = former; i < plan_.size(); ++i) {
     display_.Step(static_cast<int>(i + 1));
     if (!CalibratePoint(plan_[i])) return;
+    times_.StepDone(i - former, tries_, 0, true);
     ShowTimes(i + 1, former);
+    times_.ShowAhead(i + 1 - former);
   }
   guard_.Finish();
   journal_.Complete();
@@ -269,6 +276,7 @@ void LevelCalibration::ShowTimes(std::size_t done, std::size_t former) {
 
 bool LevelCalibration::CalibratePoint(double frequencyMHz) {
   point_ = {};
+  tries_ = 0;
   point_.Freq = frequencyMHz;
   display_.Show(Readout::Frequency, frequencyMHz);
   const bool hasBands = documents_.equip.Record.HasIfiAmplifier();
@@ -331,6 +339,7 @@ bool LevelCalibration::FindLevel() {
 }
 
 bool LevelCalibration::SetLevelAndDwell() {
+  ++tries_;
   display_.Status("Setting level...");
   const Done set = instruments_.sigGen.SetFreqLevel(point_.Freq, sigGenLevel_);
   display_.Show(Readout::SigGenLevel, sigGenLevel_);
@@ -409,10 +418,13 @@ bool LevelCalibration::ReadReversePower(double excessDb, CalRow& row) {
 }
 
 void LevelCalibration::End() {
+  const bool inOrder = guard_.Outcome() == RunOutcome::Finished || Halted();
+  times_.TakingDown();
   guard_.Attempt([&] { up_.SwitchRfOff(); });
   guard_.Attempt([&] { display_.Status("Shutting down instruments..."); });
   guard_.Attempt([&] { display_.Phase(RunPhase::TakingDown); });
   guard_.Attempt([&] { up_.TakeDown(); });
+  guard_.Attempt([&] { times_.Ended(inOrder); });
   guard_.Attempt([&] { display_.Phase(RunPhase::Asking); });
   guard_.Attempt([&] { display_.Status(""); });
   guard_.Attempt([&] { journal_.TellTrouble(display_); });
@@ -422,7 +434,26 @@ void LevelCalibration::End() {
       if (!rows_.empty()) unsaved_.AskAtTheEnd();
     });
   }
+  guard_.Attempt([&] {
+    if (!instruments_.sigGen.RfIsOn()) times_.Keep();
+  });
   guard_.Attempt([&] { display_.Phase(RunPhase::Ready); });
+}
+
+void LevelCalibration::ExpectTimes(std::size_t first) {
+  const EquipRecord& equipment = documents_.equip.Record;
+  const auto isHigh = [&](double frequency) { return frequency > equipment.IfiBandSwitch; };
+  std::vector<ExpectedStep> steps;
+  steps.reserve(plan_.size());
+  for (std::size_t i = first; i < plan_.size(); ++i) {
+    const bool changes = i > first && equipment.HasIfiAmplifier() && isHigh(plan_[i - 1]) != isHigh(plan_[i]);
+    const StepKind kind = i == first ? StepKind::First : changes ? StepKind::Change : StepKind::Next;
+    steps.push_back({.Kind = kind, .Dwell = 0, .Wait = setup_.Dwell, .Waits = 1});
+  }
+  const char* const powers = setup_.RecordsReverse()   ? ", forward and reverse power"
+                             : setup_.RecordsForward() ? ", forward power"
+                                                       : "";
+  times_.Expect(std::string("calibration") + powers, documents_.equip.EquipFileName, std::move(steps));
 }
 
 bool LevelCalibration::WriteRecord() {

@@ -15,6 +15,7 @@
 #include "run/InstrumentsUp.h"
 #include "run/RunGuard.h"
 #include "run/RunJournal.h"
+#include "run/TimeKeeper.h"
 #include "run/UnsavedRows.h"
 
 namespace hylden {
@@ -98,6 +99,7 @@ class LevelCalibration {
   bool BringUp();
   void Sweep();
   void ShowTimes(std::size_t done, std::size_t former);
+  void ExpectTimes(std::size_t first);
   void End();
 
   // One frequency; each part is false when the run is to end.
@@ -135,6 +137,9 @@ class LevelCalibration {
   bool ready_ = false;
   bool continues_ = false;  ///< the next run continues the one whose rows these are
   bool started_ = false;    ///< the instruments came up
+  bool started_ = false;  ///< the instruments came up
+  TimeKeeper times_;
+  int tries_ = 0;  ///< at the frequency at work
   RunJournal journal_;
 };
 

@@ -39,6 +39,12 @@ struct RunPlan {
   double EstimatedMinutes = 0;  ///< 0 where nobody can tell
 };
 
+/// What lies ahead of a run, by what earlier runs at the station took.
+struct RunAhead {
+  double Share = 0;  ///< of its time that is over, 0 to 1
+  std::string Text;  ///< "about 0:12:34 left, ends at 14:05"; empty where nobody can tell
+};
+
 /// Where a run shows itself: its window, the console runner, a recording test double. A display leaves out what it has
 /// no place for; it never fails and never blocks. Steps and rows are counted from 1.
 class RunDisplay : public CountdownWindow {
@@ -48,6 +54,8 @@ class RunDisplay : public CountdownWindow {
   /// What it does just now; empty: nothing.
   virtual void Status(const std::string& /*text*/) {}
   virtual void Plan(const RunPlan& /*plan*/) {}
+  /// Before a run, and behind each of its steps; where nobody can tell once more when it is over.
+  virtual void Ahead(const RunAhead& /*ahead*/) {}
   virtual void Step(int /*step*/) {}
   /// The step is complete; its figures and times have been shown.
   virtual void StepDone(int /*step*/) {}

@@ -5,7 +5,7 @@
 namespace hylden {
 
 Shell::Shell(const Platform& platform, const Directories& directories)
-    : dialogs(platform.dialogs),
+    : dialogs(platform.dialogs, platform.clock),
       clock(platform.clock),
       events(platform.events),
       speaker(platform.speaker),

@@ -18,6 +18,7 @@
 #include "shell/INISettings.h"
 #include "shell/RunAtWork.h"
 #include "shell/RunLog.h"
+#include "shell/TimedDialogs.h"
 
 namespace hylden {
 
@@ -26,7 +27,7 @@ class Shell {
  public:
   Shell(const Platform& platform, const Directories& directories);
 
-  Dialogs& dialogs;
+  TimedDialogs dialogs;  ///< the platform's
   Clock& clock;
   EventLoop& events;
   Speaker& speaker;

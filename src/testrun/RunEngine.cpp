@@ -16,6 +16,7 @@
 #include "testrun/StepRunner.h"
 #include "testrun/TestParts.h"
 #include "text/ExistingPath.h"
+#include "testrun/TestTimes.h"
 
 namespace hylden {
 
@@ -66,6 +67,7 @@ RunEngine::RunEngine(Shell& shell, Instruments& instruments, Documents& document
       manual_(shell, instruments, documents.testSetup.Definition, documents.equip.Record, display, controls, guard_,
               data_, reached_),
       elapsed_(shell.clock),
+      times_(shell, display),
       journal_(shell, unsaved_) {
   data_.onRow = [this](int row) {
     info_.RowTimes[row] = TimeText(shell_.clock.Now());
@@ -96,6 +98,8 @@ RunReadiness RunEngine::Prepare() {
   }
   display_.Status(ready_ ? "State: Idle" : "State: Not ready");
   if (!ready_) return RunReadiness::NotReady;
+  firstStep_ = 1;
+  ExpectTimes();
   display_.Phase(RunPhase::Ready);
   return RunReadiness::Ready;
 }
@@ -177,6 +181,7 @@ void RunEngine::Reset() {
   if (!continues_) BeginAfresh();
   currentStep_ = timedSteps_ = 0;
   firstStep_ = CompletedSteps() + 1;
+  ExpectTimes();
 }
 
 void RunEngine::BeginAfresh() {
@@ -211,6 +216,12 @@ void RunEngine::ShowRows() {
   for (std::size_t row = 1; row <= data_.Entries().size(); ++row) display_.RowChanged(static_cast<int>(row));
 }
 
+void RunEngine::ExpectTimes() {
+  const TestDefinition& test = documents_.testSetup.Definition;
+  times_.Expect(KindOf(test), documents_.equip.EquipFileName,
+                ExpectedSteps(Steps(), static_cast<std::size_t>(firstStep_ - 1), test, documents_.equip.Record));
+}
+
 JournalHead RunEngine::Head() {
   return {.Kind = JournalKind::Test,
           .Name = FileNameOnly(documents_.testSetup.TestFileName),
@@ -224,9 +235,12 @@ JournalHead RunEngine::Head() {
 void RunEngine::RunTest() {
   Reset();
   display_.Phase(RunPhase::BringingUp);
+  times_.Start();
   if (!up_.BringUp() || shell_.delay.HaltRequested()) return;
   if (std::exchange(continues_, false)) GoOn();
+  info_.PredictedSeconds = times_.PredictedSeconds();
   display_.Phase(RunPhase::Running);
+  times_.InstrumentsUp();
   shell_.log.LogFile("Test run started\r\n" + documents_.testSetup.StringPrintTestSetup());
   const bool continues = firstStep_ > 1;
   if (continues) {
@@ -244,9 +258,12 @@ void RunEngine::Sweep() {
     if (currentStep_ > firstStep_ && timedSteps_ == 0) elapsed_.Start();
     if (!RunStep()) return;
     if (currentStep_ > firstStep_) ++timedSteps_;
+    const auto& [waits, readings] = stepRunner_->Timing();
+    times_.StepDone(OfThisRun(currentStep_), waits, readings, !stepRunner_->DwellsAreCut());
     if (stepRunner_->DwellsAreCut() && !ManualPhase()) return;
     if (timedSteps_ >= 2) ShowTimes();
     display_.StepDone(currentStep_);
+    times_.ShowAhead(OfThisRun(currentStep_ + 1));
   }
   guard_.Finish();
   journal_.Complete();
@@ -286,8 +303,10 @@ void RunEngine::ShowTimes() {
 
 bool RunEngine::ManualPhase() {
   elapsed_.Pause();
+  times_.Pause();
   const std::optional<int> returnStep = manual_.Run(currentStep_);
   elapsed_.Resume();
+  times_.Resume();
   if (!returnStep) return false;
   currentStep_ = *returnStep;
   stepRunner_->GoOn(manual_.ModulationMayBeOff());
@@ -295,12 +314,16 @@ bool RunEngine::ManualPhase() {
 }
 
 void RunEngine::EndRun() {
+  const bool inOrder = guard_.Outcome() == RunOutcome::Finished || shell_.delay.HaltRequested();
+  times_.TakingDown();
   guard_.Attempt([&] { up_.SwitchRfOff(); });
   // Stamped now, before dead instruments and boxes; written below, since the log may lie on a share that stalls.
   shell_.log.Hold();
   shell_.log.LogFile("Instruments taken offline");
   guard_.Attempt([&] { display_.Phase(RunPhase::TakingDown); });
   guard_.Attempt([&] { up_.TakeDown(); });
+  guard_.Attempt([&] { times_.Ended(inOrder); });
+  info_.ActualSeconds = times_.Seconds();
   guard_.Attempt([&] { shell_.log.Release(); });
   guard_.Attempt([&] { manual_.Close(); });
   guard_.Attempt([&] { shell_.speaker.Beep(1000, 2000); });
@@ -312,6 +335,9 @@ void RunEngine::EndRun() {
   guard_.Attempt([&] { display_.Phase(RunPhase::Asking); });
   guard_.Attempt([&] {
     if (!data_.IsEmpty() && !continues_) unsaved_.AskAtTheEnd();
+  });
+  guard_.Attempt([&] {
+    if (!instruments_.sigGen.RfIsOn()) times_.Keep();
   });
   guard_.Attempt([&] { display_.Phase(RunPhase::Ready); });
 }

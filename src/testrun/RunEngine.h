@@ -8,6 +8,7 @@
 #include "run/FormerRun.h"
 #include "run/RunGuard.h"
 #include "run/RunJournal.h"
+#include "run/TimeKeeper.h"
 #include "run/UnsavedRows.h"
 #include "testrun/ManualMode.h"
 #include "testrun/RunCurves.h"
@@ -90,6 +91,9 @@ class RunEngine {
   PreviousStep Previous() const;
   bool ManualPhase();
   void ShowTimes();
+  void ExpectTimes();
+  /// A step of the plan among those of this run, from 0.
+  std::size_t OfThisRun(int step) const { return static_cast<std::size_t>(step - firstStep_); }
   JournalHead Head();
   void EndRun();
 
@@ -112,6 +116,7 @@ class RunEngine {
   int firstStep_ = 1;    ///< of this run, behind those that it continues
   ElapsedTime elapsed_;  ///< without manual mode
   int timedSteps_ = 0;   ///< steps that it covers; not the first, which starts from far below the level
+  TimeKeeper times_;
   RunJournal journal_;
 };
 

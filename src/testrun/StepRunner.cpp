@@ -51,6 +51,7 @@ std::optional<ReachedLevel> StepRunner::Run(const PlanStep& step, const Previous
 }
 
 void StepRunner::Begin() {
+  timing_ = {};
   display_.Status("Ramping level...");
   display_.Show(Readout::Frequency, step_.Freq);
   for (const auto reading : {Readout::InducedLevel, Readout::ForwardPower}) display_.Show(reading, std::nullopt);
@@ -148,6 +149,7 @@ bool StepRunner::ModulationOn() {
 }
 
 bool StepRunner::HoldForDwell() {
+  timing_.Readings = SecondsSinceDwell();
   if (!dwellsCut_) {
     display_.Status("Finishing Final Dwell...");
     if (!shell_.delay.WaitDelay(true, &display_)) return false;
@@ -157,9 +159,13 @@ bool StepRunner::HoldForDwell() {
   return true;
 }
 
+double StepRunner::SecondsSinceDwell() const {
+  return static_cast<double>(shell_.clock.TickMs() - dwellStartMs_) / 1000;
+}
+
 /// The record shows the step as run; the log tells that the product was not exposed for the whole dwell.
 void StepRunner::LogCutDwell() {
-  const double held = static_cast<double>(shell_.clock.TickMs() - dwellStartMs_) / 1000;
+  const double held = SecondsSinceDwell();
   if (held >= step_.Dwell) return;
   shell_.log.LogFile("Dwell cut short by Manual at " + Format(step_.Freq, "#0.0#####") + " MHz: held " +
                      Format(held, "##0.0##") + " s of " + Format(step_.Dwell, "##0.0##") + " s");
@@ -175,6 +181,7 @@ bool StepRunner::Raise(float levelDbm) {
 
 bool StepRunner::IntermediateDwell(const char* status) {
   display_.Status(status);
+  ++timing_.Waits;
   shell_.delay.StartDelay(double{test_.InterDwell});
   return shell_.delay.WaitDelay(true, &display_) && !Halted();
 }

@@ -19,6 +19,12 @@ struct Instruments;
 struct RunInputs;
 struct TestDefinition;
 
+/// What a step took beside its dwell.
+struct StepTiming {
+  int Waits = 0;        ///< intermediate dwells
+  double Readings = 0;  ///< what was done within its dwell, s
+};
+
 /// Levels and dwells the steps of one run: tunes the instruments, brings the level up to the calibrated target, and
 /// holds it for the dwell. Whatever fails, is halted or throws inside a step ends it with RF off.
 class StepRunner : private RampStation {
@@ -34,6 +40,8 @@ class StepRunner : private RampStation {
   /// The operator wants manual mode: the dwell at work ends one intermediate dwell from now, later ones are not held.
   void CutDwells();
   bool DwellsAreCut() const { return dwellsCut_; }
+  /// Of the step that was run last.
+  const StepTiming& Timing() const { return timing_; }
   /// Manual mode is over.
   /// @param modulationMayBeOff  the next step has to switch it on again
   void GoOn(bool modulationMayBeOff);
@@ -65,6 +73,7 @@ class StepRunner : private RampStation {
   /// The value of a factor table at the step's frequency.
   std::optional<double> Factor(InterpClass& table, const char* name);
   bool IntermediateDwell(const char* status);
+  double SecondsSinceDwell() const;
   void LogCutDwell();
 
   Shell& shell_;
@@ -86,6 +95,7 @@ class StepRunner : private RampStation {
   double probeFactors_ = 0;  ///< from the meter's reading to the product's current: cable loss and probe factor, dB
   ReachedLevel reached_;
   std::int64_t dwellStartMs_ = 0;  ///< when the level was reached
+  StepTiming timing_;
 };
 
 }  // namespace hylden

@@ -21,6 +21,7 @@ class RecordingDisplay : public RunDisplay {
     statuses.push_back(text);
   }
   void Plan(const RunPlan& made) override { plan = made; }
+  void Ahead(const RunAhead& now) override { ahead.push_back(now); }
   void Step(int step) override { steps.push_back(step); }
   void StepDone(int step) override {
     done.push_back(step);
@@ -49,6 +50,7 @@ class RecordingDisplay : public RunDisplay {
   std::vector<RunPhase> phases;
   std::vector<std::string> statuses;
   RunPlan plan;
+  std::vector<RunAhead> ahead;
   std::vector<int> steps, done;
   std::map<Readout, std::vector<std::optional<double>>> shown;
   std::map<Readout, bool> marked;
