@@ -9,6 +9,7 @@
 #include <QStatusBar>
 #include <QTableView>
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "instruments/SigGen.h"
@@ -29,7 +30,7 @@ namespace hylden {
 
 namespace {
 
-constexpr int kRfWatchMs = 100;
+constexpr int kRfWatchMs = 100, kTimeParts = 1000;
 constexpr std::string_view kRange = "#0.0#####", kDwell = "##0.0##";
 constexpr char kIdle[] = "Idle";
 
@@ -112,6 +113,8 @@ void RunWindow::SetUpStatusBar(const Panel& panel) {
   panel_ = MakePanel(panel);
   dwellPanel_ = MakePanel({"pnlDwell", "What is left of the wait, seconds"});
   statusBar()->addWidget(statusPanel_, 1);
+  timePanel_ = MakePanel({"pnlTime", "How long the run takes yet, by what earlier runs took"});
+  statusBar()->addPermanentWidget(timePanel_);
   statusBar()->addPermanentWidget(panel_);
   statusBar()->addPermanentWidget(dwellPanel_);
 }
@@ -239,7 +242,9 @@ void RunWindow::Plan(const RunPlan& plan) {
   ShowNumber(*controls_.Start, plan.StartMHz, kRange);
   ShowNumber(*controls_.Stop, plan.StopMHz, kRange);
   if (controls_.Dwell) ShowNumber(*controls_.Dwell, plan.DwellSeconds, kDwell);
-  controls_.Progress->setRange(0, std::max(1, plan.Steps));
+  steps_ = std::max(1, plan.Steps);
+  byTime_ = false;
+  controls_.Progress->setRange(0, steps_);
   controls_.Progress->setValue(0);
   if (plan.EstimatedMinutes > 0) Show(Readout::Remaining, plan.EstimatedMinutes);
 }
@@ -259,7 +264,19 @@ void RunWindow::Step(int step) {
 
 void RunWindow::StepDone(int step) {
   ShowPanel(QStringLiteral("Step Number %1").arg(step));
-  controls_.Progress->setValue(step);
+  ShowProgress(step);
+}
+
+void RunWindow::ShowProgress(int step) {
+  if (!byTime_) controls_.Progress->setValue(step);
+}
+
+void RunWindow::Ahead(const RunAhead& ahead) {
+  ShowText(*timePanel_, ToQt(ahead.Text));
+  QProgressBar& bar = *controls_.Progress;
+  const bool known = !ahead.Text.empty();
+  if (byTime_ != std::exchange(byTime_, known)) bar.setRange(0, known ? kTimeParts : steps_);
+  if (byTime_) bar.setValue(static_cast<int>(std::lround(ahead.Share * kTimeParts)));
 }
 
 void RunWindow::Show(Readout readout, std::optional<double> value) {

@@ -109,6 +109,8 @@ class RunWindow : public WorkingForm, protected RunDisplay {
   void EnableFile(bool enabled);
   void ShowStatus(const QString& statusBar, const QString& state);
   void ShowPanel(const QString& text);
+  /// Moves the progress bar to this step, unless it goes by time.
+  void ShowProgress(int step);
   void ShowRf();
   void ClearCountdown();
   void AskForHelp() { emit HelpRequested(HelpTopic()); }
@@ -122,6 +124,7 @@ class RunWindow : public WorkingForm, protected RunDisplay {
   void Phase(RunPhase phase) override;
   void Status(const std::string& text) override;
   void Plan(const RunPlan& plan) override;
+  void Ahead(const RunAhead& ahead) override;
   void Countdown(double seconds) override;
   void Step(int step) override;
   void StepDone(int step) override;
@@ -147,6 +150,9 @@ class RunWindow : public WorkingForm, protected RunDisplay {
   QString caption_;
   int step_ = 0, steps_ = 0;  ///< at work, and of the whole run
   std::optional<double> elapsedMinutes_, remainingMinutes_;
+  QLabel* timePanel_ = nullptr;
+  int steps_ = 1;        ///< of the progress bar, when it does not go by time
+  bool byTime_ = false;  ///< the progress bar goes by time
   EscapeWatch escape_;
   QTimer rfWatch_{this};  ///< RF can go off under a message box
   bool running_ = false;  ///< only Halt can be pressed

@@ -203,7 +203,7 @@ void frmRunTest::Phase(RunPhase phase) {
 
 void frmRunTest::SetRunning(bool running) {
   RunWindow::SetRunning(running);
-  if (!running) ui_->prgSteps->setValue(engine_.CompletedSteps());
+  if (!running) ShowProgress(engine_.CompletedSteps());
   if (ButtonForm) running ? ButtonForm->SetRunMode() : ButtonForm->SetHaltMode();
 }
 
@@ -229,7 +229,7 @@ void frmRunTest::Status(const std::string& text) {
 }
 
 void frmRunTest::StepDone(int step) {
-  ui_->prgSteps->setValue(step);
+  ShowProgress(step);
 }
 
 void frmRunTest::Show(Readout readout, std::optional<double> value) {
@@ -305,7 +305,7 @@ void frmRunTest::OpenManual(const ManualStart& start) {
   connect(ManForm.get(), &frmManual::HaltClick, this, &frmRunTest::PressHalt);
   connect(ManForm.get(), &frmManual::HelpRequested, this, &frmRunTest::AskForHelp);
   ManForm->Open(start, manualPlace_);
-  ui_->prgSteps->setValue(start.HighestStep);
+  ShowProgress(start.HighestStep);
   if (ButtonForm) ButtonForm->ButtonsVisible(false);
 }
 
