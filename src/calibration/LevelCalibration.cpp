@@ -227,7 +227,7 @@ bool LevelCalibration::MayBegin() {
 
 void LevelCalibration::RunPlan() {
   started_ = false;
-  ExpectTimes(former_ ? former_->Recorded.size() : 0);
+  ExpectTimes(continues_ ? rows_.size() : 0);
   display_.Phase(RunPhase::BringingUp);
   times_.Start();
   shell_.delay.ClearHalt();

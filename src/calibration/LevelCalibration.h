@@ -137,7 +137,6 @@ class LevelCalibration {
   bool ready_ = false;
   bool continues_ = false;  ///< the next run continues the one whose rows these are
   bool started_ = false;    ///< the instruments came up
-  bool started_ = false;  ///< the instruments came up
   TimeKeeper times_;
   int tries_ = 0;  ///< at the frequency at work
   RunJournal journal_;

@@ -15,8 +15,8 @@
 #include "testrun/RunLoader.h"
 #include "testrun/StepRunner.h"
 #include "testrun/TestParts.h"
-#include "text/ExistingPath.h"
 #include "testrun/TestTimes.h"
+#include "text/ExistingPath.h"
 
 namespace hylden {
 

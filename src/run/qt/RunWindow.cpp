@@ -124,7 +124,7 @@ void RunWindow::StartAfresh() {
   ShowText(*controls_.Step, QString::fromLatin1(kNoFigure));
   panel_->clear();
   ClearCountdown();
-  controls_.Progress->setValue(0);
+  ShowProgress(0);
   step_ = 0;
   elapsedMinutes_ = remainingMinutes_ = std::nullopt;
   ShowTimes();
@@ -242,10 +242,9 @@ void RunWindow::Plan(const RunPlan& plan) {
   ShowNumber(*controls_.Start, plan.StartMHz, kRange);
   ShowNumber(*controls_.Stop, plan.StopMHz, kRange);
   if (controls_.Dwell) ShowNumber(*controls_.Dwell, plan.DwellSeconds, kDwell);
-  steps_ = std::max(1, plan.Steps);
   byTime_ = false;
-  controls_.Progress->setRange(0, steps_);
-  controls_.Progress->setValue(0);
+  controls_.Progress->setRange(0, std::max(1, steps_));
+  ShowProgress(0);
   if (plan.EstimatedMinutes > 0) Show(Readout::Remaining, plan.EstimatedMinutes);
 }
 
@@ -268,14 +267,16 @@ void RunWindow::StepDone(int step) {
 }
 
 void RunWindow::ShowProgress(int step) {
+  stepsDone_ = step;
   if (!byTime_) controls_.Progress->setValue(step);
+  ShowTimes();
 }
 
 void RunWindow::Ahead(const RunAhead& ahead) {
   ShowText(*timePanel_, ToQt(ahead.Text));
   QProgressBar& bar = *controls_.Progress;
   const bool known = !ahead.Text.empty();
-  if (byTime_ != std::exchange(byTime_, known)) bar.setRange(0, known ? kTimeParts : steps_);
+  if (byTime_ != std::exchange(byTime_, known)) bar.setRange(0, known ? kTimeParts : std::max(1, steps_));
   if (byTime_) bar.setValue(static_cast<int>(std::lround(ahead.Share * kTimeParts)));
 }
 
@@ -289,11 +290,11 @@ void RunWindow::Show(Readout readout, std::optional<double> value) {
   ShowTimes();
 }
 
-/// Beside the minutes: hours, and when the run will be over.
+/// Beside the minutes: hours, and when the run will be over, unless earlier runs tell it better.
 void RunWindow::ShowTimes() {
-  QString text = QStringLiteral("%v of %m");
+  QString text = QStringLiteral("%1 of %2").arg(stepsDone_).arg(steps_);
   if (elapsedMinutes_) text += QStringLiteral(" - ") + ToQt(HoursText(*elapsedMinutes_)) + QStringLiteral(" elapsed");
-  if (remainingMinutes_ && *remainingMinutes_ > 0)
+  if (!byTime_ && remainingMinutes_ && *remainingMinutes_ > 0)
     text += QStringLiteral(" - ") + ToQt(HoursText(*remainingMinutes_)) + QStringLiteral(" left, ends at ") +
             ToQt(EndText(shell_.clock.Now(), *remainingMinutes_));
   if (controls_.Progress->format() != text) controls_.Progress->setFormat(text);

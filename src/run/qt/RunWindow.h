@@ -151,7 +151,7 @@ class RunWindow : public WorkingForm, protected RunDisplay {
   int step_ = 0, steps_ = 0;  ///< at work, and of the whole run
   std::optional<double> elapsedMinutes_, remainingMinutes_;
   QLabel* timePanel_ = nullptr;
-  int steps_ = 1;        ///< of the progress bar, when it does not go by time
+  int stepsDone_ = 0;
   bool byTime_ = false;  ///< the progress bar goes by time
   EscapeWatch escape_;
   QTimer rfWatch_{this};  ///< RF can go off under a message box
