@@ -32,7 +32,7 @@ bool MayWrite(const RunOptions& options) {
 }  // namespace
 
 ExitState ExportRunData(const RunOptions& options) {
-  const Result<ReportedRun> run = ReadReportedRun(options.RunFile);
+  const Result<OpenedRun> run = OpenRun(options.RunFile);
   if (!run) return Tell(run.error()), ExitState::Failed;
   for (const std::string& trouble : run->Run.Troubles) std::cerr << options.RunFile << ": " << trouble << '\n';
   if (!run->Beside.Trouble.empty()) std::cerr << run->Beside.Trouble << '\n';

@@ -66,7 +66,7 @@ Done MayWrite(const ReportOptions& options) {
 }
 
 int Make(const ReportOptions& options) {
-  Result<ReportedRun> run = ReadReportedRun(options.RunFile);
+  Result<OpenedRun> run = OpenRun(options.RunFile);
   if (!run) return Fail(run.error());
   for (const std::string& trouble : run->Run.Troubles) std::cerr << options.RunFile << ": " << trouble << '\n';
   if (!run->Beside.Trouble.empty()) std::cerr << run->Beside.Trouble << '\n';

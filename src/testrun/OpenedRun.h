@@ -14,9 +14,9 @@ namespace hylden {
 
 /// A run data file that was opened, with what lies beside it.
 struct OpenedRun {
-  std::string File;
-  SavedRun Run;
-  RunInfoBeside Beside;
+  std::string File;  ///< empty: the rows are in none yet
+  SavedRun Run = {};
+  RunInfoBeside Beside = {};
 
   const std::vector<RunEntry>& Rows() const { return Run.Data.Entries(); }
   /// What the curves show beside the rows: aims and impedance as far as the information has them.

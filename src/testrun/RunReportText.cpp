@@ -79,7 +79,7 @@ std::optional<double> LevelOf(const StepEntry* step, const ThresholdEntry& thres
 /// Makes the sections of a report, one after the other.
 class Report {
  public:
-  Report(const ReportedRun& run, bool allSteps)
+  Report(const OpenedRun& run, bool allSteps)
       : run_(run), data_(run.Run.Data), info_(run.Beside.Info.value_or(RunInfo())), rows_(data_) {
     text_.Title = "Test Report";
     text_.Subtitle = "Immunity to conducted disturbances, induced by radio-frequency fields";
@@ -128,7 +128,7 @@ class Report {
   std::vector<std::string> StepCells(int row, const StepEntry& step) const;
   std::string TimeOf(int row) const;
 
-  const ReportedRun& run_;
+  const OpenedRun& run_;
   const RunData& data_;
   const RunInfo info_;
   const Rows rows_;
@@ -404,16 +404,7 @@ void Report::AddGaps() {
 
 }  // namespace
 
-Result<ReportedRun> ReadReportedRun(const std::string& file) {
-  std::string text;
-  if (const Done read = Trapped("ReadReportedRun", file, [&] { text = ReadTextFile(file); }); !read)
-    return Because(read.error());
-  Result<SavedRun> run = RunDataOf(text);
-  if (!run) return Because(std::move(run).error());
-  return ReportedRun{file, *std::move(run), ReadRunInfo(file, text)};
-}
-
-RunReportText ReportOf(const ReportedRun& run, bool allSteps) {
+RunReportText ReportOf(const OpenedRun& run, bool allSteps) {
   return Report(run, allSteps).Take();
 }
 

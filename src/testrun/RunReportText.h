@@ -5,19 +5,9 @@
 #include <vector>
 
 #include "measure/Curve.h"
-#include "testrun/RunDataFile.h"
-#include "testrun/RunInfo.h"
+#include "testrun/OpenedRun.h"
 
 namespace hylden {
-
-/// A run of which a report is made.
-struct ReportedRun {
-  std::string File;  ///< of its run data; empty: they are in none yet
-  SavedRun Run = {};
-  RunInfoBeside Beside = {};
-};
-/// Reads the run data file and what lies beside it.
-Result<ReportedRun> ReadReportedRun(const std::string& file);
 
 /// A table of a report. A row that has fewer cells than there are headings: its last cell goes on to the right edge.
 struct ReportTable {
@@ -58,6 +48,6 @@ struct RunReportText {
 
 /// The report of a run. What is not known of it is said.
 /// @param allSteps  with the table of all rows
-RunReportText ReportOf(const ReportedRun& run, bool allSteps);
+RunReportText ReportOf(const OpenedRun& run, bool allSteps);
 
 }  // namespace hylden

@@ -12,7 +12,7 @@ namespace {
 using testing::HasSubstr;
 
 /// A run in a file, with as many steps and a threshold in each hundred.
-ReportedRun RunOf(const TestShell& t, int steps) {
+OpenedRun RunOf(const TestShell& t, int steps) {
   RunData data;
   for (int i = 1; i <= steps; ++i) {
     data.FillStep(data.AddStep(i), StepResult{-10, 140, {}, 40.5});
@@ -20,7 +20,7 @@ ReportedRun RunOf(const TestShell& t, int steps) {
   }
   const std::string file = t.directory.File("radio.run");
   EXPECT_TRUE(FileRunData(data, file, false));
-  return *ReadReportedRun(file);
+  return *OpenRun(file);
 }
 
 std::string TextOfPdf(const std::string& file) {
@@ -58,10 +58,10 @@ TEST(frmReport, KeepsWhatWasEnteredAndStaysWhereNothingCouldBeSaved) {
   form.accept();
   EXPECT_EQ(form.SavedFile(), file);
   EXPECT_THAT(TextOfPdf(file), testing::AllOf(HasSubstr("A lab"), HasSubstr("two")));
-  const auto again = ReadReportedRun(t.directory.File("radio.run"));
+  const auto again = OpenRun(t.directory.File("radio.run"));
   ASSERT_TRUE(again && again->Beside.Info);
   EXPECT_EQ(again->Beside.Info->Particulars.Remarks, (std::vector<std::string>{"one", "two"}));
-  ReportedRun other = *again;
+  OpenedRun other = *again;
   other.Beside.Info.reset();
   frmReport next(t.shell, std::move(other));
   EXPECT_EQ(TextOf(next, "txtLab"), "A lab");

@@ -11,8 +11,8 @@ namespace {
 
 using testing::HasSubstr;
 
-ReportedRun Example() {
-  ReportedRun run{.File = "/lab/radio.run"};
+OpenedRun Example() {
+  OpenedRun run{.File = "/lab/radio.run"};
   RunData& data = run.Run.Data;
   data.FillStep(data.AddStep(0.15), StepResult{-10, 140});
   data.SetComment(data.AddThreshold(0.15, -3), "display flickers");
@@ -40,7 +40,7 @@ std::string Flat(const RunReportText& report) {
 }
 
 TEST(RunReportText, SaysWhatIsNotKnownOfRunDataAlone) {
-  ReportedRun run = Example();
+  OpenedRun run = Example();
   run.Run.Troubles = {"Line 9 is none of run data."};
   const std::string said = Flat(ReportOf(run, true));
   for (const char* text :
@@ -53,7 +53,7 @@ TEST(RunReportText, SaysWhatIsNotKnownOfRunDataAlone) {
 }
 
 TEST(RunReportText, HoldsEveryParameterAndTellsOfBenchSeamsAndOutcome) {
-  ReportedRun run = Example();
+  OpenedRun run = Example();
   RunInfo& info = run.Beside.Info.emplace();
   info.Notice = "SIMULATED BENCH: no instrument is driven";
   info.Started = "2026-11-23 18:35:07";

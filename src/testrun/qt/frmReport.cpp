@@ -11,7 +11,7 @@
 
 namespace hylden {
 
-frmReport::frmReport(Shell& shell, ReportedRun run, QWidget* parent)
+frmReport::frmReport(Shell& shell, OpenedRun run, QWidget* parent)
     : QDialog(parent), shell_(shell), ui_(std::make_unique<Ui::frmReport>()), run_(std::move(run)) {
   ui_->setupUi(this);
   const RunParticulars ofRun = run_.Beside.Info ? run_.Beside.Info->Particulars : RunParticulars();

@@ -22,7 +22,7 @@ class frmReport : public QDialog {
   Q_OBJECT
 
  public:
-  frmReport(Shell& shell, ReportedRun run, QWidget* parent = nullptr);
+  frmReport(Shell& shell, OpenedRun run, QWidget* parent = nullptr);
   ~frmReport() override;
 
   /// The report that was saved; empty after Cancel.
@@ -40,7 +40,7 @@ class frmReport : public QDialog {
 
   Shell& shell_;
   std::unique_ptr<Ui::frmReport> ui_;
-  ReportedRun run_;
+  OpenedRun run_;
   std::string savedFile_;
 };
 

@@ -1,7 +1,12 @@
 #include "testrun/qt/frmRunData.h"
+#include "testrun/RunExport.h"
+#include "testrun/qt/frmReport.h"
+#include "text/Case.h"
+#include "text/TextFile.h"
 
 #include <QKeyEvent>
 #include <cmath>
+#include <filesystem>
 #include <utility>
 
 #include "shell/FormInput.h"
@@ -84,8 +89,8 @@ frmRunData::~frmRunData() = default;
 void frmRunData::ConnectMenus() {
   OnAsking(ui_->mnuFileOpen, [this] { emit OpenRequested(); });
   OnAsking(ui_->mnuFileCompare, [this] { AskForOther(); });
-  OnAsking(ui_->mnuFileReport, [this] { emit ReportRequested(); });
-  OnAsking(ui_->mnuFileExport, [this] { emit ExportRequested(); });
+  OnAsking(ui_->mnuFileReport, [this] { MakeReport(); });
+  OnAsking(ui_->mnuFileExport, [this] { Export(); });
   connect(ui_->mnuFileExit, &QAction::triggered, this, &QWidget::close);
   connect(ui_->mnuHelpRun, &QAction::triggered, this, [this] { emit HelpRequested(HelpTopic()); });
   auto* const units = new UnitsMenu(*ui_->mnuUnits, context_.Units);
@@ -102,6 +107,31 @@ void frmRunData::OnAsking(QAction* entry, std::function<void()> command) {
     statusBar()->showMessage(
         QStringLiteral("Not while a run is on: it would wait for the answer. A file can be dropped onto this window."));
   });
+}
+
+void frmRunData::MakeReport() {
+  frmReport(shell_, run_, this).exec();
+}
+
+/// What is written goes by the name's ending.
+void frmRunData::Export() {
+  const std::string filter = std::string("Table (*.csv)|*.csv|") + kCurvePictureFilter;
+  const std::filesystem::path shown(run_.File);
+  const auto path = shell_.dialogs.SaveFile(
+      {"Export", filter, shown.parent_path().string(), shown.filename().replace_extension(".csv").string()});
+  if (!path) return;
+  if (!SameIgnoringCase(std::filesystem::path(*path).extension().string(), ".csv")) {
+    const Done saved = Trapped("Export", *path, [&] { ReplaceFile(*path, ui_->crvRun->PictureFor(*path)); });
+    if (shell_.Ok(saved)) shell_.Saved(*path);
+    return;
+  }
+  const MessageAnswer points =
+      shell_.dialogs.Show({"Write numbers with a decimal point?\r\nNo: with a comma, and semicolons between the cells.",
+                           "Export", MessageIcon::Question, MessageButtons::YesNoCancel});
+  if (points == MessageAnswer::Cancel) return;
+  const auto times = run_.Beside.Info ? run_.Beside.Info->RowTimes : std::map<int, std::string>();
+  const DecimalSign sign = points == MessageAnswer::No ? DecimalSign::Comma : DecimalSign::Point;
+  if (shell_.Ok(FileRunCsv(run_.Run.Data, times, sign, *path))) shell_.Saved(*path);
 }
 
 void frmRunData::ConnectRows() {

@@ -33,8 +33,6 @@ class frmRunData : public WorkingForm {
  signals:
   /// Another file is to be opened in a window of its own.
   void OpenRequested();
-  void ReportRequested();
-  void ExportRequested();
   /// Escape was pressed while a run is on.
   void EscapePressed();
 
@@ -47,6 +45,8 @@ class frmRunData : public WorkingForm {
   /// A menu entry that asks something: not while a run is on, whose turn a box would hold up.
   void OnAsking(QAction* entry, std::function<void()> command);
   void AskForOther();
+  void MakeReport();
+  void Export();
   void ShowTrouble(const QString& text);
   void ShowRun();
   void ShowRows();

@@ -11,6 +11,7 @@
 #include "shell/Shell.h"
 #include "testrun/qt/UnitsMenu.h"
 #include "testrun/qt/frmManual.h"
+#include "testrun/qt/frmReport.h"
 #include "testrun/qt/frmRunButtons.h"
 #include "ui_frmRunTest.h"
 #include "widgets/AlignedNumbers.h"
@@ -88,6 +89,9 @@ RunWindow::Controls frmRunTest::TheControls() {
 
 void frmRunTest::ConnectFileMenu() {
   On(ui_->mnuFileSave, [this] { engine_.Save(); });
+  On(ui_->mnuFileReport, [this] {
+    frmReport(shell_, {.File = {}, .Run = {engine_.Data(), false, {}}, .Beside = {engine_.Info(), {}}}, this).exec();
+  });
   const auto print = [this](QAction* action, QAction* preview, RunReportKind kind) {
     connect(action, &QAction::triggered, this, [this, kind] { PrintReport(kind); });
     connect(preview, &QAction::triggered, this, [this, kind] { emit PrintPreviewRequested(kind); });
