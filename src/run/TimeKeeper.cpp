@@ -1,35 +1,14 @@
 #include "run/TimeKeeper.h"
 
-#include <algorithm>
-#include <cmath>
-#include <cstdio>
 #include <exception>
 #include <utility>
 
 #include "run/RunDisplay.h"
 #include "shell/Shell.h"
+#include "text/Duration.h"
 #include "text/TextFile.h"
 
 namespace hylden {
-
-namespace {
-
-std::string Duration(double seconds) {
-  const auto whole = static_cast<long long>(std::max(0.0, std::round(seconds)));
-  char text[40];
-  std::snprintf(text, sizeof text, "%lld:%02lld:%02lld", whole / 3600, whole / 60 % 60, whole % 60);
-  return text;
-}
-
-/// The time of the day, some seconds from now.
-std::string TimeIn(double seconds, const LocalTime& now) {
-  const long long minutes = now.hour * 60 + now.minute + std::llround(now.second + seconds) / 60;
-  char text[40];
-  std::snprintf(text, sizeof text, "%02lld:%02lld", minutes / 60 % 24, minutes % 60);
-  return text;
-}
-
-}  // namespace
 
 std::int64_t TimeKeeper::CountedMs() const {
   return shell_.clock.TickMs() - shell_.dialogs.WaitedMs();
@@ -72,7 +51,7 @@ void TimeKeeper::Expect(const std::string& kind, const std::string& station, std
     left_ = std::move(left);
     predicted_ = times->Up.value_or(0) + left_.front();
   }
-  display_.Ahead({0, predicted_ > 0 ? "takes about " + Duration(predicted_) : ""});
+  display_.Ahead({0, predicted_ > 0 ? "takes about " + DurationText(predicted_) : ""});
 }
 
 void TimeKeeper::Start() {
@@ -99,8 +78,8 @@ void TimeKeeper::StepDone(std::size_t step, int waits, double readings, bool who
 void TimeKeeper::ShowAhead(std::size_t step) {
   if (step >= left_.size() || !(predicted_ > 0)) return;
   const double left = left_[step];
-  display_.Ahead(
-      {1 - left / predicted_, "about " + Duration(left) + " left, ends at " + TimeIn(left, shell_.clock.Now())});
+  display_.Ahead({1 - left / predicted_, "about " + DurationText(left) + " left, ends at " +
+                                             ClockAfter(shell_.clock.SecondsSinceMidnight(), left)});
 }
 
 void TimeKeeper::Ended(bool inOrder) {

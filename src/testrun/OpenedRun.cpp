@@ -5,6 +5,7 @@
 
 #include "documents/TestSummary.h"
 #include "testrun/RunFilter.h"
+#include "text/Duration.h"
 #include "text/Numbers.h"
 #include "text/Pattern.h"
 #include "text/TextFile.h"
@@ -30,12 +31,8 @@ class Section {
   InfoSection section_;
 };
 
-std::string DurationText(double seconds) {
-  if (!(seconds > 0)) return {};
-  constexpr double kMinute = 60;
-  const double whole = std::round(seconds);
-  if (whole < kMinute) return Format(seconds, "##0.0") + " s";
-  return Format(std::floor(whole / kMinute), "#0") + " min " + Format(std::fmod(whole, kMinute), "00") + " s";
+std::string LengthText(double seconds) {
+  return seconds > 0 ? DurationText(seconds) : std::string();
 }
 
 std::string SeamText(const RunInfo& info, const std::vector<RunEntry>& rows) {
@@ -75,8 +72,8 @@ void AddRun(std::vector<InfoSection>& page, const RunInfo& info, const std::vect
   section.Always("Outcome", info.Outcome);
   section.Always("Started", info.Started);
   section.Always("Ended", info.Ended);
-  section.Always("Took", DurationText(info.ActualSeconds));
-  section.Line("Predicted", DurationText(info.PredictedSeconds));
+  section.Always("Took", LengthText(info.ActualSeconds));
+  section.Line("Predicted", LengthText(info.PredictedSeconds));
   section.Line("Planned steps", info.PlannedSteps > 0 ? std::to_string(info.PlannedSteps) : "");
   section.Line("Continued at", SeamText(info, rows));
   section.Line("Instruments", info.Notice.empty() ? "real" : info.Notice);

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "documents/CalSetupRecord.h"
@@ -649,8 +650,9 @@ TEST_F(KilledHyldenRun, IsContinuedUntilItsFileIsThatOfAnUndisturbedRun) {
     ASSERT_EQ(HyldenRun(quiet(job, {})).status, kFinished);
     const auto whole = ReadLines(file);
     const auto at = [](const char* step, int signal) {
-      return [step, signal](pid_t child, const std::string& soFar) {
-        if (soFar.find(step) != std::string::npos) kill(child, signal);
+      // Once: a second one may come when the program has already let go of its signals.
+      return [step, signal, sent = false](pid_t child, const std::string& soFar) mutable {
+        if (!std::exchange(sent, sent || soFar.find(step) != std::string::npos) && sent) kill(child, signal);
       };
     };
     EXPECT_EQ(HyldenRun(quiet(job, {}), at("step 9 of", SIGKILL)).status, -1);

@@ -367,6 +367,23 @@ void PictureDefinitions(Desktop& desktop, Tour& tour) {
   Settle();
 }
 
+/// The finished run, saved and opened again, and the dialog of its report.
+void PictureSavedRun(Desktop& desktop, Tour& tour, const RunEngine& engine) {
+  const QTemporaryDir folder;
+  const std::string file = folder.filePath(QStringLiteral("forward-power.run")).toStdString();
+  if (!FileRunData(engine.Data(), file, false) || !FileRunInfo(engine.Info(), file)) return;
+  desktop.OpenRunData(file);
+  QWidget& saved = Window("frmRunData");
+  tour.Grab(saved, "saved-run");
+  QTimer::singleShot(300, [&tour] {
+    QWidget& report = Window("frmReport");
+    tour.Grab(report, "report-dialog");
+    report.close();
+  });
+  saved.findChild<QAction*>(QStringLiteral("mnuFileReport"))->trigger();
+  saved.close();
+}
+
 int TakePictures(const QString& output) {
   const QTemporaryDir home;
   std::filesystem::copy_file(std::filesystem::path(QApplication::applicationDirPath().toStdString()) / "hylden.hlp",
@@ -414,6 +431,7 @@ int TakePictures(const QString& output) {
   events.onYield = nullptr;
   tour.Grab(run, "test-run-finished");
   PrintReports(run, printer, QDir(output));
+  PictureSavedRun(desktop, tour, run.Engine());
 
   desktop.ShowHelp(QStringLiteral("Finding a threshold"));
   tour.Grab(Window("frmHelp"), "help");

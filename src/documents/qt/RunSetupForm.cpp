@@ -32,11 +32,14 @@ void RunSetupForm::TellPlanBy(PlanTeller teller) {
   planTimer_->setSingleShot(true);
   planTimer_->setInterval(kTypingPauseMs);
   connect(planTimer_, &QTimer::timeout, this, &RunSetupForm::ShowPlan);
-  const auto later = qOverload<>(&QTimer::start);
-  for (const QLineEdit* const box : findChildren<QLineEdit*>())
-    connect(box, &QLineEdit::textChanged, planTimer_, later);
+  // What the entries defined before says nothing of them now.
+  const auto later = [this] {
+    plan_->clear();
+    planTimer_->start();
+  };
+  for (const QLineEdit* const box : findChildren<QLineEdit*>()) connect(box, &QLineEdit::textChanged, this, later);
   for (const QAbstractButton* const button : findChildren<QAbstractButton*>())
-    if (button->isCheckable()) connect(button, &QAbstractButton::toggled, planTimer_, later);
+    if (button->isCheckable()) connect(button, &QAbstractButton::toggled, this, later);
   ShowPlan();
 }
 

@@ -14,12 +14,12 @@
 
 #include "instruments/SigGen.h"
 #include "platform/qt/RepaintFilter.h"
-#include "run/RunClock.h"
 #include "run/UnsavedRows.h"
 #include "run/qt/RowTable.h"
 #include "run/qt/RunCurvePanel.h"
 #include "run/qt/RunLayout.h"
 #include "shell/Shell.h"
+#include "text/Duration.h"
 #include "widgets/LabelText.h"
 #include "widgets/RfLamp.h"
 #include "widgets/TableCopy.h"
@@ -293,10 +293,11 @@ void RunWindow::Show(Readout readout, std::optional<double> value) {
 /// Beside the minutes: hours, and when the run will be over, unless earlier runs tell it better.
 void RunWindow::ShowTimes() {
   QString text = QStringLiteral("%1 of %2").arg(stepsDone_).arg(steps_);
-  if (elapsedMinutes_) text += QStringLiteral(" - ") + ToQt(HoursText(*elapsedMinutes_)) + QStringLiteral(" elapsed");
+  if (elapsedMinutes_)
+    text += QStringLiteral(" - ") + ToQt(DurationText(60 * *elapsedMinutes_)) + QStringLiteral(" elapsed");
   if (!byTime_ && remainingMinutes_ && *remainingMinutes_ > 0)
-    text += QStringLiteral(" - ") + ToQt(HoursText(*remainingMinutes_)) + QStringLiteral(" left, ends at ") +
-            ToQt(EndText(shell_.clock.Now(), *remainingMinutes_));
+    text += QStringLiteral(" - ") + ToQt(DurationText(60 * *remainingMinutes_)) + QStringLiteral(" left, ends at ") +
+            ToQt(ClockAfter(shell_.clock.SecondsSinceMidnight(), 60 * *remainingMinutes_));
   if (controls_.Progress->format() != text) controls_.Progress->setFormat(text);
 }
 
