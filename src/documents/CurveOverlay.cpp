@@ -72,7 +72,7 @@ Done CurveOverlay::Add(const std::string& path) {
   Result<std::unique_ptr<CurveFile>> file = Load(path);
   if (!file) return Because(file.error());
   if (!files_.empty())
-    if (const Done common = CheckCommon(**file); !common) return common;
+    if (Done common = CheckCommon(**file); !common) return common;
   files_.push_back(std::move(*file));
   return {};
 }
@@ -138,7 +138,7 @@ Curve CurveOverlay::CurveOf(std::size_t file, std::size_t quantity, const CurveC
 }
 
 std::string CurveOverlay::CurveName(std::size_t file, std::size_t quantity, const CurveChoice& choice) const {
-  const std::string name = Quantities()[quantity].Name;
+  std::string name = Quantities()[quantity].Name;
   if (files_.size() == 1 && !choice.FullNames) return name;
   return choice.Quantity && !choice.FullNames ? NameOf(file) : NameOf(file) + ", " + name;
 }

@@ -42,7 +42,7 @@ bool FormEntries::operator==(const FormEntries& other) const {
 std::string PromptText(const EntryFailure& failure, const std::string& box) {
   if (failure.Reason == EntryFailure::Kind::Message) return failure.Text;
   const bool isNumber = failure.Reason == EntryFailure::Kind::OutOfRange;
-  const std::string text = isNumber ? kOutOfRangeText : kNotANumberText;
+  std::string text = isNumber ? kOutOfRangeText : kNotANumberText;
   if (box.empty()) return text;
   const char* const noLimits = isNumber ? "a number nearer to 0" : "any number";
   return text + "\r\n" + box + ": " + (failure.Range.empty() ? noLimits : failure.Range);

@@ -12,7 +12,7 @@ namespace hylden {
 
 namespace {
 
-constexpr std::string_view kSeparator = ", ", kMark = "**", kCapMark = "+2", kThreshold = "Threshold ", kDb = "dB";
+constexpr std::string_view kMark = "**", kCapMark = "+2", kThreshold = "Threshold ", kDb = "dB";
 constexpr std::size_t kCells = 6;
 
 /// The first `most` cells of a line; the last one has what is left of it.
