@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
-# Builds and runs all tests, plain and under the sanitizers.
+# Builds and runs all tests, plain and under the sanitizers; or as the presets say that are given.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
 
-for preset in dev asan; do
+[ $# -gt 0 ] || set -- dev asan
+for preset; do
   cmake --preset "$preset"
   cmake --build --preset "$preset"
   ctest --preset "$preset"
