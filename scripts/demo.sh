@@ -49,7 +49,7 @@ for setup in *.csu; do
 done
 
 row='%-32s %6s %6s %21s %16s %9s\n'
-table=$(printf "$row" 'test' 'steps' 'rows' 'frequency, MHz' 'generator, dBm' 'real, min')
+table=$(printf "$row" 'test' 'steps' 'rows' 'frequency, MHz' 'generator, dBm' 'real time')
 for test in *.tst; do
   name=${test%.tst}
   run "$name" --test "$test" --output "$name.run"
