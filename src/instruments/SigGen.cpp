@@ -249,10 +249,10 @@ Done SigGen::SendModulation(const std::string& prefix, float value, std::string_
 }
 
 Done SigGen::ShutdownSigGen() {
-  return Request(MinimumFreq(), MinimumLevel())
-      .and_then([&] { return SendRequest(UnknownLevel::LevelFirst); })
-      .and_then([&] { return SilenceRf(); })
-      .and_then([&] { return gpib_.GpibClose(Address(), kName); });
+  const Done lowered =
+      Request(MinimumFreq(), MinimumLevel()).and_then([&] { return SendRequest(UnknownLevel::LevelFirst); });
+  // Also where that failed: a connection may have been lost with the RF off that went before.
+  return Both(lowered, SilenceRf()).and_then([&] { return gpib_.GpibClose(Address(), kName); });
 }
 
 Done SigGen::Refuse(const std::string& text) {

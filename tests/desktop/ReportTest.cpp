@@ -1,4 +1,5 @@
 #include <cstdlib>
+#include <filesystem>
 
 #include "desktop/FormDriver.h"
 #include "support/TestShell.h"
@@ -67,6 +68,12 @@ TEST(frmReport, KeepsWhatWasEnteredAndStaysWhereNothingCouldBeSaved) {
   EXPECT_EQ(TextOf(next, "txtLab"), "A lab");
   EXPECT_EQ(Find<QPlainTextEdit>(next, "txtRemarks").toPlainText(), "") << "remarks are of one run";
   EXPECT_EQ(Find<QComboBox>(next, "cboPaper").currentText(), "Letter");
+  const std::filesystem::path settings = t.shell.settings.ProgramDirectory() + "/Hylden.ini";
+  std::filesystem::remove(settings);
+  std::filesystem::create_directory(settings);
+  t.dialogs.AnswerSave(t.directory.File("next.pdf"));
+  next.accept();
+  EXPECT_EQ(next.SavedFile(), t.directory.File("next.pdf")) << "settings that can't be written hold nobody up";
 }
 
 }  // namespace

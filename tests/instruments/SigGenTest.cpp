@@ -285,7 +285,6 @@ TEST_F(SigGenTest, EachFailedSendStopsTheOperationWithOneReport) {
       {[&](auto& g) { return byDepth(g).and_then([&] { return g.AmOn(); }); },
        {"> 18 AMF", "> 18 AMD"},
        "Error setting AM modulation\r\n"},
-      {&SigGen::ShutdownSigGen, {"> 18 POW"}, "Error in writing command to Signal Generator. \r\n"},
       {&SigGen::ShutdownSigGen, {"LOCAL 18"}, "Error closing SigGen\r\n"},
   };
   for (const auto& [operation, calls, report] : cases) {
@@ -298,6 +297,14 @@ TEST_F(SigGenTest, EachFailedSendStopsTheOperationWithOneReport) {
       EXPECT_TRUE(s.Took().back().starts_with(call));
     }
   }
+}
+
+TEST_F(SigGenTest, AShutdownThatCanNotLowerTheLevelSwitchesRfOffAllTheSame) {
+  RfOnAt(100, 0);
+  bus.FailLine("> 18 POW", gpib::kEnol);
+  EXPECT_TRUE(FailsWith(sigGen.ShutdownSigGen(), "Error in writing command to Signal Generator. \r\n"));
+  EXPECT_TRUE(Took().back().starts_with("> 18 OUTP OFF"));
+  EXPECT_FALSE(sigGen.RfIsOn());
 }
 
 TEST_F(SigGenTest, CountsAsOnWhenSwitchingOffIsCutShort) {

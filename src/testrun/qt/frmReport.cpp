@@ -59,8 +59,12 @@ std::optional<std::string> frmReport::AskFile() {
 /// Keeps what was entered beside the run data; what lies there and can't be read is not replaced.
 bool frmReport::KeepParticulars() {
   RunParticulars particulars = Particulars();
-  RememberParticulars(shell_.settings, particulars);
-  SaveReportChoices(shell_.settings, Choices());
+  try {
+    RememberParticulars(shell_.settings, particulars);
+    SaveReportChoices(shell_.settings, Choices());
+  } catch (const RuntimeError&) {
+    // The report does not wait for the settings.
+  }
   RunInfo& info = run_.Beside.Info ? *run_.Beside.Info : run_.Beside.Info.emplace();
   info.Particulars = std::move(particulars);
   return run_.File.empty() || !run_.Beside.Trouble.empty() || shell_.Ok(FileRunInfo(info, run_.File));
