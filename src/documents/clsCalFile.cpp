@@ -116,8 +116,12 @@ float clsCalFile::GetRevPwr(double frequency) {
 float NetPwrOf(float forwardDbm, float reverseDbm) {
   const auto forward = static_cast<double>(forwardDbm), reverse = static_cast<double>(reverseDbm);
   if (IsMissing(forward) || IsMissing(reverse)) return kMissing;
-  return static_cast<float>(
-      Conversions::WattsToDbm(Conversions::DbmToWatts(forward) - Conversions::DbmToWatts(reverse)));
+  try {
+    return static_cast<float>(
+        Conversions::WattsToDbm(Conversions::DbmToWatts(forward) - Conversions::DbmToWatts(reverse)));
+  } catch (const RuntimeError&) {  // a power that no watts can tell
+    return kMissing;
+  }
 }
 
 float clsCalFile::GetNetPwr(double frequency) {

@@ -29,7 +29,8 @@ void RowValues(F& f, CalPoint& point) {
   f.Value(point.RevPwr);
 }
 
-/// Forward minus reverse power, in watts, as dBm; -999 where one of them is, or where nothing is left.
+/// Forward minus reverse power, in watts, as dBm; -999 where one of them is, where nothing is left, or where
+/// they are no powers that watts can tell.
 float NetPwrOf(float forwardDbm, float reverseDbm);
 
 /// The value columns of a calibration point.

@@ -177,9 +177,11 @@ TEST_F(CalRecordTest, LooksUpBetweenItsPointsAndAtThem) {
 }
 
 TEST_F(CalRecordTest, HasNoNetPowerWithoutBothPowers) {
-  ASSERT_TRUE(Load("1,0,1,40,30,\r\n2,0,1,40,40,\r\n3,0,1,30,40,\r\n4,0,1,na,10,\r\n5,0,1,10,na,\r\n"));
+  ASSERT_TRUE(
+      Load("1,0,1,40,30,\r\n2,0,1,40,40,\r\n3,0,1,30,40,\r\n4,0,1,na,10,\r\n5,0,1,10,na,\r\n"
+           "7,0,1,14548,10,\r\n"));
   EXPECT_NEAR(cal.GetNetPwr(1), 39.542, 0.001);
-  for (double missing : {2.0, 3.0, 4.0, 5.0, 6.0}) EXPECT_EQ(cal.GetNetPwr(missing), -999) << missing;
+  for (double missing : {2.0, 3.0, 4.0, 5.0, 6.0, 7.0}) EXPECT_EQ(cal.GetNetPwr(missing), -999) << missing;
 }
 
 TEST_F(CalRecordTest, SortsPointsThatAreOutOfOrder) {
