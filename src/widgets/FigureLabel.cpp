@@ -24,7 +24,7 @@ QSize FigureLabel::sizeHint() const {
 }
 
 QSize FigureLabel::minimumSizeHint() const {
-  return sizeHint() * 2 / 3;
+  return sizeHint() / 2;
 }
 
 void FigureLabel::paintEvent(QPaintEvent*) {

@@ -68,6 +68,14 @@ class TightArea : public QScrollArea {
   QSize sizeHint() const override { return widget()->sizeHint(); }
 };
 
+/// Nobody around goes on with the size that the contents had.
+void ForgetSizes(QWidget& contents) {
+  for (QWidget* around = &contents; around; around = around->isWindow() ? nullptr : around->parentWidget()) {
+    if (around->layout()) around->layout()->invalidate();
+    around->updateGeometry();
+  }
+}
+
 /// The page stays what it is to its tab and its form; what lay on it lies in an area of its own.
 void ScrollContents(QWidget& page) {
   auto* const area = new TightArea(&page);
@@ -79,11 +87,7 @@ void ScrollContents(QWidget& page) {
   auto* const layout = new QVBoxLayout(&page);
   layout->setContentsMargins({});
   layout->addWidget(area);
-  // Nobody may go on with the size that it had.
-  for (QWidget* around = &page; around; around = around->isWindow() ? nullptr : around->parentWidget()) {
-    if (around->layout()) around->layout()->invalidate();
-    around->updateGeometry();
-  }
+  ForgetSizes(page);
 }
 
 /// Puts a window right, once, that the window manager has put by its contents where its frame should be: remembered by
@@ -148,6 +152,11 @@ QRect PlaceOver(const QRect& caller, QSize size, const QRect& screen) {
 void ScrollWhatIsBeyond(QMainWindow& window, QSize room) {
   const auto fits = [&] { return window.minimumSizeHint().height() <= room.height(); };
   if (fits() || !window.centralWidget()) return;
+  if (auto* const tight = dynamic_cast<HasTightLayout*>(&window)) {
+    tight->Tighten();
+    ForgetSizes(*window.centralWidget());
+  }
+  if (fits()) return;
   if (const auto* const tabs = window.findChild<QTabWidget*>())
     for (int page = 0; page < tabs->count(); ++page)
       if (tabs->widget(page)->layout()) ScrollContents(*tabs->widget(page));

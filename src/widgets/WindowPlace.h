@@ -34,7 +34,19 @@ QRect PlaceOver(const QRect& caller, QSize size, const QRect& screen);
 /// to, and it goes over its caller's place unless it has been given one.
 /// @param caller  null or hidden: the window system finds a place
 void OpenOver(QMainWindow& window, const QWidget* caller);
-/// The contents of a window whose smallest size is beyond the room become scrolled: the pages of its tabs, else all.
+/// A window with a second layout, for a screen that its usual one doesn't fit.
+class HasTightLayout {
+ public:
+  virtual void Tighten() = 0;
+
+ protected:
+  HasTightLayout() = default;
+  HasTightLayout(const HasTightLayout&) = default;
+  HasTightLayout& operator=(const HasTightLayout&) = default;
+  ~HasTightLayout() = default;
+};
+/// A window whose smallest size is beyond the room gets its tight layout; what is still beyond it becomes scrolled: the
+/// pages of its tabs, else all of its contents.
 void ScrollWhatIsBeyond(QMainWindow& window, QSize room);
 /// Has the frame of a window that has been moved, and is not shown yet, stand where it was moved to.
 void KeepFrame(QWidget& window);

@@ -2,6 +2,8 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QBoxLayout>
+#include <QGridLayout>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QProgressBar>
@@ -31,6 +33,8 @@ namespace hylden {
 namespace {
 
 constexpr int kRfWatchMs = 100, kTimeParts = 1000;
+/// Below this height, pixels, the room for a second row of figures is worth more to table and curves.
+constexpr int kTightHeight = 600, kFigureRows = 2;
 constexpr std::string_view kRange = "#0.0#####", kDwell = "##0.0##";
 constexpr char kIdle[] = "Idle";
 
@@ -148,6 +152,33 @@ void RunWindow::RunFrom(const std::function<void()>& run) {
   escape_.Start();
   rfWatch_.start();
   run();
+}
+
+void RunWindow::Tighten() {
+  ArrangeFigures(true);
+}
+
+void RunWindow::ArrangeFigures(bool inOneRow) {
+  if (inOneRow == std::exchange(figuresInOneRow_, inOneRow)) return;
+  QGridLayout& grid = *controls_.FigureGrid;
+  std::vector<QWidget*> cells;
+  cells.reserve(static_cast<std::size_t>(grid.count()));
+  for (int i = 0; i < grid.count(); ++i) cells.push_back(grid.itemAt(i)->widget());
+  const int count = static_cast<int>(cells.size()), columns = inOneRow ? count : count / kFigureRows;
+  for (int i = 0; i < count; ++i) {
+    grid.addWidget(cells[static_cast<std::size_t>(i)], i / columns, i % columns);
+    grid.setColumnStretch(i, i < columns ? 1 : 0);
+  }
+  grid.setRowStretch(1, inOneRow ? 0 : 1);
+  auto& page = *static_cast<QBoxLayout*>(centralWidget()->layout());
+  const int share = page.stretch(0);
+  page.setStretch(0, figuresShare_);
+  figuresShare_ = share;
+}
+
+void RunWindow::resizeEvent(QResizeEvent* event) {
+  WorkingForm::resizeEvent(event);
+  if (controls_.FigureGrid) ArrangeFigures(height() < kTightHeight);
 }
 
 void RunWindow::PressHalt() {

@@ -8,9 +8,11 @@
 #include "run/RunDisplay.h"
 #include "shell/qt/WorkingForm.h"
 #include "widgets/EscapeWatch.h"
+#include "widgets/WindowPlace.h"
 
 class QAbstractButton;
 class QAction;
+class QGridLayout;
 class QLabel;
 class QMenu;
 class QProgressBar;
@@ -29,7 +31,7 @@ class UnsavedRows;
 /// The window of a run: figures, progress, table and curves, status bar, and the run itself inside the press of a
 /// button. Escape halts it; closing the window during it halts it, lets it end in order, then closes. Its caption
 /// tells, also while it is minimised, where the run is. What a form has of its own it adds by overriding.
-class RunWindow : public WorkingForm, protected RunDisplay {
+class RunWindow : public WorkingForm, public HasTightLayout, protected RunDisplay {
   Q_OBJECT
 
  public:
@@ -39,6 +41,8 @@ class RunWindow : public WorkingForm, protected RunDisplay {
   void PressHalt();
   bool AsksToSave() const override;
   bool SaveMissed() const override;
+  /// All big figures in one row, as in any low window, so that Halt stays in sight.
+  void Tighten() override;
 
  protected:
   /// A readout of the run: where it is shown, and how it is written.
@@ -51,7 +55,8 @@ class RunWindow : public WorkingForm, protected RunDisplay {
     /// Those that have the same name in every form of a run.
     template <class Ui>
     static Controls Of(const Ui& ui) {
-      return {.Countdown = ui.lblCountdown,
+      return {.FigureGrid = ui.layFigures,
+              .Countdown = ui.lblCountdown,
               .Step = ui.lblStep,
               .Steps = ui.lblSteps,
               .State = ui.lblState,
@@ -64,6 +69,7 @@ class RunWindow : public WorkingForm, protected RunDisplay {
               .Help = ui.mnuHelpRun};
     }
 
+    QGridLayout* FigureGrid;
     QLabel *Countdown, *Step, *Steps, *State;
     RfLamp* Rf;
     QProgressBar* Progress;
@@ -118,6 +124,7 @@ class RunWindow : public WorkingForm, protected RunDisplay {
   RunCurvePanel& Curves() { return *controls_.Curves; }
 
   bool QueryUnload() override;
+  void resizeEvent(QResizeEvent* event) override;
   void Hurry() override;
 
   // The display.
@@ -132,6 +139,7 @@ class RunWindow : public WorkingForm, protected RunDisplay {
   void RowChanged(int row) override;
 
  private:
+  void ArrangeFigures(bool inOneRow);
   QLabel* MakePanel(const Panel& panel);
   void SetUpStatusBar(const Panel& panel);
   void ShowBusy(bool busy);
@@ -152,7 +160,9 @@ class RunWindow : public WorkingForm, protected RunDisplay {
   std::optional<double> elapsedMinutes_, remainingMinutes_;
   QLabel* timePanel_ = nullptr;
   int stepsDone_ = 0;
-  bool byTime_ = false;  ///< the progress bar goes by time
+  bool figuresInOneRow_ = false;
+  int figuresShare_ = 2;  ///< of the height, in the arrangement that they don't have
+  bool byTime_ = false;   ///< the progress bar goes by time
   EscapeWatch escape_;
   QTimer rfWatch_{this};  ///< RF can go off under a message box
   bool running_ = false;  ///< only Halt can be pressed
