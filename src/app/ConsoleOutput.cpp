@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <system_error>
+#include <utility>
 
 #include "documents/Documents.h"
 #include "documents/SaveCal.h"
+#include "testrun/RunInfo.h"
 #include "text/ExistingPath.h"
 #include "text/TextFile.h"
 
@@ -76,12 +78,14 @@ std::vector<std::string> FilesOfTheRun(const RunOptions& options, const Document
   return files;
 }
 
-ConsoleOutput::ConsoleOutput(const RunOptions& options)
-    : isRecord_(options.What == RunOptions::Job::Calibration), files_(FilesNamed(options.OutputFile)) {}
+ConsoleOutput::ConsoleOutput(const RunOptions& options) : job_(options.What), files_(FilesNamed(options.OutputFile)) {}
 
 std::vector<std::string> ConsoleOutput::FilesNamed(const std::string& name) const {
-  const auto info = isRecord_ ? InfoFileBeside(name) : std::nullopt;
-  return info ? std::vector{name, *info} : std::vector{name};
+  std::vector files = {name};
+  if (job_ == RunOptions::Job::Test) files.push_back(RunInfoFile(name));
+  if (job_ == RunOptions::Job::Calibration)
+    if (auto info = InfoFileBeside(name)) files.push_back(std::move(*info));
+  return files;
 }
 
 std::optional<ConsoleOutput::State> ConsoleOutput::StateOf(const std::string& file) {

@@ -19,8 +19,8 @@ std::vector<std::string> FilesOfTheRun(const RunOptions& options, const Document
 /// The first of the given files that saving these would replace, under whatever path; nothing when there is none.
 std::optional<std::string> FirstReplaced(const std::vector<std::string>& saved, const std::vector<std::string>& others);
 
-/// The file that a job makes and, of a calibration record, the info file beside it. They are looked at before anything
-/// is switched on, and again when they are saved, an hour later perhaps.
+/// The file that a job makes and, of a calibration record or a test, the info file beside it. They are looked at before
+/// anything is switched on, and again when they are saved, an hour later perhaps.
 class ConsoleOutput {
  public:
   explicit ConsoleOutput(const RunOptions& options);
@@ -47,7 +47,7 @@ class ConsoleOutput {
   static std::optional<State> StateOf(const std::string& file);
   std::vector<std::string> FilesNamed(const std::string& name) const;
 
-  bool isRecord_;
+  RunOptions::Job job_;
   std::vector<std::string> files_;
   std::vector<std::optional<State>> noted_;
   bool aside_ = false;

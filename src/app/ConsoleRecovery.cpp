@@ -4,11 +4,13 @@
 #include <optional>
 
 #include "app/ConsoleJobs.h"
+#include "app/ConsoleOutput.h"
 #include "app/Recovery.h"
 #include "documents/SaveCal.h"
 #include "platform/console/ConsoleDialogs.h"
 #include "platform/native/JournalFolder.h"
 #include "platform/native/ProgramDirectory.h"
+#include "testrun/RunInfo.h"
 #include "text/TextFile.h"
 
 namespace hylden {
@@ -31,14 +33,24 @@ void List(std::vector<AbandonedJournal> journals) {
   }
 }
 
-/// The first of the files that would be replaced; nothing when that is wanted.
-std::optional<std::string> KeptFile(const RunOptions& options, JournalKind kind) {
+std::vector<std::string> FilesOf(const RunOptions& options, JournalKind kind) {
   std::vector<std::string> files = {options.OutputFile};
   if (const auto info = InfoFileBeside(options.OutputFile); info && kind == JournalKind::LevelCalibration)
     files.push_back(*info);
+  if (kind == JournalKind::Test) files.push_back(RunInfoFile(options.OutputFile));
+  return files;
+}
+
+/// What keeps the rows from going there; nothing when they may.
+/// @param size  of the journal, bytes
+std::optional<std::string> Obstacle(const RunOptions& options, const std::vector<std::string>& files,
+                                    const AbandonedJournal& journal, std::size_t size) {
+  if (FirstReplaced(files, {journal.File->Path()})) return "--output would replace the journal itself.";
   for (const std::string& file : files) {
+    if (const auto obstacle = SaveObstacle(file, size)) return "Nothing can be written to " + file + ": " + *obstacle;
     std::error_code ignored;
-    if (!options.Yes && std::filesystem::exists(SavePath(file), ignored)) return file;
+    if (!options.Yes && std::filesystem::exists(SavePath(file), ignored))
+      return file + " exists; with --yes it is replaced.";
   }
   return std::nullopt;
 }
@@ -52,13 +64,14 @@ ExitState Remove(const AbandonedJournal& journal) {
 }
 
 ExitState Save(const RunOptions& options, AbandonedJournal& journal) {
+  const std::size_t size = journal.Bytes.size();
   const auto recovery = RecoveryOf(std::move(journal.Bytes));
   if (!recovery) {
     std::cerr << journal.File->Path() << ": " << Reason(recovery.error()) << '\n';
     return ExitState::Failed;
   }
-  if (const auto kept = KeptFile(options, recovery->Head.Kind)) {
-    std::cerr << *kept << " exists; with --yes it is replaced.\n";
+  if (const auto obstacle = Obstacle(options, FilesOf(options, recovery->Head.Kind), journal, size)) {
+    std::cerr << *obstacle << '\n';
     return ExitState::Failed;
   }
   if (const Done saved = SaveRecovery(*recovery, options.OutputFile); !saved) {
@@ -92,6 +105,10 @@ ExitState Missing(const JournalFolder& folder, const std::string& name) {
 ExitState RunRecovery(const RunOptions& options) {
   const JournalFolder folder(JournalsIn(ProgramDirectory()));
   std::vector<AbandonedJournal> journals = folder.Abandoned();
+  if (options.Journal.empty() && !options.OutputFile.empty()) {
+    std::cerr << "--recover: the name of the journal is missing; without --output they are listed\n";
+    return ExitState::Usage;
+  }
   if (options.Journal.empty()) {
     if (journals.empty()) std::cout << "No journal waits in " << folder.Folder() << '\n';
     List(std::move(journals));

@@ -78,7 +78,8 @@ bool ConsoleStation::SetUp() {
                                       options_.VirtualTime ? JournalFolder::Time::Virtual : JournalFolder::Time::Real);
   shell_->journals = journals_.get();
   // What was to be continued once can be continued again, however soon the run ends.
-  shell_->keepsJournals = options_.KeepJournal || !options_.Resume.empty();
+  shell_->keepsJournals =
+      options_.What != RunOptions::Job::CableLoss && (options_.KeepJournal || !options_.Resume.empty());
   station_ = std::make_unique<Station>(*shell_, bus_->SimulatedBench());
   TheShell().runNotice = notice_;
   TheShell().user = AccountName();
@@ -139,7 +140,12 @@ bool ConsoleStation::MayMakeOutput(std::size_t rows) {
   output_.Note();
   files.insert(files.end(), output_.Files().begin(), output_.Files().end());
   if (!MayMakeTrace(files)) return false;
-  std::cout << "What is recorded is kept in " << journals_->Folder() << " until it is saved.\n" << std::flush;
+  if (const auto obstacle = journals_->Obstacle())
+    std::cout << "No journal can be kept in " << journals_->Folder() << ": " << *obstacle
+              << ". What is recorded is lost if the program is.\n"
+              << std::flush;
+  else
+    std::cout << "What is recorded is kept in " << journals_->Folder() << " until it is saved.\n" << std::flush;
   return true;
 }
 
@@ -211,6 +217,7 @@ void ConsoleStation::Run(const std::function<void()>& work) {
   realEvents_.Yield(0);
   if (realEvents_.StopRequested()) return;
   const FlagRaised running(running_);
+  hasRun_ = true;
   const std::int64_t start = TheClock().TickMs();
   work();
   elapsedMs_ += TheClock().TickMs() - start;
@@ -225,7 +232,7 @@ void ConsoleStation::TellJournals() {
   if (!journals_) return;
   for (const std::string& name : journals_->Kept()) {
     std::cout << "A journal has what was recorded: hylden-run --recover " << name << " --output FILE\n";
-    if (TheShell().keepsJournals) std::cout << "The run can be continued: --resume " << name << '\n';
+    if (TheShell().keepsJournals && hasRun_) std::cout << "The run can be continued: --resume " << name << '\n';
   }
   if (const auto trouble = journals_->Trouble()) std::cout << "The journal could not be written: " << *trouble << '\n';
   std::cout << std::flush;

@@ -99,6 +99,7 @@ class ConsoleStation {
   VirtualClock virtualClock_{realClock_};
   VirtualEventLoop virtualEvents_{virtualClock_};
   bool running_ = false;
+  bool hasRun_ = false;  ///< a run has been begun
   ConsoleEventLoop realEvents_;
   ProgressLine progress_;
   ConsoleDialogs dialogs_;

@@ -46,13 +46,16 @@ constexpr struct {
   int (*Answer)();
 } kAnswers[] = {{"--help", PrintHelp}, {"-h", PrintHelp}, {"--version", PrintVersion}};
 
+bool IsSet(const char* name) {
+  const char* const value = std::getenv(name);
+  return value && *value;
+}
+bool HasScreen() {
+  return IsSet("DISPLAY") || IsSet("WAYLAND_DISPLAY");
+}
 /// Whether somebody can read what is printed; a window tells it otherwise.
 bool AtTerminal() {
-  const auto isSet = [](const char* name) {
-    const char* const value = std::getenv(name);
-    return value && *value;
-  };
-  return isatty(STDERR_FILENO) || !(isSet("DISPLAY") || isSet("WAYLAND_DISPLAY"));
+  return isatty(STDERR_FILENO) || !HasScreen();
 }
 
 /// The exit status of what needs no window.
@@ -72,6 +75,11 @@ int main(int argc, char** argv) {
   std::vector<std::string> arguments(argv + 1, argv + argc);
   if (const auto status = hylden::AnswerReport(arguments)) return *status;
   if (const auto status = AnsweredOnTerminal(arguments)) return *status;
+  // Qt would abort; a platform that was asked for may have no need of one.
+  if (!HasScreen() && !IsSet("QT_QPA_PLATFORM")) {
+    std::fputs("hylden needs a screen; hylden-run runs tests and calibrations without one.\n", stderr);
+    return 1;
+  }
   hylden::DesktopApplication application(argc, argv);
   for (std::string& argument : arguments) argument = hylden::AsSwitch(argument);
   return hylden::RunDesktop(application, arguments);

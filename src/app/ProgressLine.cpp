@@ -1,6 +1,7 @@
 #include "app/ProgressLine.h"
 
 #include <ostream>
+#include <utility>
 
 #include "text/Duration.h"
 #include "text/Pattern.h"
@@ -15,12 +16,11 @@ void ProgressLine::Start(int steps, double estimatedMinutes) {
   End();
   now_ = {.Steps = steps};
   activity_.clear();
-  out_ << steps << (steps == 1 ? " step" : " steps");
-  if (estimatedMinutes > 0) {
-    out_ << ", estimated " << DurationText(estimatedMinutes * 60) << ", until "
-         << ClockAfter(clock_.SecondsSinceMidnight(), estimatedMinutes * 60);
-  }
-  out_ << '\n' << std::flush;
+  std::string text = std::to_string(steps) + (steps == 1 ? " step" : " steps");
+  if (estimatedMinutes > 0)
+    text += ", estimated " + DurationText(estimatedMinutes * 60) + ", until " +
+            ClockAfter(clock_.SecondsSinceMidnight(), estimatedMinutes * 60);
+  Write(text + '\n');
 }
 
 void ProgressLine::Activity(const std::string& text) {
@@ -33,10 +33,19 @@ void ProgressLine::Countdown(double seconds) {
 }
 
 void ProgressLine::PrintStep() {
-  if (!terminal_ && now_.Step > 0) out_ << Text() << '\n' << std::flush;
+  if (!terminal_ && now_.Step > 0) Write(Text() + '\n');
+}
+
+void ProgressLine::Write(std::string text) {
+  ++waiting_;
+  writer_.Post([this, text = std::move(text)] {
+    out_ << text << std::flush;
+    --waiting_;
+  });
 }
 
 void ProgressLine::End() {
+  writer_.Wait();
   if (!open_) return;
   out_ << '\n' << std::flush;
   open_ = false;
@@ -51,9 +60,9 @@ std::string ProgressLine::Text() const {
 void ProgressLine::Redraw() {
   if (!terminal_) return;
   const auto now = std::chrono::steady_clock::now();
-  if (now - drawn_ < kRedrawInterval) return;
+  if (now - drawn_ < kRedrawInterval || waiting_ > 0) return;
   drawn_ = now;
-  out_ << '\r' << Text() << "  " << ahead_ << (ahead_.empty() ? "" : "  ") << activity_ << "\x1b[K" << std::flush;
+  Write('\r' + Text() + "  " + ahead_ + (ahead_.empty() ? "" : "  ") + activity_ + "\x1b[K");
   open_ = true;
 }
 

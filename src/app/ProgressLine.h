@@ -1,10 +1,12 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <iosfwd>
 #include <string>
 
 #include "platform/Clock.h"
+#include "platform/native/WorkThread.h"
 
 namespace hylden {
 
@@ -17,7 +19,9 @@ struct RunProgress {
 };
 
 /// The progress of a run on a terminal: one line (step, frequency, level, elapsed, remaining) that is rewritten in
-/// place; where the output is no terminal, a plain line for every step.
+/// place; where the output is no terminal, a plain line for every step. RF is on meanwhile, and may not stay on because
+/// nobody takes the output (a pager, a stopped terminal, a line that went dead): it is written on a thread of its own,
+/// and only End waits for it.
 class ProgressLine {
  public:
   ProgressLine(std::ostream& out, bool terminal, const Clock& clock) : out_(out), terminal_(terminal), clock_(clock) {}
@@ -35,11 +39,12 @@ class ProgressLine {
   /// The step that stands there is complete: the plain line for it.
   void PrintStep();
 
-  /// Ends the line, so that other text starts on a line of its own.
+  /// Waits until all is written, and ends the line, so that other text starts on a line of its own. Not while RF is on.
   void End();
 
  private:
   std::string Text() const;
+  void Write(std::string text);
 
   std::ostream& out_;
   bool terminal_;
@@ -48,6 +53,8 @@ class ProgressLine {
   RunProgress now_;
   std::string activity_, ahead_;
   std::chrono::steady_clock::time_point drawn_{};
+  std::atomic<int> waiting_{0};  ///< texts that are not written yet
+  WorkThread writer_;
 };
 
 }  // namespace hylden

@@ -41,6 +41,7 @@ void AddJobs(CLI::App& app, RunOptions& options, const std::vector<CLI::Option*>
       ->type_name("[NAME]");
   jobs->add_option("--discard", options.Journal, "Remove the journal of a run that was not ended in order, unsaved")
       ->each([&options](const std::string&) { options.Discard = true; })
+      ->check(HasName)
       ->type_name("NAME");
   jobs->add_option("--export", options.RunFile, "Write saved run data (.run) as a table to --csv")
       ->check(HasName)
@@ -92,6 +93,7 @@ void AddResumeOptions(CLI::App& app, RunOptions& options) {
                  "Continue the run of this journal (--recover lists them), with the options that it had, at its first "
                  "step without a complete row")
       ->excludes("--cable-loss", "--bus-info", "--recover", "--discard", "--export")
+      ->check(HasName)
       ->type_name("NAME");
   app.add_flag("--keep-journal", options.KeepJournal,
                "Keep the journal of a test or a level calibration that ends early, so that --resume can continue it; "
@@ -165,6 +167,11 @@ int Main(int argc, char** argv) {
       "Answer the confirmations before RF is switched on, and whether to replace a file; on the bench also those "
       "of the cable's passes");
 
+  // An unset variable of a script; some options would take it for none.
+  if (std::any_of(argv + 1, argv + argc, [](std::string_view word) { return word.empty(); })) {
+    std::fputs("An argument is empty.\n", stderr);
+    return static_cast<int>(hylden::ExitState::Usage);
+  }
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

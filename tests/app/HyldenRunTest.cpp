@@ -275,7 +275,7 @@ TEST_F(HyldenRunProgram, SaysWhatIsWrongWithItsExitStatusAndSwitchesNothingOn) {
       {{}, kUsage, "--equipment is required"},
       {{"--equipmnt", "station.eqp"}, kUsage, "not expected: --equipmnt station.eqp"},
       {equipped("station.eqp", {"--test", kTest, "--virtual-time"}, Output()), kUsage, "--bench"},
-      {testTo(""), kUsage, "--output: the file has no name"},
+      {testTo(""), kUsage, "An argument is empty."},
       {Test(kTest, {"--seed", "x"}), kUsage, "--seed"},
       {Cable({"--test", kTest}), kUsage, "Exactly 1"},
       {calibrateTo("out.txt", {"--yes"}), kUsage, ".cal"},
@@ -630,7 +630,11 @@ TEST_F(KilledHyldenRun, LeavesAJournalThatIsNotInUseAndReplacesNoFileUnasked) {
   EXPECT_EQ(directory_.Read("back.run"), "of somebody else");
   ExpectSaid(Recover("none", "x.run"), kFailed, "No such journal");
   ExpectSaid(HyldenRun({"--recover", journal}), kUsage, "--output");
-  ExpectSaid(Recover(journal, "no/back.run"), kFailed, "Error # 76\nPath not found\n");
+  ExpectSaid(HyldenRun({"--recover", "--output", directory_.File("back.run")}), kUsage, "the name of the journal");
+  ExpectSaid(HyldenRun({"--recover", "", "--output", directory_.File("back.run")}), kUsage, "An argument is empty");
+  const std::string itself = directory_.File("home/journals/" + journal + ".journal");
+  ExpectSaid(HyldenRun({"--recover", journal, "--output", itself, "--yes"}), kFailed, "replace the journal itself");
+  ExpectSaid(Recover(journal, "no/back.run"), kFailed, "no/back.run: Path not found");
   ExpectSaid(Recover(journal, "x.run"), kFinished, "saved in");
 }
 

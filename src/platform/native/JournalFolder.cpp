@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <utility>
 
@@ -63,6 +64,13 @@ std::unique_ptr<JournalWriter> JournalFolder::GoOn(AbandonedJournal journal) {
   // Its last line may be torn: what comes begins a line of its own.
   if (!journal.Bytes.ends_with('\n')) page->Waiting = "\r\n";
   return std::make_unique<Writer>(*this, pages_.emplace_back(std::move(page)));
+}
+
+std::optional<std::string> JournalFolder::Obstacle() const {
+  std::error_code failure;
+  fs::create_directories(folder_, failure);
+  if (!failure && access(folder_.c_str(), W_OK | X_OK) != 0) failure.assign(errno, std::generic_category());
+  return failure ? std::optional(failure.message()) : std::nullopt;
 }
 
 std::string JournalFolder::PathOf(const std::string& name) const {

@@ -34,6 +34,8 @@ class JournalFolder : public Journals {
   ~JournalFolder() override;
 
   const std::string& Folder() const { return folder_; }
+  /// Why no journal can be made there; nothing when one can, as far as it can be told. Makes the folder.
+  std::optional<std::string> Obstacle() const;
   /// The file of a journal, by its name.
   std::string PathOf(const std::string& name) const;
   std::unique_ptr<JournalWriter> Begin(const std::string& name) override;
