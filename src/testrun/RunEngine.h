@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "run/ElapsedTime.h"
@@ -73,6 +74,8 @@ class RunEngine {
   const RunData& Data() const { return data_; }
   /// What the data do not tell of the run.
   const RunInfo& Info() const { return info_; }
+  /// Whom and what the run was for: saved with its data from now on.
+  void SetParticulars(RunParticulars particulars) { info_.Particulars = std::move(particulars); }
   const std::vector<PlanStep>& Steps() const { return inputs_->Steps; }
   /// What the steps aim at, by rising frequency. To be called when Prepare came to Ready.
   std::vector<RunAim> Aims() const;

@@ -1,8 +1,11 @@
 #include "desktop/RunForms.h"
 
+#include <QTimer>
+
 #include "calibration/qt/frmRunCal.h"
 #include "run/qt/RunCurvePanel.h"
 #include "testrun/RunUnits.h"
+#include "testrun/qt/frmReport.h"
 #include "widgets/CurveView.h"
 #include "widgets/WindowPlace.h"
 
@@ -29,6 +32,26 @@ TEST_F(RunForms, ReadyFormOffersRunAndExitOnly) {
   Press(*form, "cmdRun");
   EXPECT_EQ(m.Asked("MAKE SURE!!!"), 1u);
   expectReady();
+}
+
+TEST_F(RunForms, WhatItsReportWasAskedForIsSavedWithTheRun) {
+  Open();
+  dialogs.AnswerSave(m.directory.File("first.run"));
+  Run();
+  QTimer::singleShot(0, [&] {
+    auto* const report = qobject_cast<frmReport*>(QApplication::activeModalWidget());
+    ASSERT_NE(report, nullptr);
+    Find<QLineEdit>(*report, "txtCustomer").setText("Maker of radios");
+    dialogs.AnswerSave(m.directory.File("radio.pdf"));
+    report->accept();
+    EXPECT_FALSE(report->isVisible()) << dialogs.LastText();
+    if (report->isVisible()) report->reject();
+  });
+  Choose(*form, "mnuFileReport");
+  dialogs.AnswerSave(m.directory.File("again.run"));
+  Choose(*form, "mnuFileSave");
+  EXPECT_THAT(m.directory.Read("again.runinfo"), testing::HasSubstr("Maker of radios"));
+  EXPECT_THAT(m.directory.Read("first.runinfo"), testing::Not(testing::HasSubstr("Maker of radios")));
 }
 
 TEST_F(RunForms, WholeRunIsShownSavedAndPrintedAsRecorded) {

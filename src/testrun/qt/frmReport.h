@@ -31,9 +31,11 @@ class frmReport : public QDialog {
   /// Asks for the file and writes it; the dialog stays when there is none.
   void accept() override;
 
+  /// As they were entered.
+  RunParticulars Particulars() const;
+
  private:
   void ShowParticulars(const RunParticulars& particulars);
-  RunParticulars Particulars() const;
   ReportChoices Choices() const;
   std::optional<std::string> AskFile();
   bool KeepParticulars();

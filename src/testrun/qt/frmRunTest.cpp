@@ -90,7 +90,8 @@ RunWindow::Controls frmRunTest::TheControls() {
 void frmRunTest::ConnectFileMenu() {
   On(ui_->mnuFileSave, [this] { engine_.Save(); });
   On(ui_->mnuFileReport, [this] {
-    frmReport(shell_, {.File = {}, .Run = {engine_.Data(), false, {}}, .Beside = {engine_.Info(), {}}}, this).exec();
+    frmReport report(shell_, {.File = {}, .Run = {engine_.Data(), false, {}}, .Beside = {engine_.Info(), {}}}, this);
+    if (report.exec() == QDialog::Accepted) engine_.SetParticulars(report.Particulars());
   });
   const auto print = [this](QAction* action, QAction* preview, RunReportKind kind) {
     connect(action, &QAction::triggered, this, [this, kind] { PrintReport(kind); });
