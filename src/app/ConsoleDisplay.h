@@ -13,6 +13,7 @@ class ConsoleDisplay : public RunDisplay {
   void Countdown(double seconds) override { line_.Countdown(seconds); }
   void Phase(RunPhase phase) override;
   void Status(const std::string& text) override { line_.Activity(text); }
+  void Note(const std::string& text) override { line_.Note(text); }
   void Plan(const RunPlan& plan) override { line_.Start(plan.Steps, plan.EstimatedMinutes); }
   void Ahead(const RunAhead& ahead) override { line_.Ahead(ahead.Text); }
   void Step(int step) override;

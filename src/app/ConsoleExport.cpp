@@ -42,7 +42,7 @@ ExitState ExportRunData(const RunOptions& options) {
   if (const Done written = FileRunCsv(run->Run.Data, times, sign, options.CsvFile); !written)
     return Tell(written.error()), ExitState::Failed;
   std::cout << run->Run.Data.Entries().size() << " rows saved in " << options.CsvFile << '\n';
-  return ExitState::Finished;
+  return run->Run.Troubles.empty() ? ExitState::Finished : ExitState::Failed;
 }
 
 }  // namespace hylden

@@ -28,8 +28,8 @@ std::string Reason(const Failure& failure) {
 void List(std::vector<AbandonedJournal> journals) {
   for (AbandonedJournal& journal : journals) {
     const auto recovery = RecoveryOf(std::move(journal.Bytes));
-    std::cout << journal.Name << "  "
-              << (recovery ? DescriptionOf(*recovery) : Reason(recovery.error()) + ", it is left alone") << '\n';
+    const std::string text = recovery ? DescriptionOf(*recovery) : Reason(recovery.error()) + ", it is left alone";
+    std::cout << ForTerminal(journal.Name + "  " + text) << '\n';
   }
 }
 
@@ -78,22 +78,23 @@ ExitState Save(const RunOptions& options, AbandonedJournal& journal) {
     Tell(saved.error());
     return ExitState::Failed;
   }
-  std::cout << DescriptionOf(*recovery) << "\nsaved in " << options.OutputFile << '\n';
+  std::cout << ForTerminal(DescriptionOf(*recovery)) << "\nsaved in " << options.OutputFile << '\n';
   return Remove(journal);
 }
 
 ExitState Discard(AbandonedJournal& journal) {
   const auto recovery = RecoveryOf(std::move(journal.Bytes));
   if (Remove(journal) == ExitState::Failed) return ExitState::Failed;
-  std::cout << (recovery ? DescriptionOf(*recovery) : Reason(recovery.error())) << "\nremoved: " << journal.File->Path()
-            << '\n';
+  std::cout << ForTerminal(recovery ? DescriptionOf(*recovery) : Reason(recovery.error()))
+            << "\nremoved: " << journal.File->Path() << '\n';
   return ExitState::Finished;
 }
 
 ExitState Missing(const JournalFolder& folder, const std::string& name) {
   const std::string path = folder.PathOf(name);
+  const bool isName = name.find('/') == std::string::npos;
   std::error_code ignored;
-  if (std::filesystem::exists(path, ignored))
+  if (isName && std::filesystem::exists(path, ignored))
     std::cerr << "The journal is in use, or is another user's: " << path << '\n';
   else
     std::cerr << "No such journal waits in " << folder.Folder() << ": " << name << '\n';
@@ -104,6 +105,10 @@ ExitState Missing(const JournalFolder& folder, const std::string& name) {
 
 ExitState RunRecovery(const RunOptions& options) {
   const JournalFolder folder(JournalsIn(ProgramDirectory()));
+  if (const auto trouble = folder.Unreadable()) {
+    std::cerr << "The journals in " << folder.Folder() << " can't be read: " << *trouble << '\n';
+    return ExitState::Failed;
+  }
   std::vector<AbandonedJournal> journals = folder.Abandoned();
   if (options.Journal.empty() && !options.OutputFile.empty()) {
     std::cerr << "--recover: the name of the journal is missing; without --output they are listed\n";

@@ -35,7 +35,7 @@ ExitState RunOnConsole(const RunOptions& options) {
     ConsoleStation station(options);
     const ExitState state = RunJob(station);
     station.TellJournals();
-    return state;
+    return state == ExitState::Failed && station.IsStopped() ? ExitState::Halted : state;
   } catch (const ProgramEnd&) {
     return ExitState::Failed;  // its message has been shown
   } catch (const std::exception& error) {

@@ -72,6 +72,8 @@ class ConsoleStation {
   /// Tells what is wrong with a document's entry.
   void TellBadEntry(const EntryFailure& failure, const std::string& document);
 
+  /// Whether Ctrl-C was pressed, or the program told to end.
+  bool IsStopped() const { return realEvents_.StopRequested(); }
   /// Does the job's work, with Ctrl-C pressing its Halt meanwhile. Nothing is begun when it was pressed before.
   void Run(const std::function<void()>& work);
   /// Prints what could not be saved, so that nothing measured is lost.

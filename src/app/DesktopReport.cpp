@@ -28,11 +28,11 @@ struct ReportOptions {
   bool Yes = false;                       ///< a file that is there is replaced
 };
 
-/// Nothing where an argument is none of a report, or a value is missing.
-std::optional<ReportOptions> Parse(const std::vector<std::string>& arguments) {
+/// @return which argument is none of a report, or what is missing
+Result<ReportOptions> Parse(const std::vector<std::string>& arguments) {
   ReportOptions options;
   for (auto at = arguments.begin(); at != arguments.end(); ++at) {
-    const bool hasValue = at + 1 != arguments.end();
+    const bool hasValue = at + 1 != arguments.end() && !(at + 1)->empty();
     if (*at == "--all-steps")
       options.AllSteps = true;
     else if (*at == "--yes")
@@ -43,11 +43,15 @@ std::optional<ReportOptions> Parse(const std::vector<std::string>& arguments) {
       options.PdfFile = *++at;
     else if (*at == "--paper" && hasValue)
       options.Paper = *++at;
+    else if (*at == "--report" || *at == "--pdf" || *at == "--paper")
+      return Because(*at + " needs a value");
     else
-      return std::nullopt;
+      return Because("No option of a report: " + *at);
   }
-  const bool known = !options.Paper || *options.Paper == "a4" || *options.Paper == "letter";
-  return known && !options.RunFile.empty() && !options.PdfFile.empty() ? std::optional(options) : std::nullopt;
+  if (options.PdfFile.empty()) return Because("--pdf is missing: the file for the report");
+  if (options.Paper && *options.Paper != "a4" && *options.Paper != "letter")
+    return Because("--paper is a4 or letter, not " + *options.Paper);
+  return options;
 }
 
 int Fail(const Failure& failure) {
@@ -85,7 +89,10 @@ int Make(const ReportOptions& options) {
 std::optional<int> AnswerReport(const std::vector<std::string>& arguments) {
   if (std::find(arguments.begin(), arguments.end(), "--report") == arguments.end()) return std::nullopt;
   const auto options = Parse(arguments);
-  if (!options) return std::cerr << kUsage << '\n', static_cast<int>(ExitState::Usage);
+  if (!options) {
+    (void)Fail(options.error());
+    return std::cerr << kUsage << '\n', static_cast<int>(ExitState::Usage);
+  }
   qputenv("QT_QPA_PLATFORM", "offscreen");
   char name[] = "hylden";
   char* argv[] = {name, nullptr};

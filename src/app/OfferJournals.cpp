@@ -1,6 +1,7 @@
 #include "app/OfferJournals.h"
 
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include "app/Recovery.h"
@@ -85,9 +86,22 @@ bool CanBeContinued(const Recovery& recovery) {
   return head.Kind != JournalKind::InsertionLoss && !head.File.empty() && !Obstacle(recovery) && IsUnfinished(recovery);
 }
 
+/// One that can't be removed is offered again: the operator may wonder.
+void Remove(Shell& shell, const AbandonedJournal& journal) {
+  const std::error_code failure = journal.File->Remove();
+  if (failure)
+    shell.dialogs.Tell("The journal could not be removed, and is offered again at the next start:\r\n" +
+                           journal.File->Path() + "\r\n" + failure.message(),
+                       MessageIcon::Exclamation);
+}
+
 }  // namespace
 
 std::optional<ResumedJournal> OfferJournals(Shell& shell, JournalFolder& folder) {
+  if (const auto trouble = folder.Unreadable())
+    shell.dialogs.Tell(
+        "What an earlier run may have left in its journal can't be read:\r\n" + folder.Folder() + "\r\n" + *trouble,
+        MessageIcon::Exclamation);
   std::optional<ResumedJournal> continued;
   for (AbandonedJournal& journal : folder.Abandoned()) {
     auto recovery = RecoveryOf(journal.Bytes);
@@ -104,7 +118,7 @@ std::optional<ResumedJournal> OfferJournals(Shell& shell, JournalFolder& folder)
     if (answer == MessageAnswer::Yes)
       continued = ResumedJournal{std::move(*recovery), folder.GoOn(std::move(journal))};
     else if (nothingRecorded || (answer == MessageAnswer::No && offer.IsDone()))
-      (void)journal.File->Remove();
+      Remove(shell, journal);
   }
   return continued;
 }

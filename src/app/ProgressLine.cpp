@@ -36,6 +36,11 @@ void ProgressLine::PrintStep() {
   if (!terminal_ && now_.Step > 0) Write(Text() + '\n');
 }
 
+void ProgressLine::Note(const std::string& text) {
+  Write((terminal_ ? "\r" + text + "\x1b[K" : text) + '\n');
+  open_ = false;
+}
+
 void ProgressLine::Write(std::string text) {
   ++waiting_;
   writer_.Post([this, text = std::move(text)] {

@@ -36,6 +36,8 @@ class ProgressLine {
   /// How long it takes yet, for a terminal; empty where nobody can tell.
   void Ahead(const std::string& text) { ahead_ = text; }
   void Countdown(double seconds);
+  /// A line of its own, which stays.
+  void Note(const std::string& text);
   /// The step that stands there is complete: the plain line for it.
   void PrintStep();
 

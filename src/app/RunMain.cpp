@@ -70,10 +70,14 @@ void AddCableOptions(CLI::App& app, RunOptions& options) {
 void AddBenchOptions(CLI::App& app, RunOptions& options) {
   auto* const bench =
       app.add_option("--bench", options.BenchFile, "Drive the simulated bench, described by FILE if one is given")
+          ->excludes("--recover", "--discard", "--export")
           ->expected(0, 1)
           ->type_name("[FILE]");
   app.add_flag("--virtual-time", options.VirtualTime, "Let waits pass at once (on the bench only)")->needs(bench);
-  app.add_option("--seed", options.Seed, "Seed of the bench's reading noise")->needs(bench)->type_name("N");
+  app.add_option("--seed", options.Seed, "Seed of the bench's reading noise")
+      ->needs(bench)
+      ->check(CLI::NonNegativeNumber)
+      ->type_name("N");
 }
 
 void AddExportOptions(CLI::App& app, RunOptions& options) {
@@ -97,7 +101,8 @@ void AddResumeOptions(CLI::App& app, RunOptions& options) {
       ->type_name("NAME");
   app.add_flag("--keep-journal", options.KeepJournal,
                "Keep the journal of a test or a level calibration that ends early, so that --resume can continue it; "
-               "--resume does so by itself");
+               "--resume does so by itself")
+      ->excludes("--recover", "--discard", "--export");
 }
 
 /// What works on files only, and needs no station: a recovery, an export.
@@ -151,7 +156,9 @@ int Main(int argc, char** argv) {
           ->required(runs)
           ->check(HasName);
   AddJobs(app, options, {equipment, output});
+  output->excludes("--discard", "--export");
   app.add_option("--trace", options.TraceFile, "File for all that goes over the bus, a line for each call")
+      ->excludes("--recover", "--discard", "--export")
       ->check(HasName);
   app.add_option("--coupling-factor", options.CouplingFactor,
                  "Coupling factor for a setup with the user-defined method, in place of the setup's own; "

@@ -152,6 +152,7 @@ bool RunCablCal::MeasurePoint(const Pass& pass, std::size_t index) {
   pass.Display.Show(Readout::Elapsed, minutes);
   pass.Display.Show(Readout::Remaining, minutes / row * static_cast<double>(points_.size() - current_));
   pass.Display.StepDone(row);
+  journal_.TellTrouble(pass.Display);
   if (pass.Inserted) shell_.delay.Yield();
   return !Halted();
 }

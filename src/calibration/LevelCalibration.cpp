@@ -272,6 +272,7 @@ void LevelCalibration::ShowTimes(std::size_t done, std::size_t former) {
   display_.Show(Readout::Remaining,
                 minutes / static_cast<double>(done - former) * static_cast<double>(plan_.size() - done));
   display_.StepDone(static_cast<int>(done));
+  journal_.TellTrouble(display_);
 }
 
 bool LevelCalibration::CalibratePoint(double frequencyMHz) {

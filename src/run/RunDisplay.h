@@ -53,6 +53,8 @@ class RunDisplay : public CountdownWindow {
   virtual void Phase(RunPhase /*phase*/) {}
   /// What it does just now; empty: nothing.
   virtual void Status(const std::string& /*text*/) {}
+  /// What stays true to the end of the run, whatever the status says meanwhile.
+  virtual void Note(const std::string& /*text*/) {}
   virtual void Plan(const RunPlan& /*plan*/) {}
   /// Before a run, and behind each of its steps; where nobody can tell once more when it is over.
   virtual void Ahead(const RunAhead& /*ahead*/) {}

@@ -46,7 +46,7 @@ void RunJournal::Begin(JournalHead head) {
   head_.Started = TimeText(shell_.clock.Now());
   head_.Notice = shell_.runNotice;
   on_ = shell_.journals != nullptr;
-  complete_ = false;
+  complete_ = told_ = false;
 }
 
 void RunJournal::Take(JournalHead head, std::unique_ptr<JournalWriter> file) {
@@ -57,7 +57,7 @@ void RunJournal::Take(JournalHead head, std::unique_ptr<JournalWriter> file) {
 
 bool RunJournal::GoOn() {
   on_ = shell_.journals != nullptr;
-  complete_ = false;
+  complete_ = told_ = false;
   return file_ != nullptr;
 }
 
@@ -97,11 +97,12 @@ void RunJournal::Remove() {
 }
 
 void RunJournal::TellTrouble(RunDisplay& display) {
-  const auto trouble = file_ ? shell_.journals->Trouble() : std::nullopt;
+  const auto trouble = file_ && !told_ ? shell_.journals->Trouble() : std::nullopt;
   if (!trouble) return;
+  told_ = true;
   const std::string text = "The journal of the run could not be written: " + *trouble;
   shell_.log.LogFile(text);
-  display.Status(text);
+  display.Note(text);
 }
 
 }  // namespace hylden

@@ -43,7 +43,8 @@ class RunJournal {
   void Remove();
   /// Every step has its row: nothing is left to be continued.
   void Complete() { complete_ = true; }
-  /// Tells, once for a run, that its journal could not be written: in the run log, and on the display.
+  /// Tells, once for a run, that its journal could not be written: in the run log, and on the display. To be called
+  /// behind each row, and at the end.
   void TellTrouble(RunDisplay& display);
 
  private:
@@ -54,7 +55,7 @@ class RunJournal {
   UnsavedRows& rows_;
   JournalHead head_;
   std::unique_ptr<JournalWriter> file_;
-  bool on_ = false, complete_ = false;
+  bool on_ = false, complete_ = false, told_ = false;
 };
 
 }  // namespace hylden

@@ -26,11 +26,16 @@ constexpr int kReadError = static_cast<int>(kErrorBase + 515);
 constexpr int kSectionError = static_cast<int>(kErrorBase + 516);
 constexpr int kDeleteError = static_cast<int>(kErrorBase + 517);
 
+std::string SourceOf(const char* operation) {
+  return std::string("CSetting.") + operation;
+}
+
 /// Runs an operation of the class; a failure inside becomes a SettingError.
 template <class Operation>
-auto Numbered(int number, const char* what, Operation operation) {
+auto Numbered(int number, const char* name, const char* what, Operation operation) {
   const auto failure = [&](int innerNumber, const std::string& innerDescription) {
-    return SettingError(number, std::string(what) + " (" + std::to_string(innerNumber) + ", " + innerDescription + ")");
+    return SettingError(number, SourceOf(name),
+                        std::string(what) + " (" + std::to_string(innerNumber) + ", " + innerDescription + ")");
   };
   try {
     return operation();
@@ -141,19 +146,19 @@ bool clsSetting::Fits(std::string_view value) {
 }
 
 std::string clsSetting::GetSettingStr(const std::string& section, const std::string& key, const std::string& fallback) {
-  return Numbered(kReadError, "Error reading Setting",
+  return Numbered(kReadError, "GetSettingStr", "Error reading Setting",
                   [&] { return ThroughBuffer(profile::Value(Text(), section, key).value_or(fallback)); });
 }
 
 std::int16_t clsSetting::GetSettingInt(const std::string& section, const std::string& key, std::int16_t fallback) {
-  return Numbered(kReadError, "Error reading Setting", [&] {
+  return Numbered(kReadError, "GetSettingInt", "Error reading Setting", [&] {
     const auto value = profile::Value(Text(), section, key);
     return value ? LeadingInt16(*value) : fallback;
   });
 }
 
 std::vector<std::pair<std::string, std::string>> clsSetting::GetSettingAll(const std::string& section) {
-  return Numbered(kSectionError, "Error reading Section", [&] {
+  return Numbered(kSectionError, "GetSettingAll", "Error reading Section", [&] {
     const std::string text = Text();
     std::vector<std::pair<std::string, std::string>> rows;
     for (const std::string& key : ThroughListBuffer(profile::Keys(text, section))) {
@@ -164,20 +169,25 @@ std::vector<std::pair<std::string, std::string>> clsSetting::GetSettingAll(const
 }
 
 std::vector<std::string> clsSetting::GetSectionNames() {
-  return Numbered(kSectionError, "Error reading Section", [&] { return ThroughListBuffer(profile::Sections(Text())); });
+  return Numbered(kSectionError, "GetSectionNames", "Error reading Section",
+                  [&] { return ThroughListBuffer(profile::Sections(Text())); });
 }
 
 bool clsSetting::SaveSettingStr(const std::string& section, const std::string& key, const std::string& value) {
-  return Numbered(kWriteError, "Error writing Setting", [&] { return Write(section, {{key, value}}); });
+  return Numbered(kWriteError, "SaveSettingStr", "Error writing Setting", [&] {
+    return Write(section, {{key, value}});
+  });
 }
 
 bool clsSetting::SaveSettingInt(const std::string& section, const std::string& key, std::int16_t value) {
-  return Numbered(kWriteError, "Error writing Setting", [&] { return Write(section, {{key, std::to_string(value)}}); });
+  return Numbered(kWriteError, "SaveSettingInt", "Error writing Setting", [&] {
+    return Write(section, {{key, std::to_string(value)}});
+  });
 }
 
 bool clsSetting::SaveSettings(const std::string& section,
                               const std::vector<std::pair<std::string, std::string>>& values) {
-  return Numbered(kWriteError, "Error writing Setting", [&] { return Write(section, values); });
+  return Numbered(kWriteError, "SaveSettings", "Error writing Setting", [&] { return Write(section, values); });
 }
 
 bool clsSetting::Write(const std::string& section, const std::vector<std::pair<std::string, std::string>>& values) {
@@ -193,13 +203,13 @@ bool clsSetting::Write(const std::string& section, const std::vector<std::pair<s
 }
 
 void clsSetting::DeleteKey(const std::string& section, const std::string& key) {
-  Numbered(kDeleteError, "Error Deleting Key", [&] {
+  Numbered(kDeleteError, "DeleteKey", "Error Deleting Key", [&] {
     const auto text = profile::WithoutKey(Text(), section, key);
     if (!text) return;
     try {
       ReplaceFile(Path(), *text);
     } catch (const RuntimeError&) {
-      throw SettingError(kDeleteError, "Error Deleting Key (check if file is protected)");
+      throw SettingError(kDeleteError, SourceOf("DeleteKey"), "Error Deleting Key (check if file is protected)");
     }
   });
 }

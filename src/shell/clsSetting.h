@@ -12,10 +12,16 @@
 
 namespace hylden {
 
-/// A failed settings operation; the number tells which kind.
+/// A failed settings operation; the number tells which kind, the source which operation.
 class SettingError : public RuntimeError {
  public:
-  using RuntimeError::RuntimeError;
+  SettingError(int number, std::string source, const std::string& description)
+      : RuntimeError(number, description), source_(std::move(source)) {}
+  /// "CSetting.GetSettingStr"
+  const std::string& Source() const { return source_; }
+
+ private:
+  std::string source_;
 };
 
 /// By what a file is known to be as it was.

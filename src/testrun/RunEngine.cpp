@@ -263,6 +263,7 @@ void RunEngine::Sweep() {
     if (stepRunner_->DwellsAreCut() && !ManualPhase()) return;
     if (timedSteps_ >= 2) ShowTimes();
     display_.StepDone(currentStep_);
+    journal_.TellTrouble(display_);
     times_.ShowAhead(OfThisRun(currentStep_ + 1));
   }
   guard_.Finish();

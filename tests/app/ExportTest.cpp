@@ -24,7 +24,7 @@ TEST(ExportRunData, ReplacesNothingUnaskedAndTellsWhatItLeavesOut) {
   EXPECT_EQ(export_("a.run", true).first, ExitState::Failed) << "it would replace what is exported";
   EXPECT_EQ(export_("no/a.csv", true).first, ExitState::Failed);
   const auto [state, told] = export_("a.csv", true);
-  EXPECT_EQ(state, ExitState::Finished);
+  EXPECT_EQ(state, ExitState::Failed) << "a script has to notice";
   EXPECT_NE(told.find("Line 3 is none of run data"), std::string::npos) << told;
   EXPECT_NE(directory.Read("a.csv").find("step,1,0.15,-10.0,120.1,"), std::string::npos);
 }

@@ -277,6 +277,8 @@ TEST_F(HyldenRunProgram, SaysWhatIsWrongWithItsExitStatusAndSwitchesNothingOn) {
       {equipped("station.eqp", {"--test", kTest, "--virtual-time"}, Output()), kUsage, "--bench"},
       {testTo(""), kUsage, "An argument is empty."},
       {Test(kTest, {"--seed", "x"}), kUsage, "--seed"},
+      {Test(kTest, {"--seed=-1"}), kUsage, "--seed"},
+      {{"--export", "a.run", "--csv", "a.csv", "--output", "b"}, kUsage, "excludes --"},
       {Cable({"--test", kTest}), kUsage, "Exactly 1"},
       {calibrateTo("out.txt", {"--yes"}), kUsage, ".cal"},
       {Level("cdn-10v.csu", {"--stop", "10"}), kUsage, "--cable-loss"},

@@ -144,6 +144,13 @@ TEST_F(OfferTest, ContinuesOneRunAtAStartWhoseJournalStaysAsItWas) {
     EXPECT_EQ(t.directory.Read(std::string("journals/") + name + ".journal"), TestThatNames("/lab/radio.tst"));
 }
 
+TEST_F(OfferTest, TellsThatNobodyKnowsWhatWaits) {
+  t.directory.Write("journals", "a file in the folder's place");
+  EXPECT_FALSE(Offer());
+  EXPECT_TRUE(
+      t.dialogs.WasShownContaining("can't be read:\r\n" + t.directory.File("journals") + "\r\nNot a directory"));
+}
+
 TEST(Recovery, TellsAJournalThatEndsBeforeItsFirstRowAsSuch) {
   for (const std::string& bytes : {std::string(), kTest.substr(0, 40)})
     EXPECT_EQ(DescriptionOf(RecoveryOf(bytes).value()), "It ends before its first row");

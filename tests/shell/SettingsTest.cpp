@@ -79,14 +79,14 @@ class SettingsTest : public testing::Test {
   std::vector<std::string> told_;
 };
 
-/// The description of the SettingError with this number that the operation throws.
+/// Source and description of the SettingError with this number that the operation throws.
 template <class Operation>
 std::string SettingErrorOf(unsigned number, Operation operation) {
   try {
     operation();
   } catch (const SettingError& error) {
     EXPECT_EQ(error.Number(), static_cast<int>(number));
-    return error.Description();
+    return error.Source() + ": " + error.Description();
   }
   return "no error";
 }
@@ -189,10 +189,12 @@ TEST_F(SettingsTest, AFileThatCannotBeReadIsReportedAndLeftAlone) {
   clsSetting& store = settings.Store();
   const std::string why = " (75, Path/File access error)";
   EXPECT_EQ(SettingErrorOf(0x80040203u, [&] { store.GetSettingStr("Equip", "File", ""); }),
-            "Error reading Setting" + why);
-  EXPECT_EQ(SettingErrorOf(0x80040204u, [&] { store.GetSettingAll("Equip"); }), "Error reading Section" + why);
+            "CSetting.GetSettingStr: Error reading Setting" + why);
+  EXPECT_EQ(SettingErrorOf(0x80040204u, [&] { store.GetSettingAll("Equip"); }),
+            "CSetting.GetSettingAll: Error reading Section" + why);
   EXPECT_EQ(SettingErrorOf(0x80040202u, [&] { store.SaveSettingInt("A", "k", 1); }), "no error");
-  EXPECT_EQ(SettingErrorOf(0x80040205u, [&] { store.DeleteKey("Equip", "File"); }), "Error Deleting Key" + why);
+  EXPECT_EQ(SettingErrorOf(0x80040205u, [&] { store.DeleteKey("Equip", "File"); }),
+            "CSetting.DeleteKey: Error Deleting Key" + why);
   EXPECT_NO_THROW(settings.SaveDefaultEquipFile("/a.eqp"));
   EXPECT_TRUE(directory_.Exists("Hylden.ini/inside"));
 }
@@ -282,7 +284,7 @@ TEST_F(SettingsTest, AProtectedFileIsKeptAndOnlyDeletingComplains) {
   EXPECT_NO_THROW(settings.SaveDefaultEquipFile("b"));
   EXPECT_EQ(settings.GetDefaultEquipFile(), "a");
   EXPECT_EQ(SettingErrorOf(0x80040205u, [&] { settings.Store().DeleteKey("Equip", "File"); }),
-            "Error Deleting Key (check if file is protected)");
+            "CSetting.DeleteKey: Error Deleting Key (check if file is protected)");
 }
 
 TEST_F(SettingsTest, TheDemosDialogsOpenInItsStation) {

@@ -20,6 +20,7 @@ class RecordingDisplay : public RunDisplay {
     if (throwAtStatus == text) throw RuntimeError(ErrorNumber::Overflow);
     statuses.push_back(text);
   }
+  void Note(const std::string& text) override { notes.push_back(text); }
   void Plan(const RunPlan& made) override { plan = made; }
   void Ahead(const RunAhead& now) override { ahead.push_back(now); }
   void Step(int step) override { steps.push_back(step); }
@@ -48,7 +49,7 @@ class RecordingDisplay : public RunDisplay {
   std::function<void(int step)> onStep;  ///< a step is recorded, with RF still on
   std::optional<std::string> throwAtStatus;
   std::vector<RunPhase> phases;
-  std::vector<std::string> statuses;
+  std::vector<std::string> statuses, notes;
   RunPlan plan;
   std::vector<RunAhead> ahead;
   std::vector<int> steps, done;

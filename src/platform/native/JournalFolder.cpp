@@ -139,4 +139,11 @@ std::vector<AbandonedJournal> JournalFolder::Abandoned() const {
   return found;
 }
 
+std::optional<std::string> JournalFolder::Unreadable() const {
+  std::error_code failed;
+  const fs::directory_iterator entries(folder_, failed);
+  if (!failed || failed == std::errc::no_such_file_or_directory) return std::nullopt;
+  return failed.message();
+}
+
 }  // namespace hylden

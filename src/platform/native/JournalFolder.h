@@ -50,6 +50,8 @@ class JournalFolder : public Journals {
   std::vector<std::string> Kept();
   /// What programs that are gone have left here, by name; another's that is in use, or can't be read, is passed over.
   std::vector<AbandonedJournal> Abandoned() const;
+  /// Why nobody can tell what waits here; nothing when it can be told, also where there is no folder.
+  std::optional<std::string> Unreadable() const;
 
  private:
   struct Page;

@@ -41,7 +41,9 @@ std::unique_ptr<OwnedFile> OwnedFile::Make(const std::string& path, std::error_c
 
 std::unique_ptr<OwnedFile> OwnedFile::Take(const std::string& path) {
   // A pipe under this name would wait for somebody at its other end.
-  const int file = open(path.c_str(), O_RDWR | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+  constexpr int kHow = O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+  int file = open(path.c_str(), O_RDWR | kHow);
+  if (file < 0 && errno == EROFS) file = open(path.c_str(), O_RDONLY | kHow);
   if (file < 0) return nullptr;
   std::unique_ptr<OwnedFile> taken(new OwnedFile(file, path));
   return taken->Lock(LOCK_EX | LOCK_NB) ? std::move(taken) : nullptr;

@@ -18,8 +18,8 @@ class OwnedFile {
   /// Makes a new file, for its user only.
   /// @return null when it can't be made, with the reason: file_exists where the name is taken
   static std::unique_ptr<OwnedFile> Make(const std::string& path, std::error_code& failure);
-  /// Takes a file that is there. @return null when another process has it, or it is no ordinary file that this user may
-  /// read and write
+  /// Takes a file that is there. On a disk that has become read-only it can be read, and not removed.
+  /// @return null when another process has it, or it is no ordinary file that this user may read and write
   static std::unique_ptr<OwnedFile> Take(const std::string& path);
   ~OwnedFile();
   OwnedFile(const OwnedFile&) = delete;

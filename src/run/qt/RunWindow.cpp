@@ -117,6 +117,10 @@ void RunWindow::SetUpStatusBar(const Panel& panel) {
   panel_ = MakePanel(panel);
   dwellPanel_ = MakePanel({"pnlDwell", "What is left of the wait, seconds"});
   statusBar()->addWidget(statusPanel_, 1);
+  notePanel_ = MakePanel({"pnlNote", "What the operator has to know of this run"});
+  notePanel_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  notePanel_->hide();
+  statusBar()->addWidget(notePanel_, 2);
   timePanel_ = MakePanel({"pnlTime", "How long the run takes yet, by what earlier runs took"});
   statusBar()->addPermanentWidget(timePanel_);
   statusBar()->addPermanentWidget(panel_);
@@ -127,6 +131,7 @@ void RunWindow::StartAfresh() {
   for (const Figure& figure : controls_.Figures) ShowText(*figure.Label, QString::fromLatin1(kNoFigure));
   ShowText(*controls_.Step, QString::fromLatin1(kNoFigure));
   panel_->clear();
+  notePanel_->hide();
   ClearCountdown();
   ShowProgress(0);
   step_ = 0;
@@ -242,6 +247,12 @@ void RunWindow::Status(const std::string& text) {
   const QString shown = text.empty() ? QString::fromLatin1(kIdle) : ToQt(text);
   ShowStatus(shown, shown.section(QLatin1Char(':'), 0, 0));  // the reason stands in the status bar
   ClearCountdown();
+}
+
+void RunWindow::Note(const std::string& text) {
+  ShowText(*notePanel_, ToQt(text));
+  notePanel_->setToolTip(notePanel_->text());
+  notePanel_->show();
 }
 
 void RunWindow::ShowStatus(const QString& statusBar, const QString& state) {

@@ -130,6 +130,7 @@ class RunWindow : public WorkingForm, public HasTightLayout, protected RunDispla
   // The display.
   void Phase(RunPhase phase) override;
   void Status(const std::string& text) override;
+  void Note(const std::string& text) override;
   void Plan(const RunPlan& plan) override;
   void Ahead(const RunAhead& ahead) override;
   void Countdown(double seconds) override;
@@ -153,6 +154,7 @@ class RunWindow : public WorkingForm, public HasTightLayout, protected RunDispla
   TableFollower* follower_ = nullptr;
   QLabel* statusPanel_ = nullptr;
   QLabel* panel_ = nullptr;
+  QLabel* notePanel_ = nullptr;
   QLabel* dwellPanel_ = nullptr;
   std::string_view layoutKey_;
   QString caption_;
