@@ -1,5 +1,6 @@
 #include "app/Desktop.h"
 
+#include "calibration/qt/frmRunCal.h"
 #include "desktop/DemoWindows.h"
 #include "documents/qt/frmEquipment.h"
 #include "platform/native/JournalFolder.h"
@@ -76,6 +77,40 @@ TEST_F(DesktopTest, OffersAtItsStartWhatAnEarlierProgramHasLeft) {
   EXPECT_TRUE(m.desktop->Start({}));
   EXPECT_TRUE(dialogs.WasShownContaining("Its journal holds:"));
   EXPECT_TRUE(m.directory.Exists("journals/radio.journal"));
+}
+
+TEST_F(DesktopTest, ContinuesACalibrationThatAnEarlierProgramHasLeft) {
+  CalSetup& setup = m.documents.calSetup;
+  ASSERT_TRUE(setup.SaveDef("three.csu"));
+  setup.FileName = "three.csu";
+  {
+    JournalFolder journals(m.directory.File("journals"), JournalFolder::Time::Virtual);
+    m.shell.journals = &journals;
+    frmRunCal form(m.shell, m.instruments, m.documents);
+    form.Load();
+    m.When([&] { return form.Calibration().Rows().size() == 3; }, [&] { Press(form, "cmdHalt"); });
+    dialogs.Answer(MessageAnswer::Yes);  // and no file is chosen
+    Press(form, "cmdStart");
+    ASSERT_EQ(form.Calibration().Rows().size(), 3U) << "the last without its reading";
+    m.shell.journals = nullptr;
+  }
+  dialogs.Clear();
+  JournalFolder journals(m.directory.File("journals"), JournalFolder::Time::Virtual);
+  m.shell.journals = &journals;
+  m.desktop = std::make_unique<Desktop>(m.station, DesktopOptions{.journals = &journals});
+  dialogs.Answer(MessageAnswer::Yes);
+  ASSERT_TRUE(m.desktop->Start({}));
+  EXPECT_TRUE(dialogs.WasShownContaining("Level calibration three.csu")) << testing::PrintToString(dialogs.Texts());
+  auto& form = m.Opened<frmRunCal>();
+  EXPECT_EQ(TextOf(form, "lblState"), "Continues at step 3 (3.0 MHz)");
+  dialogs.Answer(MessageAnswer::Yes);
+  dialogs.AnswerSave(m.directory.File("out.cal"));
+  Press(form, "cmdStart");
+  EXPECT_EQ(form.Calibration().Rows().size(), 3U);
+  EXPECT_TRUE(m.directory.Exists("out.cal"));
+  EXPECT_TRUE(journals.Kept().empty());
+  form.close();
+  Turn();
 }
 
 TEST_F(DesktopTest, ContinuesATestThatAnEarlierProgramHasLeftUnlessItWouldBeAnother) {
