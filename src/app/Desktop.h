@@ -74,7 +74,6 @@ class Desktop : public QObject {
   /// Opens the parse tester above the editor, which gets the expression that is saved there.
   void OpenParseTester(DefinitionForm* editor, const QString& answer, const QString& expression);
   /// Opens the test definition; its Start opens the test run. Null while the program is being ended.
-  /// Opens the test definition; its Start opens the test run.
   frmTestDef* OpenTestDefinition();
   /// Opens the test run in the caller's place.
   void OpenTestRun(QWidget* caller);

@@ -145,6 +145,7 @@ TYPED_TEST(DocumentFileTest, FilesBesideTheDocumentAreFoundFromAnywhere) {
     *field = "file" + std::to_string(number++);
     this->t.directory.Write("lab/" + *field, "");
   }
+  if (number == 0) return;  // it names none
   *FileFields(record).back() = "nowhere";
   std::vector<std::string> found = names();
   for (std::string& path : found)
