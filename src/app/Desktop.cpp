@@ -94,10 +94,9 @@ Desktop::Desktop(Station& station, DesktopOptions options)
   connect(menu_.get(), &TopMenu::Closed, this, [this] {
     if (help_) help_->close();
     bench_->ClosePanel();
-    if (bus_) bus_->close();
     const QVector<QPointer<WorkingForm>> beside = open_;
     for (const QPointer<WorkingForm>& open : beside)
-      if (auto* const run = qobject_cast<frmRunData*>(open.data())) run->close();
+      if (open && open->StandsBeside()) open->close();
     shell_.end.Finish();
     emit Ended();
   });
@@ -151,15 +150,10 @@ void Desktop::ResumeCalibration(const std::string& setup) {
   if (documents_.calSetup.FileName == setup) form->Guard("cmdStart", [form] { form->Start(); });
 }
 
-/// Bus, curves and saved runs are looked at beside the form that the operator works in.
-bool Desktop::StandsBeside(const WorkingForm& form) const {
-  return &form == bus_ || &form == curves_ || qobject_cast<const frmRunData*>(&form);
-}
-
 /// The form that the operator works in.
 WorkingForm* Desktop::Front() const {
   for (auto form = open_.rbegin(); form != open_.rend(); ++form)
-    if (*form && (*form)->isVisible() && !StandsBeside(**form)) return form->data();
+    if (*form && (*form)->isVisible() && !(*form)->StandsBeside()) return form->data();
   return nullptr;
 }
 
@@ -449,14 +443,9 @@ void Desktop::EscapeInPanel() {
 void Desktop::KeepBeside() {
   bench_->KeepBeside();
   if (help_ && help_->isVisible()) StandBeside(*help_);
-  if (bus_ && bus_->isVisible()) StandBeside(*bus_);
+  if (curves_ && curves_->isVisible() && !(curvesOf_ && curvesOf_->isVisible())) curves_->close();
   for (const QPointer<WorkingForm>& open : std::as_const(open_))
-    if (auto* const run = qobject_cast<frmRunData*>(open.data()); run && run->isVisible()) StandBeside(*run);
-  if (!curves_ || !curves_->isVisible()) return;
-  if (curvesOf_ && curvesOf_->isVisible())
-    StandBeside(*curves_);
-  else
-    curves_->close();
+    if (open && open->StandsBeside() && open->isVisible()) StandBeside(*open);
 }
 
 bool Desktop::LoadHelp() {

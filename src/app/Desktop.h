@@ -125,7 +125,6 @@ class Desktop : public QObject {
   void ResumeTest();
   void ResumeCalibration(const std::string& setup);
   void ShowWelcome();
-  bool StandsBeside(const WorkingForm& form) const;
   WorkingForm* Front() const;
   void Raise();
   void OpenNamed(const CommandLine& line);

@@ -28,6 +28,7 @@ class frmCalCurves : public SetupForm {
 
   const CurveOverlay& Files() const { return files_; }
 
+  bool StandsBeside() const override { return true; }
   QString HelpTopic() const override { return QStringLiteral("Curves of a calibration"); }
 
  private:

@@ -32,6 +32,7 @@ class frmBus : public WorkingForm {
   /// Ends the RF that may have been switched on here; does nothing while somebody else has the instruments.
   void PressHalt();
 
+  bool StandsBeside() const override { return true; }
   QString HelpTopic() const override { return QStringLiteral("The bus"); }
 
  signals:

@@ -56,6 +56,8 @@ class WorkingForm : public QMainWindow {
   /// What was to be saved is not: the form does not close behind the command that has missed it.
   virtual bool SaveMissed() const { return false; }
 
+  /// Whether it is looked at beside the form that the operator works in, also a modal one; it goes with the main menu.
+  virtual bool StandsBeside() const { return false; }
   /// The heading of the help file that F1 opens; empty for its beginning.
   virtual QString HelpTopic() const { return {}; }
 

@@ -28,6 +28,7 @@ class frmRunData : public WorkingForm {
   void CompareWith(const std::string& file);
   const OpenedRun& Shown() const { return run_; }
 
+  bool StandsBeside() const override { return true; }
   QString HelpTopic() const override { return QStringLiteral("Saved runs"); }
 
  signals:
