@@ -138,7 +138,7 @@ inline void ExpectMnemonicsShownApart(const QMainWindow& form) {
       keys << key.toString();
       EXPECT_TRUE(keys.last() != QLatin1String("Alt+H") || text == QLatin1String("&Halt")) << "Alt+H halts";
     }
-  EXPECT_GT(keys.size(), 5);
+  EXPECT_FALSE(keys.isEmpty());
   keys.sort();
   EXPECT_EQ(keys.removeDuplicates(), 0) << form.objectName().toStdString() << ": " << keys.join(' ').toStdString();
 }
