@@ -14,7 +14,6 @@ namespace {
 
 constexpr const char* kPlaces[] = {"port", "probe", "generator", "cable"};
 constexpr const char* kDetectors[] = {"type", "carrier", "peak", "average"};
-constexpr const char* kRoles[] = {"bus", "generator", "meter", "power_meter", "ifi_low", "ifi_high"};
 constexpr const char* kFaults[] = {"fail", "late", "garbage", "silent", "absent", "protection"};
 
 /// Every key of a bench file, once: name, field, range, meaning.
@@ -190,8 +189,8 @@ std::string ParseFault(std::string_view text, std::vector<BenchFault>& faults) {
   if (words.size() < 3) return "needs a kind, who, and which call";
   const auto kind = ChoiceIn(words[0], kFaults);
   if (!kind) return "kind " + OneOf(kFaults);
-  const auto who = ChoiceIn(words[1], kRoles);
-  if (!who) return "who " + OneOf(kRoles);
+  const auto who = ChoiceIn(words[1], kBenchRoles);
+  if (!who) return "who " + OneOf(kBenchRoles);
   BenchFault fault{static_cast<FaultKind>(*kind), static_cast<BenchRole>(*who)};
   const bool late = fault.Kind == FaultKind::Late;
   if (words.size() != (late ? 4u : 3u)) return late ? "needs the delay in ms as its last word" : "has a word too many";
@@ -331,7 +330,7 @@ std::string BenchFileText(BenchConfig config) {
   Keys(listing, config);
   for (const BenchFault& fault : config.Faults) {
     std::string line = std::string("fault = ") + kFaults[static_cast<int>(fault.Kind)] + " " +
-                       kRoles[static_cast<int>(fault.Who)] + " " + std::to_string(fault.Call);
+                       kBenchRoles[static_cast<int>(fault.Who)] + " " + std::to_string(fault.Call);
     if (fault.Kind == FaultKind::Late) line += " " + std::to_string(fault.LateMs);
     listing.lines.push_back(line);
   }

@@ -6,6 +6,8 @@ namespace hylden {
 
 /// Who on the bench misbehaves. Bus stands for whoever a call goes to.
 enum class BenchRole : int { Bus, SigGen, Meter, PowerMeter, IfiLow, IfiHigh };
+/// Their names in a bench file, in that order.
+inline constexpr const char* kBenchRoles[] = {"bus", "generator", "meter", "power_meter", "ifi_low", "ifi_high"};
 
 /// How.
 enum class FaultKind : int {

@@ -20,6 +20,8 @@ struct GeneratorState {
   double AmDepthPercent = 0, AmFreqKHz = 0;
   double FmDeviationKHz = 0, FmFreqKHz = 0;
   double PulseFreqKHz = 0, PulseWidthMs = 0;
+
+  bool operator==(const GeneratorState&) const = default;
 };
 
 /// One signal looked at in three ways: its carrier (within a pulse), the peak of its envelope, its average power. Each
@@ -64,6 +66,7 @@ struct Cabling {
 
   /// With the meter at the port the adapter stands in the product's place.
   bool ProductConnected() const { return Meter != MeterAt::Port; }
+  bool operator==(const Cabling&) const = default;
 };
 
 /// Threshold where no product is connected.

@@ -1,19 +1,6 @@
 #include "bench/RfWorld.h"
 
 namespace hylden {
-namespace {
-
-bool Same(const GeneratorState& a, const GeneratorState& b) {
-  return a.RfOn == b.RfOn && a.FreqMHz == b.FreqMHz && a.LevelDbm == b.LevelDbm && a.Modulation == b.Modulation &&
-         a.AmDepthPercent == b.AmDepthPercent && a.AmFreqKHz == b.AmFreqKHz && a.FmDeviationKHz == b.FmDeviationKHz &&
-         a.FmFreqKHz == b.FmFreqKHz && a.PulseFreqKHz == b.PulseFreqKHz && a.PulseWidthMs == b.PulseWidthMs;
-}
-
-bool Same(const Cabling& a, const Cabling& b) {
-  return a.Amplifier == b.Amplifier && a.Meter == b.Meter && a.Protection == b.Protection;
-}
-
-}  // namespace
 
 RfWorld::RfWorld(const Clock& clock, const BenchConfig& config)
     : clock_(clock), config_(config), path_(config), noise_(config.NoiseDb, static_cast<std::uint64_t>(config.Seed)) {
@@ -23,11 +10,11 @@ RfWorld::RfWorld(const Clock& clock, const BenchConfig& config)
 }
 
 void RfWorld::SetGenerator(const GeneratorState& generator) {
-  if (!Same(generator, state_.Generator)) Change(generator, state_.Cabling);
+  if (generator != state_.Generator) Change(generator, state_.Cabling);
 }
 
 void RfWorld::SetCabling(const hylden::Cabling& cabling) {
-  if (!Same(cabling, state_.Cabling)) Change(state_.Generator, cabling);
+  if (cabling != state_.Cabling) Change(state_.Generator, cabling);
 }
 
 const RfWorld::View& RfWorld::SeenAt(std::int64_t tickMs) const {
@@ -40,7 +27,7 @@ void RfWorld::Change(const GeneratorState& generator, const hylden::Cabling& cab
   if (now >= settledMs_) before_ = now_;
   settledMs_ = now + static_cast<std::int64_t>(config_.GeneratorSettlingMs);
 
-  if (generator.FreqMHz != state_.Generator.FreqMHz || !Same(cabling, state_.Cabling))
+  if (generator.FreqMHz != state_.Generator.FreqMHz || cabling != state_.Cabling)
     factors_ = path_.At(generator.FreqMHz, cabling);
   now_ = {LevelsOf(factors_, generator), generator.FreqMHz};
 

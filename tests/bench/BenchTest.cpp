@@ -62,8 +62,9 @@ TEST(BenchFileText, ReadsBackAsTheConfigurationItWasWrittenFrom) {
   EXPECT_EQ(file.Config.ProductOhm.Points().size(), 2u);
 }
 
-TEST(BenchFile, EveryKeyAndTableHasItsPlaceInTheDocumentation) {
+TEST(BenchFile, EveryKeyTableAndRoleHasItsPlaceInTheDocumentation) {
   const std::string documented = ReadTextFile(HYLDEN_SOURCE_DIR "/docs/formats/bench.md");
+  for (const std::string role : kBenchRoles) EXPECT_NE(documented.find("`" + role + "`"), std::string::npos) << role;
   LineReader lines(BenchFileText(BenchConfig()));
   while (!lines.AtEnd()) {
     const std::string line = lines.ReadLine(), key = line.substr(0, line.find(" = "));
