@@ -194,9 +194,10 @@ GpibDriver& Bus::Open(const BusWay& way) {
     }
     case Kind::Absent:
       return keep(std::make_unique<AbsentGpib>(way.Place));
-    default:
-      return keepThreaded(std::make_unique<NativeGpib>(OpenGpibLibrary(choice_.Library), choice_.Board));
+    case Kind::Native:  // no default: a way that is forgotten here would drive another one's instruments
+      break;
   }
+  return keepThreaded(std::make_unique<NativeGpib>(OpenGpibLibrary(choice_.Library), choice_.Board));
 }
 
 }  // namespace hylden

@@ -3,11 +3,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <regex>
+
 #include "bench/Bench.h"
 #include "platform/GpibDriver.h"
 #include "platform/VirtualTime.h"
 #include "shell/INISettings.h"
 #include "support/TempDir.h"
+#include "text/TextFile.h"
 
 namespace hylden {
 namespace {
@@ -87,6 +90,18 @@ TEST_F(BusChoiceTest, WhatCantBeUnderstoodIsToldAndLeadsNowhere) {
     if (c.address < 0) continue;
     Bus bus(choice, events_, clock_);
     EXPECT_THAT(Opening(bus, c.address), testing::AllOf(HasSubstr("failed: "), HasSubstr(c.why)));
+  }
+}
+
+TEST_F(BusChoiceTest, EveryFormOfADevicesWayIsInThePapers) {
+  const std::string forms = Chosen("[Devices]\n18=soket").FaultText();
+  const std::regex form("[a-z0-9]+:[A-Z][A-Z:,]*[A-Z]");
+  const std::sregex_iterator end;
+  EXPECT_NE(std::sregex_iterator(forms.begin(), forms.end(), form), end);
+  for (const char* const page : {"buses.md", "formats/settings.md"}) {
+    const std::string text = ReadTextFile(std::string(HYLDEN_SOURCE_DIR "/docs/") + page);
+    for (std::sregex_iterator one(forms.begin(), forms.end(), form); one != end; ++one)
+      EXPECT_THAT(text, HasSubstr("`" + one->str() + "`")) << page;
   }
 }
 
