@@ -18,6 +18,7 @@ constexpr int kReachPixels = 24, kClickPixels = 4;
 constexpr int kMarginPercent = 4;
 /// Above the highest value, for the text of a mark; a share of what is shown.
 constexpr double kRoomForText = 0.3;
+constexpr int kWiderThanAnyScreen = 100000;
 constexpr int kLegendColumns = 5;
 /// Points are marked as long as they stand apart.
 constexpr int kPixelsForMarker = 3;
@@ -109,6 +110,8 @@ CurveView::Plot::Plot(CurveView& theView) : view(theView), plot(*new QCustomPlot
   plot.legend->setMargins(QMargins(4, 2, 4, 0));
   plot.legend->setRowSpacing(0);
   plot.legend->setVisible(false);
+  // One without names, unseen as it is, would leave no more width to the curves than it takes itself.
+  plot.legend->setMaximumSize(kWiderThanAnyScreen, QWIDGETSIZE_MAX);
   SetUpMouse();
 }
 

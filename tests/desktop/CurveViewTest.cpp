@@ -64,6 +64,17 @@ TEST_F(CurveViewTest, ShowsAllPointsUntilTheOperatorZooms) {
   EXPECT_GT(view.HighestShown().Freq, 900);
 }
 
+TEST_F(CurveViewTest, FillsItsRoomWhetherItsCurvesAreNamedOrNot) {
+  const auto width = [&] { return view.PositionOf({0, 4}).x() - view.PositionOf({0, 0}).x(); };
+  EXPECT_GT(width(), 400);
+  view.SetCurves({Loss(), Loss()});
+  Settle();
+  EXPECT_GT(width(), 400);
+  view.SetCurves({Loss()});
+  Settle();
+  EXPECT_GT(width(), 400);
+}
+
 TEST_F(CurveViewTest, PointThatIsAddedStandsInItsPlaceAndTheChosenOneStaysChosen) {
   view.SetCurrent(CurvePlace{0, 2});
   view.AddPoint(0, {1, 0.3});

@@ -40,6 +40,7 @@
 #include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtEventLoop.h"
 #include "platform/qt/QtPrinter.h"
+#include "run/qt/RunCurvePanel.h"
 #include "shell/qt/TopMenu.h"
 #include "testrun/qt/frmRunTest.h"
 
@@ -68,9 +69,9 @@ Control& Find(QWidget& window, const char* name) {
 }
 
 /// The windows' own timers run on real time: a table follows its last row a moment later.
-void Settle() {
+void Settle(int ms = 80) {
   QElapsedTimer time;
-  for (time.start(); time.elapsed() < 80;) QApplication::processEvents(QEventLoop::AllEvents, 10);
+  for (time.start(); time.elapsed() < ms;) QApplication::processEvents(QEventLoop::AllEvents, 10);
 }
 
 class Tour {
@@ -82,7 +83,8 @@ class Tour {
   }
 
   void Grab(QWidget& window, const char* name) {
-    Settle();
+    // In a run curves are drawn when there is time: on the bench's clock there seldom is any.
+    Settle(window.findChild<RunCurvePanel*>() ? 400 : 80);
     const QString path = output_.filePath(QLatin1String(name) + QLatin1String(".png"));
     if (!window.grab().save(path)) throw std::runtime_error("can't write " + path.toStdString());
     std::cout << path.toStdString() << std::endl;
@@ -440,14 +442,33 @@ int TakePictures(const QString& output) {
   return 0;
 }
 
+/// Shows the windows in a dark theme, or in one of high contrast.
+bool UsePalette(std::string_view name) {
+  if (name != "dark" && name != "contrast") return false;
+  QApplication::setStyle(QStringLiteral("Fusion"));
+  const bool dark = name == "dark";
+  QPalette palette(dark ? QColor(0x3a, 0x3d, 0x41) : QColor(Qt::black), dark ? QColor(0x2a, 0x2c, 0x2f) : Qt::black);
+  const QColor text = dark ? QColor(0xe4, 0xe6, 0xe8) : QColor(Qt::white);
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText})
+    palette.setColor(role, text);
+  palette.setColor(QPalette::Base, dark ? QColor(0x1f, 0x21, 0x23) : Qt::black);
+  palette.setColor(QPalette::AlternateBase, dark ? QColor(0x2a, 0x2c, 0x2f) : QColor(0x20, 0x20, 0x20));
+  palette.setColor(QPalette::Highlight, dark ? QColor(0x2f, 0x65, 0xa8) : Qt::yellow);
+  palette.setColor(QPalette::HighlightedText, dark ? Qt::white : Qt::black);
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+    palette.setColor(QPalette::Disabled, role, Qt::gray);
+  QApplication::setPalette(palette);
+  return true;
+}
+
 }  // namespace
 }  // namespace hylden
 
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
-  if (argc != 3) {
-    std::cerr << "hylden-pictures STATION-DIRECTORY OUTPUT-DIRECTORY\n";
+  if (argc < 3 || (argc == 4 && !hylden::UsePalette(argv[3])) || argc > 4) {
+    std::cerr << "hylden-pictures STATION-DIRECTORY OUTPUT-DIRECTORY [dark|contrast]\n";
     return 2;
   }
   const QString output = QDir(QString::fromLocal8Bit(argv[2])).absolutePath();
