@@ -33,7 +33,9 @@ void TableFollower::RowChanged() {
 void TableFollower::Follow() {
   const QAbstractItemModel* const rows = table_.model();
   if (held_ || !following_ || !rows || rows->rowCount() == 0) return;
-  table_.setCurrentIndex(rows->index(rows->rowCount() - 1, 0));
+  const QItemSelection& chosen = table_.selectionModel()->selection();
+  const bool several = chosen.size() > 1 || (chosen.size() == 1 && chosen.first().height() > 1);
+  if (!several) table_.setCurrentIndex(rows->index(rows->rowCount() - 1, 0));
   table_.scrollToBottom();
 }
 

@@ -7,8 +7,9 @@ class QTableView;
 
 namespace hylden {
 
-/// Keeps the last row of a growing table in view, unless the operator has scrolled away from it. The table is moved at
-/// a pace of its own, however fast the rows come; its rows are of one height.
+/// Keeps the last row of a growing table in view, unless the operator has scrolled away from it, and makes it the
+/// current one, unless the operator has selected several. The table is moved at a pace of its own, however fast the
+/// rows come; its rows are of one height.
 class TableFollower : public QObject {
   Q_OBJECT
 

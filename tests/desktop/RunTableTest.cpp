@@ -39,6 +39,22 @@ TEST(RunTable, ViewNeverLooksAtAllRowsOfALongRun) {
   EXPECT_LT(asked, 100 * 60 * 6 * 2) << "more than what can be seen, at each of a hundred looks";
 }
 
+TEST(RunTable, RowsThatAreSelectedStaySelectedWhileTheRunGoesOn) {
+  RowTable rows({"Freq MHz"}, [](std::size_t row, std::size_t) { return std::to_string(row); });
+  QTableView view;
+  view.setSelectionBehavior(QTableView::SelectRows);
+  view.setModel(&rows);
+  auto* const follower = new TableFollower(view);
+  rows.RowChanged(5);
+  for (const int selected : {1, 3}) {
+    view.clearSelection();
+    view.selectionModel()->select({rows.index(1, 0), rows.index(selected, 0)}, QItemSelectionModel::Select);
+    follower->Follow();
+    EXPECT_EQ(view.selectionModel()->selectedRows().size(), selected);
+    EXPECT_EQ(view.selectionModel()->isSelected(rows.index(4, 0)), selected == 1);
+  }
+}
+
 TEST(RunTable, ModelKeepsItsPromisesToViews) {
   const auto cell = [](std::size_t, std::size_t) { return std::string("<b>fails</b>"); };
   RowTable rows({"Freq MHz", "SG,dBm"}, cell, [](std::size_t row, std::size_t) { return row == 1; });
