@@ -93,16 +93,28 @@ void RunCablCal::InsertPass(RunDisplay& display) {
 }
 
 void RunCablCal::RunPass(const Pass& pass, const char* context) {
+  ExpectTimes(pass);
   const auto run = [&] {
     current_ = 0;
     shell_.delay.ClearHalt();
     pass.Display.Phase(RunPhase::BringingUp);
+    times_->Start();
     if (!BringUp(pass)) return;
     pass.Display.Phase(RunPhase::Running);
+    times_->InstrumentsUp();
     ShowPlan(pass);
     Sweep(pass);
   };
   guard_.Run(context, run, [&] { EndPass(pass); });
+}
+
+void RunCablCal::ExpectTimes(const Pass& pass) {
+  std::vector<ExpectedStep> steps(points_.size(),
+                                  {.Kind = StepKind::Next, .Dwell = 0, .Wait = Setup.Dwell, .Waits = 1});
+  steps.front().Kind = StepKind::First;
+  times_.emplace(shell_, pass.Display);
+  times_->Expect(pass.Inserted ? "insert pass" : "direct pass",
+                 instruments_.sigGen.FileName() + ", " + instruments_.meter.FileName(), std::move(steps));
 }
 
 bool RunCablCal::BringUp(const Pass& pass) {
@@ -153,6 +165,8 @@ bool RunCablCal::MeasurePoint(const Pass& pass, std::size_t index) {
   pass.Display.Show(Readout::Remaining, minutes / row * static_cast<double>(points_.size() - current_));
   pass.Display.StepDone(row);
   journal_.TellTrouble(pass.Display);
+  times_->StepDone(index, 1, 0, true);
+  times_->ShowAhead(index + 1);
   if (pass.Inserted) shell_.delay.Yield();
   return !Halted();
 }
@@ -204,12 +218,18 @@ void RunCablCal::Journal(const Pass& pass) {
 }
 
 void RunCablCal::EndPass(const Pass& pass) {
+  const bool inOrder = guard_.Outcome() == RunOutcome::Finished || Halted();
+  times_->TakingDown();
   guard_.Attempt([&] { up_.SwitchRfOff(); });
   guard_.Attempt([&] { pass.Display.Status("Shutting down instruments..."); });
   guard_.Attempt([&] { pass.Display.Phase(RunPhase::TakingDown); });
   guard_.Attempt([&] { RunAll({[&] { up_.CloseSigGen(); }, [&] { up_.TakeDown(); }}); });
+  guard_.Attempt([&] { times_->Ended(inOrder); });
   guard_.Attempt([&] { pass.Display.Status(""); });
   guard_.Attempt([&] { journal_.TellTrouble(pass.Display); });
+  guard_.Attempt([&] {
+    if (!instruments_.sigGen.RfIsOn()) times_->Keep();
+  });
   guard_.Attempt([&] { pass.Display.Phase(RunPhase::Ready); });
 }
 

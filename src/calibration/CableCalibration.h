@@ -10,6 +10,7 @@
 #include "run/InstrumentsUp.h"
 #include "run/RunGuard.h"
 #include "run/RunJournal.h"
+#include "run/TimeKeeper.h"
 #include "run/UnsavedRows.h"
 
 namespace hylden {
@@ -96,6 +97,7 @@ class RunCablCal {
   std::optional<double> Read();
   void Store(const Pass& pass, CablePoint& point, float levelDbm, double reading);
   void Journal(const Pass& pass);
+  void ExpectTimes(const Pass& pass);
   void EndPass(const Pass& pass);
 
   Shell& shell_;
@@ -107,6 +109,7 @@ class RunCablCal {
   std::vector<CablePoint> points_;
   std::size_t current_ = 0;  ///< the point at work, counted from 1
   RunJournal journal_;
+  std::optional<TimeKeeper> times_;  ///< of the pass
 };
 
 }  // namespace hylden

@@ -53,7 +53,7 @@ RowCurves::Values CalRunCurves::ValuesOf(const CalRow& row) const {
     case CalQuantity::Level:
       break;
   }
-  return {row.TestLevel};
+  return {row.Reached};
 }
 
 std::vector<RowCurves::Added> CalRunCurves::Add(const CalRows& rows, int row) {

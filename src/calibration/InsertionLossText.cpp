@@ -4,6 +4,7 @@
 
 #include "calibration/CableCalibration.h"
 #include "shell/INISettings.h"
+#include "text/ExistingPath.h"
 #include "text/Pattern.h"
 #include "text/TextFile.h"
 
@@ -63,7 +64,7 @@ FileRequest InsertionLossRequest(INISettings& settings, const std::string& name)
 }
 
 Done FileInsertionLoss(const std::vector<CablePoint>& points, const std::string& path) {
-  return Trapped("RunCblCal.SaveFile", path, [&] { ReplaceFile(path, InsertionLossText(points, path)); });
+  return Trapped("RunCblCal.SaveFile", path, [&] { ReplaceFile(path, InsertionLossText(points, FullPath(path))); });
 }
 
 }  // namespace hylden

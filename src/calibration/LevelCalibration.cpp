@@ -399,6 +399,7 @@ bool LevelCalibration::Record() {
   CalRow& row = rows_.emplace_back(CalRow{point_.Freq, levelDbm, point_.Target});
   const int number = static_cast<int>(rows_.size());
   if (point_.ForwardDbm) row.FwdPwr = *point_.ForwardDbm - excessDb;
+  row.Reached = point_.Level;
   row.Complete = !setup_.RecordsReverse();
   display_.RowChanged(number);
   if (!row.Complete && !ReadReversePower(excessDb, row)) return false;

@@ -19,7 +19,8 @@ struct CalRow {
   double TestLevel = 0;               ///< dBuV
   std::optional<double> FwdPwr = {};  ///< dBm; nothing where it is not recorded, so the next
   std::optional<double> RevPwr = {};
-  bool Complete = true;  ///< the reverse power was read, where it is to be recorded
+  bool Complete = true;                ///< the reverse power was read, where it is to be recorded
+  std::optional<double> Reached = {};  ///< dBuV, within the tolerance band; in no file, so nothing for a former run's
 };
 /// Those of a complete row.
 template <class F>

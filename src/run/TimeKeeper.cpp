@@ -1,5 +1,6 @@
 #include "run/TimeKeeper.h"
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -58,6 +59,7 @@ void TimeKeeper::Start() {
   startMs_ = lapMs_ = CountedMs();
   up_ = down_ = std::nullopt;
   next_ = 0;
+  foreseen_ = taken_ = share_ = 0;
   measured_.clear();
   measured_.reserve(expected_.size());
 }
@@ -70,16 +72,32 @@ void TimeKeeper::InstrumentsUp() {
 void TimeKeeper::StepDone(std::size_t step, int waits, double readings, bool whole) {
   const double seconds = Lap();
   // A step behind manual mode begins elsewhere, and may have been measured before.
-  if (whole && step == next_ && step < expected_.size())
+  if (whole && step == next_ && step < expected_.size()) {
     measured_.push_back({expected_[step], seconds, waits, readings});
+    if (!left_.empty()) {
+      // One that stalled says nothing of the others.
+      constexpr double kMost = 3;
+      const double usual = left_[step] - left_[step + 1];
+      foreseen_ += usual;
+      taken_ += std::min(seconds, kMost * usual);
+    }
+  }
   next_ = step + 1;
+}
+
+/// How much longer its steps take than in earlier runs. The first ones say little of the others.
+double TimeKeeper::Pace() const {
+  constexpr double kShareOfTrust = 0.05;
+  const double trust = kShareOfTrust * predicted_;
+  return (taken_ + trust) / (foreseen_ + trust);
 }
 
 void TimeKeeper::ShowAhead(std::size_t step) {
   if (step >= left_.size() || !(predicted_ > 0)) return;
-  const double left = left_[step];
-  display_.Ahead({1 - left / predicted_, "about " + DurationText(left) + " left, ends at " +
-                                             ClockAfter(shell_.clock.SecondsSinceMidnight(), left)});
+  const double left = left_[step] * Pace(), over = Seconds();
+  if (over + left > 0) share_ = std::max(share_, over / (over + left));
+  display_.Ahead({share_, "about " + DurationText(left) + " left, ends at " +
+                              ClockAfter(shell_.clock.SecondsSinceMidnight(), left)});
 }
 
 void TimeKeeper::Ended(bool inOrder) {

@@ -35,7 +35,7 @@ class TimeKeeper {
   /// A step, counted from 0 among those expected, is complete.
   /// @param whole  its dwell was not cut
   void StepDone(std::size_t step, int waits, double readings, bool whole);
-  /// Shows what lies ahead before this step.
+  /// Shows what lies ahead before this step, at the pace that the run has had so far.
   void ShowAhead(std::size_t step);
   /// The instruments are going to be taken down.
   void TakingDown() { Lap(); }
@@ -48,6 +48,7 @@ class TimeKeeper {
  private:
   std::int64_t CountedMs() const;
   double Lap();
+  double Pace() const;
   std::string File() const;
   std::vector<RunTimes> Runs() const;
 
@@ -57,6 +58,8 @@ class TimeKeeper {
   std::vector<ExpectedStep> expected_;
   std::vector<double> left_;  ///< before each step and behind the last, s; empty where nobody can tell
   double predicted_ = 0;
+  double foreseen_ = 0, taken_ = 0;  ///< for the steps that are done, s: by earlier runs, and now
+  double share_ = 0;                 ///< of the run that is over
   std::int64_t startMs_ = 0, lapMs_ = 0, pausedMs_ = 0;
   std::optional<double> up_, down_;
   std::vector<MeasuredStep> measured_;

@@ -16,6 +16,11 @@ std::string OneLine(const std::string& field) {
 }
 
 std::string RecordReader::NextLine() {
+  if (lines_.AtEnd()) {
+    const RuntimeError end(ErrorNumber::InputPastEndOfFile);
+    throw RuntimeError(end.Number(),
+                       end.Description() + ", behind line " + std::to_string(line_) + " of the " + std::string(kind_));
+  }
   ++line_;
   return lines_.ReadLine();
 }

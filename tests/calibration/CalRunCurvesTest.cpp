@@ -7,6 +7,8 @@ namespace {
 
 TEST(CalRunCurves, HoldTheCompleteRowsAndTheGainOfThoseWithAForwardPower) {
   CalRows rows = {{1, -10, 120, 40.0, 30.0}, {2, -11, 120.2, -999.0, {}}, {3, -12, 120.1, 41.0, {}, false}};
+  rows[0].Reached = 120.3;
+  rows[2].Reached = 120.4;  // the second is one of a former run
   CalRunCurves gain(CalQuantity::Gain, rows, {}), level(CalQuantity::Level, rows, {{1, 120}});
   ASSERT_EQ(gain.Curves()[0].Points.size(), 2U) << "the last one waits for its reverse power";
   EXPECT_EQ(gain.Curves()[0].Points[0].Value, 50);
@@ -14,7 +16,7 @@ TEST(CalRunCurves, HoldTheCompleteRowsAndTheGainOfThoseWithAForwardPower) {
   rows[2].Complete = true;
   EXPECT_EQ(gain.Add(rows, 3).size(), 1U);
   EXPECT_TRUE(gain.Add(rows, 3).empty());
-  EXPECT_EQ(level.Curves()[0].Points.at(1), (CurvePoint{2, 120.2}));
+  EXPECT_EQ(level.Curves()[0].Points.at(0), (CurvePoint{1, 120.3}));
   EXPECT_EQ(level.Curves()[2].Points.at(0), (CurvePoint{1, 120.5}));
 }
 

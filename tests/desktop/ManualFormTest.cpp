@@ -250,6 +250,13 @@ TEST_F(ManualForm, HasTheKeysAfterTheCommentAndMnemonicsPressTheirButtons) {
     EXPECT_EQ(QApplication::activeWindow(), Manual());
     const std::pair<Qt::Key, const char*> mnemonics[] = {
         {Qt::Key_T, "cmdThreshold"}, {Qt::Key_N, "cmdReturn"}, {Qt::Key_H, "cmdRunHalt"}};
+    QStringList keys;
+    for (const QLabel* label : Manual()->findChildren<QLabel*>())
+      if (label->buddy()) keys << QKeySequence::mnemonic(label->text()).toString();
+    for (const QAbstractButton* button : Manual()->findChildren<QAbstractButton*>())
+      keys << QKeySequence::mnemonic(button->text()).toString();
+    for (const QAction* menu : form->menuBar()->actions())
+      EXPECT_FALSE(keys.contains(QKeySequence::mnemonic(menu->text()).toString())) << menu->text().toStdString();
     for (const auto& [key, button] : mnemonics) {
       QTest::keyClick(Manual(), key, Qt::AltModifier);
       EXPECT_TRUE(Find<QPushButton>(*form, button).isDown()) << button;

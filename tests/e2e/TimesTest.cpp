@@ -74,6 +74,50 @@ TEST(TimedRun, ACalibrationIsPredictedToo) {
   EXPECT_NEAR((h * 3600 + m * 60 + sec) * 1000.0 / static_cast<double>(s.clock.TickMs() - start), 1, 0.05);
 }
 
+TEST(TimedRun, ThePassesOfACableArePredictedToo) {
+  DemoRuns s;
+  s.cable.Setup.StartFreq = 1, s.cable.Setup.StopFreq = 20, s.cable.Setup.LogStep = 10;
+  for (const bool again : {false, true}) {
+    ASSERT_TRUE(s.cable.BuildPlan());
+    s.calibrationDisplay.ahead.clear();
+    const std::int64_t start = s.clock.TickMs();
+    s.DirectPass();
+    ASSERT_EQ(s.cable.Outcome(), RunOutcome::Finished) << s.dialogs.LastText();
+    int h = 0, m = 0, sec = 0;
+    const std::string told = s.calibrationDisplay.ahead.front().Text;
+    EXPECT_EQ(std::sscanf(told.c_str(), "takes about %d:%d:%d", &h, &m, &sec) == 3, again) << told;
+    if (again) {
+      EXPECT_NEAR((h * 3600 + m * 60 + sec) * 1000.0, static_cast<double>(s.clock.TickMs() - start), 2500);
+    }
+    s.cable.Setup.Dwell *= 2;
+  }
+}
+
+TEST(TimedRun, TellsTheRestAtThePaceThatItHas) {
+  DemoRuns s;
+  s.Load("substitution-am.tst");
+  s.Run();
+  s.display.onStep = [&](int) { s.clock.Advance(1000); };  // an instrument that has become slow
+  s.display.ahead.clear();
+  const std::int64_t start = s.clock.TickMs();
+  s.Run();
+  const double actual = static_cast<double>(s.clock.TickMs() - start) / 1000;
+  EXPECT_GT(actual, 1.5 * s.engine.Info().PredictedSeconds);
+  double share = 0;
+  std::size_t told = 0;
+  for (const RunAhead& ahead : s.display.ahead) {
+    int h = 0, m = 0, sec = 0;
+    if (std::sscanf(ahead.Text.c_str(), "about %d:%d:%d left", &h, &m, &sec) != 3) continue;
+    EXPECT_GE(ahead.Share, share) << "progress does not go back";
+    share = ahead.Share;
+    if (++told != 35) continue;
+    EXPECT_NEAR(share, 0.5, 0.1);
+    EXPECT_NEAR(h * 3600 + m * 60 + sec, actual / 2, actual / 10);
+  }
+  EXPECT_GT(told, 60U);
+  EXPECT_GT(share, 0.95);
+}
+
 TEST(TimedRun, ATimesFileThatCanNotBeUsedCostsTheEstimateOnly) {
   DemoRuns s;
   s.Load("substitution-am.tst");

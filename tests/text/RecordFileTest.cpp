@@ -72,7 +72,7 @@ constexpr std::string_view FileKind(const Sample&) {
 TEST(RecordFile, AFaultKeepsTheFieldsBeforeItAndNamesItsLineAndTheKindOfFile) {
   const std::string most(59, 'x');
   const std::tuple<std::string, int, std::string> rows[] = {
-      {"new\n1\n", 62, "Input past end of file"},
+      {"new\n1\n", 62, "Input past end of file, behind line 2 of the sample"},
       {"new\n1\nlow\n", 13, "Type mismatch, line 3 of the sample: \"low\""},
       {"new\n1\n\n", 13, "Type mismatch, line 3 of the sample: \"\""},
       {"new\n1\n0,15\n", 13, "Type mismatch, line 3 of the sample: \"0,15\""},
