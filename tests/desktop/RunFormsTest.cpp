@@ -354,6 +354,25 @@ TEST_F(RunForms, WindowsOfARunFitASmallScreenAndNeverOpenLargerThanIt) {
   expectFits(calibration);
 }
 
+TEST_F(RunForms, SavesItsCurvesAsAPictureBetweenTwoRuns) {
+  Open();
+  std::string told;
+  m.shell.onSaved = [&](const std::string& path) { told = path; };
+  m.When(AtStep(3), [&] {
+    EXPECT_FALSE(Find<QAction>(*form, "mnuFilePicture").isEnabled());
+    Press(*form, "cmdRunHalt");
+  });
+  Run();
+  for (const auto& [name, start] :
+       {std::pair("a.png", "\x89PNG"), std::pair("a.svg", "<?xml"), std::pair("a.pdf", "%PDF")}) {
+    dialogs.AnswerSave(m.directory.File(name));
+    Choose(*form, "mnuFilePicture");
+    EXPECT_TRUE(m.directory.Read(name).starts_with(start)) << name;
+    EXPECT_EQ(told, m.directory.File(name));
+  }
+  m.shell.onSaved = nullptr;
+}
+
 TEST_F(RunForms, CurvesHoldTheRowsInTheChosenUnitAndLeadToThemAndBack) {
   Open("probe-limited-pulse.tst");
   auto& panel = Find<RunCurvePanel>(*form, "pnlCurves");

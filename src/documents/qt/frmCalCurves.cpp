@@ -11,6 +11,7 @@
 #include "shell/Shell.h"
 #include "text/TextFile.h"
 #include "ui_frmCalCurves.h"
+#include "widgets/CurvePicture.h"
 
 namespace hylden {
 
@@ -26,7 +27,6 @@ constexpr KindText kKinds[] = {
      datakind::kCalibrations},
     {"Insertion Loss Curves", "&Add File...", "File", "Select Insertion Loss File",
      "InsLoss (*.los)|*.los|Text File (*.txt)|*.txt|All Files (*.*)|*.*", datakind::kInsertionLoss}};
-constexpr char kPictureFilter[] = "Picture (*.png)|*.png|PDF (*.pdf)|*.pdf";
 constexpr int kNameColumn = 0, kSummaryColumn = 1, kDescriptionColumn = 2;
 constexpr int kAllQuantities = -1;
 constexpr int kRowMargin = 6, kLarge = 10'000;
@@ -182,14 +182,12 @@ void frmCalCurves::ShowSummaries() {
 
 void frmCalCurves::SavePicture() {
   if (!MayAsk()) return;
-  const auto path = AskSaveFile("Save curves as picture", kPictureFilter, TextOf(kind_).DataKind, {});
+  const auto path = AskSaveFile("Save curves as picture", kCurvePictureFilter, TextOf(kind_).DataKind, {});
   if (!path) return;
   CurveChoice choice = Choice();
   choice.FullNames = true;  // a picture has neither caption nor table
   ui_->crvFiles->SetCurves(files_.Curves(choice));
-  const bool isPdf = ToQt(*path).endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive);
-  shell_.Ok(Trapped("frmCalCurves.SavePicture", *path,
-                    [&] { ReplaceFile(*path, isPdf ? ui_->crvFiles->Pdf() : ui_->crvFiles->Png()); }));
+  SaveCurvePicture(shell_, *ui_->crvFiles, *path);
   ui_->crvFiles->SetCurves(files_.Curves(Choice()));
 }
 

@@ -16,6 +16,7 @@
 #include "shell/Shell.h"
 #include "text/TextFile.h"
 #include "ui_frmEditFactor.h"
+#include "widgets/CurvePicture.h"
 
 namespace hylden {
 
@@ -220,12 +221,7 @@ void frmEditFactor::UseFile(KnownFile file) {
 
 void frmEditFactor::ExportCurve() {
   const auto path = AskSaveFile("Save curve as picture", kCurvePictureFilter, datakind::kFactors, {});
-  if (!path) return;
-  try {
-    ReplaceFile(*path, ui_->crvFactor->PictureFor(*path));
-  } catch (const std::exception& error) {
-    shell_.ReportError(error, "frmEditFactor.ExportCurve", *path);
-  }
+  if (path) SaveCurvePicture(shell_, *ui_->crvFactor, *path);
 }
 
 void frmEditFactor::CellsEdited() {

@@ -22,6 +22,8 @@
 #include "run/qt/RunLayout.h"
 #include "shell/Shell.h"
 #include "text/Duration.h"
+#include "widgets/CurvePicture.h"
+#include "widgets/CurveView.h"
 #include "widgets/LabelText.h"
 #include "widgets/RfLamp.h"
 #include "widgets/TableCopy.h"
@@ -76,6 +78,7 @@ void RunWindow::SetUp(Controls controls, RowTable& table, UnsavedRows& rows, con
   controls_.Halt->setEnabled(false);
   controls_.Halt->setProperty(kHaltsProperty, true);
   connect(controls_.Halt, &QAbstractButton::clicked, this, &RunWindow::Halt);
+  On(controls_.Picture, [this] { SavePicture(); });
   connect(controls_.Exit, &QAction::triggered, this, &QWidget::close);
   connect(controls_.Help, &QAction::triggered, this, &RunWindow::AskForHelp);
   // A key still held down from the run before must not start the next one.
@@ -125,6 +128,12 @@ void RunWindow::SetUpStatusBar(const Panel& panel) {
   statusBar()->addPermanentWidget(timePanel_);
   statusBar()->addPermanentWidget(panel_);
   statusBar()->addPermanentWidget(dwellPanel_);
+}
+
+void RunWindow::SavePicture() {
+  const auto path = shell_.dialogs.SaveFile(
+      {"Save curves as picture", kCurvePictureFilter, shell_.settings.GetDataDir(datakind::kTestResults), {}});
+  if (path) SaveCurvePicture(shell_, controls_.Curves->View(), *path);
 }
 
 void RunWindow::StartAfresh() {

@@ -65,6 +65,7 @@ class RunWindow : public WorkingForm, public HasTightLayout, protected RunDispla
               .Split = ui.splRun,
               .Curves = ui.pnlCurves,
               .File = ui.mnuFile,
+              .Picture = ui.mnuFilePicture,
               .Exit = ui.mnuFileExit,
               .Help = ui.mnuHelpRun};
     }
@@ -76,7 +77,7 @@ class RunWindow : public WorkingForm, public HasTightLayout, protected RunDispla
     QSplitter* Split;
     RunCurvePanel* Curves;
     QMenu* File;
-    QAction *Exit, *Help;
+    QAction *Picture, *Exit, *Help;
 
     QLabel *Start = nullptr, *Stop = nullptr;
     QLabel* Dwell = nullptr;  ///< of every step; may be missing
@@ -143,6 +144,7 @@ class RunWindow : public WorkingForm, public HasTightLayout, protected RunDispla
   void ArrangeFigures(bool inOneRow);
   QLabel* MakePanel(const Panel& panel);
   void SetUpStatusBar(const Panel& panel);
+  void SavePicture();
   void ShowBusy(bool busy);
   void ShowCaption();
   void ShowTimes();

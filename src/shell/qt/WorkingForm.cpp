@@ -51,7 +51,7 @@ WorkingForm::WorkingForm(Shell& shell, QWidget* parent) : QMainWindow(parent), s
 void WorkingForm::OpenFrom(QWidget* caller) {
   CallingForm = caller;
   using Keeps = WindowMemory::Keeps;
-  new WindowMemory(shell_, *this, caller ? Keeps::Size : Keeps::SizeAndPlace);
+  new WindowMemory(shell_, *this, caller && !StandsBeside() ? Keeps::Size : Keeps::SizeAndPlace);
   OpenOver(*this, caller);
   if (caller) callerPlace_ = caller->geometry().topLeft();
   show();

@@ -15,8 +15,10 @@
 #include "text/Pattern.h"
 #include "ui_frmRunData.h"
 #include "widgets/AlignedNumbers.h"
+#include "widgets/CurvePicture.h"
 #include "widgets/FileDrop.h"
 #include "widgets/LabelText.h"
+#include "widgets/TableCopy.h"
 #include "widgets/ThemeColors.h"
 
 namespace hylden {
@@ -78,6 +80,8 @@ frmRunData::frmRunData(Shell& shell, QWidget* parent)
     view->horizontalHeader()->setDefaultSectionSize(width);
     view->verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 3 / 2);
   }
+  new TableCopy(*ui_->flxTestData);
+  new TableCopy(*ui_->grdThresholds);
   ConnectMenus();
   ConnectRows();
   new FileDrop(this, QStringLiteral("run"),
@@ -120,11 +124,8 @@ void frmRunData::Export() {
   const auto path = shell_.dialogs.SaveFile(
       {"Export", filter, shown.parent_path().string(), shown.filename().replace_extension(".csv").string()});
   if (!path) return;
-  if (!SameIgnoringCase(std::filesystem::path(*path).extension().string(), ".csv")) {
-    const Done saved = Trapped("Export", *path, [&] { ReplaceFile(*path, ui_->crvRun->PictureFor(*path)); });
-    if (shell_.Ok(saved)) shell_.Saved(*path);
-    return;
-  }
+  if (!SameIgnoringCase(std::filesystem::path(*path).extension().string(), ".csv"))
+    return SaveCurvePicture(shell_, *ui_->crvRun, *path);
   const MessageAnswer points =
       shell_.dialogs.Show({"Write numbers with a decimal point?\r\nNo: with a comma, and semicolons between the cells.",
                            "Export", MessageIcon::Question, MessageButtons::YesNoCancel});
