@@ -190,6 +190,7 @@ void RunCurves::AddMark(const std::vector<RunEntry>& rows, int row) {
   const int step = LatestStepAt(threshold.Freq, row);
   if (step == 0 || known != markRows_.end()) return;
   const StepResult& result = *std::get<StepEntry>(rows[static_cast<std::size_t>(step - 1)]).Result;
+  if (quantity_ == RunQuantity::TestLevel && StayedBelow(result.Marks)) return;  // nobody knows it
   const std::optional<double> level = ApplyValues(threshold.Freq, result, threshold.OffsetDb).front();
   if (!level) return;
   marks_.push_back({{threshold.Freq, *level}, MarkText(threshold)});

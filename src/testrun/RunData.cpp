@@ -127,6 +127,21 @@ FileRequest RunDataRequest(INISettings& settings, const std::string& name) {
           name};
 }
 
+namespace {
+
+/// What a report has kept beside an earlier save of the same run.
+RunParticulars KeptParticulars(const RunInfo& info, const std::string& path) {
+  try {
+    const RunInfoBeside former = ReadRunInfo(path, ReadTextFile(path));
+    if (former.Info && former.Info->Started == info.Started) return former.Info->Particulars;
+  } catch (const RuntimeError&) {
+    // There is none.
+  }
+  return {};
+}
+
+}  // namespace
+
 bool SaveRunData(Shell& shell, const RunData& data, const RunInfo& info) {
   if (data.IsEmpty()) {
     shell.dialogs.Tell("No run data to save");
@@ -134,8 +149,11 @@ bool SaveRunData(Shell& shell, const RunData& data, const RunInfo& info) {
   }
   const std::string name = ProposedName(info.Test ? info.Test->File : std::string(), shell.clock, ".run");
   const auto path = shell.dialogs.SaveFile(RunDataRequest(shell.settings, name));
-  if (!path || !shell.Ok(FileRunData(data, *path, false))) return false;
-  (void)shell.Ok(FileRunInfo(info, *path));  // the rows are in their file, whatever becomes of it
+  if (!path) return false;
+  RunInfo kept = info;
+  if (kept.Particulars == RunParticulars()) kept.Particulars = KeptParticulars(info, *path);
+  if (!shell.Ok(FileRunData(data, *path, false))) return false;
+  (void)shell.Ok(FileRunInfo(kept, *path));  // the rows are in their file, whatever becomes of it
   shell.Saved(*path);
   return true;
 }

@@ -32,6 +32,11 @@ struct StepMarks {
   bool ForwardCapHeld = false;  ///< the forward power stood at its cap in a net power ramp
 };
 
+/// Whether a limit kept the step below its test level: the level that it holds was aimed at, and not applied.
+inline bool StayedBelow(const StepMarks& marks) {
+  return marks.ForwardCapHeld || (marks.InducedAboveLimit && !marks.SigGenAtCalibration && !marks.PowerAboveTarget);
+}
+
 /// What a step applied; quantities that were not measured are left out.
 struct StepResult {
   float SigGenLevel = 0;               ///< dBm

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <optional>
 #include <utility>
 
@@ -11,6 +12,9 @@
 namespace hylden {
 
 namespace {
+
+/// MHz, dB, dBm and the like.
+constexpr double kBeyondAny = 1e6;
 
 constexpr std::string_view kMark = "**", kCapMark = "+2", kThreshold = "Threshold ", kDb = "dB";
 constexpr std::size_t kCells = 6;
@@ -69,7 +73,7 @@ class StepCells {
   std::optional<double> Level(RunColumn column) {
     const std::string_view cell = Trim(At(column));
     if (cell.empty()) return std::nullopt;
-    if (IsNumeric(cell)) return ToDouble(cell);
+    if (IsNumeric(cell) && std::abs(ToDouble(cell)) < kBeyondAny) return ToDouble(cell);
     if (bad_.empty()) bad_ = cell;
     return std::nullopt;
   }
@@ -84,7 +88,7 @@ std::optional<ThresholdEntry> ThresholdOf(std::string_view line) {
   std::string_view offset = Trim(cells[1]);
   if (!offset.starts_with(kThreshold) || !offset.ends_with(kDb)) return std::nullopt;
   offset = offset.substr(kThreshold.size(), offset.size() - kThreshold.size() - kDb.size());
-  if (!IsNumeric(offset)) return std::nullopt;
+  if (!IsNumeric(offset) || std::abs(ToDouble(offset)) >= kBeyondAny) return std::nullopt;
   std::string_view comment = cells.size() > 2 ? cells[2] : std::string_view();
   if (comment.starts_with(' ')) comment.remove_prefix(1);
   return ThresholdEntry{ToDouble(cells[0]), ToDouble(offset), std::string(comment)};

@@ -26,8 +26,7 @@ std::string Quoted(const std::string& text, char separator) {
 
 /// Which quantity ended the ramp of a step, as a word.
 std::string ReachedText(const StepMarks& marks) {
-  if (marks.InducedAboveLimit) return "induced current";
-  if (marks.ForwardCapHeld) return "forward power cap";
+  if (StayedBelow(marks)) return marks.InducedAboveLimit ? "induced current" : "forward power cap";
   if (marks.PowerAboveTarget) return "power";
   return marks.SigGenAtCalibration ? "generator level" : "";
 }
@@ -45,8 +44,8 @@ class CsvLines {
     cells.resize(kComment + 1);
     if (step.Result) {
       const StepResult& result = *step.Result;
-      cells[3] = Number(result.SigGenLevel, kLevelPattern);
-      cells[4] = Number(result.TestLevel, kLevelPattern);
+      cells[3] = Level(result.SigGenLevel);
+      cells[4] = Level(result.TestLevel);
       cells[5] = Level(result.Induced);
       cells[6] = Level(result.FwdPwr);
       cells[7] = Level(result.RevPwr);

@@ -11,6 +11,7 @@
 #include "shell/Shell.h"
 #include "shell/Version.h"
 #include "testrun/RunInputs.h"
+#include "text/ExistingPath.h"
 
 namespace hylden {
 
@@ -44,9 +45,9 @@ RunInfo FactsOf(const Shell& shell, const Documents& documents, const Instrument
   info.User = shell.user;
   info.Started = TimeText(shell.clock.Now());
   info.PlannedSteps = static_cast<int>(inputs.Steps.size());
-  info.Test = {test.TestFileName, test.AsRun()};
-  info.Station = {documents.equip.EquipFileName, documents.equip.Record};
-  info.Calibration = {test.Definition.CalInfoFile, documents.calInfo.Record};
+  info.Test = {FullPath(test.TestFileName), test.AsRun()};
+  info.Station = {FullPath(documents.equip.EquipFileName), documents.equip.Record};
+  info.Calibration = {FullPath(test.Definition.CalInfoFile), documents.calInfo.Record};
   info.CalibrationDate = DateOf(DataFileOf(test.Definition.CalInfoFile));
   info.CalPoints = inputs.Calibration.Points();
   Add(info.Instruments, "Signal generator", instruments.sigGen);

@@ -213,7 +213,9 @@ std::string RunInfoText(RunInfo info, std::string_view runText) {
   return writer.Content();
 }
 
-RunInfoBeside ReadRunInfo(const std::string& runFile, std::string_view runText) {
+namespace {
+
+RunInfoBeside ReadBeside(const std::string& runFile, std::string_view runText) {
   const std::string file = RunInfoFile(runFile);
   std::string text;
   try {
@@ -237,11 +239,25 @@ RunInfoBeside ReadRunInfo(const std::string& runFile, std::string_view runText) 
   return {std::move(info), {}};
 }
 
-Done FileRunInfo(const RunInfo& info, const std::string& runFile) {
+}  // namespace
+
+RunInfoBeside ReadRunInfo(const std::string& runFile, std::string_view runText) {
+  RunInfoBeside beside = ReadBeside(runFile, runText);
+  beside.Checksum = KeyOf(runText).Checksum;
+  return beside;
+}
+
+Done FileRunInfo(const RunInfo& info, const std::string& runFile, const std::string& checksum) {
   std::error_code error;
   if (!std::filesystem::is_regular_file(SavePath(runFile), error)) return {};  // nothing lies beside a device
   const std::string file = RunInfoFile(runFile);
-  return Trapped("FileRunInfo", file, [&] { ReplaceFile(file, RunInfoText(info, ReadTextFile(runFile))); });
+  return Trapped("FileRunInfo", file, [&]() -> Done {
+    const std::string text = ReadTextFile(runFile);
+    if (!checksum.empty() && checksum != KeyOf(text).Checksum)
+      return Because("The run data have changed since they were opened; open them again:\r\n" + runFile);
+    ReplaceFile(file, RunInfoText(info, text));
+    return {};
+  });
 }
 
 }  // namespace hylden

@@ -21,6 +21,7 @@ struct RunParticulars {
   std::string Lab, Customer, Product, Operator;
   std::string Ambient;               ///< "23 °C, 45 %"
   std::vector<std::string> Remarks;  ///< lines
+  bool operator==(const RunParticulars&) const = default;
 };
 
 /// A document as it was when the run began.
@@ -73,12 +74,14 @@ std::string RunInfoText(RunInfo info, std::string_view runText);
 /// What lies beside a run data file.
 struct RunInfoBeside {
   std::optional<RunInfo> Info;  ///< nothing where there is none, or none that can be read
-  std::string Trouble;          ///< why it can't be read, or that it is of other run data; empty otherwise
+  std::string Trouble = {};     ///< why it can't be read, or that it is of other run data; empty otherwise
+  std::string Checksum = {};    ///< of the run data then
 };
 /// @param runText  what the run data file holds now
 RunInfoBeside ReadRunInfo(const std::string& runFile, std::string_view runText);
 
 /// Writes the information beside a run data file that has just been written.
-Done FileRunInfo(const RunInfo& info, const std::string& runFile);
+/// @param checksum  of the run data that it is of, where they may have changed since: it is then refused
+Done FileRunInfo(const RunInfo& info, const std::string& runFile, const std::string& checksum = {});
 
 }  // namespace hylden

@@ -72,7 +72,7 @@ const StepEntry* StepOf(const RunData& data, int thresholdRow, double freqMHz) {
 
 /// The level at which a threshold was marked, dBuV; nothing where the step did not come to its test level.
 std::optional<double> LevelOf(const StepEntry* step, const ThresholdEntry& threshold) {
-  if (!step || step->Result->Marks.InducedAboveLimit || step->Result->Marks.ForwardCapHeld) return std::nullopt;
+  if (!step || StayedBelow(step->Result->Marks) || IsMissing(step->Result->TestLevel)) return std::nullopt;
   return double{step->Result->TestLevel} + threshold.OffsetDb;
 }
 
@@ -166,17 +166,17 @@ std::string Report::ExposureText() const {
 }
 
 std::string Report::LevelsText() const {
-  float lowest = rows_.Complete.front()->Result->TestLevel, highest = lowest;
-  for (const StepEntry* const step : rows_.Complete) {
-    lowest = std::min(lowest, step->Result->TestLevel);
-    highest = std::max(highest, step->Result->TestLevel);
-  }
+  std::vector<float> levels;
+  for (const StepEntry* const step : rows_.Complete)
+    if (!IsMissing(step->Result->TestLevel)) levels.push_back(step->Result->TestLevel);
+  if (levels.empty()) return "The test level is not known.";
+  const auto [least, most] = std::minmax_element(levels.begin(), levels.end());
+  const float lowest = *least, highest = *most;
   const auto both = [](float dbuv) {
     return LevelText(double{dbuv}) + " dBµV (" + Format(Conversions::DbuvToVolts(double{dbuv}), "##0.0#") + " V)";
   };
-  const bool limited = std::any_of(rows_.Complete.begin(), rows_.Complete.end(), [](const StepEntry* step) {
-    return step->Result->Marks.InducedAboveLimit || step->Result->Marks.ForwardCapHeld;
-  });
+  const bool limited = std::any_of(rows_.Complete.begin(), rows_.Complete.end(),
+                                   [](const StepEntry* step) { return StayedBelow(step->Result->Marks); });
   std::string text = (limited ? "The test level aimed at was " : "The test level was ") + both(lowest) +
                      (lowest == highest ? " at every step." : " to " + both(highest) + ".");
   if (limited)
@@ -273,7 +273,7 @@ void Report::AddFigures() {
     if (!figure.Curves.empty()) section.Figures.push_back(std::move(figure));
   };
   add(RunQuantity::TestLevel, rows_.Thresholds.empty() ? "Test level" : "Test level and thresholds (T1, T2 ...)");
-  for (std::size_t i = 0; i < rows_.Thresholds.size(); ++i) {
+  for (std::size_t i = 0; i < rows_.Thresholds.size() && !section.Figures.empty(); ++i) {
     const auto& [row, threshold] = rows_.Thresholds[i];
     if (const auto level = LevelOf(StepOf(data_, row, threshold->Freq), *threshold))
       section.Figures.front().Marks.push_back({{threshold->Freq, *level}, "T" + std::to_string(i + 1)});
@@ -337,10 +337,10 @@ std::vector<ReportTable::Column> Report::StepColumns() const {
 }
 
 std::string LevelledBy(const StepMarks& marks) {
-  if (marks.InducedAboveLimit) return "current limit";
-  if (marks.ForwardCapHeld) return "forward cap";
-  if (marks.PowerAboveTarget) return "power";
-  return marks.SigGenAtCalibration ? "generator" : "";
+  const char* const limit = marks.InducedAboveLimit ? "current limit" : marks.ForwardCapHeld ? "forward cap" : "";
+  if (StayedBelow(marks)) return limit;
+  const std::string reached = marks.PowerAboveTarget ? "power" : marks.SigGenAtCalibration ? "generator" : "";
+  return marks.InducedAboveLimit ? reached + ", " + limit : reached;
 }
 
 std::vector<std::string> Report::StepCells(int row, const StepEntry& step) const {

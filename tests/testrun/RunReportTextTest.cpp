@@ -52,6 +52,24 @@ TEST(RunReportText, SaysWhatIsNotKnownOfRunDataAlone) {
     EXPECT_THAT(said, HasSubstr(text));
 }
 
+TEST(RunReportText, LevelsThatAreMissingAreToldAsSuchAndReachedOnesAsReached) {
+  OpenedRun run{.File = "/lab/radio.run"};
+  RunData& data = run.Run.Data;
+  for (const double freq : {0.15, 0.2}) data.FillStep(data.AddStep(freq), StepResult{-10, -999, {}, 33.0});
+  data.AddThreshold(0.15, -3);
+  std::string said = Flat(ReportOf(run, true));
+  EXPECT_THAT(said, HasSubstr("The test level is not known.\n"));
+  EXPECT_THAT(said, HasSubstr("T1|0.15|–|-3.0|–|–|"));
+  OpenedRun both = Example();
+  StepResult reached{-9, 140, 90.4};
+  reached.Marks.InducedAboveLimit = reached.Marks.SigGenAtCalibration = true;
+  both.Run.Data.FillStep(both.Run.Data.AddStep(90), reached);
+  both.Run.Data.AddThreshold(90, -1);
+  said = Flat(ReportOf(both, true));
+  EXPECT_THAT(said, HasSubstr("T3|90.0|140.0|-1.0|139.0|"));
+  EXPECT_THAT(said, HasSubstr("|generator, current limit|"));
+}
+
 TEST(RunReportText, HoldsEveryParameterAndTellsOfBenchSeamsAndOutcome) {
   OpenedRun run = Example();
   RunInfo& info = run.Beside.Info.emplace();

@@ -119,12 +119,14 @@ void RunCurvePanel::DrawWhenThereIsTime() {
 
 void RunCurvePanel::Draw() {
   if (!source_.Make || quantity_.currentIndex() < 0) return;
-  if (std::exchange(renew_, false)) {
+  if (renew_ || !curves_) {  // the latter behind one that failed
     curves_ = nullptr;
     curves_ = &source_.Make(static_cast<std::size_t>(quantity_.currentIndex()));
+    renew_ = false;
     view_.SetCurves(curves_->Curves());
     view_.SetLimits(curves_->Limits());
     view_.SetMarks(curves_->Marks());
+    view_.show();
   } else if (firstRow_ > 0) {
     AddRows();
   }
@@ -141,6 +143,7 @@ void RunCurvePanel::AddRows() {
 }
 
 void RunCurvePanel::ShowRing() {
+  if (!curves_) return;
   const QModelIndex current = table_->currentIndex();
   const auto place = current.isValid() ? curves_->PlaceOf(current.row() + 1) : std::nullopt;
   view_.SetCurrent(place ? std::optional(CurvePlace{static_cast<int>(place->first), static_cast<int>(place->second)})

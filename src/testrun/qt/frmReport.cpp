@@ -67,7 +67,8 @@ bool frmReport::KeepParticulars() {
   }
   RunInfo& info = run_.Beside.Info ? *run_.Beside.Info : run_.Beside.Info.emplace();
   info.Particulars = std::move(particulars);
-  return run_.File.empty() || !run_.Beside.Trouble.empty() || shell_.Ok(FileRunInfo(info, run_.File));
+  return run_.File.empty() || !run_.Beside.Trouble.empty() ||
+         shell_.Ok(FileRunInfo(info, run_.File, run_.Beside.Checksum));
 }
 
 void frmReport::accept() {

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "measure/Conversions.h"
 #include "shell/FormInput.h"
 #include "shell/Shell.h"
 #include "testrun/qt/UnitsMenu.h"
@@ -207,8 +208,8 @@ void frmRunData::ShowRun() {
   ShowTrouble(told.join(QLatin1Char('\n')));
   ui_->lblCounts->setText(ToQt(RowCounts(run_.Rows())));
   ui_->txtInfo->setHtml(HtmlOf(InfoSections(run_)));
-  ShowRows();
   ShowThresholds();
+  ShowRows();
   ShowCurves();
   ui_->pagCompare->Begin(run_);
 }
@@ -240,7 +241,9 @@ std::string frmRunData::ThresholdCell(std::size_t index, std::size_t column) con
   if (column == 3) return threshold.Comment;
   const int step = StepRowOf(rows, thresholdRows_[index]);
   if (step == 0) return "not known";
-  const double level = static_cast<double>(std::get<StepEntry>(at(step)).Result->TestLevel) + threshold.OffsetDb;
+  const StepResult& applied = *std::get<StepEntry>(at(step)).Result;
+  if (StayedBelow(applied.Marks) || IsMissing(applied.TestLevel)) return "not known";
+  const double level = static_cast<double>(applied.TestLevel) + threshold.OffsetDb;
   const RunUnit unit = context_.Units.TestLevel;
   return ShowTestLevel(level, unit, context_.ImpedanceOhms).Value + " " + NameOf(unit);
 }
