@@ -4,8 +4,10 @@
 
 #include "calibration/qt/frmRunCal.h"
 #include "run/qt/RunCurvePanel.h"
+#include "testrun/RunInfo.h"
 #include "testrun/RunUnits.h"
 #include "testrun/qt/frmReport.h"
+#include "text/TextFile.h"
 #include "widgets/CurveView.h"
 #include "widgets/WindowPlace.h"
 
@@ -52,6 +54,23 @@ TEST_F(RunForms, WhatItsReportWasAskedForIsSavedWithTheRun) {
   Choose(*form, "mnuFileSave");
   EXPECT_THAT(m.directory.Read("again.runinfo"), testing::HasSubstr("Maker of radios"));
   EXPECT_THAT(m.directory.Read("first.runinfo"), testing::Not(testing::HasSubstr("Maker of radios")));
+}
+
+TEST_F(RunForms, WhatAReportHasKeptBesideItsFileSurvivesAnotherSave) {
+  Open();
+  const std::string file = m.directory.File("radio.run");
+  dialogs.AnswerSave(file);
+  Run();
+  RunInfo info = ReadRunInfo(file, ReadTextFile(file)).Info.value();
+  info.Particulars.Customer = "Maker of radios";
+  ASSERT_TRUE(FileRunInfo(info, file));
+  dialogs.AnswerSave(file);
+  Choose(*form, "mnuFileSave");
+  EXPECT_THAT(m.directory.Read("radio.runinfo"), testing::HasSubstr("Maker of radios"));
+  dialogs.AnswerSave(file);
+  Choose(*form, "mnuFilePicture");
+  EXPECT_EQ(dialogs.LastText(), "Curves are saved as .png, .svg or .pdf:\r\n" + file);
+  EXPECT_THAT(m.directory.Read("radio.run"), testing::HasSubstr("Test Run Data"));
 }
 
 TEST_F(RunForms, WholeRunIsShownSavedAndPrintedAsRecorded) {

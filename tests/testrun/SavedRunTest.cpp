@@ -47,6 +47,7 @@ TEST(RunDataFile, WhatIsNoRowIsToldAndCostsItselfOnly) {
                         {"hello\n1.0, 1.0, 2.0, , , \n", 1, "Line 4 is none of run data."},
                         {"x, 1.0, 2.0, , , \n", 0, "Line 4 is none of run data."},
                         {"1.0, nan, 2.0, , , \n", 1, "Line 4 holds \"nan\" instead of a number."},
+                        {"1.0, 1.0, 2.0, , 1e39, \n", 1, "Line 4 holds \"1e39\" instead of a number."},
                         {"1.0, 1.0, 2.0, , 1e999, \n", 1, "Line 4 holds \"1e999\" instead of a number."},
                         {"2.0, 1.0, 2.0, , , \n1.0, 1.0, 2.0, , , \n1.0, 1.0, 2.0, , , \n", 3, ""}}) {
     const auto run = RunDataOf(std::string(kHead) + c.lines);
@@ -89,6 +90,17 @@ TEST(RunInfoFile, KeepsEverythingThroughAFile) {
   EXPECT_EQ(read.Info->Station->Is.SigGenAddress, 18);
   EXPECT_EQ(read.Info->Seams, Information().Seams);
   EXPECT_EQ(read.Info->RowTimes, Information().RowTimes);
+}
+
+TEST(RunInfoFile, OneOfRunDataThatHaveChangedSinceIsNotWritten) {
+  const TempDir directory;
+  const std::string run = directory.Write("radio.run", "of the run that was opened");
+  const std::string opened = ReadRunInfo(run, ReadTextFile(run)).Checksum;
+  EXPECT_TRUE(FileRunInfo(Information(), run, opened));
+  directory.Write("radio.run", "of another one");
+  directory.Write("radio.runinfo", "of another one");
+  EXPECT_FALSE(FileRunInfo(Information(), run, opened));
+  EXPECT_EQ(directory.Read("radio.runinfo"), "of another one");
 }
 
 TEST(RunInfoFile, OneThatIsNotOfTheseRowsIsToldAndNotUsed) {
