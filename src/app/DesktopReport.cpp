@@ -78,10 +78,9 @@ int Make(const ReportOptions& options) {
   INISettings settings(ProgramDirectories());
   ReportPaper paper = LoadReportChoices(settings).Paper;
   if (options.Paper) paper = *options.Paper == "letter" ? ReportPaper::Letter : ReportPaper::A4;
-  if (const Done made = FileReport(ReportOf(*run, options.AllSteps), paper, options.PdfFile); !made)
-    return Fail(made.error());
+  if (const Done made = FileReport(*run, {paper, options.AllSteps}, options.PdfFile); !made) return Fail(made.error());
   std::cout << "Report saved in " << options.PdfFile << '\n';
-  return static_cast<int>(ExitState::Finished);
+  return static_cast<int>(run->Run.Troubles.empty() ? ExitState::Finished : ExitState::Failed);
 }
 
 }  // namespace

@@ -55,6 +55,7 @@ void AddFile(std::vector<InfoSection>& page, const OpenedRun& run) {
                               : run.Beside.Trouble.empty()
                                   ? "There is none beside this file: when, with what and for whom is not known."
                                   : run.Beside.Trouble);
+  if (run.Beside.Info) section.Line("", run.Beside.Trouble);
   section.PutInto(page);
 }
 
@@ -76,7 +77,7 @@ void AddRun(std::vector<InfoSection>& page, const RunInfo& info, const std::vect
   section.Line("Predicted", LengthText(info.PredictedSeconds));
   section.Line("Planned steps", info.PlannedSteps > 0 ? std::to_string(info.PlannedSteps) : "");
   section.Line("Continued at", SeamText(info, rows));
-  section.Line("Instruments", info.Notice.empty() ? "real" : info.Notice);
+  section.Line("Instruments", info.Notice.empty() && !info.Program.empty() ? "real" : info.Notice);
   section.Line("Program", info.Program);
   section.Line("Account", info.User);
   section.PutInto(page);

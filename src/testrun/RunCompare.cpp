@@ -4,18 +4,12 @@
 #include <cmath>
 #include <vector>
 
+#include "testrun/RunData.h"
 #include "text/Numbers.h"
 
 namespace hylden {
 
 namespace {
-
-/// Half of the last decimal that run data have.
-constexpr double kSameMHz = 5e-7;
-
-bool IsSame(double oneMHz, double otherMHz) {
-  return std::abs(oneMHz - otherMHz) < kSameMHz;
-}
 
 /// The difference of two levels in any decibels is in dB.
 bool IsInDecibels(const std::string& unit) {
@@ -43,7 +37,7 @@ class RisingLookUp {
     while (next_ < points_.size() && points_[next_].Freq < frequencyMHz + kSameMHz) ++next_;
     if (next_ == 0) return {};
     const CurvePoint& below = points_[next_ - 1];
-    if (IsSame(below.Freq, frequencyMHz)) return Of(How::AtPoint, below.Value);
+    if (IsSameFrequency(below.Freq, frequencyMHz)) return Of(How::AtPoint, below.Value);
     if (next_ == points_.size() || below.Freq <= 0) return {};
     const CurvePoint& above = points_[next_];
     const double share = std::log(frequencyMHz / below.Freq) / std::log(above.Freq / below.Freq);
@@ -67,7 +61,7 @@ CurveDifference DifferenceOf(const Curve& curve, const Curve& other) {
   const std::vector<CurvePoint>& points = curve.Points;
   difference.Values.Points.reserve(points.size());
   for (std::size_t i = 0; i < points.size(); ++i) {
-    if (i + 1 < points.size() && IsSame(points[i].Freq, points[i + 1].Freq)) continue;
+    if (i + 1 < points.size() && IsSameFrequency(points[i].Freq, points[i + 1].Freq)) continue;
     const RisingLookUp::Found found = lookUp.At(points[i].Freq);
     const CurvePoint point{points[i].Freq, Rounded(points[i].Value - found.Value, inDecibels)};
     if (found.Is == RisingLookUp::How::Nowhere || !std::isfinite(point.Value)) {

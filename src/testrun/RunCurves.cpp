@@ -12,15 +12,8 @@ namespace hylden {
 
 namespace {
 
-/// Files keep frequencies with seven decimals.
-constexpr double kSameMHz = 1e-7;
-
 bool LiesBelow(const RunAim& aim, double frequencyMHz) {
   return aim.Freq < frequencyMHz - kSameMHz;
-}
-
-bool IsSame(double oneMHz, double otherMHz) {
-  return std::abs(oneMHz - otherMHz) <= 2 * kSameMHz;
 }
 
 /// What goes into the load; nothing where the sensors can't be right.
@@ -165,7 +158,7 @@ RowCurves::Values RunCurves::ApplyValues(double frequencyMHz, const StepResult& 
 
 double RunCurves::LimitAt(double frequencyMHz) const {
   const auto found = std::lower_bound(context_.Aims.begin(), context_.Aims.end(), frequencyMHz, LiesBelow);
-  return found != context_.Aims.end() && IsSame(found->Freq, frequencyMHz) ? found->InducedLimit : kNoValue;
+  return found != context_.Aims.end() && IsSameFrequency(found->Freq, frequencyMHz) ? found->InducedLimit : kNoValue;
 }
 
 std::vector<RowCurves::Added> RunCurves::Add(const std::vector<RunEntry>& rows, int row) {
@@ -202,7 +195,7 @@ int RunCurves::LatestStepAt(double frequencyMHz, int before) const {
   const std::vector<CurvePoint>& points = curves_.front().Points;
   const auto above = [](double freq, const CurvePoint& other) { return freq < other.Freq; };
   auto at = std::upper_bound(points.begin(), points.end(), frequencyMHz + kSameMHz, above) - points.begin();
-  while (at-- > 0 && IsSame(points[static_cast<std::size_t>(at)].Freq, frequencyMHz))
+  while (at-- > 0 && IsSameFrequency(points[static_cast<std::size_t>(at)].Freq, frequencyMHz))
     if (const int row = rows_.front()[static_cast<std::size_t>(at)]; row < before) return row;
   return 0;
 }

@@ -1,6 +1,7 @@
 #include "testrun/RunData.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "measure/Conversions.h"
 #include "shell/ProposedName.h"
@@ -57,6 +58,10 @@ std::string Joined(const RunRow& row, std::size_t cells) {
 }
 
 }  // namespace
+
+bool IsSameFrequency(double oneMHz, double otherMHz) {
+  return std::abs(oneMHz - otherMHz) < kSameMHz;
+}
 
 RunRow CellsOf(const RunEntry& entry) {
   return std::visit([](const auto& e) { return Cells(e); }, entry);
@@ -142,7 +147,7 @@ RunParticulars KeptParticulars(const RunInfo& info, const std::string& path) {
 
 }  // namespace
 
-bool SaveRunData(Shell& shell, const RunData& data, const RunInfo& info) {
+bool SaveRunData(Shell& shell, const RunData& data, const RunInfo& info, std::string* file) {
   if (data.IsEmpty()) {
     shell.dialogs.Tell("No run data to save");
     return true;
@@ -154,6 +159,7 @@ bool SaveRunData(Shell& shell, const RunData& data, const RunInfo& info) {
   if (kept.Particulars == RunParticulars()) kept.Particulars = KeptParticulars(info, *path);
   if (!shell.Ok(FileRunData(data, *path, false))) return false;
   (void)shell.Ok(FileRunInfo(kept, *path));  // the rows are in their file, whatever becomes of it
+  if (file) *file = *path;
   shell.Saved(*path);
   return true;
 }

@@ -24,6 +24,11 @@ using RunRow = std::array<std::string, 6>;
 inline constexpr std::array<const char*, 6> kRunHeadings = {"Freq MHz",  "SG,dBm",   "Lev dBuv",
                                                             "Meas dBuA", "FPwr dBm", "RPwr dBm"};
 
+/// Whether two frequencies, MHz, are the same in run data, whose files keep six decimals.
+bool IsSameFrequency(double oneMHz, double otherMHz);
+/// Half of their last decimal.
+inline constexpr double kSameMHz = 5e-7;
+
 /// Which quantities first met a step's levelling criterion.
 struct StepMarks {
   bool SigGenAtCalibration = false;  ///< the generator reached its calibrated level
@@ -145,7 +150,8 @@ FileRequest RunDataRequest(INISettings& settings, const std::string& name = {});
 
 /// The save command: asks for a file and writes all rows to it, and beside it what they do not tell. Without rows:
 /// "No run data to save". The name of the test and the time are proposed.
+/// @param file  takes the path that was chosen, once the rows are there
 /// @return false when there were rows and they were not written
-bool SaveRunData(Shell& shell, const RunData& data, const RunInfo& info);
+bool SaveRunData(Shell& shell, const RunData& data, const RunInfo& info, std::string* file = nullptr);
 
 }  // namespace hylden

@@ -47,7 +47,13 @@ class StepCells {
     std::copy_n(cells.begin(), std::min(cells.size(), kCells), cells_.begin());
   }
 
-  StepEntry Read() {
+  /// @return nothing where the levels, or the frequency, can't be read
+  std::optional<StepEntry> Read() {
+    const auto freq = Level(RunColumn::Freq);
+    if (!freq) return std::nullopt;
+    StepEntry step{*freq};
+    if (std::all_of(cells_.begin() + 1, cells_.end(), [](std::string_view cell) { return Trim(cell).empty(); }))
+      return step;
     StepResult result;
     result.Marks.SigGenAtCalibration = TakeMark(At(RunColumn::SigGen), kMark);
     result.Marks.InducedAboveLimit = TakeMark(At(RunColumn::Induced), kMark);
@@ -57,8 +63,7 @@ class StepCells {
     result.Induced = Level(RunColumn::Induced);
     result.FwdPwr = Level(RunColumn::FwdPwr);
     result.RevPwr = Level(RunColumn::RevPwr);
-    StepEntry step{Level(RunColumn::Freq).value_or(0)};
-    if (!level || !applied) return step;
+    if (!level || !applied) return std::nullopt;
     result.SigGenLevel = static_cast<float>(*level);
     result.TestLevel = static_cast<float>(*applied);
     step.Result = result;
@@ -126,9 +131,13 @@ class RunLines {
   }
 
   void ReadStep(const std::vector<std::string_view>& cells) {
-    StepCells step(cells);
-    run_.Data.Add(step.Read());
-    if (!step.Bad().empty()) Tell("holds \"" + step.Bad() + "\" instead of a number");
+    StepCells cellsOfStep(cells);
+    std::optional<StepEntry> step = cellsOfStep.Read();
+    const std::string& bad = cellsOfStep.Bad();
+    std::string what = bad.empty() ? "" : "holds \"" + bad + "\" instead of a number";
+    if (!step) what = (bad.empty() ? "lacks a level" : what) + ", and is left out";
+    if (!what.empty()) Tell(what);
+    if (step) run_.Data.Add(*std::move(step));
   }
 
   void Tell(const std::string& what) { run_.Troubles.push_back("Line " + std::to_string(number_) + " " + what + "."); }

@@ -17,8 +17,8 @@ struct SavedRun {
   std::vector<std::string> Troubles;
 };
 
-/// Reads run data back. A line that is none of run data, or a cell that is no number, costs itself only and is told; a
-/// step without levels is one that was not held.
+/// Reads run data back. What can't be read is told and costs itself only: a line that is none of run data, a cell that
+/// is no number, a row whose generator or test level is none. A step without any level is one that was not held.
 /// @return why it is no run data file at all, with the line
 Result<SavedRun> RunDataOf(std::string_view text);
 Result<SavedRun> ReadRunData(const std::string& path);

@@ -62,7 +62,7 @@ RunEngine::RunEngine(Shell& shell, Instruments& instruments, Documents& document
           shell.dialogs,
           {question::kSaveRunData, "Would you like to save the testrun data?",
            "The run data has not been saved.\r\nSave it?"},
-          [this] { return !data_.IsEmpty(); }, [this] { return SaveRunData(shell_, data_, info_); }),
+          [this] { return !data_.IsEmpty(); }, [this] { return SaveRunData(shell_, data_, info_, &savedFile_); }),
       inputs_(std::make_unique<RunInputs>(shell)),
       manual_(shell, instruments, documents.testSetup.Definition, documents.equip.Record, display, controls, guard_,
               data_, reached_),

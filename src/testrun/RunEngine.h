@@ -62,6 +62,8 @@ class RunEngine {
   /// The save command: asks for a file and writes all rows to it. @return false when there were rows and they were not
   /// written
   bool Save() { return unsaved_.Save(); }
+  /// The file that holds all rows; empty while there is none.
+  std::string SavedFile() const { return unsaved_.AreSaved() ? savedFile_ : std::string(); }
   UnsavedRows& Unsaved() { return unsaved_; }
   const UnsavedRows& Unsaved() const { return unsaved_; }
   RunOutcome Outcome() const { return guard_.Outcome(); }
@@ -108,6 +110,7 @@ class RunEngine {
   TestInstruments up_;
   RunData data_;
   RunInfo info_;
+  std::string savedFile_;  ///< of the latest save
   UnsavedRows unsaved_;
   std::unique_ptr<RunInputs> inputs_;
   std::unique_ptr<StepRunner> stepRunner_;  ///< runs those of one run

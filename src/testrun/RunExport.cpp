@@ -50,6 +50,8 @@ class CsvLines {
       cells[6] = Level(result.FwdPwr);
       cells[7] = Level(result.RevPwr);
       cells[8] = ReachedText(result.Marks);
+    } else {
+      cells[8] = "not held";
     }
     AddWithTime(row, std::move(cells));
   }

@@ -51,8 +51,8 @@ RunInfo FactsOf(const Shell& shell, const Documents& documents, const Instrument
   info.CalibrationDate = DateOf(DataFileOf(test.Definition.CalInfoFile));
   info.CalPoints = inputs.Calibration.Points();
   Add(info.Instruments, "Signal generator", instruments.sigGen);
-  if (!documents.equip.Record.MeterFile.empty()) Add(info.Instruments, "Meter", instruments.meter);
-  if (!documents.equip.Record.PwrMtrFile.empty()) Add(info.Instruments, "Power meter", instruments.pm);
+  if (test.Definition.MonitorProbe) Add(info.Instruments, "Meter", instruments.meter);
+  if (test.Definition.LevelsByPower()) Add(info.Instruments, "Power meter", instruments.pm);
   return info;
 }
 

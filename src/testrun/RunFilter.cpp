@@ -67,7 +67,7 @@ int StepRowOf(const std::vector<RunEntry>& rows, int row) {
   if (!threshold) return row;
   for (int before = row - 1; before > 0; --before) {
     const auto* const step = std::get_if<StepEntry>(&rows[static_cast<std::size_t>(before - 1)]);
-    if (step && step->Result && step->Freq == threshold->Freq) return before;
+    if (step && step->Result && IsSameFrequency(step->Freq, threshold->Freq)) return before;
   }
   return 0;
 }

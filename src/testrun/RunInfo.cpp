@@ -6,6 +6,7 @@
 
 #include "run/JournalText.h"
 #include "run/JournalValues.h"
+#include "testrun/RunData.h"
 #include "text/Numbers.h"
 #include "text/RecordFile.h"
 #include "text/TextFile.h"
@@ -14,7 +15,10 @@ namespace hylden {
 
 namespace {
 
-constexpr std::string_view kTitle = "Hylden run information 1", kFamily = "Hylden run information ";
+/// The first form has no end that could be missing.
+constexpr std::string_view kTitle = "Hylden run information 2", kFirstTitle = "Hylden run information 1",
+                           kFamily = "Hylden run information ";
+constexpr std::string_view kEnd = "[End]";
 constexpr const char *kLine = "Line", *kFile = "File";
 
 /// To which run data the information belongs.
@@ -72,14 +76,18 @@ class KeyWriter {
     }
   }
 
-  std::string Content() const { return JoinLines(lines_); }
+  std::string Content() const {
+    std::vector<std::string> lines = lines_;
+    lines.emplace_back(kEnd);
+    return JoinLines(lines);
+  }
 
  private:
   std::string section_;  ///< not written yet
   std::vector<std::string> lines_{std::string(kTitle)};
 };
 
-/// Reads them. What is missing, or no value, leaves what was there: a damaged line costs itself.
+/// Reads them. What is missing, or no value, leaves what was there: a damaged line costs itself, and is told.
 class KeyReader {
  public:
   explicit KeyReader(LineReader lines) {
@@ -94,12 +102,18 @@ class KeyReader {
   void Number(const char* key, double& value) {
     std::string text;
     Text(key, text);
-    if (IsNumeric(text)) value = ToDouble(text);
+    if (IsNumeric(text))
+      value = ToDouble(text);
+    else if (!text.empty())
+      NoteBad(key);
   }
   void Whole(const char* key, int& value) {
     std::string text;
     Text(key, text);
-    if (const auto whole = WholeOf(text)) value = *whole;
+    if (const auto whole = WholeOf(text))
+      value = *whole;
+    else if (!text.empty())
+      NoteBad(key);
   }
   void Texts(const char* key, std::vector<std::string>& values) {
     for (const auto& [name, text] : *section_)
@@ -107,11 +121,11 @@ class KeyReader {
   }
   void Rows(const char* key, std::set<int>& rows) {
     for (const auto& [name, text] : *section_)
-      if (const auto row = WholeOf(text); name == key && row) rows.insert(*row);
+      if (name == key) TakeOr(name, WholeOf(text), [&](int row) { rows.insert(row); });
   }
   void Times(std::map<int, std::string>& times) {
     for (const auto& [name, text] : *section_)
-      if (const auto row = WholeOf(name)) times[*row] = text;
+      TakeOr(name, WholeOf(name), [&, &time = text](int row) { times[row] = time; });
   }
   template <class Record>
   void Document(const char* section, std::optional<DocumentCopy<Record>>& document) {
@@ -126,12 +140,12 @@ class KeyReader {
       Fields(reader, copy.Is);
       document = std::move(copy);
     } catch (const RuntimeError&) {
-      // Half a document would be worse than none.
+      NoteBad(section);  // half a document would be worse than none
     }
   }
   void Points(const char* key, std::vector<CalPoint>& points) {
     for (const auto& [name, text] : *section_)
-      if (const auto point = RowOfLine<CalPoint>(text); name == key && point) points.push_back(*point);
+      if (name == key) TakeOr(name, RowOfLine<CalPoint>(text), [&](const CalPoint& point) { points.push_back(point); });
   }
   void List(std::vector<RunInstrument>& instruments) {
     for (const auto& [name, text] : *section_) {
@@ -142,6 +156,10 @@ class KeyReader {
     }
   }
 
+  bool HasEnd() const { return sections_.contains("End"); }
+  /// The first line, or key, that could not be read; empty where all could.
+  const std::string& Bad() const { return bad_; }
+
  private:
   using Lines = std::vector<std::pair<std::string, std::string>>;
 
@@ -151,8 +169,20 @@ class KeyReader {
       return;
     }
     const auto sign = line.find('=');
-    if (section_ && sign != std::string_view::npos)
+    if (!section_ || sign == std::string_view::npos)
+      NoteBad(line);
+    else
       section_->emplace_back(std::string(line.substr(0, sign)), Value(line.substr(sign + 1)));
+  }
+  template <class Read, class Use>
+  void TakeOr(std::string_view key, const std::optional<Read>& value, const Use& use) {
+    if (value)
+      use(*value);
+    else
+      NoteBad(key);
+  }
+  void NoteBad(std::string_view what) {
+    if (bad_.empty() && !Trim(what).empty()) bad_ = what;
   }
   static std::string Value(std::string_view text) { return text == " " ? std::string() : std::string(text); }
   static std::optional<int> WholeOf(const std::string& text) {
@@ -163,6 +193,7 @@ class KeyReader {
 
   std::map<std::string, Lines> sections_;
   Lines* section_ = nullptr;
+  std::string bad_;
 };
 
 /// Everything that the file has, in its order.
@@ -202,8 +233,11 @@ void Fields(F& f, RunInfo& info, DataKey& data) {
 }  // namespace
 
 std::string RunInfoFile(const std::string& runFile) {
-  constexpr std::string_view kEnd = ".run";
-  return runFile + (runFile.ends_with(kEnd) ? "info" : ".runinfo");
+  return runFile + (runFile.ends_with(".run") ? "info" : ".runinfo");
+}
+
+std::string RunChecksum(const RunData& data) {
+  return KeyOf(RunFileText(data, false)).Checksum;
 }
 
 std::string RunInfoText(RunInfo info, std::string_view runText) {
@@ -226,7 +260,7 @@ RunInfoBeside ReadBeside(const std::string& runFile, std::string_view runText) {
   }
   LineReader lines(std::move(text));
   const std::string title = lines.AtEnd() ? std::string() : lines.ReadLine();
-  if (title != kTitle)
+  if (title != kTitle && title != kFirstTitle)
     return {{},
             file + (title.starts_with(kFamily) ? " is of another version of Hylden" : " is no run information") +
                 ": its first line is not \"" + std::string(kTitle) + "\"."};
@@ -236,7 +270,12 @@ RunInfoBeside ReadBeside(const std::string& runFile, std::string_view runText) {
   Fields(reader, info, data);
   if (data.Checksum != KeyOf(runText).Checksum)
     return {{}, file + " belongs to other run data, or these were changed since: it is not used."};
-  return {std::move(info), {}};
+  std::string trouble;
+  if (title == kTitle && !reader.HasEnd())
+    trouble = file + " ends too early: some of it is not known.";
+  else if (!reader.Bad().empty())
+    trouble = file + " is damaged at \"" + reader.Bad() + "\": what can't be read is left out.";
+  return {std::move(info), std::move(trouble)};
 }
 
 }  // namespace

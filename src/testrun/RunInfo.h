@@ -16,6 +16,8 @@
 
 namespace hylden {
 
+class RunData;
+
 /// Who tested what for whom: asked of the operator, for reports. All of it may be empty.
 struct RunParticulars {
   std::string Lab, Customer, Product, Operator;
@@ -31,7 +33,7 @@ struct DocumentCopy {
   Record Is = {};
 };
 
-/// An instrument of the station.
+/// An instrument that the test drove.
 struct RunInstrument {
   std::string Role;  ///< "signal generator"
   std::string Name;  ///< of its definition
@@ -67,6 +69,9 @@ struct RunInfo {
 /// The name of the information beside a run data file: "radio.run" has "radio.runinfo".
 std::string RunInfoFile(const std::string& runFile);
 
+/// By which the information names run data.
+std::string RunChecksum(const RunData& data);
+
 /// The text of a .runinfo.
 /// @param runText  what the run data file holds: the information names it by its checksum
 std::string RunInfoText(RunInfo info, std::string_view runText);
@@ -74,8 +79,9 @@ std::string RunInfoText(RunInfo info, std::string_view runText);
 /// What lies beside a run data file.
 struct RunInfoBeside {
   std::optional<RunInfo> Info;  ///< nothing where there is none, or none that can be read
-  std::string Trouble = {};     ///< why it can't be read, or that it is of other run data; empty otherwise
-  std::string Checksum = {};    ///< of the run data then
+  /// Why it can't be read, wholly or in part, or that it is of other run data; empty otherwise.
+  std::string Trouble = {};
+  std::string Checksum = {};  ///< of the run data then
 };
 /// @param runText  what the run data file holds now
 RunInfoBeside ReadRunInfo(const std::string& runFile, std::string_view runText);

@@ -18,7 +18,6 @@ namespace hylden {
 namespace {
 
 constexpr const char *kNotStated = "not stated", *kNotKnown = "not known", *kNoLevel = "–";
-constexpr double kSameMHz = 1e-6;
 
 std::string LevelText(const std::optional<double>& levelDb) {
   return levelDb && !IsMissing(*levelDb) ? Format(*levelDb, "##0.0") : std::string(kNoLevel);
@@ -65,7 +64,7 @@ struct Rows {
 const StepEntry* StepOf(const RunData& data, int thresholdRow, double freqMHz) {
   for (int row = thresholdRow - 1; row > 0; --row) {
     const auto* const step = std::get_if<StepEntry>(&data.Entries()[static_cast<std::size_t>(row - 1)]);
-    if (step && step->Result && std::abs(step->Freq - freqMHz) < kSameMHz) return step;
+    if (step && step->Result && IsSameFrequency(step->Freq, freqMHz)) return step;
   }
   return nullptr;
 }
@@ -159,8 +158,9 @@ std::string Report::ExposureText() const {
     lowest = std::min(lowest, step->Freq);
     highest = std::max(highest, step->Freq);
   }
-  std::string text = "The product was exposed in " + CountText(rows_.Complete.size(), "step") + " from " +
-                     FreqText(lowest) + " MHz to " + FreqText(highest) + " MHz";
+  std::string text = "The product was exposed in " + CountText(rows_.Complete.size(), "step");
+  text += IsSameFrequency(lowest, highest) ? " at " : " from " + FreqText(lowest) + " MHz to ";
+  text += FreqText(highest) + " MHz";
   if (info_.Test) text += ", with " + ModulationText(info_.Test->Is);
   return text + ".";
 }
@@ -178,11 +178,15 @@ std::string Report::LevelsText() const {
   const bool limited = std::any_of(rows_.Complete.begin(), rows_.Complete.end(),
                                    [](const StepEntry* step) { return StayedBelow(step->Result->Marks); });
   std::string text = (limited ? "The test level aimed at was " : "The test level was ") + both(lowest) +
-                     (lowest == highest ? " at every step." : " to " + both(highest) + ".");
+                     (rows_.Complete.size() == 1 ? "."
+                      : lowest == highest        ? " at every step."
+                                                 : " to " + both(highest) + ".");
   if (limited)
     text +=
-        " At some steps the induced current or the forward power reached its limit first, and the level stayed "
-        "below.";
+        rows_.Complete.size() == 1
+            ? " The induced current or the forward power reached its limit first, and the level stayed below."
+            : " At some steps the induced current or the forward power reached its limit first, and the level stayed "
+              "below.";
   return text;
 }
 
@@ -272,12 +276,15 @@ void Report::AddFigures() {
       if (curve.Unit.starts_with("dBu")) curve.Unit.replace(2, 1, "µ");
     if (!figure.Curves.empty()) section.Figures.push_back(std::move(figure));
   };
-  add(RunQuantity::TestLevel, rows_.Thresholds.empty() ? "Test level" : "Test level and thresholds (T1, T2 ...)");
+  add(RunQuantity::TestLevel, "Test level");
   for (std::size_t i = 0; i < rows_.Thresholds.size() && !section.Figures.empty(); ++i) {
     const auto& [row, threshold] = rows_.Thresholds[i];
     if (const auto level = LevelOf(StepOf(data_, row, threshold->Freq), *threshold))
       section.Figures.front().Marks.push_back({{threshold->Freq, *level}, "T" + std::to_string(i + 1)});
   }
+  if (!section.Figures.empty() && !section.Figures.front().Marks.empty())
+    section.Figures.front().Title += " and thresholds (" + section.Figures.front().Marks.front().Text +
+                                     (section.Figures.front().Marks.size() > 1 ? " ...)" : ")");
   if (rows_.Measures(&StepResult::FwdPwr)) add(RunQuantity::Power, "Power of the amplifier");
   if (rows_.Measures(&StepResult::Induced)) add(RunQuantity::Induced, "Induced current");
 }
@@ -300,6 +307,16 @@ void Report::AddCalibration() {
     section.Entries.emplace_back("Points of the record", std::to_string(info_.CalPoints.size()));
 }
 
+/// Of the tables of a station those that a test looks up.
+WordEntries TablesInUse(const EquipRecord& station, const TestDefinition& test) {
+  WordEntries tables;
+  const bool byNetPower = test.LevelsBy(LevelingMethod::NetPower);
+  if (test.MonitorProbe) tables = {{"Monitor probe", station.ProbeFile}, {"Cable loss", station.CableLossFile}};
+  if (test.LevelsByPower()) tables.emplace_back("Forward power coupler", station.FwdPortFile);
+  if (byNetPower) tables.emplace_back("Reverse power coupler", station.RevPortFile);
+  return tables;
+}
+
 void Report::AddStation() {
   ReportSection& section = Section("Test equipment");
   if (!info_.Station && info_.Instruments.empty())
@@ -308,13 +325,9 @@ void Report::AddStation() {
   for (const RunInstrument& instrument : info_.Instruments)
     section.Table.Rows.push_back({instrument.Role, Or(instrument.Name, kNotStated), FileNameOf(instrument.File)});
   if (!info_.Station) return;
-  const EquipRecord& station = info_.Station->Is;
   section.Entries = {{"Station", FileNameOf(info_.Station->File)}};
-  for (const auto& [what, file] : WordEntries{{"Cable loss", station.CableLossFile},
-                                              {"Forward power coupler", station.FwdPortFile},
-                                              {"Reverse power coupler", station.RevPortFile},
-                                              {"Monitor probe", station.ProbeFile},
-                                              {"Power limit", station.MaxPowerFile}})
+  if (!info_.Test) return;
+  for (const auto& [what, file] : TablesInUse(info_.Station->Is, info_.Test->Is))
     if (!file.empty()) section.Entries.emplace_back(what, FileNameOf(file));
 }
 

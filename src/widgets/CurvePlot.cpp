@@ -125,6 +125,9 @@ void CurveView::Plot::SetUpMouse() {
       if (!fitting) zoomed = true;
       ShowMarkers();
     });
+  QObject::connect(plot.xAxis, qOverload<const QCPRange&>(&QCPAxis::rangeChanged), &listener_, [this] {
+    if (!fitting) emit view.FrequenciesChosen();
+  });
   QObject::connect(&plot, &QCustomPlot::mousePress, &listener_, [this](const QMouseEvent* event) {
     pressed = event->pos();
     plot.setSelectionRectMode(event->modifiers() & Qt::ShiftModifier ? QCP::srmNone : QCP::srmZoom);

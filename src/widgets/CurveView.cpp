@@ -76,6 +76,12 @@ std::optional<CurvePlace> CurveView::Current() const {
 void CurveView::Fit() {
   plot_->zoomed = false;
   plot_->Refresh();
+  emit FrequenciesChosen();
+}
+
+void CurveView::ShowFrequencies(double lowestMHz, double highestMHz) {
+  plot_->plot.xAxis->setRange(lowestMHz, highestMHz);
+  plot_->plot.replot(QCustomPlot::rpQueuedReplot);
 }
 
 bool CurveView::IsZoomed() const {

@@ -53,6 +53,8 @@ class CurveView : public QWidget {
   /// Shows all of the curves, and goes on doing so until the operator zooms.
   void Fit();
   bool IsZoomed() const;
+  /// Shows these frequencies, MHz, as if the operator had zoomed there; values stay.
+  void ShowFrequencies(double lowestMHz, double highestMHz);
   /// The frequencies that are shown, MHz, and the values of an axis.
   CurvePoint LowestShown(ValueAxis axis = ValueAxis::Left) const;
   CurvePoint HighestShown(ValueAxis axis = ValueAxis::Left) const;
@@ -78,6 +80,8 @@ class CurveView : public QWidget {
  signals:
   /// The operator has chosen a point.
   void PointChosen(int curve, int point);
+  /// Other frequencies are shown, for the operator has zoomed, moved or fitted.
+  void FrequenciesChosen();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;

@@ -53,6 +53,7 @@ TEST_F(ManualForm, OperatorFindsAThresholdAndTheTestGoesOn) {
     EXPECT_EQ(Step().minimum(), 1);
     EXPECT_EQ(Step().maximum(), 12);
     EXPECT_EQ(Step().value(), 12);
+    EXPECT_TRUE(QRect(0, 0, 800, 560).contains(Manual()->rect())) << "on a small screen";
     EXPECT_TRUE(IsTicked(*Manual(), "chkRfOn"));
     EXPECT_TRUE(IsEnabled(*Manual(), "chkModOn"));
     EXPECT_FALSE(Buttons().isVisible());

@@ -32,7 +32,7 @@ std::string TextOfPdf(const std::string& file) {
 TEST(ReportPdf, HoldsEveryThresholdAndEveryStepOnCountedPages) {
   const TestShell t;
   const std::string file = t.directory.File("radio.pdf");
-  ASSERT_TRUE(FileReport(ReportOf(RunOf(t, 300), true), ReportPaper::Letter, file));
+  ASSERT_TRUE(FileReport(RunOf(t, 300), {ReportPaper::Letter, true}, file));
   EXPECT_THAT(ReadTextFile(file),
               testing::AllOf(testing::StartsWith("%PDF"), HasSubstr("[0 0 612"), HasSubstr("pdfaid:part")));
   const std::string text = TextOfPdf(file);

@@ -75,6 +75,13 @@ TEST_F(RunDataForm, ARunThatLiesOneDbHigherDiffersByOneDb) {
   EXPECT_EQ(difference.Points, (std::vector<CurvePoint>{{1, 1}, {4, 1}}));
   EXPECT_EQ(difference.Unit, "dB");
   EXPECT_EQ(Cell(form, "grdRuns", 1, 1), QLatin1String("at 2 common frequencies; largest 1 dB at 1 MHz"));
+  auto& values = Find<CurveView>(form, "crvValues");
+  auto& differences = Find<CurveView>(form, "crvDifferences");
+  values.ShowFrequencies(2, 3);
+  EXPECT_EQ(differences.HighestShown().Freq, 3) << "zoomed together";
+  differences.Fit();
+  EXPECT_GT(values.HighestShown().Freq, 3);
+  EXPECT_FALSE(values.IsZoomed());
   for (int i = 0; i < 5; ++i) form.CompareWith(directory.File("second.run"));
   EXPECT_EQ(Find<QTableView>(form, "grdRuns").model()->rowCount(), 6);
   EXPECT_EQ(TextOf(form, "lblTrouble"), "5 other runs can be compared: remove one first.");
@@ -89,7 +96,8 @@ TEST_F(RunDataForm, WhatCannotBeReadIsSaidInTheWindow) {
       {"none.run", "", 0, ""},
       {"one.run", "1.0, -10.0, 120.0, , , \r\n", 1, ""},
       {"cut.run", "1.0, -10.0, 120.0, , , \r\n2.0, -1", 1, "Line 3 is cut, and left out."},
-      {"foreign.run", "hello\r\n1.0, NaN, 120.0, , , \r\n", 1, "Line 2 is none of run data. 1 more: see Information."},
+      {"foreign.run", "hello\r\n1.0, -10.0, 120.0, NaN, , \r\n", 1,
+       "Line 2 is none of run data. 1 more: see Information."},
       {"thresholds.run", "Freq(MHz), Threshold, Comment\r\n1.0, Threshold -3.0dB, a\r\n", 1, ""},
       {"falling.run", "2.0, 1.0, 2.0, , , \r\n1.0, 1.0, 2.0, , , \r\n1.0, 1.0, 2.0, , , \r\n0, 1.0, 2.0, , , \r\n", 4,
        ""}};

@@ -91,9 +91,13 @@ TEST_P(WindowSizes, EveryWindowFitsASmallScreenWithItsTitleBarAndItsNotice) {
   const auto& manual = Find<QTextBrowser>(m.Opened<frmHelp>(), "txtHelp");
   std::set<std::string> unseen = WindowsOfTheProgram();
   for (QWidget* const window : QApplication::topLevelWidgets()) {
+    SCOPED_TRACE(window->objectName().toStdString());
     auto* const form = qobject_cast<QMainWindow*>(window);
-    if (!form) continue;
-    SCOPED_TRACE(form->objectName().toStdString());
+    if (!form) {
+      EXPECT_LE(window->minimumSizeHint().width(), room.width());
+      EXPECT_LE(window->minimumSizeHint().height(), room.height());
+      continue;
+    }
     unseen.erase(form->objectName().toStdString());
     if (auto* const working = qobject_cast<WorkingForm*>(form)) {
       QTest::keyClick(form, Qt::Key_F1);

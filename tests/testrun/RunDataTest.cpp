@@ -53,7 +53,7 @@ TEST(SaveRunData, IsTrueOnlyWhereNothingIsLost) {
   t.dialogs.AnswerSave(t.directory.File("a.run"));
   EXPECT_TRUE(SaveRunData(t.shell, Example(), {}));
   EXPECT_EQ(t.directory.Read("a.run"), kWhole);
-  EXPECT_TRUE(t.directory.Read("a.runinfo").starts_with("Hylden run information 1\r\n"));
+  EXPECT_TRUE(t.directory.Read("a.runinfo").starts_with("Hylden run information 2\r\n"));
   const FileRequest& request = t.dialogs.saveRequests.back();
   EXPECT_EQ(request.title, "Select run file");
   EXPECT_EQ(request.filter, "Test Run Files (*.run)|*.run|All Files|*.*");

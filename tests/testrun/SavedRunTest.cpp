@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "support/TempDir.h"
 #include "testrun/RunDataFile.h"
 #include "testrun/RunInfo.h"
@@ -46,7 +48,9 @@ TEST(RunDataFile, WhatIsNoRowIsToldAndCostsItselfOnly) {
                         {"1.0, Threshold 1.0dB, disp", 1, "Line 4 has no end: its comment may be cut."},
                         {"hello\n1.0, 1.0, 2.0, , , \n", 1, "Line 4 is none of run data."},
                         {"x, 1.0, 2.0, , , \n", 0, "Line 4 is none of run data."},
-                        {"1.0, nan, 2.0, , , \n", 1, "Line 4 holds \"nan\" instead of a number."},
+                        {"1.0, nan, 2.0, , , \n", 0, "Line 4 holds \"nan\" instead of a number, and is left out."},
+                        {"1.0, , 2.0, 3.0, , \n", 0, "Line 4 lacks a level, and is left out."},
+                        {"1e8, 1.0, 2.0, , , \n", 0, "Line 4 holds \"1e8\" instead of a number, and is left out."},
                         {"1.0, 1.0, 2.0, , 1e39, \n", 1, "Line 4 holds \"1e39\" instead of a number."},
                         {"1.0, 1.0, 2.0, , 1e999, \n", 1, "Line 4 holds \"1e999\" instead of a number."},
                         {"2.0, 1.0, 2.0, , , \n1.0, 1.0, 2.0, , , \n1.0, 1.0, 2.0, , , \n", 3, ""}}) {
@@ -114,8 +118,38 @@ TEST(RunInfoFile, OneThatIsNotOfTheseRowsIsToldAndNotUsed) {
   };
   EXPECT_EQ(ReadRunInfo(run, "rows").Trouble, "") << "none is there";
   EXPECT_NE(troubleOf(RunInfoText(Information(), "others")).find("belongs to other run data"), std::string::npos);
-  EXPECT_NE(troubleOf("Hylden run information 2\n").find("of another version"), std::string::npos);
+  EXPECT_NE(troubleOf("Hylden run information 3\n").find("of another version"), std::string::npos);
   EXPECT_NE(troubleOf("\x89PNG").find("is no run information"), std::string::npos);
+}
+
+TEST(RunInfoFile, WhatIsDamagedIsToldAndCostsItselfOnly) {
+  TempDir directory;
+  const std::string run = directory.Write("a.run", "rows");
+  const std::string whole = RunInfoText(Information(), "rows");
+  const auto read = [&](std::string from, const std::string& to) {
+    std::string text = whole;
+    text.replace(text.find(from), from.size(), to);
+    ReplaceFile(RunInfoFile(run), text);
+    RunInfoBeside beside = ReadRunInfo(run, "rows");
+    EXPECT_TRUE(beside.Info) << from;
+    return beside;
+  };
+  for (const auto& [from, to, told] :
+       std::vector<std::array<std::string, 3>>{{"[End]", "", "ends too early"},
+                                               {"Actual=61.25", "Actual=6x", "damaged at \"Actual\""},
+                                               {"Steps=67", "Steps 67", "damaged at \"Steps 67\""},
+                                               {"Point=0.15", "Point=x", "damaged at \"Point\""},
+                                               {"Continued=3", "Continued=-3", "damaged at \"Continued\""},
+                                               {"\n1=2026", "\nx=2026", "damaged at \"x\""}}) {
+    const RunInfoBeside beside = read(from, to);
+    EXPECT_NE(beside.Trouble.find(told), std::string::npos) << beside.Trouble;
+    EXPECT_EQ(beside.Info->Test->Is.Spare1, "kept");
+  }
+  EXPECT_EQ(read("information 2", "information 1").Trouble, "");
+  std::string first = whole;
+  first.replace(first.find("information 2"), 13, "information 1");
+  ReplaceFile(RunInfoFile(run), first.substr(0, first.find("[End]")));
+  EXPECT_EQ(ReadRunInfo(run, "rows").Trouble, "") << "the first form had no end";
 }
 
 }  // namespace

@@ -37,8 +37,9 @@ std::string ReportPdf(const RunReportText& report, ReportPaper paper) {
   return bytes.toStdString();
 }
 
-Done FileReport(const RunReportText& report, ReportPaper paper, const std::string& path) {
-  return Trapped("FileReport", path, [&] { ReplaceFile(path, ReportPdf(report, paper)); });
+Done FileReport(const OpenedRun& run, const ReportChoices& choices, const std::string& path) {
+  return Trapped("FileReport", path,
+                 [&] { ReplaceFile(path, ReportPdf(ReportOf(run, choices.AllSteps), choices.Paper)); });
 }
 
 }  // namespace hylden

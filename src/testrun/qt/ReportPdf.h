@@ -12,7 +12,8 @@ namespace hylden {
 /// object, but no screen.
 std::string ReportPdf(const RunReportText& report, ReportPaper paper);
 
-/// Writes a report; a failure leaves an old file whole.
-Done FileReport(const RunReportText& report, ReportPaper paper, const std::string& path);
+/// Writes the report of a run; a failure leaves an old file whole.
+/// @param choices  all of them are followed
+Done FileReport(const OpenedRun& run, const ReportChoices& choices, const std::string& path);
 
 }  // namespace hylden

@@ -5,6 +5,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QSplitter>
 #include <QTableWidget>
 #include <QVBoxLayout>
@@ -57,6 +58,8 @@ RunComparison::RunComparison(QWidget* parent)
   values_ = MakeView(*splitter, "crvValues", "Curves of all runs");
   differences_ = MakeView(*splitter, "crvDifferences", "Differences to the first run");
   layout->addWidget(splitter, 1);
+  Link(*values_, *differences_);
+  Link(*differences_, *values_);
   runs_->setObjectName(QStringLiteral("grdRuns"));
   runs_->setHorizontalHeaderLabels({QStringLiteral("Run"), QStringLiteral("Difference to the first")});
   runs_->horizontalHeader()->setStretchLastSection(true);
@@ -89,6 +92,17 @@ QWidget* RunComparison::MakeBar() {
   layout->addStretch();
   layout->addWidget(remove);
   return bar;
+}
+
+/// What is zoomed in one view is looked for in the other one.
+void RunComparison::Link(CurveView& view, CurveView& other) {
+  connect(&view, &CurveView::FrequenciesChosen, &other, [&view, &other] {
+    const QSignalBlocker silent(other);  // or it would answer
+    if (view.IsZoomed())
+      other.ShowFrequencies(view.LowestShown().Freq, view.HighestShown().Freq);
+    else
+      other.Fit();
+  });
 }
 
 void RunComparison::Begin(const OpenedRun& run) {

@@ -32,6 +32,7 @@ class RunComparison : public QWidget {
 
  private:
   QWidget* MakeBar();
+  static void Link(CurveView& view, CurveView& other);
   void Show();
   Curve CurveOf(const OpenedRun& run, std::size_t number) const;
   void Remove();

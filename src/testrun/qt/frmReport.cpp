@@ -74,8 +74,7 @@ bool frmReport::KeepParticulars() {
 void frmReport::accept() {
   const auto file = AskFile();
   if (!file || !KeepParticulars()) return;
-  const ReportChoices choices = Choices();
-  if (!shell_.Ok(FileReport(ReportOf(run_, choices.AllSteps), choices.Paper, *file))) return;
+  if (!shell_.Ok(FileReport(run_, Choices(), *file))) return;
   savedFile_ = *file;
   QDialog::accept();
 }

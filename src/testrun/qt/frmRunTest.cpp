@@ -90,7 +90,11 @@ RunWindow::Controls frmRunTest::TheControls() {
 void frmRunTest::ConnectFileMenu() {
   On(ui_->mnuFileSave, [this] { engine_.Save(); });
   On(ui_->mnuFileReport, [this] {
-    frmReport report(shell_, {.File = {}, .Run = {engine_.Data(), false, {}}, .Beside = {engine_.Info(), {}}}, this);
+    frmReport report(shell_,
+                     {.File = engine_.SavedFile(),
+                      .Run = {engine_.Data(), false, {}},
+                      .Beside = {engine_.Info(), {}, RunChecksum(engine_.Data())}},
+                     this);
     if (report.exec() == QDialog::Accepted) engine_.SetParticulars(report.Particulars());
   });
   const auto print = [this](QAction* action, QAction* preview, RunReportKind kind) {
@@ -241,7 +245,7 @@ void frmRunTest::Show(Readout readout, std::optional<double> value) {
   RunWindow::Show(readout, value);
   switch (readout) {
     case Readout::Frequency:
-      return ShowPanel(ToQt(Format(value.value_or(0), "0.0#####")) + QStringLiteral(" MHz"));
+      return ShowPanel(ToQt(Format(value.value_or(0), "0.0#####")));
     case Readout::InducedLimit:
       inducedLimitDbua_ = value.value_or(0);  // its level follows
       return;
