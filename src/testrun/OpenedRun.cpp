@@ -73,8 +73,9 @@ void AddRun(std::vector<InfoSection>& page, const RunInfo& info, const std::vect
   section.Always("Outcome", info.Outcome);
   section.Always("Started", info.Started);
   section.Always("Ended", info.Ended);
-  section.Always("Took", LengthText(info.ActualSeconds));
-  section.Line("Predicted", LengthText(info.PredictedSeconds));
+  const std::string ofWhat = info.Seams.empty() ? "" : ", last part";
+  section.Always("Took" + ofWhat, LengthText(info.ActualSeconds));
+  section.Line("Predicted" + ofWhat, LengthText(info.PredictedSeconds));
   section.Line("Planned steps", info.PlannedSteps > 0 ? std::to_string(info.PlannedSteps) : "");
   section.Line("Continued at", SeamText(info, rows));
   section.Line("Instruments", info.Notice.empty() && !info.Program.empty() ? "real" : info.Notice);

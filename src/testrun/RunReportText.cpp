@@ -144,7 +144,9 @@ void Report::AddParticulars() {
              {"Ambient conditions", Or(particulars.Ambient, kNotStated)},
              {"Begun", Or(info_.Started, kNotKnown)},
              {"Ended", Or(info_.Ended, kNotKnown)}};
-  if (info_.ActualSeconds > 0) entries.emplace_back("Duration", DurationText(info_.ActualSeconds));
+  if (info_.ActualSeconds > 0)
+    entries.emplace_back(info_.Seams.empty() ? "Duration" : "Duration of the last part",
+                         DurationText(info_.ActualSeconds));
   entries.emplace_back("Run data", run_.File.empty() ? "not saved yet" : FileNameOf(run_.File));
   if (!info_.Program.empty()) entries.emplace_back("Recorded with", info_.Program);
 }
@@ -285,7 +287,9 @@ void Report::AddFigures() {
   if (!section.Figures.empty() && !section.Figures.front().Marks.empty())
     section.Figures.front().Title += " and thresholds (" + section.Figures.front().Marks.front().Text +
                                      (section.Figures.front().Marks.size() > 1 ? " ...)" : ")");
-  if (rows_.Measures(&StepResult::FwdPwr)) add(RunQuantity::Power, "Power of the amplifier");
+  // Where no power was measured it is all that says what drove the amplifier.
+  add(rows_.Measures(&StepResult::FwdPwr) ? RunQuantity::Power : RunQuantity::Generator,
+      rows_.Measures(&StepResult::FwdPwr) ? "Power of the amplifier" : "Level of the generator");
   if (rows_.Measures(&StepResult::Induced)) add(RunQuantity::Induced, "Induced current");
 }
 

@@ -96,7 +96,8 @@ TEST(OpenedRun, TellsWhatIsKnownAndWhatIsNot) {
   info.ActualSeconds = 725;
   info.CalPoints = {{1, -10, 120, 40}, {8, -7, 120, 42}};
   ASSERT_TRUE(FileRunInfo(info, file));
-  EXPECT_THAT(lines(), testing::AllOf(testing::HasSubstr("Instruments=SIMULATED BENCH"), testing::HasSubstr("0:12:05"),
+  EXPECT_THAT(lines(), testing::AllOf(testing::HasSubstr("Instruments=SIMULATED BENCH"),
+                                      testing::HasSubstr("Took, last part=0:12:05"),
                                       testing::HasSubstr("row 4 (4 MHz), row 99\n"), testing::HasSubstr("150.0 ohms")));
   EXPECT_EQ(OpenRun(file)->CurveContext().ImpedanceOhms, 150);
   EXPECT_EQ(OpenRun(file)->CurveContext().Aims.size(), 4U) << "one for each frequency";

@@ -18,7 +18,7 @@ constexpr double kPointsPerInch = 72;
 constexpr double kMarginSide = 56, kMarginTop = 62, kMarginBottom = 62, kFrameGap = 16;  // points
 constexpr double kCellGap = 5, kRowGap = 2.5;
 constexpr double kEntryName = 0.29;  ///< of the width
-constexpr double kFigureHeight = 176, kFigureGap = 8, kHandHeight = 26, kWarningPad = 7;
+constexpr double kFigureHeight = 138, kFigureGap = 8, kHandHeight = 26, kWarningPad = 7;
 constexpr int kBlack = 0, kDark = 70, kMiddle = 130, kLight = 205;
 
 }  // namespace
