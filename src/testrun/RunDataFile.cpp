@@ -137,7 +137,7 @@ class RunLines {
     std::string what = bad.empty() ? "" : "holds \"" + bad + "\" instead of a number";
     if (!step) what = (bad.empty() ? "lacks a level" : what) + ", and is left out";
     if (!what.empty()) Tell(what);
-    if (step) run_.Data.Add(*std::move(step));
+    if (step) run_.Data.Add(*step);
   }
 
   void Tell(const std::string& what) { run_.Troubles.push_back("Line " + std::to_string(number_) + " " + what + "."); }
