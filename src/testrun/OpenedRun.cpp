@@ -118,7 +118,7 @@ void AddCalibration(std::vector<InfoSection>& page, const RunInfo& info) {
   if (!info.Calibration) return;
   Section section("Calibration");
   section.Line("Record", info.Calibration->File);
-  section.Line("Date", info.CalibrationDate);
+  section.Line("Written on", info.CalibrationDate);
   section.Line("Range, MHz", info.Calibration->Is.FreqRange);
   section.Line("Points", std::to_string(info.CalPoints.size()));
   section.PutInto(page);

@@ -17,7 +17,7 @@ namespace {
 constexpr double kBeyondAny = 1e6;
 
 constexpr std::string_view kMark = "**", kCapMark = "+2", kThreshold = "Threshold ", kDb = "dB";
-constexpr std::size_t kCells = 6;
+constexpr std::size_t kCells = 6, kMostOfALine = 120;
 
 /// The first `most` cells of a line; the last one has what is left of it.
 std::vector<std::string_view> CellsIn(std::string_view line, std::size_t most) {
@@ -99,6 +99,23 @@ std::optional<ThresholdEntry> ThresholdOf(std::string_view line) {
   return ThresholdEntry{ToDouble(cells[0]), ToDouble(offset), std::string(comment)};
 }
 
+/// The units of a line of headings: what stands in parentheses.
+std::vector<std::string> UnitsIn(std::string_view line) {
+  std::vector<std::string> units;
+  for (auto begin = line.find('('); begin != std::string_view::npos; begin = line.find('(', begin + 1)) {
+    const auto end = line.find(')', begin);
+    if (end == std::string_view::npos) break;
+    units.emplace_back(line.substr(begin + 1, end - begin - 1));
+  }
+  return units;
+}
+
+/// Whether these are the headings of levels in other units than ours.
+bool HasOtherUnits(std::string_view line) {
+  const auto units = UnitsIn(line);
+  return line.starts_with("Freq(") && units.size() > 1 && units != UnitsIn(RunHeaderLines(false).back());
+}
+
 /// Reads the lines behind the title.
 class RunLines {
  public:
@@ -162,6 +179,9 @@ Result<SavedRun> RunDataOf(std::string_view text) {
   RunLines rows(run);
   while (!lines.AtEnd()) {
     const std::string_view line = lines.NextLine();
+    if (HasOtherUnits(line))
+      return Because("The levels of these run data have other units, they are not read:\r\n" +
+                     std::string(line.substr(0, kMostOfALine)));
     rows.Read(line, !lines.AtEnd() || EndsLine(text));
   }
   return run;

@@ -332,6 +332,7 @@ void RunEngine::EndRun() {
   info_.Ended = TimeText(shell_.clock.Now());
   info_.Outcome = guard_.Outcome() == RunOutcome::Finished ? runend::kFinished : runend::kEndedEarly;
   info_.Seams = data_.Seams();
+  info_.CompletedSteps = CompletedSteps();
   guard_.Attempt([&] { journal_.TellTrouble(display_); });
   guard_.Attempt([&] { display_.Phase(RunPhase::Asking); });
   guard_.Attempt([&] {

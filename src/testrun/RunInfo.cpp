@@ -210,6 +210,7 @@ void Fields(F& f, RunInfo& info, DataKey& data) {
   f.Number("Predicted", info.PredictedSeconds);
   f.Number("Actual", info.ActualSeconds);
   f.Whole("Steps", info.PlannedSteps);
+  f.Whole("Completed", info.CompletedSteps);
   f.Rows("Continued", info.Seams);
   f.Section("Report");
   f.Text("Lab", info.Particulars.Lab);

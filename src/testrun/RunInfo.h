@@ -55,7 +55,8 @@ struct RunInfo {
   double PredictedSeconds = 0;  ///< what the run was to take; 0: not known
   double ActualSeconds = 0;     ///< what it took, without manual mode
   int PlannedSteps = 0;
-  std::set<int> Seams;  ///< the rows at which it was continued
+  int CompletedSteps = 0;  ///< of those planned, not counting repetitions; 0: not known
+  std::set<int> Seams;     ///< the rows at which it was continued
   RunParticulars Particulars;
   std::optional<DocumentCopy<TestDefinition>> Test;
   std::optional<DocumentCopy<EquipRecord>> Station;

@@ -49,14 +49,23 @@ struct Rows {
         Thresholds.emplace_back(row, &std::get<ThresholdEntry>(entry));
       }
     }
+    Held.reserve(Complete.size());
+    for (const StepEntry* const step : Complete) Held.push_back(step->Freq);
+    std::sort(Held.begin(), Held.end());
+    Held.erase(std::unique(Held.begin(), Held.end(), IsSameFrequency), Held.end());
   }
 
+  bool IsHeldElsewhere(const StepEntry& failed) const {
+    const auto at = std::lower_bound(Held.begin(), Held.end(), failed.Freq - kSameMHz);
+    return at != Held.end() && IsSameFrequency(*at, failed.Freq);
+  }
   bool Measures(std::optional<double> StepResult::*quantity) const {
     return std::any_of(Complete.begin(), Complete.end(),
                        [&](const StepEntry* step) { return ((*step->Result).*quantity).has_value(); });
   }
 
   std::vector<const StepEntry*> Complete, Incomplete;
+  std::vector<double> Held;  ///< the frequencies of complete steps, rising, each once
   std::vector<std::pair<int, const ThresholdEntry*>> Thresholds;  ///< with their rows
 };
 
@@ -161,6 +170,8 @@ std::string Report::ExposureText() const {
     highest = std::max(highest, step->Freq);
   }
   std::string text = "The product was exposed in " + CountText(rows_.Complete.size(), "step");
+  const std::size_t repeated = rows_.Complete.size() - rows_.Held.size();
+  if (repeated > 0) text += ", " + std::to_string(repeated) + " of them at a frequency that was there before,";
   text += IsSameFrequency(lowest, highest) ? " at " : " from " + FreqText(lowest) + " MHz to ";
   text += FreqText(highest) + " MHz";
   if (info_.Test) text += ", with " + ModulationText(info_.Test->Is);
@@ -177,23 +188,21 @@ std::string Report::LevelsText() const {
   const auto both = [](float dbuv) {
     return LevelText(double{dbuv}) + " dBµV (" + Format(Conversions::DbuvToVolts(double{dbuv}), "##0.0#") + " V)";
   };
-  const bool limited = std::any_of(rows_.Complete.begin(), rows_.Complete.end(),
-                                   [](const StepEntry* step) { return StayedBelow(step->Result->Marks); });
-  std::string text = (limited ? "The test level aimed at was " : "The test level was ") + both(lowest) +
+  const auto limited = std::count_if(rows_.Complete.begin(), rows_.Complete.end(),
+                                     [](const StepEntry* step) { return StayedBelow(step->Result->Marks); });
+  std::string text = (limited > 0 ? "The test level aimed at was " : "The test level was ") + both(lowest) +
                      (rows_.Complete.size() == 1 ? "."
                       : lowest == highest        ? " at every step."
                                                  : " to " + both(highest) + ".");
-  if (limited)
-    text +=
-        rows_.Complete.size() == 1
-            ? " The induced current or the forward power reached its limit first, and the level stayed below."
-            : " At some steps the induced current or the forward power reached its limit first, and the level stayed "
-              "below.";
+  if (limited > 0)
+    text += " At " + CountText(static_cast<std::size_t>(limited), "step") +
+            " the induced current or the forward power reached its limit first, and the level stayed below.";
   return text;
 }
 
 std::string Report::OutcomeText() const {
-  const std::string steps = std::to_string(rows_.Complete.size()) + " of " +
+  const auto known = static_cast<std::size_t>(std::max(info_.CompletedSteps, 0));
+  const std::string steps = std::to_string(known > 0 ? known : rows_.Held.size()) + " of " +
                             CountText(static_cast<std::size_t>(std::max(info_.PlannedSteps, 0)), "planned step");
   const std::string count = info_.PlannedSteps > 0 ? ": " + steps + " are complete" : "";
   if (info_.Outcome == runend::kFinished) return "The run was taken to its end" + count + ".";
@@ -305,7 +314,7 @@ void Report::AddCalibration() {
   if (!info_.Calibration)
     return section.Sentences.emplace_back("The calibration record that the test replayed is not known."), void();
   section.Entries = {{"Record", FileNameOf(info_.Calibration->File)},
-                     {"Calibrated on", Or(info_.CalibrationDate, kNotKnown)}};
+                     {"Record written on", Or(info_.CalibrationDate, kNotKnown)}};
   for (auto& entry : CalibrationInWords(info_.Calibration->Is)) section.Entries.push_back(std::move(entry));
   if (!info_.CalPoints.empty())
     section.Entries.emplace_back("Points of the record", std::to_string(info_.CalPoints.size()));
@@ -368,7 +377,8 @@ std::vector<std::string> Report::StepCells(int row, const StepEntry& step) const
   }
   const StepResult& result = *step.Result;
   cells.push_back(LevelText(double{result.SigGenLevel}));
-  cells.push_back(LevelText(double{result.TestLevel}));
+  const bool isBelow = StayedBelow(result.Marks) && !IsMissing(result.TestLevel);
+  cells.push_back((isBelow ? "< " : "") + LevelText(double{result.TestLevel}));
   for (const auto quantity : {&StepResult::Induced, &StepResult::FwdPwr, &StepResult::RevPwr})
     if (rows_.Measures(quantity)) cells.push_back(LevelText(result.*quantity));
   cells.push_back(LevelledBy(result.Marks));
@@ -403,12 +413,12 @@ void Report::AddRemarks() {
 /// What a reader can't learn from this report.
 void Report::AddGaps() {
   std::vector<std::string> gaps;
-  if (!rows_.Incomplete.empty()) {
-    std::string text = "At these frequencies the step failed or was halted, and its level was not held: ";
-    for (const StepEntry* const step : rows_.Incomplete)
-      text += (step == rows_.Incomplete.front() ? "" : ", ") + FreqText(step->Freq);
-    gaps.push_back(text + " MHz.");
-  }
+  std::string notHeld;
+  for (const StepEntry* const step : rows_.Incomplete)
+    if (!rows_.IsHeldElsewhere(*step)) notHeld += (notHeld.empty() ? "" : ", ") + FreqText(step->Freq);
+  if (!notHeld.empty())
+    gaps.push_back("At these frequencies the step failed or was halted, and its level was not held: " + notHeld +
+                   " MHz.");
   if (!run_.Beside.Trouble.empty()) gaps.push_back(run_.Beside.Trouble);
   if (info_.Started.empty() && !info_.Test)
     gaps.emplace_back(

@@ -303,8 +303,8 @@ void CurveView::Plot::SetAxes() {
   plot.xAxis->setTicker(isLog ? QSharedPointer<QCPAxisTicker>(new FrequencyTicker)
                               : QSharedPointer<QCPAxisTicker>(new QCPAxisTicker));
   // About as many numbers as there is room for: in a low plot they would stand in each other.
-  const int lines = plot.height() / (5 * plot.fontMetrics().height());
-  for (const QCPAxis* const axis : {plot.yAxis, plot.yAxis2}) axis->ticker()->setTickCount(std::clamp(lines, 1, 5));
+  const int lines = plot.height() / (4 * plot.fontMetrics().height());
+  for (const QCPAxis* const axis : {plot.yAxis, plot.yAxis2}) axis->ticker()->setTickCount(std::clamp(lines, 2, 5));
   plot.yAxis->setLabel(TitleOf(ValueAxis::Left));
   plot.yAxis2->setLabel(TitleOf(ValueAxis::Right));
   const auto isRight = [](const auto& shown) { return shown.Axis == ValueAxis::Right; };

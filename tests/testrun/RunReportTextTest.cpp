@@ -90,9 +90,27 @@ TEST(RunReportText, HoldsEveryParameterAndTellsOfBenchSeamsAndOutcome) {
        {"SIMULATED BENCH: no instrument is driven\n", "Test Report: A radio\n", "Customer: A customer\n",
         "Operator: An operator\n", "The run ended early: 2 of 4 planned steps are complete.\n",
         "continued at 80.0 MHz (row 3)", "10 V (140.0 dBµV)", "user-defined coupling factor",
-        "Calibrated on: 2026-11-20 08:00:00\n", "Signal generator|Two-letter|gen.sg|\n", "Monitor probe: one.prb\n",
+        "Record written on: 2026-11-20 08:00:00\n", "Signal generator|Two-letter|gen.sg|\n", "Monitor probe: one.prb\n",
         "1|0.15|-10.0|140.0|–||18:35:10|\n", "Remark one\n"})
     EXPECT_THAT(said, HasSubstr(text));
+}
+
+TEST(RunReportText, StepsThatWereRepeatedAreCountedOnce) {
+  OpenedRun run = Example();
+  RunData& data = run.Run.Data;
+  data.AddStep(90);  // failed, and held when it was repeated
+  for (const double freq : {0.15, 90.0}) data.FillStep(data.AddStep(freq), StepResult{-10, 140});
+  RunInfo& info = run.Beside.Info.emplace();
+  info.Outcome = runend::kEndedEarly;
+  info.PlannedSteps = 4;
+  std::string said = Flat(ReportOf(run, true));
+  EXPECT_THAT(said,
+              HasSubstr("in 4 steps, 1 of them at a frequency that was there before, from 0.15 MHz to 90.0 MHz."));
+  EXPECT_THAT(said, HasSubstr("3 of 4 planned steps are complete."));
+  EXPECT_THAT(said, HasSubstr("its level was not held: 81.5 MHz.\n"));
+  EXPECT_THAT(said, HasSubstr("|< 140.0|")) << "the limit kept it below";
+  info.CompletedSteps = 2;
+  EXPECT_THAT(Flat(ReportOf(run, true)), HasSubstr("2 of 4 planned steps are complete."));
 }
 
 TEST(TestInWords, NamesEveryParameterThatIsInUse) {

@@ -60,6 +60,9 @@ TEST(RunDataFile, WhatIsNoRowIsToldAndCostsItselfOnly) {
     EXPECT_EQ(run->Troubles.empty() ? "" : run->Troubles.front(), c.trouble) << c.lines;
   }
   for (const char* text : {"", "\x89PNG", "Freq(MHz), Threshold, Comment\r\n"}) EXPECT_FALSE(RunDataOf(text)) << text;
+  std::string inVolts = std::string(kHead) + "1.0, 1.0, 2.0, , , \n";
+  inVolts.replace(inVolts.find("dBuv"), 4, "V");
+  EXPECT_FALSE(RunDataOf(inVolts)) << "they would be shown as dBuV";
 }
 
 RunInfo Information() {

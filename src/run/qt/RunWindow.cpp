@@ -118,6 +118,7 @@ void RunWindow::SetUpStatusBar(const Panel& panel) {
   statusPanel_ = MakePanel({"pnlStatus", "State of the run"});
   statusPanel_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);  // a long reason makes no window wide
   panel_ = MakePanel(panel);
+  panelTellsStep_ = panel.TellsStep;
   dwellPanel_ = MakePanel({"pnlDwell", "What is left of the wait, seconds"});
   statusBar()->addWidget(statusPanel_, 1);
   notePanel_ = MakePanel({"pnlNote", "What the operator has to know of this run"});
@@ -309,11 +310,11 @@ void RunWindow::Countdown(double seconds) {
 void RunWindow::Step(int step) {
   step_ = step;
   ShowText(*controls_.Step, StepText(step));
+  if (panelTellsStep_) ShowPanel(QStringLiteral("Step Number %1").arg(step));
   ShowCaption();
 }
 
 void RunWindow::StepDone(int step) {
-  ShowPanel(QStringLiteral("Step Number %1").arg(step));
   ShowProgress(step);
 }
 

@@ -90,11 +90,12 @@ class RunWindow : public WorkingForm, public HasTightLayout, protected RunDispla
   struct Panel {
     const char* Name;
     const char* Meaning;
+    bool TellsStep = false;  ///< it shows the number of the step in work
   };
 
   /// To be called once the controls are there.
   void SetUp(Controls controls, RowTable& table, UnsavedRows& rows,
-             const Panel& panel = {"pnlStep", "The frequency that was completed last"});
+             const Panel& panel = {"pnlStep", "The step in work", true});
   /// Has the window open as it was left; to be called behind SetUp.
   /// @param windowKey  its section in the settings
   void RestoreLayout(std::string_view windowKey);
@@ -156,6 +157,7 @@ class RunWindow : public WorkingForm, public HasTightLayout, protected RunDispla
   TableFollower* follower_ = nullptr;
   QLabel* statusPanel_ = nullptr;
   QLabel* panel_ = nullptr;
+  bool panelTellsStep_ = false;
   QLabel* notePanel_ = nullptr;
   QLabel* dwellPanel_ = nullptr;
   std::string_view layoutKey_;
