@@ -155,7 +155,7 @@ void Report::AddParticulars() {
              {"Ended", Or(info_.Ended, kNotKnown)}};
   if (info_.ActualSeconds > 0)
     entries.emplace_back(info_.Seams.empty() ? "Duration" : "Duration of the last part",
-                         DurationText(info_.ActualSeconds));
+                         DurationText(info_.ActualSeconds) + ", manual mode not counted");
   entries.emplace_back("Run data", run_.File.empty() ? "not saved yet" : FileNameOf(run_.File));
   if (!info_.Program.empty()) entries.emplace_back("Recorded with", info_.Program);
 }
