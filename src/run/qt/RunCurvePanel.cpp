@@ -21,6 +21,15 @@ constexpr int kDrawMs = 50, kTryAgainMs = 10;
 /// What a wait has to have left for them to be drawn in it, and how long they wait for one.
 constexpr double kRoomSeconds = 0.03;
 constexpr int kLongestMs = 300;
+/// So many are drawn in a millisecond at the least.
+constexpr std::size_t kPointsInAMillisecond = 100000;
+
+bool TakesLong(const RowCurves* curves) {
+  std::size_t points = 0;
+  if (curves)
+    for (const Curve& curve : curves->Curves()) points += curve.Points.size();
+  return points > kPointsInAMillisecond;
+}
 
 }  // namespace
 
@@ -103,11 +112,13 @@ void RunCurvePanel::SetTimeLeft(double seconds) {
   sinceTold_.restart();
 }
 
-/// A step that is about to end is not held up by drawing; a run of steps without any wait is shown once in a while.
+/// A step that is about to end is not held up by drawing. A run of steps without any wait is shown once in a while, as
+/// long as that costs less than anybody notices.
 void RunCurvePanel::DrawWhenThereIsTime() {
   const bool running = frequencyMHz_.has_value();
   const double left = secondsLeft_ - static_cast<double>(sinceTold_.elapsed()) / 1000;
-  if (running && left < kRoomSeconds && sinceDrawn_.elapsed() < kLongestMs) return timer_.start(kTryAgainMs);
+  const bool mayWait = sinceDrawn_.elapsed() < kLongestMs || TakesLong(curves_);
+  if (running && left < kRoomSeconds && mayWait) return timer_.start(kTryAgainMs);
   try {
     Draw();
   } catch (const std::exception&) {
