@@ -314,6 +314,14 @@ bool RunEngine::ManualPhase() {
   return true;
 }
 
+void RunEngine::NoteEnd(double seconds) {
+  info_.ActualSeconds = seconds;
+  info_.Ended = TimeText(shell_.clock.Now());
+  info_.Outcome = guard_.Outcome() == RunOutcome::Finished ? runend::kFinished : runend::kEndedEarly;
+  info_.Seams = data_.Seams();
+  info_.CompletedSteps = CompletedSteps();
+}
+
 void RunEngine::EndRun() {
   const bool inOrder = guard_.Outcome() == RunOutcome::Finished || shell_.delay.HaltRequested();
   times_.TakingDown();
@@ -324,15 +332,12 @@ void RunEngine::EndRun() {
   guard_.Attempt([&] { display_.Phase(RunPhase::TakingDown); });
   guard_.Attempt([&] { up_.TakeDown(); });
   guard_.Attempt([&] { times_.Ended(inOrder); });
-  info_.ActualSeconds = times_.Seconds();
+  const double seconds = times_.Seconds();
   guard_.Attempt([&] { shell_.log.Release(); });
   guard_.Attempt([&] { manual_.Close(); });
   guard_.Attempt([&] { shell_.speaker.Beep(1000, 2000); });
   shell_.delay.RequestHalt();
-  info_.Ended = TimeText(shell_.clock.Now());
-  info_.Outcome = guard_.Outcome() == RunOutcome::Finished ? runend::kFinished : runend::kEndedEarly;
-  info_.Seams = data_.Seams();
-  info_.CompletedSteps = CompletedSteps();
+  if (!continues_) NoteEnd(seconds);  // of one that did not come to it the former end stands
   guard_.Attempt([&] { journal_.TellTrouble(display_); });
   guard_.Attempt([&] { display_.Phase(RunPhase::Asking); });
   guard_.Attempt([&] {

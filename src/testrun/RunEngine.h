@@ -100,6 +100,7 @@ class RunEngine {
   /// A step of the plan among those of this run, from 0.
   std::size_t OfThisRun(int step) const { return static_cast<std::size_t>(step - firstStep_); }
   JournalHead Head();
+  void NoteEnd(double seconds);
   void EndRun();
 
   Shell& shell_;

@@ -112,6 +112,14 @@ TEST(ContinuedRun, IsOfferedInItsWindowWhateverBecameOfItsRows) {
     EXPECT_EQ(dialogs.messages.size(), 1U);
     EXPECT_EQ(dialogs.LastText().substr(0, 62), "The last run ended early. Continue it at step 3 (2.5 MHz)?\r\nYe");
     EXPECT_EQ(run.CompletedSteps(), 2);
+    const std::string ended = run.Info().Ended;
+    rig.t.clock.Advance(60000);
+    rig.t.events.onYield = [&] { rig.t.shell.delay.RequestHalt(); };
+    for (const MessageAnswer answer : {MessageAnswer::Yes, MessageAnswer::Ok}) dialogs.Answer(answer);
+    run.ConfirmAndRun();
+    rig.t.events.onYield = nullptr;
+    EXPECT_EQ(run.Data().Seams().size(), 0U) << "it did not come to its rows";
+    EXPECT_EQ(run.Info().Ended, ended);
 
     shown.onStep = [&](int step) {
       const auto kept = journals.Kept();

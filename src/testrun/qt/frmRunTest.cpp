@@ -237,10 +237,6 @@ void frmRunTest::Status(const std::string& text) {
   ShowStatus(shown, shown);
 }
 
-void frmRunTest::StepDone(int step) {
-  ShowProgress(step);
-}
-
 void frmRunTest::Show(Readout readout, std::optional<double> value) {
   RunWindow::Show(readout, value);
   switch (readout) {

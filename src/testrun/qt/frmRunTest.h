@@ -66,7 +66,6 @@ class frmRunTest : public RunWindow, private ManualControls {
   void Status(const std::string& text) override;
   void Plan(const RunPlan& plan) override;
   QString StepText(int step) const override { return QStringLiteral("Step# %1").arg(step); }
-  void StepDone(int step) override;
   void Show(Readout readout, std::optional<double> value) override;
   void Mark(Readout readout, bool held) override;
   void RowChanged(int row) override;
